@@ -1,0 +1,64 @@
+# How a room of the house becomes a library, a program or a test.
+
+# Our own code compiles without a warning; generated code does not take part.
+add_library(mlk_warnings INTERFACE)
+target_compile_options(mlk_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+# Debian keeps the Android libraries in folders of their own.
+set(ANDROID_LIBRARY_DIR /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android)
+foreach(part log cutils utils base)
+    find_library(ANDROID_LIB${part} ${part} PATHS ${ANDROID_LIBRARY_DIR} NO_DEFAULT_PATH REQUIRED)
+    add_library(android_${part} INTERFACE)
+    target_include_directories(android_${part} SYSTEM INTERFACE /usr/include/android)
+    target_link_libraries(android_${part} INTERFACE ${ANDROID_LIB${part}})
+endforeach()
+list(APPEND CMAKE_BUILD_RPATH ${ANDROID_LIBRARY_DIR})
+
+find_package(Threads REQUIRED)
+if(BUILD_TESTING)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+endif()
+
+# mlk_library(NAME SOURCES... [PUBLIC LIBS...] [PRIVATE LIBS...])
+# A static library of our own code. Its headers are found by the name of their room:
+# "projectconfigs/ProjectParser.h".
+function(mlk_library name)
+    cmake_parse_arguments(ARG "" "" "PUBLIC;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${ARG_UNPARSED_ARGUMENTS})
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} mlk_warnings)
+endfunction()
+
+# mlk_program(NAME SOURCES... LIBS libs...)
+# A program in build/<preset>/bin.
+function(mlk_program name)
+    cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+    add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${ARG_LIBS} mlk_warnings)
+endfunction()
+
+# mlk_test(NAME SOURCES... LIBS libs... [NEEDS programs...] [TIMEOUT SECONDS])
+# One GoogleTest program; each of its tests is a test of CTest's, so that they run in parallel.
+# NEEDS names programs that the test starts: they are built first, and MLK_BIN_DIR in the test's
+# environment is the folder they are in.
+function(mlk_test name)
+    if(NOT BUILD_TESTING)
+        return()
+    endif()
+    cmake_parse_arguments(ARG "" "TIMEOUT" "LIBS;NEEDS" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_link_libraries(${name} PRIVATE ${ARG_LIBS} host_testing GTest::gmock GTest::gtest_main
+                          mlk_warnings)
+    if(ARG_NEEDS)
+        add_dependencies(${name} ${ARG_NEEDS})
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST PROPERTIES
+        TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT
+        "MLK_BIN_DIR=${CMAKE_BINARY_DIR}/bin;MLK_SOURCE_DIR=${CMAKE_SOURCE_DIR};TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp")
+endfunction()
