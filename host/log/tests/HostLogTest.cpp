@@ -1,0 +1,120 @@
+#include "host/log/HostLog.h"
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "host/log/LogFormat.h"
+#include "host/testing/LogCapture.h"
+#include "host/testing/Process.h"
+
+namespace mlk::host {
+namespace {
+
+using ::mlk::testing::LogCapture;
+using ::mlk::testing::Process;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// The text that a writer with these filter rules shows on its standard error.
+struct Written {
+    int status;
+    std::string prefix;  ///< of an info line with the tag "tag"
+    std::string err;
+};
+
+Written runWriter(const std::string& rules, const std::vector<std::string>& arguments) {
+    std::vector<std::string> argv{WRITER_PROGRAM};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    Process writer(argv, {{{"ANDROID_LOG_TAGS", rules}}});
+    std::string prefix = formatBrief(ANDROID_LOG_INFO, "tag", writer.pid(), "");
+    prefix.pop_back();
+    const int status = writer.wait();
+    return {status, prefix, writer.err()};
+}
+
+const std::string kInfo = std::to_string(ANDROID_LOG_INFO);
+const std::string kDebug = std::to_string(ANDROID_LOG_DEBUG);
+
+TEST(HostLog, GoesToStandardErrorWithoutBeingAskedFor) {
+    const Written written = runWriter("", {kInfo, "tag", "hello\nworld\n"});
+    EXPECT_EQ(written.status, 0);
+    EXPECT_EQ(written.err, written.prefix + "hello\n" + written.prefix + "world\n");
+}
+
+TEST(HostLog, IsFiltered) {
+    EXPECT_THAT(runWriter("", {kDebug, "tag", "hello"}).err, IsEmpty());
+    EXPECT_THAT(runWriter("*:E", {kInfo, "tag", "hello"}).err, IsEmpty());
+    EXPECT_THAT(runWriter("*:S", {"7", "tag", "hello"}).err, IsEmpty());
+    EXPECT_THAT(runWriter("tag:D *:S", {kDebug, "tag", "hello"}).err, HasSubstr("hello"));
+    // Another tag's rule lets debug lines into the logger; this tag's own still counts.
+    EXPECT_THAT(runWriter("other:V tag:I", {kDebug, "tag", "hello"}).err, IsEmpty());
+}
+
+TEST(HostLog, ComplainsOnceAboutRulesThatAreNone) {
+    const Written written = runWriter("tag:X tag:D :", {kInfo, "tag", "hello"});
+    EXPECT_THAT(written.err,
+                HasSubstr("): ANDROID_LOG_TAGS: ignored, not of the form TAG[:VDIWEFS]: \"tag:X\" "
+                          "\":\"\n"));
+    EXPECT_EQ(std::count(written.err.begin(), written.err.end(), '\n'), 2);
+    EXPECT_THAT(written.err, EndsWith(written.prefix + "hello\n"));
+}
+
+TEST(HostLog, AFailedAssertionIsShownAndAborts) {
+    const Written written = runWriter("", {"assert", "tag", "it broke"});
+    EXPECT_EQ(written.status, 128 + SIGABRT);
+    std::string fatal = written.prefix;
+    fatal[0] = 'F';
+    EXPECT_THAT(written.err, HasSubstr(fatal + "it broke\n"));
+}
+
+TEST(HostLog, MessagesOfThreadsDoNotMix) {
+    const int threads = 8;
+    const int lines = 50;
+    const Written written =
+            runWriter("", {"threads", std::to_string(threads), std::to_string(lines)});
+    std::istringstream in(written.err);
+    std::string number;
+    std::string first;
+    std::string second;
+    int messages = 0;
+    while (std::getline(in, number) && std::getline(in, first) && std::getline(in, second)) {
+        ++messages;
+        const std::string text = first.substr(first.find("): ") + 3);
+        ASSERT_EQ(text, std::string(3000, text[0]));
+        ASSERT_EQ(first, second);
+    }
+    EXPECT_EQ(messages, threads * lines);
+}
+
+TEST(HostLog, ABrokenStandardErrorHarmsNobody) {
+    Process closed({"/bin/sh", "-c", "exec \"$0\" 4 tag hello 2>&-", WRITER_PROGRAM});
+    EXPECT_EQ(closed.wait(), 0);
+    EXPECT_EQ(closed.out(), "logged 1 0\n");
+
+    // A pipe that nobody reads any more: the signal of the failed write neither kills nor stays.
+    Process broken({"/bin/bash", "-c", "exec 4> >(true); wait $!; \"$0\" 4 tag hello 2>&4; echo $?",
+                    WRITER_PROGRAM});
+    EXPECT_EQ(broken.wait(), 0);
+    EXPECT_EQ(broken.out(), "logged 1 0\n0\n");
+
+    Process full({"/bin/sh", "-c", "exec \"$0\" 4 tag hello 2>/dev/full", WRITER_PROGRAM});
+    EXPECT_EQ(full.wait(), 0);
+    EXPECT_EQ(full.out(), "logged 1 0\n");
+}
+
+TEST(HostLog, IsPutBackAfterACapture) {
+    const int former = __android_log_get_minimum_priority();
+    { const LogCapture capture; }
+    EXPECT_EQ(__android_log_get_minimum_priority(), former);
+    ::testing::internal::CaptureStderr();
+    __android_log_write(ANDROID_LOG_ERROR, "tag", "seen again");
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("): seen again\n"));
+}
+
+}  // namespace
+}  // namespace mlk::host
