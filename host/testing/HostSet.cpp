@@ -1,0 +1,44 @@
+#include "host/testing/HostSet.h"
+
+#include <stdlib.h>
+
+#include <filesystem>
+
+namespace mlk::testing {
+
+namespace fs = std::filesystem;
+
+HostSet::Variable::Variable(const char* name, const std::string& value) : mName(name) {
+    if (const char* former = getenv(name)) {
+        mFormer = former;
+    }
+    setenv(name, value.c_str(), 1);
+}
+
+HostSet::Variable::~Variable() {
+    if (mFormer) {
+        setenv(mName, mFormer->c_str(), 1);
+    } else {
+        unsetenv(mName);
+    }
+}
+
+HostSet::HostSet() : mRoot("MLK_ROOT", mDir.path()), mRuntime("MLK_RUNTIME_DIR", mDir.path("run")) {
+    for (const char* folder : {"tvconfigs", "tvdata", "impdata", "data/property", "run"}) {
+        mDir.mkdir(folder);
+    }
+    fs::permissions(runtime(), fs::perms::owner_all);
+}
+
+HostSet::~HostSet() = default;
+
+void HostSet::setProperty(const std::string& key, const std::string& value) {
+    mDir.write("data/property/" + key, value);
+}
+
+void HostSet::copyFrom(const std::string& partitionsRoot) {
+    fs::copy(partitionsRoot, mDir.path(),
+             fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
+
+}  // namespace mlk::testing
