@@ -1,0 +1,42 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * Names one configuration item: a section and a key in it.
+ *
+ * Its order fixes the order of every item map, dump and walk: categories decide before keys, and
+ * texts compare by length first (see CompareStr). A plain value; safe to use from any thread.
+ */
+struct ConfigKey {
+    /**
+     * Takes the two texts over.
+     *
+     * @param categoryText  the section name as it stands in the file, brackets included: "[AUDIO]"
+     * @param keyText       the item's key inside that section
+     */
+    ConfigKey(std::string categoryText, std::string keyText);
+
+    /** Orders by category, then by key. Two keys are equal when neither is less than the other. */
+    bool operator<(const ConfigKey& other) const;
+
+    /**
+     * The order of texts: a shorter one comes first; of two equally long ones the first byte that
+     * differs decides, taken as unsigned. "[KEY]" thus comes before "[AUDIO]", and Z before AA.
+     *
+     * @return true when a comes before b; false when they are equal
+     */
+    static bool CompareStr(std::string_view a, std::string_view b);
+
+    std::string category;
+    std::string key;
+};
+
+/** Items in their order, each with its value. */
+using ConfigItems = std::map<ConfigKey, std::string>;
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

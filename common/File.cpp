@@ -1,0 +1,72 @@
+#include "common/File.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+File::File(const std::string& path, int flags, mode_t mode) {
+    struct stat about {};
+    if (stat(path.c_str(), &about) == 0 && !S_ISREG(about.st_mode)) {
+        mIsRegular = false;
+        return;
+    }
+    // O_NONBLOCK: what is under the path may have changed into a FIFO meanwhile.
+    do {
+        mFd = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode);
+    } while (mFd < 0 && errno == EINTR);
+    if (mFd < 0) {
+        mError = errno;
+        return;
+    }
+    if (fstat(mFd, &about) != 0 || !S_ISREG(about.st_mode)) {
+        mIsRegular = false;
+        close(mFd);
+        mFd = -1;
+        return;
+    }
+    mSize = static_cast<size_t>(about.st_size);
+}
+
+File::~File() {
+    if (isOpen()) {
+        close(mFd);
+    }
+}
+
+bool File::isMissing() const {
+    return mError == ENOENT || mError == ENOTDIR;
+}
+
+std::string File::reason() const {
+    return mIsRegular ? std::generic_category().message(mError) : "not a regular file";
+}
+
+ssize_t File::read(char* buffer, size_t size) {
+    ssize_t count = 0;
+    do {
+        count = ::read(mFd, buffer, size);
+    } while (count < 0 && errno == EINTR);
+    return count;
+}
+
+bool File::writeAndSync(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(mFd, text.data(), text.size());
+        if (count > 0) {
+            text.remove_prefix(static_cast<size_t>(count));
+        } else if (count == 0 || errno != EINTR) {
+            return false;
+        }
+    }
+    int result = 0;
+    do {
+        result = fsync(mFd);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,107 @@
+#include "common/LineReader.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr size_t kChunk = 32 * 1024;
+
+}  // namespace
+
+LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag)
+    : mPath(std::move(path)), mLimit(bufferSize - 1), mLogTag(logTag), mFile(mPath) {
+    if (mFile.isOpen()) {
+        // A line of the limit and one byte more always fit, which is what tells a long line.
+        mCapacity = std::max(kChunk, bufferSize);
+        mBuffer.reset(new char[mCapacity]);
+    } else if (!mFile.isMissing()) {
+        __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: cannot be read: %s", mPath.c_str(),
+                            mFile.reason().c_str());
+    }
+}
+
+bool LineReader::next(std::string_view& line) {
+    if (!isOpen() || (mInLongLine && !skipRestOfLine())) {
+        return false;
+    }
+    size_t searched = 0;
+    for (;;) {
+        const std::string_view rest(mBuffer.get() + mBegin, mEnd - mBegin);
+        const size_t length = rest.find('\n', searched);
+        if (length != std::string_view::npos) {
+            mBegin += length + 1;
+            line = rest.substr(0, length);
+            break;
+        }
+        if (rest.size() > mLimit) {
+            mInLongLine = true;
+            mBegin = mEnd;
+            line = rest;
+            break;
+        }
+        searched = rest.size();
+        if (!fill()) {
+            if (mBegin == mEnd) {
+                return false;
+            }
+            line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
+            mBegin = mEnd;
+            break;
+        }
+    }
+    ++mLineNumber;
+    if (line.size() > mLimit) {
+        complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
+        line = line.substr(0, mLimit);
+    }
+    line = line.substr(0, line.find('\0'));
+    return true;
+}
+
+void LineReader::complain(const std::string& problem) const {
+    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber,
+                        problem.c_str());
+}
+
+// Reads more behind what is not handed out yet. False at the end of the file.
+bool LineReader::fill() {
+    std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
+    mEnd -= mBegin;
+    mBegin = 0;
+    const ssize_t count = mFile.read(mBuffer.get() + mEnd, mCapacity - mEnd);
+    if (count < 0) {
+        const int error = errno;
+        __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: cannot be read further: %s",
+                            mPath.c_str(), mLineNumber,
+                            std::generic_category().message(error).c_str());
+    }
+    mEnd += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    return count > 0;
+}
+
+// False when the file ends within that line.
+bool LineReader::skipRestOfLine() {
+    for (;;) {
+        const std::string_view rest(mBuffer.get() + mBegin, mEnd - mBegin);
+        const size_t length = rest.find('\n');
+        if (length != std::string_view::npos) {
+            mBegin += length + 1;
+            mInLongLine = false;
+            return true;
+        }
+        mBegin = mEnd;
+        if (!fill()) {
+            return false;
+        }
+    }
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

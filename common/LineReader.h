@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "common/File.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * Hands out the lines of a text file, one after the other, without ever holding more than a chunk
+ * of it:
+ *
+ *     LineReader reader(path, 256, kTag);
+ *     std::string_view line;
+ *     while (reader.next(line)) { ... }
+ *
+ * Every text format of the configuration partitions is read by this class, so that all of them
+ * bound a line in the same way: a line too long is handed out cut to the limit, the rest of it is
+ * skipped, and an error line of the log names file, line number and limit. A file that cannot be
+ * opened reads as empty; unless it is merely missing, the log says so. One thread at a time.
+ */
+class LineReader {
+  public:
+    /**
+     * Opens the file.
+     *
+     * @param path        the file; only a regular one is read
+     * @param bufferSize  N, the size of the fixed buffer that the format is defined for: a line has
+     *                    at most N - 1 bytes, its line feed not counted
+     * @param logTag      tag of the log lines; has to outlive the reader
+     */
+    LineReader(std::string path, size_t bufferSize, const char* logTag);
+
+    /** False when the file could not be opened. */
+    bool isOpen() const { return mFile.isOpen(); }
+
+    /**
+     * Gives the next line, without its line feed; a carriage return before that stays. A NUL byte
+     * ends the text of its line. The last line needs no line feed.
+     *
+     * @param line  set to the line, which is valid until the next call; untouched at the end
+     * @return false at the end of the file
+     */
+    bool next(std::string_view& line);
+
+    const std::string& path() const { return mPath; }
+
+    /** Number of the line handed out last, from 1; 0 before the first. */
+    size_t lineNumber() const { return mLineNumber; }
+
+    /** Logs an error about the line handed out last: "path:line: problem". */
+    void complain(const std::string& problem) const;
+
+  private:
+    bool fill();
+    bool skipRestOfLine();
+
+    const std::string mPath;
+    const size_t mLimit;
+    const char* const mLogTag;
+    File mFile;
+    std::unique_ptr<char[]> mBuffer;
+    size_t mCapacity = 0;
+    size_t mBegin = 0;  // what is read and not handed out yet: mBuffer[mBegin, mEnd)
+    size_t mEnd = 0;
+    bool mInLongLine = false;
+    size_t mLineNumber = 0;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,100 @@
+#include "common/File.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "host/testing/TempDir.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+using mlk::testing::TempDir;
+
+TEST(FileTest, ReadsWhatIsThere) {
+    const TempDir dir;
+    File file(dir.write("f", "text"));
+    ASSERT_TRUE(file.isOpen());
+    EXPECT_FALSE(file.isMissing());
+    EXPECT_EQ(file.size(), 4U);
+    char buffer[8] = {};
+    EXPECT_EQ(file.read(buffer, sizeof buffer), 4);
+    EXPECT_STREQ(buffer, "text");
+    EXPECT_EQ(file.read(buffer, sizeof buffer), 0);
+}
+
+TEST(FileTest, MissingFileIsTold) {
+    const TempDir dir;
+    const File file(dir.path() + "/nothing");
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_TRUE(file.isMissing());
+    EXPECT_EQ(file.reason(), "No such file or directory");
+    EXPECT_TRUE(File(dir.write("f", "") + "/below").isMissing());
+}
+
+TEST(FileTest, RefusesWhatIsNoRegularFile) {
+    const TempDir dir;
+    const std::string fifo = dir.path() + "/fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const std::string& path : {dir.path(), fifo, std::string("/dev/null")}) {
+        for (const int flags : {O_RDONLY, O_RDWR | O_CREAT}) {
+            const File file(path, flags, 0644);
+            EXPECT_FALSE(file.isOpen()) << path;
+            EXPECT_FALSE(file.isMissing()) << path;
+            EXPECT_EQ(file.reason(), "not a regular file") << path;
+        }
+    }
+}
+
+TEST(FileTest, SaysWhyAFileCannotBeOpened) {
+    const TempDir dir;
+    const std::string loop = dir.path() + "/loop";
+    ASSERT_EQ(symlink(loop.c_str(), loop.c_str()), 0);
+    const File file(loop);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_FALSE(file.isMissing());
+    EXPECT_EQ(file.reason(), "Too many levels of symbolic links");
+}
+
+TEST(FileTest, CreatesAndWrites) {
+    const TempDir dir;
+    const std::string path = dir.path() + "/new";
+    {
+        File file(path, O_RDWR | O_CREAT | O_TRUNC, 0640);
+        ASSERT_TRUE(file.isOpen());
+        EXPECT_TRUE(file.writeAndSync("first text"));
+    }
+    EXPECT_EQ(dir.read("new"), "first text");
+    struct stat about {};
+    ASSERT_EQ(stat(path.c_str(), &about), 0);
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(about.st_mode & 0777U, 0640U & ~mask);
+    EXPECT_TRUE(File(path, O_RDWR | O_CREAT | O_TRUNC, 0640).writeAndSync("2"));
+    EXPECT_EQ(dir.read("new"), "2");
+}
+
+TEST(FileTest, FailedWriteIsTold) {
+    const TempDir dir;
+    File file(dir.write("f", ""), O_RDONLY);
+    EXPECT_FALSE(file.writeAndSync("text"));
+}
+
+TEST(FileTest, FailedReadIsTold) {
+    const TempDir dir;
+    File file(dir.write("f", "text"), O_WRONLY);
+    char buffer[8];
+    EXPECT_EQ(file.read(buffer, sizeof buffer), -1);
+}
+
+TEST(FileTest, LeavesNoDescriptorToAChild) {
+    const TempDir dir;
+    const int next = dup(0);
+    ASSERT_GE(next, 0);
+    close(next);
+    const File file(dir.write("f", ""));
+    EXPECT_EQ(fcntl(next, F_GETFD), FD_CLOEXEC);
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,192 @@
+#include "common/LineReader.h"
+
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/testing/LogCapture.h"
+#include "host/testing/TempDir.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+using mlk::testing::LogCapture;
+using mlk::testing::TempDir;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace std::string_literals;
+
+constexpr const char* kTag = "LineReaderTest";
+constexpr size_t kBufferSize = 256;
+constexpr size_t kLimit = kBufferSize - 1;
+
+std::vector<std::string> linesOf(const std::string& path, size_t bufferSize = kBufferSize) {
+    std::vector<std::string> lines;
+    LineReader reader(path, bufferSize, kTag);
+    std::string_view line;
+    while (reader.next(line)) {
+        lines.emplace_back(line);
+        EXPECT_EQ(reader.lineNumber(), lines.size());
+    }
+    EXPECT_FALSE(reader.next(line)) << "the end is the end";
+    return lines;
+}
+
+class LineReaderTest : public ::testing::Test {
+  protected:
+    std::vector<std::string> linesOfText(const std::string& text) {
+        return linesOf(mDir.write("file", text));
+    }
+    std::vector<std::string> errors() const { return mLog.texts(ANDROID_LOG_ERROR, kTag); }
+    std::string path() const { return mDir.path() + "/file"; }
+    std::string longLine(int number) const {
+        return path() + ":" + std::to_string(number) +
+               ": line longer than 255 bytes, its rest is skipped";
+    }
+
+    const TempDir mDir;
+    LogCapture mLog;
+};
+
+TEST_F(LineReaderTest, HandsOutEachLine) {
+    EXPECT_THAT(linesOfText("a\n\n b\n"), ElementsAre("a", "", " b"));
+    EXPECT_THAT(linesOfText("a\nb"), ElementsAre("a", "b"));
+    EXPECT_THAT(linesOfText("\n"), ElementsAre(""));
+    EXPECT_THAT(linesOfText(""), IsEmpty());
+    EXPECT_THAT(linesOfText("a\r\nb\r\n"), ElementsAre("a\r", "b\r"));
+    EXPECT_THAT(mLog.lines(), IsEmpty());
+}
+
+TEST_F(LineReaderTest, NulEndsTheTextOfItsLine) {
+    EXPECT_THAT(linesOfText("a\0b\nc\n\0d\n\0"s), ElementsAre("a", "c", "", ""));
+}
+
+TEST_F(LineReaderTest, LineOfTheLimitIsWhole) {
+    const std::string line(kLimit, 'x');
+    EXPECT_THAT(linesOfText(line + "\nnext\n"), ElementsAre(line, "next"));
+    EXPECT_THAT(linesOfText(line), ElementsAre(line));
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(LineReaderTest, LongerLineIsCutAndItsRestSkipped) {
+    const std::string line(kLimit, 'x');
+    EXPECT_THAT(linesOfText("first\n" + line + "y\nnext\n"), ElementsAre("first", line, "next"));
+    EXPECT_THAT(errors(), ElementsAre(longLine(2)));
+    mLog.clear();
+    EXPECT_THAT(linesOfText(line + "y"), ElementsAre(line));
+    EXPECT_THAT(errors(), ElementsAre(longLine(1)));
+    mLog.clear();
+    EXPECT_THAT(linesOfText(line + "\r\n"), ElementsAre(line));
+    EXPECT_THAT(errors(), ElementsAre(longLine(1)));
+}
+
+TEST_F(LineReaderTest, EveryLongLineIsReportedOnce) {
+    const std::string line(1000, 'x');
+    linesOfText(line + "\nok\n" + line + "\n");
+    EXPECT_THAT(errors(), ElementsAre(longLine(1), longLine(3)));
+}
+
+TEST_F(LineReaderTest, NulDoesNotHideALongLine) {
+    EXPECT_THAT(linesOfText("ab\0"s + std::string(kBufferSize, 'x') + "\nnext"),
+                ElementsAre("ab", "next"));
+    EXPECT_THAT(errors(), ElementsAre(longLine(1)));
+}
+
+TEST_F(LineReaderTest, LimitFollowsTheBufferSize) {
+    const std::string text = std::string(1023, 'x') + "\n" + std::string(1024, 'y') + "\n";
+    EXPECT_THAT(linesOf(mDir.write("file", text), 1024),
+                ElementsAre(std::string(1023, 'x'), std::string(1023, 'y')));
+    EXPECT_THAT(errors(),
+                ElementsAre(path() + ":2: line longer than 1023 bytes, its rest is skipped"));
+    // A buffer beyond one chunk of the file.
+    const std::string big(100000, 'z');
+    EXPECT_THAT(linesOf(mDir.write("file", big + "\nend"), 100001), ElementsAre(big, "end"));
+}
+
+TEST_F(LineReaderTest, HugeLineCostsNoMemory) {
+    const std::string huge = mDir.write("file", "x");
+    ASSERT_EQ(truncate(huge.c_str(), off_t{1} << 26), 0);  // one line of NUL bytes
+    { std::ofstream(huge, std::ios::app) << "\nlast\n"; }
+    EXPECT_THAT(linesOf(huge), ElementsAre("x", "last"));
+    EXPECT_THAT(errors(), ElementsAre(longLine(1)));
+}
+
+TEST_F(LineReaderTest, MissingFileReadsAsEmpty) {
+    LineReader reader(path(), kBufferSize, kTag);
+    std::string_view line = "untouched";
+    EXPECT_FALSE(reader.isOpen());
+    EXPECT_FALSE(reader.next(line));
+    EXPECT_EQ(line, "untouched");
+    EXPECT_EQ(reader.lineNumber(), 0U);
+    EXPECT_THAT(mLog.lines(), IsEmpty());
+}
+
+TEST_F(LineReaderTest, WhatIsNoFileReadsAsEmptyAndIsReported) {
+    ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
+    EXPECT_THAT(linesOf(path()), IsEmpty());
+    EXPECT_THAT(linesOf(mDir.path()), IsEmpty());
+    EXPECT_THAT(linesOf("/dev/zero"), IsEmpty());
+    EXPECT_THAT(errors(), ElementsAre(path() + ": cannot be read: not a regular file",
+                                      mDir.path() + ": cannot be read: not a regular file",
+                                      "/dev/zero: cannot be read: not a regular file"));
+}
+
+TEST_F(LineReaderTest, FailureInTheMiddleEndsTheFileAndIsReported) {
+    // A regular file that opens, but whose bytes cannot be read.
+    const std::string unreadable = "/proc/self/mem";
+    EXPECT_THAT(linesOf(unreadable), IsEmpty());
+    EXPECT_THAT(errors(),
+                ::testing::Each(unreadable + ":0: cannot be read further: Input/output error"));
+    EXPECT_THAT(errors(), ::testing::Not(IsEmpty()));
+}
+
+TEST_F(LineReaderTest, AComplaintNamesFileAndLine) {
+    LineReader reader(mDir.write("file", "a\nb\n"), kBufferSize, kTag);
+    std::string_view line;
+    reader.next(line);
+    reader.next(line);
+    reader.complain("odd");
+    EXPECT_EQ(reader.path(), path());
+    EXPECT_THAT(errors(), ElementsAre(path() + ":2: odd"));
+}
+
+// The same rules once more, written down plainly.
+std::vector<std::string> expectedLines(std::string text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const size_t end = std::min(text.find('\n'), text.size());
+        std::string line = text.substr(0, std::min(end, kLimit));
+        lines.push_back(line.c_str());  // up to its first NUL
+        text.erase(0, end + 1);
+    }
+    return lines;
+}
+
+TEST_F(LineReaderTest, AgreesWithThePlainRulesOnRandomFiles) {
+    std::mt19937 random(2);
+    const size_t lengths[] = {0, 1, 2, 100, 254, 255, 256, 257, 600, 40000};
+    for (int round = 0; round < 60; ++round) {
+        std::string text;
+        for (size_t lines = random() % 300; lines > 0; --lines) {
+            const size_t length = lengths[random() % (random() % 20 == 0 ? 10 : 9)];
+            for (size_t i = 0; i < length; ++i) {
+                text += random() % 500 == 0 ? '\0' : static_cast<char>('a' + random() % 26);
+            }
+            text += '\n';
+        }
+        if (!text.empty() && random() % 2 == 0) {
+            text.pop_back();
+        }
+        ASSERT_EQ(linesOfText(text), expectedLines(text)) << "round " << round;
+    }
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
