@@ -3,6 +3,9 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <stdexcept>
+
+#include "host/properties/PropertyStore.h"
 
 namespace mlk::testing {
 
@@ -33,7 +36,9 @@ HostSet::HostSet() : mRoot("MLK_ROOT", mDir.path()), mRuntime("MLK_RUNTIME_DIR",
 HostSet::~HostSet() = default;
 
 void HostSet::setProperty(const std::string& key, const std::string& value) {
-    mDir.write("data/property/" + key, value);
+    if (!mlk::host::PropertyStore(mDir.path("data/property")).set(key, value)) {
+        throw std::runtime_error("cannot set " + key);
+    }
 }
 
 void HostSet::copyFrom(const std::string& partitionsRoot) {

@@ -29,6 +29,13 @@ TEST(HostSet, NamesItselfInTheEnvironmentWhileItLives) {
     EXPECT_EQ(getenv("MLK_RUNTIME_DIR"), nullptr);
 }
 
+TEST(HostSet, SetsProperties) {
+    HostSet set;
+    set.setProperty("a.key", "value");
+    EXPECT_EQ(set.dir().read("data/property/a.key"), "value");
+    EXPECT_THROW(set.setProperty("no key", "value"), std::runtime_error);
+}
+
 TEST(HostSet, TakesACopyOfPartitions) {
     const TempDir source;
     source.write("tvconfigs/customer.ini", "new");

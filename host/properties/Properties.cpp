@@ -1,0 +1,82 @@
+// The functions of <cutils/properties.h>, documented there, over the store of this process's set.
+// The set is looked up at every call: it is one environment variable, and tests have several sets.
+
+#include <cutils/properties.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cinttypes>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "host/properties/PropertyStore.h"
+
+using mlk::host::PropertyStore;
+
+namespace {
+
+std::string valueOf(const char* key) {
+    return key == nullptr ? "" : PropertyStore::ofThisSet().get(key).value_or("");
+}
+
+template <typename Integer>
+Integer integerOf(const char* key, Integer defaultValue) {
+    const std::string value = valueOf(key);
+    char* end = nullptr;
+    errno = 0;
+    const intmax_t number = strtoimax(value.c_str(), &end, 0);
+    const bool fits = errno != ERANGE && number >= std::numeric_limits<Integer>::min() &&
+                      number <= std::numeric_limits<Integer>::max();
+    return end != value.c_str() && fits ? static_cast<Integer>(number) : defaultValue;
+}
+
+}  // namespace
+
+int property_get(const char* key, char* value, const char* default_value) {
+    std::string text = valueOf(key);
+    if (text.empty() && default_value != nullptr) {
+        text.assign(default_value, strnlen(default_value, PROPERTY_VALUE_MAX - 1));
+    }
+    memcpy(value, text.c_str(), text.size() + 1);
+    return static_cast<int>(text.size());
+}
+
+int8_t property_get_bool(const char* key, int8_t default_value) {
+    struct Word {
+        std::string_view text;
+        int8_t value;
+    };
+    static constexpr Word kWords[] = {{"1", 1}, {"true", 1},  {"y", 1}, {"yes", 1}, {"on", 1},
+                                      {"0", 0}, {"false", 0}, {"n", 0}, {"no", 0},  {"off", 0}};
+    const std::string value = valueOf(key);
+    const auto* word = std::find_if(std::begin(kWords), std::end(kWords),
+                                    [&](const Word& each) { return each.text == value; });
+    return word == std::end(kWords) ? default_value : word->value;
+}
+
+int64_t property_get_int64(const char* key, int64_t default_value) {
+    return integerOf(key, default_value);
+}
+
+int32_t property_get_int32(const char* key, int32_t default_value) {
+    return integerOf(key, default_value);
+}
+
+int property_set(const char* key, const char* value) {
+    const bool done =
+            key != nullptr && PropertyStore::ofThisSet().set(key, value == nullptr ? "" : value);
+    return done ? 0 : -1;
+}
+
+int property_list(void (*propfn)(const char* key, const char* value, void* cookie), void* cookie) {
+    const PropertyStore store = PropertyStore::ofThisSet();
+    for (const std::string& key : store.keys()) {
+        // One may have gone since its name was read.
+        if (const auto value = store.get(key)) {
+            propfn(key.c_str(), value->c_str(), cookie);
+        }
+    }
+    return 0;
+}
