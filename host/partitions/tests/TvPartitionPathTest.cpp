@@ -1,0 +1,56 @@
+#include <TvPartitionPath.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/testing/HostSet.h"
+
+namespace {
+
+using ::mlk::testing::HostSet;
+
+TEST(TvPartitionPath, IsBelowTheRoot) {
+    const HostSet set;
+    const TvPartitionPath* paths = TvPartitionPath::GetInstance();
+    EXPECT_EQ(paths->GetTvconfigsPath(), set.tvconfigs());
+    EXPECT_EQ(paths->GetTvdataPath(), set.tvdata());
+    EXPECT_EQ(paths->GetImpdataPath(), set.impdata());
+    EXPECT_EQ(TvPartitionPath::GetInstance(), paths);
+}
+
+TEST(TvPartitionPath, WithoutARootIsTheDevices) {
+    const HostSet putBackAfterwards;
+    unsetenv("MLK_ROOT");
+    EXPECT_STREQ(TvPartitionPath::GetInstance()->GetTvconfigsPath(), "/tvconfigs");
+    setenv("MLK_ROOT", "", 1);
+    EXPECT_STREQ(TvPartitionPath::GetInstance()->GetTvdataPath(), "/tvdata");
+    EXPECT_STREQ(TvPartitionPath::GetInstance()->GetImpdataPath(), "/impdata");
+}
+
+TEST(TvPartitionPath, TextsOutliveAChangeOfTheRoot) {
+    const HostSet first;
+    const char* former = TvPartitionPath::GetInstance()->GetTvconfigsPath();
+    const HostSet second;
+    EXPECT_EQ(TvPartitionPath::GetInstance()->GetTvconfigsPath(), second.tvconfigs());
+    EXPECT_EQ(former, first.tvconfigs());
+}
+
+TEST(TvPartitionPath, MayBeAskedByManyThreads) {
+    const HostSet set;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&] {
+            for (int count = 0; count < 1000; ++count) {
+                ASSERT_EQ(TvPartitionPath::GetInstance()->GetImpdataPath(), set.impdata());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace
