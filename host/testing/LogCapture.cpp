@@ -27,8 +27,11 @@ void capture(const __android_logger_data* data, const char* message) {
 }  // namespace
 
 LogCapture::LogCapture() {
-    const std::lock_guard<std::mutex> guard(gLock);
-    gCaptures.emplace(this, &mLines);
+    {
+        // Not held any longer: liblog calls the logger under a lock of its own.
+        const std::lock_guard<std::mutex> guard(gLock);
+        gCaptures.emplace(this, &mLines);
+    }
     mFormerPriority = __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     __android_log_set_logger(capture);
 }

@@ -47,7 +47,7 @@ std::string findProgram(const std::string& name) {
     const char* variable = getenv("PATH");
     std::string_view folders = variable == nullptr ? "/usr/bin:/bin" : variable;
     while (!folders.empty()) {
-        const std::string file = std::string(folders.substr(0, folders.find(':'))) + "/" + name;
+        std::string file = std::string(folders.substr(0, folders.find(':'))) + "/" + name;
         if (access(file.c_str(), X_OK) == 0) {
             return file;
         }
@@ -66,7 +66,7 @@ std::vector<std::string> environment(const std::map<std::string, std::string>& c
         }
     }
     for (const auto& [name, value] : changes) {
-        result.push_back(name + "=" + value);
+        result.push_back(std::string(name).append("=").append(value));
     }
     return result;
 }

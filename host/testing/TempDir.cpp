@@ -31,7 +31,7 @@ std::string TempDir::path(std::string_view relative) const {
 }
 
 std::string TempDir::write(std::string_view relative, std::string_view text) const {
-    const std::string file = path(relative);
+    std::string file = path(relative);
     fs::create_directories(fs::path(file).parent_path());
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
     out.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -9,26 +9,23 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <thread>
-#include <vector>
+
+#include "host/testing/Threads.h"
 
 namespace {
 
+using ::mlk::testing::inThreads;
+
 void logFromThreads(int count, int lines) {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < count; ++thread) {
-        threads.emplace_back([thread, lines] {
-            // Longer than a pipe takes in one piece.
-            const std::string filler(3000, static_cast<char>('a' + thread));
-            for (int line = 0; line < lines; ++line) {
-                const std::string text = std::to_string(line) + "\n" + filler + "\n" + filler;
-                __android_log_write(ANDROID_LOG_INFO, "threads", text.c_str());
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    inThreads(count, [&](int thread) {
+        // Longer than a pipe takes in one piece.
+        const std::string filler(3000, static_cast<char>('a' + thread));
+        for (int line = 0; line < lines; ++line) {
+            const std::string text =
+                    std::to_string(line).append("\n").append(filler).append("\n").append(filler);
+            __android_log_write(ANDROID_LOG_INFO, "threads", text.c_str());
+        }
+    });
 }
 
 }  // namespace

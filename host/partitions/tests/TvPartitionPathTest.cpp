@@ -3,14 +3,14 @@
 #include <stdlib.h>
 
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "host/testing/HostSet.h"
+#include "host/testing/Threads.h"
 
 namespace {
 
 using ::mlk::testing::HostSet;
+using ::mlk::testing::inThreads;
 
 TEST(TvPartitionPath, IsBelowTheRoot) {
     const HostSet set;
@@ -40,17 +40,11 @@ TEST(TvPartitionPath, TextsOutliveAChangeOfTheRoot) {
 
 TEST(TvPartitionPath, MayBeAskedByManyThreads) {
     const HostSet set;
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&] {
-            for (int count = 0; count < 1000; ++count) {
-                ASSERT_EQ(TvPartitionPath::GetInstance()->GetImpdataPath(), set.impdata());
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    inThreads(4, [&](int) {
+        for (int count = 0; count < 1000; ++count) {
+            ASSERT_EQ(TvPartitionPath::GetInstance()->GetImpdataPath(), set.impdata());
+        }
+    });
 }
 
 }  // namespace

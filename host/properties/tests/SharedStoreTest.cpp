@@ -6,15 +6,16 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
+#include "host/testing/Threads.h"
 
 namespace {
 
 using ::mlk::testing::HostSet;
+using ::mlk::testing::inThreads;
 using ::mlk::testing::Process;
 using ::testing::AnyOf;
 
@@ -72,19 +73,14 @@ TEST(SharedStore, ReadersNeverSeePartOfAValue) {
 TEST(SharedStore, ThreadsMaySetOneKeyAtOnce) {
     const HostSet set;
     std::atomic<int> done{0};
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([&done, value = std::string(91, static_cast<char>('a' + thread))] {
-            for (int count = 0; count < 200; ++count) {
-                done += property_set("a.key", value.c_str()) == 0 ? 1 : 0;
-                const std::string seen = valueOf("a.key");
-                EXPECT_EQ(seen, std::string(91, seen[0]));
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    inThreads(4, [&](int thread) {
+        const std::string value(91, static_cast<char>('a' + thread));
+        for (int count = 0; count < 200; ++count) {
+            done += property_set("a.key", value.c_str()) == 0 ? 1 : 0;
+            const std::string seen = valueOf("a.key");
+            EXPECT_EQ(seen, std::string(91, seen[0]));
+        }
+    });
     EXPECT_EQ(done, 800);
 }
 
@@ -105,13 +101,7 @@ TEST(SharedStore, OfManyThreadsThatSetARoKeyOneWins) {
     for (int round = 0; round < 50; ++round) {
         const std::string key = "ro.key" + std::to_string(round);
         std::atomic<int> done{0};
-        std::vector<std::thread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([&] { done += property_set(key.c_str(), "value") == 0 ? 1 : 0; });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        inThreads(4, [&](int) { done += property_set(key.c_str(), "value") == 0 ? 1 : 0; });
         EXPECT_EQ(done, 1);
     }
 }

@@ -3,7 +3,7 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
 
-#include <thread>
+#include "host/testing/Threads.h"
 
 namespace mlk::testing {
 namespace {
@@ -41,17 +41,11 @@ TEST(LogCapture, MayNest) {
 
 TEST(LogCapture, TakesLinesOfAllThreads) {
     const LogCapture log;
-    std::vector<std::thread> threads;
-    for (int index = 0; index < 4; ++index) {
-        threads.emplace_back([] {
-            for (int line = 0; line < 250; ++line) {
-                __android_log_write(ANDROID_LOG_DEBUG, "tag", "line");
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    inThreads(4, [](int) {
+        for (int line = 0; line < 250; ++line) {
+            __android_log_write(ANDROID_LOG_DEBUG, "tag", "line");
+        }
+    });
     EXPECT_THAT(log.lines(), SizeIs(1000));
 }
 
