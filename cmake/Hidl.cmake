@@ -2,16 +2,16 @@
 
 find_program(HIDL_GEN hidl-gen REQUIRED)
 
-# mlk_hidl_package(TARGET PACKAGE ROOTS root:path... SOURCES generated... HALS files...
-#                  [LIBS libs...])
-# Library TARGET with the generated code of PACKAGE (name@version). SOURCES are the .cpp files
-# that the compiler writes, without their folder; HALS are the files it reads. ROOTS are package
-# roots with their folders relative to the source tree.
-function(mlk_hidl_package target package)
-    cmake_parse_arguments(ARG "" "" "ROOTS;SOURCES;HALS;LIBS" ${ARGN})
+# mlk_hidl_generate(PREFIX PACKAGE ROOTS root:path... SOURCES generated... HALS files...)
+# Has PACKAGE (name@version) compiled: PREFIX_SOURCES are the generated sources, PREFIX_INCLUDE is
+# the folder of their headers. SOURCES are the .cpp files that the compiler writes, without their
+# folder; HALS are the files it reads. ROOTS are package roots with their folders relative to the
+# source tree. The generated code is exempt from our warnings.
+function(mlk_hidl_generate prefix package)
+    cmake_parse_arguments(ARG "" "" "ROOTS;SOURCES;HALS" ${ARGN})
     string(REGEX REPLACE "[.@]" "/" folder ${package})
     string(REGEX REPLACE "/([0-9]+)/([0-9]+)$" "/\\1.\\2" folder ${folder})
-    set(out ${CMAKE_CURRENT_BINARY_DIR}/hidl/${target})
+    set(out ${CMAKE_CURRENT_BINARY_DIR}/hidl/${prefix})
     list(TRANSFORM ARG_SOURCES PREPEND ${out}/${folder}/)
     list(TRANSFORM ARG_HALS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     set(roots)
@@ -25,8 +25,17 @@ function(mlk_hidl_package target package)
         DEPENDS ${ARG_HALS} ${CMAKE_SOURCE_DIR}/cmake/HidlRepair.cmake
         COMMENT "Compiling ${package}"
         VERBATIM)
-    add_library(${target} STATIC ${ARG_SOURCES})
-    target_include_directories(${target} SYSTEM PUBLIC ${out})
-    target_compile_options(${target} PRIVATE -w)
+    set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -w)
+    set(${prefix}_SOURCES ${ARG_SOURCES} PARENT_SCOPE)
+    set(${prefix}_INCLUDE ${out} PARENT_SCOPE)
+endfunction()
+
+# mlk_hidl_package(TARGET PACKAGE ... [LIBS libs...])
+# Library TARGET with the generated code of PACKAGE; the other arguments are mlk_hidl_generate's.
+function(mlk_hidl_package target package)
+    cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+    mlk_hidl_generate(${target} ${package} ${ARGN})
+    add_library(${target} STATIC ${${target}_SOURCES})
+    target_include_directories(${target} SYSTEM PUBLIC ${${target}_INCLUDE})
     target_link_libraries(${target} PUBLIC ${ARG_LIBS})
 endfunction()

@@ -1,0 +1,55 @@
+// ConcurrentMap: the runtime's process-wide tables.
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <utility>
+
+namespace android::hardware {
+
+// A map whose every operation is atomic.
+template <typename K, typename V>
+class ConcurrentMap {
+  public:
+    void set(K key, V value) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mMap.insert_or_assign(std::move(key), std::move(value));
+    }
+    // The value, or the given one when the key is absent.
+    V get(const K& key, const V& fallback) const {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto it = mMap.find(key);
+        return it == mMap.end() ? fallback : it->second;
+    }
+    // How many entries went: 0 or 1.
+    size_t erase(const K& key) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mMap.erase(key);
+    }
+    // Erases the entry when its value equals the given one.
+    size_t eraseIfEqual(const K& key, const V& value) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto it = mMap.find(key);
+        if (it == mMap.end() || !(it->second == value)) return 0;
+        mMap.erase(it);
+        return 1;
+    }
+    // The value of the key, which make() supplies when there is none that passes usable().
+    template <typename Make, typename Use>
+    auto getOrMake(const K& key, Use usable, Make make) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto it = mMap.find(key);
+        if (it != mMap.end()) {
+            if (auto found = usable(it->second)) return found;
+        }
+        auto made = make();
+        if (made) mMap.insert_or_assign(key, V(made));
+        return made;
+    }
+
+  private:
+    mutable std::mutex mMutex;
+    std::map<K, V> mMap;
+};
+
+}  // namespace android::hardware

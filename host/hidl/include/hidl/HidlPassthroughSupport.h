@@ -1,0 +1,20 @@
+// Passthrough objects: implementations that a process uses directly, behind the interface's
+// wrapper.
+#pragma once
+
+#include <android/hidl/base/1.0/IBase.h>
+
+namespace android::hardware::details {
+
+// The wrapper that runs an object's one-way methods on a thread of their own; the object itself
+// when it is remote or null.
+sp<::android::hidl::base::V1_0::IBase> wrapPassthroughInternal(
+        const sp<::android::hidl::base::V1_0::IBase>& object);
+
+template <typename IType>
+sp<IType> wrapPassthrough(const sp<IType>& object) {
+    if (object == nullptr || object->isRemote()) return object;
+    return sp<IType>(static_cast<IType*>(wrapPassthroughInternal(object).get()));
+}
+
+}  // namespace android::hardware::details

@@ -1,0 +1,74 @@
+// hidl_string: a text that travels.
+#pragma once
+
+#include <hidl/HidlInternal.h>
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace android::hardware {
+
+// A text with a NUL behind its last byte; may hold NUL bytes. Owns its bytes unless it was told not
+// to with setToExternal. Never has a null text, not even when made from a null pointer. At most
+// 2^32-1 bytes: a longer one is fatal.
+class hidl_string {
+  public:
+    hidl_string();
+    ~hidl_string();
+    hidl_string(const hidl_string& other);
+    hidl_string(hidl_string&& other) noexcept;
+    hidl_string(const char* text);  // a NUL-terminated text; null gives the empty one
+    hidl_string(const char* text, size_t length);  // a text that need not be terminated
+    hidl_string(const std::string& text);
+
+    hidl_string& operator=(const hidl_string& other);
+    hidl_string& operator=(hidl_string&& other) noexcept;
+    hidl_string& operator=(const char* text);
+    hidl_string& operator=(const std::string& text);
+
+    operator std::string() const { return {c_str(), size()}; }
+    operator std::string_view() const { return {c_str(), size()}; }
+
+    const char* c_str() const { return mBuffer; }
+    size_t size() const { return mSize; }
+    bool empty() const { return mSize == 0; }
+    void clear();
+
+    // Refers to a text of somebody else's, which must be NUL-terminated and outlive this one;
+    // shouldOwn makes it this one's own, freed with delete[].
+    void setToExternal(const char* text, size_t length, bool shouldOwn = false);
+
+    // Where the pointer to the text stands inside the object, for the transport.
+    static constexpr size_t kOffsetOfBuffer = 0;
+
+  private:
+    void assign(const char* text, size_t length);
+    void moveFrom(hidl_string& other) noexcept;
+
+    details::hidl_pointer<const char> mBuffer;
+    uint32_t mSize;
+    bool mOwnsBuffer;
+};
+static_assert(sizeof(hidl_string) == 16);
+
+inline bool operator==(const hidl_string& a, const hidl_string& b) {
+    return std::string_view(a) == std::string_view(b);
+}
+inline bool operator!=(const hidl_string& a, const hidl_string& b) {
+    return !(a == b);
+}
+inline bool operator<(const hidl_string& a, const hidl_string& b) {
+    return std::string_view(a) < std::string_view(b);
+}
+inline bool operator==(const hidl_string& a, const char* b) {
+    return std::string_view(a) == b;
+}
+inline bool operator!=(const hidl_string& a, const char* b) {
+    return std::string_view(a) != b;
+}
+
+std::ostream& operator<<(std::ostream& stream, const hidl_string& text);
+
+}  // namespace android::hardware

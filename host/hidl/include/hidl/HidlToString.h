@@ -1,0 +1,55 @@
+// Texts of HIDL values for people, by the names that generated toString functions call.
+#pragma once
+
+#include <hidl/HidlArray.h>
+#include <hidl/HidlHandle.h>
+#include <hidl/HidlString.h>
+#include <hidl/HidlVec.h>
+
+#include <string>
+#include <type_traits>
+
+namespace android::hardware {
+
+namespace details {
+// "0x2a", without leading zeros.
+std::string toHexString(uint64_t value);
+}  // namespace details
+
+template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
+std::string toString(T value) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return value ? "true" : "false";
+    } else {
+        return std::to_string(value);
+    }
+}
+
+std::string toString(const hidl_string& text);
+std::string toString(const hidl_handle& handle);
+std::string toString(const hidl_memory& memory);
+std::string toString(const void* pointer);
+
+namespace details {
+template <typename Iterator>
+std::string joinStrings(Iterator first, Iterator last) {
+    std::string joined = "{";
+    for (Iterator it = first; it != last; ++it) {
+        if (it != first) joined += ", ";
+        joined += toString(*it);
+    }
+    return joined + "}";
+}
+}  // namespace details
+
+template <typename T>
+std::string toString(const hidl_vec<T>& vec) {
+    return "[" + std::to_string(vec.size()) + "]" + details::joinStrings(vec.begin(), vec.end());
+}
+
+template <typename T, size_t... Sizes>
+std::string toString(const hidl_array<T, Sizes...>& array) {
+    return details::joinStrings(array.data(), array.data() + array.elementCount());
+}
+
+}  // namespace android::hardware

@@ -1,0 +1,44 @@
+// MessageReader: messages out of a stream of bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "Wire.h"
+
+namespace android::hardware::transport {
+
+// Collects one message after the other from a socket. What it holds between messages is bounded: a
+// buffer for the message under way and the descriptors that came with it. Used by one thread at a
+// time.
+class MessageReader {
+  public:
+    // bodyLimit: what a message may hold; a longer one is rubbish.
+    explicit MessageReader(uint64_t bodyLimit) : mBodyLimit(bodyLimit) {}
+
+    enum class Result {
+        MESSAGE,  // a whole one is there: take it
+        AGAIN,    // nothing more has arrived for now
+        CLOSED,   // the other end is gone
+        RUBBISH,  // this is no message; nothing after it can be understood
+    };
+    // Reads until a whole message is there. Waits for its first bytes, and for the others, as the
+    // flags (MSG_DONTWAIT) and the socket's own receive time-out say.
+    Result read(int socket, int flagsFirst, int flagsRest);
+
+    // The message, with the descriptors that belong to it.
+    IncomingMessage take();
+    // Gives the memory of a taken message back, to be used again.
+    void reuse(IncomingMessage message);
+
+  private:
+    Result inspect();
+    void reserve(size_t capacity);
+
+    const uint64_t mBodyLimit;
+    IncomingMessage mMessage;  // its descriptors may include those of later messages
+    size_t mFilled = 0;
+    size_t mTotal = 0;  // of the message under way; 0 while its header is incomplete
+};
+
+}  // namespace android::hardware::transport

@@ -1,0 +1,59 @@
+// RemoteBinder: an object in another process.
+#pragma once
+
+#include <hwbinder/IBinder.h>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Socket.h"
+#include "Wire.h"
+
+namespace android::hardware::transport {
+
+// Carries calls over as many connections as threads call at once: one to begin with, more by the
+// service's name as they are needed. An object that was handed over as an argument has no name and
+// its one connection; calls to it take turns.
+//
+// It stays the object of the server that it was made for: when that process is gone it is dead for
+// good, even when another server has taken the name. Thread-safe.
+class RemoteBinder : public IBinder {
+  public:
+    // The service of that name, or null when nobody answers.
+    static sp<RemoteBinder> connect(const std::string& name);
+    // The object at the other end of a connection that arrived in a parcel.
+    static sp<RemoteBinder> fromConnection(unique_fd connection);
+    ~RemoteBinder() override;
+
+    status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                      TransactCallback callback) override;
+    status_t linkToDeath(const sp<DeathRecipient>& recipient) override;
+    status_t unlinkToDeath(const wp<DeathRecipient>& recipient) override;
+
+    // Called by the pool when the other end of the first connection is gone.
+    void hearOfDeath();
+
+  private:
+    RemoteBinder(std::string name, uint64_t server, unique_fd first);
+
+    int acquire();
+    void release(int connection);
+    void markDead();
+    status_t exchange(int connection, OutgoingMessage* call, bool oneway, Parcel* reply);
+
+    const std::string mName;  // empty for an object without a name
+    const uint64_t mServer;
+
+    std::mutex mMutex;
+    std::condition_variable mFreed;
+    std::vector<unique_fd> mConnections;          // under mMutex; the first is the one watched
+    std::vector<int> mFree;                       // under mMutex: connections that no call uses
+    bool mDead = false;                           // under mMutex
+    std::vector<sp<DeathRecipient>> mRecipients;  // under mMutex
+    uint64_t mWatch = 0;                          // under mMutex: the pool's number of the watch
+};
+
+}  // namespace android::hardware::transport

@@ -1,0 +1,119 @@
+#include <dirent.h>
+#include <hidl/HidlTransportSupport.h>
+#include <hidl/ServiceManagement.h>
+#include <hwbinder/ProcessState.h>
+#include <log/log.h>
+#include <sys/resource.h>
+
+#include <android/hidl/base/1.0/BpHwBase.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <set>
+
+#include "RemoteBinder.h"
+#include "ServerConnection.h"
+#include "Socket.h"
+#include "ThreadPool.h"
+
+#undef LOG_TAG
+#define LOG_TAG "hidl"
+
+namespace android::hardware {
+
+using ::android::hidl::base::V1_0::BpHwBase;
+using ::android::hidl::base::V1_0::IBase;
+using ::android::hidl::manager::V1_0::IServiceManager;
+using ::android::hidl::manager::V1_0::IServiceNotification;
+
+namespace {
+
+std::set<std::string> filesOf(const std::string& folder) {
+    std::set<std::string> files;
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(folder.c_str()), &closedir);
+    if (directory == nullptr) return files;
+    while (const dirent* entry = readdir(directory.get())) files.insert(entry->d_name);
+    return files;
+}
+
+// A manager without a process of its own: the names are files.
+class HostServiceManager : public IServiceManager {
+  public:
+    Return<void> list(list_cb callback) override {
+        const transport::RuntimeFolder folder = transport::openRuntimeFolder(false);
+        std::vector<hidl_string> names;
+        for (const std::string& file : filesOf(folder.path)) {
+            std::string descriptor;
+            std::string instance;
+            uint64_t server;
+            if (transport::splitSocketName(file, &descriptor, &instance) &&
+                transport::connectTo(folder, file, &server).ok()) {
+                names.emplace_back(descriptor + "/" + instance);
+            }
+        }
+        callback(names);
+        return Void();
+    }
+
+    Return<bool> registerForNotifications(const hidl_string&, const hidl_string&,
+                                          const sp<IServiceNotification>&) override {
+        return false;
+    }
+};
+
+// Every connection is a descriptor, and the usual soft limit is a thousand.
+void raiseDescriptorLimit() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max) return;
+    limit.rlim_cur = limit.rlim_max;
+    (void)setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+}  // namespace
+
+sp<IServiceManager> defaultServiceManager() {
+    static const auto* manager = new sp<IServiceManager>(new HostServiceManager);
+    return *manager;
+}
+
+namespace details {
+
+status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& instance) {
+    std::string descriptor;
+    const auto asked = service->interfaceDescriptor(
+            [&](const hidl_string& name) { descriptor = std::string(name); });
+    const std::string name = transport::socketName(descriptor, instance);
+    const sp<IBinder> stub = getOrCreateCachedBinder(service.get());
+    if (!asked.isOk() || stub == nullptr || stub->localBinder() == nullptr || name.empty()) {
+        ALOGE("%s/%s cannot be registered: there is no such name or no stub for it",
+              descriptor.c_str(), instance.c_str());
+        return BAD_VALUE;
+    }
+    raiseDescriptorLimit();
+    const transport::RuntimeFolder folder = transport::openRuntimeFolder(true);
+    if (!folder.descriptor.ok()) return PERMISSION_DENIED;
+    transport::unique_fd socket;
+    const status_t status = transport::listenOn(folder, name, &socket);
+    if (status != OK) {
+        ALOGE("%s/%s: cannot listen: %s", folder.path.c_str(), name.c_str(), strerror(-status));
+        return status;
+    }
+    auto& pool = transport::ThreadPool::instance();
+    auto listener = std::make_shared<transport::Listener>(std::move(socket), stub->localBinder());
+    if (pool.add(std::move(listener), true) == 0) return NO_MEMORY;
+    ProcessState::self()->startThreadPool();
+    return OK;
+}
+
+sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance,
+                                bool /* retry */, bool getStub) {
+    const std::string name = transport::socketName(descriptor, instance);
+    if (getStub || name.empty()) return nullptr;
+    const sp<transport::RemoteBinder> remote = transport::RemoteBinder::connect(name);
+    if (remote == nullptr) return nullptr;
+    return new BpHwBase(remote);
+}
+
+}  // namespace details
+}  // namespace android::hardware

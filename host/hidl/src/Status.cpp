@@ -1,0 +1,107 @@
+#include <hidl/Status.h>
+
+#include <log/log.h>
+
+#include <ostream>
+
+namespace android::hardware {
+
+namespace {
+
+struct Name {
+    int32_t value;
+    const char* text;
+};
+
+constexpr Name kExceptions[] = {
+        {Status::EX_NONE, "EX_NONE"},
+        {Status::EX_SECURITY, "EX_SECURITY"},
+        {Status::EX_BAD_PARCELABLE, "EX_BAD_PARCELABLE"},
+        {Status::EX_ILLEGAL_ARGUMENT, "EX_ILLEGAL_ARGUMENT"},
+        {Status::EX_NULL_POINTER, "EX_NULL_POINTER"},
+        {Status::EX_ILLEGAL_STATE, "EX_ILLEGAL_STATE"},
+        {Status::EX_NETWORK_MAIN_THREAD, "EX_NETWORK_MAIN_THREAD"},
+        {Status::EX_UNSUPPORTED_OPERATION, "EX_UNSUPPORTED_OPERATION"},
+        {Status::EX_HAS_REPLY_HEADER, "EX_HAS_REPLY_HEADER"},
+        {Status::EX_TRANSACTION_FAILED, "EX_TRANSACTION_FAILED"},
+};
+
+constexpr Name kErrors[] = {
+        {OK, "OK"},
+        {UNKNOWN_ERROR, "UNKNOWN_ERROR"},
+        {NO_MEMORY, "NO_MEMORY"},
+        {INVALID_OPERATION, "INVALID_OPERATION"},
+        {BAD_VALUE, "BAD_VALUE"},
+        {BAD_TYPE, "BAD_TYPE"},
+        {NAME_NOT_FOUND, "NAME_NOT_FOUND"},
+        {PERMISSION_DENIED, "PERMISSION_DENIED"},
+        {DEAD_OBJECT, "DEAD_OBJECT"},
+        {FAILED_TRANSACTION, "FAILED_TRANSACTION"},
+        {NOT_ENOUGH_DATA, "NOT_ENOUGH_DATA"},
+        {UNKNOWN_TRANSACTION, "UNKNOWN_TRANSACTION"},
+        {UNEXPECTED_NULL, "UNEXPECTED_NULL"},
+};
+
+template <size_t N>
+std::string nameIn(const Name (&names)[N], int32_t value) {
+    for (const Name& name : names) {
+        if (name.value == value) return name.text;
+    }
+    return std::to_string(value);
+}
+
+}  // namespace
+
+Status Status::fromStatusT(status_t status) {
+    Status made;
+    made.setFromStatusT(status);
+    return made;
+}
+
+void Status::setFromStatusT(status_t status) {
+    mException = status == OK ? EX_NONE : EX_TRANSACTION_FAILED;
+    mError = status;
+    mMessage.clear();
+}
+
+std::string Status::description() const {
+    if (isOk()) return "No error";
+    std::string text = nameIn(kExceptions, mException);
+    if (mException == EX_TRANSACTION_FAILED) text += ": " + nameIn(kErrors, mError);
+    if (!mMessage.empty()) text += ": " + mMessage;
+    return text;
+}
+
+std::ostream& operator<<(std::ostream& stream, const Status& status) {
+    return stream << status.description();
+}
+
+namespace details {
+
+return_status& return_status::operator=(return_status&& other) noexcept {
+    mStatus = std::move(other.mStatus);
+    mChecked = other.mChecked;
+    // Whoever has the outcome now has to look at it.
+    other.mChecked = true;
+    return *this;
+}
+
+return_status::~return_status() {
+    if (!mChecked && !mStatus.isOk()) {
+        __android_log_print(ANDROID_LOG_WARN, "hidl", "a failed call was not looked at: %s",
+                            mStatus.description().c_str());
+    }
+}
+
+void return_status::assertOk() const {
+    if (isOk()) return;
+    logAlwaysFatal(("a call that must not fail did: " + mStatus.description()).c_str());
+}
+
+void return_status::onValueRetrieval() const {
+    if (isOk()) return;
+    logAlwaysFatal(("the result of a failed call was taken: " + mStatus.description()).c_str());
+}
+
+}  // namespace details
+}  // namespace android::hardware

@@ -1,0 +1,137 @@
+#include "ThreadPool.h"
+
+#include <log/log.h>
+#include <sys/epoll.h>
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <thread>
+
+#undef LOG_TAG
+#define LOG_TAG "hidl"
+
+namespace android::hardware::transport {
+
+namespace {
+
+uint32_t epollEvents(EventSource::Next next) {
+    const uint32_t kind = next == EventSource::Next::WAIT_FOR_SPACE ? EPOLLOUT : EPOLLIN;
+    return kind | EPOLLONESHOT;
+}
+
+}  // namespace
+
+ThreadPool& ThreadPool::instance() {
+    static auto* pool = new ThreadPool;
+    return *pool;
+}
+
+ThreadPool::ThreadPool() : mEpoll(epoll_create1(EPOLL_CLOEXEC)) {
+    LOG_ALWAYS_FATAL_IF(!mEpoll.ok(), "epoll_create1: %s", strerror(errno));
+}
+
+void ThreadPool::configure(size_t maxThreads, bool callerWillJoin) {
+    LOG_ALWAYS_FATAL_IF(maxThreads == 0, "the RPC pool needs at least one thread");
+    std::lock_guard<std::mutex> lock(mMutex);
+    mMaxThreads = maxThreads;
+    mCallerWillJoin = callerWillJoin;
+}
+
+void ThreadPool::start() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mThreads == 0) startThreadLocked();
+}
+
+void ThreadPool::join() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mCallerWillJoin = false;
+        ++mThreads;
+    }
+    ++mWaiting;
+    run();
+}
+
+void ThreadPool::startThreadLocked() {
+    // A place is kept for the thread that has said it will join; when it is the only one allowed,
+    // calls wait for it.
+    const size_t most = mMaxThreads - (mCallerWillJoin ? 1 : 0);
+    if (mThreads >= most) return;
+    try {
+        ++mWaiting;
+        std::thread([this] { run(); }).detach();
+        ++mThreads;
+    } catch (const std::system_error& error) {
+        --mWaiting;
+        ALOGE("cannot start an RPC thread, %zu run: %s", mThreads, error.what());
+    }
+}
+
+void ThreadPool::startThreadIfNoneWaits() {
+    if (anyThreadWaits()) return;
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (!anyThreadWaits()) startThreadLocked();
+}
+
+uint64_t ThreadPool::add(std::shared_ptr<EventSource> source, bool input) {
+    const int descriptor = source->descriptor();
+    std::lock_guard<std::mutex> lock(mMutex);
+    const uint64_t id = ++mLastId;
+    epoll_event event{};
+    event.events = (input ? uint32_t{EPOLLIN} : uint32_t{EPOLLRDHUP}) | EPOLLONESHOT;
+    event.data.u64 = id;
+    if (epoll_ctl(mEpoll.get(), EPOLL_CTL_ADD, descriptor, &event) != 0) {
+        ALOGE("cannot wait on a connection: %s", strerror(errno));
+        return 0;
+    }
+    mSources.emplace(id, std::move(source));
+    return id;
+}
+
+void ThreadPool::remove(uint64_t id) {
+    std::shared_ptr<EventSource> removed;  // destroyed after the lock is given back
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto it = mSources.find(id);
+    if (it == mSources.end()) return;
+    removed = std::move(it->second);
+    mSources.erase(it);
+    (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_DEL, removed->descriptor(), nullptr);
+}
+
+void ThreadPool::serve(uint64_t id, uint32_t events) {
+    std::shared_ptr<EventSource> source;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto it = mSources.find(id);
+        if (it == mSources.end()) return;
+        source = it->second;
+    }
+    const EventSource::Next next = source->onEvents(events, *this);
+    if (next == EventSource::Next::DROP) {
+        remove(id);
+        return;
+    }
+    epoll_event event{};
+    event.events = epollEvents(next);
+    event.data.u64 = id;
+    // Under the lock, so that a source that was removed meanwhile is not armed again.
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mSources.count(id) != 0) {
+        (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_MOD, source->descriptor(), &event);
+    }
+}
+
+void ThreadPool::run() {
+    while (true) {
+        epoll_event event{};
+        const int count = epoll_wait(mEpoll.get(), &event, 1, -1);
+        if (count != 1) continue;
+        --mWaiting;
+        startThreadIfNoneWaits();
+        serve(event.data.u64, event.events);
+        ++mWaiting;
+    }
+}
+
+}  // namespace android::hardware::transport

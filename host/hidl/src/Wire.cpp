@@ -1,0 +1,226 @@
+#include "Wire.h"
+
+#include <cstring>
+
+#include "RemoteBinder.h"
+#include "ServerConnection.h"
+
+namespace android::hardware::transport {
+
+namespace {
+
+constexpr uint8_t kZeros[8] = {};
+// Blocks up to this size are copied side by side: one large piece is sent faster than many small.
+constexpr size_t kSmallBlock = 2048;
+constexpr size_t kHandleHeader = sizeof(native_handle_t);
+
+size_t handleLength(const native_handle_t* handle) {
+    return kHandleHeader + sizeof(int) * static_cast<size_t>(handle->numFds + handle->numInts);
+}
+
+}  // namespace
+
+void OutgoingMessage::addPiece(const void* bytes, size_t length) {
+    if (length == 0) return;
+    mPieces.push_back({const_cast<void*>(bytes), length});
+}
+
+status_t OutgoingMessage::addObject(const Parcel::Object& object, WireObject* record) {
+    *record = {static_cast<uint32_t>(object.kind),
+               (object.isNull ? WireObject::kIsNull : 0) |
+                       (object.hasParent ? WireObject::kHasParent : 0),
+               object.parent,
+               0,
+               object.parentOffset,
+               object.length};
+    if (object.isNull) return OK;
+    switch (object.kind) {
+        case Parcel::ObjectKind::BUFFER:
+            mBlocks.push_back({object.bytes, object.length});
+            return OK;
+        case Parcel::ObjectKind::HANDLE: {
+            const auto* handle = static_cast<const native_handle_t*>(object.bytes);
+            mBlocks.push_back({handle, handleLength(handle)});
+            const int* first = &handle->data[0];
+            mDescriptors.insert(mDescriptors.end(), first, first + handle->numFds);
+            return OK;
+        }
+        case Parcel::ObjectKind::BINDER: {
+            unique_fd end;
+            const status_t status = ServerConnection::open(object.binder->localBinder(), &end);
+            if (status != OK) return status;
+            mDescriptors.push_back(end.get());
+            mHandedOut.push_back(std::move(end));
+            return OK;
+        }
+    }
+    return BAD_VALUE;
+}
+
+status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_t code,
+                                 uint64_t bodyLimit) {
+    mRecords.clear();
+    mBlocks.clear();
+    mDescriptors.clear();
+    mHandedOut.clear();
+    const std::vector<uint8_t>& data = parcel.data();
+    uint64_t body = alignedToEight(data.size()) + parcel.objects().size() * sizeof(WireObject);
+    for (const Parcel::Object& object : parcel.objects()) {
+        if (!object.isNull) body += alignedToEight(object.length);
+    }
+    if (body > bodyLimit) return FAILED_TRANSACTION;
+    mRecords.resize(parcel.objects().size());
+    for (size_t i = 0; i < mRecords.size(); ++i) {
+        const status_t status = addObject(parcel.objects()[i], &mRecords[i]);
+        if (status != OK) return status;
+    }
+    if (mDescriptors.size() > kMaxDescriptors) return FAILED_TRANSACTION;
+    mHeader = {Header::kMagic,
+               type,
+               code,
+               static_cast<uint32_t>(data.size()),
+               static_cast<uint32_t>(mRecords.size()),
+               static_cast<uint32_t>(mDescriptors.size()),
+               body};
+    layOut(data);
+    return OK;
+}
+
+void OutgoingMessage::encodeStatus(status_t status) {
+    const Parcel empty;
+    (void)encode(empty, MessageType::REPLY, static_cast<uint32_t>(status), kMaxReplyBody);
+}
+
+void OutgoingMessage::layOut(const std::vector<uint8_t>& data) {
+    // Small things stand in one copy; its size is known before the first piece points into it.
+    size_t small =
+            sizeof(Header) + alignedToEight(data.size()) + mRecords.size() * sizeof(WireObject);
+    for (const Block& block : mBlocks) {
+        if (block.length <= kSmallBlock) small += alignedToEight(block.length);
+    }
+    mSmall.assign(small, 0);
+    mPieces.clear();
+    size_t used = 0;
+    size_t pieceStart = 0;
+    const auto copy = [&](const void* bytes, size_t length) {
+        if (length != 0) memcpy(mSmall.data() + used, bytes, length);
+        used += alignedToEight(length);
+    };
+    const auto endPiece = [&] {
+        addPiece(mSmall.data() + pieceStart, used - pieceStart);
+        pieceStart = used;
+    };
+    copy(&mHeader, sizeof(mHeader));
+    copy(data.data(), data.size());
+    copy(mRecords.data(), mRecords.size() * sizeof(WireObject));
+    for (const Block& block : mBlocks) {
+        if (block.length <= kSmallBlock) {
+            copy(block.bytes, block.length);
+            continue;
+        }
+        endPiece();
+        addPiece(block.bytes, block.length);
+        addPiece(kZeros, alignedToEight(block.length) - block.length);
+    }
+    endPiece();
+}
+
+namespace {
+
+// Walks the body of a message, never past its end.
+class BodyCursor {
+  public:
+    BodyCursor(uint8_t* bytes, uint64_t size) : mBytes(bytes), mLeft(size) {}
+    // The next part with its padding, or null when the body is too short for it.
+    uint8_t* take(uint64_t length) {
+        if (length > mLeft || alignedToEight(length) > mLeft) return nullptr;
+        uint8_t* part = mBytes;
+        mBytes += alignedToEight(length);
+        mLeft -= alignedToEight(length);
+        return part;
+    }
+    bool atEnd() const { return mLeft == 0; }
+
+  private:
+    uint8_t* mBytes;
+    uint64_t mLeft;
+};
+
+bool parentIsSound(const WireObject& record, const std::vector<Parcel::Object>& earlier) {
+    if (record.parent >= earlier.size()) return false;
+    const Parcel::Object& parent = earlier[record.parent];
+    return parent.kind == Parcel::ObjectKind::BUFFER && !parent.isNull &&
+           record.parentOffset % alignof(void*) == 0 && parent.length >= sizeof(uint64_t) &&
+           record.parentOffset <= parent.length - sizeof(uint64_t);
+}
+
+// A handle's numbers must be those of its length; its descriptors are put in place.
+bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descriptors,
+                size_t* nextDescriptor) {
+    if (length < kHandleHeader) return false;
+    auto* handle = reinterpret_cast<native_handle_t*>(bytes);
+    if (handle->version != static_cast<int>(kHandleHeader) || handle->numFds < 0 ||
+        handle->numInts < 0 || handle->numFds > NATIVE_HANDLE_MAX_FDS ||
+        handle->numInts > NATIVE_HANDLE_MAX_INTS || handleLength(handle) != length) {
+        return false;
+    }
+    const auto count = static_cast<size_t>(handle->numFds);
+    if (count > descriptors->size() - *nextDescriptor) return false;
+    int* slots = &handle->data[0];
+    for (size_t i = 0; i < count; ++i) slots[i] = (*descriptors)[(*nextDescriptor)++].get();
+    return true;
+}
+
+}  // namespace
+
+status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects) {
+    const Header& header = message->header();
+    BodyCursor body(message->body(), header.bodySize);
+    if (body.take(header.dataSize) == nullptr) return BAD_VALUE;
+    const auto* records = reinterpret_cast<const WireObject*>(
+            body.take(uint64_t{header.objectCount} * sizeof(WireObject)));
+    if (records == nullptr) return BAD_VALUE;
+    objects->clear();
+    objects->reserve(header.objectCount);
+    size_t nextDescriptor = 0;
+    for (uint32_t i = 0; i < header.objectCount; ++i) {
+        const WireObject& record = records[i];
+        Parcel::Object object{};
+        object.kind = static_cast<Parcel::ObjectKind>(record.kind);
+        object.isNull = (record.flags & WireObject::kIsNull) != 0;
+        object.hasParent = (record.flags & WireObject::kHasParent) != 0;
+        object.parent = record.parent;
+        object.parentOffset = record.parentOffset;
+        object.length = record.length;
+        if (object.hasParent && !parentIsSound(record, *objects)) return BAD_VALUE;
+        switch (object.kind) {
+            case Parcel::ObjectKind::BUFFER:
+            case Parcel::ObjectKind::HANDLE:
+                if (object.isNull) {
+                    if (object.length != 0) return BAD_VALUE;
+                    break;
+                }
+                object.bytes = body.take(object.length);
+                if (object.bytes == nullptr) return BAD_VALUE;
+                if (object.kind == Parcel::ObjectKind::HANDLE &&
+                    !takeHandle(static_cast<uint8_t*>(object.bytes), object.length,
+                                &message->descriptors, &nextDescriptor)) {
+                    return BAD_VALUE;
+                }
+                break;
+            case Parcel::ObjectKind::BINDER:
+                if (object.length != 0 || object.hasParent) return BAD_VALUE;
+                if (object.isNull) break;
+                if (nextDescriptor == message->descriptors.size()) return BAD_VALUE;
+                object.binder = RemoteBinder::fromConnection(
+                        std::move(message->descriptors[nextDescriptor++]));
+                break;
+            default:
+                return BAD_VALUE;
+        }
+        objects->push_back(std::move(object));
+    }
+    return body.atEnd() && nextDescriptor == message->descriptors.size() ? OK : BAD_VALUE;
+}
+
+}  // namespace android::hardware::transport

@@ -1,0 +1,123 @@
+// What a message looks like on a socket, and how a parcel becomes one and is made from one.
+//
+// A message is a Header, then its body: the parcel's numbers, a WireObject for each of its objects,
+// and the bytes of the buffers and handles in the same order, each part padded to eight bytes.
+// Descriptors travel beside the first byte, in the order of the handles and interfaces they belong
+// to. Numbers have the machine's byte order: both ends are on one machine.
+#pragma once
+
+#include <android-base/unique_fd.h>
+#include <hwbinder/Parcel.h>
+#include <sys/uio.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace android::hardware::transport {
+
+using ::android::base::unique_fd;
+
+enum class MessageType : uint32_t { CALL = 1, ONEWAY_CALL = 2, REPLY = 3 };
+
+struct Header {
+    static constexpr uint32_t kMagic = 0x314b4c4d;  // "MLK1"
+    uint32_t magic;
+    MessageType type;
+    uint32_t code;  // of a call: the method; of a reply: the transport's status_t
+    uint32_t dataSize;
+    uint32_t objectCount;
+    uint32_t fdCount;
+    uint64_t bodySize;
+};
+static_assert(sizeof(Header) == 32);
+
+struct WireObject {
+    static constexpr uint32_t kIsNull = 1;
+    static constexpr uint32_t kHasParent = 2;
+    uint32_t kind;
+    uint32_t flags;
+    uint32_t parent;
+    uint32_t padding;
+    uint64_t parentOffset;
+    uint64_t length;
+};
+static_assert(sizeof(WireObject) == 32);
+
+// What a server says first on every connection. The number tells two servers of one name apart.
+struct Hello {
+    static constexpr uint32_t kMagic = 0x484b4c4d;  // "MLKH"
+    static constexpr uint32_t kVersion = 1;
+    uint32_t magic;
+    uint32_t version;
+    uint64_t server;
+};
+static_assert(sizeof(Hello) == 16);
+
+// A call that is larger fails with FAILED_TRANSACTION, as on a device, where both share a block of
+// one megabyte. Replies may be larger here: files are delivered in them.
+constexpr uint64_t kMaxCallBody = 1024 * 1024 - 8192;
+constexpr uint64_t kMaxReplyBody = 256ULL * 1024 * 1024;
+
+// The kernel passes at most this many descriptors at once.
+constexpr size_t kMaxDescriptors = 253;
+
+// A whole message that arrived: its bytes, from the header on, and its descriptors.
+struct IncomingMessage {
+    std::unique_ptr<uint8_t[]> bytes;
+    size_t capacity = 0;
+    std::vector<unique_fd> descriptors;
+
+    const Header& header() const { return *reinterpret_cast<const Header*>(bytes.get()); }
+    uint8_t* body() const { return bytes.get() + sizeof(Header); }
+};
+
+// A message to send: it refers to the parcel it was made from and to the parcel's buffers.
+class OutgoingMessage {
+  public:
+    // OK; FAILED_TRANSACTION when the body exceeds the limit or there are too many descriptors; an
+    // errno as a status when an interface cannot be handed out.
+    status_t encode(const Parcel& parcel, MessageType type, uint32_t code, uint64_t bodyLimit);
+    // A reply without a parcel.
+    void encodeStatus(status_t status);
+
+    // Not valid after the next encode.
+    std::vector<iovec>& pieces() { return mPieces; }
+    const std::vector<int>& descriptors() const { return mDescriptors; }
+    // To be called once they are sent: closes those that are the message's own. While they are open
+    // here, an object that was handed out could not see its client go.
+    void forgetDescriptors() {
+        mDescriptors.clear();
+        mHandedOut.clear();
+    }
+
+  private:
+    void addPiece(const void* bytes, size_t length);
+    status_t addObject(const Parcel::Object& object, WireObject* record);
+    void layOut(const std::vector<uint8_t>& data);
+
+    struct Block {
+        const void* bytes;
+        size_t length;
+    };
+
+    Header mHeader{};
+    std::vector<WireObject> mRecords;
+    std::vector<Block> mBlocks;   // what the buffers and handles consist of
+    std::vector<uint8_t> mSmall;  // copies of small blocks, with their padding
+    std::vector<iovec> mPieces;
+    std::vector<int> mDescriptors;      // borrowed from the parcel, or from mHandedOut
+    std::vector<unique_fd> mHandedOut;  // ends of connections to interfaces in the parcel
+};
+
+// Takes the objects out of a message: their places, lengths and parents are those of a well-formed
+// parcel afterwards, and descriptors stand in their handles. Pointers between buffers are not made;
+// reading does that. BAD_VALUE when anything is out of bounds; objects is then undefined.
+status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects);
+
+constexpr uint64_t alignedToEight(uint64_t length) {
+    return (length + 7) & ~uint64_t{7};
+}
+
+}  // namespace android::hardware::transport
