@@ -12,7 +12,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kChunk = 32 * 1024;
+constexpr size_t kChunk = size_t{32} * 1024;
 
 }  // namespace
 
@@ -63,6 +63,16 @@ bool LineReader::next(std::string_view& line) {
         line = line.substr(0, mLimit);
     }
     line = line.substr(0, line.find('\0'));
+    return true;
+}
+
+bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+        complain("no \"=\", line skipped");
+        return false;
+    }
+    value = line.substr(equals + 1);
     return true;
 }
 

@@ -46,6 +46,15 @@ class LineReader {
      */
     bool next(std::string_view& line);
 
+    /**
+     * For a line that assigns something: gives the text after its first "=". A line without one has
+     * nothing to say and is complained about.
+     *
+     * @param line   the line handed out last
+     * @param value  set to the text, a part of the line; untouched when there is none
+     */
+    bool valueOf(std::string_view line, std::string_view& value) const;
+
     const std::string& path() const { return mPath; }
 
     /** Number of the line handed out last, from 1; 0 before the first. */

@@ -157,6 +157,24 @@ TEST_F(LineReaderTest, AComplaintNamesFileAndLine) {
     EXPECT_THAT(errors(), ElementsAre(path() + ":2: odd"));
 }
 
+TEST_F(LineReaderTest, ValueIsWhatFollowsTheFirstEqualsSign) {
+    LineReader reader(mDir.write("file", "a = b=c\nd=\nef\n"), kBufferSize, kTag);
+    std::string_view line;
+    std::string_view value;
+    reader.next(line);
+    EXPECT_TRUE(reader.valueOf(line, value));
+    EXPECT_EQ(value, " b=c");
+    reader.next(line);
+    EXPECT_TRUE(reader.valueOf(line, value));
+    EXPECT_EQ(value, "");
+    EXPECT_THAT(errors(), IsEmpty());
+    reader.next(line);
+    value = "untouched";
+    EXPECT_FALSE(reader.valueOf(line, value));
+    EXPECT_EQ(value, "untouched");
+    EXPECT_THAT(errors(), ElementsAre(path() + ":3: no \"=\", line skipped"));
+}
+
 // The same rules once more, written down plainly.
 std::vector<std::string> expectedLines(std::string text) {
     std::vector<std::string> lines;

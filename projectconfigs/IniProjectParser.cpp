@@ -1,0 +1,158 @@
+#include "projectconfigs/IniProjectParser.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "common/LineReader.h"
+#include "common/Paths.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "IniProjectParser";
+constexpr size_t kBufferSize = 256;
+
+// Takes a character out everywhere. One that is found at position p takes p characters more along,
+// those that follow it: where it leads or ends a text it goes alone.
+void eraseWithFollowers(std::string& text, char symbol) {
+    for (size_t at = text.find(symbol); at != std::string::npos; at = text.find(symbol)) {
+        text.erase(at, at + 1);
+    }
+}
+
+void eraseTailSharpChar(std::string& text) {
+    text.erase(std::min(text.find('#'), text.size()));
+}
+
+void eraseCarriageReturnChar(std::string& text) {
+    eraseWithFollowers(text, '\r');
+}
+
+void eraseTrailingSpaces(std::string& text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+}
+
+std::string categoryOf(std::string_view sectionLine) {
+    std::string category(sectionLine);
+    eraseCarriageReturnChar(category);
+    eraseTrailingSpaces(category);
+    eraseTailSharpChar(category);
+    return category;
+}
+
+// The next run of characters other than "="; empty when there is none. Takes it off the line.
+std::string_view nextToken(std::string_view& line) {
+    line.remove_prefix(std::min(line.find_first_not_of('='), line.size()));
+    const std::string_view token = line.substr(0, line.find('='));
+    line.remove_prefix(token.size());
+    return token;
+}
+
+// False when the line has no value.
+bool addNewItem(const std::string& category, std::string_view line, ConfigItems& items) {
+    std::string key(nextToken(line));
+    std::string value(nextToken(line));
+    if (value.empty()) {
+        return false;
+    }
+    eraseTrailingSpaces(key);
+    value.erase(0, value.find_first_not_of(' '));
+    eraseTailSharpChar(value);
+    eraseWithFollowers(value, '"');
+    eraseWithFollowers(value, ';');
+    eraseCarriageReturnChar(value);
+    items.try_emplace(ConfigKey(category, std::move(key)), std::move(value));
+    return true;
+}
+
+}  // namespace
+
+void IniProjectParser::update(const char* path) {
+    if (path == nullptr) {
+        return;
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIniPath = path;
+    ConfigItems items = parse_ini(path);
+    if (!items.empty()) {
+        mIniMap.try_emplace(std::string(fileNameOf(mIniPath)), std::move(items));
+    }
+}
+
+ConfigItems IniProjectParser::parse_ini(const char* path) {
+    ConfigItems items;
+    if (!pathExists(path)) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s don't exist.", path);
+        return items;
+    }
+    LineReader reader(path, kBufferSize, kTag);
+    std::string category;
+    std::string_view line;
+    while (reader.next(line)) {
+        switch (line.empty() ? '\0' : line.front()) {
+            case '\0':
+            case '\r':
+            case '#':
+            case ';':
+                break;
+            case '[':
+                category = categoryOf(line);
+                break;
+            default:
+                if (!addNewItem(category, line, items)) {
+                    reader.complain("no value, line skipped");
+                }
+        }
+    }
+    return items;
+}
+
+std::string IniProjectParser::getInfo(const char* fileName, const ConfigKey& key) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto file = mIniMap.find(std::string_view(fileName));
+    if (file == mIniMap.end()) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "can't find the %s audio config", fileName);
+        return {};
+    }
+    const auto item = file->second.find(key);
+    return item != file->second.end() ? item->second : std::string();
+}
+
+bool IniProjectParser::findItem(const char* fileName) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (mIniMap.find(std::string_view(fileName)) == mIniMap.end()) {
+        return false;
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "the %s audio config have exist", fileName);
+    return true;
+}
+
+void IniProjectParser::dumpDetail() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    // "deatil" is what the tools that read this log look for.
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "IniProjectParser deatil:");
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tIniPath ID=%s", mIniPath.c_str());
+    for (const auto& [fileName, items] : mIniMap) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tFile:%s", fileName.c_str());
+        for (const auto& [key, value] : items) {
+            __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
+                                key.key.c_str(), value.c_str());
+        }
+    }
+}
+
+void IniProjectParser::dump(std::ostream& out) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    out << "  IniProjectParser deatil:" << std::endl;
+    for (const auto& [fileName, items] : mIniMap) {
+        out << "    File:" << fileName << std::endl;
+        for (const auto& [key, value] : items) {
+            out << "        " << key.category << ":" << key.key << "=" << value << std::endl;
+        }
+    }
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,150 @@
+#include <android/log.h>
+
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "common/File.h"
+#include "common/LineReader.h"
+#include "common/Paths.h"
+#include "projectconfigs/ProjectParser.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr size_t kListBufferSize = 256;
+
+// No file of a configuration partition comes near this; a sparse or virtual file that claims more
+// must not cost the process its memory.
+constexpr size_t kMaxFileSize = size_t{256} << 20;
+
+std::vector<uint8_t> readWhole(const std::string& path) {
+    std::vector<uint8_t> data;
+    File file(path);
+    if (!file.isOpen() || file.size() > kMaxFileSize) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
+                            file.isOpen() ? "too large" : file.reason().c_str());
+        return data;
+    }
+    try {
+        data.resize(file.size());
+    } catch (const std::bad_alloc&) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: no memory for %zu bytes",
+                            path.c_str(), file.size());
+        return data;
+    }
+    // The file may have become shorter since its size was asked.
+    size_t filled = 0;
+    ssize_t count = 0;
+    do {
+        count = file.read(reinterpret_cast<char*>(data.data()) + filled, data.size() - filled);
+        filled += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    } while (count > 0 && filled < data.size());
+    data.resize(filled);
+    return data;
+}
+
+}  // namespace
+
+std::string ProjectParser::getInfo(const ConfigKey& key) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto item = mItemMap.find(key);
+    return item != mItemMap.end() ? item->second : std::string();
+}
+
+bool ProjectParser::setInfo(const ConfigKey& key, std::string value) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto item = mItemMap.find(key);
+    if (item == mItemMap.end()) {
+        return false;
+    }
+    item->second = std::move(value);
+    return true;
+}
+
+std::map<std::string, std::string> ProjectParser::getInfosByCategory(
+        const std::string& category) const {
+    std::map<std::string, std::string> infos;
+    const std::lock_guard<std::mutex> lock(mMutex);
+    // The empty key is the least one: a section's items stand together from there on.
+    for (auto item = mItemMap.lower_bound(ConfigKey(category, ""));
+         item != mItemMap.end() && item->first.category == category; ++item) {
+        const auto& [key, value] = *item;
+        infos.emplace(key.key, value);
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "getInfosByCategory, key:%s, value:%s",
+                            key.key.c_str(), value.c_str());
+    }
+    return infos;
+}
+
+std::string ProjectParser::getCustomerId() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mCustomerId;
+}
+
+unsigned int ProjectParser::getProjectMaxIdx() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mProjectMaxIdx;
+}
+
+void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
+    std::string path;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        path = mSysIniPath;
+    }
+    if (path.empty() || isMissing(path, __func__, __LINE__)) {
+        return;
+    }
+    constexpr std::string_view kModel = "Model_";
+    constexpr std::string_view kFolder = "model/";
+    constexpr size_t kCutWithoutFolder = 5;
+    LineReader reader(path, kListBufferSize, kTag);
+    std::string_view line;
+    while (reader.next(line)) {
+        if (line.find(kModel) == std::string_view::npos) {
+            continue;
+        }
+        const size_t folder = line.find(kFolder);
+        std::string entry(line.substr(folder == std::string_view::npos ? kCutWithoutFolder
+                                                                       : folder + kFolder.size()));
+        entry.erase(std::remove(entry.begin(), entry.end(), '"'), entry.end());
+        list.push_back(std::move(entry));
+    }
+}
+
+std::vector<uint8_t> ProjectParser::getTvFile(const std::string& path) {
+    if (path.empty()) {
+        return {};
+    }
+    const std::optional<std::string> file = withoutQuotes(path);
+    const char* const name = (file ? *file : path).c_str();
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
+    if (!file || !pathExists(*file)) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s %d] %s don't exist.", __func__, __LINE__,
+                            name);
+        return {};
+    }
+    std::vector<uint8_t> data = readWhole(*file);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile fileData size:%zu", data.size());
+    return data;
+}
+
+bool ProjectParser::isFileExist(const std::string& path) {
+    if (path.empty()) {
+        return false;
+    }
+    const std::optional<std::string> file = withoutQuotes(path);
+    const char* const name = (file ? *file : path).c_str();
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist filePath:%s", name);
+    if (file && pathExists(*file)) {
+        return true;
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist %s don't exist.", name);
+    return false;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

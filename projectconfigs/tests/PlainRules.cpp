@@ -1,0 +1,156 @@
+#include "projectconfigs/tests/PlainRules.h"
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else {
+            lines.back() += c;
+        }
+    }
+    return lines;
+}
+
+std::string without(const std::string& text, char unwanted) {
+    std::string rest;
+    for (const char c : text) {
+        if (c != unwanted) {
+            rest += c;
+        }
+    }
+    return rest;
+}
+
+void cutTail(std::string& text, char unwanted) {
+    while (!text.empty() && text.back() == unwanted) {
+        text.pop_back();
+    }
+}
+
+void cutHead(std::string& text, char unwanted) {
+    while (!text.empty() && text.front() == unwanted) {
+        text.erase(text.begin());
+    }
+}
+
+void cutComment(std::string& text) {
+    while (text.find('#') != std::string::npos) {
+        text.pop_back();
+    }
+}
+
+std::string cleaned(std::string text) {
+    cutComment(text);
+    cutTail(text, '\r');
+    text = without(text, '"');
+    text = without(text, ';');
+    cutTail(text, ' ');
+    cutHead(text, ' ');
+    return text;
+}
+
+// The first such character at place p goes, and up to p characters after it.
+void takeOutWithFollowers(std::string& text, char unwanted) {
+    for (;;) {
+        size_t place = 0;
+        while (place < text.size() && text[place] != unwanted) {
+            ++place;
+        }
+        if (place == text.size()) {
+            return;
+        }
+        std::string rest = text.substr(0, place);
+        for (size_t i = place + place + 1; i < text.size(); ++i) {
+            rest += text[i];
+        }
+        text = rest;
+    }
+}
+
+}  // namespace
+
+Items projectItems(const std::string& text) {
+    Items items;
+    std::string category;
+    for (const std::string& line : linesOf(text)) {
+        if (line.empty() || line[0] == '\r' || line[0] == '#') {
+            continue;
+        }
+        const std::string rest = cleaned(line);
+        if (line[0] == '[') {
+            category = rest;
+            continue;
+        }
+        std::string key;
+        size_t i = 0;
+        while (i < rest.size() && rest[i] != '=') {
+            key += rest[i++];
+        }
+        std::string value = i < rest.size() ? rest.substr(i + 1) : rest;
+        cutTail(key, ' ');
+        cutHead(value, ' ');
+        items[{category, key}] = value;
+    }
+    return items;
+}
+
+Items auxiliaryItems(const std::string& text) {
+    Items items;
+    std::string section;
+    for (const std::string& line : linesOf(text)) {
+        if (line.empty() || line[0] == '\r' || line[0] == '#' || line[0] == ';') {
+            continue;
+        }
+        if (line[0] == '[') {
+            section = line;
+            continue;
+        }
+        std::string copy = line;
+        char* state = nullptr;
+        const char* const first = strtok_r(copy.data(), "=", &state);
+        const char* const second = first != nullptr ? strtok_r(nullptr, "=", &state) : nullptr;
+        if (second == nullptr) {
+            continue;
+        }
+        std::string key = first;
+        cutTail(key, ' ');
+        std::string value = second;
+        cutHead(value, ' ');
+        cutComment(value);
+        takeOutWithFollowers(value, '"');
+        takeOutWithFollowers(value, ';');
+        takeOutWithFollowers(value, '\r');
+        std::string category = section;
+        takeOutWithFollowers(category, '\r');
+        cutTail(category, ' ');
+        cutComment(category);
+        items.insert({{category, key}, value});
+    }
+    return items;
+}
+
+std::string randomFile(unsigned int seed) {
+    std::mt19937 random(seed);
+    const std::string alphabet = "ab =#;\"\r\t[]/x";
+    std::string text;
+    for (size_t line = 1 + random() % 60; line > 0; --line) {
+        const char* const starts[] = {"", "", "[", "[S]", "k=", "key", "="};
+        text += starts[random() % 7];
+        for (size_t i = random() % 14; i > 0; --i) {
+            text += alphabet[random() % alphabet.size()];
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain

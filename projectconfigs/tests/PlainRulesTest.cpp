@@ -1,0 +1,61 @@
+#include "projectconfigs/tests/PlainRules.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "host/testing/LogCapture.h"
+#include "host/testing/TempDir.h"
+#include "projectconfigs/IniProjectParser.h"
+#include "projectconfigs/tests/ProjectFiles.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+constexpr unsigned int kRounds = 3000;
+
+// A dump in the order that the stores keep.
+std::string dumpOf(const plain::Items& items, const std::string& indent) {
+    ConfigItems ordered;
+    for (const auto& [key, value] : items) {
+        ordered[ConfigKey(key.first, key.second)] = value;
+    }
+    std::string text;
+    for (const auto& [key, value] : ordered) {
+        text += indent + key.category + ":" + key.key + "=" + value + "\n";
+    }
+    return text;
+}
+
+TEST(PlainRulesTest, ProjectParserAgreesOnRandomFiles) {
+    const mlk::testing::LogCapture quiet;
+    ProjectFiles files;
+    for (unsigned int seed = 0; seed < kRounds; ++seed) {
+        const std::string text = plain::randomFile(seed);
+        files.writeSet(text);
+        files.update();
+        const std::string dump = files.dump();
+        const std::string expected = dumpOf(plain::projectItems(text), "    ");
+        const std::string sources = "  Board ini file: \n";
+        ASSERT_EQ(dump.substr(dump.find(sources) + sources.size()), expected) << text;
+    }
+}
+
+TEST(PlainRulesTest, IniProjectParserAgreesOnRandomFiles) {
+    const mlk::testing::LogCapture quiet;
+    const mlk::testing::TempDir dir;
+    for (unsigned int seed = 0; seed < kRounds; ++seed) {
+        const std::string text = plain::randomFile(seed);
+        IniProjectParser parser;
+        parser.update(dir.write("aux.ini", text).c_str());
+        std::ostringstream dump;
+        parser.dump(dump);
+        const std::string items = dumpOf(plain::auxiliaryItems(text), "        ");
+        ASSERT_EQ(dump.str(), "  IniProjectParser deatil:\n" +
+                                      (items.empty() ? "" : "    File:aux.ini\n" + items))
+                << text;
+    }
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
