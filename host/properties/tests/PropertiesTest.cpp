@@ -3,6 +3,7 @@
 #include <stdlib.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -124,6 +125,10 @@ TEST_F(PropertiesTest, LongIntegersHave64Bits) {
         EXPECT_EQ(property_get_int64("a.key", 7), value) << text;
     }
     EXPECT_EQ(property_get_int64("missing", 7), 7);
+    // An overflow somewhere before is no overflow here.
+    ASSERT_EQ(property_set("a.key", "42"), 0);
+    errno = ERANGE;
+    EXPECT_EQ(property_get_int64("a.key", 7), 42);
 }
 
 TEST_F(PropertiesTest, ListGivesEveryPropertyOnce) {

@@ -126,13 +126,13 @@ TEST_F(PropertyStoreTest, ListsKeysInOrderAndNothingThatIsNone) {
 
 TEST_F(PropertyStoreTest, PassesOverTemporaryFilesThatWereLeftBehind) {
     ASSERT_TRUE(mStore.set("a.key", "one"));
-    for (int number = 0; number < 20; ++number) {
+    for (int number = 0; number < 1000; ++number) {
         mDir.write("data/property/.new-" + std::to_string(getpid()) + "-" + std::to_string(number),
                    "left behind");
     }
     EXPECT_TRUE(mStore.set("a.key", "two"));
     EXPECT_THAT(mStore.get("a.key"), Optional(std::string("two")));
-    EXPECT_EQ(files().size(), 21U);
+    EXPECT_EQ(files().size(), 1001U);
 }
 
 TEST_F(PropertyStoreTest, SpoiltFilesHarmNobody) {
