@@ -22,7 +22,8 @@ std::string dumpOf(const plain::Items& items, const std::string& indent) {
     }
     std::string text;
     for (const auto& [key, value] : ordered) {
-        text += indent + key.category + ":" + key.key + "=" + value + "\n";
+        text.append(indent).append(key.category).append(":").append(key.key);
+        text.append("=").append(value).append("\n");
     }
     return text;
 }

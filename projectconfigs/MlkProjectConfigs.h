@@ -1,0 +1,258 @@
+#pragma once
+
+#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "projectconfigs/BoardID.h"
+#include "projectconfigs/IniProjectParser.h"
+#include "projectconfigs/ProjectID.h"
+#include "projectconfigs/ProjectItems.h"
+#include "projectconfigs/ProjectParser.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * What this set is: project, board, panel, audio hardware, region and customer files, read from the
+ * configuration partitions.
+ *
+ * The process entry creates one object, which reads everything in its constructor, and registers it
+ * as "default". No method fails: each answers with success true, and what is missing is an empty
+ * text, false or 0. A few methods do not answer at all where an argument is out of range: see their
+ * comments, and MlkProjectConfigsStub for what a client sees then.
+ *
+ * Calls may come from any number of threads. The project store and the auxiliary parsers have locks
+ * of their own. mProjectChange is held while the project is changed, around those locks; no lock is
+ * held while an answer is given. Log tag: "MlkProjectConfigs".
+ */
+class MlkProjectConfigs : public IMlkProjectConfigs {
+  public:
+    template <typename T>
+    using Return = ::android::hardware::Return<T>;
+    template <typename T>
+    using hidl_vec = ::android::hardware::hidl_vec<T>;
+    using hidl_string = ::android::hardware::hidl_string;
+    using hidl_handle = ::android::hardware::hidl_handle;
+
+    /** Reads the identity files, the project's files and the auxiliary files. */
+    MlkProjectConfigs();
+
+    // The project index. A change is written to storage, re-reads the project's files with the
+    // board file that is in use, and answers whether the index was accepted: 1 to the highest.
+
+    /** For an index above the highest known the files are looked at again first. */
+    Return<void> setProjectId(int32_t projectId, setProjectId_cb _hidl_cb) override;
+    Return<void> setProjectIdWithPid(int32_t projectId, const hidl_string& processName, int32_t pid,
+                                     setProjectIdWithPid_cb _hidl_cb) override;
+    Return<void> getProjectId(getProjectId_cb _hidl_cb) override;
+    Return<void> getProjectMaxIdx(getProjectMaxIdx_cb _hidl_cb) override;
+    Return<void> getProjectIniList(getProjectIniList_cb _hidl_cb) override;
+
+    // Items of the project, whichever they are.
+
+    Return<void> getCustomerId(getCustomerId_cb _hidl_cb) override;
+    Return<void> getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) override;
+    Return<void> getConfigsByCategory(const hidl_string& category,
+                                      getConfigsByCategory_cb _hidl_cb) override;
+
+    // Items with a getter of their own: ProjectItems.h has their names.
+
+    Return<void> getClientType(getClientType_cb _hidl_cb) override {
+        return answer<projectItem("getClientType")>(_hidl_cb);
+    }
+    Return<void> getProjectName(getProjectName_cb _hidl_cb) override {
+        return answer<projectItem("getProjectName")>(_hidl_cb);
+    }
+    Return<void> getPanelName(getPanelName_cb _hidl_cb) override {
+        return answer<projectItem("getPanelName")>(_hidl_cb);
+    }
+    Return<void> getOverscanPath(getOverscanPath_cb _hidl_cb) override {
+        return answer<projectItem("getOverscanPath")>(_hidl_cb);
+    }
+    Return<void> getSSCPath(getSSCPath_cb _hidl_cb) override {
+        return answer<projectItem("getSSCPath")>(_hidl_cb);
+    }
+    Return<void> getPQPath(getPQPath_cb _hidl_cb) override {
+        return answer<projectItem("getPQPath")>(_hidl_cb);
+    }
+    /** No answer unless index is 0 or 1. */
+    Return<void> getEQPath(int32_t index, getEQPath_cb _hidl_cb) override {
+        return answer<projectItem("getEQPath")>(_hidl_cb, 0, static_cast<uint32_t>(index));
+    }
+    /** No answer unless path is one of the enumerators. */
+    Return<void> getAMPSelection(CommonPath path, getAMPSelection_cb _hidl_cb) override {
+        return answer<projectItem("getAMPSelection")>(_hidl_cb, 0, static_cast<uint32_t>(path));
+    }
+    /** No answer unless index is 0 or 1. */
+    Return<void> getAMPAddr(int32_t index, getAMPAddr_cb _hidl_cb) override {
+        return answer<projectItem("getAMPAddr")>(_hidl_cb, 0, static_cast<uint32_t>(index));
+    }
+    Return<void> getVolumeCurve(getVolumeCurve_cb _hidl_cb) override {
+        return answer<projectItem("getVolumeCurve")>(_hidl_cb);
+    }
+    Return<void> getAQPath(getAQPath_cb _hidl_cb) override {
+        return answer<projectItem("getAQPath")>(_hidl_cb);
+    }
+    /** No answer unless port is 0 to 3; an unknown version asks for the item with the empty key. */
+    Return<void> getHDMIEdidPath(int32_t port, EdidVer version,
+                                 getHDMIEdidPath_cb _hidl_cb) override {
+        return answer<projectItem("getHDMIEdidPath")>(_hidl_cb, static_cast<uint32_t>(port),
+                                                      static_cast<uint32_t>(version));
+    }
+    /** No answer unless version is one of the enumerators. */
+    Return<void> getHDMIHdcpPath(HdcpVer version, getHDMIHdcpPath_cb _hidl_cb) override {
+        return answer<projectItem("getHDMIHdcpPath")>(_hidl_cb, static_cast<uint32_t>(version));
+    }
+    /** The item as a number; no answer unless that is 0, 1 or 2. */
+    Return<void> getPowerOnMode(getPowerOnMode_cb _hidl_cb) override;
+    Return<void> getPowerLogoPath(getPowerLogoPath_cb _hidl_cb) override {
+        return answer<projectItem("getPowerLogoPath")>(_hidl_cb);
+    }
+    Return<void> getBootAnimationPath(getBootAnimationPath_cb _hidl_cb) override {
+        return answer<projectItem("getBootAnimationPath")>(_hidl_cb);
+    }
+    Return<void> getInputSource(getInputSource_cb _hidl_cb) override {
+        return answer<projectItem("getInputSource")>(_hidl_cb);
+    }
+    Return<void> getTunerType(getTunerType_cb _hidl_cb) override {
+        return answer<projectItem("getTunerType")>(_hidl_cb);
+    }
+    /** True when the item is exactly "true". */
+    Return<void> getDPVREnabled(getDPVREnabled_cb _hidl_cb) override {
+        return answer<projectItem("getDPVREnabled")>(_hidl_cb);
+    }
+    /** True when the item is exactly "true". */
+    Return<void> getHBBTVEnabled(getHBBTVEnabled_cb _hidl_cb) override {
+        return answer<projectItem("getHBBTVEnabled")>(_hidl_cb);
+    }
+    Return<void> getIRConfig(getIRConfig_cb _hidl_cb) override {
+        return answer<projectItem("getIRConfig")>(_hidl_cb);
+    }
+    Return<void> getRegionName(getRegionName_cb _hidl_cb) override {
+        return answer<projectItem("getRegionName")>(_hidl_cb);
+    }
+    /** No answer unless tuner is 0 or 1. */
+    Return<void> getTunerConfig(int32_t tuner, getTunerConfig_cb _hidl_cb) override {
+        return answer<projectItem("getTunerConfig")>(_hidl_cb, 0, static_cast<uint32_t>(tuner));
+    }
+    Return<void> getTvChannelDatabasePath(getTvChannelDatabasePath_cb _hidl_cb) override {
+        return answer<projectItem("getTvChannelDatabasePath")>(_hidl_cb);
+    }
+    Return<void> getIRFilter(getIRFilter_cb _hidl_cb) override {
+        return answer<projectItem("getIRFilter")>(_hidl_cb);
+    }
+
+    // Mount points of the partitions.
+
+    Return<void> getTvconfigsPath(getTvconfigsPath_cb _hidl_cb) override;
+    Return<void> getTvdataPath(getTvdataPath_cb _hidl_cb) override;
+    Return<void> getImpdataPath(getImpdataPath_cb _hidl_cb) override;
+
+    // Files for clients that may not read the partitions themselves. A path may be quoted.
+
+    /** The file's bytes; empty when it cannot be read. No answer to a path without text. */
+    Return<void> getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) override;
+    Return<void> getVendorPartitionFile(const hidl_string& path,
+                                        getVendorPartitionFile_cb _hidl_cb) override;
+    /** 1 or 0. No answer to a path without text. */
+    Return<void> isFileExist(const hidl_string& path, isFileExist_cb _hidl_cb) override;
+
+    // Audio, karaoke, key and DDC/CI files (MlkProjectConfigsAuxiliary.cpp).
+
+    Return<void> getAudioDelay(const ProjectConfigKey& key, const hidl_string& avrName,
+                               getAudioDelay_cb _hidl_cb) override;
+    Return<void> setAvrVendorId(const hidl_string& vendorId, setAvrVendorId_cb _hidl_cb) override;
+    Return<void> setAvrOSDName(const hidl_string& osdName, setAvrOSDName_cb _hidl_cb) override;
+    Return<void> getKaraokeConfig(const ProjectConfigKey& key,
+                                  getKaraokeConfig_cb _hidl_cb) override;
+    Return<void> getGlobalKeyConfig(const ProjectConfigKey& key,
+                                    getGlobalKeyConfig_cb _hidl_cb) override;
+    Return<void> getCustomerDdcciConfigInt(const ProjectConfigKey& key,
+                                           getCustomerDdcciConfigInt_cb _hidl_cb) override;
+    Return<void> getCustomerDdcciConfigString(const ProjectConfigKey& key,
+                                              getCustomerDdcciConfigString_cb _hidl_cb) override;
+
+    // Countries, languages, frequencies and TV systems (MlkProjectConfigsRegional.cpp).
+
+    Return<void> getCountryList(getCountryList_cb _hidl_cb) override;
+    Return<void> getCLTVCountryList(getCLTVCountryList_cb _hidl_cb) override;
+    Return<void> getLanguageList(getLanguageList_cb _hidl_cb) override;
+    Return<void> getFreqTableList(int32_t country, FreqTableType type, AtscCableType cableType,
+                                  getFreqTableList_cb _hidl_cb) override;
+    Return<void> isSupportTvSysReload(isSupportTvSysReload_cb _hidl_cb) override;
+    Return<void> setCountryId(int32_t country, setCountryId_cb _hidl_cb) override;
+
+    /**
+     * Writes the project store and the audio files, as text, to the one descriptor of the handle,
+     * which stays open. The arguments are ignored.
+     */
+    Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& arguments) override;
+
+  private:
+    friend struct MlkProjectConfigsPeer;  // tests
+
+    /** Texts of bounded length, always with a NUL at the end. */
+    using Name = std::array<char, 128>;
+    using TextCallback = std::function<void(const OptionalString&)>;
+    using FlagCallback = std::function<void(const OptionalBool&)>;
+
+    void InitPartitionPath();
+    void DumpConfigInfo() const;
+    hidl_string GetValue(const char* category, const char* key) const;
+    bool SetProjectIdInternal(int32_t id);
+    bool SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName, int32_t pid);
+
+    // Each loads its files into the parser that was made just before.
+    void GetAudioConfigPathInternal();
+    void GetKaraokeConfigPathInternal();
+    void GetGlobalKeyConfigPathInternal();
+    void GetCustomerDdcciConfigPathInternal();
+
+    /** Puts what belongs to a country into the store; -1 is the country that was chosen last. */
+    void InitTvSysMapInfo(int32_t country);
+
+    /** Answers with an item of the table; with nothing where a selector is out of range. */
+    template <size_t kRow, typename Callback>
+    Return<void> answer(const Callback& callback, uint32_t section = 0, uint32_t key = 0) const {
+        answerItem(kProjectItems[kRow], section, key, callback);
+        return {};
+    }
+    void answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
+                    const TextCallback& callback) const;
+    void answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
+                    const FlagCallback& callback) const;
+
+    std::unique_ptr<ProjectParser> mProjectParser;
+    std::unique_ptr<ProjectID> mProjectID;
+    std::unique_ptr<BoardID> mBoardID;
+    std::unique_ptr<IniProjectParser> mAudioIniParser;
+    const char* mImpdataPath = nullptr;  // these three belong to TvPartitionPath
+    const char* mTvdataPath = nullptr;
+    const char* mTvconfigsPath = nullptr;
+    std::string mCustomerIniPath;
+    // Names of the files that the audio parser holds, and what they are made from.
+    Name mPanelName{};
+    Name mICName{};
+    Name mHardwareName{};
+    Name mHwAudioConfigName{};
+    Name mAvrVendorId{};
+    Name mAvrOSDName{};
+    Name mAvrName{};
+    Name mAvrDefaultName{};
+    std::unique_ptr<IniProjectParser> mKaraokeIniParser;
+    std::unique_ptr<IniProjectParser> mGlobalKeyIniParser;
+    std::unique_ptr<IniProjectParser> mCustomerDdcciIniParser;
+    Name mKarakeName{};
+    Name mGlobalKeyName{};
+    Name mCustomerDdcciName{};
+    int32_t mProjectMaxIdx = 0;  // guarded by mProjectChange
+    std::mutex mProjectChange;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,97 @@
+#include <android-base/file.h>
+#include <android/log.h>
+
+#include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <sstream>
+
+#include "projectconfigs/MlkProjectConfigs.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+using ::android::hardware::hidl_memory;
+using ::android::hardware::Return;
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+// While it lives, this thread's writes to a pipe that nobody reads fail instead of killing the
+// process.
+class SigpipeHeld {
+  public:
+    SigpipeHeld() {
+        sigemptyset(&mSigpipe);
+        sigaddset(&mSigpipe, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &mSigpipe, &mFormer);
+    }
+    ~SigpipeHeld() {
+        const timespec now{};
+        while (sigtimedwait(&mSigpipe, nullptr, &now) < 0 && errno == EINTR) {
+        }
+        pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
+    }
+    SigpipeHeld(const SigpipeHeld&) = delete;
+    SigpipeHeld& operator=(const SigpipeHeld&) = delete;
+
+  private:
+    sigset_t mSigpipe{};
+    sigset_t mFormer{};
+};
+
+}  // namespace
+
+Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) {
+    if (path.c_str() == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "getTvFile, invalid paramter");
+        return {};
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile,path:%s", path.c_str());
+    std::vector<uint8_t> data = ProjectParser::getTvFile(path.c_str());
+    hidl_vec<uint8_t> answer;
+    answer.setToExternal(data.data(), data.size());
+    _hidl_cb(answer);
+    return {};
+}
+
+// Shared memory needs an allocator, which no set has yet.
+Return<void> MlkProjectConfigs::getVendorPartitionFile(const hidl_string& /* path */,
+                                                       getVendorPartitionFile_cb _hidl_cb) {
+    _hidl_cb(hidl_memory());
+    return {};
+}
+
+Return<void> MlkProjectConfigs::isFileExist(const hidl_string& path, isFileExist_cb _hidl_cb) {
+    if (path.c_str() == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "isFileExist, invalid paramter");
+        return {};
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist, path:%s", path.c_str());
+    _hidl_cb({true, ProjectParser::isFileExist(path.c_str()) ? 1 : 0});
+    return {};
+}
+
+Return<void> MlkProjectConfigs::debug(const hidl_handle& handle,
+                                      const hidl_vec<hidl_string>& /* arguments */) {
+    if (handle.getNativeHandle() == nullptr || handle->numFds != 1) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "debug -- dumping failed -- invalid file descriptor to dump to");
+        return {};
+    }
+    std::ostringstream text;
+    text << "ProjectConfigs:" << std::endl;
+    mProjectParser->dump(text);
+    text << "Audio configuration file: " << std::endl;
+    mAudioIniParser->dump(text);
+
+    const SigpipeHeld held;
+    if (::android::base::WriteStringToFd(text.str(), handle->data[0])) {
+        __android_log_print(ANDROID_LOG_INFO, kTag, "debug -- dumping succeeded");
+    } else {
+        __android_log_print(ANDROID_LOG_WARN, kTag, "debug -- dumping failed -- write()");
+    }
+    return {};
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

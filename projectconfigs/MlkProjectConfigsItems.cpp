@@ -1,0 +1,81 @@
+#include <utility>
+
+#include "common/Decimal.h"
+#include "projectconfigs/MlkProjectConfigs.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+using ::android::hardware::Return;
+
+::android::hardware::hidl_string MlkProjectConfigs::GetValue(const char* category,
+                                                             const char* key) const {
+    return mProjectParser->getInfo(ConfigKey(category, key));
+}
+
+void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
+                                   const TextCallback& callback) const {
+    const char* const sectionName = sectionOf(row, section);
+    const char* const keyName = keyOf(row, key);
+    if (sectionName != nullptr && keyName != nullptr) {
+        callback({true, GetValue(sectionName, keyName)});
+    }
+}
+
+void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
+                                   const FlagCallback& callback) const {
+    answerItem(row, section, key, TextCallback([&](const OptionalString& text) {
+                   callback({true, text.value == "true"});
+               }));
+}
+
+Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
+    constexpr int32_t kHighestMode = 2;
+    return answer<projectItem("getPowerOnMode")>(TextCallback([&](const OptionalString& text) {
+        const int32_t mode = parseDecimal(text.value.c_str());
+        if (mode >= 0 && mode <= kHighestMode) {
+            _hidl_cb({true, mode});
+        }
+    }));
+}
+
+Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
+    _hidl_cb({true, mProjectParser->getCustomerId()});
+    return {};
+}
+
+Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
+    _hidl_cb({true, GetValue(key.category.c_str(), key.key.c_str())});
+    return {};
+}
+
+Return<void> MlkProjectConfigs::getConfigsByCategory(const hidl_string& category,
+                                                     getConfigsByCategory_cb _hidl_cb) {
+    hidl_vec<ConfigKeyValue> answer;
+    if (category.c_str() != nullptr) {
+        const auto infos = mProjectParser->getInfosByCategory(category.c_str());
+        answer.resize(infos.size());
+        size_t i = 0;
+        for (const auto& [key, value] : infos) {
+            answer[i++] = {key, value};
+        }
+    }
+    _hidl_cb(answer);
+    return {};
+}
+
+Return<void> MlkProjectConfigs::getTvconfigsPath(getTvconfigsPath_cb _hidl_cb) {
+    _hidl_cb({true, mTvconfigsPath});
+    return {};
+}
+
+Return<void> MlkProjectConfigs::getTvdataPath(getTvdataPath_cb _hidl_cb) {
+    _hidl_cb({true, mTvdataPath});
+    return {};
+}
+
+Return<void> MlkProjectConfigs::getImpdataPath(getImpdataPath_cb _hidl_cb) {
+    _hidl_cb({true, mImpdataPath});
+    return {};
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

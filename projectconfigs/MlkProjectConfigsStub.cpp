@@ -1,0 +1,166 @@
+#include "projectconfigs/MlkProjectConfigsStub.h"
+
+#include <android/log.h>
+#include <hidl/Static.h>
+#include <vendor/morlak/mlkconfigs/1.0/hwtypes.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+using ::android::sp;
+using ::android::status_t;
+using ::android::hardware::IBinder;
+using ::android::hardware::Parcel;
+using ::android::hardware::Return;
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+struct Transaction {
+    const char* method;
+    IMlkProjectConfigs* implementation;
+    const Parcel& data;
+    Parcel* reply;
+    const IBinder::TransactCallback& callback;
+};
+
+// Arguments, as generated code reads them.
+
+status_t read(const Parcel& data, int32_t& argument) {
+    return data.readInt32(&argument);
+}
+
+template <typename Enumeration, typename = std::enable_if_t<std::is_enum_v<Enumeration>>>
+status_t read(const Parcel& data, Enumeration& argument) {
+    uint32_t number = 0;
+    const status_t status = data.readUint32(&number);
+    argument = static_cast<Enumeration>(number);
+    return status;
+}
+
+// The parts of an answer that lie outside its struct, as generated code writes them.
+
+status_t writeParts(const OptionalInt32& /* answer */, Parcel* /* reply */, size_t /* parent */) {
+    return ::android::OK;
+}
+
+status_t writeParts(const OptionalString& answer, Parcel* reply, size_t parent) {
+    return writeEmbeddedToParcel(answer, reply, parent, 0 /* parentOffset */);
+}
+
+template <typename Answer>
+status_t send(const Transaction& transaction, const Answer& answer) {
+    writeToParcel(::android::hardware::Status::ok(), transaction.reply);
+    size_t parent = 0;
+    status_t status = transaction.reply->writeBuffer(&answer, sizeof(answer), &parent);
+    if (status == ::android::OK) {
+        status = writeParts(answer, transaction.reply, parent);
+    }
+    transaction.callback(*transaction.reply);
+    return status;
+}
+
+template <typename... Arguments>
+status_t refuse(const Transaction& transaction, const Arguments&... arguments) {
+    std::string list;
+    ((list += (list.empty() ? "" : ", ") + std::to_string(static_cast<int32_t>(arguments))), ...);
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s(%s) has no answer, call refused",
+                        transaction.method, list.c_str());
+    return ::android::BAD_VALUE;
+}
+
+// Calls a method of the interface, whose last parameter is its callback, with the others' values.
+template <typename... Parameters, size_t... kArgument>
+status_t call(const Transaction& transaction,
+              Return<void> (IMlkProjectConfigs::*method)(Parameters...),
+              std::index_sequence<kArgument...> /* all but the last */) {
+    using AllParameters = std::tuple<Parameters...>;
+    [[maybe_unused]] std::tuple<std::tuple_element_t<kArgument, AllParameters>...> arguments{};
+    status_t status = ::android::OK;
+    ((status = status == ::android::OK ? read(transaction.data, std::get<kArgument>(arguments))
+                                       : status),
+     ...);
+    if (status != ::android::OK) {
+        return status;
+    }
+    // The answer is sent while it lives, inside the callback. A method is never called twice to
+    // find out whether it answers: what it reads may change in between.
+    bool answered = false;
+    const auto onAnswer = [&](const auto& answer) {
+        if (!answered) {
+            answered = true;
+            status = send(transaction, answer);
+        }
+    };
+    const Return<void> result =
+            (transaction.implementation->*method)(std::get<kArgument>(arguments)..., onAnswer);
+    if (result.isOk() && answered) {
+        return status;
+    }
+    return refuse(transaction, std::get<kArgument>(arguments)...);
+}
+
+template <typename... Parameters>
+constexpr auto argumentsOf(Return<void> (IMlkProjectConfigs::* /* method */)(Parameters...)) {
+    return std::make_index_sequence<sizeof...(Parameters) - 1>{};
+}
+
+template <auto kMethod>
+status_t serve(const Transaction& transaction) {
+    return call(transaction, kMethod, argumentsOf(kMethod));
+}
+
+// The methods that may leave a call without an answer. A code is the method's place in the
+// interface, counted from 1.
+struct Row {
+    uint32_t code;
+    const char* method;
+    status_t (*serve)(const Transaction&);
+};
+
+constexpr Row kRows[] = {
+        {14, "getEQPath", serve<&IMlkProjectConfigs::getEQPath>},
+        {15, "getAMPSelection", serve<&IMlkProjectConfigs::getAMPSelection>},
+        {16, "getAMPAddr", serve<&IMlkProjectConfigs::getAMPAddr>},
+        {19, "getHDMIEdidPath", serve<&IMlkProjectConfigs::getHDMIEdidPath>},
+        {20, "getHDMIHdcpPath", serve<&IMlkProjectConfigs::getHDMIHdcpPath>},
+        {21, "getPowerOnMode", serve<&IMlkProjectConfigs::getPowerOnMode>},
+        {32, "getTunerConfig", serve<&IMlkProjectConfigs::getTunerConfig>},
+};
+
+}  // namespace
+
+status_t MlkProjectConfigsStub::onTransact(uint32_t code, const Parcel& data, Parcel* reply,
+                                           uint32_t flags, TransactCallback callback) {
+    for (const Row& row : kRows) {
+        if (row.code != code) {
+            continue;
+        }
+        if ((flags & IBinder::FLAG_ONEWAY) != 0) {
+            return ::android::UNKNOWN_ERROR;
+        }
+        if (!data.enforceInterface(IMlkProjectConfigs::descriptor)) {
+            return ::android::BAD_TYPE;
+        }
+        const sp<IMlkProjectConfigs> implementation = getImpl();
+        return row.serve({row.method, implementation.get(), data, reply, callback});
+    }
+    return BnHwMlkProjectConfigs::onTransact(code, data, reply, flags, std::move(callback));
+}
+
+void installMlkProjectConfigsStub() {
+    auto& constructors = ::android::hardware::details::getBnConstructorMap();
+    constructors.erase(IMlkProjectConfigs::descriptor);
+    constructors.set(IMlkProjectConfigs::descriptor, [](void* interface) -> sp<IBinder> {
+        return new MlkProjectConfigsStub(static_cast<IMlkProjectConfigs*>(interface));
+    });
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
