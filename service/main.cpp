@@ -1,0 +1,29 @@
+// The process of the three configuration services. It has no command line and no configuration of
+// its own.
+
+#include <hidl/HidlTransportSupport.h>
+
+#include "frameworkconfigs/MlkFrameworkConfigs.h"
+#include "projectconfigs/MlkProjectConfigs.h"
+#include "projectconfigs/MlkProjectConfigsStub.h"
+#include "service/Services.h"
+#include "tvconfigs/MlkTvConfigs.h"
+
+using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
+
+namespace {
+
+constexpr size_t kThreads = 10;  // the main thread among them
+
+}  // namespace
+
+int main() {
+    android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
+    installMlkProjectConfigsStub();
+    const Services services(
+            {[] { return new MlkProjectConfigs; },
+             [](const char* tvConfigPath) { return new MlkTvConfigs(tvConfigPath); },
+             [] { return new MlkFrameworkConfigs; }});
+    android::hardware::joinRpcThreadpool();
+    return 0;
+}

@@ -1,0 +1,67 @@
+#include "service/tests/ServiceProcess.h"
+
+#include <android-base/unique_fd.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+#include <vendor/morlak/mlkconfigs/1.0/IMlkFrameworkConfigs.h>
+
+#include <array>
+#include <stdexcept>
+#include <vector>
+
+namespace vendor::morlak::mlkconfigs::V1_0 {
+
+using ::android::base::unique_fd;
+using ::mlk::testing::HostSet;
+using ::mlk::testing::Process;
+using std::chrono::steady_clock;
+
+void writeProject(const HostSet& set, const std::string& tvConfigLine) {
+    set.dir().write("impdata/project_id.bin", "PROJECT_ID=1\n");
+    set.dir().write("tvconfigs/customer.ini",
+                    "CUSTOMER_ID = 17\nSYS_INI = /tvconfigs/system.ini\n");
+    set.dir().write("tvconfigs/system.ini", "Model_1 = \"/tvconfigs/one/model.ini\"\n");
+    set.dir().write("tvconfigs/one/model.ini",
+                    "[PANEL]\nm_pPanelName = PANEL_ONE\n[LiveTV]\n" + tvConfigLine);
+}
+
+void blockName(const HostSet& set, const std::string& interface) {
+    set.dir().write("run/vendor.morlak.mlkconfigs@1.0::" + interface + ".default/file", "");
+}
+
+ServiceProcess::ServiceProcess() {
+    restart();
+}
+
+void ServiceProcess::restart() {
+    mProcess.reset();
+    mProcess = std::make_unique<Process>(std::vector<std::string>{
+            ::mlk::testing::binDir() + "/vendor.morlak.mlconfigs@1.0-service"});
+}
+
+bool ServiceProcess::waitUntilRegistered() {
+    const unique_fd changes(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    if (inotify_add_watch(changes.get(), getenv("MLK_RUNTIME_DIR"), IN_CREATE | IN_MOVED_TO) < 0) {
+        throw std::runtime_error("cannot watch the runtime folder");
+    }
+    const auto end = steady_clock::now() + std::chrono::seconds(30);
+    while (steady_clock::now() < end) {
+        if (IMlkFrameworkConfigs::tryGetService() != nullptr) {
+            return true;
+        }
+        if (!mProcess->running()) {
+            return false;
+        }
+        // Until the next name appears; now and then to see whether the process still runs.
+        pollfd descriptor{changes.get(), POLLIN, 0};
+        poll(&descriptor, 1, 200);
+        std::array<char, 4096> events;
+        [[maybe_unused]] const ssize_t size = read(changes.get(), events.data(), events.size());
+    }
+    return false;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0

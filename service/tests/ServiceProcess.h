@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "host/testing/HostSet.h"
+#include "host/testing/Process.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0 {
+
+/// Writes the files of a set with one project into its partitions: panel "PANEL_ONE", and the TV
+/// configuration file "/tvconfigs/one/tv.config" unless `tvConfigLine` says otherwise.
+void writeProject(const ::mlk::testing::HostSet& set,
+                  const std::string& tvConfigLine = "TvConfig = \"/tvconfigs/one/tv.config\"\n");
+
+/// Makes a name useless for registration: what lies in its place cannot be replaced.
+void blockName(const ::mlk::testing::HostSet& set, const std::string& interface);
+
+/// The real process, on the set that the environment names. It ends with the object.
+class ServiceProcess {
+  public:
+    ServiceProcess();
+
+    /// Waits until the last of its services can be reached; false when it ended instead, or after
+    /// half a minute.
+    bool waitUntilRegistered();
+
+    ::mlk::testing::Process& process() { return *mProcess; }
+
+    /// Kills it and starts another one.
+    void restart();
+
+  private:
+    std::unique_ptr<::mlk::testing::Process> mProcess;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0
