@@ -10,6 +10,7 @@
 #include "host/testing/LogCapture.h"
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/ProjectID.h"
+#include "projectconfigs/ProjectItems.h"
 #include "samples/tests/SampleSet.h"
 
 namespace mlk::samples {
@@ -24,7 +25,9 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 using vendor::morlak::mlkconfigs::V1_0::implementation::BoardID;
+using vendor::morlak::mlkconfigs::V1_0::implementation::kProjectItems;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectID;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectItemRow;
 
 constexpr const char* kNoBoard = "DEFAULT_BOARD_ID";
 constexpr size_t kLeastItems = 200;
@@ -34,52 +37,11 @@ struct Item {
     const char* key;
 };
 
-// Everything that some method of the service asks the project store for. The TV system map and the
-// frequency tables are left out: the sample has none.
-constexpr Item kReadByTheService[] = {
-        {"[CLIENT_TYPE_INFO]", "CLIENT_TYPE"},
-        {"[PROJECT_NAME_CFG]", "PROJECT_NAME"},
-        {"[PANEL]", "m_pPanelName"},
-        {"[OVERSCAN]", "OVERSCAN_PATH"},
-        {"[SSC]", "m_pSSCName"},
-        {"[MISC_PQ_MAP_CFG]", "PQ"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_EQ0_NAME"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_EQ1_NAME"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_SELECTION"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_SUB_SELECTION"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_ADDR0"},
-        {"[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_ADDR1"},
-        {"[VOLUME_CURVE_CFG]", "VOLUME_CURVE"},
-        {"[AQ]", "AQBin_Path"},
-        {"[HDMI_EDID_1]", "HDMI_EDID_File_1P4"},
-        {"[HDMI_EDID_1]", "HDMI_EDID_File_2P0"},
-        {"[HDMI_EDID_1]", "HDMI_EDID_File_2P1"},
-        {"[HDMI_EDID_2]", "HDMI_EDID_File_1P4"},
-        {"[HDMI_EDID_2]", "HDMI_EDID_File_2P0"},
-        {"[HDMI_EDID_2]", "HDMI_EDID_File_2P1"},
-        {"[HDMI_EDID_3]", "HDMI_EDID_File_1P4"},
-        {"[HDMI_EDID_3]", "HDMI_EDID_File_2P0"},
-        {"[HDMI_EDID_3]", "HDMI_EDID_File_2P1"},
-        {"[HDMI_EDID_4]", "HDMI_EDID_File_1P4"},
-        {"[HDMI_EDID_4]", "HDMI_EDID_File_2P0"},
-        {"[HDMI_EDID_4]", "HDMI_EDID_File_2P1"},
-        {"[HDCP_KEY_1X]", "HDCP_KEY_File"},
-        {"[HDCP_KEY_2X]", "HDCP_KEY_File"},
-        {"[PowerLogoMode]", "PowerLogoPath"},
-        {"[BootAnimation]", "FileName"},
-        {"[PowerOnMode]", "ModeStatus"},
+// What the service asks the project store for besides the getters' own table. The TV system map and
+// the frequency tables are left out: the sample has none.
+constexpr Item kReadBesidesGetters[] = {
         {"[LiveTV]", "TvConfig"},
-        {"[LiveTV]", "inputSource"},
-        {"[LiveTV]", "tuner_type"},
-        {"[LiveTV]", "TvChannelDatabasePath"},
-        {"[LiveTV]", "DPVR"},
-        {"[LiveTV]", "Hbbtv"},
         {"[LiveTV]", "LaunchCLTVByCountry"},
-        {"[IR]", "IR_CONFIG"},
-        {"[IRFilter]", "IR_Filter"},
-        {"[MODEL_REGION_NAME_CFG]", "REGION_NAME"},
-        {"[Tuner]", "TP0_FE"},
-        {"[Tuner]", "TP1_FE"},
         {"[AUDIO]", "AUDIO_CONFIG_PATH"},
         {"[AUDIO]", "AUDIO_CONFIG_IC_PATH"},
         {"[AUDIO]", "AUDIO_CONFIG_AVR_PATH"},
@@ -228,9 +190,23 @@ TEST_P(SampleModel, HasTwoHundredItemsAndMore) {
 TEST_P(SampleModel, HasEveryItemThatTheServiceReads) {
     mSample.select(GetParam(), kNoBoard);
     const ConfigItems items = mSample.items();
-    for (const Item& item : kReadByTheService) {
-        EXPECT_EQ(items.count(ConfigKey(item.section, item.key)), 1U)
-                << item.section << " " << item.key;
+    const auto expect = [&](const char* section, const char* key) {
+        EXPECT_EQ(items.count(ConfigKey(section, key)), 1U) << section << " " << key;
+    };
+    size_t read = 0;
+    for (const ProjectItemRow& row : kProjectItems) {
+        for (const char* section : row.sections) {
+            for (const char* key : row.keys) {
+                if (section != nullptr && key != nullptr) {
+                    expect(section, key);
+                    ++read;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(read, 41U);
+    for (const Item& item : kReadBesidesGetters) {
+        expect(item.section, item.key);
     }
 }
 
