@@ -10,10 +10,7 @@ namespace {
 constexpr char kEmpty[] = "";
 }  // namespace
 
-hidl_string::hidl_string() : mBuffer(kEmpty), mSize(0), mOwnsBuffer(false) {
-    // The padding travels: it must not carry what happened to be in memory.
-    memset(reinterpret_cast<char*>(this) + 13, 0, sizeof(*this) - 13);
-}
+hidl_string::hidl_string() : mBuffer(kEmpty), mSize(0), mOwnsBuffer(false), mPad{} {}
 hidl_string::~hidl_string() {
     if (mOwnsBuffer) delete[] c_str();
 }
@@ -79,9 +76,9 @@ void hidl_string::setToExternal(const char* text, size_t length, bool shouldOwn)
         details::logAlwaysFatal("a hidl_string holds at most 2^32-1 bytes");
     }
     if (mOwnsBuffer) delete[] c_str();
-    mBuffer = text;
-    mSize = static_cast<uint32_t>(length);
-    mOwnsBuffer = shouldOwn;
+    mBuffer = text == nullptr ? kEmpty : text;
+    mSize = text == nullptr ? 0 : static_cast<uint32_t>(length);
+    mOwnsBuffer = text != nullptr && shouldOwn;
 }
 
 std::ostream& operator<<(std::ostream& stream, const hidl_string& text) {

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <new>
+#include <utility>
 
 #include "Socket.h"
 
@@ -15,12 +17,15 @@ constexpr size_t kFirstCapacity = 4096;
 constexpr size_t kKeptCapacity = size_t{64} * 1024;
 }  // namespace
 
-void MessageReader::reserve(size_t capacity) {
-    if (mMessage.capacity >= capacity) return;
-    std::unique_ptr<uint8_t[]> larger(new uint8_t[capacity]);
+bool MessageReader::reserve(size_t capacity) {
+    if (mMessage.capacity >= capacity) return true;
+    // The length is the other end's word: it must not cost this process its life.
+    std::unique_ptr<uint8_t[]> larger(new (std::nothrow) uint8_t[capacity]);
+    if (larger == nullptr) return false;
     if (mFilled != 0) memcpy(larger.get(), mMessage.bytes.get(), mFilled);
     mMessage.bytes = std::move(larger);
     mMessage.capacity = capacity;
+    return true;
 }
 
 MessageReader::Result MessageReader::inspect() {
@@ -32,19 +37,22 @@ MessageReader::Result MessageReader::inspect() {
             return Result::RUBBISH;
         }
         mTotal = sizeof(Header) + static_cast<size_t>(header.bodySize);
-        reserve(mTotal);
+        if (!reserve(mTotal)) return Result::RUBBISH;
     }
     if (mFilled < mTotal) return Result::AGAIN;
-    const size_t wanted = mMessage.header().fdCount;
     // Descriptors arrive no later than the bytes they were sent with, and nobody sends more than a
     // message says: what is left over belongs to the bytes behind it, if there are any.
-    if (mMessage.descriptors.size() < wanted) return Result::RUBBISH;
+    const size_t wanted = mMessage.header().fdCount;
     if (mMessage.descriptors.size() > wanted && mFilled == mTotal) return Result::RUBBISH;
     return Result::MESSAGE;
 }
 
+bool MessageReader::hasResult() {
+    return inspect() != Result::AGAIN;
+}
+
 MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsRest) {
-    reserve(kFirstCapacity);
+    if (!reserve(kFirstCapacity)) return Result::RUBBISH;
     while (true) {
         const Result state = inspect();
         if (state != Result::AGAIN) return state;
@@ -61,23 +69,24 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
 IncomingMessage MessageReader::take() {
     IncomingMessage taken = std::move(mMessage);
     mMessage = {};
-    const size_t rest = mFilled - mTotal;
-    const auto belonging = static_cast<ptrdiff_t>(taken.header().fdCount);
-    mMessage.descriptors.assign(std::make_move_iterator(taken.descriptors.begin() + belonging),
+    const size_t total = std::exchange(mTotal, 0);
+    const size_t rest = std::exchange(mFilled, 0) - total;
+    const size_t belonging = std::min<size_t>(taken.header().fdCount, taken.descriptors.size());
+    const auto others = taken.descriptors.begin() + static_cast<ptrdiff_t>(belonging);
+    mMessage.descriptors.assign(std::make_move_iterator(others),
                                 std::make_move_iterator(taken.descriptors.end()));
-    taken.descriptors.resize(static_cast<size_t>(belonging));
-    mFilled = 0;
+    taken.descriptors.resize(belonging);
     if (rest != 0) {
-        reserve(std::max(rest, kFirstCapacity));
-        memcpy(mMessage.bytes.get(), taken.bytes.get() + mTotal, rest);
+        if (!reserve(std::max(rest, kFirstCapacity))) throw std::bad_alloc();
+        memcpy(mMessage.bytes.get(), taken.bytes.get() + total, rest);
         mFilled = rest;
     }
-    mTotal = 0;
     return taken;
 }
 
 void MessageReader::reuse(IncomingMessage message) {
-    if (mMessage.bytes != nullptr || message.capacity > kKeptCapacity) return;
+    if (mMessage.bytes != nullptr || message.bytes == nullptr) return;
+    if (message.capacity > kKeptCapacity) return;
     mMessage.bytes = std::move(message.bytes);
     mMessage.capacity = message.capacity;
 }

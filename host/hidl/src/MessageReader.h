@@ -25,15 +25,19 @@ class MessageReader {
     // Reads until a whole message is there. Waits for its first bytes, and for the others, as the
     // flags (MSG_DONTWAIT) and the socket's own receive time-out say.
     Result read(int socket, int flagsFirst, int flagsRest);
+    // Whether the bytes that have arrived already give a result other than AGAIN: several messages
+    // may arrive at once, and nothing more has to arrive behind them.
+    bool hasResult();
 
-    // The message, with the descriptors that belong to it.
+    // The message, with the descriptors that belong to it: as many as its header says, or fewer
+    // when they were not sent or there was no room for them in this process.
     IncomingMessage take();
     // Gives the memory of a taken message back, to be used again.
     void reuse(IncomingMessage message);
 
   private:
     Result inspect();
-    void reserve(size_t capacity);
+    bool reserve(size_t capacity);
 
     const uint64_t mBodyLimit;
     IncomingMessage mMessage;  // its descriptors may include those of later messages

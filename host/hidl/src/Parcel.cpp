@@ -1,6 +1,8 @@
 #include <hwbinder/Parcel.h>
 
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "Wire.h"
 
@@ -155,40 +157,51 @@ bool Parcel::enforceInterface(const char* descriptor) const {
     return token != nullptr && strcmp(token, descriptor) == 0;
 }
 
+status_t Parcel::refuse(status_t status) {
+    if (mWriteError == OK) mWriteError = status;
+    return status;
+}
+
 status_t Parcel::addObject(Object object, size_t* handle) {
-    if (object.hasParent) {
-        if (object.parent >= mObjects.size()) return BAD_VALUE;
-        const Object& parent = mObjects[object.parent];
-        if (parent.kind != ObjectKind::BUFFER || parent.length < sizeof(uint64_t) ||
-            object.parentOffset > parent.length - sizeof(uint64_t)) {
-            return BAD_VALUE;
-        }
-    }
     if (handle != nullptr) *handle = mObjects.size();
     mObjects.push_back(std::move(object));
     return OK;
 }
 
-status_t Parcel::writeBuffer(const void* buffer, size_t length, size_t* handle) {
-    Object object{};
-    object.kind = ObjectKind::BUFFER;
+status_t Parcel::addEmbedded(Object object, size_t* handle, size_t parentHandle,
+                             size_t parentOffset) {
+    if (parentHandle >= mObjects.size()) return refuse(BAD_VALUE);
+    const Object& parent = mObjects[parentHandle];
+    if (parent.kind != ObjectKind::BUFFER || parent.length < sizeof(uint64_t) ||
+        parentOffset > parent.length - sizeof(uint64_t)) {
+        return refuse(BAD_VALUE);
+    }
+    object.hasParent = true;
+    object.parent = static_cast<uint32_t>(parentHandle);
+    object.parentOffset = parentOffset;
+    return addObject(std::move(object), handle);
+}
+
+namespace {
+
+Parcel::Object bufferObject(const void* buffer, size_t length) {
+    Parcel::Object object{};
+    object.kind = Parcel::ObjectKind::BUFFER;
     object.isNull = buffer == nullptr;
     object.length = object.isNull ? 0 : length;
     object.bytes = const_cast<void*>(buffer);
-    return addObject(object, handle);
+    return object;
+}
+
+}  // namespace
+
+status_t Parcel::writeBuffer(const void* buffer, size_t length, size_t* handle) {
+    return addObject(bufferObject(buffer, length), handle);
 }
 
 status_t Parcel::writeEmbeddedBuffer(const void* buffer, size_t length, size_t* handle,
                                      size_t parentHandle, size_t parentOffset) {
-    Object object{};
-    object.kind = ObjectKind::BUFFER;
-    object.isNull = buffer == nullptr;
-    object.hasParent = true;
-    object.parent = static_cast<uint32_t>(parentHandle);
-    object.parentOffset = parentOffset;
-    object.length = object.isNull ? 0 : length;
-    object.bytes = const_cast<void*>(buffer);
-    return addObject(object, handle);
+    return addEmbedded(bufferObject(buffer, length), handle, parentHandle, parentOffset);
 }
 
 namespace {
@@ -214,27 +227,23 @@ Parcel::Object handleObject(const native_handle_t* handle) {
 }  // namespace
 
 status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
-    if (handle != nullptr && !handleIsSound(handle)) return BAD_VALUE;
+    if (handle != nullptr && !handleIsSound(handle)) return refuse(BAD_VALUE);
     return addObject(handleObject(handle), nullptr);
 }
 
 status_t Parcel::writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
                                            size_t parentOffset) {
-    if (handle != nullptr && !handleIsSound(handle)) return BAD_VALUE;
-    Object object = handleObject(handle);
-    object.hasParent = true;
-    object.parent = static_cast<uint32_t>(parentHandle);
-    object.parentOffset = parentOffset;
-    return addObject(object, nullptr);
+    if (handle != nullptr && !handleIsSound(handle)) return refuse(BAD_VALUE);
+    return addEmbedded(handleObject(handle), nullptr, parentHandle, parentOffset);
 }
 
 status_t Parcel::writeStrongBinder(const sp<IBinder>& binder) {
-    if (binder != nullptr && binder->localBinder() == nullptr) return INVALID_OPERATION;
+    if (binder != nullptr && binder->localBinder() == nullptr) return refuse(INVALID_OPERATION);
     Object object{};
     object.kind = ObjectKind::BINDER;
     object.isNull = binder == nullptr;
     object.binder = binder;
-    return addObject(object, nullptr);
+    return addObject(std::move(object), nullptr);
 }
 
 const Parcel::Object* Parcel::nextObject(ObjectKind kind) const {
@@ -313,21 +322,25 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* binder) const {
     return OK;
 }
 
-status_t Parcel::adopt(transport::IncomingMessage message) {
+status_t Parcel::adopt(transport::IncomingMessage message) try {
     std::vector<Object> objects;
     const status_t status = transport::decodeObjects(&message, &objects);
     if (status != OK) return status;
-    mObjects = std::move(objects);
-    mBytes = message.body();
-    mSize = message.header().dataSize;
     mMessage = std::make_unique<transport::IncomingMessage>(std::move(message));
+    mObjects = std::move(objects);
+    mBytes = mMessage->body();
+    mSize = mMessage->header().dataSize;
     mPosition = 0;
     mObjectPosition = 0;
     return OK;
+} catch (const std::bad_alloc&) {
+    return NO_MEMORY;
 }
 
 transport::IncomingMessage Parcel::release() {
-    transport::IncomingMessage message = std::move(*mMessage);
+    transport::IncomingMessage message;
+    if (mMessage == nullptr) return message;
+    message = std::move(*mMessage);
     message.descriptors.clear();
     mMessage.reset();
     mObjects.clear();

@@ -2,17 +2,16 @@
 
 #include <fcntl.h>
 #include <hwbinder/Parcel.h>
-#include <log/log.h>
-#include <sys/epoll.h>
+#include <poll.h>
+#include <sys/socket.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
+#include <new>
 
 #include "MessageReader.h"
+#include "RuntimeFolder.h"
 #include "ThreadPool.h"
-
-#undef LOG_TAG
-#define LOG_TAG "hidl"
 
 namespace android::hardware::transport {
 
@@ -20,6 +19,9 @@ namespace {
 
 // A server answers at most its pool's threads at once; more connections than this only queue there.
 constexpr size_t kMaxConnections = 32;
+// How long a one-way call waits for room before it fails: its caller is not to wait for a server
+// that does not read.
+constexpr std::chrono::milliseconds kOnewayPatience{1000};
 
 // Waits in the pool for the other end of a connection to go.
 class DeathWatch : public EventSource {
@@ -44,7 +46,7 @@ class DeathWatch : public EventSource {
 
 sp<RemoteBinder> RemoteBinder::connect(const std::string& name) {
     uint64_t server = 0;
-    unique_fd connection = connectTo(openRuntimeFolder(false), name, &server);
+    unique_fd connection = connectTo(findRuntimeFolder(), name, &server);
     if (!connection.ok()) return nullptr;
     return sp<RemoteBinder>(new RemoteBinder(name, server, std::move(connection)));
 }
@@ -60,16 +62,24 @@ RemoteBinder::RemoteBinder(std::string name, uint64_t server, unique_fd first)
 }
 
 RemoteBinder::~RemoteBinder() {
-    if (mWatch != 0) ThreadPool::instance().remove(mWatch);
+    uint64_t watch;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        watch = mWatch;
+    }
+    if (watch != 0) ThreadPool::instance().remove(watch);
 }
 
 int RemoteBinder::acquire() {
     std::unique_lock<std::mutex> lock(mMutex);
-    if (mFree.empty() && !mDead && !mName.empty() && mConnections.size() < kMaxConnections) {
+    if (mFree.empty() && !mDead && !mName.empty() &&
+        mConnections.size() + mOpening < kMaxConnections) {
+        ++mOpening;
         lock.unlock();
         uint64_t server = 0;
-        unique_fd more = connectTo(openRuntimeFolder(false), mName, &server);
+        unique_fd more = connectTo(findRuntimeFolder(), mName, &server);
         lock.lock();
+        --mOpening;
         // A server that took the name over is not ours; one that has no descriptor left for another
         // connection still answers on those there are.
         if (more.ok() && server == mServer && !mDead) {
@@ -92,26 +102,56 @@ void RemoteBinder::release(int connection) {
 
 void RemoteBinder::markDead() {
     std::lock_guard<std::mutex> lock(mMutex);
-    mDead = true;
-    mFreed.notify_all();
+    markDeadLocked();
 }
 
+void RemoteBinder::markDeadLocked() {
+    if (mDead) return;
+    mDead = true;
+    mFreed.notify_all();
+    // A server may live on that answered with rubbish; nobody waits for it any longer, and the
+    // watch, if there is one, sees its connection end.
+    for (const unique_fd& connection : mConnections) (void)shutdown(connection.get(), SHUT_RDWR);
+}
+
+namespace {
+
+// The next message on a connection; false when there will be none.
+bool receiveMessage(int connection, MessageReader* reader, IncomingMessage* message) {
+    while (true) {
+        switch (reader->read(connection, 0, 0)) {
+            case MessageReader::Result::MESSAGE:
+                *message = reader->take();
+                return true;
+            case MessageReader::Result::AGAIN:
+                // A connection that came from another process may be set not to wait.
+                (void)waitFor(connection, POLLIN, kForever);
+                break;
+            default:
+                return false;
+        }
+    }
+}
+
+}  // namespace
+
 status_t RemoteBinder::exchange(int connection, OutgoingMessage* call, bool oneway, Parcel* reply) {
-    const int error = sendPieces(connection, &call->pieces(), call->descriptors(), 0);
-    call->forgetDescriptors();
-    if (error != 0) return DEAD_OBJECT;
+    Sending& sending = call->sending();
+    const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : kForever);
+    const bool whole = !sending.begun;
+    call->finish();
+    // A call that the kernel does not take, for a descriptor in it that is none, say, has left the
+    // connection as it was.
+    if (error != 0) return whole && !endsConnection(error) ? FAILED_TRANSACTION : DEAD_OBJECT;
     if (oneway) return OK;
     MessageReader reader(kMaxReplyBody);
-    MessageReader::Result result;
-    do {
-        result = reader.read(connection, 0, 0);
-    } while (result == MessageReader::Result::AGAIN);
-    if (result != MessageReader::Result::MESSAGE) return DEAD_OBJECT;
-    IncomingMessage message = reader.take();
+    IncomingMessage message;
+    if (!receiveMessage(connection, &reader, &message)) return DEAD_OBJECT;
     if (message.header().type != MessageType::REPLY) return DEAD_OBJECT;
     const auto status = static_cast<status_t>(message.header().code);
-    if (status != OK) return status == DEAD_OBJECT ? FAILED_TRANSACTION : status;
-    return reply->adopt(std::move(message));
+    if (status == OK) return reply->adopt(std::move(message));
+    // Only the end of the connection means death.
+    return status == DEAD_OBJECT ? FAILED_TRANSACTION : status;
 }
 
 status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
@@ -123,7 +163,12 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
     if (encoded != OK) return encoded;
     const int connection = acquire();
     if (connection < 0) return DEAD_OBJECT;
-    const status_t status = exchange(connection, &call, oneway, reply);
+    status_t status = DEAD_OBJECT;
+    try {
+        status = exchange(connection, &call, oneway, reply);
+    } catch (const std::bad_alloc&) {
+        // What the connection was left with is unknown: the object counts as dead.
+    }
     if (status == DEAD_OBJECT) {
         markDead();
         return status;
@@ -135,7 +180,8 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
 
 status_t RemoteBinder::linkToDeath(const sp<DeathRecipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (mDead && mWatch == 0) return DEAD_OBJECT;
+    if (isHungUp(mConnections.front().get())) markDeadLocked();
+    if (mDead) return DEAD_OBJECT;
     if (mWatch == 0) {
         auto watch = std::make_shared<DeathWatch>(this, mConnections.front().get());
         mWatch = ThreadPool::instance().add(std::move(watch), false);
@@ -158,8 +204,7 @@ void RemoteBinder::hearOfDeath() {
     std::vector<sp<DeathRecipient>> recipients;
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        mDead = true;
-        mFreed.notify_all();
+        markDeadLocked();
         mWatch = 0;
         recipients.swap(mRecipients);
     }

@@ -19,7 +19,12 @@ namespace android::hardware::transport {
 // its one connection; calls to it take turns.
 //
 // It stays the object of the server that it was made for: when that process is gone it is dead for
-// good, even when another server has taken the name. Thread-safe.
+// good, even when another server has taken the name.
+//
+// Calls of one thread, one-way ones among them, arrive in their order as long as no other thread
+// calls through the same object. A call that leads back to its caller, through an argument, is
+// answered by another thread of the caller's pool; if it in turn calls an object without a name
+// that waits for it, both wait for ever. Thread-safe.
 class RemoteBinder : public IBinder {
   public:
     // The service of that name, or null when nobody answers.
@@ -42,6 +47,7 @@ class RemoteBinder : public IBinder {
     int acquire();
     void release(int connection);
     void markDead();
+    void markDeadLocked();
     status_t exchange(int connection, OutgoingMessage* call, bool oneway, Parcel* reply);
 
     const std::string mName;  // empty for an object without a name
@@ -51,6 +57,7 @@ class RemoteBinder : public IBinder {
     std::condition_variable mFreed;
     std::vector<unique_fd> mConnections;          // under mMutex; the first is the one watched
     std::vector<int> mFree;                       // under mMutex: connections that no call uses
+    size_t mOpening = 0;                          // under mMutex: connections being made
     bool mDead = false;                           // under mMutex
     std::vector<sp<DeathRecipient>> mRecipients;  // under mMutex
     uint64_t mWatch = 0;                          // under mMutex: the pool's number of the watch

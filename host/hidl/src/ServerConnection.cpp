@@ -1,15 +1,17 @@
 #include "ServerConnection.h"
 
-#include <fcntl.h>
+#include <hidl/HidlBinderSupport.h>
 #include <log/log.h>
 #include <poll.h>
-#include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
 
 #include "Socket.h"
 
@@ -23,8 +25,9 @@ namespace {
 // How long a thread waits for the next call of the client it has just answered before it goes back
 // to waiting for everybody.
 constexpr timeval kStay = {0, 10 * 1000};
-// How long a thread waits in all for a client to take a reply that does not fit into the socket.
-constexpr std::chrono::milliseconds kSendPatience{500};
+// How long a thread waits for a client to take the next part of a reply before it goes on with
+// others, for as long as these are not in need of it.
+constexpr std::chrono::milliseconds kSendPatience{10};
 
 }  // namespace
 
@@ -38,11 +41,14 @@ status_t ServerConnection::open(BHwBinder* object, unique_fd* end) {
     const status_t status = connectedPair(&own, end);
     if (status != OK) return status;
     auto connection = std::make_shared<ServerConnection>(std::move(own), object);
-    return ThreadPool::instance().add(std::move(connection), true) == 0 ? NO_MEMORY : OK;
+    ThreadPool& pool = ThreadPool::instance();
+    if (pool.add(std::move(connection), true) == 0) return NO_MEMORY;
+    pool.start();
+    return OK;
 }
 
 EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
-    if (!flush()) return Next::DROP;
+    if (!mUnsent.flush(mSocket.get())) return Next::DROP;
     if (!mUnsent.empty()) return Next::WAIT_FOR_SPACE;
     // The first call is there. After its answer the thread stays for the next one, unless others
     // would then be without a thread.
@@ -59,151 +65,80 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
             case MessageReader::Result::MESSAGE:
                 break;
         }
-        if (!dispatch(mReader.take())) return Next::DROP;
+        if (!dispatch(mReader.take(), pool)) return Next::DROP;
         if (!mUnsent.empty()) return Next::WAIT_FOR_SPACE;
-        if (!pool.anyThreadWaits()) return Next::WAIT_FOR_INPUT;
+        if (!pool.anyThreadWaits()) {
+            // A call that came together with the last one makes no event of its own: space does.
+            return mReader.hasResult() ? Next::WAIT_FOR_SPACE : Next::WAIT_FOR_INPUT;
+        }
         flags = 0;
     }
 }
 
-bool ServerConnection::dispatch(IncomingMessage message) {
+// An exception costs the caller its answer, not everybody the process.
+status_t ServerConnection::call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                                const IBinder::TransactCallback& answer) {
+    try {
+        return mObject->transact(code, data, reply, flags, answer);
+    } catch (const std::bad_alloc&) {
+        ALOGE("no memory for call %u", code);
+        return NO_MEMORY;
+    } catch (const std::exception& exception) {
+        ALOGE("call %u ended in an exception: %s", code, exception.what());
+        return UNKNOWN_ERROR;
+    }
+}
+
+bool ServerConnection::dispatch(IncomingMessage message, const ThreadPool& pool) {
     const MessageType type = message.header().type;
     const uint32_t code = message.header().code;
     const bool oneway = type == MessageType::ONEWAY_CALL;
     if (!oneway && type != MessageType::CALL) return false;
     Parcel data;
-    if (data.adopt(std::move(message)) != OK) {
-        ALOGD("a client sent a broken call; its connection ends");
-        return false;
-    }
     Parcel reply;
     bool answered = false;
     bool alive = true;
     const auto answer = [&](Parcel& parcel) {
-        answered = true;
+        if (oneway || answered) return;
         const status_t encoded = mReply.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
         if (encoded != OK) mReply.encodeStatus(encoded);
-        alive = send();
+        answered = true;
+        alive = false;  // unless sending comes to its end
+        alive = send(pool);
     };
-    const status_t status =
-            mObject->transact(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0,
-                              oneway ? IBinder::TransactCallback([](Parcel&) {}) : answer);
+    status_t status = data.adopt(std::move(message));
+    if (status == OK) status = call(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, answer);
     if (!oneway && !answered) {
         if (status == OK) {
+            // Generated stubs leave a few base methods without an answer; it means all is well.
+            if (reply.data().empty()) (void)writeToParcel(Status::ok(), &reply);
             answer(reply);
         } else {
             mReply.encodeStatus(status);
-            alive = send();
+            alive = send(pool);
         }
     }
     mReader.reuse(data.release());
     return alive;
 }
 
-bool ServerConnection::send() {
-    std::vector<iovec>& pieces = mReply.pieces();
-    const size_t whole = pieces.size();
-    const void* const start = pieces.empty() ? nullptr : pieces.front().iov_base;
-    int error = sendPieces(mSocket.get(), &pieces, mReply.descriptors(), MSG_DONTWAIT);
-    const bool anySent = pieces.size() != whole || pieces.front().iov_base != start;
-    if (error == EAGAIN && anySent) {
-        const auto limit = std::chrono::steady_clock::now() + kSendPatience;
-        while (error == EAGAIN) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-                    limit - std::chrono::steady_clock::now());
-            pollfd socket{mSocket.get(), POLLOUT, 0};
-            if (left.count() <= 0 || poll(&socket, 1, static_cast<int>(left.count())) == 0) break;
-            error = sendPieces(mSocket.get(), &pieces, {}, MSG_DONTWAIT);
-        }
+bool ServerConnection::send(const ThreadPool& pool) {
+    Sending& reply = mReply.sending();
+    int error = sendPieces(mSocket.get(), &reply, MSG_DONTWAIT);
+    // The end of a large reply is not copied while its client is reading it.
+    while (error == EAGAIN && reply.begun && pool.anyThreadWaits() &&
+           waitFor(mSocket.get(), POLLOUT, kSendPatience)) {
+        error = sendPieces(mSocket.get(), &reply, MSG_DONTWAIT);
     }
-    if (error == EAGAIN) keepUnsent(&pieces, anySent);
-    mReply.forgetDescriptors();
-    return error == 0 || error == EAGAIN;
-}
-
-void ServerConnection::keepUnsent(std::vector<iovec>* pieces, bool anySent) {
-    size_t size = 0;
-    for (const iovec& piece : *pieces) size += piece.iov_len;
-    mUnsent.reserve(size);
-    for (const iovec& piece : *pieces) {
-        const auto* bytes = static_cast<const uint8_t*>(piece.iov_base);
-        mUnsent.insert(mUnsent.end(), bytes, bytes + piece.iov_len);
+    bool alive = error == 0 || (error == EAGAIN && mUnsent.keep(reply));
+    if (!alive && error != EAGAIN && !reply.begun && !endsConnection(error)) {
+        // The kernel takes the reply as it is for no good: a descriptor in it is none, perhaps.
+        ALOGE("a reply cannot be sent: %s", strerror(error));
+        mReply.encodeStatus(FAILED_TRANSACTION);
+        alive = sendPieces(mSocket.get(), &mReply.sending(), MSG_DONTWAIT) == 0;
     }
-    mUnsentPosition = 0;
-    if (anySent) return;
-    for (const int descriptor : mReply.descriptors()) {
-        mUnsentDescriptors.emplace_back(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
-    }
-}
-
-bool ServerConnection::flush() {
-    if (mUnsent.empty()) return true;
-    std::vector<iovec> pieces{{mUnsent.data() + mUnsentPosition, mUnsent.size() - mUnsentPosition}};
-    std::vector<int> descriptors;
-    for (const unique_fd& descriptor : mUnsentDescriptors) descriptors.push_back(descriptor.get());
-    const int error = sendPieces(mSocket.get(), &pieces, descriptors, MSG_DONTWAIT);
-    if (error != 0 && error != EAGAIN) return false;
-    const size_t left = pieces.empty() ? 0 : pieces.front().iov_len;
-    if (mUnsentPosition != mUnsent.size() - left) mUnsentDescriptors.clear();
-    mUnsentPosition = mUnsent.size() - left;
-    if (left == 0) std::vector<uint8_t>().swap(mUnsent);
-    return true;
-}
-
-namespace {
-
-uint64_t randomNumber() {
-    uint64_t number = 0;
-    if (getrandom(&number, sizeof(number), 0) != sizeof(number)) {
-        number = static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-    }
-    return number;
-}
-
-unique_fd anyDescriptor() {
-    return unique_fd(open("/dev/null", O_RDONLY | O_CLOEXEC));
-}
-
-}  // namespace
-
-Listener::Listener(unique_fd socket, const sp<BHwBinder>& object)
-    : mSocket(std::move(socket)),
-      mObject(object),
-      mServer(randomNumber()),
-      mSpare(anyDescriptor()) {}
-
-EventSource::Next Listener::onEvents(uint32_t, ThreadPool& pool) {
-    while (true) {
-        unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (socket.ok()) {
-            welcome(std::move(socket), pool);
-        } else if (errno == EMFILE || errno == ENFILE) {
-            refuseOne();
-            return Next::WAIT_FOR_INPUT;
-        } else if (errno != EINTR && errno != ECONNABORTED) {
-            return Next::WAIT_FOR_INPUT;
-        }
-    }
-}
-
-void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
-    if (!peerIsTrusted(socket.get())) {
-        ALOGE("refused a connection from another user");
-        return;
-    }
-    const Hello hello{Hello::kMagic, Hello::kVersion, mServer};
-    if (::send(socket.get(), &hello, sizeof(hello), MSG_DONTWAIT | MSG_NOSIGNAL) !=
-        static_cast<ssize_t>(sizeof(hello))) {
-        return;
-    }
-    pool.add(std::make_shared<ServerConnection>(std::move(socket), mObject), true);
-}
-
-void Listener::refuseOne() {
-    // Without this the client would stay in the queue and wake a thread over and over.
-    mSpare.reset();
-    unique_fd(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC)).reset();
-    mSpare = anyDescriptor();
+    mReply.finish();
+    return alive;
 }
 
 }  // namespace android::hardware::transport

@@ -1,15 +1,14 @@
-// The server's end of the transport: connections that bring calls, and the listener they come from.
+// ServerConnection: the server's end of a connection that brings calls.
 #pragma once
 
 #include <android-base/unique_fd.h>
 #include <hwbinder/IBinder.h>
 
-#include <chrono>
 #include <cstdint>
-#include <vector>
 
 #include "MessageReader.h"
 #include "ThreadPool.h"
+#include "UnsentReply.h"
 #include "Wire.h"
 
 namespace android::hardware::transport {
@@ -17,48 +16,33 @@ namespace android::hardware::transport {
 // One client's connection to one object. It answers a call before it reads the next, so a client
 // that does not take its answers holds up nobody: what does not fit into the socket is kept here,
 // one reply at most, and the thread goes on. Whatever a client sends that is no message ends its
-// connection. One thread at a time has it (ThreadPool).
+// connection; a message that holds no sound parcel is answered with an error. One thread at a time
+// has it (ThreadPool).
 class ServerConnection : public EventSource {
   public:
     ServerConnection(unique_fd socket, const sp<BHwBinder>& object);
 
-    // Makes a new connection to an object of this process; end receives the client's end.
+    // Makes a new connection to an object of this process; end receives the client's end. Starts
+    // the pool unless it runs: an object that is handed out has to be answered for. An errno as a
+    // status when there are no descriptors left.
     static status_t open(BHwBinder* object, unique_fd* end);
 
     Next onEvents(uint32_t events, ThreadPool& pool) override;
     int descriptor() const override { return mSocket.get(); }
 
   private:
-    bool dispatch(IncomingMessage message);
-    bool send();
-    bool flush();
-    void keepUnsent(std::vector<iovec>* pieces, bool anySent);
+    // Both: false when the connection is at its end.
+    bool dispatch(IncomingMessage message, const ThreadPool& pool);
+    bool send(const ThreadPool& pool);
+
+    status_t call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                  const IBinder::TransactCallback& answer);
 
     const unique_fd mSocket;
     const sp<BHwBinder> mObject;
     MessageReader mReader{kMaxCallBody};
     OutgoingMessage mReply;
-    std::vector<uint8_t> mUnsent;  // the end of a reply that the client has not taken yet
-    size_t mUnsentPosition = 0;
-    std::vector<unique_fd> mUnsentDescriptors;  // when nothing of that reply was sent
-};
-
-// A registered name: takes connections from this user's and root's processes.
-class Listener : public EventSource {
-  public:
-    Listener(unique_fd socket, const sp<BHwBinder>& object);
-
-    Next onEvents(uint32_t events, ThreadPool& pool) override;
-    int descriptor() const override { return mSocket.get(); }
-
-  private:
-    void welcome(unique_fd socket, ThreadPool& pool) const;
-    void refuseOne();
-
-    const unique_fd mSocket;
-    const sp<BHwBinder> mObject;
-    const uint64_t mServer;  // a random number that names this registration
-    unique_fd mSpare;        // given up for a moment to refuse a client when descriptors run out
+    UnsentReply mUnsent;
 };
 
 }  // namespace android::hardware::transport

@@ -12,9 +12,9 @@
 #include <memory>
 #include <set>
 
+#include "Listener.h"
 #include "RemoteBinder.h"
-#include "ServerConnection.h"
-#include "Socket.h"
+#include "RuntimeFolder.h"
 #include "ThreadPool.h"
 
 #undef LOG_TAG
@@ -41,7 +41,11 @@ std::set<std::string> filesOf(const std::string& folder) {
 class HostServiceManager : public IServiceManager {
   public:
     Return<void> list(list_cb callback) override {
-        const transport::RuntimeFolder folder = transport::openRuntimeFolder(false);
+        if (callback == nullptr) {
+            return Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT,
+                                             "Null synchronous callback passed.");
+        }
+        const transport::RuntimeFolder folder = transport::findRuntimeFolder();
         std::vector<hidl_string> names;
         for (const std::string& file : filesOf(folder.path)) {
             std::string descriptor;
@@ -91,7 +95,7 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
         return BAD_VALUE;
     }
     raiseDescriptorLimit();
-    const transport::RuntimeFolder folder = transport::openRuntimeFolder(true);
+    const transport::RuntimeFolder folder = transport::makeRuntimeFolder();
     if (!folder.descriptor.ok()) return PERMISSION_DENIED;
     transport::unique_fd socket;
     const status_t status = transport::listenOn(folder, name, &socket);

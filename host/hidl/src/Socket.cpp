@@ -1,157 +1,28 @@
 #include "Socket.h"
 
-#include <fcntl.h>
-#include <log/log.h>
+#include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/time.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
-#include <filesystem>
 
 #include "Wire.h"
 
-#undef LOG_TAG
-#define LOG_TAG "hidl"
-
 namespace android::hardware::transport {
 
-namespace {
-
-constexpr int kBacklog = 128;
-constexpr timeval kHelloLimit = {5, 0};
-
-std::string runtimePath() {
-    const char* own = getenv("MLK_RUNTIME_DIR");
-    if (own != nullptr && *own != '\0') return own;
-    const char* session = getenv("XDG_RUNTIME_DIR");
-    if (session != nullptr && *session != '\0') return std::string(session) + "/mlkconfigs";
-    return "/run/mlkconfigs";
-}
-
-bool isOursOrRoots(uid_t user) {
-    return user == geteuid() || user == 0;
-}
-
-// The address of a file in the folder. A path too long for an address goes through the descriptor.
-sockaddr_un addressOf(const RuntimeFolder& folder, const std::string& file) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::string path = folder.path + "/" + file;
-    if (path.size() >= sizeof(address.sun_path)) {
-        path = "/proc/self/fd/" + std::to_string(folder.descriptor.get()) + "/" + file;
-    }
-    const size_t length = std::min(path.size(), sizeof(address.sun_path) - 1);
-    memcpy(address.sun_path, path.data(), length);
-    return address;
-}
-
-const sockaddr* generic(const sockaddr_un& address) {
-    return reinterpret_cast<const sockaddr*>(&address);
-}
-
-}  // namespace
-
-RuntimeFolder openRuntimeFolder(bool create) {
-    RuntimeFolder folder{runtimePath(), {}};
-    if (create && mkdir(folder.path.c_str(), 0700) != 0 && errno == ENOENT) {
-        std::error_code ignored;
-        std::filesystem::create_directories(std::filesystem::path(folder.path).parent_path(),
-                                            ignored);
-        (void)mkdir(folder.path.c_str(), 0700);
-    }
-    unique_fd descriptor(open(folder.path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    struct stat status {};
-    if (!descriptor.ok() || fstat(descriptor.get(), &status) != 0) {
-        if (create)
-            ALOGE("%s: cannot use the runtime folder: %s", folder.path.c_str(), strerror(errno));
-        return folder;
-    }
-    if (!isOursOrRoots(status.st_uid)) {
-        ALOGE("%s: the runtime folder belongs to user %u", folder.path.c_str(), status.st_uid);
-        return folder;
-    }
-    folder.descriptor = std::move(descriptor);
-    return folder;
-}
-
-std::string socketName(const std::string& descriptor, const std::string& instance) {
-    if (descriptor.empty() || instance.empty()) return {};
-    const std::string name = descriptor + "." + instance;
-    // A file name, with room for what a temporary one needs.
-    if (name.find('/') != std::string::npos || name.size() > 200) return {};
-    return name;
-}
-
-bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance) {
-    const size_t name = file.find("::");
-    if (file.empty() || file.front() == '.' || name == std::string::npos) return false;
-    const size_t dot = file.find('.', name);
-    if (dot == std::string::npos) return false;
-    *descriptor = file.substr(0, dot);
-    *instance = file.substr(dot + 1);
-    return !instance->empty();
-}
-
-status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener) {
-    static std::atomic<unsigned> count{0};
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (!socket.ok()) return -errno;
-    // Bound under a name of its own first: the service's name is never without a listener.
-    const std::string temporary =
-            "." + name + "." + std::to_string(getpid()) + "." + std::to_string(count++);
-    const sockaddr_un address = addressOf(folder, temporary);
-    if (bind(socket.get(), generic(address), sizeof(address)) != 0) return -errno;
-    const int directory = folder.descriptor.get();
-    if (listen(socket.get(), kBacklog) != 0 ||
-        renameat(directory, temporary.c_str(), directory, name.c_str()) != 0) {
-        const int error = errno;
-        (void)unlinkat(directory, temporary.c_str(), 0);
-        return -error;
-    }
-    *listener = std::move(socket);
-    return OK;
-}
-
-unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server) {
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!socket.ok() || !folder.descriptor.ok()) return {};
-    const sockaddr_un address = addressOf(folder, name);
-    (void)setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &kHelloLimit, sizeof(kHelloLimit));
-    (void)setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &kHelloLimit, sizeof(kHelloLimit));
-    int result;
-    do {
-        result = connect(socket.get(), generic(address), sizeof(address));
-    } while (result != 0 && errno == EINTR);
-    if (result != 0 || !peerIsTrusted(socket.get())) return {};
-    Hello hello{};
-    size_t filled = 0;
-    while (filled < sizeof(hello)) {
-        const ssize_t got = recv(socket.get(), reinterpret_cast<uint8_t*>(&hello) + filled,
-                                 sizeof(hello) - filled, 0);
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) return {};
-        filled += static_cast<size_t>(got);
-    }
-    if (hello.magic != Hello::kMagic || hello.version != Hello::kVersion) return {};
-    // Calls take as long as they take.
-    constexpr timeval forever = {0, 0};
-    (void)setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &forever, sizeof(forever));
-    (void)setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &forever, sizeof(forever));
-    *server = hello.server;
-    return socket;
+uid_t peerUser(int socket) {
+    ucred peer{};
+    socklen_t size = sizeof(peer);
+    const int got = getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+    return got == 0 ? peer.uid : static_cast<uid_t>(-1);
 }
 
 bool peerIsTrusted(int socket) {
-    ucred peer{};
-    socklen_t size = sizeof(peer);
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
-           isOursOrRoots(peer.uid);
+    const uid_t user = peerUser(socket);
+    return user == geteuid() || user == 0;
 }
 
 status_t connectedPair(unique_fd* first, unique_fd* second) {
@@ -162,57 +33,134 @@ status_t connectedPair(unique_fd* first, unique_fd* second) {
     return OK;
 }
 
-int sendPieces(int socket, std::vector<iovec>* pieces, const std::vector<int>& descriptors,
-               int flags) {
+namespace {
+using Clock = std::chrono::steady_clock;
+
+// What is left until then; not less than nothing.
+std::chrono::milliseconds until(Clock::time_point end) {
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    return std::max(rest, std::chrono::milliseconds::zero());
+}
+
+bool hasOption(int socket, int option, int wanted) {
+    int value = 0;
+    socklen_t size = sizeof(value);
+    return getsockopt(socket, SOL_SOCKET, option, &value, &size) == 0 && value == wanted;
+}
+}  // namespace
+
+bool isStreamSocket(int descriptor) {
+    return hasOption(descriptor, SO_DOMAIN, AF_UNIX) && hasOption(descriptor, SO_TYPE, SOCK_STREAM);
+}
+
+bool isHungUp(int socket) {
+    pollfd state{socket, POLLRDHUP, 0};
+    return poll(&state, 1, 0) == 1;
+}
+
+bool waitFor(int socket, short events, std::chrono::milliseconds limit) {
+    const Clock::time_point end = Clock::now() + limit;
+    while (true) {
+        const std::chrono::milliseconds rest = limit == kForever ? kForever : until(end);
+        pollfd state{socket, events, 0};
+        const int ready = poll(&state, 1, static_cast<int>(rest.count()));
+        if (ready > 0) return true;
+        if (ready == 0) return false;
+        if (errno != EINTR) return true;  // what the socket is asked for next tells what is wrong
+    }
+}
+
+void Sending::clear() {
+    pieces.clear();
+    descriptors.clear();
+    next = 0;
+    begun = false;
+}
+
+size_t Sending::left() const {
+    size_t bytes = 0;
+    for (size_t i = next; i < pieces.size(); ++i) bytes += pieces[i].iov_len;
+    return bytes;
+}
+
+namespace {
+
+// Takes bytes that were sent off the front.
+void advance(Sending* sending, size_t sent) {
+    sending->begun = true;
+    std::vector<iovec>& pieces = sending->pieces;
+    while (sending->next < pieces.size() && sent >= pieces[sending->next].iov_len) {
+        sent -= pieces[sending->next++].iov_len;
+    }
+    if (sent == 0) return;
+    iovec& piece = pieces[sending->next];
+    piece.iov_base = static_cast<uint8_t*>(piece.iov_base) + sent;
+    piece.iov_len -= sent;
+}
+
+// Room for as many descriptors as the kernel passes at once.
+struct Control {
+    alignas(cmsghdr) char bytes[CMSG_SPACE(sizeof(int) * kMaxDescriptors)];
+};
+
+void attach(const std::vector<int>& descriptors, Control* control, msghdr* message) {
+    const size_t bytes = sizeof(int) * descriptors.size();
+    message->msg_control = control->bytes;
+    message->msg_controllen = CMSG_SPACE(bytes);
+    memset(control->bytes, 0, message->msg_controllen);
+    cmsghdr* rights = CMSG_FIRSTHDR(message);
+    rights->cmsg_level = SOL_SOCKET;
+    rights->cmsg_type = SCM_RIGHTS;
+    rights->cmsg_len = CMSG_LEN(bytes);
+    memcpy(CMSG_DATA(rights), descriptors.data(), bytes);
+}
+
+}  // namespace
+
+int sendPieces(int socket, Sending* sending, int flags) {
     constexpr size_t kMaxPieces = 256;
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int) * kMaxDescriptors)];
-    bool attach = !descriptors.empty();
-    size_t next = 0;
-    while (next < pieces->size()) {
+    Control control;
+    while (sending->next < sending->pieces.size()) {
         msghdr message{};
-        message.msg_iov = pieces->data() + next;
-        message.msg_iovlen = std::min(pieces->size() - next, kMaxPieces);
-        if (attach) {
-            const size_t bytes = sizeof(int) * descriptors.size();
-            message.msg_control = control;
-            message.msg_controllen = CMSG_SPACE(bytes);
-            cmsghdr* rights = CMSG_FIRSTHDR(&message);
-            rights->cmsg_level = SOL_SOCKET;
-            rights->cmsg_type = SCM_RIGHTS;
-            rights->cmsg_len = CMSG_LEN(bytes);
-            memcpy(CMSG_DATA(rights), descriptors.data(), bytes);
+        message.msg_iov = sending->pieces.data() + sending->next;
+        message.msg_iovlen = std::min(sending->pieces.size() - sending->next, kMaxPieces);
+        if (!sending->begun && !sending->descriptors.empty()) {
+            attach(sending->descriptors, &control, &message);
         }
         const ssize_t result = sendmsg(socket, &message, flags | MSG_NOSIGNAL);
-        if (result < 0) {
-            if (errno == EINTR) continue;
-            const int error = errno == EWOULDBLOCK ? EAGAIN : errno;
-            pieces->erase(pieces->begin(), pieces->begin() + static_cast<ptrdiff_t>(next));
-            return error;
-        }
-        attach = false;
-        auto sent = static_cast<size_t>(result);
-        while (next < pieces->size() && sent >= (*pieces)[next].iov_len) {
-            sent -= (*pieces)[next++].iov_len;
-        }
-        if (sent != 0) {
-            iovec& piece = (*pieces)[next];
-            piece.iov_base = static_cast<uint8_t*>(piece.iov_base) + sent;
-            piece.iov_len -= sent;
+        if (result >= 0) {
+            advance(sending, static_cast<size_t>(result));
+        } else if (errno != EINTR) {
+            return errno == EWOULDBLOCK ? EAGAIN : errno;
         }
     }
-    pieces->clear();
     return 0;
+}
+
+int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit) {
+    // A socket that came from another process may be set not to block, whatever the limit.
+    const bool forever = limit == kForever;
+    const Clock::time_point end = Clock::now() + limit;
+    int error;
+    do {
+        error = sendPieces(socket, sending, forever ? 0 : MSG_DONTWAIT);
+    } while (error == EAGAIN && waitFor(socket, POLLOUT, forever ? kForever : until(end)));
+    return error;
+}
+
+bool endsConnection(int error) {
+    return error == EPIPE || error == ECONNRESET || error == ENOTCONN || error == ENOTSOCK;
 }
 
 ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<unique_fd>* descriptors,
                      int flags) {
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int) * kMaxDescriptors)];
+    Control control;
     iovec piece{bytes, capacity};
     msghdr message{};
     message.msg_iov = &piece;
     message.msg_iovlen = 1;
-    message.msg_control = control;
-    message.msg_controllen = sizeof(control);
+    message.msg_control = control.bytes;
+    message.msg_controllen = sizeof(control.bytes);
     ssize_t result;
     do {
         result = recvmsg(socket, &message, flags | MSG_CMSG_CLOEXEC);

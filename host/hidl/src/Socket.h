@@ -1,52 +1,56 @@
-// The sockets under the transport: where they lie, who may use them, and how bytes and descriptors
-// go through them.
+// How bytes and descriptors go through connected sockets.
 #pragma once
 
 #include <android-base/unique_fd.h>
+#include <sys/types.h>
 #include <sys/uio.h>
 #include <utils/Errors.h>
 
+#include <chrono>
 #include <cstddef>
-#include <cstdint>
-#include <string>
 #include <vector>
 
 namespace android::hardware::transport {
 
 using ::android::base::unique_fd;
 
-// The folder of this set's sockets, made with mode 0700 when it is missing: $MLK_RUNTIME_DIR, else
-// $XDG_RUNTIME_DIR/mlkconfigs, else /run/mlkconfigs. The descriptor is -1, with a log line, when it
-// cannot be made or belongs to somebody else than this user and root.
-struct RuntimeFolder {
-    std::string path;
-    unique_fd descriptor;
-};
-RuntimeFolder openRuntimeFolder(bool create);
-
-// The socket's file for a service: "package@1.0::IName.instance". Empty when the two make no name:
-// they must be non-empty and hold no "/".
-std::string socketName(const std::string& descriptor, const std::string& instance);
-// The reverse; false for a file that is not a service's.
-bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance);
-
-// Makes a listening socket of that name; it takes the name over when another has it. A status of
-// the errno when it cannot.
-status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener);
-// Connects to that name and takes the server's hello: -1 when nobody answers there, when the server
-// is neither this user's nor root's, or speaks another version. server receives its number.
-unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server);
-
-// Whether the process at the other end is this user's or root's.
+// Whether the process at the other end of a connection is the same user's or root's.
 bool peerIsTrusted(int socket);
+// The user of the process at the other end; -1 when it cannot be told.
+uid_t peerUser(int socket);
 
 // Two connected sockets.
 status_t connectedPair(unique_fd* first, unique_fd* second);
+// Whether the descriptor is a socket of the kind that connects processes.
+bool isStreamSocket(int descriptor);
+// Whether the other end of a connection is gone.
+bool isHungUp(int socket);
 
-// As sendmsg: takes what was sent off the front of pieces. The descriptors go with the first byte.
-// 0 when everything is sent, EAGAIN when the rest does not fit now (MSG_DONTWAIT), else an errno.
-int sendPieces(int socket, std::vector<iovec>* pieces, const std::vector<int>& descriptors,
-               int flags);
+// No limit to waiting.
+constexpr std::chrono::milliseconds kForever{-1};
+// Waits until the socket is ready for the events of poll(2), or gone; false when the time is over.
+bool waitFor(int socket, short events, std::chrono::milliseconds limit);
+
+// A message on its way out: what of it is left to send. The descriptors, which are somebody else's,
+// go with the first byte.
+struct Sending {
+    std::vector<iovec> pieces;
+    std::vector<int> descriptors;
+    size_t next = 0;     // the first piece that is left
+    bool begun = false;  // whether the first byte is gone
+
+    void clear();
+    // How many bytes are left.
+    size_t left() const;
+};
+
+// Sends what is left of a message, as sendmsg does with these flags. 0 when everything is sent,
+// EAGAIN when the rest does not fit now (MSG_DONTWAIT), else an errno.
+int sendPieces(int socket, Sending* sending, int flags);
+// The same, waiting for space up to the limit: EAGAIN when the time is over.
+int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit);
+// Whether this errno of sending says that nothing will ever be sent through that socket again.
+bool endsConnection(int error);
 
 // As recvmsg: appends descriptors that arrive. The bytes read, 0 at the end, -1 with errno set.
 ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<unique_fd>* descriptors,

@@ -2,10 +2,11 @@
 
 #include <log/log.h>
 #include <sys/epoll.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
-#include <system_error>
+#include <exception>
 #include <thread>
 
 #undef LOG_TAG
@@ -44,11 +45,14 @@ void ThreadPool::start() {
 }
 
 void ThreadPool::join() {
+    bool full;
     {
         std::lock_guard<std::mutex> lock(mMutex);
         mCallerWillJoin = false;
-        ++mThreads;
+        full = mThreads >= mMaxThreads;
+        if (!full) ++mThreads;
     }
+    while (full) pause();
     ++mWaiting;
     run();
 }
@@ -58,13 +62,14 @@ void ThreadPool::startThreadLocked() {
     // calls wait for it.
     const size_t most = mMaxThreads - (mCallerWillJoin ? 1 : 0);
     if (mThreads >= most) return;
+    ++mWaiting;
+    ++mThreads;
     try {
-        ++mWaiting;
         std::thread([this] { run(); }).detach();
-        ++mThreads;
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& exception) {
         --mWaiting;
-        ALOGE("cannot start an RPC thread, %zu run: %s", mThreads, error.what());
+        --mThreads;
+        ALOGE("cannot start an RPC thread, %zu run: %s", mThreads, exception.what());
     }
 }
 
@@ -107,7 +112,13 @@ void ThreadPool::serve(uint64_t id, uint32_t events) {
         if (it == mSources.end()) return;
         source = it->second;
     }
-    const EventSource::Next next = source->onEvents(events, *this);
+    EventSource::Next next = EventSource::Next::DROP;
+    try {
+        next = source->onEvents(events, *this);
+    } catch (const std::exception& exception) {
+        // One connection less is better than no process.
+        ALOGE("a connection ends: %s", exception.what());
+    }
     if (next == EventSource::Next::DROP) {
         remove(id);
         return;

@@ -24,7 +24,7 @@ class EventSource {
         WAIT_FOR_SPACE,  // wait until bytes can be sent
         DROP,            // forget the source
     };
-    // events: as epoll reports them.
+    // events: as epoll reports them. An exception ends the source as DROP does.
     virtual Next onEvents(uint32_t events, ThreadPool& pool) = 0;
     virtual int descriptor() const = 0;
 };
@@ -42,6 +42,8 @@ class ThreadPool {
     void configure(size_t maxThreads, bool callerWillJoin);
     // Starts the first thread unless one was started.
     void start();
+    // Makes the calling thread one of the pool's. A thread that was not announced, and comes when
+    // there are as many as may be, sleeps.
     [[noreturn]] void join();
 
     // Waits on the source from now on. input false: waits only for the other end's death. A number

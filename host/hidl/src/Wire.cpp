@@ -12,6 +12,8 @@ namespace {
 constexpr uint8_t kZeros[8] = {};
 // Blocks up to this size are copied side by side: one large piece is sent faster than many small.
 constexpr size_t kSmallBlock = 2048;
+// What a message took beyond this is not kept for the next.
+constexpr size_t kKeptCapacity = size_t{64} * 1024;
 constexpr size_t kHandleHeader = sizeof(native_handle_t);
 
 size_t handleLength(const native_handle_t* handle) {
@@ -22,7 +24,23 @@ size_t handleLength(const native_handle_t* handle) {
 
 void OutgoingMessage::addPiece(const void* bytes, size_t length) {
     if (length == 0) return;
-    mPieces.push_back({const_cast<void*>(bytes), length});
+    mSending.pieces.push_back({const_cast<void*>(bytes), length});
+}
+
+void OutgoingMessage::clear() {
+    mRecords.clear();
+    mBlocks.clear();
+    mSending.clear();
+    mHandedOut.clear();
+}
+
+void OutgoingMessage::finish() {
+    clear();
+    if (mSmall.capacity() <= kKeptCapacity) return;
+    std::vector<WireObject>().swap(mRecords);
+    std::vector<Block>().swap(mBlocks);
+    std::vector<uint8_t>().swap(mSmall);
+    std::vector<iovec>().swap(mSending.pieces);
 }
 
 status_t OutgoingMessage::addObject(const Parcel::Object& object, WireObject* record) {
@@ -42,14 +60,14 @@ status_t OutgoingMessage::addObject(const Parcel::Object& object, WireObject* re
             const auto* handle = static_cast<const native_handle_t*>(object.bytes);
             mBlocks.push_back({handle, handleLength(handle)});
             const int* first = &handle->data[0];
-            mDescriptors.insert(mDescriptors.end(), first, first + handle->numFds);
+            mSending.descriptors.insert(mSending.descriptors.end(), first, first + handle->numFds);
             return OK;
         }
         case Parcel::ObjectKind::BINDER: {
             unique_fd end;
             const status_t status = ServerConnection::open(object.binder->localBinder(), &end);
             if (status != OK) return status;
-            mDescriptors.push_back(end.get());
+            mSending.descriptors.push_back(end.get());
             mHandedOut.push_back(std::move(end));
             return OK;
         }
@@ -59,10 +77,8 @@ status_t OutgoingMessage::addObject(const Parcel::Object& object, WireObject* re
 
 status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_t code,
                                  uint64_t bodyLimit) {
-    mRecords.clear();
-    mBlocks.clear();
-    mDescriptors.clear();
-    mHandedOut.clear();
+    clear();
+    if (parcel.writeError() != OK) return parcel.writeError();
     const std::vector<uint8_t>& data = parcel.data();
     uint64_t body = alignedToEight(data.size()) + parcel.objects().size() * sizeof(WireObject);
     for (const Parcel::Object& object : parcel.objects()) {
@@ -74,13 +90,13 @@ status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_
         const status_t status = addObject(parcel.objects()[i], &mRecords[i]);
         if (status != OK) return status;
     }
-    if (mDescriptors.size() > kMaxDescriptors) return FAILED_TRANSACTION;
+    if (mSending.descriptors.size() > kMaxDescriptors) return FAILED_TRANSACTION;
     mHeader = {Header::kMagic,
                type,
                code,
                static_cast<uint32_t>(data.size()),
                static_cast<uint32_t>(mRecords.size()),
-               static_cast<uint32_t>(mDescriptors.size()),
+               static_cast<uint32_t>(mSending.descriptors.size()),
                body};
     layOut(data);
     return OK;
@@ -99,7 +115,6 @@ void OutgoingMessage::layOut(const std::vector<uint8_t>& data) {
         if (block.length <= kSmallBlock) small += alignedToEight(block.length);
     }
     mSmall.assign(small, 0);
-    mPieces.clear();
     size_t used = 0;
     size_t pieceStart = 0;
     const auto copy = [&](const void* bytes, size_t length) {
@@ -175,6 +190,7 @@ bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descrip
 
 status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects) {
     const Header& header = message->header();
+    if (message->descriptors.size() != header.fdCount) return BAD_VALUE;
     BodyCursor body(message->body(), header.bodySize);
     if (body.take(header.dataSize) == nullptr) return BAD_VALUE;
     const auto* records = reinterpret_cast<const WireObject*>(
@@ -211,7 +227,10 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
             case Parcel::ObjectKind::BINDER:
                 if (object.length != 0 || object.hasParent) return BAD_VALUE;
                 if (object.isNull) break;
-                if (nextDescriptor == message->descriptors.size()) return BAD_VALUE;
+                if (nextDescriptor == message->descriptors.size() ||
+                    !isStreamSocket(message->descriptors[nextDescriptor].get())) {
+                    return BAD_VALUE;
+                }
                 object.binder = RemoteBinder::fromConnection(
                         std::move(message->descriptors[nextDescriptor++]));
                 break;

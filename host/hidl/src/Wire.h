@@ -8,16 +8,15 @@
 
 #include <android-base/unique_fd.h>
 #include <hwbinder/Parcel.h>
-#include <sys/uio.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
-namespace android::hardware::transport {
+#include "Socket.h"
 
-using ::android::base::unique_fd;
+namespace android::hardware::transport {
 
 enum class MessageType : uint32_t { CALL = 1, ONEWAY_CALL = 2, REPLY = 3 };
 
@@ -76,23 +75,22 @@ struct IncomingMessage {
 // A message to send: it refers to the parcel it was made from and to the parcel's buffers.
 class OutgoingMessage {
   public:
-    // OK; FAILED_TRANSACTION when the body exceeds the limit or there are too many descriptors; an
-    // errno as a status when an interface cannot be handed out.
+    // OK; FAILED_TRANSACTION when the body exceeds the limit or there are too many descriptors; the
+    // parcel's own error when something could not be written into it; an errno as a status when an
+    // interface cannot be handed out.
     status_t encode(const Parcel& parcel, MessageType type, uint32_t code, uint64_t bodyLimit);
     // A reply without a parcel.
     void encodeStatus(status_t status);
 
-    // Not valid after the next encode.
-    std::vector<iovec>& pieces() { return mPieces; }
-    const std::vector<int>& descriptors() const { return mDescriptors; }
-    // To be called once they are sent: closes those that are the message's own. While they are open
-    // here, an object that was handed out could not see its client go.
-    void forgetDescriptors() {
-        mDescriptors.clear();
-        mHandedOut.clear();
-    }
+    // What is to be sent; good until the next encode or finish.
+    Sending& sending() { return mSending; }
+    // To be called when it is sent, or never will be: closes the descriptors that are the message's
+    // own, for while they are open here an object that was handed out could not see its client go;
+    // and gives back what memory a large message took.
+    void finish();
 
   private:
+    void clear();
     void addPiece(const void* bytes, size_t length);
     status_t addObject(const Parcel::Object& object, WireObject* record);
     void layOut(const std::vector<uint8_t>& data);
@@ -106,14 +104,14 @@ class OutgoingMessage {
     std::vector<WireObject> mRecords;
     std::vector<Block> mBlocks;   // what the buffers and handles consist of
     std::vector<uint8_t> mSmall;  // copies of small blocks, with their padding
-    std::vector<iovec> mPieces;
-    std::vector<int> mDescriptors;      // borrowed from the parcel, or from mHandedOut
+    Sending mSending;  // its descriptors are borrowed from the parcel, or from mHandedOut
     std::vector<unique_fd> mHandedOut;  // ends of connections to interfaces in the parcel
 };
 
 // Takes the objects out of a message: their places, lengths and parents are those of a well-formed
 // parcel afterwards, and descriptors stand in their handles. Pointers between buffers are not made;
-// reading does that. BAD_VALUE when anything is out of bounds; objects is then undefined.
+// reading does that. BAD_VALUE when anything is out of bounds, when descriptors are missing or left
+// over, or when an interface's descriptor is no connection; objects is then undefined.
 status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects);
 
 constexpr uint64_t alignedToEight(uint64_t length) {

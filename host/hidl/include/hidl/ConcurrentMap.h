@@ -34,20 +34,32 @@ class ConcurrentMap {
         mMap.erase(it);
         return 1;
     }
-    // The value of the key, which make() supplies when there is none that passes usable().
+    // The value of the key as usable() gives it, or what make() makes and this keeps when there is
+    // none or usable() gives nothing. make() runs without the lock, so it may use the map; of what
+    // two threads make at once one is kept, and both have it.
     template <typename Make, typename Use>
-    auto getOrMake(const K& key, Use usable, Make make) {
+    auto getOrMake(const K& key, Use usable, Make make) -> decltype(make()) {
+        if (auto found = use(key, usable)) return found;
+        auto made = make();
+        if (!made) return made;
         std::lock_guard<std::mutex> lock(mMutex);
         auto it = mMap.find(key);
         if (it != mMap.end()) {
             if (auto found = usable(it->second)) return found;
         }
-        auto made = make();
-        if (made) mMap.insert_or_assign(key, V(made));
+        mMap.insert_or_assign(key, V(made));
         return made;
     }
 
   private:
+    template <typename Use>
+    auto use(const K& key, Use usable) const -> decltype(usable(std::declval<const V&>())) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto it = mMap.find(key);
+        if (it == mMap.end()) return {};
+        return usable(it->second);
+    }
+
     mutable std::mutex mMutex;
     std::map<K, V> mMap;
 };

@@ -4,6 +4,7 @@
 #include <hidl/HidlInternal.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -37,7 +38,7 @@ class hidl_string {
     void clear();
 
     // Refers to a text of somebody else's, which must be NUL-terminated and outlive this one;
-    // shouldOwn makes it this one's own, freed with delete[].
+    // shouldOwn makes it this one's own, freed with delete[]. A null text gives the empty one.
     void setToExternal(const char* text, size_t length, bool shouldOwn = false);
 
     // Where the pointer to the text stands inside the object, for the transport.
@@ -50,6 +51,7 @@ class hidl_string {
     details::hidl_pointer<const char> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
+    uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
 };
 static_assert(sizeof(hidl_string) == 16);
 

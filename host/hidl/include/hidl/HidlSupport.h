@@ -17,6 +17,9 @@
 
 // Generated code relies on some of these coming with this header.
 #include <array>
+#include <cinttypes>
+#include <cstddef>
+#include <cstring>
 #include <functional>
 #include <mutex>
 #include <string>

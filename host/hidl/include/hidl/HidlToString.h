@@ -47,9 +47,26 @@ std::string toString(const hidl_vec<T>& vec) {
     return "[" + std::to_string(vec.size()) + "]" + details::joinStrings(vec.begin(), vec.end());
 }
 
-template <typename T, size_t... Sizes>
-std::string toString(const hidl_array<T, Sizes...>& array) {
-    return details::joinStrings(array.data(), array.data() + array.elementCount());
+namespace details {
+// The elements from here on as an array of these dimensions.
+template <typename T, size_t First, size_t... Rest>
+std::string dimensionsToString(const T* elements) {
+    if constexpr (sizeof...(Rest) == 0) {
+        return joinStrings(elements, elements + First);
+    } else {
+        std::string joined = "{";
+        for (size_t i = 0; i < First; ++i) {
+            if (i != 0) joined += ", ";
+            joined += dimensionsToString<T, Rest...>(elements + i * (Rest * ...));
+        }
+        return joined + "}";
+    }
+}
+}  // namespace details
+
+template <typename T, size_t First, size_t... Rest>
+std::string toString(const hidl_array<T, First, Rest...>& array) {
+    return details::dimensionsToString<T, First, Rest...>(array.data());
 }
 
 }  // namespace android::hardware

@@ -33,7 +33,7 @@ class Status {
     static Status ok() { return {}; }
     static Status fromExceptionCode(int32_t exception) { return {exception, OK, {}}; }
     static Status fromExceptionCode(int32_t exception, const char* message) {
-        return {exception, OK, message};
+        return {exception, OK, message == nullptr ? "" : message};
     }
     static Status fromStatusT(status_t status);
 

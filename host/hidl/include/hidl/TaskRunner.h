@@ -1,39 +1,36 @@
 // TaskRunner: where a passthrough object runs its one-way methods.
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <thread>
 
 namespace android::hardware::details {
 
-// Runs tasks one after the other on a thread of its own, which starts with the first task.
-// Thread-safe.
+// Runs tasks one after the other on a thread of its own, which starts with the first task. A task
+// must not throw. Thread-safe; a task may be the one that destroys the runner.
 class TaskRunner {
   public:
-    TaskRunner() = default;
-    // Runs what is queued, then ends the thread.
+    TaskRunner();
+    // Waits until what is queued has run; called by a task, leaves the rest to the thread.
     ~TaskRunner();
     TaskRunner(const TaskRunner&) = delete;
     TaskRunner& operator=(const TaskRunner&) = delete;
 
-    // limit: how many tasks may wait.
+    // limit: how many tasks may wait; none may before.
     void start(size_t limit);
-    // False when limit tasks are waiting already; the task is then dropped.
+    // False when limit tasks are waiting already, or there can be no thread; the task is then
+    // dropped.
     bool push(const std::function<void()>& task);
 
   private:
-    void run();
+    struct Queue;
+    static void run(const std::shared_ptr<Queue>& queue);
 
-    std::mutex mMutex;
-    std::condition_variable mWake;
-    std::deque<std::function<void()>> mTasks;  // under mMutex
-    size_t mLimit = 0;                         // under mMutex
-    bool mStopping = false;                    // under mMutex
-    std::thread mThread;                       // under mMutex, but for the join
+    const std::shared_ptr<Queue> mQueue;  // the thread's too: it may outlive the runner
+    std::thread mThread;                  // under the queue's lock, but for the join
 };
 
 }  // namespace android::hardware::details

@@ -101,9 +101,11 @@ class Parcel {
                                               const native_handle_t** handle) const;
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
-    // For the transport: what was written so far.
+    // For the transport: what was written so far, and the first error of writing: generated code
+    // looks at none while it writes an answer, and a parcel with a gap must not travel.
     const std::vector<uint8_t>& data() const { return mData; }
     const std::vector<Object>& objects() const { return mObjects; }
+    status_t writeError() const { return mWriteError; }
     // For the transport: makes this empty parcel the one that arrived. BAD_VALUE, and an empty
     // parcel, when what arrived is not a whole parcel.
     status_t adopt(transport::IncomingMessage message);
@@ -115,13 +117,16 @@ class Parcel {
     status_t writeAligned(T value);
     template <typename T>
     status_t readAligned(T* value) const;
+    status_t refuse(status_t status);
     status_t addObject(Object object, size_t* handle);
+    status_t addEmbedded(Object object, size_t* handle, size_t parentHandle, size_t parentOffset);
     const Object* nextObject(ObjectKind kind) const;
     const Object* nextEmbedded(ObjectKind kind, size_t parentHandle, size_t parentOffset) const;
     void putAddress(const Object& object, const void* address) const;
 
-    std::vector<uint8_t> mData;                            // numbers that were written
-    std::vector<Object> mObjects;                          // written or arrived
+    std::vector<uint8_t> mData;    // numbers that were written
+    std::vector<Object> mObjects;  // written or arrived
+    status_t mWriteError = OK;
     std::unique_ptr<transport::IncomingMessage> mMessage;  // what arrived; owns all its bytes
     const uint8_t* mBytes = nullptr;                       // the numbers, written or arrived
     size_t mSize = 0;

@@ -1,0 +1,87 @@
+#include "Listener.h"
+
+#include <fcntl.h>
+#include <log/log.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <exception>
+#include <memory>
+
+#include "RuntimeFolder.h"
+#include "ServerConnection.h"
+#include "Socket.h"
+#include "Wire.h"
+
+#undef LOG_TAG
+#define LOG_TAG "hidl"
+
+namespace android::hardware::transport {
+
+namespace {
+
+// After so many clients the thread looks what else there is to do.
+constexpr int kAtOnce = 32;
+// How long the thread rests when a client can be neither taken nor refused: the listener would wake
+// it again at once.
+constexpr int kRestMilliseconds = 10;
+
+unique_fd anyDescriptor() {
+    return unique_fd(open("/dev/null", O_RDONLY | O_CLOEXEC));
+}
+
+}  // namespace
+
+Listener::Listener(unique_fd socket, const sp<BHwBinder>& object)
+    : mSocket(std::move(socket)),
+      mObject(object),
+      mServer(randomNumber()),
+      mSpare(anyDescriptor()) {}
+
+EventSource::Next Listener::onEvents(uint32_t, ThreadPool& pool) {
+    for (int i = 0; i < kAtOnce; ++i) {
+        unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (socket.ok()) {
+            mRefusing = false;
+            welcome(std::move(socket), pool);
+        } else if (errno == EAGAIN) {
+            break;
+        } else if (errno != EINTR && errno != ECONNABORTED) {
+            refuseOne();
+            break;
+        }
+    }
+    return Next::WAIT_FOR_INPUT;
+}
+
+void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
+    if (!peerIsTrusted(socket.get())) {
+        ALOGE("refused a connection from another user");
+        return;
+    }
+    const Hello hello{Hello::kMagic, Hello::kVersion, mServer};
+    if (::send(socket.get(), &hello, sizeof(hello), MSG_DONTWAIT | MSG_NOSIGNAL) !=
+        static_cast<ssize_t>(sizeof(hello))) {
+        return;
+    }
+    try {
+        pool.add(std::make_shared<ServerConnection>(std::move(socket), mObject), true);
+    } catch (const std::exception& exception) {
+        ALOGE("cannot take a connection: %s", exception.what());
+    }
+}
+
+void Listener::refuseOne() {
+    // There is no descriptor left. A client that is not taken stays in the queue and wakes a thread
+    // over and over, so one is taken with the spare descriptor and sent away.
+    if (!mRefusing) ALOGE("no descriptors are left: refusing clients");
+    mRefusing = true;
+    mSpare.reset();
+    unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!socket.ok()) (void)poll(nullptr, 0, kRestMilliseconds);
+    socket.reset();
+    mSpare = anyDescriptor();
+}
+
+}  // namespace android::hardware::transport

@@ -1,0 +1,207 @@
+#include "RuntimeFolder.h"
+
+#include <fcntl.h>
+#include <log/log.h>
+#include <sys/random.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cinttypes>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "Socket.h"
+#include "Wire.h"
+
+#undef LOG_TAG
+#define LOG_TAG "hidl"
+
+namespace android::hardware::transport {
+
+namespace {
+
+constexpr int kBacklog = 128;
+constexpr timeval kHelloLimit = {5, 0};
+constexpr timeval kNoLimit = {0, 0};
+
+std::string runtimePath() {
+    const char* own = getenv("MLK_RUNTIME_DIR");
+    if (own != nullptr && *own != '\0') {
+        // With a slash at its end the folder itself would pass for its parent.
+        std::string path = own;
+        while (path.size() > 1 && path.back() == '/') path.pop_back();
+        return path;
+    }
+    const char* session = getenv("XDG_RUNTIME_DIR");
+    if (session != nullptr && *session != '\0') return std::string(session) + "/mlkconfigs";
+    return "/run/mlkconfigs";
+}
+
+// The folder as it is; 0 or an errno.
+int openFolder(RuntimeFolder* folder) {
+    folder->path = runtimePath();
+    unique_fd descriptor(open(folder->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat status {};
+    if (!descriptor.ok() || fstat(descriptor.get(), &status) != 0) return errno;
+    folder->owner = status.st_uid;
+    folder->descriptor = std::move(descriptor);
+    return 0;
+}
+
+bool isOursOrRoots(uid_t user) {
+    return user == geteuid() || user == 0;
+}
+
+}  // namespace
+
+RuntimeFolder makeRuntimeFolder() {
+    RuntimeFolder folder;
+    const std::filesystem::path path(runtimePath());
+    std::error_code ignored;
+    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), ignored);
+    (void)mkdir(path.c_str(), 0700);
+    const int error = openFolder(&folder);
+    if (error != 0) {
+        ALOGE("%s: cannot use the runtime folder: %s", folder.path.c_str(), strerror(error));
+    } else if (!isOursOrRoots(folder.owner)) {
+        ALOGE("%s: the runtime folder belongs to user %u", folder.path.c_str(), folder.owner);
+        folder.descriptor.reset();
+    }
+    return folder;
+}
+
+RuntimeFolder findRuntimeFolder() {
+    RuntimeFolder folder;
+    if (openFolder(&folder) == 0 && !isOursOrRoots(folder.owner) && geteuid() != 0) {
+        ALOGE("%s: the runtime folder belongs to user %u", folder.path.c_str(), folder.owner);
+        folder.descriptor.reset();
+    }
+    return folder;
+}
+
+std::string socketName(const std::string& descriptor, const std::string& instance) {
+    if (descriptor.empty() || instance.empty()) return {};
+    std::string name = descriptor + "." + instance;
+    if (name.find('/') != std::string::npos || name.find('\0') != std::string::npos) return {};
+    if (name.size() > NAME_MAX) return {};
+    return name;
+}
+
+bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance) {
+    const size_t name = file.find("::");
+    if (file.empty() || file.front() == '.' || name == std::string::npos) return false;
+    const size_t dot = file.find('.', name);
+    if (dot == std::string::npos) return false;
+    *descriptor = file.substr(0, dot);
+    *instance = file.substr(dot + 1);
+    return !instance->empty();
+}
+
+uint64_t randomNumber() {
+    uint64_t number = 0;
+    if (getrandom(&number, sizeof(number), 0) != sizeof(number)) {
+        number = static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+    }
+    return number;
+}
+
+namespace {
+
+// The address of a path; false when it is too long for one.
+bool makeAddress(const std::string& path, sockaddr_un* address) {
+    *address = {};
+    address->sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address->sun_path)) return false;
+    memcpy(address->sun_path, path.data(), path.size());
+    return true;
+}
+
+// Where the kernel shows what a descriptor refers to.
+std::string pathOf(int descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+const sockaddr* generic(const sockaddr_un& address) {
+    return reinterpret_cast<const sockaddr*>(&address);
+}
+
+int connectSocket(int socket, const RuntimeFolder& folder, const std::string& name) {
+    sockaddr_un address;
+    unique_fd file;
+    if (!makeAddress(folder.path + "/" + name, &address)) {
+        file.reset(openat(folder.descriptor.get(), name.c_str(), O_PATH | O_CLOEXEC));
+        if (!file.ok() || !makeAddress(pathOf(file.get()), &address)) return -1;
+    }
+    int result;
+    do {
+        result = connect(socket, generic(address), sizeof(address));
+    } while (result != 0 && errno == EINTR);
+    return result;
+}
+
+void limitWaiting(int socket, const timeval& limit) {
+    (void)setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
+    (void)setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
+}
+
+bool receiveHello(int socket, uint64_t* server) {
+    Hello hello{};
+    size_t filled = 0;
+    while (filled < sizeof(hello)) {
+        const ssize_t got = recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
+                                 sizeof(hello) - filled, 0);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return false;
+        filled += static_cast<size_t>(got);
+    }
+    *server = hello.server;
+    return hello.magic == Hello::kMagic && hello.version == Hello::kVersion;
+}
+
+}  // namespace
+
+status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener) {
+    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!socket.ok()) return -errno;
+    // Bound under a name of its own first: the service's name is never without a listener.
+    char temporary[24];
+    (void)snprintf(temporary, sizeof(temporary), ".%016" PRIx64, randomNumber());
+    const int directory = folder.descriptor.get();
+    sockaddr_un address;
+    if (!makeAddress(folder.path + "/" + temporary, &address) &&
+        !makeAddress(pathOf(directory) + "/" + temporary, &address)) {
+        return -ENAMETOOLONG;
+    }
+    if (bind(socket.get(), generic(address), sizeof(address)) != 0) return -errno;
+    if (listen(socket.get(), kBacklog) != 0 ||
+        renameat(directory, temporary, directory, name.c_str()) != 0) {
+        const int error = errno;
+        (void)unlinkat(directory, temporary, 0);
+        return -error;
+    }
+    *listener = std::move(socket);
+    return OK;
+}
+
+unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server) {
+    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!socket.ok() || !folder.descriptor.ok()) return {};
+    limitWaiting(socket.get(), kHelloLimit);
+    if (connectSocket(socket.get(), folder, name) != 0) return {};
+    const bool rootVisits = geteuid() == 0 && peerUser(socket.get()) == folder.owner;
+    if (!rootVisits && !peerIsTrusted(socket.get())) return {};
+    if (!receiveHello(socket.get(), server)) return {};
+    // Calls take as long as they take.
+    limitWaiting(socket.get(), kNoLimit);
+    return socket;
+}
+
+}  // namespace android::hardware::transport

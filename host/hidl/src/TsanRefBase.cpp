@@ -1,0 +1,27 @@
+// What the thread sanitizer cannot see: Debian's libutils, which counts references, is compiled
+// without it. So to the sanitizer an object's destructor would race with everything that any other
+// thread did with the object before it gave its reference back. The linker puts these functions in
+// front of the library's (--wrap, see CMakeLists.txt); they tell the sanitizer of the order.
+//
+// Only in programs that are built with the sanitizer.
+#include <sanitizer/tsan_interface.h>
+#include <utils/RefBase.h>
+
+extern "C" {
+
+void __real__ZNK7android7RefBase9decStrongEPKv(const android::RefBase* object, const void* id);
+void __real__ZN7android7RefBase15onLastStrongRefEPKv(android::RefBase* object, const void* id);
+
+// RefBase::decStrong
+void __wrap__ZNK7android7RefBase9decStrongEPKv(const android::RefBase* object, const void* id) {
+    __tsan_release(const_cast<android::RefBase*>(object));
+    __real__ZNK7android7RefBase9decStrongEPKv(object, id);
+}
+
+// RefBase::onLastStrongRef, called when the count has come to nothing and before the destructor
+void __wrap__ZN7android7RefBase15onLastStrongRefEPKv(android::RefBase* object, const void* id) {
+    __tsan_acquire(object);
+    __real__ZN7android7RefBase15onLastStrongRefEPKv(object, id);
+}
+
+}  // extern "C"
