@@ -1,0 +1,35 @@
+// Handles, pipes and blocks of memory for tests.
+#pragma once
+
+#include <android-base/unique_fd.h>
+#include <hidl/HidlSupport.h>
+
+#include <string>
+#include <vector>
+
+namespace mlk::test {
+
+using ::android::base::unique_fd;
+using ::android::hardware::hidl_handle;
+using ::android::hardware::hidl_memory;
+
+// A handle that owns its descriptors.
+hidl_handle handleOf(std::vector<unique_fd> descriptors, const std::vector<int>& numbers = {});
+
+struct Pipe {
+    Pipe();
+    unique_fd out;  // what is written to in
+    unique_fd in;
+};
+
+// A memfd with this text.
+unique_fd fileWith(const std::string& text);
+// Shared memory, named "ashmem", that owns its descriptor and holds this text.
+hidl_memory memoryWith(const std::string& text);
+
+// Everything that the file holds, from its start.
+std::string contentOf(int file);
+// What arrives until the other end of the pipe is closed everywhere, or so many bytes.
+std::string readFrom(int pipe, size_t most);
+
+}  // namespace mlk::test

@@ -1,0 +1,84 @@
+// A server process for a test, and what can be seen of it from outside.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Everything.h"
+#include "Native.h"
+#include "host/testing/Process.h"
+
+namespace mlk::test {
+
+// Whether the condition comes true within half a minute. For what another process does in its own
+// time: a closed connection is noticed there, not here.
+bool eventually(const std::function<bool()>& condition);
+
+// How many descriptors, and threads, a process has.
+size_t descriptorsOf(pid_t pid);
+size_t threadsOf(pid_t pid);
+// Resident memory of a process, in bytes.
+size_t residentOf(pid_t pid);
+// Processor time that a process has used.
+std::chrono::milliseconds timeOf(pid_t pid);
+
+// hidl_test_server, started and registered. Needs a HostSet around it.
+class Server {
+  public:
+    struct Options {
+        std::string instance = "default";
+        std::string threads = "4";  // with "+join": see ServerMain.cpp
+        std::string descriptors;    // limit, or none
+    };
+    Server() : Server(Options()) {}
+    explicit Server(const Options& options);
+    // Ends it in good order; a status other than 0 fails the test.
+    ~Server();
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    pid_t pid() const { return mProcess->pid(); }
+    // A new proxy.
+    sp<IEverything> service() const;
+    // Kills it and waits until it is gone.
+    void kill();
+    // Waits until it has ended by itself: its exit status, or 128 and the signal's number.
+    int wait();
+    // What it has written to standard error.
+    std::string err() const { return mProcess->err(); }
+
+  private:
+    const Options mOptions;
+    std::unique_ptr<testing::Process> mProcess;
+    bool mOver = false;
+};
+
+// Calls of hold() that are waiting in a server, each on a thread of its own.
+class HeldCalls {
+  public:
+    // Starts the calls through these proxies, one a proxy.
+    explicit HeldCalls(const std::vector<sp<IEverything>>& proxies);
+    ~HeldCalls();
+    HeldCalls(const HeldCalls&) = delete;
+    HeldCalls& operator=(const HeldCalls&) = delete;
+
+    // Waits until so many have arrived; false when they do not.
+    bool arrived(size_t count);
+    // Whether another one arrives within a moment.
+    bool moreArrive();
+    // Lets all go and waits until they have returned; how many were answered.
+    size_t release();
+
+  private:
+    struct Call;
+    Pipe mArrivals;
+    Pipe mGate;
+    std::vector<std::unique_ptr<Call>> mCalls;
+};
+
+}  // namespace mlk::test
