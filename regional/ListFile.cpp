@@ -1,0 +1,47 @@
+#include "regional/ListFile.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "common/LineReader.h"
+#include "common/Paths.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr size_t kBufferSize = 256;
+
+}  // namespace
+
+bool readListFile(const std::string& path, const std::function<void(std::string_view)>& take) {
+    if (path.empty()) {
+        return false;
+    }
+    const std::optional<std::string> file = withoutQuotes(path);
+    const char* const name = (file ? *file : path).c_str();
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
+    if (!file || !pathExists(*file)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s don't exist.", name);
+        return false;
+    }
+    LineReader reader(*file, kBufferSize, kTag);
+    std::string_view line;
+    while (reader.next(line)) {
+        if (line.empty()) {
+            continue;
+        }
+        line.remove_prefix(std::min(line.find_first_not_of(','), line.size()));
+        if (line.empty()) {
+            reader.complain("nothing but commas, line skipped");
+            continue;
+        }
+        take(line.substr(0, line.find(',')));
+    }
+    return true;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
