@@ -1,0 +1,66 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/File.h"
+#include "tvconfigs/ConfigEditor.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/// The TV configuration file as a store: lines of key=value.
+///
+/// - A line ends with a line feed; text after the last one does not count. Carriage returns are
+///   dropped wherever they stand. A NUL byte ends the file.
+/// - A line that begins with "#" is a comment, a line without "=" is nothing. All other lines are
+///   entries: the key is what stands before the last "=", the value what stands after it. Nothing
+///   is trimmed; both may be empty.
+/// - A line, a comment too, has at most 1023 characters; a longer one ends the reading, with a log
+///   line. So do the file's first 4 MiB: clients may name any file to be read.
+///
+/// The entries are kept in the order of the file, and a key may occur more than once: its first
+/// entry is the one that counts. Each Set writes the whole file anew, nothing but the entries, one
+/// a line. A line of more than 1023 characters, line feed included, is then written cut to these,
+/// with a NUL byte in place of the rest: whoever reads the file next finds neither it nor the
+/// entries behind it.
+class FileConfigEditor : public ConfigEditor {
+  public:
+    /// Reads the file, as Update does. At most 127 characters of `path` are used, for this and for
+    /// all later writing; null is the empty path.
+    explicit FileConfigEditor(const char* path);
+
+    /// Reads a file and has its entries replace the present ones; where Set writes does not change.
+    /// Only a regular file is opened. False when it cannot be: the present entries stay.
+    bool Update(const char* path);
+
+    /// Takes one line, without its line feed, as the last entry. False, and nothing happens, when
+    /// it has no "=" or is null.
+    bool UpdateList(const char* line);
+
+    /// Gives the first entry of that key another value. False when there is none, or for null.
+    bool UpdateValue(const char* key, const char* value);
+
+    /// Writes all entries to a file, over what it held. False when it cannot be opened; when it
+    /// can but does not take all of them, a log line says so and the answer is true. See
+    /// RewriteInPlace.h for what a crash leaves.
+    bool Save(const char* path);
+
+    /// Changes an entry and writes the file. Never adds one: false when the key has none, and the
+    /// file is not touched. False too when the file cannot be written; the entry has changed then.
+    bool Set(const char* key, const char* value) override;
+
+    /// At most the first 91 characters of the value.
+    bool Get(const char* key, char* value) const override;
+
+  private:
+    using Item = std::pair<std::string, std::string>;
+
+    void ReadItems(File& file);
+    bool TakeByte(char byte, std::string& line);
+
+    const std::string mPath;
+    std::vector<Item> mItems;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
