@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 /// Everything that the framework service answers, one row an item, in the order in which a start
 /// reads them: the getter's name in the interface, what kind of answer it gives, and the system
 /// property.
@@ -32,3 +34,17 @@
     ITEM(argb4444Enabled, FLAG, "vendor.mlk.nt.vsc.enargb4444")                 \
     ITEM(hbbtvEnabled, FLAG, "vendor.mlk.nt.tvsys.enhbbtv")                     \
     ITEM(moduleTestEnabled, FLAG, "vendor.mlk.nt.tvsys.enmt")
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/// The items by their getters' names, numbered in the order of the rows.
+struct FrameworkItem {
+    enum Number : size_t {
+#define MLK_NAME_ITEM(getter, kind, property) getter,
+        MLK_FRAMEWORK_ITEMS(MLK_NAME_ITEM)
+#undef MLK_NAME_ITEM
+                COUNT
+    };
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -55,15 +55,15 @@ MlkFrameworkConfigs::MlkFrameworkConfigs() {
     }
 }
 
-#define MLK_DEFINE_GETTER(getter, kind, property)                    \
-    Return<void> MlkFrameworkConfigs::getter(getter##_cb _hidl_cb) { \
-        _hidl_cb(answerOf<Kind::kind>(mCache[Item::getter]));        \
-        return Void();                                               \
+#define MLK_DEFINE_GETTER(getter, kind, property)                      \
+    Return<void> MlkFrameworkConfigs::getter(getter##_cb _hidl_cb) {   \
+        _hidl_cb(answerOf<Kind::kind>(mCache[FrameworkItem::getter])); \
+        return Void();                                                 \
     }
 MLK_FRAMEWORK_ITEMS(MLK_DEFINE_GETTER)
 #undef MLK_DEFINE_GETTER
 
-bool MlkFrameworkConfigs::write(Item::Number item, const char* text, bool requested) {
+bool MlkFrameworkConfigs::write(FrameworkItem::Number item, const char* text, bool requested) {
     const std::lock_guard<std::mutex> guard(mSetterLock);
     // Whether it could be written shows in what is read back.
     property_set(kRows[item].property, text);
@@ -73,12 +73,12 @@ bool MlkFrameworkConfigs::write(Item::Number item, const char* text, bool reques
 }
 
 Return<void> MlkFrameworkConfigs::setForceStrEnabled(bool enabled, setForceStrEnabled_cb _hidl_cb) {
-    _hidl_cb({true, write(Item::getForceStrEnabled, enabled ? "0" : "1", enabled)});
+    _hidl_cb({true, write(FrameworkItem::getForceStrEnabled, enabled ? "0" : "1", enabled)});
     return Void();
 }
 
 Return<void> MlkFrameworkConfigs::setWowEnabled(bool enabled, setWowEnabled_cb _hidl_cb) {
-    _hidl_cb({true, write(Item::getWowEnabled, enabled ? "true" : "false", enabled)});
+    _hidl_cb({true, write(FrameworkItem::getWowEnabled, enabled ? "true" : "false", enabled)});
     return Void();
 }
 

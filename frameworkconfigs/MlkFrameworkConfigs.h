@@ -42,20 +42,10 @@ class MlkFrameworkConfigs : public IMlkFrameworkConfigs {
                                                     setWowEnabled_cb _hidl_cb) override;
 
   private:
-    /// The items, named after their getters and numbered as FrameworkItems.h has them.
-    struct Item {
-        enum Number : size_t {
-#define MLK_NAME_ITEM(getter, kind, property) getter,
-            MLK_FRAMEWORK_ITEMS(MLK_NAME_ITEM)
-#undef MLK_NAME_ITEM
-                    COUNT
-        };
-    };
-
-    bool write(Item::Number item, const char* text, bool requested);
+    bool write(FrameworkItem::Number item, const char* text, bool requested);
 
     /// The values, a flag as 0 or 1.
-    std::array<std::atomic<int32_t>, Item::COUNT> mCache{};
+    std::array<std::atomic<int32_t>, FrameworkItem::COUNT> mCache{};
     std::mutex mSetterLock;  ///< Held from a property's write until its value is cached.
 };
 
