@@ -38,7 +38,7 @@ class hidl_handle {
 
     details::hidl_pointer<const native_handle_t> mHandle;
     bool mOwnsHandle;
-    uint8_t mPad[7];  // travels: it must not carry what happened to be in memory
+    [[maybe_unused]] uint8_t mPad[7];  // travels: it must not carry what happened to be in memory
 };
 static_assert(sizeof(hidl_handle) == 16);
 

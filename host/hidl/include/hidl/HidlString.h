@@ -51,7 +51,7 @@ class hidl_string {
     details::hidl_pointer<const char> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
+    [[maybe_unused]] uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
 };
 static_assert(sizeof(hidl_string) == 16);
 

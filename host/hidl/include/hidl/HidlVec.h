@@ -110,7 +110,7 @@ class hidl_vec {
     details::hidl_pointer<T> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
+    [[maybe_unused]] uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
 };
 static_assert(sizeof(hidl_vec<char>) == 16);
 

@@ -13,7 +13,7 @@
 namespace android::hardware {
 
 namespace transport {
-class IncomingMessage;
+struct IncomingMessage;
 }
 
 // Holds numbers in the order they were written, and objects beside them: buffers, which may be
