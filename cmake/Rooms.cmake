@@ -18,6 +18,15 @@ find_package(Threads REQUIRED)
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)
     include(GoogleTest)
+    # What every test finds in its environment. CTest reads the file before it runs them; a list of
+    # variables does not survive the discovery of GoogleTest's tests.
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestEnvironment.cmake CONTENT [[
+set(ENV{MLK_BIN_DIR} "@CMAKE_BINARY_DIR@/bin")
+set(ENV{MLK_SOURCE_DIR} "@CMAKE_SOURCE_DIR@")
+set(ENV{TSAN_OPTIONS} "suppressions=@CMAKE_SOURCE_DIR@/cmake/tsan.supp:$ENV{TSAN_OPTIONS}")
+]] @ONLY)
+    set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY
+                 TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/TestEnvironment.cmake)
 endif()
 
 # mlk_library(NAME SOURCES... [PUBLIC LIBS...] [PRIVATE LIBS...])
@@ -59,6 +68,5 @@ function(mlk_test name)
         add_dependencies(${name} ${ARG_NEEDS})
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST PROPERTIES
-        TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT
-        "MLK_BIN_DIR=${CMAKE_BINARY_DIR}/bin;MLK_SOURCE_DIR=${CMAKE_SOURCE_DIR};TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp")
+        TIMEOUT ${ARG_TIMEOUT})
 endfunction()
