@@ -1,0 +1,114 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "host/testing/HostSet.h"
+#include "host/testing/LogCapture.h"
+#include "projectconfigs/MlkProjectConfigs.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/** What only MlkProjectConfigs itself sees so far. */
+struct MlkProjectConfigsPeer {
+    static std::string hardwareAudioFile(const MlkProjectConfigs& service) {
+        return service.mHwAudioConfigName.data();
+    }
+};
+
+template <typename Answer>
+Answer answerOf(const std::function<void(const Answer&)>&);
+
+/** What a method with these parameters, its callback the last of them, answers. */
+template <typename... Parameters>
+using AnswerOf = decltype(answerOf(
+        std::declval<
+                std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>()));
+
+/** Calls a method and gives its answer, or nothing when it left its callback alone. */
+template <typename... Parameters, typename... Arguments>
+std::optional<AnswerOf<Parameters...>> ask(
+        IMlkProjectConfigs& service,
+        ::android::hardware::Return<void> (IMlkProjectConfigs::*method)(Parameters...),
+        const Arguments&... arguments) {
+    std::optional<AnswerOf<Parameters...>> got;
+    int answers = 0;
+    const auto result = (service.*method)(arguments..., [&](const auto& answer) {
+        got = answer;
+        ++answers;
+    });
+    EXPECT_TRUE(result.isOk());
+    EXPECT_LE(answers, 1);
+    return got;
+}
+
+/** A text that is absent, as no client can send it: its pointer is null. */
+inline ::android::hardware::hidl_string absentText() {
+    ::android::hardware::hidl_string text;
+    const char* const null = nullptr;
+    std::memcpy(reinterpret_cast<char*>(&text) + ::android::hardware::hidl_string::kOffsetOfBuffer,
+                &null, sizeof null);
+    return text;
+}
+
+/** A set with two models and what a service on it logs and answers. */
+class ServiceOnSet : public ::testing::Test {
+  protected:
+    ServiceOnSet() {
+        write("tvconfigs/customer.ini", "CUSTOMER_ID=42\nSYS_INI=/tvconfigs/sys.ini\n");
+        write("tvconfigs/sys.ini",
+              "Model_1=/tvconfigs/model/A.ini\nModel_2=\"/tvconfigs/model/B.ini\"\n");
+        write("tvconfigs/model/A.ini", "[PANEL]\nm_pPanelName=panel A\n");
+        write("tvconfigs/model/B.ini", "[PANEL]\nm_pPanelName=panel B\n");
+        write("tvconfigs/board.ini", "[BOARD]\nname=board\n");
+        write("impdata/project_id.bin", "PROJECT_ID=1\n");
+        write("impdata/board_id.bin", "BOARD_ID=/tvconfigs/board.ini\n");
+    }
+    void write(const std::string& name, const std::string& text) const {
+        mSet.dir().write(name, text);
+    }
+    /** Makes the first model's file hold just this. */
+    void project(const std::string& text) const { write("tvconfigs/model/A.ini", text); }
+    MlkProjectConfigs& start() {
+        mService = new MlkProjectConfigs;
+        return *mService;
+    }
+    template <typename Method, typename... Arguments>
+    auto asked(Method method, const Arguments&... arguments) {
+        return ask(*mService, method, arguments...);
+    }
+    /** The value of an OptionalString that has one, and success true; else a text that says so. */
+    static std::string text(const std::optional<OptionalString>& answer) {
+        return !answer ? "no answer" : !answer->success ? "no success" : answer->value.c_str();
+    }
+    static std::string number(const std::optional<OptionalInt32>& answer) {
+        return !answer            ? "no answer"
+               : !answer->success ? "no success"
+                                  : std::to_string(answer->value);
+    }
+    static std::string flag(const std::optional<OptionalBool>& answer) {
+        return !answer            ? "no answer"
+               : !answer->success ? "no success"
+               : answer->value    ? "true"
+                                  : "false";
+    }
+    std::string panel() { return text(asked(&IMlkProjectConfigs::getPanelName)); }
+    std::string boardName() {
+        return text(asked(&IMlkProjectConfigs::getConfig, ProjectConfigKey{"[BOARD]", "name"}));
+    }
+    std::vector<std::string> logged(int priority) const {
+        return mLog.texts(priority, "MlkProjectConfigs");
+    }
+
+    mlk::testing::HostSet mSet;
+    mlk::testing::LogCapture mLog;
+    ::android::sp<MlkProjectConfigs> mService;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
