@@ -1,0 +1,60 @@
+#include "tools/mlkctl/Suggest.h"
+
+#include <algorithm>
+
+namespace mlk::ctl {
+
+namespace {
+
+char small(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+}  // namespace
+
+size_t editDistance(std::string_view one, std::string_view other) {
+    // Rows of the table of distances between the beginnings of both words.
+    std::vector<size_t> beforeLast(other.size() + 1);
+    std::vector<size_t> last(other.size() + 1);
+    std::vector<size_t> row(other.size() + 1);
+    for (size_t j = 0; j <= other.size(); ++j) row[j] = j;
+    for (size_t i = 1; i <= one.size(); ++i) {
+        beforeLast.swap(last);
+        last.swap(row);
+        row[0] = i;
+        for (size_t j = 1; j <= other.size(); ++j) {
+            const size_t change = small(one[i - 1]) == small(other[j - 1]) ? 0 : 1;
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
+            const bool swapped = i > 1 && j > 1 && small(one[i - 1]) == small(other[j - 2]) &&
+                                 small(one[i - 2]) == small(other[j - 1]);
+            if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+        }
+    }
+    return row[other.size()];
+}
+
+std::string_view suggestion(std::string_view word,
+                            const std::vector<std::string_view>& candidates) {
+    std::string_view nearest;
+    size_t least = 0;
+    for (const std::string_view candidate : candidates) {
+        // A third of the letters wrong is a misspelling, more is another word. A word that is much
+        // longer is not worth a table of distances.
+        const size_t limit = candidate.size() / 3;
+        if (word.size() > candidate.size() + limit) continue;
+        const size_t distance = editDistance(word, candidate);
+        if (distance <= limit && (nearest.empty() || distance < least)) {
+            nearest = candidate;
+            least = distance;
+        }
+    }
+    return nearest;
+}
+
+std::string didYouMean(std::string_view word, const std::vector<std::string_view>& candidates,
+                       const std::string& otherwise) {
+    const std::string_view meant = suggestion(word, candidates);
+    return meant.empty() ? otherwise : "; did you mean " + std::string(meant) + "?";
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,161 @@
+#include "tools/mlkctl/Text.h"
+
+#include <array>
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+
+uint8_t byteAt(std::string_view text, size_t position) {
+    return static_cast<uint8_t>(text[position]);
+}
+
+/// How many bytes the valid UTF-8 sequence at the position has; 0 when there is none. The second
+/// byte's range, which depends on the first, is what shuts out overlong forms, surrogates and what
+/// is beyond U+10FFFF.
+size_t sequenceLength(std::string_view text, size_t position) {
+    struct Row {
+        uint8_t first, last;              // range of the first byte
+        size_t length;                    // of the sequence
+        uint8_t secondFirst, secondLast;  // range of the second byte
+    };
+    static constexpr std::array<Row, 9> kRows = {{{0x00, 0x7f, 1, 0x00, 0x00},
+                                                  {0xc2, 0xdf, 2, 0x80, 0xbf},
+                                                  {0xe0, 0xe0, 3, 0xa0, 0xbf},
+                                                  {0xe1, 0xec, 3, 0x80, 0xbf},
+                                                  {0xed, 0xed, 3, 0x80, 0x9f},
+                                                  {0xee, 0xef, 3, 0x80, 0xbf},
+                                                  {0xf0, 0xf0, 4, 0x90, 0xbf},
+                                                  {0xf1, 0xf3, 4, 0x80, 0xbf},
+                                                  {0xf4, 0xf4, 4, 0x80, 0x8f}}};
+    const uint8_t lead = byteAt(text, position);
+    for (const Row& row : kRows) {
+        if (lead < row.first || lead > row.last) continue;
+        if (position + row.length > text.size()) return 0;
+        for (size_t i = 1; i < row.length; ++i) {
+            const uint8_t byte = byteAt(text, position + i);
+            const bool fits = i == 1 ? byte >= row.secondFirst && byte <= row.secondLast
+                                     : byte >= 0x80 && byte <= 0xbf;
+            if (!fits) return 0;
+        }
+        return row.length;
+    }
+    return 0;
+}
+
+void appendHexByte(std::string& out, std::string_view prefix, uint8_t byte) {
+    out += prefix;
+    out += kHexDigits[byte >> 4];
+    out += kHexDigits[byte & 0xf];
+}
+
+void appendControl(std::string& out, uint8_t byte) {
+    switch (byte) {
+        case '\b':
+            out += "\\b";
+            break;
+        case '\f':
+            out += "\\f";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default:
+            appendHexByte(out, "\\u00", byte);
+    }
+}
+
+/// inQuotes: what would end or change a JSON string is escaped, too. Otherwise it is for a
+/// terminal, to which DEL and the C1 controls are commands.
+void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
+    size_t position = 0;
+    while (position < text.size()) {
+        const size_t length = sequenceLength(text, position);
+        const uint8_t byte = byteAt(text, position);
+        if (length == 0) {
+            appendHexByte(out, "\\udc", byte);
+            ++position;
+            continue;
+        }
+        const bool isC1 = byte == 0xc2 && length == 2 && byteAt(text, position + 1) < 0xa0;
+        if (byte < 0x20) {
+            appendControl(out, byte);
+        } else if (inQuotes && (byte == '"' || byte == '\\')) {
+            out += '\\';
+            out += text[position];
+        } else if (!inQuotes && (byte == 0x7f || isC1)) {
+            appendHexByte(out, "\\u00", byteAt(text, position + length - 1));
+        } else {
+            out += text.substr(position, length);
+        }
+        position += length;
+    }
+}
+
+}  // namespace
+
+void appendJsonString(std::string& out, std::string_view text) {
+    out += '"';
+    appendEscaped(out, text, true);
+    out += '"';
+}
+
+std::string jsonString(std::string_view text) {
+    std::string out;
+    appendJsonString(out, text);
+    return out;
+}
+
+std::string excerpt(std::string_view text) {
+    constexpr size_t kLimit = 60;
+    if (text.size() <= kLimit) return jsonString(text);
+    // Not in the middle of a character.
+    size_t end = 0;
+    while (true) {
+        const size_t length = std::max<size_t>(sequenceLength(text, end), 1);
+        if (end + length > kLimit) break;
+        end += length;
+    }
+    return jsonString(text.substr(0, end)) + "...";
+}
+
+std::string printable(std::string_view text) {
+    std::string out;
+    appendEscaped(out, text, false);
+    return out;
+}
+
+std::string base64(const uint8_t* bytes, size_t size) {
+    static constexpr std::string_view kDigits =
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    out.reserve((size + 2) / 3 * 4);
+    for (size_t i = 0; i < size; i += 3) {
+        const size_t count = std::min<size_t>(size - i, 3);
+        uint32_t group = 0;
+        for (size_t j = 0; j < 3; ++j) group = group << 8 | (j < count ? bytes[i + j] : 0U);
+        for (size_t j = 0; j < 4; ++j) {
+            out += j <= count ? kDigits[group >> (18 - 6 * j) & 0x3f] : '=';
+        }
+    }
+    return out;
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string out;
+    for (const std::string& text : texts) {
+        if (!out.empty()) out += ", ";
+        out += text;
+    }
+    return out;
+}
+
+}  // namespace mlk::ctl
