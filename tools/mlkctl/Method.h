@@ -1,0 +1,131 @@
+#pragma once
+
+#include <android/hidl/base/1.0/IBase.h>
+#include <hidl/Status.h>
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tools/mlkctl/Answer.h"
+#include "tools/mlkctl/Argument.h"
+#include "tools/mlkctl/Failure.h"
+#include "tools/mlkctl/Parameter.h"
+
+/// A method of an interface as a row of a table:
+///
+///     {"getHDMIEdidPath", method(&IMlkProjectConfigs::getHDMIEdidPath, "port", "version")},
+///
+/// The member function's own type says what its arguments and its answer are; the overloads of
+/// Parameter.h and Answer.h do the rest.
+namespace mlk::ctl {
+
+using ::android::hardware::Return;
+using ::android::hidl::base::V1_0::IBase;
+
+/// Bytes as JSON, or as they are (--raw).
+enum class Form { JSON, RAW };
+
+/// A call with its arguments, to be made of an object that implements the method's interface.
+/// Gives the answer as it is printed, without a newline. Throws Failure: UNREACHABLE when the
+/// object is dead, NO_ANSWER when the call failed or ended without an answer.
+using BoundCall = std::function<std::string(IBase&)>;
+
+/// How a method is called; made by method().
+struct Call {
+    std::vector<Word> words;  ///< What a user writes behind the method's name.
+    bool hasBytes;            ///< The answer is bytes: Form::RAW is possible.
+
+    /// Reads the arguments, of which there are as many as words. Throws Failure USAGE for one that
+    /// is wrong.
+    std::function<BoundCall(const std::vector<Argument>&, Form)> bind;
+};
+
+/// A row of a table.
+struct Method {
+    std::string_view name;
+    Call call;
+};
+
+/// What became of a call that has returned, as a Failure unless it was answered.
+void checkOutcome(const ::android::hardware::details::return_status& outcome, bool answered);
+
+namespace details {
+
+/// Taken apart: the member function's last parameter is the callback, those before are arguments.
+template <typename Callback>
+struct AnswerOf;
+template <typename Result>
+struct AnswerOf<std::function<void(Result)>> {
+    using Type = std::decay_t<Result>;
+};
+
+template <typename Answer>
+std::string printed(const Answer& answer, [[maybe_unused]] Form form) {
+    if constexpr (kHasBytes<Answer>) {
+        if (form == Form::RAW) return rawBytes(answer);
+    }
+    std::string out;
+    print(out, answer);
+    return out;
+}
+
+/// Makes the call, which is given the callback, and prints what the callback is given.
+template <typename Answer, typename Caller>
+std::string answerOf(Form form, const Caller& caller) {
+    std::optional<std::string> text;
+    std::optional<Failure> failure;
+    const auto outcome = caller([&](const Answer& answer) {
+        // Nothing may be thrown through the transport.
+        try {
+            text = printed(answer, form);
+        } catch (const Failure& thrown) {
+            failure = thrown;
+        }
+    });
+    if (failure) throw Failure(*failure);
+    checkOutcome(outcome, text.has_value());
+    return std::move(*text);
+}
+
+template <typename I, typename... Params, size_t... Index>
+Call makeCall(Return<void> (I::*pointer)(Params...), std::index_sequence<Index...>,
+              const std::array<Parameter, sizeof...(Index)>& parameters) {
+    using All = std::tuple<Params...>;
+    using Callback = std::tuple_element_t<sizeof...(Index), All>;
+    using Answer = typename AnswerOf<Callback>::Type;
+    using Values = std::tuple<std::decay_t<std::tuple_element_t<Index, All>>...>;
+
+    Call call{{}, kHasBytes<Answer>, nullptr};
+    (describe(Type<std::tuple_element_t<Index, Values>>(), parameters[Index], &call.words), ...);
+    call.bind = [pointer, words = call.words](const std::vector<Argument>& arguments, Form form) {
+        Values values;
+        ArgumentReader reader(words, arguments);
+        (read(reader, &std::get<Index>(values)), ...);
+        return [pointer, form, values = std::move(values)](IBase& object) {
+            return answerOf<Answer>(form, [&](const auto& callback) {
+                return (static_cast<I&>(object).*pointer)(std::get<Index>(values)..., callback);
+            });
+        };
+    };
+    return call;
+}
+
+}  // namespace details
+
+/// The call of a member function. The parameters are the names that the interface gives them, in
+/// declared order; a name may carry names for numbers (Parameter).
+template <typename I, typename... Params, typename... Names>
+Call method(Return<void> (I::*pointer)(Params...), const Names&... names) {
+    static_assert(sizeof...(Names) + 1 == sizeof...(Params), "one name a parameter");
+    return details::makeCall(pointer, std::make_index_sequence<sizeof...(Names)>(),
+                             {Parameter(names)...});
+}
+
+}  // namespace mlk::ctl
