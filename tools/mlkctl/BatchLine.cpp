@@ -1,0 +1,94 @@
+#include "tools/mlkctl/BatchLine.h"
+
+#include <nlohmann/json.hpp>
+
+#include <limits>
+#include <optional>
+
+#include "tools/mlkctl/Failure.h"
+#include "tools/mlkctl/Text.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* kForm = R"(a line is ["INTERFACE","METHOD",ARGUMENT...])";
+
+/// Takes the values of one array as the parser meets them. No tree is built and nothing may be
+/// nested, so the depth of a line costs nothing. Every function gives whether to go on.
+class Values : public nlohmann::json_sax<Json> {
+  public:
+    explicit Values(bool hasHiddenBytes) : mHasHiddenBytes(hasHiddenBytes) {}
+
+    std::vector<Argument::Value> values;
+    std::string problem;  ///< Why the parser stopped.
+
+    bool null() override { return add(Argument::Null()); }
+    bool boolean(bool value) override { return add(value); }
+    bool number_integer(number_integer_t value) override { return add(value); }
+    bool number_unsigned(number_unsigned_t value) override {
+        if (value > static_cast<uint64_t>(std::numeric_limits<int64_t>::max()))
+            return add(Argument::OtherNumber{std::to_string(value)});
+        return add(static_cast<int64_t>(value));
+    }
+    bool number_float(number_float_t, const string_t& text) override {
+        return add(Argument::OtherNumber{text});
+    }
+    bool string(string_t& text) override {
+        return add(mHasHiddenBytes ? restoreBytes(text) : std::move(text));
+    }
+    bool start_array(size_t) override {
+        if (mInArray) return refuse("an argument is a text, a number, true or false, not an array");
+        mInArray = true;
+        return true;
+    }
+    bool end_array() override { return true; }
+    bool start_object(size_t) override {
+        return refuse(mInArray ? "an argument is a text, a number, true or false, not an object"
+                               : kForm);
+    }
+    bool end_object() override { return true; }
+    bool key(string_t&) override { return true; }
+    bool binary(binary_t&) override { return refuse(kForm); }
+    bool parse_error(size_t position, const std::string&, const Json::exception&) override {
+        return refuse("column " + std::to_string(position) + ": not JSON; " + kForm);
+    }
+
+  private:
+    bool add(Argument::Value value) {
+        if (!mInArray) return refuse(kForm);
+        values.push_back(std::move(value));
+        return true;
+    }
+    bool refuse(const std::string& why) {
+        problem = why;
+        return false;
+    }
+
+    const bool mHasHiddenBytes;
+    bool mInArray = false;
+};
+
+std::string nameFrom(const std::vector<Argument::Value>& values, size_t index) {
+    const auto* name = index < values.size() ? std::get_if<std::string>(&values[index]) : nullptr;
+    if (name == nullptr) throw usage(kForm);
+    return *name;
+}
+
+}  // namespace
+
+BatchLine parseBatchLine(std::string_view line) {
+    std::string plain;
+    const bool hidden = hideByteEscapes(line, &plain);
+    Values taken(hidden);
+    if (!Json::sax_parse(hidden ? std::string_view(plain) : line, &taken))
+        throw usage(taken.problem);
+    BatchLine result{nameFrom(taken.values, 0), nameFrom(taken.values, 1), {}};
+    for (size_t i = 2; i < taken.values.size(); ++i)
+        result.arguments.push_back(Argument::ofJson(std::move(taken.values[i])));
+    return result;
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,95 @@
+#include <CLI/CLI.hpp>
+
+#include "tools/mlkctl/BatchLine.h"
+#include "tools/mlkctl/LineInput.h"
+#include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl batch - make many calls, a line each
+
+Usage: mlkctl batch
+
+Reads lines from standard input, each a JSON array that names interface and method and gives the
+arguments as JSON has them: texts, numbers, true and false. An enumerator may be its name or its
+number. Answers each with one line, in the same order, over one connection. Answers are written
+when no further complete line is waiting, so that another program may ask and listen in turns.
+
+In a text, \udcXX (80 to ff) that is not the second half of a surrogate pair is the byte XX, in the
+lines read as in those written. A line has at most 2 MiB. A line that cannot be understood, an
+empty one included, is answered too, and the batch goes on. So it does when the service dies: the
+call under way is "unreachable", the next line looks for the service again.
+
+Options:
+  -h, --help  this text
+
+Output:
+  A line as mlkctl call prints it (mlkctl call --help), or one of
+  {"error":"unreachable","message":"..."}   the service cannot be reached, or died
+  {"error":"usage","message":"..."}         the line is wrong; the message says what would be right
+  {"error":"no-answer","message":"..."}     the method gave no answer
+
+Exit status:
+  0  the input was read to its end, whatever the answers were
+  1  the system refuses: standard input cannot be read, or standard output not written
+
+Examples:
+  echo '["IMlkProjectConfigs","getConfig","[LiveTV]","TvConfig"]' | mlkctl batch
+  printf '["IMlkProjectConfigs","getEQPath",%d]\n' 0 1 | mlkctl batch
+)";
+
+constexpr size_t kLongestLine = 2UL * 1024 * 1024;
+
+const char* nameOf(ExitStatus status) {
+    switch (status) {
+        case ExitStatus::UNREACHABLE:
+            return "unreachable";
+        case ExitStatus::USAGE:
+            return "usage";
+        case ExitStatus::ANSWERED:
+        case ExitStatus::NO_ANSWER:
+            break;
+    }
+    return "no-answer";
+}
+
+std::string answerTo(LineInput::Next kind, std::string_view text, Services& services) {
+    try {
+        if (kind == LineInput::Next::TOO_LONG)
+            throw usage("a line has at most " + std::to_string(kLongestLine) + " bytes");
+        const BatchLine line = parseBatchLine(text);
+        const Interface& interface = interfaceOf(line.interface);
+        return services.call(interface, interface.method(line.method), line.arguments, Form::JSON);
+    } catch (const Failure& failure) {
+        return R"({"error":")" + std::string(nameOf(failure.status())) + R"(","message":)" +
+               jsonString(failure.what()) + '}';
+    }
+}
+
+class BatchVerb : public Verb {
+  public:
+    std::string_view name() const override { return "batch"; }
+    std::string help() const override { return kHelp; }
+
+    ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        LineInput input(environment.input, kLongestLine);
+        std::string_view line;
+        while (true) {
+            if (!input.hasLine()) environment.output.flush();
+            const LineInput::Next kind = input.next(&line);
+            if (kind == LineInput::Next::END) return ExitStatus::ANSWERED;
+            environment.output.line(answerTo(kind, line, environment.services));
+        }
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeBatchVerb() {
+    return std::make_unique<BatchVerb>();
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,106 @@
+#include <CLI/CLI.hpp>
+
+#include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl call - call one method
+
+Usage: mlkctl call [--raw] INTERFACE METHOD [ARGUMENT]...
+       mlkctl call INTERFACE --help
+
+INTERFACE is IMlkProjectConfigs, IMlkTvConfigs or IMlkFrameworkConfigs. With --help as METHOD, the
+methods of the interface are listed with what they take.
+
+Arguments stand in the order that the interface declares. What stands behind METHOD is an argument,
+never an option: -3 and --foo are values, and so is an empty word.
+
+  number        decimal, or hexadecimal with 0x: 21, -3, 0x1f
+  true, false   a switch
+  enumerator    its name, or any number of 32 bits: HBBTV, 19, 0x13, -1
+  text          its bytes as they are. \udc80 to \udcff (six characters) stand for the bytes 80 to
+                ff, as answers print what is not UTF-8; no other character is special. (A text that
+                has such six characters of its own can be given in a batch: "\\udc80".)
+  item          two words, category and key, the category with its brackets: '[LiveTV]' TvConfig
+
+Options:
+  --raw       print the bytes of an answer as they are. Also as the very last word, behind all the
+              arguments of getTvFile or getVendorPartitionFile.
+  -h, --help  this text
+
+Output:
+  The answer as one line of JSON:
+  a value          {"success":true,"value":"..."}; value is a text, a number, true or false, and
+                   means nothing when success is false
+  a list           ["...","..."], [1,2], [{"key":"...","value":"..."}],
+                   [{"channel":21,"frequency":474000,"bandwidth":8000000,"label":"E21",
+                   "modulation":18}]
+  bytes, memory    {"size":3,"base64":"..."}
+  A byte XX of a text that is no part of valid UTF-8 is printed as \udcXX.
+
+Exit status:
+  0  answered (also with success false)
+  1  the service cannot be reached, or died during the call
+  2  the command line is wrong; nothing was called
+  3  the method gave no answer: an argument it does not serve, or too much data
+
+Examples:
+  mlkctl call IMlkProjectConfigs getPanelName
+  mlkctl call IMlkProjectConfigs getConfig '[LiveTV]' TvConfig
+  mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0
+  mlkctl call --raw IMlkProjectConfigs getTvFile /tvconfigs/customer.ini
+)";
+
+std::string methodsHelp(const Interface& interface) {
+    Table table;
+    for (const Method& method : interface.methods)
+        table.push_back({"  " + std::string(method.name), synopsis(method)});
+    return "Methods of " + std::string(interface.name) + " and their arguments:\n" + aligned(table);
+}
+
+class CallVerb : public Verb {
+  public:
+    std::string_view name() const override { return "call"; }
+    std::string help() const override { return kHelp; }
+    void addOptions(CLI::App& app) override { app.add_flag("--raw", mRaw); }
+    bool takesWords() const override { return true; }
+
+    ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
+        if (words.empty()) throw usage("INTERFACE and METHOD are missing; see mlkctl call --help");
+        const Interface& interface = interfaceOf(words[0]);
+        const std::string help = "mlkctl call " + words[0] + " --help lists what it has";
+        if (words.size() < 2) throw usage("METHOD is missing; " + help);
+        if (words[1] == "--help" || words[1] == "-h") {
+            environment.output.write(methodsHelp(interface));
+            return ExitStatus::ANSWERED;
+        }
+        const Method& method = interface.method(words[1]);
+        std::vector<Argument> arguments;
+        for (size_t i = 2; i < words.size(); ++i)
+            arguments.push_back(Argument::ofCommandLine(words[i]));
+        // One word more than there are arguments: it cannot be one of them.
+        const bool isOneMore = arguments.size() == method.call.words.size() + 1;
+        if (method.call.hasBytes && isOneMore && words.back() == "--raw") {
+            mRaw = true;
+            arguments.pop_back();
+        }
+        const Form form = mRaw ? Form::RAW : Form::JSON;
+        const std::string answer = environment.services.call(interface, method, arguments, form);
+        mRaw ? environment.output.write(answer) : environment.output.line(answer);
+        return ExitStatus::ANSWERED;
+    }
+
+  private:
+    bool mRaw = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeCallVerb() {
+    return std::make_unique<CallVerb>();
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,172 @@
+#include "tools/mlkctl/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <ostream>
+#include <system_error>
+
+#include "tools/mlkctl/Suggest.h"
+#include "tools/mlkctl/Text.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kVersion = "mlkctl 1.0, for vendor.morlak.mlkconfigs@1.0\n";
+
+constexpr const char* kHelpBegin = R"(mlkctl - talk to the configuration service of a television
+
+Usage: mlkctl COMMAND [OPTION]... [ARGUMENT]...
+       mlkctl COMMAND --help
+       mlkctl --help | --version
+
+Commands:
+)";
+
+constexpr const char* kHelpEnd = R"(
+Answers stand on standard output, messages on standard error.
+
+Exit status:
+  0  answered
+  1  the service cannot be reached, or the system refuses (standard output cannot be written)
+  2  the command line is wrong; the message says what would be right
+  3  the method gave no answer
+
+Environment, on a host:
+  MLK_RUNTIME_DIR   where the service's sockets are; default $XDG_RUNTIME_DIR/mlkconfigs,
+                    else /run/mlkconfigs
+  MLK_ROOT          the folder of the set, whose properties `prop` shows; default /
+  ANDROID_LOG_TAGS  which log lines of mlkctl's own go to standard error, default *:I
+
+Examples:
+  mlkctl wait && mlkctl show
+  mlkctl call IMlkProjectConfigs getPanelName
+  mlkctl call IMlkTvConfigs setFlag HBBTV true
+  . <(mlkctl completion bash)
+)";
+
+std::string generalHelp(const std::vector<std::unique_ptr<Verb>>& verbs) {
+    std::string help = kHelpBegin;
+    for (const auto& verb : verbs) {
+        const std::string page = verb->help();
+        const std::string first = page.substr(0, page.find('\n'));
+        const std::string name(verb->name());
+        help += "  " + name + std::string(12 - name.size(), ' ') +
+                first.substr(first.find(" - ") + 3) + '\n';
+    }
+    return help + kHelpEnd;
+}
+
+/// The verb that the words are for; throws Failure USAGE.
+Verb& verbOf(const std::vector<std::unique_ptr<Verb>>& verbs, const std::string& word) {
+    std::vector<std::string_view> names;
+    std::vector<std::string> list;
+    for (const auto& verb : verbs) {
+        if (verb->name() == word) return *verb;
+        names.push_back(verb->name());
+        list.emplace_back(verb->name());
+    }
+    const bool isOption = !word.empty() && word.front() == '-';
+    throw usage((isOption ? "there is no option " : "there is no command ") + excerpt(word) +
+                (isOption ? "; there are --help, --version"
+                          : didYouMean(word, names, "; there are " + joined(list))));
+}
+
+/// Where the words of a verb begin, behind the options in front of them. "--" ends the options and
+/// is none of the words.
+struct Split {
+    std::vector<std::string> options;
+    std::vector<std::string> words;
+};
+
+Split split(const Verb& verb, const std::vector<std::string>& rest) {
+    if (!verb.takesWords()) return {rest, {}};
+    // No verb with words has an option with a value.
+    const auto isWord = [](const std::string& word) {
+        return word.size() < 2 || word.front() != '-' || word == "--";
+    };
+    auto begin = std::find_if(rest.begin(), rest.end(), isWord);
+    Split result{{rest.begin(), begin}, {}};
+    if (begin != rest.end() && *begin == "--") ++begin;
+    result.words.assign(begin, rest.end());
+    return result;
+}
+
+/// What the option parser found wrong, with what would be right.
+std::string explain(const CLI::ParseError& error, const CLI::App& app) {
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ExtrasError)) return error.what();
+    std::vector<std::string> options;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    }
+    const std::string stranger = app.remaining().front();
+    const std::vector<std::string_view> names(options.begin(), options.end());
+    if (stranger.empty() || stranger.front() != '-')
+        return "it takes no argument " + excerpt(stranger) + "; its options are " + joined(options);
+    return "there is no option " + excerpt(stranger) +
+           didYouMean(stranger, names, "; there are " + joined(options));
+}
+
+ExitStatus runVerb(Verb& verb, const std::vector<std::string>& rest, Environment& environment) {
+    const Split parts = split(verb, rest);
+    CLI::App app;
+    app.set_help_flag("-h,--help");
+    verb.addOptions(app);
+    try {
+        // The parser takes them from the end.
+        app.parse(std::vector<std::string>(parts.options.rbegin(), parts.options.rend()));
+    } catch (const CLI::CallForHelp&) {
+        environment.output.write(verb.help());
+        return ExitStatus::ANSWERED;
+    } catch (const CLI::ParseError& error) {
+        throw usage(explain(error, app) + " (see mlkctl " + std::string(verb.name()) + " --help)");
+    }
+    return verb.run(parts.words, environment);
+}
+
+ExitStatus run(const std::vector<std::string>& words, Environment& environment) {
+    const auto verbs = makeVerbs();
+    if (words.empty()) throw usage("which command? mlkctl --help lists them");
+    if (words.front() == "--help" || words.front() == "-h") {
+        environment.output.write(generalHelp(verbs));
+        return ExitStatus::ANSWERED;
+    }
+    if (words.front() == "--version") {
+        environment.output.write(kVersion);
+        return ExitStatus::ANSWERED;
+    }
+    return runVerb(verbOf(verbs, words.front()), {words.begin() + 1, words.end()}, environment);
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<Verb>> makeVerbs() {
+    std::vector<std::unique_ptr<Verb>> verbs;
+    for (const auto make : {makeListVerb, makeWaitVerb, makeCallVerb, makeBatchVerb, makeDumpVerb,
+                            makeShowVerb, makePropVerb, makeCompletionVerb})
+        verbs.push_back(make());
+    return verbs;
+}
+
+ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& environment) {
+    ExitStatus status = ExitStatus::UNREACHABLE;
+    try {
+        try {
+            status = run(words, environment);
+        } catch (const Failure& failure) {
+            environment.errors << "mlkctl: " << failure.what() << std::endl;
+            status = failure.status();
+        }
+        // What was written before a failure is still an answer.
+        environment.output.flush();
+    } catch (const std::system_error& error) {
+        // Nobody reads any more: that is the reader's choice and nothing to complain of.
+        if (error.code() != std::errc::broken_pipe)
+            environment.errors << "mlkctl: " << error.what() << std::endl;
+        return ExitStatus::UNREACHABLE;
+    }
+    return status;
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,98 @@
+#include <android-base/unique_fd.h>
+#include <cutils/native_handle.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using ::android::base::unique_fd;
+
+constexpr const char* kHelp = R"(mlkctl dump - the diagnostic dump
+
+Usage: mlkctl dump
+
+Asks IMlkProjectConfigs for its diagnostic dump: the items of the selected project as the service
+has them in memory, and the audio configuration files it has read.
+
+Options:
+  -h, --help  this text
+
+Output:
+  The dump, byte for byte as the service wrote it.
+
+Exit status:
+  0  done
+  1  the service cannot be reached, or died while it wrote
+  3  the service wrote nothing
+
+Example:
+  mlkctl dump | less
+)";
+
+[[noreturn]] void throwErrno(const char* what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+/// A file in memory: the service can write any amount to it without waiting for a reader, and the
+/// death of a reader cannot kill the service.
+unique_fd memoryFile() {
+    unique_fd file(memfd_create("mlkctl-dump", MFD_CLOEXEC));
+    if (!file.ok()) throwErrno("a file in memory");
+    return file;
+}
+
+void askForDump(IBase& object, int file) {
+    native_handle_t* native = native_handle_create(1, 0);
+    if (native == nullptr) throw std::bad_alloc();
+    native->data[0] = dup(file);
+    ::android::hardware::hidl_handle handle;
+    handle.setTo(native, true);
+    if (native->data[0] < 0) throwErrno("a descriptor");
+    checkOutcome(object.debug(handle, {}), true);
+}
+
+/// Gives how many bytes there were.
+size_t copy(int file, Output& output) {
+    std::array<char, 64UL * 1024> piece;
+    size_t done = 0;
+    while (true) {
+        // The descriptor's own position is the service's, where it stopped writing.
+        const ssize_t got = pread(file, piece.data(), piece.size(), static_cast<off_t>(done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) throwErrno("the dump");
+        if (got == 0) return done;
+        output.write({piece.data(), static_cast<size_t>(got)});
+        done += static_cast<size_t>(got);
+    }
+}
+
+class DumpVerb : public Verb {
+  public:
+    std::string_view name() const override { return "dump"; }
+    std::string help() const override { return kHelp; }
+
+    ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        const unique_fd file = memoryFile();
+        askForDump(environment.services.object(projectInterface()), file.get());
+        if (copy(file.get(), environment.output) == 0)
+            throw Failure(ExitStatus::NO_ANSWER, "the service wrote no dump");
+        return ExitStatus::ANSWERED;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeDumpVerb() {
+    return std::make_unique<DumpVerb>();
+}
+
+}  // namespace mlk::ctl

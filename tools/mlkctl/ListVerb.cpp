@@ -1,0 +1,89 @@
+#include <CLI/CLI.hpp>
+
+#include "tools/mlkctl/Registry.h"
+#include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl list - what is registered
+
+Usage: mlkctl list [--json]
+
+Lists every service that answers: its interface with the package, its instance, the process it
+lives in and how many threads that process has now. A service that is connected to but does not
+tell its process within two seconds hangs: it has "-" there.
+
+Options:
+  --json      one JSON array of objects instead of a table
+  -h, --help  this text
+
+Output:
+  INTERFACE                                           INSTANCE  PID   THREADS
+  vendor.morlak.mlkconfigs@1.0::IMlkFrameworkConfigs  default   4711  3
+
+  With --json, one line:
+  [{"interface":"...","instance":"default","pid":4711,"threads":3}]
+  where pid and threads are null when they are not known.
+
+Exit status:
+  0  done, even when nothing is registered
+  1  the service manager cannot be reached
+
+Examples:
+  mlkctl list
+  mlkctl list --json | jq -r '.[].pid'
+)";
+
+std::string numberOr(const std::optional<int>& number, const char* otherwise) {
+    return number ? std::to_string(*number) : otherwise;
+}
+
+void writeJson(const std::vector<Registration>& rows, Output& output) {
+    std::string text = "[";
+    for (const Registration& row : rows) {
+        if (text.size() > 1) text += ',';
+        text += R"({"interface":)" + jsonString(row.interface);
+        text += R"(,"instance":)" + jsonString(row.instance);
+        text += R"(,"pid":)" + numberOr(row.pid, "null");
+        text += R"(,"threads":)" + numberOr(row.threads, "null") + '}';
+    }
+    output.line(text + ']');
+}
+
+void writeTable(const std::vector<Registration>& rows, Output& output) {
+    Table table;
+    table.push_back({"INTERFACE", "INSTANCE", "PID", "THREADS"});
+    for (const Registration& row : rows) {
+        table.push_back({printable(row.interface), printable(row.instance), numberOr(row.pid, "-"),
+                         numberOr(row.threads, "-")});
+    }
+    output.write(aligned(table));
+}
+
+class ListVerb : public Verb {
+  public:
+    std::string_view name() const override { return "list"; }
+    std::string help() const override { return kHelp; }
+    void addOptions(CLI::App& app) override { app.add_flag("--json", mJson); }
+
+    ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        const auto rows = registrations(std::chrono::seconds(2));
+        mJson ? writeJson(rows, environment.output) : writeTable(rows, environment.output);
+        return ExitStatus::ANSWERED;
+    }
+
+  private:
+    bool mJson = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeListVerb() {
+    return std::make_unique<ListVerb>();
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,33 @@
+#include "tools/mlkctl/Output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace mlk::ctl {
+
+void Output::write(std::string_view text) {
+    constexpr size_t kPiece = 64 * 1024;
+    mPending += text;
+    if (mPending.size() >= kPiece) flush();
+}
+
+void Output::line(std::string_view text) {
+    write(text);
+    write("\n");
+}
+
+void Output::flush() {
+    size_t done = 0;
+    while (done < mPending.size()) {
+        const ssize_t written =
+                ::write(mDescriptor, mPending.data() + done, mPending.size() - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) throw std::system_error(errno, std::generic_category(), "standard output");
+        done += static_cast<size_t>(written);
+    }
+    mPending.clear();
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,141 @@
+#include <cutils/properties.h>
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include "tools/mlkctl/Suggest.h"
+#include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl prop - the system properties of this set
+
+Usage: mlkctl prop list [--json]
+       mlkctl prop get KEY
+       mlkctl prop set KEY VALUE
+
+Reads and sets system properties, from which the service takes switches and settings. Properties
+belong to the set, not to the service, which need not run. On a host they are files below
+$MLK_ROOT/data/property.
+
+What stands behind list, get or set is taken as it is, -1 and --foo included. A key is letters,
+digits and "_.@:-". A value has at most 91 bytes. A key that begins with "ro." is set once. Many
+switches are read by the service when it starts; a change is seen then.
+
+Options:
+  --json      list: one JSON object instead of lines
+  -h, --help  this text
+
+Output:
+  list  a line KEY=VALUE for each property, in ascending order of the keys; control characters and
+        bytes that are not UTF-8 are escaped. With --json: {"KEY":"VALUE",...}
+  get   the value and a newline; an empty line for a property that does not exist, which is the
+        same as an empty one
+  set   nothing
+
+Exit status:
+  0  done
+  1  the property cannot be set
+  2  the command line is wrong
+
+Examples:
+  mlkctl prop list | grep mlk
+  mlkctl prop set persist.vendor.mlk.forcestr true
+)";
+
+using Properties = std::vector<std::pair<std::string, std::string>>;
+
+Properties allProperties() {
+    Properties properties;
+    property_list([](const char* key, const char* value,
+                     void* cookie) { static_cast<Properties*>(cookie)->emplace_back(key, value); },
+                  &properties);
+    std::sort(properties.begin(), properties.end());
+    return properties;
+}
+
+void list(const std::vector<std::string>& words, Output& output) {
+    const bool json = words.size() == 1 && words[0] == "--json";
+    if (!words.empty() && !json) throw usage("prop list takes --json or nothing");
+    std::string object;
+    for (const auto& [key, value] : allProperties()) {
+        if (json)
+            object += (object.empty() ? "" : ",") + jsonString(key) + ':' + jsonString(value);
+        else
+            output.line(printable(key) + '=' + printable(value));
+    }
+    if (json) output.line('{' + object + '}');
+}
+
+void get(const std::vector<std::string>& words, Output& output) {
+    if (words.size() != 1) throw usage("prop get takes one argument: KEY");
+    std::array<char, PROPERTY_VALUE_MAX> value{};
+    property_get(words[0].c_str(), value.data(), "");
+    output.line(value.data());
+}
+
+/// The likeliest reason why a property could not be set. The store's interface tells none.
+std::string reason(const std::string& key, int error) {
+    const Properties properties = allProperties();
+    const bool exists = std::any_of(properties.begin(), properties.end(),
+                                    [&](const auto& each) { return each.first == key; });
+    if (key.rfind("ro.", 0) == 0 && exists) return "it is set already, and is set once";
+    const bool isKey = key.find_first_not_of(
+                               "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                               "0123456789_.@:-") == std::string::npos;
+    if (!isKey || key.empty()) return R"(a key is letters, digits and "_.@:-")";
+    return error == 0 ? "the store refuses it" : strerror(error);
+}
+
+void set(const std::vector<std::string>& words) {
+    if (words.size() != 2) throw usage("prop set takes two arguments: KEY VALUE");
+    const std::string& value = words[1];
+    if (value.size() >= PROPERTY_VALUE_MAX) {
+        throw usage("VALUE has at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +
+                    " bytes; there are " + std::to_string(value.size()));
+    }
+    errno = 0;
+    if (property_set(words[0].c_str(), value.c_str()) != 0) {
+        const int error = errno;
+        throw Failure(ExitStatus::UNREACHABLE,
+                      "cannot set " + excerpt(words[0]) + ": " + reason(words[0], error));
+    }
+}
+
+class PropVerb : public Verb {
+  public:
+    std::string_view name() const override { return "prop"; }
+    std::string help() const override { return kHelp; }
+    bool takesWords() const override { return true; }
+
+    ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
+        if (words.empty()) throw usage("prop takes list, get KEY or set KEY VALUE");
+        const std::vector<std::string> rest(words.begin() + 1, words.end());
+        if (words[0] == "list") {
+            list(rest, environment.output);
+        } else if (words[0] == "get") {
+            get(rest, environment.output);
+        } else if (words[0] == "set") {
+            set(rest);
+        } else {
+            throw usage("there is no prop " + excerpt(words[0]) +
+                        didYouMean(words[0], {"list", "get", "set"},
+                                   "; there are list, get KEY and set KEY VALUE"));
+        }
+        return ExitStatus::ANSWERED;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makePropVerb() {
+    return std::make_unique<PropVerb>();
+}
+
+}  // namespace mlk::ctl

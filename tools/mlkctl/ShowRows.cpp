@@ -1,0 +1,138 @@
+#include "tools/mlkctl/ShowRows.h"
+
+#include <vendor/morlak/mlkconfigs/1.0/IMlkFrameworkConfigs.h>
+#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
+#include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
+
+#include <optional>
+
+namespace mlk::ctl {
+
+namespace {
+
+using V1_0::CommonPath;
+using V1_0::ConfigType;
+using V1_0::IMlkFrameworkConfigs;
+using V1_0::IMlkProjectConfigs;
+using V1_0::IMlkTvConfigs;
+
+std::string textOf(const hidl_string& text) {
+    return {text.c_str(), text.size()};
+}
+
+template <typename Optional>
+ShowValue valueOf(const Optional& answer) {
+    if (!answer.success) return NoValue{"(refused)"};
+    if constexpr (std::is_same_v<Optional, V1_0::OptionalString>)
+        return textOf(answer.value);
+    else
+        return answer.value;
+}
+
+ShowValue valueOf(const hidl_vec<hidl_string>& answer) {
+    std::vector<std::string> list;
+    for (const hidl_string& text : answer) list.push_back(textOf(text));
+    return list;
+}
+
+const Interface& tableOf(Type<IMlkProjectConfigs>) {
+    return projectInterface();
+}
+const Interface& tableOf(Type<IMlkTvConfigs>) {
+    return tvInterface();
+}
+const Interface& tableOf(Type<IMlkFrameworkConfigs>) {
+    return frameworkInterface();
+}
+
+/// What a method answers to these arguments.
+template <typename I, typename... Params, typename... Arguments>
+ShowQuestion answer(Return<void> (I::*pointer)(Params...), Arguments... arguments) {
+    return {&tableOf(Type<I>()), [=](IBase& object) {
+                std::optional<ShowValue> value;
+                const auto outcome = (static_cast<I&>(object).*pointer)(
+                        arguments..., [&](const auto& given) { value = valueOf(given); });
+                checkOutcome(outcome, value.has_value());
+                return *value;
+            }};
+}
+
+/// The features that are switched on, or off, by their names.
+ShowQuestion features(bool on) {
+    return {&tvInterface(), [=](IBase& object) -> ShowValue {
+                std::vector<std::string> list;
+                bool known = false;
+                for (const auto feature : ::android::hardware::hidl_enum_range<ConfigType>()) {
+                    const ShowValue value = answer(&IMlkTvConfigs::getFlag, feature).ask(object);
+                    const bool* flag = std::get_if<bool>(&value);
+                    if (flag == nullptr) continue;
+                    known = true;
+                    if (*flag == on) list.push_back(toString(feature));
+                }
+                if (!known) return NoValue{"(refused)"};
+                return list;
+            }};
+}
+
+std::vector<ShowRow> makeRows() {
+    using P = IMlkProjectConfigs;
+    using F = IMlkFrameworkConfigs;
+    return {
+            {"Project", "Name", "name", answer(&P::getProjectName)},
+            {"Project", "Index", "index", answer(&P::getProjectId)},
+            {"Project", "Highest index", "highestIndex", answer(&P::getProjectMaxIdx)},
+            {"Project", "Customer", "customer", answer(&P::getCustomerId)},
+            {"Project", "Client type", "clientType", answer(&P::getClientType)},
+            {"Project", "Region", "region", answer(&P::getRegionName)},
+            {"Project", "Project files", "projectFiles", answer(&P::getProjectIniList)},
+
+            {"Picture", "Panel", "panel", answer(&P::getPanelName)},
+            {"Picture", "Picture quality", "pictureQuality", answer(&P::getPQPath)},
+            {"Picture", "Overscan", "overscan", answer(&P::getOverscanPath)},
+            {"Picture", "Spread spectrum", "spreadSpectrum", answer(&P::getSSCPath)},
+
+            {"Sound", "Sound quality", "soundQuality", answer(&P::getAQPath)},
+            {"Sound", "Volume curve", "volumeCurve", answer(&P::getVolumeCurve)},
+            {"Sound", "Equaliser 0", "equaliser0", answer(&P::getEQPath, 0)},
+            {"Sound", "Equaliser 1", "equaliser1", answer(&P::getEQPath, 1)},
+            {"Sound", "Amplifier", "amplifier", answer(&P::getAMPSelection, CommonPath::AMP_MAIN)},
+            {"Sound", "Address", "amplifierAddress", answer(&P::getAMPAddr, 0)},
+            {"Sound", "Second amplifier", "secondAmplifier",
+             answer(&P::getAMPSelection, CommonPath::AMP_SUB)},
+            {"Sound", "Second address", "secondAmplifierAddress", answer(&P::getAMPAddr, 1)},
+
+            {"Reception", "Inputs", "inputs", answer(&P::getInputSource)},
+            {"Reception", "Tuner type", "tunerType", answer(&P::getTunerType)},
+            {"Reception", "Tuner 0", "tuner0", answer(&P::getTunerConfig, 0)},
+            {"Reception", "Tuner 1", "tuner1", answer(&P::getTunerConfig, 1)},
+            {"Reception", "Channel database", "channelDatabase",
+             answer(&P::getTvChannelDatabasePath)},
+            {"Reception", "Recording", "recording", answer(&P::getDPVREnabled)},
+            {"Reception", "HbbTV", "hbbtv", answer(&P::getHBBTVEnabled)},
+            {"Reception", "Features on", "featuresOn", features(true)},
+            {"Reception", "Features off", "featuresOff", features(false)},
+
+            {"Power", "Mode at power-on", "powerOnMode", answer(&P::getPowerOnMode)},
+            {"Power", "Logo", "logo", answer(&P::getPowerLogoPath)},
+            {"Power", "Boot animation", "bootAnimation", answer(&P::getBootAnimationPath)},
+            {"Power", "Suspend to RAM", "suspendToRam", answer(&F::strEnabled)},
+            {"Power", "Suspend forced", "suspendForced", answer(&F::getForceStrEnabled)},
+            {"Power", "Wake on wireless", "wakeOnWireless", answer(&F::getWowEnabled)},
+
+            {"Remote", "Configuration", "configuration", answer(&P::getIRConfig)},
+            {"Remote", "Key filter", "keyFilter", answer(&P::getIRFilter)},
+
+            {"Partitions", "tvconfigs", "tvconfigs", answer(&P::getTvconfigsPath)},
+            {"Partitions", "tvdata", "tvdata", answer(&P::getTvdataPath)},
+            {"Partitions", "impdata", "impdata", answer(&P::getImpdataPath)},
+    };
+}
+
+}  // namespace
+
+const std::vector<ShowRow>& showRows() {
+    static const std::vector<ShowRow> rows = makeRows();
+    return rows;
+}
+
+}  // namespace mlk::ctl

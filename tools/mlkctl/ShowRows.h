@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tools/mlkctl/Services.h"
+
+namespace mlk::ctl {
+
+/// Why a row has no value, for a person: "(no answer)".
+struct NoValue {
+    std::string why;
+};
+
+using ShowValue = std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>>;
+
+/// How a fact is asked for.
+struct ShowQuestion {
+    const Interface* interface;
+    /// Asks the object, which implements the interface. Throws Failure as BoundCall does.
+    std::function<ShowValue(IBase&)> ask;
+};
+
+/// One fact about a set.
+struct ShowRow {
+    std::string group;  ///< Heading that it stands under: one word.
+    std::string label;  ///< For a person.
+    std::string key;    ///< For a program.
+    ShowQuestion question;
+};
+
+/// What is shown, in order; the rows of a group stand together.
+const std::vector<ShowRow>& showRows();
+
+}  // namespace mlk::ctl

@@ -1,0 +1,174 @@
+#include <CLI/CLI.hpp>
+
+#include <cctype>
+#include <ostream>
+#include <set>
+
+#include "tools/mlkctl/ShowRows.h"
+#include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl show - what this set is
+
+Usage: mlkctl show [--json]
+
+Shows, for a person to read, what the service makes of the partitions: which project is selected
+and which there are, panel, sound, inputs and tuners, power, remote control, and where the
+partitions are. Any single value is had with mlkctl call.
+
+Options:
+  --json      one JSON object of objects instead of the table
+  -h, --help  this text
+
+Output:
+  Lines under headings. "-" stands for an empty value. Where there is none, the reason stands in
+  brackets: (refused) by the service, (no answer) to this call, (not reachable).
+
+  With --json, one line: {"project":{"name":"...","index":1,...},"picture":{...},...}, where null
+  stands for a value that there is not.
+
+Exit status:
+  0  shown
+  1  an interface of the service cannot be reached; what the others say, if there are any, is shown
+
+Examples:
+  mlkctl show
+  mlkctl show --json | jq -r .project.name
+)";
+
+using Answers = std::vector<ShowValue>;
+
+template <typename... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+/// Asks every row. An interface that cannot be reached goes to the set and is not asked again.
+Answers askAll(Services& services, std::set<const Interface*>* unreachable) {
+    Answers answers;
+    for (const ShowRow& row : showRows()) {
+        const Interface* interface = row.question.interface;
+        ShowValue value = NoValue{"(not reachable)"};
+        try {
+            if (unreachable->count(interface) == 0)
+                value = row.question.ask(services.object(*interface));
+        } catch (const Failure& failure) {
+            if (failure.status() == ExitStatus::UNREACHABLE)
+                unreachable->insert(interface);
+            else
+                value = NoValue{"(no answer)"};
+        }
+        answers.push_back(std::move(value));
+    }
+    return answers;
+}
+
+std::string shown(const std::string& text) {
+    return text.empty() ? "-" : printable(text);
+}
+
+/// The lines of a value, at least one.
+std::vector<std::string> linesOf(const ShowValue& value) {
+    using Lines = std::vector<std::string>;
+    return std::visit(Overloaded{[](const NoValue& none) { return Lines{none.why}; },
+                                 [](const std::string& text) { return Lines{shown(text)}; },
+                                 [](int32_t number) { return Lines{std::to_string(number)}; },
+                                 [](bool flag) { return Lines{flag ? "on" : "off"}; },
+                                 [](const Lines& list) {
+                                     Lines lines;
+                                     for (const std::string& text : list)
+                                         lines.push_back(shown(text));
+                                     return list.empty() ? Lines{"-"} : lines;
+                                 }},
+                      value);
+}
+
+std::string jsonOf(const ShowValue& value) {
+    return std::visit(Overloaded{[](const NoValue&) { return std::string("null"); },
+                                 [](const std::string& text) { return jsonString(text); },
+                                 [](int32_t number) { return std::to_string(number); },
+                                 [](bool flag) { return std::string(flag ? "true" : "false"); },
+                                 [](const std::vector<std::string>& list) {
+                                     std::string array;
+                                     for (const std::string& text : list)
+                                         array += (array.empty() ? "" : ",") + jsonString(text);
+                                     return '[' + array + ']';
+                                 }},
+                      value);
+}
+
+std::string tableOf(const Answers& answers) {
+    Table table;
+    for (size_t i = 0; i < answers.size(); ++i) {
+        const ShowRow& row = showRows()[i];
+        if (i == 0 || row.group != showRows()[i - 1].group) {
+            if (i != 0) table.push_back({""});
+            table.push_back({row.group});
+        }
+        std::string label = "  " + row.label;
+        for (const std::string& line : linesOf(answers[i])) {
+            table.push_back({label, line});
+            label.clear();
+        }
+    }
+    return aligned(table);
+}
+
+/// A heading as a key.
+std::string keyOf(std::string group) {
+    group[0] = static_cast<char>(tolower(group[0]));
+    return group;
+}
+
+std::string objectOf(const Answers& answers) {
+    std::string text = "{";
+    for (size_t i = 0; i < answers.size(); ++i) {
+        const ShowRow& row = showRows()[i];
+        if (i == 0 || row.group != showRows()[i - 1].group)
+            text += (i == 0 ? "" : "},") + jsonString(keyOf(row.group)) + ":{";
+        else
+            text += ',';
+        text += jsonString(row.key) + ':' + jsonOf(answers[i]);
+    }
+    return text + "}}\n";
+}
+
+class ShowVerb : public Verb {
+  public:
+    std::string_view name() const override { return "show"; }
+    std::string help() const override { return kHelp; }
+    void addOptions(CLI::App& app) override { app.add_flag("--json", mJson); }
+
+    ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        std::set<const Interface*> unreachable;
+        const Answers answers = askAll(environment.services, &unreachable);
+        if (unreachable.size() == interfaces().size())
+            throw Failure(ExitStatus::UNREACHABLE,
+                          "nothing is registered; is the service running?");
+        environment.output.write(mJson ? objectOf(answers) : tableOf(answers));
+        if (unreachable.empty()) return ExitStatus::ANSWERED;
+        environment.output.flush();
+        for (const Interface* interface : unreachable)
+            environment.errors << "mlkctl: " << interface->name << " cannot be reached"
+                               << std::endl;
+        return ExitStatus::UNREACHABLE;
+    }
+
+  private:
+    bool mJson = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeShowVerb() {
+    return std::make_unique<ShowVerb>();
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/mlkctl/Failure.h"
+#include "tools/mlkctl/Output.h"
+#include "tools/mlkctl/Services.h"
+
+namespace CLI {
+class App;
+}
+
+namespace mlk::ctl {
+
+/// What a verb works with.
+struct Environment {
+    int input;             ///< Descriptor of standard input.
+    Output& output;        ///< Standard output.
+    std::ostream& errors;  ///< Standard error, for findings that do not end the verb.
+    Services& services;
+};
+
+/// One of mlkctl's commands: `mlkctl VERB [OPTION]... [WORD]...`. It is made for one command line.
+class Verb {
+  public:
+    Verb() = default;
+    virtual ~Verb() = default;
+    Verb(const Verb&) = delete;
+    Verb& operator=(const Verb&) = delete;
+
+    virtual std::string_view name() const = 0;
+
+    /// The manual page. Its first line is "mlkctl NAME - summary".
+    virtual std::string help() const = 0;
+
+    /// Declares the verb's options, which fill its members.
+    virtual void addOptions(CLI::App& /* app */) {}
+
+    /// Whether words may follow the options. The first of them ends the options: whatever stands
+    /// behind it is a word, too.
+    virtual bool takesWords() const { return false; }
+
+    /// Does the work; what it wrote need not be flushed. Throws Failure, or std::system_error
+    /// where the system refuses.
+    virtual ExitStatus run(const std::vector<std::string>& words, Environment& environment) = 0;
+};
+
+std::unique_ptr<Verb> makeListVerb();
+std::unique_ptr<Verb> makeWaitVerb();
+std::unique_ptr<Verb> makeCallVerb();
+std::unique_ptr<Verb> makeBatchVerb();
+std::unique_ptr<Verb> makeDumpVerb();
+std::unique_ptr<Verb> makeShowVerb();
+std::unique_ptr<Verb> makePropVerb();
+std::unique_ptr<Verb> makeCompletionVerb();
+
+/// One of each, in the order of the manual.
+std::vector<std::unique_ptr<Verb>> makeVerbs();
+
+}  // namespace mlk::ctl

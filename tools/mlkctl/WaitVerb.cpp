@@ -1,0 +1,119 @@
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include "tools/mlkctl/Pending.h"
+#include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/Verb.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+constexpr const char* kHelp = R"(mlkctl wait - wait until the service answers
+
+Usage: mlkctl wait [--timeout SECONDS]
+
+Returns as soon as all three interfaces, IMlkProjectConfigs, IMlkTvConfigs and
+IMlkFrameworkConfigs, are registered and answer a ping.
+
+Options:
+  --timeout SECONDS  give up after that time, 0 to 86400, fractions allowed; default 10. With 0
+                     each interface is asked once.
+  -h, --help         this text
+
+Output:
+  None. When the time is over, a message says which interfaces do not answer.
+
+Exit status:
+  0  all three answer
+  1  the time is over
+  2  the command line is wrong
+
+Examples:
+  mlkctl wait
+  mlkctl wait --timeout 0.5 || echo "still starting"
+)";
+
+using Clock = Pending<bool>::Clock;
+
+/// Asks until there is an answer. A registration cannot be waited for on every platform, so it
+/// looks often, for the price of a connection that is refused.
+bool answersUntil(const Services::Finder& find, const Interface& interface,
+                  Clock::time_point deadline) {
+    constexpr auto kPause = std::chrono::milliseconds(20);
+    while (true) {
+        const auto object = find(interface);
+        if (object != nullptr && object->ping().isOk()) return true;
+        const auto now = Clock::now();
+        if (now >= deadline) return false;
+        std::this_thread::sleep_for(std::min<Clock::duration>(kPause, deadline - now));
+    }
+}
+
+/// The names of the interfaces that do not answer in time.
+std::vector<std::string> missingAt(Clock::time_point deadline, const Services::Finder& find) {
+    // At the deadline a last question is under way, which is not late when the machine is busy.
+    constexpr auto kGrace = std::chrono::seconds(1);
+    std::vector<Pending<bool>> questions;
+    for (const Interface* interface : interfaces()) {
+        questions.emplace_back(
+                [find, interface, deadline] { return answersUntil(find, *interface, deadline); });
+    }
+    std::vector<std::string> missing;
+    for (size_t i = 0; i < questions.size(); ++i) {
+        if (!questions[i].waitUntil(deadline + kGrace).value_or(false))
+            missing.emplace_back(interfaces()[i]->name);
+    }
+    return missing;
+}
+
+/// Digits with at most one point among them, and not too many seconds.
+std::optional<double> secondsFrom(const std::string& text) {
+    if (text.find_first_not_of("0123456789.") != std::string::npos) return {};
+    size_t used = 0;
+    try {
+        const double seconds = std::stod(text, &used);
+        if (used == text.size() && seconds <= 86400) return seconds;
+    } catch (const std::logic_error&) {  // no number, or out of range
+    }
+    return {};
+}
+
+class WaitVerb : public Verb {
+  public:
+    std::string_view name() const override { return "wait"; }
+    std::string help() const override { return kHelp; }
+    void addOptions(CLI::App& app) override {
+        app.add_option("--timeout", mSeconds)
+                ->type_name("SECONDS")
+                ->check([](const std::string& text) {
+                    return secondsFrom(text)
+                                   ? ""
+                                   : "SECONDS is a number from 0 to 86400, not " + excerpt(text);
+                });
+    }
+
+    ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        const std::chrono::duration<double> limit(secondsFrom(mSeconds).value_or(0));
+        const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
+        const auto missing = missingAt(deadline, environment.services.finder());
+        if (missing.empty()) return ExitStatus::ANSWERED;
+        throw Failure(ExitStatus::UNREACHABLE,
+                      "no answer within " + mSeconds + " s from " + joined(missing));
+    }
+
+  private:
+    std::string mSeconds = "10";
+};
+
+}  // namespace
+
+std::unique_ptr<Verb> makeWaitVerb() {
+    return std::make_unique<WaitVerb>();
+}
+
+}  // namespace mlk::ctl
