@@ -28,7 +28,16 @@ using ::mlk::testing::HostSet;
 namespace fs = std::filesystem;
 using std::chrono::steady_clock;
 
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define MLK_THREAD_SANITIZER 1
+#endif
+#endif
+#ifdef MLK_THREAD_SANITIZER
+constexpr size_t kThreads = 10 + 1;  // the sanitizer has one of its own
+#else
 constexpr size_t kThreads = 10;
+#endif
 
 /// A call that lasts until it is released: a dump into a pipe that is full.
 class SlowCall {

@@ -1,6 +1,7 @@
 #include "service/tests/ServiceProcess.h"
 
 #include <android-base/unique_fd.h>
+#include <gmock/gmock.h>
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -36,8 +37,20 @@ ServiceProcess::ServiceProcess() {
     restart();
 }
 
+ServiceProcess::~ServiceProcess() {
+    end();
+}
+
+void ServiceProcess::end() {
+    if (mProcess != nullptr) {
+        mProcess->kill(SIGKILL);
+        mProcess->wait();
+        EXPECT_THAT(mProcess->err(), ::testing::Not(::testing::HasSubstr("Sanitizer: ")));
+    }
+}
+
 void ServiceProcess::restart() {
-    mProcess.reset();
+    end();
     mProcess = std::make_unique<Process>(std::vector<std::string>{
             ::mlk::testing::binDir() + "/vendor.morlak.mlconfigs@1.0-service"});
 }

@@ -17,10 +17,14 @@ void writeProject(const ::mlk::testing::HostSet& set,
 /// Makes a name useless for registration: what lies in its place cannot be replaced.
 void blockName(const ::mlk::testing::HostSet& set, const std::string& interface);
 
-/// The real process, on the set that the environment names. It ends with the object.
+/// The real process, on the set that the environment names. It ends with the object, and fails the
+/// test when a sanitizer has found something in it.
 class ServiceProcess {
   public:
     ServiceProcess();
+    ~ServiceProcess();
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
 
     /// Waits until the last of its services can be reached; false when it ended instead, or after
     /// half a minute.
@@ -32,6 +36,8 @@ class ServiceProcess {
     void restart();
 
   private:
+    void end();
+
     std::unique_ptr<::mlk::testing::Process> mProcess;
 };
 
