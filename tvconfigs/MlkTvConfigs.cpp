@@ -1,7 +1,274 @@
 #include "tvconfigs/MlkTvConfigs.h"
 
+#include <TvPartitionPath.h>
+#include <android/log.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <utility>
+
+#include "common/Decimal.h"
+#include "tvconfigs/LogTag.h"
+#include "tvconfigs/PropConfigEditor.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-MlkTvConfigs::MlkTvConfigs(const char* /*path*/) {}
+using ::android::hardware::hidl_string;
+using ::android::hardware::Return;
+using ::android::hardware::Void;
+
+namespace {
+
+// Properties are asked for in a fixed order, which is not quite the record's; masters come before
+// what is below them.
+constexpr const FlagRow* kAtvFlags[] = {&kAtvEnabled, &kAtvAntennaEnabled, &kAtvCableEnabled};
+constexpr const FlagRow* kOtherFlags[] = {&kDtvEnabled,
+                                          &kDtvAntennaEnabled,
+                                          &kDtvCableEnabled,
+                                          &kDtvSatelliteEnabled,
+                                          &kPvrEnabled,
+                                          &kLivepauseEnabled,
+                                          &kVgaEnabled,
+                                          &kAvEnabled,
+                                          &kYppEnabled,
+                                          &kHdmiEnabled,
+                                          &kCiEnabled,
+                                          &kPipEnabled,
+                                          &kMheg5Enabled,
+                                          &kGingaEnabled,
+                                          &kHbbtvEnabled,
+                                          &kTeltexEnabled,
+                                          &kCloseCaptionEnabled,
+                                          &kAtscCloseCaptionEnabled,
+                                          &kNtscCloseCaptionEnabled,
+                                          &kIsdbCloseCaptionEnabled,
+                                          &kWOWEnabled};
+static_assert(std::size(kAtvFlags) + std::size(kOtherFlags) == std::size(kTvFlags));
+
+// The order in which they are written when their master goes.
+constexpr const FlagRow* kCaptions[] = {&kAtscCloseCaptionEnabled, &kIsdbCloseCaptionEnabled,
+                                        &kNtscCloseCaptionEnabled};
+
+/// The flag that has to be true for this one to be loaded; null when there is none.
+bool TvConfigInfo::*masterOf(const FlagRow& row) {
+    switch (row.rule) {
+        case FlagRule::UNDER_ATV:
+            return kAtvEnabled.field;
+        case FlagRule::UNDER_DTV:
+            return kDtvEnabled.field;
+        case FlagRule::CAPTION:
+            return kCloseCaptionEnabled.field;
+        case FlagRule::PLAIN:
+        case FlagRule::CAPTION_MASTER:
+            break;
+    }
+    return nullptr;
+}
+
+std::string fileToUse(const char* path) {
+    if (path != nullptr && access(path, R_OK) == 0) {
+        return path;
+    }
+    return std::string(TvPartitionPath::GetInstance()->GetTvconfigsPath()) + "/tv.config";
+}
+
+}  // namespace
+
+MlkTvConfigs::MlkTvConfigs(const char* path)
+    : MlkTvConfigs(std::make_unique<FileConfigEditor>(fileToUse(path).c_str()), [] {
+          EditorList others;
+          others.push_back(std::make_unique<PropConfigEditor>());
+          return others;
+      }()) {}
+
+MlkTvConfigs::MlkTvConfigs(std::unique_ptr<FileConfigEditor> fileEditor, EditorList others)
+    : mEditorLst(std::move(others)), mFileEditor(fileEditor.get()) {
+    if (fileEditor != nullptr) {
+        mEditorLst.insert(mEditorLst.begin(), std::move(fileEditor));
+    }
+    InitDefaultValue();
+    mConfigInfo.Dump();
+}
+
+void MlkTvConfigs::InitDefaultValue() {
+    TvConfigInfo info;
+    Load(info, kAtvSystem);
+    for (const FlagRow* row : kAtvFlags) {
+        Load(info, *row);
+    }
+    Load(info, kDtvSystem);
+    Write(info, kDtvSystem);
+    for (const FlagRow* row : kOtherFlags) {
+        Load(info, *row);
+    }
+    Publish(info);
+}
+
+void MlkTvConfigs::Publish(const TvConfigInfo& info) {
+    const std::lock_guard<std::mutex> guard(mInfoLock);
+    mConfigInfo = info;
+}
+
+void MlkTvConfigs::Load(TvConfigInfo& info, const SystemRow& row) const {
+    info.*row.field = GetInt32(row.key, 0);
+}
+
+void MlkTvConfigs::Load(TvConfigInfo& info, const FlagRow& row) const {
+    bool TvConfigInfo::*const master = masterOf(row);
+    info.*row.field = (master == nullptr || info.*master) && GetBool(row.key, false);
+}
+
+bool MlkTvConfigs::GetText(const char* key, char* text) const {
+    for (const auto& editor : mEditorLst) {
+        memset(text, 0, ConfigEditor::kValueSize);
+        if (editor->Get(key, text)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int32_t MlkTvConfigs::GetInt32(const char* key, int32_t defaultValue) const {
+    char text[ConfigEditor::kValueSize];
+    return GetText(key, text) ? parseDecimal(text) : defaultValue;
+}
+
+bool MlkTvConfigs::GetBool(const char* key, bool defaultValue) const {
+    char text[ConfigEditor::kValueSize];
+    if (!GetText(key, text)) {
+        return defaultValue;
+    }
+    // "false" has no digits: it needs no case of its own.
+    return strcmp(text, "true") == 0 || parseDecimal(text) > 0;
+}
+
+void MlkTvConfigs::Write(const TvConfigInfo& info, const SystemRow& row) {
+    WriteText(row.key, std::to_string(info.*row.field));
+}
+
+void MlkTvConfigs::Write(const TvConfigInfo& info, const FlagRow& row) {
+    WriteText(row.key, info.*row.field ? "true" : "false");
+}
+
+void MlkTvConfigs::WriteText(const char* key, const std::string& text) {
+    for (const auto& editor : mEditorLst) {
+        // An editor that cannot store it keeps nobody from seeing the change.
+        editor->Set(key, text.c_str());
+    }
+}
+
+template <typename Value>
+Value MlkTvConfigs::Cached(Value TvConfigInfo::*field) const {
+    const std::lock_guard<std::mutex> guard(mInfoLock);
+    return mConfigInfo.*field;
+}
+
+OptionalInt32 MlkTvConfigs::SetSystem(const SystemRow& row, int32_t system) {
+    if (system < row.least || system > row.most) {
+        return {false, system};
+    }
+    const std::lock_guard<std::mutex> guard(mChangeLock);
+    if (mConfigInfo.*row.field != system) {
+        TvConfigInfo info = mConfigInfo;
+        info.*row.field = system;
+        Publish(info);
+        Write(info, row);
+    }
+    return {true, system};
+}
+
+OptionalBool MlkTvConfigs::SetFlag(const FlagRow& row, bool enabled) {
+    const std::lock_guard<std::mutex> guard(mChangeLock);
+    const bool forced = row.rule == FlagRule::CAPTION && !mConfigInfo.mCloseCaptionEnabled;
+    const bool clearing = row.rule == FlagRule::CAPTION_MASTER && !enabled;
+    TvConfigInfo info = mConfigInfo;
+    info.*row.field = enabled && !forced;
+    for (const FlagRow* caption : kCaptions) {
+        info.*caption->field = info.*caption->field && !clearing;
+    }
+    const bool changed = info.*row.field != mConfigInfo.*row.field;
+    Publish(info);
+    // What the master turns off is written even where it is off: the file may say otherwise.
+    if (changed || forced) {
+        Write(info, row);
+    }
+    if (clearing) {
+        for (const FlagRow* caption : kCaptions) {
+            Write(info, *caption);
+        }
+    }
+    return {true, info.*row.field};
+}
+
+#define MLK_DEFINE_SYSTEM(Name, ...)                                                \
+    Return<void> MlkTvConfigs::get##Name(get##Name##_cb _hidl_cb) {                 \
+        _hidl_cb({true, Cached(k##Name.field)});                                    \
+        return Void();                                                              \
+    }                                                                               \
+    Return<void> MlkTvConfigs::set##Name(int32_t system, set##Name##_cb _hidl_cb) { \
+        _hidl_cb(SetSystem(k##Name, system));                                       \
+        return Void();                                                              \
+    }
+MLK_TV_SYSTEMS(MLK_DEFINE_SYSTEM)
+#undef MLK_DEFINE_SYSTEM
+
+#define MLK_DEFINE_FLAG(type, Name, getter, ...)                                  \
+    Return<void> MlkTvConfigs::getter(getter##_cb _hidl_cb) {                     \
+        _hidl_cb({true, Cached(k##Name.field)});                                  \
+        return Void();                                                            \
+    }                                                                             \
+    Return<void> MlkTvConfigs::set##Name(bool enabled, set##Name##_cb _hidl_cb) { \
+        _hidl_cb(SetFlag(k##Name, enabled));                                      \
+        return Void();                                                            \
+    }
+MLK_TV_FLAGS(MLK_DEFINE_FLAG)
+#undef MLK_DEFINE_FLAG
+
+Return<void> MlkTvConfigs::getFlag(ConfigType type, getFlag_cb _hidl_cb) {
+    const FlagRow* row = findFlag(type);
+    if (row == nullptr) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "unknown config type, return false");
+        _hidl_cb({false, false});
+    } else {
+        _hidl_cb({true, Cached(row->field)});
+    }
+    return Void();
+}
+
+Return<void> MlkTvConfigs::setFlag(ConfigType type, bool enabled, setFlag_cb _hidl_cb) {
+    const FlagRow* row = findFlag(type);
+    if (row != nullptr) {
+        return (this->*row->setter)(enabled, std::move(_hidl_cb));
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "unknown type, set value to false");
+    _hidl_cb({false, enabled});
+    return Void();
+}
+
+bool MlkTvConfigs::Reload(const char* path) {
+    const std::lock_guard<std::mutex> guard(mChangeLock);
+    if (!mFileEditor->Update(path)) {
+        return false;
+    }
+    InitDefaultValue();
+    mConfigInfo.Dump();
+    return true;
+}
+
+Return<void> MlkTvConfigs::reloadTvConfig(const hidl_string& path, reloadTvConfig_cb _hidl_cb) {
+    bool reloaded = false;
+    if (path.c_str() == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
+                            "[%s:%d] invalid paramter (path is null)", __func__, __LINE__);
+    } else if (mFileEditor == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
+                            "[%s:%d] invalid paramter (mEditorLst's size is 0)", __func__,
+                            __LINE__);
+    } else {
+        reloaded = Reload(path.c_str());
+    }
+    _hidl_cb({true, reloaded});
+    return Void();
+}
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

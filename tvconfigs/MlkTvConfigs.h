@@ -2,94 +2,98 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
-#include <functional>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "tvconfigs/ConfigEditor.h"
+#include "tvconfigs/FileConfigEditor.h"
+#include "tvconfigs/TvConfigInfo.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// Which television features are switched on. It serves no request yet: every method answers once,
-/// with success false and a zero value. Holds no state, so that any thread may call it.
+/// Which television features are switched on, and the analogue and digital TV system.
+///
+/// Every value is kept under a key (TvConfigItems.h). It is loaded from the TV configuration file
+/// when that holds the key, else from the system property of that name, else it is false or 0. The
+/// getters answer what was loaded or set last; a property that somebody else changes is seen at the
+/// next reload. A change goes to the property, and to the file where that holds the key.
+///
+/// Calls may come from any number of threads. Setters and reloads run one after the other, so that
+/// values, properties and file agree after any number of them at once; getters do not wait for what
+/// these write. No lock is held while an answer is given: a callback may call the service.
 class MlkTvConfigs : public IMlkTvConfigs {
   public:
-    /// `path`: the TV configuration file, empty for the default one; not opened yet.
+    /// Loads all values, and writes the digital system back. `path` is the TV configuration file;
+    /// where it is null or cannot be read, that is "/tv.config" on the tvconfigs partition. Without
+    /// either the service has properties and defaults only.
     explicit MlkTvConfigs(const char* path);
 
-#define MLK_REFUSE(method)                                                    \
-    ::android::hardware::Return<void> method(method##_cb _hidl_cb) override { \
-        return refuse(_hidl_cb);                                              \
-    }
-#define MLK_REFUSE_SET(method, Argument)                                                \
-    ::android::hardware::Return<void> method(Argument, method##_cb _hidl_cb) override { \
-        return refuse(_hidl_cb);                                                        \
-    }
+    // The systems and flags: each getter answers success and the value.
+    //
+    // The setter of a system refuses one outside of its range: success false, and what was asked
+    // for. All other setters answer success and the value afterwards, whether or not it could be
+    // stored; one that changes nothing writes nothing. The captions, though: with the master,
+    // setCloseCaptionEnabled, at false, the three flags below are false, are set to false by
+    // whatever is asked for, and are written at every call.
+#define MLK_DECLARE_SYSTEM(Name, ...)                                              \
+    ::android::hardware::Return<void> get##Name(get##Name##_cb _hidl_cb) override; \
+    ::android::hardware::Return<void> set##Name(int32_t system, set##Name##_cb _hidl_cb) override;
+    MLK_TV_SYSTEMS(MLK_DECLARE_SYSTEM)
+#undef MLK_DECLARE_SYSTEM
+#define MLK_DECLARE_FLAG(type, Name, getter, ...)                            \
+    ::android::hardware::Return<void> getter(getter##_cb _hidl_cb) override; \
+    ::android::hardware::Return<void> set##Name(bool enabled, set##Name##_cb _hidl_cb) override;
+    MLK_TV_FLAGS(MLK_DECLARE_FLAG)
+#undef MLK_DECLARE_FLAG
 
-    MLK_REFUSE(getAtvSystem)
-    MLK_REFUSE(getDtvSystem)
-    MLK_REFUSE(atvEnabled)
-    MLK_REFUSE(atvAntennaEnabled)
-    MLK_REFUSE(atvCableEnabled)
-    MLK_REFUSE(dtvEnabled)
-    MLK_REFUSE(dtvAntennaEnabled)
-    MLK_REFUSE(dtvCableEnabled)
-    MLK_REFUSE(dtvSatelliteEnabled)
-    MLK_REFUSE(pvrEnabled)
-    MLK_REFUSE(livepauseEnabled)
-    MLK_REFUSE(hdmiEnabled)
-    MLK_REFUSE(vgaEnabled)
-    MLK_REFUSE(avEnabled)
-    MLK_REFUSE(yppEnabled)
-    MLK_REFUSE(ciEnabled)
-    MLK_REFUSE(pipEnabled)
-    MLK_REFUSE(mheg5Enabled)
-    MLK_REFUSE(gingaEnabled)
-    MLK_REFUSE(hbbtvEnabled)
-    MLK_REFUSE(teltexEnabled)
-    MLK_REFUSE(closeCaptionEnabled)
-    MLK_REFUSE(atscCloseCaptionEnabled)
-    MLK_REFUSE(ntscCloseCaptionEnabled)
-    MLK_REFUSE(isdbCloseCaptionEnabled)
-    MLK_REFUSE(getWOWEnabled)
-    MLK_REFUSE_SET(getFlag, ConfigType)
-    MLK_REFUSE_SET(setAtvSystem, int32_t)
-    MLK_REFUSE_SET(setDtvSystem, int32_t)
-    MLK_REFUSE_SET(setAtvEnabled, bool)
-    MLK_REFUSE_SET(setAtvAntennaEnabled, bool)
-    MLK_REFUSE_SET(setAtvCableEnabled, bool)
-    MLK_REFUSE_SET(setDtvEnabled, bool)
-    MLK_REFUSE_SET(setDtvAntennaEnabled, bool)
-    MLK_REFUSE_SET(setDtvCableEnabled, bool)
-    MLK_REFUSE_SET(setDtvSatelliteEnabled, bool)
-    MLK_REFUSE_SET(setPvrEnabled, bool)
-    MLK_REFUSE_SET(setLivepauseEnabled, bool)
-    MLK_REFUSE_SET(setHdmiEnabled, bool)
-    MLK_REFUSE_SET(setVgaEnabled, bool)
-    MLK_REFUSE_SET(setAvEnabled, bool)
-    MLK_REFUSE_SET(setYppEnabled, bool)
-    MLK_REFUSE_SET(setCiEnabled, bool)
-    MLK_REFUSE_SET(setPipEnabled, bool)
-    MLK_REFUSE_SET(setMheg5Enabled, bool)
-    MLK_REFUSE_SET(setGingaEnabled, bool)
-    MLK_REFUSE_SET(setHbbtvEnabled, bool)
-    MLK_REFUSE_SET(setTeltexEnabled, bool)
-    MLK_REFUSE_SET(setCloseCaptionEnabled, bool)
-    MLK_REFUSE_SET(setAtscCloseCaptionEnabled, bool)
-    MLK_REFUSE_SET(setNtscCloseCaptionEnabled, bool)
-    MLK_REFUSE_SET(setIsdbCloseCaptionEnabled, bool)
-    MLK_REFUSE_SET(setWOWEnabled, bool)
-    ::android::hardware::Return<void> setFlag(ConfigType, bool, setFlag_cb _hidl_cb) override {
-        return refuse(_hidl_cb);
-    }
-    MLK_REFUSE_SET(reloadTvConfig, const ::android::hardware::hidl_string&)
+    /// The value of the flag of that type; success and value false for a type without a flag.
+    ::android::hardware::Return<void> getFlag(ConfigType type, getFlag_cb _hidl_cb) override;
 
-#undef MLK_REFUSE
-#undef MLK_REFUSE_SET
+    /// Calls the setter of the flag of that type, which gives the answer. A type without a flag is
+    /// answered with success false and what was asked for.
+    ::android::hardware::Return<void> setFlag(ConfigType type, bool enabled,
+                                              setFlag_cb _hidl_cb) override;
+
+    /// Takes the entries of another file, or of the same one again, and loads all values as at the
+    /// start. Answers success always, and whether the file could be read; nothing changes when not.
+    /// Later writes go to the file of the start, which takes over all entries then.
+    ::android::hardware::Return<void> reloadTvConfig(const ::android::hardware::hidl_string& path,
+                                                     reloadTvConfig_cb _hidl_cb) override;
+
+  protected:
+    using EditorList = std::vector<std::unique_ptr<ConfigEditor>>;
+
+    /// With editors of the caller's choice: the file's, null for none at all, and those after it.
+    MlkTvConfigs(std::unique_ptr<FileConfigEditor> fileEditor, EditorList others);
 
   private:
-    template <typename Answer>
-    static ::android::hardware::Return<void> refuse(
-            const std::function<void(const Answer&)>& callback) {
-        callback(Answer{});
-        return ::android::hardware::Void();
-    }
+    int32_t GetInt32(const char* key, int32_t defaultValue) const;
+    bool GetBool(const char* key, bool defaultValue) const;
+    bool GetText(const char* key, char* text) const;
+    void Load(TvConfigInfo& info, const SystemRow& row) const;
+    void Load(TvConfigInfo& info, const FlagRow& row) const;
+    void Write(const TvConfigInfo& info, const SystemRow& row);
+    void Write(const TvConfigInfo& info, const FlagRow& row);
+    void WriteText(const char* key, const std::string& text);
+    void InitDefaultValue();
+    void Publish(const TvConfigInfo& info);
+
+    template <typename Value>
+    Value Cached(Value TvConfigInfo::*field) const;
+    OptionalInt32 SetSystem(const SystemRow& row, int32_t system);
+    OptionalBool SetFlag(const FlagRow& row, bool enabled);
+    bool Reload(const char* path);
+
+    /// Held by setters and reloads from beginning to end, and by nobody else; covers the editors.
+    std::mutex mChangeLock;
+    /// Held to change mConfigInfo, in addition, and to read it without mChangeLock; never for long.
+    mutable std::mutex mInfoLock;
+    TvConfigInfo mConfigInfo;
+    EditorList mEditorLst;                ///< In the order in which they are asked and written.
+    FileConfigEditor* const mFileEditor;  ///< The first of them; null when there are none.
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -16,7 +16,7 @@ struct FileCallFate {
 };
 
 /// While it lives, it is asked about each call, with the number of calls before, and records them.
-/// One at a time, for one thread.
+/// One at a time. The calls may come from any thread, but not two at once.
 class FileCalls {
   public:
     using Judge = std::function<FileCallFate(FileCall call, size_t number)>;

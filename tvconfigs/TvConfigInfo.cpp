@@ -1,0 +1,27 @@
+#include "tvconfigs/TvConfigInfo.h"
+
+#include <android/log.h>
+
+#include <string>
+
+#include "tvconfigs/LogTag.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+void TvConfigInfo::Dump() const {
+    std::string text = "MlkTvConfigs:";
+    const auto add = [&](const char* name, const std::string& value) {
+        text += "\n\t";
+        text += name;
+        text += ':' + value;
+    };
+    for (const SystemRow* row : kTvSystems) {
+        add(row->name, std::to_string(this->*row->field));
+    }
+    for (const FlagRow* row : kTvFlags) {
+        add(row->name, this->*row->field ? "true" : "false");
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "%s\n", text.c_str());
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
