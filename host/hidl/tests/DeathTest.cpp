@@ -1,0 +1,180 @@
+// The death of a server, as its clients see it.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "Server.h"
+#include "host/testing/HostSet.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::wp;
+using ::android::hardware::hidl_death_recipient;
+using ::android::hidl::base::V1_0::IBase;
+
+class Recipient : public hidl_death_recipient {
+  public:
+    void serviceDied(uint64_t cookie, const wp<IBase>& who) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mCookies.push_back(cookie);
+        mWho = who.promote();
+        mHeard.notify_all();
+    }
+    // Waits until so many deaths were heard of.
+    bool heard(size_t count) {
+        std::unique_lock<std::mutex> lock(mMutex);
+        return mHeard.wait_for(lock, std::chrono::seconds(30),
+                               [&] { return mCookies.size() >= count; });
+    }
+    std::vector<uint64_t> cookies() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mCookies;
+    }
+    sp<IBase> who() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mWho;
+    }
+
+  private:
+    std::mutex mMutex;
+    std::condition_variable mHeard;
+    std::vector<uint64_t> mCookies;  // under mMutex
+    sp<IBase> mWho;                  // under mMutex
+};
+
+class DeathTest : public ::testing::Test {
+  protected:
+    testing::HostSet mSet;
+    std::optional<Server> mServer{std::in_place};
+    sp<IEverything> mService = mServer->service();
+    const sp<Recipient> mRecipient = new Recipient;
+};
+
+TEST_F(DeathTest, RecipientHearsWithItsCookie) {
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 0xfeedULL << 32U)));
+    mServer->kill();
+    ASSERT_TRUE(mRecipient->heard(1));
+    EXPECT_EQ(std::vector<uint64_t>{0xfeedULL << 32U}, mRecipient->cookies());
+    EXPECT_EQ(sp<IBase>(mService), mRecipient->who());
+}
+
+TEST_F(DeathTest, EveryLinkIsHeardOfOnce) {
+    const sp<Recipient> other = new Recipient;
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 1)));
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 2)));
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(other, 3)));
+    mServer->kill();
+    ASSERT_TRUE(mRecipient->heard(2));
+    ASSERT_TRUE(other->heard(1));
+    EXPECT_EQ((std::vector<uint64_t>{1, 2}), mRecipient->cookies());
+    EXPECT_EQ(std::vector<uint64_t>{3}, other->cookies());
+}
+
+TEST_F(DeathTest, UnlinkedRecipientHearsNothing) {
+    const sp<Recipient> other = new Recipient;
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 1)));
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(other, 2)));
+    EXPECT_TRUE(static_cast<bool>(mService->unlinkToDeath(mRecipient)));
+    EXPECT_FALSE(static_cast<bool>(mService->unlinkToDeath(mRecipient)));
+    mServer->kill();
+    // They are told in their order: when the second has heard, the first would have.
+    ASSERT_TRUE(other->heard(1));
+    EXPECT_TRUE(mRecipient->cookies().empty());
+}
+
+TEST_F(DeathTest, UnlinkWithoutLinkIsRefused) {
+    EXPECT_FALSE(static_cast<bool>(mService->unlinkToDeath(mRecipient)));
+}
+
+TEST_F(DeathTest, RecipientThatIsGoneIsNotMissed) {
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(new Recipient, 1)));
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 2)));
+    mServer->kill();
+    EXPECT_TRUE(mRecipient->heard(1));
+}
+
+TEST_F(DeathTest, ProxyMayGoBeforeItsServer) {
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 1)));
+    mService = nullptr;
+    const sp<IEverything> other = mServer->service();
+    ASSERT_TRUE(static_cast<bool>(other->linkToDeath(mRecipient, 2)));
+    mServer->kill();
+    ASSERT_TRUE(mRecipient->heard(1));
+    EXPECT_EQ(std::vector<uint64_t>{2}, mRecipient->cookies());
+}
+
+TEST_F(DeathTest, LinkToTheDeadIsRefused) {
+    mServer->kill();
+    EXPECT_FALSE(static_cast<bool>(mService->linkToDeath(mRecipient, 1)));
+    EXPECT_TRUE(mService->ping().isDeadObject());
+    EXPECT_FALSE(static_cast<bool>(mService->linkToDeath(mRecipient, 2)));
+    EXPECT_TRUE(mRecipient->cookies().empty());
+}
+
+TEST_F(DeathTest, CallsToTheDeadSaySo) {
+    mServer->kill();
+    const auto called = mService->length("");
+    EXPECT_FALSE(called.isOk());
+    EXPECT_TRUE(called.isDeadObject());
+    EXPECT_EQ("EX_TRANSACTION_FAILED: DEAD_OBJECT", called.description());
+    EXPECT_TRUE(mService->ping().isDeadObject());
+    EXPECT_TRUE(mService->poke(1).isDeadObject());
+}
+
+TEST_F(DeathTest, CallsUnderWaySaySo) {
+    HeldCalls held({mService, mService, mService});
+    ASSERT_TRUE(held.arrived(3));
+    mServer->kill();
+    EXPECT_EQ(0U, held.release());
+    EXPECT_TRUE(mService->ping().isDeadObject());
+}
+
+TEST_F(DeathTest, NameIsGoneAndComesBackWithANewServer) {
+    mServer->kill();
+    EXPECT_EQ(nullptr, IEverything::tryGetService());
+    EXPECT_EQ(nullptr, IEverything::getService());
+    mServer.emplace();
+    const sp<IEverything> again = IEverything::getService();
+    ASSERT_NE(nullptr, again);
+    EXPECT_TRUE(again->ping().isOk());
+    EXPECT_TRUE(mService->ping().isDeadObject());
+}
+
+TEST_F(DeathTest, OldProxyStaysDeadThoughItNeverCalledMeanwhile) {
+    mServer->kill();
+    mServer.emplace();
+    EXPECT_TRUE(mService->ping().isDeadObject());
+    EXPECT_TRUE(mService->ping().isDeadObject());
+}
+
+TEST_F(DeathTest, DeathOfAServerWhileManyLinkAndUnlink) {
+    std::vector<std::thread> threads;
+    std::atomic<bool> stop{false};
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            while (!stop) {
+                const sp<IEverything> proxy = IEverything::tryGetService();
+                if (proxy == nullptr) return;
+                const sp<Recipient> recipient = new Recipient;
+                if (!proxy->linkToDeath(recipient, 1).withDefault(false)) return;
+                if (proxy->ping().isOk()) (void)proxy->unlinkToDeath(recipient).isOk();
+            }
+        });
+    }
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 7)));
+    for (int i = 0; i < 50; ++i) (void)mService->ping().isOk();
+    mServer->kill();
+    EXPECT_TRUE(mRecipient->heard(1));
+    stop = true;
+    for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,156 @@
+// The folder that the services' sockets lie in: where it is, and who may use it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "Everything.h"
+#include "host/hidl/src/RuntimeFolder.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/LogCapture.h"
+
+namespace mlk::test {
+namespace {
+
+namespace transport = ::android::hardware::transport;
+using ::testing::ElementsAre;
+
+class FoldersTest : public ::testing::Test {
+  protected:
+    ~FoldersTest() override {
+        // HostSet puts its own variables back.
+        if (mFormerSession.has_value()) {
+            setenv("XDG_RUNTIME_DIR", mFormerSession->c_str(), 1);
+        } else {
+            unsetenv("XDG_RUNTIME_DIR");
+        }
+    }
+    static void use(const std::string& path) { setenv("MLK_RUNTIME_DIR", path.c_str(), 1); }
+
+    // Registers and finds, in this process.
+    static ::testing::AssertionResult works() {
+        const sp<IEverything> service = new Everything;
+        if (service->registerAsService("default") != ::android::OK) {
+            return ::testing::AssertionFailure() << "not registered";
+        }
+        const sp<IEverything> found = IEverything::getService();
+        if (found == nullptr || !found->ping().isOk()) {
+            return ::testing::AssertionFailure() << "not found";
+        }
+        return ::testing::AssertionSuccess();
+    }
+    static mode_t modeOf(const std::string& path) {
+        struct stat status {};
+        EXPECT_EQ(0, stat(path.c_str(), &status)) << path;
+        return status.st_mode & 07777;
+    }
+
+    testing::HostSet mSet;
+    const std::string mBase = mSet.dir().path();
+    std::optional<std::string> mFormerSession =
+            getenv("XDG_RUNTIME_DIR") == nullptr
+                    ? std::nullopt
+                    : std::optional<std::string>(getenv("XDG_RUNTIME_DIR"));
+};
+
+TEST_F(FoldersTest, IsMadeForItsUserOnly) {
+    const mode_t former = umask(0);
+    for (const char* name : {"/new", "/slash/at/end/", "/deep/er"}) {
+        use(mBase + name);
+        EXPECT_TRUE(works()) << name;
+        EXPECT_EQ(0700U, modeOf(mBase + name)) << name;
+    }
+    umask(former);
+}
+
+TEST_F(FoldersTest, PathTooLongForASocketsAddress) {
+    std::string path = mBase;
+    for (int i = 0; i < 5; ++i) path += "/" + std::string(60, 'p');
+    use(path);
+    EXPECT_TRUE(works());
+    EXPECT_TRUE(std::filesystem::exists(path + "/mlk.test.everything@1.0::IEverything.default"));
+}
+
+TEST_F(FoldersTest, EveryLengthAroundTheAddressesLimit) {
+    const std::string file = "/mlk.test.everything@1.0::IEverything.default";
+    for (size_t whole = 100; whole < 116; ++whole) {
+        const size_t taken = mBase.size() + 1 + file.size();
+        ASSERT_LT(taken, whole);
+        use(mBase + "/" + std::string(whole - taken, 'p'));
+        EXPECT_TRUE(works()) << whole;
+    }
+}
+
+TEST_F(FoldersTest, RelativePath) {
+    const std::filesystem::path former = std::filesystem::current_path();
+    std::filesystem::current_path(mBase);
+    use("relative");
+    EXPECT_TRUE(works());
+    std::filesystem::current_path(former);
+    EXPECT_TRUE(std::filesystem::is_directory(mBase + "/relative"));
+}
+
+TEST_F(FoldersTest, DefaultsWithoutTheVariable) {
+    setenv("XDG_RUNTIME_DIR", (mBase + "/session").c_str(), 1);
+    for (const bool isEmpty : {true, false}) {
+        if (isEmpty) {
+            use("");
+        } else {
+            unsetenv("MLK_RUNTIME_DIR");
+        }
+        EXPECT_EQ(mBase + "/session/mlkconfigs", transport::findRuntimeFolder().path);
+    }
+    EXPECT_TRUE(works());
+    EXPECT_EQ(0700U, modeOf(mBase + "/session/mlkconfigs"));
+    setenv("XDG_RUNTIME_DIR", "", 1);
+    EXPECT_EQ("/run/mlkconfigs", transport::findRuntimeFolder().path);
+    unsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ("/run/mlkconfigs", transport::findRuntimeFolder().path);
+    // HostSet put the other one back only if it was set: it was.
+    use(mSet.runtime());
+}
+
+TEST_F(FoldersTest, FileInItsPlace) {
+    const std::string path = mSet.dir().write("file", "");
+    use(path);
+    const testing::LogCapture log;
+    EXPECT_FALSE(works());
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
+                ElementsAre(path + ": cannot use the runtime folder: Not a directory"));
+    use(path + "/below");
+    EXPECT_FALSE(works());
+}
+
+TEST_F(FoldersTest, FolderInPlaceOfTheName) {
+    const std::string name = "mlk.test.everything@1.0::IEverything.default";
+    (void)mSet.dir().mkdir("run/" + name);
+    {
+        const testing::LogCapture log;
+        EXPECT_FALSE(works());
+        EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
+                    ElementsAre(mSet.runtime() + "/" + name + ": cannot listen: Is a directory"));
+    }
+    EXPECT_EQ(nullptr, IEverything::getService());
+    // Nothing else is left.
+    EXPECT_TRUE(std::filesystem::remove(mSet.runtime() + "/" + name));
+    EXPECT_TRUE(std::filesystem::is_empty(mSet.runtime()));
+    EXPECT_TRUE(works());
+}
+
+TEST_F(FoldersTest, FolderOfAnotherUser) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
+    ASSERT_EQ(0, chown(mSet.runtime().c_str(), 65534, 65534));
+    const testing::LogCapture log;
+    const sp<IEverything> service = new Everything;
+    EXPECT_NE(::android::OK, service->registerAsService("default"));
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
+                ElementsAre(mSet.runtime() + ": the runtime folder belongs to user 65534"));
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,198 @@
+// Names of services: who has them, and who has them no more.
+#include <android/hidl/manager/1.0/IServiceManager.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <hidl/ServiceManagement.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <climits>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Server.h"
+#include "host/hidl/src/RuntimeFolder.h"
+#include "host/testing/HostSet.h"
+
+namespace mlk::test {
+namespace {
+
+namespace transport = ::android::hardware::transport;
+using ::android::hardware::defaultServiceManager;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+pid_t pidOf(const sp<IEverything>& service) {
+    pid_t pid = -1;
+    (void)service->getDebugInfo([&](const auto& info) { pid = info.pid; }).isOk();
+    return pid;
+}
+
+std::vector<std::string> listed() {
+    std::vector<std::string> names{"no answer"};
+    EXPECT_TRUE(defaultServiceManager()
+                        ->list([&](const hidl_vec<hidl_string>& all) {
+                            names.assign(all.begin(), all.end());
+                        })
+                        .isOk());
+    return names;
+}
+
+class NamesTest : public ::testing::Test {
+  protected:
+    testing::HostSet mSet;
+};
+
+TEST_F(NamesTest, UnknownNameGivesNullAtOnce) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(nullptr, IEverything::tryGetService("nobody"));
+    EXPECT_EQ(nullptr, IEverything::getService("no/name"));
+    EXPECT_EQ(nullptr, IEverything::getService(""));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST_F(NamesTest, ThereAreNoPassthroughImplementations) {
+    const Server server;
+    EXPECT_EQ(nullptr, IEverything::getService("default", true));
+}
+
+TEST_F(NamesTest, InstancesAreApart) {
+    const Server one({"one", "4", ""});
+    const Server other({"other", "4", ""});
+    EXPECT_EQ(one.pid(), pidOf(IEverything::getService("one")));
+    EXPECT_EQ(other.pid(), pidOf(IEverything::getService("other")));
+    EXPECT_EQ(nullptr, IEverything::getService("default"));
+}
+
+TEST_F(NamesTest, LaterServerTakesTheName) {
+    const Server first;
+    const sp<IEverything> toFirst = first.service();
+    std::optional<Server> later(std::in_place);
+    EXPECT_EQ(later->pid(), pidOf(IEverything::getService()));
+    EXPECT_EQ(first.pid(), pidOf(toFirst));
+    // The name goes with its last owner; the one before it does not get it back.
+    later->kill();
+    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(first.pid(), pidOf(toFirst));
+}
+
+TEST_F(NamesTest, ProxyOfTheFirstNeverCallsTheLater) {
+    const Server first;
+    const sp<IEverything> toFirst = first.service();
+    const Server later;
+    // A second call at once would need a second connection, and the name leads elsewhere now: it
+    // takes its turn.
+    HeldCalls held({toFirst, toFirst});
+    ASSERT_TRUE(held.arrived(1));
+    EXPECT_FALSE(held.moreArrive());
+    EXPECT_EQ(2U, held.release());
+}
+
+TEST_F(NamesTest, FileOfADeadServerIsNoHindrance) {
+    std::optional<Server> server(std::in_place);
+    server->kill();
+    EXPECT_TRUE(std::filesystem::exists(mSet.runtime() +
+                                        "/mlk.test.everything@1.0::IEverything.default"));
+    EXPECT_EQ(nullptr, IEverything::getService());
+    server.emplace();
+    EXPECT_EQ(server->pid(), pidOf(IEverything::getService()));
+}
+
+TEST_F(NamesTest, ListIsSortedAndWithoutTheDead) {
+    EXPECT_THAT(listed(), IsEmpty());
+    const Server b({"b", "4", ""});
+    const Server a({"a", "4", ""});
+    const Server c({"with.dot", "4", ""});
+    Server dead({"abandoned", "4", ""});
+    dead.kill();
+    (void)mSet.dir().write("run/nonsense", "");
+    (void)mSet.dir().write("run/some@1.0::IFile.default", "no socket");
+    EXPECT_THAT(listed(), ElementsAre("mlk.test.everything@1.0::IEverything/a",
+                                      "mlk.test.everything@1.0::IEverything/b",
+                                      "mlk.test.everything@1.0::IEverything/with.dot"));
+    const auto withoutCallback = defaultServiceManager()->list(nullptr);
+    EXPECT_THAT(withoutCallback.description(), ::testing::StartsWith("EX_ILLEGAL_ARGUMENT"));
+}
+
+TEST_F(NamesTest, NobodyTellsOfRegistrations) {
+    EXPECT_FALSE(IEverything::registerForNotifications("default", nullptr));
+}
+
+TEST_F(NamesTest, GoodInstances) {
+    const std::string longest(NAME_MAX - strlen("mlk.test.everything@1.0::IEverything."), 'n');
+    const std::string rows[] = {"default", "x y", ".", "..", "a.b", "\xff", longest};
+    const sp<IEverything> service = new Everything;
+    for (const std::string& instance : rows) {
+        EXPECT_EQ(::android::OK, service->registerAsService(instance)) << instance;
+        const sp<IEverything> found = IEverything::getService(instance);
+        ASSERT_NE(nullptr, found) << instance;
+        EXPECT_TRUE(found->ping().isOk()) << instance;
+    }
+    EXPECT_THAT(listed(), ::testing::SizeIs(std::size(rows)));
+}
+
+TEST_F(NamesTest, BadInstances) {
+    const std::string tooLong(NAME_MAX - strlen("mlk.test.everything@1.0::IEverything.") + 1, 'n');
+    const std::string rows[] = {"", "/", "a/b", std::string("a\0b", 3), tooLong};
+    const sp<IEverything> service = new Everything;
+    for (const std::string& instance : rows) {
+        EXPECT_EQ(::android::BAD_VALUE, service->registerAsService(instance)) << instance;
+        EXPECT_EQ(nullptr, IEverything::getService(instance)) << instance;
+    }
+    EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(NamesTest, ProxyCannotBeRegistered) {
+    const Server server;
+    EXPECT_EQ(::android::BAD_VALUE, server.service()->registerAsService("again"));
+}
+
+TEST_F(NamesTest, SeveralServicesInOneProcess) {
+    const sp<IEverything> everything = new Everything;
+    const sp<Listener> listener = new Listener;
+    ASSERT_EQ(::android::OK, everything->registerAsService("here"));
+    ASSERT_EQ(::android::OK, listener->registerAsService("here"));
+    const sp<IListener> proxy = IListener::getService("here");
+    ASSERT_NE(nullptr, proxy);
+    EXPECT_EQ(1, static_cast<int32_t>(proxy->heard("by name")));
+    EXPECT_THAT(listener->texts(), ElementsAre("by name"));
+    EXPECT_EQ(getpid(), pidOf(IEverything::getService("here")));
+    EXPECT_THAT(listed(), ElementsAre("mlk.test.everything@1.0::IEverything/here",
+                                      "mlk.test.everything@1.0::IListener/here"));
+}
+
+TEST(SocketNameTest, NamesAndFiles) {
+    struct Row {
+        const char* file;
+        const char* descriptor;  // null: no service's file
+        const char* instance;
+    };
+    const Row rows[] = {
+            {"a.b@1.0::IC.default", "a.b@1.0::IC", "default"},
+            {"a.b@1.0::IC.x.y", "a.b@1.0::IC", "x.y"},
+            {"a.b@1.0::IC..", "a.b@1.0::IC", "."},
+            {"a.b@1.0::IC.", nullptr, nullptr},
+            {"a.b@1.0::IC", nullptr, nullptr},
+            {"a.b", nullptr, nullptr},
+            {".a.b@1.0::IC.default", nullptr, nullptr},
+            {"", nullptr, nullptr},
+    };
+    for (const Row& row : rows) {
+        std::string descriptor;
+        std::string instance;
+        const bool split = transport::splitSocketName(row.file, &descriptor, &instance);
+        EXPECT_EQ(row.descriptor != nullptr, split) << row.file;
+        if (!split || row.descriptor == nullptr) continue;
+        EXPECT_EQ(row.descriptor, descriptor);
+        EXPECT_EQ(row.instance, instance);
+        EXPECT_EQ(row.file, transport::socketName(descriptor, instance));
+    }
+    EXPECT_EQ("", transport::socketName("", "default"));
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,176 @@
+// The pool of threads that answers calls.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "RawClient.h"
+#include "Server.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/Threads.h"
+
+namespace mlk::test {
+namespace {
+
+class PoolTest : public ::testing::Test {
+  protected:
+    // So many proxies, each with a connection of its own.
+    static std::vector<sp<IEverything>> proxies(const Server& server, size_t count) {
+        std::vector<sp<IEverything>> all;
+        for (size_t i = 0; i < count; ++i) all.push_back(server.service());
+        return all;
+    }
+
+    testing::HostSet mSet;
+};
+
+// Held calls on a pool: as many arrive as there are threads, the others when these are free.
+void expectPoolOf(size_t threads, size_t calls, const std::vector<sp<IEverything>>& proxies,
+                  const Server& server, size_t others) {
+    ASSERT_EQ(calls, proxies.size());
+    HeldCalls held(proxies);
+    ASSERT_TRUE(held.arrived(threads));
+    EXPECT_FALSE(held.moreArrive());
+    EXPECT_EQ(threads + others, threadsOf(server.pid()));
+    EXPECT_EQ(calls, held.release());
+    EXPECT_EQ(threads + others, threadsOf(server.pid()));
+}
+
+TEST_F(PoolTest, FourteenCallsOnTenThreads) {
+    const Server server({"default", "10+join", ""});
+    expectPoolOf(10, 14, proxies(server, 14), server, 0);
+}
+
+TEST_F(PoolTest, FourteenCallsThroughOneProxy) {
+    const Server server({"default", "10+join", ""});
+    const sp<IEverything> proxy = server.service();
+    expectPoolOf(10, 14, std::vector<sp<IEverything>>(14, proxy), server, 0);
+}
+
+TEST_F(PoolTest, WithoutTheFirstThread) {
+    const Server server({"default", "3", ""});
+    expectPoolOf(3, 5, proxies(server, 5), server, 1);
+}
+
+TEST_F(PoolTest, OneThreadThatJoins) {
+    const Server server({"default", "1+join", ""});
+    expectPoolOf(1, 3, proxies(server, 3), server, 0);
+    EXPECT_TRUE(server.service()->ping().isOk());
+}
+
+TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
+    const Server server;
+    const sp<IEverything> proxy = server.service();
+    std::atomic<int> good{0};
+    testing::inThreads(50, [&](int) {
+        for (int i = 0; i < 20; ++i) {
+            if (proxy->length("abc").withDefault(0) == 3) ++good;
+        }
+    });
+    EXPECT_EQ(50 * 20, good);
+}
+
+TEST_F(PoolTest, IdleServerHasFewThreads) {
+    const Server server({"default", "10+join", ""});
+    EXPECT_LE(threadsOf(server.pid()), 2U);
+    const sp<IEverything> service = server.service();
+    for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
+    EXPECT_LE(threadsOf(server.pid()), 2U);
+}
+
+TEST_F(PoolTest, SilentClientsCostNoThread) {
+    const Server server({"default", "10+join", ""});
+    if (!makeRoomForDescriptors(1000)) GTEST_SKIP() << "too few descriptors";
+    std::vector<std::unique_ptr<RawClient>> silent;
+    for (int i = 0; i < 1000; ++i) {
+        silent.push_back(std::make_unique<RawClient>(mSet.runtime()));
+        ASSERT_TRUE(silent.back()->hello()) << i;
+    }
+    const sp<IEverything> service = server.service();
+    for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
+    EXPECT_LE(threadsOf(server.pid()), 3U);
+    const auto before = timeOf(server.pid());
+    (void)poll(nullptr, 0, 300);
+    EXPECT_LT(timeOf(server.pid()) - before, std::chrono::milliseconds(100));
+}
+
+// Clients that call again as soon as they are answered, more and less than there are threads.
+class HotClientsTest : public PoolTest, public ::testing::WithParamInterface<size_t> {};
+
+TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
+    const Server server({"default", "10+join", ""});
+    std::atomic<bool> stop{false};
+    std::atomic<int> failures{0};
+    std::vector<std::thread> hot;
+    for (size_t i = 0; i < GetParam(); ++i) {
+        hot.emplace_back([&, proxy = server.service()] {
+            while (!stop) {
+                if (!proxy->ping().isOk()) ++failures;
+            }
+        });
+    }
+    std::chrono::steady_clock::duration longest{};
+    for (int i = 0; i < 50; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        const sp<IEverything> fresh = server.service();
+        ASSERT_NE(nullptr, fresh);
+        EXPECT_TRUE(fresh->ping().isOk());
+        longest = std::max(longest, std::chrono::steady_clock::now() - start);
+    }
+    stop = true;
+    for (std::thread& thread : hot) thread.join();
+    EXPECT_EQ(0, failures);
+    EXPECT_LE(threadsOf(server.pid()), 10U);
+    EXPECT_LT(longest, std::chrono::seconds(5));
+}
+
+INSTANTIATE_TEST_SUITE_P(Clients, HotClientsTest, ::testing::Values(1, 9, 10, 24));
+
+TEST_F(PoolTest, HotClientsOnAPoolOfOne) {
+    const Server server({"default", "1+join", ""});
+    std::atomic<int> good{0};
+    testing::inThreads(4, [&](int) {
+        const sp<IEverything> proxy = server.service();
+        for (int i = 0; i < 500; ++i) {
+            if (proxy->ping().isOk()) ++good;
+        }
+    });
+    EXPECT_EQ(4 * 500, good);
+    EXPECT_EQ(1U, threadsOf(server.pid()));
+}
+
+// A call may arrive together with the one before it, and nothing behind it: it must not be
+// forgotten when the thread goes on to others.
+TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
+    const Server server({"default", "1+join", ""});
+    RawClient client(mSet.runtime());
+    ASSERT_TRUE(client.hello());
+    std::vector<uint8_t> both;
+    for (int i = 0; i < 3; ++i) {
+        const std::vector<uint8_t> one = textCall("call " + std::to_string(i)).bytes();
+        both.insert(both.end(), one.begin(), one.end());
+    }
+    ASSERT_TRUE(client.send(both));
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(::android::OK, client.replyStatus()) << i;
+}
+
+TEST_F(PoolTest, OnewayAndCallTogetherOnAPoolOfOne) {
+    const Server server({"default", "1+join", ""});
+    std::atomic<int> good{0};
+    testing::inThreads(3, [&](int) {
+        const sp<IEverything> proxy = server.service();
+        for (int i = 0; i < 300; ++i) {
+            if (proxy->poke(i).isOk() && proxy->poke(i).isOk() && proxy->ping().isOk()) ++good;
+        }
+    });
+    EXPECT_EQ(3 * 300, good);
+}
+
+}  // namespace
+}  // namespace mlk::test
