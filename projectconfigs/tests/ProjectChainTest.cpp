@@ -21,16 +21,9 @@ using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Not;
 using ::testing::StartsWith;
-using namespace std::string_literals;
 
-class ProjectParserTest : public ::testing::Test, protected ProjectFiles {
+class ProjectChainTest : public ::testing::Test, protected ProjectFiles {
   protected:
-    // The items of a project file of that text.
-    std::string itemsOf(const std::string& projectText) {
-        writeSet(projectText);
-        update();
-        return items();
-    }
     std::vector<std::string> debugLines() const {
         return mLog.texts(ANDROID_LOG_DEBUG, "MlkProjectConfigs");
     }
@@ -41,13 +34,13 @@ class ProjectParserTest : public ::testing::Test, protected ProjectFiles {
     LogCapture mLog;
 };
 
-TEST_F(ProjectParserTest, StartsEmpty) {
+TEST_F(ProjectChainTest, StartsEmpty) {
     EXPECT_EQ(dump(),
               "  Customer ID: \n  Project ID: 0\n  Project max index: 0\n  Sys ini file: \n"
               "  Project ini file: \n  Board ini file: \n");
 }
 
-TEST_F(ProjectParserTest, ReadsTheChainOfFiles) {
+TEST_F(ProjectChainTest, ReadsTheChainOfFiles) {
     customer("# the customer\nCUSTOMER_ID = \"77\" # comment\nSYS_INI=\"/tvconfigs/sys.ini\"\n");
     system("Model_1=/tvconfigs/model/A.ini\nModel_2 = \"/tvdata/B.ini\" # B\n");
     dir().write("tvdata/B.ini", "[S]\nk=B\n");
@@ -67,7 +60,7 @@ TEST_F(ProjectParserTest, ReadsTheChainOfFiles) {
                       "    [S]:k=B\n    [S]:l=board\n");
 }
 
-TEST_F(ProjectParserTest, NullPathChangesNothing) {
+TEST_F(ProjectChainTest, NullPathChangesNothing) {
     writeSet("[S]\nk=v\n");
     update();
     const std::string before = dump();
@@ -75,117 +68,7 @@ TEST_F(ProjectParserTest, NullPathChangesNothing) {
     EXPECT_EQ(dump(), before);
 }
 
-TEST_F(ProjectParserTest, ItemsAreOrderedByLengthFirst) {
-    EXPECT_EQ(itemsOf("[AUDIO]\nB=1\nAA=2\nA=3\n[KEY]\nx=4\n"),
-              "[KEY]:x=4;[AUDIO]:A=3;[AUDIO]:B=1;[AUDIO]:AA=2;");
-}
-
-TEST_F(ProjectParserTest, LastValueOfAKeyCountsAndIsLogged) {
-    EXPECT_EQ(itemsOf("[S]\nkey=one\nother=x\nkey = two\n"), "[S]:key=two;[S]:other=x;");
-    EXPECT_THAT(debugLines(),
-                ElementsAre(MatchesRegex("\\[addNewItem [0-9]+\\] update value \\(one -> two\\) "
-                                         "due to the same key \\(key\\)")));
-}
-
-TEST_F(ProjectParserTest, SameKeyInAnotherSectionIsAnotherItem) {
-    EXPECT_EQ(itemsOf("[A]\nk=1\n[B]\nk=2\n[a]\nk=3\n"), "[A]:k=1;[B]:k=2;[a]:k=3;");
-    EXPECT_THAT(debugLines(), IsEmpty());
-}
-
-TEST_F(ProjectParserTest, EmptyValueAndLineWithoutEquals) {
-    EXPECT_EQ(itemsOf("[S]\nempty=\nwhole line\n"), "[S]:empty=;[S]:whole line=whole line;");
-}
-
-TEST_F(ProjectParserTest, SplitsAtTheFirstEquals) {
-    EXPECT_EQ(itemsOf("[S]\na=b=c\n=v\n"), "[S]:=v;[S]:a=b=c;");
-}
-
-TEST_F(ProjectParserTest, TrimsSpacesButNotTabs) {
-    EXPECT_EQ(itemsOf("[S]\n  a  =  1  \nb\t=\t2\t\n"), "[S]:a=1;[S]:b\t=\t2\t;");
-}
-
-TEST_F(ProjectParserTest, QuotedPathWithACommentIsCleanedAndPatched) {
-    EXPECT_EQ(itemsOf("[S]\np = \"/tvconfigs/a/b.bin\"   # comment \"x\"\n"),
-              "[S]:p=" + tvconfigs() + "/a/b.bin;");
-}
-
-TEST_F(ProjectParserTest, SemicolonsVanishButStartNoComment) {
-    EXPECT_EQ(itemsOf("[S]\nk=a;b\n;c=d ; e\n"), "[S]:c=d  e;[S]:k=ab;");
-}
-
-TEST_F(ProjectParserTest, QuotesVanishWhereverTheyStand) {
-    EXPECT_EQ(itemsOf("[S]\n\"k\"=\"a \"b\n"), "[S]:k=a b;");
-}
-
-TEST_F(ProjectParserTest, OnlyATrailingCarriageReturnGoes) {
-    EXPECT_EQ(itemsOf("[S]\r\na=1\r\r\r\nb=2 \r\nc=3\r \nd=4\r\"\n\r\ne\r=5#\r\n"),
-              "[S]:a=1;[S]:b=2;[S]:c=3\r;[S]:d=4\r;[S]:e\r=5;");
-}
-
-TEST_F(ProjectParserTest, SectionNameKeepsItsBracketsAndLosesItsComment) {
-    EXPECT_EQ(itemsOf("[AUDIO]   # the audio\nk=1\n"), "[AUDIO]:k=1;");
-    EXPECT_EQ(itemsOf("[AUDIO] ; text\nk=1\n"), "[AUDIO]  text:k=1;");
-    EXPECT_EQ(itemsOf("[ LiveTV ]\nk=1\n[\nl=2\n"), "[:l=2;[ LiveTV ]:k=1;");
-    EXPECT_EQ(itemsOf(" [S]\n"), ":[S]=[S];");
-}
-
-TEST_F(ProjectParserTest, ItemsBeforeTheFirstSectionHaveTheEmptyCategory) {
-    EXPECT_EQ(itemsOf("k=1\n[S]\nl=2\n"), ":k=1;[S]:l=2;");
-}
-
-TEST_F(ProjectParserTest, SkipsEmptyLinesAndComments) {
-    EXPECT_EQ(itemsOf("[S]\n\n\r\n#a=1\n# b\n\0c=2\n"s), "");
-}
-
-TEST_F(ProjectParserTest, IndentedCommentIsAnEmptyItem) {
-    EXPECT_EQ(itemsOf("[S]\n  # comment\n"), "[S]:=;");
-    EXPECT_EQ(itemsOf("[S]\n   \n"), "[S]:=;");
-}
-
-TEST_F(ProjectParserTest, LastLineNeedsNoLineFeedAndNulEndsALine) {
-    EXPECT_EQ(itemsOf("[S]\na=1\0b=2\nc=3"s), "[S]:a=1;[S]:c=3;");
-}
-
-TEST_F(ProjectParserTest, PatchesEachPartitionOnceAtTheStartOnly) {
-    EXPECT_EQ(itemsOf("[S]\na=/tvconfigs/x\nb=/tvdata/x\nc=/impdata/x\nd=/tvdataX/a\n"
-                      "e=x/tvdata/a\nf=/tvdata/tvconfigs\ng=/TVDATA/a\nh=/tvdat\ni=/tvconfigs\n"),
-              "[S]:a=" + tvconfigs() + "/x;[S]:b=" + tvdata() + "/x;[S]:c=" + impdata() +
-                      "/x;[S]:d=" + tvdata() + "X/a;[S]:e=x/tvdata/a;[S]:f=" + tvdata() +
-                      "/tvconfigs;[S]:g=/TVDATA/a;[S]:h=/tvdat;[S]:i=" + tvconfigs() + ";");
-}
-
-TEST_F(ProjectParserTest, KeysAndSectionsAreNotPatched) {
-    EXPECT_EQ(itemsOf("[/tvdata]\n/tvdata/x=1\n"), "[/tvdata]:/tvdata/x=1;");
-    EXPECT_EQ(itemsOf("[S]\n/tvdata/x\n"), "[S]:/tvdata/x=" + tvdata() + "/x;");
-}
-
-TEST_F(ProjectParserTest, MountPointThatIsItsPrefixPatchesToItself) {
-    ProjectParser plain("/tvdata", "/tvconfigs", nullptr);
-    const std::string file =
-            write("customer.ini", "CUSTOMER_ID=/tvdata\nSYS_INI=/tvconfigs/absent/x.ini\n");
-    plain.update(file.c_str(), 1, "/impdata/board.ini");
-    std::ostringstream out;
-    plain.dump(out);
-    EXPECT_EQ(out.str(),
-              "  Customer ID: /tvdata\n  Project ID: 1\n  Project max index: 0\n"
-              "  Sys ini file: /tvconfigs/absent/x.ini\n  Project ini file: \n"
-              "  Board ini file: /board.ini\n");
-}
-
-TEST_F(ProjectParserTest, LinesUpToTheLimitAreWhole) {
-    const std::string value(1023 - 2, 'v');
-    EXPECT_EQ(itemsOf("[S]\nk=" + value + "\nl=1\n"), "[S]:k=" + value + ";[S]:l=1;");
-    EXPECT_THAT(errors(), IsEmpty());
-}
-
-TEST_F(ProjectParserTest, LongerProjectLineIsCutAndReported) {
-    const std::string value(1023 - 2, 'v');
-    EXPECT_EQ(itemsOf("[S]\nk=" + value + "w\nl=1\n"), "[S]:k=" + value + ";[S]:l=1;");
-    EXPECT_THAT(errors(), ElementsAre(tvconfigs() + "/model/A.ini:2: line longer than 1023 bytes, "
-                                                    "its rest is skipped"));
-}
-
-TEST_F(ProjectParserTest, LongerCustomerAndSystemLinesAreCutAndReported) {
+TEST_F(ProjectChainTest, LongerCustomerAndSystemLinesAreCutAndReported) {
     customer("CUSTOMER_ID=" + std::string(255 - 12, 'c') + "\nSYS_INI=/tvconfigs/sys.ini" +
              std::string(300, ' ') + "#\n");
     system("Model_1=" + std::string(300, ' ') + "/tvconfigs/lost.ini\nModel_2=x\n");
@@ -199,7 +82,7 @@ TEST_F(ProjectParserTest, LongerCustomerAndSystemLinesAreCutAndReported) {
                                           "skipped"));
 }
 
-TEST_F(ProjectParserTest, CustomerWordsCountAnywhereCommentsIncluded) {
+TEST_F(ProjectChainTest, CustomerWordsCountAnywhereCommentsIncluded) {
     customer("#CUSTOMER_ID=7\n  # SYS_INI x =/tvconfigs/sys.ini\ncustomer_id=8\n");
     system("Model_3=x\n");
     update();
@@ -207,13 +90,13 @@ TEST_F(ProjectParserTest, CustomerWordsCountAnywhereCommentsIncluded) {
     EXPECT_EQ(parser().getProjectMaxIdx(), 3U);
 }
 
-TEST_F(ProjectParserTest, LaterCustomerLineWins) {
+TEST_F(ProjectChainTest, LaterCustomerLineWins) {
     customer("CUSTOMER_ID=1\nCUSTOMER_ID= 2 ;\nCUSTOMER_ID SYS_INI=/tvdata\n");
     update();
     EXPECT_EQ(parser().getCustomerId(), "/tvdata") << "an id is no path";
 }
 
-TEST_F(ProjectParserTest, LinesWithoutEqualsAreSkippedAndReported) {
+TEST_F(ProjectChainTest, LinesWithoutEqualsAreSkippedAndReported) {
     customer("CUSTOMER_ID=1\nCUSTOMER_ID\nSYS_INI=/tvconfigs/sys.ini\nSYS_INI\n");
     system("Model_1=/tvconfigs/model/A.ini\nModel_9\n# Model_ lines\n");
     write("model/A.ini", "[S]\nk=v\n");
@@ -227,14 +110,14 @@ TEST_F(ProjectParserTest, LinesWithoutEqualsAreSkippedAndReported) {
                                       tvconfigs() + "/sys.ini:3: no \"=\", line skipped"));
 }
 
-TEST_F(ProjectParserTest, CommentedOutModelCountsForTheMaximum) {
+TEST_F(ProjectChainTest, CommentedOutModelCountsForTheMaximum) {
     writeSet("");
     system("Model_1=/a\nModel_2=/b\n#Model_7=/c\n");
     update();
     EXPECT_EQ(parser().getProjectMaxIdx(), 7U);
 }
 
-TEST_F(ProjectParserTest, MaximumOnlyGrows) {
+TEST_F(ProjectChainTest, MaximumOnlyGrows) {
     writeSet("");
     system("Model_5=/a\n");
     update();
@@ -243,7 +126,7 @@ TEST_F(ProjectParserTest, MaximumOnlyGrows) {
     EXPECT_EQ(parser().getProjectMaxIdx(), 5U);
 }
 
-TEST_F(ProjectParserTest, ModelNumbersAreReadLeniently) {
+TEST_F(ProjectChainTest, ModelNumbersAreReadLeniently) {
     writeSet("");
     system("[MODELS]\nMy Model_ 3 = /three\nModel_x=/zero\nModel_4th=/four\nmodel_9=/nine\n"
            "path=Model_6\n");
@@ -258,7 +141,7 @@ TEST_F(ProjectParserTest, ModelNumbersAreReadLeniently) {
     EXPECT_THAT(dump(), ::testing::HasSubstr("  Project ini file: Model_6\n"));
 }
 
-TEST_F(ProjectParserTest, NegativeModelNumberIsAHugeMaximum) {
+TEST_F(ProjectChainTest, NegativeModelNumberIsAHugeMaximum) {
     writeSet("");
     system("Model_-1=/minus\n");
     update(-1);
@@ -268,14 +151,14 @@ TEST_F(ProjectParserTest, NegativeModelNumberIsAHugeMaximum) {
                 ::testing::HasSubstr("  Project ID: -1\n  Project max index: 4294967295\n"));
 }
 
-TEST_F(ProjectParserTest, LaterLineOfOneNumberWins) {
+TEST_F(ProjectChainTest, LaterLineOfOneNumberWins) {
     writeSet("");
     system("Model_1=/first\nModel_1=/second\n");
     update();
     EXPECT_THAT(dump(), ::testing::HasSubstr("  Project ini file: /second\n"));
 }
 
-TEST_F(ProjectParserTest, ProjectFileStaysWhenNoLineMatches) {
+TEST_F(ProjectChainTest, ProjectFileStaysWhenNoLineMatches) {
     writeSet("[S]\nk=v\n");
     update(1);
     update(8);
@@ -283,7 +166,7 @@ TEST_F(ProjectParserTest, ProjectFileStaysWhenNoLineMatches) {
     EXPECT_THAT(dump(), ::testing::HasSubstr("  Project ID: 8\n"));
 }
 
-TEST_F(ProjectParserTest, UpdateReadsTheFilesAsTheyAreNow) {
+TEST_F(ProjectChainTest, UpdateReadsTheFilesAsTheyAreNow) {
     writeSet("[S]\nold=1\n");
     update();
     write("model/A.ini", "[S]\nnew=2\n");
@@ -291,7 +174,7 @@ TEST_F(ProjectParserTest, UpdateReadsTheFilesAsTheyAreNow) {
     EXPECT_EQ(items(), "[S]:new=2;");
 }
 
-TEST_F(ProjectParserTest, CustomerFileWithoutSystemFileKeepsTheFormerOne) {
+TEST_F(ProjectChainTest, CustomerFileWithoutSystemFileKeepsTheFormerOne) {
     writeSet("[S]\nk=v\n");
     update();
     customer("CUSTOMER_ID=2\n");
@@ -304,7 +187,7 @@ TEST_F(ProjectParserTest, CustomerFileWithoutSystemFileKeepsTheFormerOne) {
     EXPECT_EQ(parser().getCustomerId(), "2");
 }
 
-TEST_F(ProjectParserTest, BoardItemsReplaceProjectItems) {
+TEST_F(ProjectChainTest, BoardItemsReplaceProjectItems) {
     writeSet("[S]\nk=project\nl=project\n");
     const std::string board = write("board.ini", "[S]\nk=board\n");
     update(1, "/tvconfigs/board.ini");
@@ -312,7 +195,7 @@ TEST_F(ProjectParserTest, BoardItemsReplaceProjectItems) {
     EXPECT_THAT(debugLines(), ElementsAre(StartsWith("[addNewItem ")));
 }
 
-TEST_F(ProjectParserTest, DefaultBoardHasNoFile) {
+TEST_F(ProjectChainTest, DefaultBoardHasNoFile) {
     writeSet("[S]\nk=project\n");
     write("board.ini", "[S]\nk=board\n");
     update(1, "/tvconfigs/board.ini");
@@ -323,7 +206,7 @@ TEST_F(ProjectParserTest, DefaultBoardHasNoFile) {
     EXPECT_THAT(mLog.lines(), IsEmpty());
 }
 
-TEST_F(ProjectParserTest, OnlyTheExactDefaultBoardMeansNone) {
+TEST_F(ProjectChainTest, OnlyTheExactDefaultBoardMeansNone) {
     writeSet("[S]\nk=project\n");
     update(1, "DEFAULT_BOARD_ID\r");
     EXPECT_THAT(dump(), ::testing::HasSubstr("  Board ini file: DEFAULT_BOARD_ID\n"));
@@ -331,14 +214,14 @@ TEST_F(ProjectParserTest, OnlyTheExactDefaultBoardMeansNone) {
                                                        "DEFAULT_BOARD_ID don't exist.")));
 }
 
-TEST_F(ProjectParserTest, BoardIdIsCleanedLikeAValue) {
+TEST_F(ProjectChainTest, BoardIdIsCleanedLikeAValue) {
     writeSet("[S]\nk=project\n");
     write("board.ini", "[S]\nk=board\n");
     update(1, " \"/tvconfigs/board.ini\"; # board\r");
     EXPECT_EQ(get("[S]", "k"), "board");
 }
 
-TEST_F(ProjectParserTest, EmptyBoardIdReadsTheFormerBoardAgain) {
+TEST_F(ProjectChainTest, EmptyBoardIdReadsTheFormerBoardAgain) {
     writeSet("[S]\nk=project\n");
     write("board.ini", "[S]\nk=board\n");
     update(1, "/tvconfigs/board.ini");
@@ -348,7 +231,7 @@ TEST_F(ProjectParserTest, EmptyBoardIdReadsTheFormerBoardAgain) {
     EXPECT_THAT(dump(), ::testing::HasSubstr("  Board ini file: " + tvconfigs() + "/board.ini\n"));
 }
 
-TEST_F(ProjectParserTest, EmptyBoardIdWithoutFormerBoardIsAMissingFile) {
+TEST_F(ProjectChainTest, EmptyBoardIdWithoutFormerBoardIsAMissingFile) {
     writeSet("[S]\nk=project\n");
     update(1, "");
     EXPECT_EQ(items(), "[S]:k=project;");
@@ -356,7 +239,7 @@ TEST_F(ProjectParserTest, EmptyBoardIdWithoutFormerBoardIsAMissingFile) {
                 ElementsAre(MatchesRegex("\\[parse_project_ini [0-9]+\\]  don't exist.")));
 }
 
-TEST_F(ProjectParserTest, MissingFilesAreLoggedAndSkipped) {
+TEST_F(ProjectChainTest, MissingFilesAreLoggedAndSkipped) {
     update();
     EXPECT_THAT(debugLines(), ElementsAre(MatchesRegex("\\[parse_customer_ini [0-9]+\\] " +
                                                        tvconfigs() + "/customer.ini don't exist."),
@@ -366,7 +249,7 @@ TEST_F(ProjectParserTest, MissingFilesAreLoggedAndSkipped) {
     EXPECT_EQ(items(), "");
 }
 
-TEST_F(ProjectParserTest, WhatIsNoFileReadsAsEmpty) {
+TEST_F(ProjectChainTest, WhatIsNoFileReadsAsEmpty) {
     writeSet("[S]\nk=v\n");
     ASSERT_EQ(mkfifo((tvconfigs() + "/fifo").c_str(), 0600), 0);
     update(1, "/tvconfigs/fifo");
@@ -381,7 +264,7 @@ TEST_F(ProjectParserTest, WhatIsNoFileReadsAsEmpty) {
     EXPECT_THAT(errors(), Contains(tvconfigs() + "/fifo: cannot be read: not a regular file"));
 }
 
-TEST_F(ProjectParserTest, EmptyFilesGiveNothing) {
+TEST_F(ProjectChainTest, EmptyFilesGiveNothing) {
     customer("");
     update();
     EXPECT_EQ(items(), "");
@@ -390,7 +273,7 @@ TEST_F(ProjectParserTest, EmptyFilesGiveNothing) {
     EXPECT_EQ(items(), "");
 }
 
-TEST_F(ProjectParserTest, NullProjectPathIsLogged) {
+TEST_F(ProjectChainTest, NullProjectPathIsLogged) {
     ProjectParserPeer::parseProjectIni(parser(), nullptr);
     EXPECT_THAT(debugLines(), ElementsAre("path is null"));
     EXPECT_THAT(debugLines(), Not(Contains(StartsWith("["))));
