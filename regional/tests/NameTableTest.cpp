@@ -17,7 +17,6 @@ namespace {
 
 using mlk::testing::LogCapture;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr auto kRows = sortedByName(
         std::array<NamedValue, 4>{{{"PEAR", 0}, {"APPLE", 7}, {"QUINCE", -1}, {"FIG", 7}}});

@@ -1,0 +1,201 @@
+#include "regional/CountryFreqMapParse.h"
+
+#include <TvPartitionPath.h>
+#include <android/log.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "regional/CountryListParser.h"
+#include "regional/XmlFile.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+struct CableTypeRow {
+    std::string_view word;  // what TYPE begins with
+    AtscCableType type;
+    const char* logged;
+};
+
+constexpr CableTypeRow kCableTypes[] = {
+        {"AUTO", AtscCableType::AUTO, "auto"},
+        {"STD", AtscCableType::STD, "std"},
+        {"HRC", AtscCableType::HRC, "hrc"},
+        {"IRC", AtscCableType::IRC, "irc"},
+};
+
+// All tables of one cable element name, the first of each type.
+CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block,
+                                               const char* element) {
+    CountryFreqMapEntry::CableTables tables;
+    for (const auto* cable = block.FirstChildElement(element); cable != nullptr;
+         cable = cable->NextSiblingElement(element)) {
+        AtscCableType type = AtscCableType::AUTO;
+        const char* const text = cable->GetText();
+        if (const char* const value = cable->Attribute("TYPE")) {
+            const std::string_view given = value;
+            const auto* const row = std::find_if(
+                    std::begin(kCableTypes), std::end(kCableTypes), [given](const CableTypeRow& r) {
+                        return given.substr(0, r.word.size()) == r.word;
+                    });
+            if (row == std::end(kCableTypes)) {
+                continue;
+            }
+            type = row->type;
+            __android_log_print(ANDROID_LOG_DEBUG, kTag, "loadCountryFreqMapXML cable %s name: %s",
+                                row->logged, orEmpty(text));
+        }
+        if (text != nullptr) {
+            tables.try_emplace(type, text);
+        }
+    }
+    return tables;
+}
+
+// Text of an antenna element; empty, with a message, when the block has none.
+const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
+                      const char* complaint) {
+    if (block.FirstChildElement(element) == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "loadCountryFreqMapXML without %s", complaint);
+    }
+    return orEmpty(textOfChild(block, element));
+}
+
+// The table of one kind; null when the entry says nothing of it.
+const std::string* tableOf(const CountryFreqMapEntry& entry, FreqTableType type,
+                           AtscCableType cableType) {
+    const auto inCable = [cableType](const CountryFreqMapEntry::CableTables& tables) {
+        const auto table = tables.find(cableType);
+        return table != tables.end() ? &table->second : nullptr;
+    };
+    switch (type) {
+        case FreqTableType::DTV_ANTENNA:
+            return &entry.dtvAntenna;
+        case FreqTableType::DTV_CABLE:
+            return inCable(entry.dtvCable);
+        case FreqTableType::ATV_ANTENNA:
+            return &entry.atvAntenna;
+        case FreqTableType::ATV_CABLE:
+            return inCable(entry.atvCable);
+    }
+    return nullptr;  // a client may send any number
+}
+
+}  // namespace
+
+CountryFreqMapParse& CountryFreqMapParse::GetInstance() {
+    static CountryFreqMapParse instance;
+    return instance;
+}
+
+std::string CountryFreqMapParse::GetTvConfigPath() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return tvConfigPathLocked();
+}
+
+bool CountryFreqMapParse::GetFreqTableNameByCountry(const std::string& path, _tv_country country,
+                                                    FreqTableType type, AtscCableType cableType,
+                                                    std::string& name) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (path.empty()) {
+        tvConfigPathLocked();
+    } else {
+        mTvConfigPath = path;
+    }
+    std::string countryName;
+    const bool known = CountryListParser::GetInstance().getCountryName(country, countryName);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "CountryFreqMapParse country index %d, success %d, name %s",
+                        static_cast<int>(country), known ? 1 : 0, countryName.c_str());
+    return !countryName.empty() && lookUpLocked(countryName, type, cableType, name);
+}
+
+bool CountryFreqMapParse::GetFreqTableNameByCountryName(const std::string& countryName,
+                                                        FreqTableType type, AtscCableType cableType,
+                                                        std::string& name) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return lookUpLocked(countryName, type, cableType, name);
+}
+
+bool CountryFreqMapParse::loadCountryFreqMapXML() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return loadLocked();
+}
+
+const std::string& CountryFreqMapParse::tvConfigPathLocked() {
+    if (mTvConfigPath.empty()) {
+        mTvConfigPath =
+                std::string(TvPartitionPath::GetInstance()->GetTvconfigsPath()) + "/freqtables";
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTvConfigPath from TvPartitionPath: %s",
+                            mTvConfigPath.c_str());
+    }
+    return mTvConfigPath;
+}
+
+bool CountryFreqMapParse::lookUpLocked(const std::string& countryName, FreqTableType type,
+                                       AtscCableType cableType, std::string& name) {
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "coutryFreqMap size: %d",
+                        static_cast<int>(mCoutryFreqMap.size()));
+    const bool loaded = mCoutryFreqMap.empty() && loadLocked();
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetFreqTableNameByCountryName read success: %d",
+                        loaded ? 1 : 0);
+    if (mCoutryFreqMap.empty()) {
+        return loaded;
+    }
+    bool found = false;
+    for (const CountryFreqMapEntry& entry : mCoutryFreqMap) {
+        if (entry.countryName != countryName) {
+            continue;
+        }
+        // Of a country's blocks the last that has the table wins.
+        if (const std::string* const table = tableOf(entry, type, cableType)) {
+            name = *table;
+            found = true;
+        }
+    }
+    return found;
+}
+
+bool CountryFreqMapParse::loadLocked() {
+    const std::string path = mTvConfigPath + "/country_freq_map.xml";
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "loadCountryFreqMapXML begin, country freq map size: %d, %s",
+                        static_cast<int>(mCoutryFreqMap.size()), path.c_str());
+    mCoutryFreqMap.clear();
+    const XmlFile file(path);
+    if (const char* const error = file.error()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "loadCountryFreqMapXML LoadFile fail, error %s", error);
+        return false;
+    }
+    for (const auto* block = file.first("COUNTRY_FREQ_MAP"); block != nullptr;
+         block = block->NextSiblingElement()) {
+        addBlockLocked(*block);
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "loadCountryFreqMapXML done, size %d",
+                        static_cast<int>(mCoutryFreqMap.size()));
+    return true;
+}
+
+void CountryFreqMapParse::addBlockLocked(const tinyxml2::XMLElement& block) {
+    const char* const countryName = textOfChild(block, "COUNTRY_NAME");
+    if (countryName == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "loadCountryFreqMapXML without country name");
+        return;
+    }
+    CountryFreqMapEntry entry;
+    entry.countryName = countryName;
+    entry.dtvAntenna = antennaOf(block, "DTV_ANTENA", "antena name");
+    entry.atvAntenna = antennaOf(block, "ATV_ANTENA", "antena a name");
+    entry.dtvCable = cableTablesOf(block, "DTV_CABLE");
+    entry.atvCable = cableTablesOf(block, "ATV_CABLE");
+    mCoutryFreqMap.push_back(std::move(entry));
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

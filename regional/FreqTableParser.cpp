@@ -1,0 +1,164 @@
+#include "regional/FreqTableParser.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "common/Decimal.h"
+#include "common/Paths.h"
+#include "regional/CountryFreqMapParse.h"
+#include "regional/NameTable.h"
+#include "regional/TextFile.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr size_t kPieceSize = 49;
+constexpr int32_t kDefaultBandwidth = 6000000;
+
+// "ATV}" has its brace in the files of every product; without it the word is a label.
+constexpr auto kModulations = sortedByName(std::array<NamedValue, 24>{{
+        {"UNKNOW", 0},    {"ATV}", 1},    {"OQPSK", 2},      {"VSB8", 3},        {"VSB16", 4},
+        {"QAM_AUTO", 5},  {"QAM4", 6},    {"QAM16", 7},      {"QAM32", 8},       {"QAM64", 9},
+        {"QAM128", 10},   {"QAM256", 11}, {"QAM512", 12},    {"QAM1024", 13},    {"QPSK", 14},
+        {"BPSK", 15},     {"OFDM", 16},   {"ISDB_AUTO", 17}, {"DVB_AUTO", 18},   {"DTMB_AUTO", 19},
+        {"ABS_AUTO", 20}, {"DVB_S", 21},  {"DVB_S2", 22},    {"DVB_S_AUTO", 23},
+}});
+
+NameTable& modulations() {
+    static NameTable table(kModulations);
+    return table;
+}
+
+// The next piece, up to its line feed, the limit or the end. Takes it off the text. A NUL byte ends
+// what can be seen of the piece, as in a fixed buffer.
+std::string_view takePiece(std::string_view& text) {
+    std::string_view piece = text.substr(0, kPieceSize);
+    const size_t lineFeed = piece.find('\n');
+    if (lineFeed != std::string_view::npos) {
+        piece = piece.substr(0, lineFeed + 1);
+    }
+    text.remove_prefix(piece.size());
+    return piece.substr(0, piece.find('\0'));
+}
+
+// The next column; empty when there is none. Takes it off the piece.
+std::string_view nextColumn(std::string_view& piece) {
+    constexpr std::string_view kDelimiters = " ,\r\n";
+    piece.remove_prefix(std::min(piece.find_first_not_of(kDelimiters), piece.size()));
+    const std::string_view column = piece.substr(0, piece.find_first_of(kDelimiters));
+    piece.remove_prefix(column.size());
+    return column;
+}
+
+HidlFreqListItem parsePiece(std::string_view piece) {
+    HidlFreqListItem item{};
+    std::string_view column = nextColumn(piece);
+    if (column.empty()) {
+        return item;
+    }
+    item.channel = static_cast<uint16_t>(parseDecimal(column));
+    if (column = nextColumn(piece); column.empty()) {
+        return item;
+    }
+    const int32_t bandwidth = parseDecimal(column);
+    item.bandwidth = bandwidth != 0 ? bandwidth : kDefaultBandwidth;
+    item.frequency = parseDecimal(nextColumn(piece));
+    if (column = nextColumn(piece); column.empty()) {
+        return item;
+    }
+    if (const std::optional<int32_t> modulation = modulations().find(column)) {
+        item.modulation = *modulation;
+    } else {
+        const size_t length = std::min(column.size(), item.label.size() - 1);
+        std::copy_n(column.begin(), length, item.label.data());
+    }
+    if (column = nextColumn(piece); !column.empty()) {
+        item.modulation = modulations().valueOf(column);
+    }
+    return item;
+}
+
+std::string_view folderOf(FreqTableType type) {
+    switch (type) {
+        case FreqTableType::DTV_ANTENNA:
+        case FreqTableType::DTV_CABLE:
+            return "/dtv/";
+        case FreqTableType::ATV_ANTENNA:
+        case FreqTableType::ATV_CABLE:
+            return "/atv/";
+    }
+    return "";  // a client may send any number
+}
+
+}  // namespace
+
+bool FreqTableParser::GetTableList(const std::string& directory, _tv_country country,
+                                   FreqTableType type, AtscCableType cableType,
+                                   std::vector<HidlFreqListItem>& items) {
+    std::string name;
+    const bool known = CountryFreqMapParse::GetInstance().GetFreqTableNameByCountry(
+            directory, country, type, cableType, name);
+    if (!known || name.empty()) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTableList sucess %d freqName: %s",
+                            known ? 1 : 0, name.c_str());
+        return false;
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "GetTableList country index %d type %d, freqName: %s",
+                        static_cast<int>(country), static_cast<int>(type), name.c_str());
+    std::string path;
+    const bool exists = GetFreqTablePath(type, name, path);
+    __android_log_print(exists ? ANDROID_LOG_DEBUG : ANDROID_LOG_ERROR, kTag,
+                        "GetTableList full freq path,sucess %d: %s", exists ? 1 : 0, path.c_str());
+    if (!exists) {
+        return false;
+    }
+    const bool parsed = ParseFreqTable(path, items);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTableList get freq ,sucess %d: size: %d",
+                        parsed ? 1 : 0, static_cast<int>(items.size()));
+    return parsed;
+}
+
+bool FreqTableParser::GetFreqTablePath(FreqTableType type, const std::string& name,
+                                       std::string& path) {
+    if (name.empty()) {
+        return false;
+    }
+    path = CountryFreqMapParse::GetInstance().GetTvConfigPath();
+    path += folderOf(type);
+    path += name;
+    return pathExists(path);
+}
+
+bool FreqTableParser::ParseFreqTable(const std::string& path,
+                                     std::vector<HidlFreqListItem>& items) {
+    if (path.empty()) {
+        return false;
+    }
+    std::string text;
+    if (readTextFile(path, text) != ReadResult::DONE) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s %d] fd is null, %s", __func__, 92,
+                            path.c_str());
+        return false;
+    }
+    items.clear();
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view piece = takePiece(rest);
+        if (piece.size() < 2 || piece.substr(0, 2) == "//") {
+            continue;
+        }
+        const HidlFreqListItem item = parsePiece(piece);
+        if (item.frequency >= 1) {
+            items.push_back(item);
+        }
+    }
+    return true;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

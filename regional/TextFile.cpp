@@ -1,0 +1,54 @@
+#include "regional/TextFile.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "common/File.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr size_t kChunk = size_t{64} * 1024;
+
+ReadResult unreadable(const std::string& path, const std::string& reason) {
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
+                        reason.c_str());
+    return ReadResult::UNREADABLE;
+}
+
+}  // namespace
+
+ReadResult readTextFile(const std::string& path, std::string& text) {
+    File file(path);
+    if (!file.isOpen()) {
+        return file.isMissing() ? ReadResult::MISSING : unreadable(path, file.reason());
+    }
+    // A file can grow, and some of the kernel's own claim to have no size.
+    std::string content;
+    size_t filled = 0;
+    ssize_t count = 0;
+    do {
+        filled += static_cast<size_t>(count);
+        if (filled > kMostFileBytes) {
+            return unreadable(path, "larger than " + std::to_string(kMostFileBytes) + " bytes");
+        }
+        if (filled == content.size()) {
+            content.resize(std::max(filled + kChunk, std::min(file.size(), kMostFileBytes) + 1));
+        }
+        count = file.read(content.data() + filled, content.size() - filled);
+    } while (count > 0);
+    if (count < 0) {
+        return unreadable(path, std::generic_category().message(errno));
+    }
+    content.resize(filled);
+    text = std::move(content);
+    return ReadResult::DONE;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
