@@ -1,0 +1,153 @@
+#include "regional/TvSysMapCfgHolder.h"
+
+#include <android/log.h>
+#include <cutils/properties.h>
+
+#include <utility>
+
+#include "common/Decimal.h"
+#include "common/Paths.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+bool dumpsAreOn() {
+    char value[PROPERTY_VALUE_MAX] = {};
+    property_get("persist.vendor.mlk.tvsysmap.debug", value, "0");
+    return parseDecimal(value) >= 1;
+}
+
+}  // namespace
+
+ConfigItems TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country country) {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    ConfigItems configs;
+    if (mTvSysToConfigMap.empty()) {
+        if (!loadConfigXmlFile(xmlFile)) {
+            return configs;
+        }
+        dumpConfigXmlFile();
+    }
+    if (mCoutryTvConfigMap.empty()) {
+        loadCountryTvConfigMapXML();
+        dumpTvConfigMap();
+    }
+    if (country == kNoCountry) {
+        parseCountryId();
+        if (mCountryIdx == kNoCountry) {
+            __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s] chkchk mCountryIdx=%d", __func__,
+                                static_cast<int>(mCountryIdx));
+            return configs;
+        }
+    } else {
+        mCountryIdx = country;
+    }
+    const std::string tvSysName = getTvSysName(mCountryIdx);
+    for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
+        // A country without a TV system must not pick up one without a name.
+        if (!tvSysName.empty() && system.tvSysName == tvSysName) {
+            configs.insert(system.configs.begin(), system.configs.end());
+        }
+    }
+    std::string tvConfig = getTvConfigFilePath(mCountryIdx);
+    if (!tvConfig.empty()) {
+        configs.insert_or_assign(ConfigKey("[LiveTV]", "TvConfig"), std::move(tvConfig));
+    }
+    return configs;
+}
+
+std::string TvSysMapCfgHolder::getTvSysName(_tv_country country) const {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    const CoutryTvConfigMap* const record = recordOf(country);
+    return record != nullptr ? record->tvSysName : std::string();
+}
+
+std::string TvSysMapCfgHolder::getTvConfigName(_tv_country country) const {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    const CoutryTvConfigMap* const record = recordOf(country);
+    return record != nullptr ? record->tvConfigName : std::string();
+}
+
+std::string TvSysMapCfgHolder::getTvConfigFilePath(_tv_country country) const {
+    std::string path = getTvConfigName(country);
+    if (!path.empty() && !moveToTvconfigs(path)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "TV_CONFIG %s does not lie below /tvconfigs",
+                            path.c_str());
+        path.clear();
+    }
+    return path;
+}
+
+bool TvSysMapCfgHolder::isFileExist(const std::string& path) {
+    const bool exists = pathExists(path);
+    if (!exists) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] %s don't exist.", __func__, __LINE__,
+                            path.c_str());
+    }
+    return exists;
+}
+
+void TvSysMapCfgHolder::dumpConfigXmlFile() const {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    if (!dumpsAreOn()) {
+        return;
+    }
+    for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s] tvSystem=%s", __func__,
+                            system.tvSysName.c_str());
+        for (const auto& [key, value] : system.configs) {
+            __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
+                                key.key.c_str(), value.c_str());
+        }
+    }
+}
+
+void TvSysMapCfgHolder::dumpTvConfigMap() const {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    if (!dumpsAreOn()) {
+        return;
+    }
+    std::string path = mCountryTvConfigMapFile;
+    if (path.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] chkchk countryTvSysMapXML is empty!!",
+                            __func__, __LINE__);
+        return;
+    }
+    if (!moveToTvconfigs(path)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__,
+                            __LINE__, path.c_str());
+        return;
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s] tv_config_map_xml path=%s", __func__,
+                        path.c_str());
+    for (const CoutryTvConfigMap& record : mCoutryTvConfigMap) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s\t:%s\t:%s", record.countryName.c_str(),
+                            record.tvSysName.c_str(), record.tvConfigName.c_str());
+    }
+}
+
+_tv_country TvSysMapCfgHolder::currentCountry() const {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    return mCountryIdx;
+}
+
+// The first record whose name contains the country's, not the one that equals it: products order
+// their maps by that.
+const CoutryTvConfigMap* TvSysMapCfgHolder::recordOf(_tv_country country) const {
+    const std::string name = getCountryName(country);
+    if (name.empty()) {
+        return nullptr;
+    }
+    for (const CoutryTvConfigMap& record : mCoutryTvConfigMap) {
+        if (record.countryName.find(name) != std::string::npos) {
+            return &record;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

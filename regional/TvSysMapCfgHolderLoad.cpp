@@ -1,0 +1,175 @@
+// The two XML files of TvSysMapCfgHolder, and the paths in them.
+
+#include <TvPartitionPath.h>
+#include <android/log.h>
+
+#include <string_view>
+#include <utility>
+
+#include "regional/TvSysMapCfgHolder.h"
+#include "regional/XmlFile.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr std::string_view kTvconfigs = "/tvconfigs";
+constexpr std::string_view kTvdata = "/tvdata";
+
+NameTable& names() {
+    static NameTable table = countryNames();
+    return table;
+}
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+// Text of an element of a country block; empty, with a message, when there is no such element.
+std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
+                            const char* function, int line, const char* complaint) {
+    if (block.FirstChildElement(element) == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] without %s", function, line,
+                            complaint);
+    }
+    return orEmpty(textOfChild(block, element));
+}
+
+}  // namespace
+
+bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] xmlFile=%s", __func__, 224,
+                        xmlFile.c_str());
+    if (xmlFile.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] chkchk xmlFile is empty!!", __func__,
+                            227);
+        return false;
+    }
+    const XmlFile file(xmlFile);
+    if (const char* const error = file.error()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] LoadFile fail, error %s", __func__,
+                            235, error);
+        return false;
+    }
+    const tinyxml2::XMLElement* const mapFile = file.first("CountryTvSysMapXML");
+    mCountryTvConfigMapFile = mapFile != nullptr ? orEmpty(mapFile->GetText()) : "";
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCountryTvConfigMapFile=%s", __func__,
+                        243, mCountryTvConfigMapFile.c_str());
+    mTvSysToConfigMap.clear();
+    if (const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration")) {
+        for (const auto* element = section->FirstChildElement("TvSystem"); element != nullptr;
+             element = element->NextSiblingElement()) {
+            addTvSystem(xmlFile, *element, mTvSysToConfigMap);
+        }
+    }
+    return true;
+}
+
+void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XMLElement& element,
+                                    std::vector<TvSysToConfigMap>& systems) {
+    const char* const type = element.Attribute("type");
+    if (type == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s:%d: TV system without type, skipped",
+                            file.c_str(), element.GetLineNum());
+        return;
+    }
+    TvSysToConfigMap system;
+    system.tvSysName = type;
+    for (const auto* item = element.FirstChildElement("Item"); item != nullptr;
+         item = item->NextSiblingElement()) {
+        const char* const category = item->Attribute("category");
+        const char* const key = item->Attribute("key");
+        const char* const value = item->Attribute("value");
+        if (category == nullptr || key == nullptr || value == nullptr) {
+            __android_log_print(ANDROID_LOG_ERROR, kTag,
+                                "%s:%d: item without category, key or value, skipped", file.c_str(),
+                                item->GetLineNum());
+            continue;
+        }
+        system.configs.try_emplace(ConfigKey(category, key), patchToTargetBoardPath(value));
+    }
+    systems.push_back(std::move(system));
+}
+
+bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
+    const std::lock_guard<std::recursive_mutex> lock(mMutex);
+    std::string path = mCountryTvConfigMapFile;
+    if (path.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] countryTvSysMapXML is empty!!",
+                            __func__, 373);
+        return false;
+    }
+    if (!moveToTvconfigs(path)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__, 383,
+                            path.c_str());
+        return false;
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCoutryTvConfigMap.size()=%d, xmlPath=%s",
+                        __func__, 386, static_cast<int>(mCoutryTvConfigMap.size()), path.c_str());
+    const XmlFile file(path);
+    if (const char* const error = file.error()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] LoadFile fail, error %s", __func__,
+                            392, error);
+        return false;
+    }
+    mCoutryTvConfigMap.clear();
+    mCountryList.clear();
+    for (const auto* block = file.first("COUNTRY_TVCONFIG_MAP"); block != nullptr;
+         block = block->NextSiblingElement()) {
+        addCountry(*block);
+    }
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "[%s:%d] size of {mCoutryTvConfigMap, mCountryList}={%d, %d}", __func__,
+                        436, static_cast<int>(mCoutryTvConfigMap.size()),
+                        static_cast<int>(mCountryList.size()));
+    return true;
+}
+
+void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
+    constexpr const char* kFunction = "loadCountryTvConfigMapXML";  // whose messages these are
+    const char* const countryName = textOfChild(block, "COUNTRY_NAME");
+    if (countryName == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] without country name", kFunction,
+                            432);
+        return;
+    }
+    mCountryList.push_back(_tv_country{names().valueOf(countryName)});
+    CoutryTvConfigMap record;
+    record.countryName = countryName;
+    record.tvSysName = textOrComplaint(block, "TV_SYSTEM", kFunction, 417, "tvSysName");
+    record.tvConfigName = textOrComplaint(block, "TV_CONFIG", kFunction, 427, "tvConfigName");
+    mCoutryTvConfigMap.push_back(std::move(record));
+}
+
+std::string TvSysMapCfgHolder::getCountryName(_tv_country country) {
+    std::string name;
+    names().firstNameOf(country, name);
+    return name;
+}
+
+std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) {
+    const TvPartitionPath& paths = *TvPartitionPath::GetInstance();
+    if (startsWith(value, kTvconfigs)) {
+        return paths.GetTvconfigsPath() + value.substr(kTvconfigs.size());
+    }
+    if (startsWith(value, kTvdata)) {
+        return paths.GetTvdataPath() + value.substr(kTvdata.size());
+    }
+    return value;
+}
+
+// Replaces everything up to "/tvconfigs" and that by the partition's path: files are moved between
+// products whose partitions lie elsewhere. False when the path does not contain it.
+bool TvSysMapCfgHolder::moveToTvconfigs(std::string& path) {
+    const size_t at = path.find(kTvconfigs);
+    if (at == std::string::npos) {
+        return false;
+    }
+    path.replace(0, at + kTvconfigs.size(), TvPartitionPath::GetInstance()->GetTvconfigsPath());
+    return true;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

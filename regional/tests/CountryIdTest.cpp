@@ -1,0 +1,221 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <string>
+
+#include "regional/TvSysMapCfgHolder.h"
+#include "regional/tests/TvSysMapFiles.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr _tv_country kGermany{14};
+constexpr _tv_country kUsa{44};
+
+// While it lives, files can be created but nothing can be written to them.
+class FullDisk {
+  public:
+    FullDisk() : mFormerAction(signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &mFormer), 0);
+        rlimit none = mFormer;
+        none.rlim_cur = 0;
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &mFormer);
+        static_cast<void>(signal(SIGXFSZ, mFormerAction));
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit mFormer{};
+    sighandler_t mFormerAction;
+};
+
+class CountryIdTest : public ::testing::Test, protected TvSysMapFiles {
+  protected:
+    CountryIdTest() : mFormerMask(umask(022)) {}
+    ~CountryIdTest() override { umask(mFormerMask); }
+    static mode_t modeOf(const std::string& path) {
+        struct stat about {};
+        EXPECT_EQ(stat(path.c_str(), &about), 0) << path;
+        return about.st_mode & 07777U;
+    }
+    _tv_country parse(const std::string& text) {
+        writeCountryId(text);
+        mHolder.parseCountryId();
+        return mHolder.currentCountry();
+    }
+    // Puts something in the place of the folder that lets no file be created in it.
+    void blockFolder() const { set().dir().write("tvdata/tvsysmap", "a file"); }
+
+    const mode_t mFormerMask;
+    TvSysMapCfgHolder mHolder;
+};
+
+TEST_F(CountryIdTest, SavesACountry) {
+    EXPECT_EQ(TvSysMapCfgHolder::getCountryBinFolderPath(), folder());
+    EXPECT_TRUE(mHolder.saveCountryId(kGermany));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
+    EXPECT_EQ(modeOf(folder()), 0700U);
+    EXPECT_EQ(modeOf(file()), 0644U);
+    EXPECT_THAT(debugLines(), Contains("[saveCountryId:133] id=14"));
+    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_NE(access((file() + ".new").c_str(), F_OK), 0) << "nothing is left lying about";
+}
+
+TEST_F(CountryIdTest, ASavedCountryReplacesTheFormerOneWhole) {
+    writeCountryId("COUNTRY_ID=185\nmore\n");
+    EXPECT_TRUE(mHolder.saveCountryId(_tv_country{0}));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=0\n");
+    EXPECT_TRUE(mHolder.saveCountryId(_tv_country{-2})) << "only -1 means no country";
+    EXPECT_EQ(countryId(), "COUNTRY_ID=-2\n");
+}
+
+TEST_F(CountryIdTest, NoCountryIsNotSaved) {
+    EXPECT_FALSE(mHolder.saveCountryId(kNoCountry));
+    EXPECT_THAT(debugLines(), ElementsAre("[saveCountryId:133] id=-1"));
+    EXPECT_NE(access(folder().c_str(), F_OK), 0);
+    writeCountryId("COUNTRY_ID=14\n");
+    EXPECT_FALSE(mHolder.saveCountryId(kNoCountry));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
+}
+
+TEST_F(CountryIdTest, AFolderThatCannotBeMade) {
+    ASSERT_EQ(rmdir(set().tvdata().c_str()), 0);
+    EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    EXPECT_THAT(errors(), ElementsAre("[saveCountryId:142] create " + folder() + " failed!",
+                                      "[saveCountryId:153] Open " + file() + " failed!"));
+    log().clear();
+    writeBoth();
+    mHolder.getConfigs(set().tvconfigs() + "/tvsys.xml", kNoCountry);
+    EXPECT_THAT(errors(), ElementsAre("[parseCountryId:484] create " + folder() + " failed!",
+                                      "[parseCountryId:524] Open " + file() + " failed!",
+                                      "[getConfigs] chkchk mCountryIdx=-1"));
+}
+
+TEST_F(CountryIdTest, AFileThatCannotBeCreated) {
+    blockFolder();
+    EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    EXPECT_THAT(errors(), ElementsAre("[saveCountryId:153] Open " + file() + " failed!"));
+}
+
+TEST_F(CountryIdTest, AFolderInPlaceOfTheFile) {
+    set().dir().mkdir("tvdata/tvsysmap/country_id.bin");
+    EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(errors().back(), "[saveCountryId:153] Open " + file() + " failed!");
+    EXPECT_NE(access((file() + ".new").c_str(), F_OK), 0);
+    mHolder.parseCountryId();
+    EXPECT_EQ(errors().back(), "[parseCountryId:505] Open " + file() + " failed!");
+    EXPECT_EQ(mHolder.currentCountry(), kNoCountry);
+}
+
+TEST_F(CountryIdTest, ADiskThatIsFullKeepsTheOldCountry) {
+    writeCountryId("COUNTRY_ID=14\n");
+    {
+        const FullDisk full;
+        EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    }
+    EXPECT_THAT(errors(), ElementsAre(file() + ": cannot be written: File too large"));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
+    EXPECT_NE(access((file() + ".new").c_str(), F_OK), 0);
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
+}
+
+TEST_F(CountryIdTest, AFirstStartOnAFullDiskStillHasACountry) {
+    const std::string xml = writeBoth();
+    const FullDisk full;
+    EXPECT_THAT(textOf(mHolder.getConfigs(xml, kNoCountry)), HasSubstr("eu.config"));
+    EXPECT_NE(access(file().c_str(), F_OK), 0);
+}
+
+TEST_F(CountryIdTest, WhatAnInterruptedSaveLeftIsNoObstacle) {
+    writeCountryId("COUNTRY_ID=14\n");
+    set().dir().write("tvdata/tvsysmap/country_id.bin.new", "COUNTRY_ID=1234567890\n");
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kGermany);
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
+}
+
+TEST_F(CountryIdTest, TheFirstStartSavesTheMapsFirstCountry) {
+    const std::string xml = writeBoth();
+    EXPECT_EQ(textOf(mHolder.getConfigs(xml, kNoCountry)),
+              "[A]:k=" + set().tvdata() + "/x;[LiveTV]:Hbbtv=true;[LiveTV]:TvConfig=" +
+                      set().tvconfigs() + "/tv/eu.config;");
+    EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
+    EXPECT_EQ(modeOf(folder()), 0700U);
+    EXPECT_EQ(modeOf(file()), 0644U);
+    EXPECT_THAT(debugLines(), Contains("[parseCountryId:500] country_id.bin=" + file() +
+                                       " (isRead=0, isWrite=1)"));
+    EXPECT_EQ(debugLines().back(), "[parseCountryId:538] mCountryIdx=14");
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(CountryIdTest, LaterStartsReadTheSavedCountry) {
+    const std::string xml = writeBoth();
+    writeCountryId("COUNTRY_ID=44\n");
+    EXPECT_THAT(textOf(mHolder.getConfigs(xml, kNoCountry)), HasSubstr("na.config"));
+    EXPECT_THAT(debugLines(), Contains("[parseCountryId:500] country_id.bin=" + file() +
+                                       " (isRead=1, isWrite=0)"));
+    EXPECT_EQ(debugLines().back(), "[parseCountryId:538] mCountryIdx=44");
+    EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
+}
+
+TEST_F(CountryIdTest, AFileWithoutCountryGivesNothing) {
+    const std::string xml = writeBoth();
+    for (const char* const text : {"COUNTRY_ID=-1\n", "nothing\n", "", "COUNTRY_ID\n"}) {
+        writeCountryId(text);
+        TvSysMapCfgHolder holder;
+        log().clear();
+        EXPECT_THAT(holder.getConfigs(xml, kNoCountry), IsEmpty()) << text;
+        EXPECT_EQ(errors().back(), "[getConfigs] chkchk mCountryIdx=-1") << text;
+        EXPECT_EQ(countryId(), text) << "a file that is there is left alone";
+    }
+}
+
+TEST_F(CountryIdTest, TheFirstLineWithTheKeywordCounts) {
+    EXPECT_EQ(parse("x\n\n# COUNTRY_ID = 44 or so\nCOUNTRY_ID=14\n"), kUsa);
+    EXPECT_EQ(parse("a=7 COUNTRY_ID=14\n"), _tv_country{7}) << "the text behind the first =";
+    EXPECT_EQ(parse("COUNTRY_ID=14"), kGermany);
+    EXPECT_EQ(parse("COUNTRY_ID=x\n"), _tv_country{0});
+    EXPECT_EQ(parse("COUNTRY_ID=99999999999999999999\n"), kNoCountry) << "as any number too large";
+    EXPECT_EQ(parse("COUNTRY_ID\nCOUNTRY_ID=14\n"), kNoCountry);
+    EXPECT_EQ(parse(std::string(300, 'x') + "COUNTRY_ID=14\nCOUNTRY_ID=44\n"), kUsa)
+            << "a line is seen up to its 255th byte";
+}
+
+TEST_F(CountryIdTest, WithoutAMapNothingIsSaved) {
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kNoCountry);
+    EXPECT_NE(access(file().c_str(), F_OK), 0) << "a later start must find no country";
+    EXPECT_THAT(errors(), IsEmpty());
+    const std::string xml = writeSystems("");
+    writeCountries("<X/>");
+    EXPECT_THAT(mHolder.getConfigs(xml, kNoCountry), IsEmpty());
+    EXPECT_NE(access(file().c_str(), F_OK), 0);
+}
+
+TEST_F(CountryIdTest, AFifoInPlaceOfTheFileHoldsNobodyUp) {
+    set().dir().mkdir("tvdata/tvsysmap");
+    ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
+    mHolder.parseCountryId();
+    EXPECT_EQ(errors().back(), "[parseCountryId:505] Open " + file() + " failed!");
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kUsa);
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
