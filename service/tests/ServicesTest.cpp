@@ -15,7 +15,6 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-using ::android::hardware::Return;
 using ::android::hardware::Status;
 using ::mlk::testing::HostSet;
 using ::testing::ElementsAre;
