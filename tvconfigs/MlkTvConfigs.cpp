@@ -246,6 +246,18 @@ Return<void> MlkTvConfigs::setFlag(ConfigType type, bool enabled, setFlag_cb _hi
 }
 
 bool MlkTvConfigs::Reload(const char* path) {
+    // The name of the method that was called.
+    constexpr char kMethod[] = "reloadTvConfig";
+    if (path == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
+                            "[%s:%d] invalid paramter (path is null)", kMethod, __LINE__);
+        return false;
+    }
+    if (mFileEditor == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
+                            "[%s:%d] invalid paramter (mEditorLst's size is 0)", kMethod, __LINE__);
+        return false;
+    }
     const std::lock_guard<std::mutex> guard(mChangeLock);
     if (!mFileEditor->Update(path)) {
         return false;
@@ -256,18 +268,7 @@ bool MlkTvConfigs::Reload(const char* path) {
 }
 
 Return<void> MlkTvConfigs::reloadTvConfig(const hidl_string& path, reloadTvConfig_cb _hidl_cb) {
-    bool reloaded = false;
-    if (path.c_str() == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
-                            "[%s:%d] invalid paramter (path is null)", __func__, __LINE__);
-    } else if (mFileEditor == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
-                            "[%s:%d] invalid paramter (mEditorLst's size is 0)", __func__,
-                            __LINE__);
-    } else {
-        reloaded = Reload(path.c_str());
-    }
-    _hidl_cb({true, reloaded});
+    _hidl_cb({true, Reload(path.c_str())});
     return Void();
 }
 

@@ -69,6 +69,9 @@ class MlkTvConfigs : public IMlkTvConfigs {
     /// With editors of the caller's choice: the file's, null for none at all, and those after it.
     MlkTvConfigs(std::unique_ptr<FileConfigEditor> fileEditor, EditorList others);
 
+    /// What reloadTvConfig does with its path's text, which can be null on some platforms.
+    bool Reload(const char* path);
+
   private:
     int32_t GetInt32(const char* key, int32_t defaultValue) const;
     bool GetBool(const char* key, bool defaultValue) const;
@@ -85,7 +88,6 @@ class MlkTvConfigs : public IMlkTvConfigs {
     Value Cached(Value TvConfigInfo::*field) const;
     OptionalInt32 SetSystem(const SystemRow& row, int32_t system);
     OptionalBool SetFlag(const FlagRow& row, bool enabled);
-    bool Reload(const char* path);
 
     /// Held by setters and reloads from beginning to end, and by nobody else; covers the editors.
     std::mutex mChangeLock;

@@ -9,7 +9,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using ::android::sp;
-using ::android::hardware::hidl_string;
 using ::testing::ElementsAre;
 using ::testing::MatchesRegex;
 using ::testing::StartsWith;
@@ -117,12 +116,11 @@ TEST_F(ReloadTest, AFileWithALineTooLongCountsUpToIt) {
 }
 
 TEST_F(ReloadTest, ANullPathIsRefused) {
-    const auto service = mSet.start(line(kPvr, "true"));
-    hidl_string null;
-    null.setToExternal(nullptr, 0);
-    ASSERT_EQ(null.c_str(), nullptr);
+    auto file = std::make_unique<FileConfigEditor>(
+            mSet.dir().write("tvconfigs/tv.config", line(kPvr, "true")).c_str());
+    const sp<TvConfigsWithEditors> service = new TvConfigsWithEditors(std::move(file), {});
     mSet.log().clear();
-    EXPECT_EQ(reload(*service, null), "false");
+    EXPECT_FALSE(service->Reload(nullptr));
     EXPECT_THAT(errors(), ElementsAre(MatchesRegex("\\[reloadTvConfig:[0-9]+\\] invalid paramter "
                                                    "\\(path is null\\)")));
     EXPECT_EQ(mSet.log().lines().size(), 1U);

@@ -87,6 +87,7 @@ class RecordingEditor : public ConfigEditor {
 class TvConfigsWithEditors : public MlkTvConfigs {
   public:
     using MlkTvConfigs::EditorList;
+    using MlkTvConfigs::Reload;
 
     TvConfigsWithEditors(std::unique_ptr<FileConfigEditor> file, EditorList others)
         : MlkTvConfigs(std::move(file), std::move(others)) {}
