@@ -1,0 +1,86 @@
+// How large calls and answers may be.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "RawClient.h"
+#include "Server.h"
+#include "host/testing/HostSet.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::hardware::transport::alignedToEight;
+using ::android::hardware::transport::kMaxCallBody;
+using ::android::hardware::transport::kMaxReplyBody;
+
+class LimitsTest : public ::testing::Test {
+  protected:
+    // Asks for so many bytes, and whether they are the right ones.
+    ::testing::AssertionResult answered(uint32_t count) {
+        size_t wrong = 0;
+        size_t got = 0;
+        const auto called = mService->bytes(count, [&](const hidl_vec<uint8_t>& bytes) {
+            got = bytes.size();
+            // Every part of the answer that is sent by itself is looked into.
+            for (size_t i = 0; i < got; i += 1021) wrong += bytes[i] != static_cast<uint8_t>(i);
+        });
+        if (!called.isOk()) return ::testing::AssertionFailure() << called.description();
+        if (got != count || wrong != 0) {
+            return ::testing::AssertionFailure() << got << " bytes, wrong: " << wrong;
+        }
+        return ::testing::AssertionSuccess();
+    }
+
+    testing::HostSet mSet;
+    Server mServer;
+    const sp<IEverything> mService = mServer.service();
+};
+
+TEST_F(LimitsTest, CallAtTheLimitAndAbove) {
+    // What a call of length() takes besides the text and its NUL.
+    const size_t frame = alignedToEight(strlen(IEverything::descriptor) + 1) +
+                         2 * sizeof(WireObject) + sizeof(hidl_string);
+    const size_t longest = kMaxCallBody - frame - 1;
+    EXPECT_EQ(longest, static_cast<uint32_t>(mService->length(std::string(longest, 'x'))));
+    const auto above = mService->length(std::string(longest + 1, 'x'));
+    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", above.description());
+    EXPECT_TRUE(mService->ping().isOk());
+}
+
+TEST_F(LimitsTest, CallOfManyMegabytes) {
+    const auto called = mService->length(std::string(16 << 20, 'x'));
+    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_TRUE(mService->ping().isOk());
+}
+
+TEST_F(LimitsTest, AnswersOfAllSizes) {
+    for (const uint32_t size : {0U, 1U, 2047U, 2048U, 2049U, 4000U, 4096U, 65536U, 70000U, 300000U,
+                                1040000U, 1050000U, 5U << 20U}) {
+        EXPECT_TRUE(answered(size)) << size;
+    }
+}
+
+TEST_F(LimitsTest, AnswerOf64Megabytes) {
+    EXPECT_TRUE(answered(64U << 20U));
+    EXPECT_TRUE(mService->ping().isOk());
+}
+
+TEST_F(LimitsTest, AnswerAboveTheLimit) {
+    const auto called = mService->bytes(static_cast<uint32_t>(kMaxReplyBody),
+                                        [](const hidl_vec<uint8_t>&) { FAIL(); });
+    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_TRUE(mService->ping().isOk());
+    EXPECT_TRUE(answered(1000));
+}
+
+TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
+    const size_t before = residentOf(mServer.pid());
+    for (int i = 0; i < 5; ++i) EXPECT_TRUE(answered(32U << 20U));
+    EXPECT_LT(residentOf(mServer.pid()), before + (24U << 20U));
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,55 @@
+// Methods that do not answer as they must.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <string>
+
+#include "Server.h"
+#include "host/testing/HostSet.h"
+
+namespace mlk::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class UnansweredTest : public ::testing::Test {
+  protected:
+    testing::HostSet mSet;
+    Server mServer;
+    const sp<IEverything> mService = mServer.service();
+};
+
+TEST_F(UnansweredTest, NoAnswerEndsTheServer) {
+    const auto called = mService->silent([](const hidl_string&) { FAIL(); });
+    EXPECT_TRUE(called.isDeadObject()) << called.description();
+    EXPECT_EQ(128 + SIGABRT, mServer.wait());
+    EXPECT_THAT(mServer.err(), HasSubstr("silent: _hidl_cb not called, but must be called once."));
+}
+
+TEST_F(UnansweredTest, TwoAnswersGiveTheFirstAndEndTheServer) {
+    std::string answer;
+    const auto called = mService->twice([&](const hidl_string& text) { answer = text; });
+    EXPECT_TRUE(called.isOk()) << called.description();
+    EXPECT_EQ("first", answer);
+    EXPECT_EQ(128 + SIGABRT, mServer.wait());
+    EXPECT_TRUE(mService->ping().isDeadObject());
+}
+
+TEST_F(UnansweredTest, ExceptionsFailTheirCallAndNothingElse) {
+    const auto noMemory = mService->fails(true, [](const hidl_string&) { FAIL(); });
+    EXPECT_EQ("EX_TRANSACTION_FAILED: NO_MEMORY", noMemory.description());
+    const auto other = mService->fails(false, [](const hidl_string&) { FAIL(); });
+    EXPECT_EQ("EX_TRANSACTION_FAILED: UNKNOWN_ERROR", other.description());
+    EXPECT_TRUE(mService->ping().isOk());
+    EXPECT_THAT(mServer.err(), HasSubstr("ended in an exception: on request"));
+}
+
+// In the same process there is no stub between: nothing is missed.
+TEST(UnansweredHereTest, IsNoError) {
+    const sp<IEverything> here = new Everything;
+    EXPECT_TRUE(here->silent([](const hidl_string&) { FAIL(); }).isOk());
+}
+
+}  // namespace
+}  // namespace mlk::test
