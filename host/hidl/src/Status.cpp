@@ -73,7 +73,7 @@ void Status::setFromStatusT(status_t status) {
 std::string Status::description() const {
     if (isOk()) return "No error";
     std::string text = nameIn(kExceptions, mException);
-    if (mException == EX_TRANSACTION_FAILED) text += ": " + nameIn(kErrors, mError);
+    if (mError != OK) text += ": " + nameIn(kErrors, mError);
     if (!mMessage.empty()) text += ": " + mMessage;
     return text;
 }

@@ -1,0 +1,223 @@
+// Objects in the process that uses them: their stubs called directly, and the passthrough wrapper.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <hidl/HidlBinderSupport.h>
+#include <hidl/HidlPassthroughSupport.h>
+#include <hidl/HidlTransportSupport.h>
+#include <hidl/Static.h>
+
+#include <mlk/test/everything/1.0/BnHwEverything.h>
+#include <mlk/test/everything/1.0/BnHwListener.h>
+#include <mlk/test/everything/1.0/BpHwEverything.h>
+#include <mlk/test/everything/1.0/BpHwListener.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Everything.h"
+#include "RawClient.h"
+#include "Server.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/Threads.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::BAD_VALUE;
+using ::android::INVALID_OPERATION;
+using ::android::OK;
+using ::android::status_t;
+using ::android::UNKNOWN_TRANSACTION;
+using ::android::wp;
+using ::android::hardware::fromBinder;
+using ::android::hardware::getOrCreateCachedBinder;
+using ::android::hardware::IBinder;
+using ::android::hardware::IInterface;
+using ::android::hardware::Parcel;
+using ::android::hardware::toBinder;
+using ::android::hardware::details::getBnConstructorMap;
+using ::android::hardware::details::wrapPassthrough;
+using ::android::hidl::base::V1_0::IBase;
+using ::mlk::test::everything::V1_0::BnHwEverything;
+using ::mlk::test::everything::V1_0::BnHwListener;
+using ::mlk::test::everything::V1_0::BpHwEverything;
+using ::mlk::test::everything::V1_0::BpHwListener;
+using ::testing::ElementsAre;
+
+sp<IBinder> newStub() {
+    return toBinder(sp<IEverything>(new Everything));
+}
+
+TEST(InProcessTest, OneStubForOneImplementation) {
+    const sp<IEverything> one = new Everything;
+    sp<IBinder> stub = toBinder(one);
+    ASSERT_NE(nullptr, stub);
+    EXPECT_NE(nullptr, stub->localBinder());
+    EXPECT_EQ(stub, toBinder(one));
+    EXPECT_NE(stub, newStub());
+    EXPECT_EQ(nullptr, getOrCreateCachedBinder(nullptr));
+    // Not for ever: the next one is new.
+    const wp<IBinder> former = stub;
+    stub = nullptr;
+    EXPECT_EQ(nullptr, former.promote());
+    EXPECT_NE(nullptr, toBinder(one));
+}
+
+TEST(InProcessTest, ManyThreadsHaveOneStub) {
+    for (int round = 0; round < 50; ++round) {
+        const sp<IEverything> one = new Everything;
+        std::vector<sp<IBinder>> stubs(4);
+        testing::inThreads(4, [&](int i) { stubs[static_cast<size_t>(i)] = toBinder(one); });
+        for (const sp<IBinder>& stub : stubs) EXPECT_EQ(stubs[0], stub);
+    }
+}
+
+TEST(InProcessTest, StubsComeAndGoInManyThreads) {
+    const sp<IEverything> one = new Everything;
+    testing::inThreads(4, [&](int) {
+        for (int i = 0; i < 1000; ++i) ASSERT_NE(nullptr, toBinder(one));
+    });
+}
+
+// A call whose arguments are one number.
+status_t callNumber(const sp<IBinder>& stub, uint32_t code, Parcel* reply, uint32_t flags,
+                    const IBinder::TransactCallback& callback = nullptr) {
+    Parcel data;
+    EXPECT_EQ(OK, data.writeInterfaceToken(IEverything::descriptor));
+    EXPECT_EQ(OK, data.writeUint32(3));
+    return stub->transact(code, data, reply, flags, callback);
+}
+
+TEST(InProcessTest, StubAnswersCalls) {
+    Parcel reply;
+    bool answered = false;
+    ASSERT_EQ(OK, callNumber(newStub(), BYTES, &reply, 0, [&](Parcel&) { answered = true; }));
+    EXPECT_TRUE(answered);
+    int32_t exception = -1;
+    EXPECT_EQ(OK, reply.readInt32(&exception));
+    EXPECT_EQ(0, exception);
+}
+
+TEST(InProcessTest, StubAnswersWithoutCallbackOrReply) {
+    const sp<IEverything> service = new Everything;
+    const sp<IBinder> stub = toBinder(service);
+    Parcel reply;
+    EXPECT_EQ(OK, callNumber(stub, BYTES, &reply, 0));
+    EXPECT_EQ(OK, callNumber(stub, BYTES, nullptr, 0));
+    EXPECT_EQ(OK, callNumber(stub, POKE, nullptr, IBinder::FLAG_ONEWAY));
+    EXPECT_EQ(UNKNOWN_TRANSACTION, callNumber(stub, 1000, &reply, 0));
+    std::vector<int32_t> poked;
+    ASSERT_TRUE(service->poked([&](const auto& n) { poked = n; }).isOk());
+    EXPECT_THAT(poked, ElementsAre(3));
+}
+
+TEST(InProcessTest, ProxyOverTheStubItself) {
+    const sp<IEverything> proxy = new BpHwEverything(newStub());
+    std::string answer;
+    ASSERT_TRUE(proxy->text("direct", [&](const hidl_string& s) { answer = s; }).isOk());
+    EXPECT_EQ("direct", answer);
+    Record record;
+    record.name = "name";
+    record.notes = {"one", "two"};
+    int calls = 0;
+    ASSERT_TRUE(proxy->record(record, [&](const Record& got) {
+                         ++calls;
+                         EXPECT_EQ("name", got.name);
+                         EXPECT_EQ("two", got.notes[1]);
+                     }).isOk());
+    EXPECT_EQ(1, calls);
+}
+
+TEST(InProcessTest, LocalObjectsHaveNoDeath) {
+    const sp<IBinder> stub = newStub();
+    EXPECT_EQ(INVALID_OPERATION, stub->linkToDeath(nullptr));
+    EXPECT_EQ(INVALID_OPERATION, stub->unlinkToDeath(nullptr));
+    EXPECT_EQ(nullptr, IInterface::asBinder(sp<IInterface>()));
+}
+
+TEST(InProcessTest, LocalObjectComesBackAsItself) {
+    const sp<IEverything> service = new Everything;
+    EXPECT_EQ(service,
+              (fromBinder<IEverything, BpHwEverything, BnHwEverything>(toBinder(service))));
+    EXPECT_EQ(nullptr, (fromBinder<IListener, BpHwListener, BnHwListener>(toBinder(service))));
+    EXPECT_EQ(nullptr, (fromBinder<IListener, BpHwListener, BnHwListener>(nullptr)));
+}
+
+TEST(InProcessTest, Casts) {
+    const sp<IBase> base = new Everything;
+    EXPECT_NE(nullptr, sp<IEverything>(IEverything::castFrom(base)));
+    EXPECT_EQ(nullptr, sp<IListener>(IListener::castFrom(base)));
+}
+
+// A stub of one's own, put in the place of the generated one, is what clients reach.
+class StubbornStub : public BnHwEverything {
+  public:
+    explicit StubbornStub(const sp<IEverything>& service) : BnHwEverything(service) {}
+    status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                        TransactCallback callback) override {
+        if (code == TEXT) return BAD_VALUE;
+        return BnHwEverything::onTransact(code, data, reply, flags, std::move(callback));
+    }
+};
+
+class StubMapTest : public ::testing::Test {
+  protected:
+    StubMapTest() { getBnConstructorMap().erase(IEverything::descriptor); }
+    ~StubMapTest() override { getBnConstructorMap().set(IEverything::descriptor, mFormer); }
+
+    const testing::HostSet mSet;
+    const std::function<sp<IBinder>(void*)> mFormer =
+            getBnConstructorMap().get(IEverything::descriptor, nullptr);
+};
+
+TEST_F(StubMapTest, StubThatRefuses) {
+    getBnConstructorMap().set(IEverything::descriptor, [](void* service) -> sp<IBinder> {
+        return new StubbornStub(static_cast<IEverything*>(service));
+    });
+    const sp<IEverything> service = new Everything;
+    EXPECT_EQ(OK, service->registerAsService("stubborn"));
+    const sp<IEverything> proxy = IEverything::getService("stubborn");
+    ASSERT_NE(nullptr, proxy);
+    const auto refused = proxy->text("", [](const hidl_string&) { FAIL(); });
+    EXPECT_EQ("EX_TRANSACTION_FAILED: BAD_VALUE", refused.description());
+    EXPECT_FALSE(refused.isDeadObject());
+    EXPECT_EQ(3U, static_cast<uint32_t>(proxy->length("abc")));
+}
+
+TEST_F(StubMapTest, InterfaceWithoutAStubCannotBeRegistered) {
+    const sp<IEverything> service = new Everything;
+    EXPECT_EQ(BAD_VALUE, service->registerAsService("none"));
+    getBnConstructorMap().set(IEverything::descriptor, mFormer);
+    EXPECT_EQ(OK, service->registerAsService("some"));
+}
+
+TEST(PassthroughTest, WrapperRunsOnewayMethodsOnAThreadOfItsOwn) {
+    const sp<Everything> service = new Everything;
+    {
+        const sp<IEverything> wrapper = wrapPassthrough(sp<IEverything>(service));
+        ASSERT_NE(nullptr, wrapper);
+        EXPECT_NE(sp<IEverything>(service), wrapper);
+        EXPECT_FALSE(wrapper->isRemote());
+        for (int32_t i = 0; i < 10; ++i) EXPECT_TRUE(wrapper->poke(i).isOk());
+        std::string answer;
+        EXPECT_TRUE(wrapper->text("through", [&](const hidl_string& s) { answer = s; }).isOk());
+        EXPECT_EQ("through", answer);
+        EXPECT_FALSE(wrapper->text("unheard", nullptr).isOk());
+    }
+    // The wrapper is gone: what it was told has been done.
+    std::vector<int32_t> poked;
+    ASSERT_TRUE(service->poked([&](const auto& n) { poked = n; }).isOk());
+    EXPECT_THAT(poked, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9));
+    EXPECT_EQ(nullptr, wrapPassthrough(sp<IEverything>()));
+}
+
+TEST(PassthroughTest, RemoteObjectIsNotWrapped) {
+    const testing::HostSet set;
+    const Server server;
+    const sp<IEverything> service = server.service();
+    EXPECT_EQ(service, wrapPassthrough(service));
+}
+
+}  // namespace
+}  // namespace mlk::test

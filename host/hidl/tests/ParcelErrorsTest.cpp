@@ -1,0 +1,197 @@
+// Every error of reading and of writing a parcel.
+#include <gtest/gtest.h>
+#include <hwbinder/Parcel.h>
+
+#include <functional>
+
+#include "Native.h"
+#include "Travel.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::BAD_VALUE;
+using ::android::OK;
+using ::android::sp;
+using ::android::status_t;
+using ::android::UNEXPECTED_NULL;
+using ::android::hardware::IBinder;
+using ::android::hardware::Parcel;
+
+uint64_t sRoom[4];
+
+void writeRoom(Parcel* parcel) {
+    size_t handle;
+    ASSERT_EQ(OK, parcel->writeBuffer(sRoom, sizeof(sRoom), &handle));
+}
+void writeEmbedded(Parcel* parcel) {
+    size_t handle;
+    writeRoom(parcel);
+    ASSERT_EQ(OK, parcel->writeEmbeddedBuffer("abcd", 4, &handle, 0, 8));
+}
+void writeEmbeddedNull(Parcel* parcel) {
+    size_t handle;
+    writeRoom(parcel);
+    ASSERT_EQ(OK, parcel->writeEmbeddedBuffer(nullptr, 4, &handle, 0, 8));
+}
+void writeEmbeddedHandle(Parcel* parcel) {
+    writeRoom(parcel);
+    ASSERT_EQ(OK, parcel->writeEmbeddedNativeHandle(nullptr, 0, 8));
+}
+
+status_t readRoom(const Parcel& parcel) {
+    size_t handle;
+    const void* bytes;
+    return parcel.readBuffer(sizeof(sRoom), &handle, &bytes);
+}
+std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, size_t offset) {
+    return [=](const Parcel& parcel) {
+        EXPECT_EQ(OK, readRoom(parcel));
+        size_t handle;
+        const void* bytes;
+        return parcel.readEmbeddedBuffer(length, &handle, parent, offset, &bytes);
+    };
+}
+std::function<status_t(const Parcel&)> embeddedHandle(size_t parent, size_t offset) {
+    return [=](const Parcel& parcel) {
+        EXPECT_EQ(OK, readRoom(parcel));
+        const native_handle_t* handle;
+        return parcel.readNullableEmbeddedNativeHandle(parent, offset, &handle);
+    };
+}
+status_t readHandle(const Parcel& parcel) {
+    const native_handle_t* handle;
+    return parcel.readNullableNativeHandleNoDup(&handle);
+}
+status_t readBinder(const Parcel& parcel) {
+    sp<IBinder> binder;
+    return parcel.readNullableStrongBinder(&binder);
+}
+
+// What is written, and a way of reading it that must fail.
+struct Misread {
+    const char* name;
+    std::function<void(Parcel*)> write;
+    std::function<status_t(const Parcel&)> read;
+    status_t expected;
+};
+
+const Misread kMisreads[] = {
+        {"NothingForABuffer", [](Parcel*) {}, &readRoom, BAD_VALUE},
+        {"NothingForAHandle", [](Parcel*) {}, &readHandle, BAD_VALUE},
+        {"NothingForAnInterface", [](Parcel*) {}, &readBinder, BAD_VALUE},
+        {"BufferForAHandle", &writeRoom, &readHandle, BAD_VALUE},
+        {"BufferForAnInterface", &writeRoom, &readBinder, BAD_VALUE},
+        {"HandleForABuffer", [](Parcel* p) { (void)p->writeNativeHandleNoDup(nullptr); }, &readRoom,
+         BAD_VALUE},
+        {"NullForABuffer",
+         [](Parcel* p) {
+             size_t handle;
+             (void)p->writeBuffer(nullptr, sizeof(sRoom), &handle);
+         },
+         &readRoom, BAD_VALUE},
+        {"EmbeddedLonger", &writeEmbedded, embedded(5, 0, 8), BAD_VALUE},
+        {"EmbeddedShorter", &writeEmbedded, embedded(3, 0, 8), BAD_VALUE},
+        {"EmbeddedElsewhere", &writeEmbedded, embedded(4, 0, 16), BAD_VALUE},
+        {"EmbeddedInAnother", &writeEmbedded, embedded(4, 1, 8), BAD_VALUE},
+        {"EmbeddedNull", &writeEmbeddedNull, embedded(0, 0, 8), UNEXPECTED_NULL},
+        {"EmbeddedNullWithLength", &writeEmbeddedNull, embedded(4, 0, 8), BAD_VALUE},
+        {"EmbeddedForAPlainOne", &writeEmbedded,
+         [](const Parcel& p) {
+             EXPECT_EQ(OK, readRoom(p));
+             size_t handle;
+             const void* bytes;
+             return p.readBuffer(4, &handle, &bytes);
+         },
+         BAD_VALUE},
+        {"PlainForAnEmbeddedOne",
+         [](Parcel* p) {
+             writeRoom(p);
+             writeRoom(p);
+         },
+         embedded(sizeof(sRoom), 0, 0), BAD_VALUE},
+        {"HandleElsewhere", &writeEmbeddedHandle, embeddedHandle(0, 16), BAD_VALUE},
+        {"HandleInAnother", &writeEmbeddedHandle, embeddedHandle(1, 8), BAD_VALUE},
+        {"BufferForAnEmbeddedHandle", &writeEmbedded, embeddedHandle(0, 8), BAD_VALUE},
+        {"EmbeddedHandleForAPlainOne", &writeEmbeddedHandle,
+         [](const Parcel& p) {
+             EXPECT_EQ(OK, readRoom(p));
+             return readHandle(p);
+         },
+         BAD_VALUE},
+};
+
+TEST(ParcelErrorsTest, ReadingOfAParcelThatIsBeingWritten) {
+    for (const Misread& row : kMisreads) {
+        Parcel parcel;
+        row.write(&parcel);
+        EXPECT_EQ(row.expected, row.read(parcel)) << row.name;
+    }
+}
+
+TEST(ParcelErrorsTest, ReadingOfAParcelThatArrived) {
+    for (const Misread& row : kMisreads) {
+        Parcel written;
+        row.write(&written);
+        Parcel arrived;
+        ASSERT_EQ(OK, travel(written, &arrived)) << row.name;
+        EXPECT_EQ(row.expected, row.read(arrived)) << row.name;
+    }
+}
+
+// Errors of writing: each is answered, and the parcel does not travel any more.
+struct Miswrite {
+    const char* name;
+    std::function<status_t(Parcel*)> write;
+};
+
+status_t writeHandle(int version, int numFds, int numInts, Parcel* parcel) {
+    native_handle_t* handle = native_handle_create(1, 1);
+    handle->version = version;
+    handle->numFds = numFds;
+    handle->numInts = numInts;
+    const status_t status = parcel->writeNativeHandleNoDup(handle);
+    handle->version = sizeof(native_handle_t);
+    (void)native_handle_delete(handle);
+    return status;
+}
+constexpr int kVersion = sizeof(native_handle_t);
+
+status_t writeEmbeddedAt(size_t parent, size_t offset, Parcel* parcel) {
+    size_t handle;
+    return parcel->writeEmbeddedBuffer("", 1, &handle, parent, offset);
+}
+
+const Miswrite kMiswrites[] = {
+        {"ParentThatIsNot", [](Parcel* p) { return writeEmbeddedAt(1, 0, p); }},
+        {"ParentBeyond32Bits", [](Parcel* p) { return writeEmbeddedAt(size_t{1} << 32U, 0, p); }},
+        {"OffsetBeyondParent", [](Parcel* p) { return writeEmbeddedAt(0, sizeof(sRoom) - 7, p); }},
+        {"HandleBeyondParent",
+         [](Parcel* p) { return p->writeEmbeddedNativeHandle(nullptr, 0, sizeof(sRoom)); }},
+        {"ParentThatIsAHandle",
+         [](Parcel* p) {
+             EXPECT_EQ(OK, p->writeNativeHandleNoDup(nullptr));
+             return writeEmbeddedAt(1, 0, p);
+         }},
+        {"HandleOfAnotherVersion", [](Parcel* p) { return writeHandle(0, 0, 0, p); }},
+        {"NegativeDescriptors", [](Parcel* p) { return writeHandle(kVersion, -1, 0, p); }},
+        {"NegativeNumbers", [](Parcel* p) { return writeHandle(kVersion, 0, -1, p); }},
+        {"TooManyDescriptors", [](Parcel* p) { return writeHandle(kVersion, 1025, 0, p); }},
+        {"TooManyNumbers", [](Parcel* p) { return writeHandle(kVersion, 0, 1025, p); }},
+};
+
+TEST(ParcelErrorsTest, WritingFailsForGood) {
+    for (const Miswrite& row : kMiswrites) {
+        Parcel parcel;
+        writeRoom(&parcel);
+        EXPECT_EQ(OK, parcel.writeError()) << row.name;
+        EXPECT_EQ(BAD_VALUE, row.write(&parcel)) << row.name;
+        EXPECT_EQ(BAD_VALUE, parcel.writeError()) << row.name;
+        EXPECT_EQ(OK, parcel.writeInt32(1)) << row.name;
+        Parcel arrived;
+        EXPECT_EQ(BAD_VALUE, travel(parcel, &arrived)) << row.name;
+    }
+}
+
+}  // namespace
+}  // namespace mlk::test

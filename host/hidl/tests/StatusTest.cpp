@@ -1,0 +1,116 @@
+// Status and Return: how calls end, and what that is called.
+#include <android/log.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <hidl/Status.h>
+
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "host/testing/LogCapture.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::hardware::Return;
+using ::android::hardware::Status;
+using ::android::hardware::Void;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(StatusTest, Descriptions) {
+    const std::pair<Status, const char*> rows[] = {
+            {Status(), "No error"},
+            {Status::ok(), "No error"},
+            {Status::fromStatusT(::android::OK), "No error"},
+            {Status::fromStatusT(::android::BAD_VALUE), "EX_TRANSACTION_FAILED: BAD_VALUE"},
+            {Status::fromStatusT(::android::DEAD_OBJECT), "EX_TRANSACTION_FAILED: DEAD_OBJECT"},
+            {Status::fromStatusT(::android::FAILED_TRANSACTION),
+             "EX_TRANSACTION_FAILED: FAILED_TRANSACTION"},
+            {Status::fromStatusT(::android::UNKNOWN_TRANSACTION),
+             "EX_TRANSACTION_FAILED: UNKNOWN_TRANSACTION"},
+            {Status::fromStatusT(-4711), "EX_TRANSACTION_FAILED: -4711"},
+            {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT), "EX_ILLEGAL_ARGUMENT"},
+            {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT, "why"),
+             "EX_ILLEGAL_ARGUMENT: why"},
+            {Status::fromExceptionCode(Status::EX_NULL_POINTER, nullptr), "EX_NULL_POINTER"},
+            {Status::fromExceptionCode(Status::EX_TRANSACTION_FAILED, "why"),
+             "EX_TRANSACTION_FAILED: why"},
+            {Status::fromExceptionCode(77), "77"},
+    };
+    for (const auto& [status, text] : rows) {
+        EXPECT_EQ(text, status.description());
+        std::ostringstream stream;
+        stream << status;
+        EXPECT_EQ(text, stream.str());
+    }
+}
+
+TEST(StatusTest, Parts) {
+    Status status = Status::fromStatusT(::android::NO_MEMORY);
+    EXPECT_FALSE(status.isOk());
+    EXPECT_EQ(Status::EX_TRANSACTION_FAILED, status.exceptionCode());
+    EXPECT_EQ(::android::NO_MEMORY, status.transactionError());
+    status = Status::fromExceptionCode(Status::EX_SECURITY, "message");
+    EXPECT_EQ(::android::OK, status.transactionError());
+    EXPECT_STREQ("message", status.exceptionMessage());
+    status.setFromStatusT(::android::OK);
+    EXPECT_TRUE(status.isOk());
+    EXPECT_STREQ("", status.exceptionMessage());
+}
+
+TEST(ReturnTest, Values) {
+    const Return<int> good(7);
+    EXPECT_TRUE(good.isOk());
+    EXPECT_EQ(7, static_cast<int>(good));
+    EXPECT_EQ(7, good.withDefault(9));
+    const Return<int> bad = Status::fromStatusT(::android::BAD_VALUE);
+    EXPECT_FALSE(bad.isOk());
+    EXPECT_FALSE(bad.isDeadObject());
+    EXPECT_EQ(9, bad.withDefault(9));
+    EXPECT_TRUE(Void().isOk());
+    const Return<void> dead = Status::fromStatusT(::android::DEAD_OBJECT);
+    EXPECT_TRUE(dead.isDeadObject());
+}
+
+TEST(ReturnTest, FailureThatNobodyLooksAtIsToldOnce) {
+    const testing::LogCapture log;
+    const auto told = [&] { return log.texts(ANDROID_LOG_WARN, "hidl"); };
+    { const Return<void> bad = Status::fromStatusT(::android::BAD_VALUE); }
+    EXPECT_THAT(told(), ElementsAre("a failed call was not looked at: "
+                                    "EX_TRANSACTION_FAILED: BAD_VALUE"));
+    {
+        Return<void> bad = Status::fromStatusT(::android::NO_MEMORY);
+        const Return<void> moved = std::move(bad);
+    }
+    EXPECT_THAT(told(), ::testing::SizeIs(2));
+}
+
+TEST(ReturnTest, FailureThatIsLookedAtIsNotTold) {
+    const testing::LogCapture log;
+    const auto failure = [] { return Status::fromStatusT(::android::BAD_VALUE); };
+    (void)Return<void>(failure()).isOk();
+    (void)Return<void>(failure()).isDeadObject();
+    (void)Return<void>(failure()).description();
+    (void)Return<int>(failure()).withDefault(1);
+    { const Return<int> good(1); }
+    {
+        Return<void> bad = failure();
+        (void)bad.isOk();
+        const Return<void> moved = std::move(bad);
+    }
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST(ReturnDeathTest, ResultOfAFailedCall) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const Return<int> bad = Status::fromStatusT(::android::BAD_VALUE);
+    EXPECT_DEATH((void)static_cast<int>(bad),
+                 "the result of a failed call was taken: EX_TRANSACTION_FAILED: BAD_VALUE");
+    EXPECT_DEATH(bad.assertOk(), "a call that must not fail did: EX_TRANSACTION_FAILED: BAD_VALUE");
+    (void)bad.isOk();
+}
+
+}  // namespace
+}  // namespace mlk::test

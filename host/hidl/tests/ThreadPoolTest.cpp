@@ -1,0 +1,177 @@
+// The pool by itself: sources that come, go, wait and fail while threads serve them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <functional>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "Native.h"
+#include "Server.h"
+#include "host/hidl/src/Socket.h"
+#include "host/hidl/src/ThreadPool.h"
+#include "host/testing/LogCapture.h"
+#include "host/testing/Threads.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::OK;
+using ::android::hardware::transport::connectedPair;
+using ::android::hardware::transport::EventSource;
+using ::android::hardware::transport::ThreadPool;
+using Next = EventSource::Next;
+
+// A socket whose events are counted, and answered by what the test says.
+class Source : public EventSource {
+  public:
+    explicit Source(std::function<Next(Source&)> work) : mWork(std::move(work)) {
+        EXPECT_EQ(OK, connectedPair(&mOwn, &mOther));
+        ++sAlive;
+    }
+    ~Source() override { --sAlive; }
+    Next onEvents(uint32_t, ThreadPool&) override {
+        ++mEvents;
+        return mWork(*this);
+    }
+    int descriptor() const override { return mOwn.get(); }
+
+    void write() const { EXPECT_EQ(1, ::write(mOther.get(), "x", 1)); }
+    void read() const { EXPECT_EQ("x", readFrom(mOwn.get(), 1)); }
+    void hangUp() { mOther.reset(); }
+    int events() const { return mEvents; }
+    static int alive() { return sAlive; }
+
+  private:
+    const std::function<Next(Source&)> mWork;
+    unique_fd mOwn;
+    unique_fd mOther;
+    std::atomic<int> mEvents{0};
+    static std::atomic<int> sAlive;
+};
+std::atomic<int> Source::sAlive{0};
+
+class ThreadPoolTest : public ::testing::Test {
+  protected:
+    ThreadPoolTest() {
+        mPool.configure(4, false);
+        mPool.start();
+    }
+    ThreadPool& mPool = ThreadPool::instance();
+};
+
+TEST_F(ThreadPoolTest, ServesUntilDropped) {
+    auto source = std::make_shared<Source>([](Source& s) {
+        s.read();
+        return s.events() < 3 ? Next::WAIT_FOR_INPUT : Next::DROP;
+    });
+    ASSERT_NE(0U, mPool.add(source, true));
+    for (int i = 1; i <= 3; ++i) {
+        source->write();
+        EXPECT_TRUE(eventually([&] { return source->events() == i; }));
+    }
+    EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+    source->write();
+    EXPECT_EQ(3, source->events());
+}
+
+TEST_F(ThreadPoolTest, SpaceIsAnEventToo) {
+    const auto source = std::make_shared<Source>(
+            [](Source& s) { return s.events() < 10 ? Next::WAIT_FOR_SPACE : Next::DROP; });
+    ASSERT_NE(0U, mPool.add(source, true));
+    source->write();
+    EXPECT_TRUE(eventually([&] { return source->events() == 10; }));
+}
+
+TEST_F(ThreadPoolTest, WithoutInputOnlyTheEndIsAnEvent) {
+    const auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
+    ASSERT_NE(0U, mPool.add(source, false));
+    source->write();
+    // Another source's event comes after it would have.
+    const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
+    ASSERT_NE(0U, mPool.add(other, true));
+    other->write();
+    EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
+    EXPECT_EQ(0, source->events());
+    source->hangUp();
+    EXPECT_TRUE(eventually([&] { return source->events() == 1; }));
+}
+
+TEST_F(ThreadPoolTest, ExceptionEndsItsSourceOnly) {
+    const testing::LogCapture log;
+    auto source = std::make_shared<Source>(
+            [](Source&) -> Next { throw std::runtime_error("thrown by the test"); });
+    ASSERT_NE(0U, mPool.add(source, true));
+    source->write();
+    EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+    EXPECT_THAT(log.texts(), ::testing::ElementsAre("a connection ends: thrown by the test"));
+    const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
+    ASSERT_NE(0U, mPool.add(other, true));
+    other->write();
+    EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
+}
+
+TEST_F(ThreadPoolTest, RemovedSourceHearsNothingMore) {
+    const auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
+    const uint64_t id = mPool.add(source, true);
+    ASSERT_NE(0U, id);
+    mPool.remove(id);
+    mPool.remove(id);  // nothing happens
+    EXPECT_EQ(1, source.use_count());
+    source->write();
+    const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
+    ASSERT_NE(0U, mPool.add(other, true));
+    other->write();
+    EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
+    EXPECT_EQ(0, source->events());
+}
+
+TEST_F(ThreadPoolTest, SourceRemovedWhileItIsServed) {
+    std::promise<void> serving;
+    std::promise<void> removed;
+    auto source = std::make_shared<Source>([&](Source&) {
+        serving.set_value();
+        removed.get_future().wait();
+        return Next::WAIT_FOR_INPUT;  // there is input: it would be served again at once
+    });
+    const uint64_t id = mPool.add(source, true);
+    source->write();
+    serving.get_future().wait();
+    mPool.remove(id);
+    removed.set_value();
+    EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+    EXPECT_EQ(1, source->events());
+}
+
+TEST_F(ThreadPoolTest, NothingToWaitOn) {
+    const testing::LogCapture log;
+    class NoDescriptor : public EventSource {
+        Next onEvents(uint32_t, ThreadPool&) override { return Next::DROP; }
+        int descriptor() const override { return -1; }
+    };
+    EXPECT_EQ(0U, mPool.add(std::make_shared<NoDescriptor>(), true));
+    EXPECT_THAT(log.texts(),
+                ::testing::ElementsAre("cannot wait on a connection: Bad file descriptor"));
+}
+
+TEST_F(ThreadPoolTest, ManySourcesComeAndGoWhileTheyAreServed) {
+    testing::inThreads(4, [&](int thread) {
+        for (int i = 0; i < 300; ++i) {
+            const auto source = std::make_shared<Source>([](Source& s) {
+                return s.events() % 2 == 0 ? Next::WAIT_FOR_INPUT : Next::WAIT_FOR_SPACE;
+            });
+            const uint64_t id = mPool.add(source, true);
+            if ((i + thread) % 3 != 0) source->write();
+            if ((i + thread) % 3 == 1) source->hangUp();
+            mPool.remove(id);
+        }
+    });
+    EXPECT_TRUE(eventually([] { return Source::alive() == 0; }));
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,243 @@
+// The parts of the transport by themselves: messages, readers, what is kept of replies.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Native.h"
+#include "RawClient.h"
+#include "host/hidl/src/MessageReader.h"
+#include "host/hidl/src/Socket.h"
+#include "host/hidl/src/UnsentReply.h"
+#include "host/hidl/src/Wire.h"
+
+namespace mlk::test {
+namespace {
+
+using namespace ::android::hardware::transport;
+using ::android::OK;
+using ::android::hardware::Parcel;
+using std::chrono::milliseconds;
+using Result = MessageReader::Result;
+
+class TransportTest : public ::testing::Test {
+  protected:
+    TransportTest() { EXPECT_EQ(OK, connectedPair(&mHere, &mThere)); }
+
+    void send(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors = {}) {
+        Sending sending;
+        sending.pieces = {{const_cast<uint8_t*>(bytes.data()), bytes.size()}};
+        sending.descriptors = descriptors;
+        ASSERT_EQ(0, sendPieces(mHere.get(), &sending, MSG_DONTWAIT));
+    }
+    Result read() { return mReader.read(mThere.get(), MSG_DONTWAIT, MSG_DONTWAIT); }
+    // Makes the socket from here to there full.
+    void fill() {
+        const std::vector<char> bytes(4096);
+        while (::send(mHere.get(), bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
+        }
+    }
+
+    unique_fd mHere;
+    unique_fd mThere;
+    MessageReader mReader{kMaxCallBody};
+};
+
+std::vector<uint8_t> joined(std::vector<uint8_t> first, const std::vector<uint8_t>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+TEST_F(TransportTest, ReaderWaitsForAWholeMessage) {
+    const std::vector<uint8_t> bytes = textCall("text").bytes();
+    for (const uint8_t byte : bytes) {
+        EXPECT_EQ(Result::AGAIN, read());
+        EXPECT_FALSE(mReader.hasResult());
+        send({byte});
+    }
+    ASSERT_EQ(Result::MESSAGE, read());
+    EXPECT_EQ(TEXT, mReader.take().header().code);
+    EXPECT_EQ(Result::AGAIN, read());
+    mHere.reset();
+    EXPECT_EQ(Result::CLOSED, read());
+}
+
+TEST_F(TransportTest, ReaderKeepsTheNextMessage) {
+    send(joined(callOf(1).bytes(), joined(callOf(2).bytes(), {'M', 'L'})));
+    ASSERT_EQ(Result::MESSAGE, read());
+    IncomingMessage first = mReader.take();
+    EXPECT_EQ(1U, first.header().code);
+    EXPECT_TRUE(mReader.hasResult());
+    mReader.reuse(std::move(first));
+    ASSERT_EQ(Result::MESSAGE, read());
+    EXPECT_EQ(2U, mReader.take().header().code);
+    EXPECT_FALSE(mReader.hasResult());
+    EXPECT_EQ(Result::AGAIN, read());
+    send({'x', 'x'});
+    send(std::vector<uint8_t>(28));
+    EXPECT_EQ(Result::RUBBISH, read());
+}
+
+TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
+    const unique_fd one = fileWith("one");
+    const unique_fd two = fileWith("two");
+    send(callOf(1).bytes());
+    send(fdCall({one.get(), two.get()}).bytes(), {one.get(), two.get()});
+    send(fdCall({two.get()}).bytes(), {two.get()});
+    ASSERT_EQ(Result::MESSAGE, read());
+    EXPECT_EQ(0U, mReader.take().descriptors.size());
+    ASSERT_EQ(Result::MESSAGE, read());
+    const IncomingMessage first = mReader.take();
+    ASSERT_EQ(2U, first.descriptors.size());
+    EXPECT_EQ("one", contentOf(first.descriptors[0].get()));
+    ASSERT_EQ(Result::MESSAGE, read());
+    const IncomingMessage second = mReader.take();
+    ASSERT_EQ(1U, second.descriptors.size());
+    EXPECT_EQ("two", contentOf(second.descriptors[0].get()));
+}
+
+TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
+    for (const size_t length : {1U, 5U, 8U, 2048U, 2049U, 3001U}) {
+        const std::string block(length, 'b');
+        Parcel parcel;
+        size_t handle;
+        ASSERT_EQ(OK, parcel.writeCString("12"));
+        ASSERT_EQ(OK, parcel.writeBuffer(block.data(), block.size(), &handle));
+        OutgoingMessage message;
+        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
+        std::string bytes;
+        for (const iovec& piece : message.sending().pieces) {
+            bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
+        }
+        const size_t start = sizeof(Header) + 8 + sizeof(WireObject);
+        ASSERT_EQ(start + alignedToEight(length), bytes.size());
+        EXPECT_EQ(std::string("12\0\0\0\0\0\0", 8), bytes.substr(sizeof(Header), 8));
+        EXPECT_EQ(block, bytes.substr(start, length));
+        EXPECT_EQ(std::string(alignedToEight(length) - length, '\0'), bytes.substr(start + length));
+    }
+}
+
+TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
+    fill();
+    std::string text = "first";
+    Sending sending;
+    sending.pieces = {{text.data(), 2}, {text.data() + 2, 3}};
+    EXPECT_EQ(5U, sending.left());
+    EXPECT_EQ(EAGAIN, sendPieces(mHere.get(), &sending, MSG_DONTWAIT));
+    EXPECT_FALSE(sending.begun);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(EAGAIN, sendWithin(mHere.get(), &sending, milliseconds(50)));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(50));
+    std::vector<char> room(1 << 20);
+    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
+    }
+    EXPECT_EQ(0, sendWithin(mHere.get(), &sending, milliseconds(50)));
+    EXPECT_TRUE(sending.begun);
+    EXPECT_EQ(0U, sending.left());
+    EXPECT_EQ(5, recv(mThere.get(), room.data(), room.size(), 0));
+}
+
+TEST_F(TransportTest, SendingToNobody) {
+    mThere.reset();
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    const int error = sendPieces(mHere.get(), &sending, 0);
+    EXPECT_EQ(EPIPE, error);
+    EXPECT_TRUE(endsConnection(error));
+    EXPECT_TRUE(isHungUp(mHere.get()));
+    EXPECT_FALSE(endsConnection(EBADF));
+}
+
+TEST_F(TransportTest, KindsOfDescriptors) {
+    const Pipe pipe;
+    EXPECT_TRUE(isStreamSocket(mHere.get()));
+    EXPECT_FALSE(isStreamSocket(pipe.out.get()));
+    EXPECT_FALSE(isStreamSocket(-1));
+    const unique_fd packets(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    EXPECT_FALSE(isStreamSocket(packets.get()));
+    EXPECT_FALSE(isHungUp(mHere.get()));
+    EXPECT_EQ(getuid(), peerUser(mHere.get()));
+    EXPECT_EQ(static_cast<uid_t>(-1), peerUser(pipe.out.get()));
+    EXPECT_FALSE(peerIsTrusted(pipe.out.get()));
+    EXPECT_FALSE(waitFor(mThere.get(), POLLIN, milliseconds(1)));
+    EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));
+}
+
+TEST_F(TransportTest, UnsentReplyIsSentWhenThereIsRoom) {
+    fill();
+    std::string text = "kept until then";
+    const unique_fd file = fileWith("content");
+    Sending sending;
+    sending.pieces = {{text.data(), 5}, {text.data() + 5, text.size() - 5}};
+    sending.descriptors = {file.get()};
+    UnsentReply unsent;
+    EXPECT_TRUE(unsent.empty());
+    EXPECT_TRUE(unsent.flush(mHere.get()));
+    ASSERT_TRUE(unsent.keep(sending));
+    text.assign(text.size(), 'x');  // a copy was kept
+    EXPECT_TRUE(unsent.flush(mHere.get()));
+    EXPECT_FALSE(unsent.empty());
+    std::vector<char> room(1 << 20);
+    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
+    }
+    EXPECT_TRUE(unsent.flush(mHere.get()));
+    EXPECT_TRUE(unsent.empty());
+    std::vector<unique_fd> descriptors;
+    ASSERT_EQ(15, receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0));
+    EXPECT_EQ("kept until then", std::string(room.data(), 15));
+    ASSERT_EQ(1U, descriptors.size());
+    EXPECT_EQ("content", contentOf(descriptors[0].get()));
+}
+
+TEST_F(TransportTest, UnsentReplyOfAClientThatIsGone) {
+    fill();
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    UnsentReply unsent;
+    ASSERT_TRUE(unsent.keep(sending));
+    mThere.reset();
+    EXPECT_FALSE(unsent.flush(mHere.get()));
+}
+
+TEST_F(TransportTest, UnsentRepliesHaveABoundTogether) {
+    std::vector<uint8_t> large(kMaxReplyBody / 4);
+    Sending quarter;
+    quarter.pieces = {{large.data(), large.size()}};
+    std::vector<std::unique_ptr<UnsentReply>> kept;
+    for (int i = 0; i < 4; ++i) {
+        kept.push_back(std::make_unique<UnsentReply>());
+        EXPECT_TRUE(kept.back()->keep(quarter));
+    }
+    UnsentReply more;
+    EXPECT_FALSE(more.keep(quarter));
+    EXPECT_TRUE(more.empty());
+    // When one has gone there is room again.
+    kept.pop_back();
+    EXPECT_TRUE(more.keep(quarter));
+}
+
+TEST_F(TransportTest, UnsentReplyWithoutItsDescriptorIsNotKept) {
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    sending.descriptors = {-1};
+    UnsentReply unsent;
+    EXPECT_FALSE(unsent.keep(sending));
+    EXPECT_TRUE(unsent.empty());
+    sending.begun = true;  // they have gone with the first byte
+    EXPECT_TRUE(unsent.keep(sending));
+}
+
+}  // namespace
+}  // namespace mlk::test

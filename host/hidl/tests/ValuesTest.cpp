@@ -1,0 +1,261 @@
+// hidl_string, hidl_vec, hidl_array and their texts.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <hidl/HidlSupport.h>
+
+#include <array>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace mlk::test {
+namespace {
+
+using ::android::hardware::hidl_array;
+using ::android::hardware::hidl_handle;
+using ::android::hardware::hidl_memory;
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
+using ::testing::ElementsAre;
+
+TEST(HidlStringTest, EmptyOnes) {
+    const hidl_string rows[] = {hidl_string(), hidl_string(""), hidl_string(nullptr),
+                                hidl_string(std::string()), hidl_string("abc", 0)};
+    for (const hidl_string& text : rows) {
+        EXPECT_TRUE(text.empty());
+        EXPECT_EQ(0U, text.size());
+        ASSERT_NE(nullptr, text.c_str());
+        EXPECT_EQ('\0', *text.c_str());
+    }
+}
+
+TEST(HidlStringTest, CopiesItsText) {
+    std::string source("a\0b", 3);
+    const hidl_string text(source);
+    source[0] = 'x';
+    EXPECT_EQ(3U, text.size());
+    EXPECT_EQ(std::string("a\0b", 3), std::string(text));
+    EXPECT_EQ('\0', text.c_str()[3]);
+    EXPECT_EQ("ab", std::string(hidl_string("abc", 2)));
+}
+
+TEST(HidlStringTest, Assignments) {
+    hidl_string text("former");
+    text = "letters";
+    EXPECT_EQ("letters", text);
+    text = std::string("a string");
+    EXPECT_EQ("a string", text);
+    const hidl_string other("other");
+    text = other;
+    EXPECT_EQ("other", text);
+    EXPECT_EQ("other", other);
+    const hidl_string& itself = text;
+    text = itself;
+    EXPECT_EQ("other", text);
+    text = text.c_str() + 2;  // a part of itself
+    EXPECT_EQ("her", text);
+    text = static_cast<const char*>(nullptr);
+    EXPECT_EQ("", text);
+    text = "again";
+    text.clear();
+    EXPECT_TRUE(text.empty());
+}
+
+// What is moved from is left empty, as the class says: looking at it is what these tests are for.
+// NOLINTBEGIN(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
+TEST(HidlStringTest, Moves) {
+    hidl_string source("a text");
+    const char* bytes = source.c_str();
+    hidl_string text(std::move(source));
+    EXPECT_EQ(bytes, text.c_str());
+    EXPECT_EQ("", source);
+    hidl_string third("former");
+    third = std::move(text);
+    EXPECT_EQ(bytes, third.c_str());
+    EXPECT_EQ("", text);
+    hidl_string& itself = third;
+    third = std::move(itself);
+    EXPECT_EQ("a text", third);
+}
+
+TEST(HidlVecTest, CopiesAndMoves) {
+    hidl_vec<int> source{1, 2};
+    hidl_vec<int> copy(source);
+    copy[0] = 9;
+    EXPECT_THAT(std::vector<int>(source), ElementsAre(1, 2));
+    copy = source;
+    EXPECT_THAT(std::vector<int>(copy), ElementsAre(1, 2));
+    const hidl_vec<int>& itself = copy;
+    copy = itself;
+    EXPECT_THAT(std::vector<int>(copy), ElementsAre(1, 2));
+    const int* data = source.data();
+    hidl_vec<int> moved(std::move(source));
+    EXPECT_EQ(data, moved.data());
+    EXPECT_TRUE(source.empty());
+    copy = std::move(moved);
+    EXPECT_EQ(data, copy.data());
+    EXPECT_TRUE(moved.empty());
+    copy = std::vector<int>{7};
+    EXPECT_THAT(std::vector<int>(copy), ElementsAre(7));
+    copy = {8, 9};
+    EXPECT_THAT(std::vector<int>(copy), ElementsAre(8, 9));
+}
+// NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
+
+TEST(HidlStringTest, RefersToATextOfSomebodyElses) {
+    const char bytes[] = "outside";
+    hidl_string text("former");
+    text.setToExternal(bytes, 7);
+    EXPECT_EQ(bytes, text.c_str());
+    const hidl_string copy(text);
+    EXPECT_NE(bytes, copy.c_str());
+    EXPECT_EQ("outside", copy);
+    text.setToExternal(new char[3]{'o', 'k', '\0'}, 2, true);
+    EXPECT_EQ("ok", text);
+    text.setToExternal(nullptr, 5);
+    ASSERT_NE(nullptr, text.c_str());
+    EXPECT_EQ("", text);
+}
+
+TEST(HidlStringTest, Comparisons) {
+    EXPECT_EQ(hidl_string("a"), hidl_string("a"));
+    EXPECT_NE(hidl_string("a"), hidl_string("b"));
+    EXPECT_NE(hidl_string(std::string("a\0b", 3)), "a");
+    EXPECT_LT(hidl_string("a"), hidl_string("ab"));
+    EXPECT_FALSE(hidl_string("b") < hidl_string("ab"));
+    std::ostringstream stream;
+    stream << hidl_string("printed");
+    EXPECT_EQ("printed", stream.str());
+    const hidl_string text("seen");
+    EXPECT_EQ(4U, std::string_view(text).size());
+}
+
+// The bytes that would travel of a value that was made where something else had been.
+template <typename T>
+std::string madeOver(char former) {
+    alignas(T) char room[sizeof(T)];
+    memset(room, former, sizeof(room));
+    T* value = new (room) T();
+    std::string bytes(room, sizeof(room));
+    value->~T();
+    return bytes;
+}
+
+TEST(PaddingTest, CarriesNothingAlong) {
+    EXPECT_EQ(madeOver<hidl_string>('\x55'), madeOver<hidl_string>('\xaa'));
+    EXPECT_EQ(madeOver<hidl_vec<int>>('\x55'), madeOver<hidl_vec<int>>('\xaa'));
+    EXPECT_EQ(madeOver<hidl_handle>('\x55'), madeOver<hidl_handle>('\xaa'));
+    EXPECT_EQ(madeOver<hidl_memory>('\x55'), madeOver<hidl_memory>('\xaa'));
+}
+
+TEST(ValuesDeathTest, LimitsOfSize) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const size_t tooLong = std::numeric_limits<uint32_t>::max();
+    hidl_string text;
+    EXPECT_DEATH(text.setToExternal("", tooLong), "a hidl_string holds at most 2\\^32-1 bytes");
+    hidl_vec<char> bytes;
+    EXPECT_DEATH(bytes.resize(tooLong + 1), "a hidl_vec holds at most 2\\^32-1 elements");
+}
+
+TEST(HidlVecTest, WaysToMakeOne) {
+    const std::vector<int> source{1, 2, 3};
+    const auto elements = [](const hidl_vec<int>& vec) { return std::vector<int>(vec); };
+    EXPECT_THAT(elements({}), ElementsAre());
+    EXPECT_THAT(elements({1, 2, 3}), ElementsAre(1, 2, 3));
+    EXPECT_THAT(elements(source), ElementsAre(1, 2, 3));
+    EXPECT_THAT(elements(hidl_vec<int>(source.begin() + 1, source.end())), ElementsAre(2, 3));
+    EXPECT_THAT(elements(hidl_vec<int>(2)), ElementsAre(0, 0));
+    EXPECT_EQ(nullptr, hidl_vec<int>().data());
+}
+
+TEST(HidlVecTest, Resizes) {
+    hidl_vec<std::string> vec{"a", "b", "c"};
+    vec.resize(2);
+    EXPECT_THAT(std::vector<std::string>(vec), ElementsAre("a", "b"));
+    vec.resize(3);
+    EXPECT_THAT(std::vector<std::string>(vec), ElementsAre("a", "b", ""));
+    vec.resize(0);
+    EXPECT_TRUE(vec.empty());
+}
+
+TEST(HidlVecTest, RefersToElementsOfSomebodyElses) {
+    int outside[] = {1, 2, 3};
+    hidl_vec<int> vec{9};
+    vec.setToExternal(outside, 3);
+    vec[1] = 5;
+    EXPECT_EQ(5, outside[1]);
+    hidl_vec<int> copy(vec);
+    copy[0] = 7;
+    EXPECT_EQ(1, outside[0]);
+    vec.resize(2);
+    vec[0] = 7;
+    EXPECT_EQ(1, outside[0]);
+    vec.setToExternal(new int[1]{4}, 1, true);
+    EXPECT_THAT(std::vector<int>(vec), ElementsAre(4));
+}
+
+TEST(HidlVecTest, Comparisons) {
+    EXPECT_EQ((hidl_vec<int>{1, 2}), (hidl_vec<int>{1, 2}));
+    EXPECT_NE((hidl_vec<int>{1, 2}), (hidl_vec<int>{1, 3}));
+    EXPECT_NE((hidl_vec<int>{1, 2}), (hidl_vec<int>{1}));
+    EXPECT_EQ(hidl_vec<int>(), hidl_vec<int>{});
+    int sum = 0;
+    for (const int element : hidl_vec<int>{1, 2, 3}) sum += element;
+    EXPECT_EQ(6, sum);
+}
+
+TEST(HidlArrayTest, OneDimension) {
+    const int source[] = {1, 2, 3};
+    hidl_array<int, 3> array(source);
+    EXPECT_EQ(3U, array.size());
+    EXPECT_EQ(2, array[1]);
+    array[1] = 5;
+    const hidl_array<int, 3> copy = array;
+    EXPECT_EQ(copy, array);
+    EXPECT_EQ((std::array<int, 3>{1, 5, 3}), (static_cast<std::array<int, 3>>(copy)));
+    EXPECT_NE(copy, (hidl_array<int, 3>(std::array<int, 3>{1, 2, 3})));
+    array = source;
+    EXPECT_EQ(2, array[1]);
+    EXPECT_EQ(0, (hidl_array<int, 2>()[1]));
+}
+
+TEST(HidlArrayTest, SeveralDimensionsInRowOrder) {
+    hidl_array<int, 2, 3, 2> array;
+    EXPECT_EQ(12U, array.elementCount());
+    int next = 0;
+    for (size_t i = 0; i < 2; ++i) {
+        for (size_t j = 0; j < 3; ++j) {
+            for (size_t k = 0; k < 2; ++k) array[i][j][k] = next++;
+        }
+    }
+    for (int i = 0; i < 12; ++i) EXPECT_EQ(i, array.data()[i]);
+    const auto& constant = array;
+    EXPECT_EQ(9, constant[1][1][1]);
+    const std::array<std::array<std::array<int, 2>, 3>, 2> nested = array;
+    EXPECT_EQ(9, nested[1][1][1]);
+    EXPECT_EQ(array, (hidl_array<int, 2, 3, 2>(nested)));
+}
+
+TEST(ToStringTest, EveryKindOfValue) {
+    using ::android::hardware::toString;
+    EXPECT_EQ("true", toString(true));
+    EXPECT_EQ("-3", toString(int8_t{-3}));
+    EXPECT_EQ("\"text\"", toString(hidl_string("text")));
+    EXPECT_EQ("[2]{1, 2}", toString(hidl_vec<int>{1, 2}));
+    EXPECT_EQ("[0]{}", toString(hidl_vec<int>()));
+    EXPECT_EQ("[1]{[1]{\"a\"}}", toString(hidl_vec<hidl_vec<hidl_string>>{{"a"}}));
+    hidl_array<int, 2, 3> array;
+    array[1][0] = 7;
+    EXPECT_EQ("{{0, 0, 0}, {7, 0, 0}}", toString(array));
+    EXPECT_EQ("0xff", ::android::hardware::details::toHexString(255));
+    EXPECT_EQ("0xffffffffffffffff", ::android::hardware::details::toHexString(~uint64_t{0}));
+    EXPECT_EQ("0x0", toString(static_cast<const void*>(nullptr)));
+}
+
+}  // namespace
+}  // namespace mlk::test
