@@ -1,8 +1,11 @@
 #include "host/log/HostLog.h"
 
+#include <android-base/unique_fd.h>
 #include <android/log.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <sstream>
@@ -14,6 +17,7 @@
 namespace mlk::host {
 namespace {
 
+using ::android::base::unique_fd;
 using ::mlk::testing::LogCapture;
 using ::mlk::testing::Process;
 using ::testing::EndsWith;
@@ -105,6 +109,22 @@ TEST(HostLog, ABrokenStandardErrorHarmsNobody) {
     Process full({"/bin/sh", "-c", "exec \"$0\" 4 tag hello 2>/dev/full", WRITER_PROGRAM});
     EXPECT_EQ(full.wait(), 0);
     EXPECT_EQ(full.out(), "logged 1 0\n");
+}
+
+TEST(HostLog, AFullStandardErrorLosesTheMessageAndStopsNobody) {
+    unique_fd read;
+    unique_fd write;
+    ASSERT_TRUE(::android::base::Pipe(&read, &write));
+    fcntl(write.get(), F_SETFL, O_NONBLOCK);
+    const unique_fd former(dup(STDERR_FILENO));
+    dup2(write.get(), STDERR_FILENO);
+    const std::string longer(1'000'000, 'x');
+    __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
+    __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
+    dup2(former.get(), STDERR_FILENO);
+    char first = 0;
+    EXPECT_EQ(::read(read.get(), &first, 1), 1);
+    EXPECT_EQ(first, 'E');
 }
 
 TEST(HostLog, IsPutBackAfterACapture) {
