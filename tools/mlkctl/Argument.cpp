@@ -17,13 +17,6 @@ std::vector<std::string_view> namesOf(const NumberNames& names) {
     return list;
 }
 
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
-
 }  // namespace
 
 std::optional<int64_t> numberFrom(std::string_view text) {
@@ -63,51 +56,42 @@ std::string Word::allowed() const {
 }
 
 void Argument::refuse(const Word& word) const {
-    std::string hint;
-    const auto* text = std::get_if<std::string>(&mValue);
-    if (text != nullptr && !word.names.rows.empty())
-        hint = didYouMean(*text, namesOf(word.names), "");
-    throw usage(word.name + " is " + word.allowed() + ", not " + written() + hint);
+    const bool mayBeName = isText() && !word.names.rows.empty();
+    throw usage(word.name + " is " + word.allowed() + ", not " + written() +
+                (mayBeName ? didYouMean(mText, namesOf(word.names), "") : ""));
 }
 
 std::string Argument::written() const {
-    return std::visit(Overloaded{[](const std::string& text) { return excerpt(text); },
-                                 [](int64_t number) { return std::to_string(number); },
-                                 [](bool flag) { return std::string(flag ? "true" : "false"); },
-                                 [](const OtherNumber& number) {
-                                     return printable(number.text.substr(0, 60));
-                                 },
-                                 [](Null) { return std::string("null"); }},
-                      mValue);
+    if (isText()) return excerpt(mText);
+    if (mKind == Kind::NUMBER) return std::to_string(mNumber);
+    if (mKind == Kind::FLAG) return mNumber != 0 ? "true" : "false";
+    return mText.substr(0, 60);
 }
 
 std::string Argument::toText(const Word& word) const {
-    const auto* text = std::get_if<std::string>(&mValue);
-    if (text == nullptr) refuse(word);
-    return mTyped ? *text : withoutByteEscapes(*text);
+    if (!isText()) refuse(word);
+    return mKind == Kind::WORD ? withoutByteEscapes(mText) : mText;
 }
 
 bool Argument::toFlag(const Word& word) const {
-    if (const auto* flag = std::get_if<bool>(&mValue)) return *flag;
-    const auto* text = std::get_if<std::string>(&mValue);
-    if (mTyped || text == nullptr || (*text != "true" && *text != "false")) refuse(word);
-    return *text == "true";
+    if (mKind == Kind::FLAG) return mNumber != 0;
+    if (mKind != Kind::WORD || (mText != "true" && mText != "false")) refuse(word);
+    return mText == "true";
 }
 
-std::optional<int64_t> Argument::numberOf(const Word& word) const {
-    if (const auto* number = std::get_if<int64_t>(&mValue)) return *number;
-    const auto* text = std::get_if<std::string>(&mValue);
-    if (text == nullptr) return {};
+std::optional<int64_t> Argument::numberFor(const Word& word) const {
+    if (mKind == Kind::NUMBER) return mNumber;
+    if (!isText()) return {};
     for (const auto& [name, number] : word.names.rows) {
-        if (name == *text) return number;
+        if (name == mText) return number;
     }
     // JSON has numbers of its own; only where a text can be right anyway is one in quotes, too.
-    if (mTyped && word.kind != Word::Kind::ENUMERATOR) return {};
-    return numberFrom(*text);
+    if (mKind == Kind::TEXT && word.kind != Word::Kind::ENUMERATOR) return {};
+    return numberFrom(mText);
 }
 
 int64_t Argument::toNumber(const Word& word, int64_t least, int64_t most) const {
-    const auto number = numberOf(word);
+    const auto number = numberFor(word);
     if (!number || *number < least || *number > most) refuse(word);
     return *number;
 }

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace mlk::ctl {
@@ -29,19 +28,20 @@ struct Word {
     std::string allowed() const;
 };
 
-/// One argument as it came: a word of the command line, which is anything until a method's
-/// parameter reads it, or a value of a batch's line, which JSON has given a type.
+/// One argument as it came: a word of the command line, which may be read as anything, or a value
+/// of a batch's line, which JSON has given a type.
 class Argument {
   public:
-    struct Null {};
-    /// A number that has a fraction or does not fit into 64 bits, as it was written.
-    struct OtherNumber {
-        std::string text;
-    };
-    using Value = std::variant<std::string, int64_t, bool, OtherNumber, Null>;
+    static Argument ofCommandLine(std::string word) { return {Kind::WORD, std::move(word), 0}; }
+    static Argument ofText(std::string text) { return {Kind::TEXT, std::move(text), 0}; }
+    static Argument ofNumber(int64_t number) { return {Kind::NUMBER, {}, number}; }
+    static Argument ofFlag(bool flag) { return {Kind::FLAG, {}, flag ? 1 : 0}; }
+    /// What no method takes: null, a number with a fraction, one of more than 64 bits; as it was
+    /// written.
+    static Argument ofOther(std::string written) { return {Kind::OTHER, std::move(written), 0}; }
 
-    static Argument ofCommandLine(std::string word) { return {std::move(word), false}; }
-    static Argument ofJson(Value value) { return {std::move(value), true}; }
+    /// Whether a text was written, whatever it may be read as.
+    bool isText() const { return mKind == Kind::WORD || mKind == Kind::TEXT; }
 
     /// The value that the word of a call gets; throws Failure USAGE with what would be right when
     /// this is none.
@@ -54,13 +54,17 @@ class Argument {
     std::string written() const;
 
   private:
-    Argument(Value value, bool typed) : mValue(std::move(value)), mTyped(typed) {}
+    enum class Kind { WORD, TEXT, NUMBER, FLAG, OTHER };
 
-    std::optional<int64_t> numberOf(const Word& word) const;
+    Argument(Kind kind, std::string text, int64_t number)
+        : mKind(kind), mText(std::move(text)), mNumber(number) {}
+
+    std::optional<int64_t> numberFor(const Word& word) const;
     [[noreturn]] void refuse(const Word& word) const;
 
-    Value mValue;
-    bool mTyped;
+    Kind mKind;
+    std::string mText;
+    int64_t mNumber;
 };
 
 /// The number that a text is, in decimal or with 0x in hexadecimal, a minus in front of either;

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <iterator>
 #include <limits>
-#include <optional>
 
 #include "tools/mlkctl/Failure.h"
 #include "tools/mlkctl/Text.h"
@@ -22,22 +22,22 @@ class Values : public nlohmann::json_sax<Json> {
   public:
     explicit Values(bool hasHiddenBytes) : mHasHiddenBytes(hasHiddenBytes) {}
 
-    std::vector<Argument::Value> values;
+    std::vector<Argument> values;
     std::string problem;  ///< Why the parser stopped.
 
-    bool null() override { return add(Argument::Null()); }
-    bool boolean(bool value) override { return add(value); }
-    bool number_integer(number_integer_t value) override { return add(value); }
+    bool null() override { return add(Argument::ofOther("null")); }
+    bool boolean(bool value) override { return add(Argument::ofFlag(value)); }
+    bool number_integer(number_integer_t value) override { return add(Argument::ofNumber(value)); }
     bool number_unsigned(number_unsigned_t value) override {
         if (value > static_cast<uint64_t>(std::numeric_limits<int64_t>::max()))
-            return add(Argument::OtherNumber{std::to_string(value)});
-        return add(static_cast<int64_t>(value));
+            return add(Argument::ofOther(std::to_string(value)));
+        return add(Argument::ofNumber(static_cast<int64_t>(value)));
     }
     bool number_float(number_float_t, const string_t& text) override {
-        return add(Argument::OtherNumber{text});
+        return add(Argument::ofOther(text));
     }
     bool string(string_t& text) override {
-        return add(mHasHiddenBytes ? restoreBytes(text) : std::move(text));
+        return add(Argument::ofText(mHasHiddenBytes ? restoreBytes(text) : std::move(text)));
     }
     bool start_array(size_t) override {
         if (mInArray) return refuse("an argument is a text, a number, true or false, not an array");
@@ -57,7 +57,7 @@ class Values : public nlohmann::json_sax<Json> {
     }
 
   private:
-    bool add(Argument::Value value) {
+    bool add(Argument value) {
         if (!mInArray) return refuse(kForm);
         values.push_back(std::move(value));
         return true;
@@ -71,10 +71,10 @@ class Values : public nlohmann::json_sax<Json> {
     bool mInArray = false;
 };
 
-std::string nameFrom(const std::vector<Argument::Value>& values, size_t index) {
-    const auto* name = index < values.size() ? std::get_if<std::string>(&values[index]) : nullptr;
-    if (name == nullptr) throw usage(kForm);
-    return *name;
+/// The name of something, which stands at this place of the array.
+std::string nameFrom(const std::vector<Argument>& values, size_t index) {
+    if (index >= values.size() || !values[index].isText()) throw usage(kForm);
+    return values[index].toText({"NAME", Word::Kind::TEXT});
 }
 
 }  // namespace
@@ -86,8 +86,8 @@ BatchLine parseBatchLine(std::string_view line) {
     if (!Json::sax_parse(hidden ? std::string_view(plain) : line, &taken))
         throw usage(taken.problem);
     BatchLine result{nameFrom(taken.values, 0), nameFrom(taken.values, 1), {}};
-    for (size_t i = 2; i < taken.values.size(); ++i)
-        result.arguments.push_back(Argument::ofJson(std::move(taken.values[i])));
+    result.arguments.assign(std::make_move_iterator(taken.values.begin() + 2),
+                            std::make_move_iterator(taken.values.end()));
     return result;
 }
 

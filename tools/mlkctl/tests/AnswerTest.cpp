@@ -1,0 +1,130 @@
+#include "tools/mlkctl/Answer.h"
+
+#include <cutils/native_handle.h>
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "tools/mlkctl/Failure.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+template <typename T>
+std::string printed(const T& value) {
+    std::string out;
+    print(out, value);
+    return out;
+}
+
+/// A block of memory that says it has `size` bytes.
+class Memory {
+  public:
+    Memory(const std::string& content, size_t size) {
+        mHandle->data[0] = memfd_create("memory", MFD_CLOEXEC);
+        EXPECT_EQ(write(mHandle->data[0], content.data(), content.size()),
+                  static_cast<ssize_t>(content.size()));
+        mMemory = hidl_memory("ashmem", mHandle, size);
+    }
+    ~Memory() {
+        native_handle_close(mHandle);
+        native_handle_delete(mHandle);
+    }
+    Memory(const Memory&) = delete;
+    Memory& operator=(const Memory&) = delete;
+
+    const hidl_memory& get() const { return mMemory; }
+
+  private:
+    native_handle_t* mHandle = native_handle_create(1, 0);
+    hidl_memory mMemory;
+};
+
+TEST(AnswerTest, OptionalsAreObjects) {
+    EXPECT_EQ(printed(V1_0::OptionalBool{true, false}), R"({"success":true,"value":false})");
+    EXPECT_EQ(printed(V1_0::OptionalBool{false, true}), R"({"success":false,"value":true})");
+    EXPECT_EQ(printed(V1_0::OptionalInt32{true, INT32_MIN}),
+              R"({"success":true,"value":-2147483648})");
+    EXPECT_EQ(printed(V1_0::OptionalString{true, "a\"\xff"}),
+              R"({"success":true,"value":"a\"\udcff"})");
+    EXPECT_EQ(printed(V1_0::OptionalString{false, hidl_string("a\0b", 3)}),
+              R"({"success":false,"value":"a\u0000b"})");
+}
+
+TEST(AnswerTest, VectorsAreArrays) {
+    EXPECT_EQ(printed(hidl_vec<hidl_string>{}), "[]");
+    EXPECT_EQ(printed(hidl_vec<hidl_string>{"a", "", "\x80"}), R"(["a","",")"
+                                                               "\\udc80"
+                                                               R"("])");
+    EXPECT_EQ(printed(hidl_vec<uint32_t>{}), "[]");
+    EXPECT_EQ(printed(hidl_vec<uint32_t>{0, 4294967295U}), "[0,4294967295]");
+    EXPECT_EQ(printed(hidl_vec<V1_0::ConfigKeyValue>{{"k", "v"}, {"", ""}}),
+              R"([{"key":"k","value":"v"},{"key":"","value":""}])");
+}
+
+TEST(AnswerTest, ChannelsHaveTheirLabelToTheFirstNul) {
+    V1_0::HidlFreqListItem item{};
+    item.channel = 21;
+    item.frequency = 474000;
+    item.bandwidth = 8000000;
+    item.modulation = 18;
+    item.label[0] = 'E';
+    item.label[1] = '2';
+    item.label[2] = '1';
+    EXPECT_EQ(printed(hidl_vec<V1_0::HidlFreqListItem>{item}),
+              R"([{"channel":21,"frequency":474000,"bandwidth":8000000,"label":"E21",)"
+              R"("modulation":18}])");
+    item.channel = 65535;
+    item.label[0] = 0;
+    EXPECT_THAT(printed(item), testing::HasSubstr(R"({"channel":65535,)"));
+    EXPECT_THAT(printed(item), testing::HasSubstr(R"("label":"",)"));
+    // A label that fills its field has no NUL.
+    for (size_t i = 0; i < item.label.size(); ++i) item.label[i] = 'x';
+    EXPECT_THAT(printed(item), testing::HasSubstr(R"("label":"xxxxx",)"));
+}
+
+TEST(AnswerTest, BytesAreBase64) {
+    EXPECT_EQ(printed(hidl_vec<uint8_t>{}), R"({"size":0,"base64":""})");
+    EXPECT_EQ(printed(hidl_vec<uint8_t>{0, 255, 16, 1}), R"({"size":4,"base64":"AP8QAQ=="})");
+    EXPECT_EQ(rawBytes(hidl_vec<uint8_t>{0, 255, 10}), std::string("\0\xff\n", 3));
+}
+
+TEST(AnswerTest, MemoryIsReadWhereverItCameFrom) {
+    EXPECT_EQ(printed(hidl_memory()), R"({"size":0,"base64":""})");
+    EXPECT_EQ(rawBytes(hidl_memory()), "");
+    const Memory memory("foobar", 6);
+    EXPECT_EQ(printed(memory.get()), R"({"size":6,"base64":"Zm9vYmFy"})");
+    EXPECT_EQ(rawBytes(memory.get()), "foobar");
+}
+
+/// The message of the NO_ANSWER that printing throws.
+std::string refusalOf(const hidl_memory& memory) {
+    try {
+        return printed(memory);
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.status(), ExitStatus::NO_ANSWER);
+        return failure.what();
+    }
+}
+
+TEST(AnswerTest, MemoryThatLiesKillsNobody) {
+    const Memory memory("foobar", 1'000'000);
+    EXPECT_EQ(refusalOf(memory.get()),
+              "the answer is shared memory of 6 bytes that claims to have 1000000");
+    EXPECT_EQ(refusalOf(hidl_memory("ashmem", nullptr, 5)),
+              "the answer is shared memory without a descriptor");
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    native_handle_t* handle = native_handle_create(1, 0);
+    handle->data[0] = ends[0];
+    EXPECT_THAT(refusalOf(hidl_memory("ashmem", handle, 5)),
+                testing::StartsWith("the answer's shared memory cannot be mapped: "));
+    native_handle_delete(handle);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+}  // namespace
+
+}  // namespace mlk::ctl

@@ -1,0 +1,215 @@
+#include <gmock/gmock.h>
+
+#include "tools/mlkctl/tests/Harness.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using Words = std::vector<std::string>;
+
+Words callOf(const Words& words) {
+    Words all = {"call"};
+    all.insert(all.end(), words.begin(), words.end());
+    return all;
+}
+
+/// `mlkctl call WORDS...` that is answered with this line.
+void expectAnswer(const Words& words, Script& script, const std::string& line) {
+    const Outcome outcome = runMlkctl(callOf(words), script);
+    EXPECT_EQ(outcome.out, line + '\n');
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+/// `mlkctl call WORDS...` that fails with this message.
+void expectFailure(const Words& words, Script& script, int status, const std::string& message) {
+    const Outcome outcome = runMlkctl(callOf(words), script);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "mlkctl: " + message + '\n');
+    EXPECT_EQ(outcome.status, status);
+}
+
+TEST(CallTest, PrintsTheAnswerAsALine) {
+    Script script;
+    expectAnswer({"IMlkProjectConfigs", "getPanelName"}, script,
+                 R"({"success":true,"value":"getPanelName"})");
+    expectAnswer({"IMlkFrameworkConfigs", "getForceStrEnabled"}, script,
+                 R"({"success":true,"value":true})");
+    expectAnswer({"IMlkTvConfigs", "getAtvSystem"}, script, R"({"success":true,"value":42})");
+    expectAnswer({"IMlkProjectConfigs", "getProjectIniList"}, script, R"(["one","two"])");
+    expectAnswer({"IMlkProjectConfigs", "getCountryList"}, script, "[1,4000000000]");
+    expectAnswer({"IMlkProjectConfigs", "getConfigsByCategory", "[A]"}, script,
+                 R"([{"key":"key","value":"value"}])");
+    expectAnswer({"IMlkProjectConfigs", "getTvFile", "/x"}, script,
+                 R"({"size":3,"base64":"AAH/"})");
+    script.success = false;
+    expectAnswer({"IMlkTvConfigs", "getFlag", "0"}, script, R"({"success":false,"value":true})");
+}
+
+TEST(CallTest, WhatStandsBehindTheMethodIsAnArgument) {
+    Script script;
+    const std::vector<Words> calls = {
+            {"setProjectId", "-3"},
+            {"getTvFile", "--foo"},
+            {"getTvFile", "--raw"},
+            {"getTvFile", "--help"},
+            {"getTvFile", ""},
+            {"getTvFile", "--"},
+            {"setAvrOSDName", "list"},
+            {"getConfig", "", "-h"},
+            {"getAudioDelay", "[A]", "--json", "-x"},
+    };
+    for (const Words& call : calls) {
+        Words words = {"IMlkProjectConfigs"};
+        words.insert(words.end(), call.begin(), call.end());
+        EXPECT_EQ(runMlkctl(callOf(words), script).status, 0) << testing::PrintToString(call);
+        EXPECT_EQ(script.calls.back(), call);
+    }
+    EXPECT_EQ(runMlkctl({"call", "--", "IMlkProjectConfigs", "setProjectId", "-3"}, script).status,
+              0);
+    EXPECT_THAT(script.calls.back(), ElementsAre("setProjectId", "-3"));
+}
+
+TEST(CallTest, ArgumentsArriveAsTheyAreMeant) {
+    Script script;
+    const auto arrives = [&](const Words& words, const Words& expected) {
+        EXPECT_EQ(runMlkctl(callOf(words), script).status, 0);
+        EXPECT_EQ(script.calls.back(), expected);
+    };
+    arrives({"IMlkTvConfigs", "getFlag", "WOW"}, {"getFlag", "25"});
+    arrives({"IMlkTvConfigs", "getFlag", "-1"}, {"getFlag", "4294967295"});
+    arrives({"IMlkTvConfigs", "getFlag", "4294967295"}, {"getFlag", "4294967295"});
+    arrives({"IMlkTvConfigs", "getFlag", "-2147483648"}, {"getFlag", "2147483648"});
+    arrives({"IMlkTvConfigs", "getFlag", "0x1a"}, {"getFlag", "26"});
+    arrives({"IMlkTvConfigs", "setFlag", "HBBTV", "false"}, {"setFlag", "19", "false"});
+    arrives({"IMlkProjectConfigs", "getHDMIEdidPath", "0", "EDID_2P1"},
+            {"getHDMIEdidPath", "0", "2"});
+    arrives({"IMlkProjectConfigs", "getFreqTableList", "-1", "ATV_CABLE", "HRC"},
+            {"getFreqTableList", "-1", "3", "2"});
+    arrives({"IMlkProjectConfigs", "getConfig", "[LiveTV]", "TvConfig"},
+            {"getConfig", "[LiveTV]", "TvConfig"});
+    arrives({"IMlkProjectConfigs", "setAvrVendorId", R"(a\udcffb)"}, {"setAvrVendorId",
+                                                                      "a\xff"
+                                                                      "b"});
+}
+
+TEST(CallTest, ACommandLineThatIsWrongSaysWhatIsRight) {
+    Script script;
+    expectFailure({}, script, 2, "INTERFACE and METHOD are missing; see mlkctl call --help");
+    expectFailure({"IMlkTvConfig"}, script, 2,
+                  R"(there is no interface "IMlkTvConfig"; did you mean IMlkTvConfigs?)");
+    expectFailure({"vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default", "getFlag"}, script, 2,
+                  R"(there is no interface "vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default")"
+                  "; did you mean IMlkTvConfigs?");
+    expectFailure({"Television"}, script, 2,
+                  R"(there is no interface "Television"; there are IMlkProjectConfigs, )"
+                  "IMlkTvConfigs, IMlkFrameworkConfigs");
+    expectFailure({"IMlkTvConfigs"}, script, 2,
+                  "METHOD is missing; mlkctl call IMlkTvConfigs --help lists what it has");
+    expectFailure({"IMlkTvConfigs", "getFlaf", "1"}, script, 2,
+                  R"(IMlkTvConfigs has no method "getFlaf"; did you mean getFlag?)");
+    expectFailure({"IMlkTvConfigs", "getPanelName"}, script, 2,
+                  R"(IMlkTvConfigs has no method "getPanelName"; did you mean )"
+                  "IMlkProjectConfigs getPanelName?");
+    expectFailure({"IMlkTvConfigs", "getWowEnabled"}, script, 2,
+                  R"(IMlkTvConfigs has no method "getWowEnabled"; did you mean getWOWEnabled, or )"
+                  "IMlkFrameworkConfigs getWowEnabled?");
+    expectFailure({"IMlkTvConfigs", "dance"}, script, 2,
+                  R"(IMlkTvConfigs has no method "dance"; mlkctl call IMlkTvConfigs --help lists )"
+                  "what it has");
+    expectFailure({"IMlkTvConfigs", "getFlag"}, script, 2,
+                  "IMlkTvConfigs getFlag: it takes 1 argument: TYPE; there are 0");
+    expectFailure({"IMlkTvConfigs", "pvrEnabled", "x"}, script, 2,
+                  "IMlkTvConfigs pvrEnabled: it takes no argument; there is 1");
+    expectFailure({"IMlkProjectConfigs", "getAudioDelay", "x"}, script, 2,
+                  "IMlkProjectConfigs getAudioDelay: it takes 3 arguments: CATEGORY KEY AVR_NAME; "
+                  "there is 1");
+    expectFailure({"IMlkTvConfigs", "getFlag", "4294967296"}, script, 2,
+                  "IMlkTvConfigs getFlag: TYPE is ATV, ATV_ANTENNA, ATV_CABLE, DTV, DTV_ANTENNA, "
+                  "DTV_CABLE, DTV_SATELLITE, PVR, LIVEPAUSE, HDMI, VGA, AV, YPP, CI, PIP, MHEG5, "
+                  "GINGA, HBBTV, TELTEX, CLOSE_CAPTION, ATSC_CLOSE_CAPTION, NTSC_CLOSE_CAPTION, "
+                  R"(ISDB_CLOSE_CAPTION, WOW, or a number of 32 bits, not "4294967296")");
+    EXPECT_EQ(runMlkctl({"call", "IMlkTvConfigs", "getFlag", "-2147483649"}, script).status, 2);
+    EXPECT_THAT(script.calls, IsEmpty());
+}
+
+TEST(CallTest, AWrongArgumentIsToldWithoutAService) {
+    Script script;
+    const std::set<std::string> none = {"IMlkTvConfigs"};
+    EXPECT_EQ(
+            runMlkctl({"call", "IMlkTvConfigs", "setFlag", "1", "maybe"}, script, "", none).status,
+            2);
+    const Outcome outcome = runMlkctl({"call", "IMlkTvConfigs", "getFlag", "1"}, script, "", none);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkTvConfigs: not registered; is the service running?\n");
+}
+
+TEST(CallTest, AnUnansweredCallIsNoAnswer) {
+    Script script;
+    script.silent = {"getEQPath"};
+    script.failing = {"getPowerOnMode"};
+    script.dying = {"getPanelName"};
+    expectFailure({"IMlkProjectConfigs", "getEQPath", "2"}, script, 3,
+                  "IMlkProjectConfigs getEQPath: no answer");
+    expectFailure({"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
+                  "IMlkProjectConfigs getPowerOnMode: no answer: EX_ILLEGAL_STATE: not now");
+    expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
+                  "IMlkProjectConfigs getPanelName: the service died during the call");
+}
+
+TEST(CallTest, RawPrintsTheBytes) {
+    Script script;
+    script.bytes = {'a', 0, 10, 255};
+    script.memory = std::string("m\0\n\xff", 4);
+    const std::string bytes("a\0\n\xff", 4);
+    EXPECT_EQ(runMlkctl({"call", "--raw", "IMlkProjectConfigs", "getTvFile", "/x"}, script).out,
+              bytes);
+    EXPECT_EQ(runMlkctl({"call", "IMlkProjectConfigs", "getTvFile", "/x", "--raw"}, script).out,
+              bytes);
+    EXPECT_THAT(script.calls.back(), ElementsAre("getTvFile", "/x"));
+    EXPECT_EQ(runMlkctl({"call", "--raw", "IMlkProjectConfigs", "getVendorPartitionFile", "/x"},
+                        script)
+                      .out,
+              script.memory);
+    EXPECT_EQ(runMlkctl({"call", "IMlkProjectConfigs", "getTvFile", "--raw", "--raw"}, script).out,
+              bytes);
+    EXPECT_THAT(script.calls.back(), ElementsAre("getTvFile", "--raw"));
+    expectFailure({"--raw", "IMlkProjectConfigs", "getPanelName"}, script, 2,
+                  "IMlkProjectConfigs getPanelName: it answers no bytes that could be printed raw");
+    expectFailure({"IMlkProjectConfigs", "getPanelName", "--raw"}, script, 2,
+                  "IMlkProjectConfigs getPanelName: it takes no argument; there is 1");
+    expectFailure({"--rwa", "IMlkProjectConfigs", "getPanelName"}, script, 2,
+                  R"(there is no option "--rwa"; did you mean --raw? (see mlkctl call --help))");
+}
+
+TEST(CallTest, MemoryThatCannotBeReadIsNoAnswer) {
+    Script script;
+    script.memory = std::string("x");
+    ASSERT_EQ(runMlkctl({"call", "IMlkProjectConfigs", "getVendorPartitionFile", "/x"}, script).out,
+              "{\"size\":1,\"base64\":\"eA==\"}\n");
+    script.memory = std::string(100'000, 'x');  // the block is there already, and smaller
+    const Outcome outcome =
+            runMlkctl({"call", "IMlkProjectConfigs", "getVendorPartitionFile", "/x"}, script);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.err, HasSubstr("getVendorPartitionFile: the answer is shared memory of 1"));
+}
+
+TEST(CallTest, AnInterfacesHelpListsItsMethods) {
+    Script script;
+    const Outcome outcome = runMlkctl({"call", "IMlkProjectConfigs", "--help"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out,
+                StartsWith("Methods of IMlkProjectConfigs and their arguments:\n"
+                           "  setProjectId                  PROJECT_ID\n"
+                           "  setProjectIdWithPid           PROJECT_ID PROCESS_NAME PID\n"
+                           "  getProjectId\n"));
+}
+
+}  // namespace
+
+}  // namespace mlk::ctl

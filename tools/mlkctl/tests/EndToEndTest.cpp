@@ -1,0 +1,211 @@
+// The program against a service in another process.
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <memory>
+
+#include "host/testing/HostSet.h"
+#include "host/testing/Process.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using mlk::testing::binDir;
+using mlk::testing::HostSet;
+using mlk::testing::Process;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::StartsWith;
+
+class EndToEndTest : public ::testing::Test {
+  protected:
+    static std::vector<std::string> mlkctl(std::vector<std::string> words) {
+        words.insert(words.begin(), binDir() + "/mlkctl");
+        return words;
+    }
+
+    /// Starts the service and waits until it answers. Of some interfaces, or of all.
+    void startService(std::vector<std::string> interfaces = {}) {
+        const bool all = interfaces.empty();
+        interfaces.insert(interfaces.begin(), TEST_SERVER_PROGRAM);
+        mService = std::make_unique<Process>(interfaces);
+        if (all) {
+            ASSERT_EQ(Process(mlkctl({"wait", "--timeout", "60"})).wait(), 0);
+        }
+    }
+
+    struct Outcome {
+        int status;
+        std::string out;
+        std::string err;
+    };
+    static Outcome run(const std::vector<std::string>& words, const std::string& input = "") {
+        Process::Options options;
+        options.stdinText = input;
+        Process process(mlkctl(words), options);
+        const int status = process.wait();
+        return {status, process.out(), process.err()};
+    }
+
+    HostSet mSet;
+    std::unique_ptr<Process> mService;
+};
+
+TEST_F(EndToEndTest, ListsWhatIsRegistered) {
+    startService();
+    const std::string pid = std::to_string(mService->pid());
+    const Outcome table = run({"list"});
+    EXPECT_EQ(table.status, 0);
+    EXPECT_EQ(table.err, "");
+    const std::string row = "::IMlk[A-Za-z]+ +default +" + pid + " +[0-9]+\n";
+    EXPECT_THAT(table.out, MatchesRegex("INTERFACE +INSTANCE +PID +THREADS\n"
+                                        "(vendor.morlak.mlkconfigs@1.0" +
+                                        row + ")+"));
+    const Outcome json = run({"list", "--json"});
+    const std::string first =
+            R"([{"interface":"vendor.morlak.mlkconfigs@1.0::IMlkFrameworkConfigs",)"
+            R"("instance":"default","pid":)" +
+            pid + R"(,"threads":)";
+    EXPECT_THAT(json.out, StartsWith(first));
+}
+
+TEST_F(EndToEndTest, CallsWithEveryKindOfAnswer) {
+    startService();
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getPanelName"}).out,
+              "{\"success\":true,\"value\":\"getPanelName\"}\n");
+    EXPECT_EQ(run({"call", "IMlkTvConfigs", "setFlag", "HBBTV", "true"}).out,
+              "{\"success\":true,\"value\":true}\n");
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "setProjectId", "-3"}).status, 0);
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getTvFile", "", "--raw"}).out,
+              std::string("\0\1\xff", 3));
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getVendorPartitionFile", "x", "--raw"}).out,
+              "in shared memory");
+    EXPECT_EQ(run({"dump"}).out, "a dump\n");
+    EXPECT_THAT(run({"show"}).out, HasSubstr("Panel             getPanelName\n"));
+}
+
+TEST_F(EndToEndTest, ARefusedCallIsNoAnswerAndTheServiceLivesOn) {
+    startService();
+    const Outcome refused = run({"call", "IMlkProjectConfigs", "getPowerOnMode"});
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(refused.err,
+                HasSubstr("getPowerOnMode: no answer: EX_TRANSACTION_FAILED: BAD_VALUE"));
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getPanelName"}).status, 0);
+    EXPECT_TRUE(mService->running());
+}
+
+TEST_F(EndToEndTest, ADeathDuringTheCallIsUnreachable) {
+    startService();
+    const Outcome outcome = run({"call", "IMlkProjectConfigs", "getTvFile", "/die"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              "mlkctl: IMlkProjectConfigs getTvFile: the service died during the call\n");
+    mService->wait();
+    EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getPanelName"}).status, 1);
+    EXPECT_EQ(run({"list"}).out, "INTERFACE  INSTANCE  PID  THREADS\n");
+}
+
+TEST_F(EndToEndTest, WaitNamesWhatIsMissing) {
+    startService({"IMlkTvConfigs"});
+    const Process wait(mlkctl({"wait", "--timeout", "3600"}));
+    EXPECT_TRUE(wait.running());
+    // Registered by the time that the first answers.
+    Outcome outcome;
+    do {
+        outcome = run({"wait", "--timeout", "0"});
+    } while (outcome.err.find("IMlkTvConfigs") != std::string::npos);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              "mlkctl: no answer within 0 s from IMlkProjectConfigs, IMlkFrameworkConfigs\n");
+}
+
+TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
+    startService();
+    mService->kill(SIGSTOP);
+    const Outcome wait = run({"wait", "--timeout", "0.1"});
+    EXPECT_EQ(wait.status, 1);
+    EXPECT_EQ(wait.err,
+              "mlkctl: no answer within 0.1 s from IMlkProjectConfigs, IMlkTvConfigs, "
+              "IMlkFrameworkConfigs\n");
+    EXPECT_EQ(run({"list"}).status, 0);
+    mService->kill(SIGCONT);
+    EXPECT_EQ(run({"wait"}).status, 0);
+}
+
+TEST_F(EndToEndTest, ABatchIsAConversation) {
+    startService();
+    Process::Options options;
+    options.keepInputOpen = true;
+    Process batch(mlkctl({"batch"}), options);
+    batch.send("[\"IMlkProjectConfigs\",\"getPanelName\"]\n");
+    ASSERT_TRUE(batch.waitForOut("\"getPanelName\"}\n"));
+    batch.send("[\"IMlkProjectConfigs\",\"getPowerOnMode\"]\n\n[\"IMlkTvConf");
+    ASSERT_TRUE(batch.waitForOut("\"no-answer\""));
+    ASSERT_TRUE(batch.waitForOut("\"usage\""));
+    batch.send("igs\",\"getAtvSystem\"]");
+    batch.closeInput();
+    EXPECT_EQ(batch.wait(), 0);
+    EXPECT_THAT(batch.out(), ::testing::EndsWith("\n{\"success\":true,\"value\":42}\n"));
+    EXPECT_EQ(batch.err(), "");
+}
+
+TEST_F(EndToEndTest, ABatchOutlivesTheService) {
+    startService();
+    Process::Options options;
+    options.keepInputOpen = true;
+    Process batch(mlkctl({"batch"}), options);
+    const std::string call = "[\"IMlkProjectConfigs\",\"getPanelName\"]\n";
+    batch.send(call);
+    ASSERT_TRUE(batch.waitForOut("getPanelName\"}\n"));
+    batch.send("[\"IMlkProjectConfigs\",\"getTvFile\",\"/die\"]\n");
+    ASSERT_TRUE(batch.waitForOut("getTvFile: the service died during the call"));
+    mService->wait();
+    batch.send(call);
+    ASSERT_TRUE(batch.waitForOut("IMlkProjectConfigs: not registered"));
+    startService();
+    batch.send("[\"IMlkProjectConfigs\",\"getRegionName\"]\n");
+    ASSERT_TRUE(batch.waitForOut("{\"success\":true,\"value\":\"getRegionName\"}\n"));
+    batch.closeInput();
+    EXPECT_EQ(batch.wait(), 0);
+}
+
+TEST_F(EndToEndTest, ATextTooLongToTravelIsNoAnswer) {
+    startService();
+    const std::string path(1'500'000, 'x');
+    const Outcome outcome =
+            run({"batch"}, "[\"IMlkProjectConfigs\",\"isFileExist\",\"" + path + "\"]\n" +
+                                   "[\"IMlkProjectConfigs\",\"isFileExist\",\"/\"]\n");
+    EXPECT_THAT(
+            outcome.out,
+            MatchesRegex(R"(\{"error":"no-answer","message":"IMlkProjectConfigs isFileExist: no )"
+                         "answer: EX_TRANSACTION_FAILED: .*\"}\n"
+                         R"(\{"success":true,"value":42\})"
+                         "\n"));
+}
+
+TEST_F(EndToEndTest, APipeThatNobodyReadsEndsItQuietly) {
+    startService();
+    std::string input;
+    for (int i = 0; i < 100'000; ++i) input += "[\"IMlkProjectConfigs\",\"getPanelName\"]\n";
+    const std::string input_file = mSet.dir().write("batch", input);
+    // The shell tells the status of each part of the pipe.
+    Process shell({"bash", "-c", "\"$0\" batch < \"$1\" | head -n 1; echo \"${PIPESTATUS[0]}\"",
+                   binDir() + "/mlkctl", input_file});
+    EXPECT_EQ(shell.wait(), 0);
+    EXPECT_EQ(shell.out(), "{\"success\":true,\"value\":\"getPanelName\"}\n1\n");
+    EXPECT_EQ(shell.err(), "");
+}
+
+TEST_F(EndToEndTest, MessagesStandOnStandardError) {
+    const Outcome outcome = run({"call", "IMlkTvConfig", "getFlag", "1"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, HasSubstr("did you mean IMlkTvConfigs?"));
+}
+
+}  // namespace
+
+}  // namespace mlk::ctl

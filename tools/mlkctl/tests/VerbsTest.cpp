@@ -1,0 +1,289 @@
+// The commands that show something: list, show, dump, prop; and wait. In this process, on fakes.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <memory>
+
+#include "host/testing/HostSet.h"
+#include "tools/mlkctl/Pending.h"
+#include "tools/mlkctl/Registry.h"
+#include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/tests/Harness.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using mlk::testing::HostSet;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+TEST(TableTest, AlignsColumns) {
+    EXPECT_EQ(aligned({}), "");
+    EXPECT_EQ(aligned({{"Heading that is long"},
+                       {"  a", "1"},
+                       {"", "2"},
+                       {""},
+                       {"\xc3\xa4\xc3\xb6\xc3\xbc\xc3\x9f", "", "x"}}),
+              "Heading that is long\n  a   1\n      2\n\n\xc3\xa4\xc3\xb6\xc3\xbc\xc3\x9f    x\n");
+}
+
+TEST(RegistryTest, ReadsTheNumberOfThreads) {
+    EXPECT_EQ(threadsIn("Name:\tx\nThreads:\t12\nSigQ:\t0/1\n"), 12);
+    EXPECT_EQ(threadsIn("Name:\tx\nThreads:\t12"), 12);
+    EXPECT_EQ(threadsIn("Name:\tThreads: 3\n"), std::nullopt);
+    EXPECT_EQ(threadsIn("Name:\tx\nThreads:\n"), std::nullopt);
+    EXPECT_EQ(threadsIn("Name:\tx\nThreads:\tmany\n"), std::nullopt);
+    EXPECT_EQ(threadsIn(""), std::nullopt);
+}
+
+TEST(ListTest, AnEmptySetHasAHeadingOnly) {
+    const HostSet set;
+    Script script;
+    EXPECT_EQ(runMlkctl({"list"}, script).out, "INTERFACE  INSTANCE  PID  THREADS\n");
+    EXPECT_EQ(runMlkctl({"list", "--json"}, script).out, "[]\n");
+    EXPECT_EQ(runMlkctl({"list"}, script).status, 0);
+}
+
+TEST(WaitTest, ReturnsWhenAllAnswer) {
+    Script script;
+    const Outcome outcome = runMlkctl({"wait", "--timeout", "0"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+TEST(WaitTest, AsksUntilTheyDo) {
+    Script script;
+    std::atomic<int> asked{0};
+    Services services([&](const Interface& interface) -> ::android::sp<IBase> {
+        return ++asked < 10 ? nullptr : finderOf(script)(interface);
+    });
+    EXPECT_EQ(runMlkctl({"wait"}, services).status, 0);
+    EXPECT_GE(asked, 12);
+}
+
+TEST(WaitTest, NamesWhatDoesNotAnswer) {
+    Script script;
+    const std::set<std::string> missing = {"IMlkTvConfigs", "IMlkFrameworkConfigs"};
+    const Outcome outcome = runMlkctl({"wait", "--timeout", "0.05"}, script, "", missing);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              "mlkctl: no answer within 0.05 s from IMlkTvConfigs, IMlkFrameworkConfigs\n");
+}
+
+TEST(WaitTest, RefusesWhatIsNoTime) {
+    Script script;
+    for (const char* text : {"", "-1", "nan", "inf", "1e3", "0x10", "86401", "1s", "1.2.3", "."}) {
+        const Outcome outcome = runMlkctl({"wait", std::string("--timeout=") + text}, script);
+        EXPECT_EQ(outcome.status, 2) << text;
+        EXPECT_THAT(outcome.err, HasSubstr("SECONDS")) << text;
+    }
+    EXPECT_EQ(runMlkctl({"wait", "--timeout", "abc"}, script).err,
+              "mlkctl: --timeout: SECONDS is a number from 0 to 86400, not \"abc\" "
+              "(see mlkctl wait --help)\n");
+}
+
+TEST(PendingTest, LeavesBehindWhatTakesTooLong) {
+    auto release = std::make_shared<std::promise<void>>();
+    auto released = std::make_shared<std::shared_future<void>>(release->get_future());
+    const Pending<int> stuck([released] {
+        released->wait();
+        return 7;
+    });
+    const auto now = Pending<int>::Clock::now();
+    EXPECT_EQ(stuck.waitUntil(now), std::nullopt);
+    EXPECT_TRUE(anyPending());
+    release->set_value();
+    EXPECT_EQ(stuck.waitUntil(now + std::chrono::minutes(1)), 7);
+    EXPECT_FALSE(anyPending());
+}
+
+TEST(ShowTest, ShowsTheSet) {
+    Script script;
+    script.text = "value of a text";
+    script.number = 5;
+    const Outcome outcome = runMlkctl({"show"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(outcome.out, StartsWith("Project\n"
+                                        "  Name              value of a text\n"
+                                        "  Index             5\n"
+                                        "  Highest index     5\n"));
+    EXPECT_THAT(outcome.out,
+                HasSubstr("\n  Project files     one\n                    two\n\nPicture\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\n  Suspend forced    on\n"));
+    EXPECT_THAT(outcome.out,
+                HasSubstr("\n  Features on       ATV\n                    ATV_ANTENNA\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\n  Features off      -\n"));
+}
+
+TEST(ShowTest, AsksForTheRightThings) {
+    Script script;
+    const Outcome outcome = runMlkctl({"show", "--json"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    for (const char* part :
+         {R"({"project":{"name":"getProjectName","index":42,"highestIndex":42,)"
+          R"("customer":"getCustomerId","clientType":"getClientType",)"
+          R"("region":"getRegionName","projectFiles":["one","two"]},"picture":{)",
+          R"("panel":"getPanelName","pictureQuality":"getPQPath",)",
+          R"("tunerType":"getTunerType","tuner0":"getTunerConfig","tuner1":"getTunerConfig",)",
+          R"("inputs":"getInputSource",)",
+          R"("featuresOff":[]},"power":{"powerOnMode":42,"logo":"getPowerLogoPath",)",
+          R"("suspendToRam":true,"suspendForced":true,"wakeOnWireless":true},)",
+          R"("partitions":{"tvconfigs":"getTvconfigsPath","tvdata":"getTvdataPath",)"
+          R"("impdata":"getImpdataPath"}})"}) {
+        EXPECT_THAT(outcome.out, HasSubstr(part));
+    }
+    const auto asked = [&](const std::vector<std::string>& call) {
+        return std::count(script.calls.begin(), script.calls.end(), call);
+    };
+    EXPECT_EQ(asked({"getTunerConfig", "0"}), 1);
+    EXPECT_EQ(asked({"getTunerConfig", "1"}), 1);
+    EXPECT_EQ(asked({"getEQPath", "1"}), 1);
+    EXPECT_EQ(asked({"getAMPSelection", "1"}), 1);
+    EXPECT_EQ(asked({"getFlag", "25"}), 2);
+}
+
+TEST(ShowTest, SaysWhyThereIsNoValue) {
+    Script script;
+    script.text = "\x1b[31m";
+    script.texts = {};
+    script.silent = {"getPowerOnMode"};
+    script.failing = {"getPanelName"};
+    Outcome outcome = runMlkctl({"show"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out,
+                AllOf(HasSubstr("  Mode at power-on  (no answer)\n"),
+                      HasSubstr("  Panel             (no answer)\n"),
+                      HasSubstr("  Project files     -\n"),
+                      HasSubstr(R"(  Name              \u001b[31m)"), Not(HasSubstr("\x1b"))));
+    script.success = false;
+    outcome = runMlkctl({"show"}, script);
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Name              (refused)\n"),
+                                   HasSubstr("  Features on       (refused)\n")));
+    EXPECT_THAT(runMlkctl({"show", "--json"}, script).out,
+                AllOf(HasSubstr(R"("name":null,)"), HasSubstr(R"("projectFiles":[])"),
+                      HasSubstr(R"("powerOnMode":null,)")));
+}
+
+TEST(ShowTest, AnEmptyValueIsADash) {
+    Script script;
+    script.emptyTexts = true;
+    script.texts = {"one", ""};
+    EXPECT_THAT(runMlkctl({"show"}, script).out,
+                AllOf(HasSubstr("  Panel             -\n"),
+                      HasSubstr("  Project files     one\n                    -\n")));
+}
+
+TEST(ShowTest, ShowsWhatCanBeReached) {
+    Script script;
+    Outcome outcome = runMlkctl({"show"}, script, "", {"IMlkFrameworkConfigs"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkFrameworkConfigs cannot be reached\n");
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Suspend forced    (not reachable)\n"),
+                                   HasSubstr("  Panel             getPanelName\n")));
+    // One that dies meanwhile.
+    script.dying = {"getPanelName"};
+    outcome = runMlkctl({"show"}, script);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs cannot be reached\n");
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Name              getProjectName\n"),
+                                   HasSubstr("  Panel             (not reachable)\n"),
+                                   HasSubstr("  Overscan          (not reachable)\n"),
+                                   HasSubstr("  Suspend forced    on\n")));
+    outcome = runMlkctl({"show"}, script, "",
+                        {"IMlkProjectConfigs", "IMlkTvConfigs", "IMlkFrameworkConfigs"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "mlkctl: nothing is registered; is the service running?\n");
+}
+
+TEST(DumpTest, PrintsWhatTheServiceWrites) {
+    Script script;
+    script.dump = std::string("ProjectConfigs:\n\0\xff", 18);
+    for (int i = 0; i < 20; ++i)
+        script.dump += std::string(10'000, static_cast<char>('a' + i)) + '\n';
+    const Outcome outcome = runMlkctl({"dump"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, script.dump);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST(DumpTest, SaysWhenThereIsNone) {
+    Script script;
+    script.dump = "";
+    Outcome outcome = runMlkctl({"dump"}, script);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.err, "mlkctl: the service wrote no dump\n");
+    script.dying = {"debug"};
+    EXPECT_EQ(runMlkctl({"dump"}, script).status, 1);
+    outcome = runMlkctl({"dump"}, script, "", {"IMlkProjectConfigs"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
+}
+
+TEST(PropTest, SetsGetsAndLists) {
+    HostSet set;
+    Script script;
+    EXPECT_EQ(runMlkctl({"prop", "list"}, script).out, "");
+    EXPECT_EQ(runMlkctl({"prop", "list", "--json"}, script).out, "{}\n");
+    EXPECT_EQ(runMlkctl({"prop", "get", "b.key"}, script).out, "\n");
+    const Outcome outcome = runMlkctl({"prop", "set", "b.key", "-1"}, script);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(runMlkctl({"prop", "get", "b.key"}, script).out, "-1\n");
+    EXPECT_EQ(runMlkctl({"prop", "set", "a.key", "--help"}, script).status, 0);
+    EXPECT_EQ(runMlkctl({"prop", "set", "empty", ""}, script).status, 0);
+    EXPECT_EQ(runMlkctl({"prop", "set", "odd", "\"\n\xff"}, script).status, 0);
+    EXPECT_EQ(runMlkctl({"prop", "list"}, script).out,
+              "a.key=--help\nb.key=-1\nempty=\nodd=\"\\n\\udcff\n");
+    EXPECT_EQ(runMlkctl({"prop", "list", "--json"}, script).out,
+              R"({"a.key":"--help","b.key":"-1","empty":"","odd":"\"\n\udcff"})"
+              "\n");
+}
+
+TEST(PropTest, SaysWhyAPropertyCannotBeSet) {
+    HostSet set;
+    Script script;
+    const auto refused = [&](const std::string& key, const std::string& value) {
+        const Outcome outcome = runMlkctl({"prop", "set", key, value}, script);
+        EXPECT_EQ(outcome.out, "");
+        return std::to_string(outcome.status) + ' ' + outcome.err;
+    };
+    EXPECT_EQ(refused("a", std::string(91, 'x')), "0 ");
+    EXPECT_EQ(refused("a", std::string(92, 'x')),
+              "2 mlkctl: VALUE has at most 91 bytes; there are 92\n");
+    EXPECT_EQ(refused("ro.serial", "1"), "0 ");
+    EXPECT_EQ(refused("ro.serial", "2"),
+              "1 mlkctl: cannot set \"ro.serial\": it is set already, and is set once\n");
+    for (const char* key : {"", "a b", "../x", "a=b"}) {
+        EXPECT_EQ(refused(key, "1"), "1 mlkctl: cannot set \"" + std::string(key) +
+                                             "\": a key is letters, digits and \"_.@:-\"\n");
+    }
+}
+
+TEST(PropTest, RefusesOtherWords) {
+    Script script;
+    const auto refused = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), "prop");
+        const Outcome outcome = runMlkctl(words, script);
+        EXPECT_EQ(outcome.status, 2);
+        return outcome.err;
+    };
+    EXPECT_EQ(refused({}), "mlkctl: prop takes list, get KEY or set KEY VALUE\n");
+    EXPECT_EQ(refused({"gte", "a"}), "mlkctl: there is no prop \"gte\"; did you mean get?\n");
+    EXPECT_EQ(refused({"remove", "a"}),
+              "mlkctl: there is no prop \"remove\"; there are list, get KEY and set KEY VALUE\n");
+    EXPECT_EQ(refused({"get"}), "mlkctl: prop get takes one argument: KEY\n");
+    EXPECT_EQ(refused({"set", "a"}), "mlkctl: prop set takes two arguments: KEY VALUE\n");
+    EXPECT_EQ(refused({"list", "a"}), "mlkctl: prop list takes --json or nothing\n");
+}
+
+}  // namespace
+
+}  // namespace mlk::ctl
