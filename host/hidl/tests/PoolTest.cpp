@@ -81,7 +81,8 @@ TEST_F(PoolTest, IdleServerHasFewThreads) {
     EXPECT_LE(threadsOf(server.pid()), 2U);
     const sp<IEverything> service = server.service();
     for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
-    EXPECT_LE(threadsOf(server.pid()), 2U);
+    // One takes connections, one answers; when both are at it, one more waits for events.
+    EXPECT_LE(threadsOf(server.pid()), 3U);
 }
 
 TEST_F(PoolTest, SilentClientsCostNoThread) {
