@@ -1,0 +1,45 @@
+#pragma once
+
+#include <android/hidl/allocator/1.0/IAllocator.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/testing/HostSet.h"
+#include "host/testing/Process.h"
+
+namespace mlk::host {
+
+/// A temporary set in which the allocator's program runs, started by `starter` when that is given
+/// ("prlimit", "--nofile=40"). Its memory can be measured: the address sanitizer is told not to
+/// keep what is freed.
+class AllocatorProcess {
+  public:
+    explicit AllocatorProcess(std::vector<std::string> starter = {})
+        : mProcess(command(std::move(starter)),
+                   {{{"ANDROID_LOG_TAGS", "*:D"},
+                     {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}},
+                    ""}) {
+        EXPECT_TRUE(mProcess.waitForErr("registered IAllocator"));
+    }
+
+    ::android::sp<::android::hidl::allocator::V1_0::IAllocator> service() const {
+        return ::android::hidl::allocator::V1_0::IAllocator::getService("ashmem");
+    }
+    mlk::testing::Process& process() { return mProcess; }
+    std::string pid() const { return std::to_string(mProcess.pid()); }
+
+  private:
+    static std::vector<std::string> command(std::vector<std::string> starter) {
+        starter.push_back(mlk::testing::binDir() + "/android.hidl.allocator@1.0-service");
+        return starter;
+    }
+
+    mlk::testing::HostSet mSet;
+    mlk::testing::Process mProcess;
+};
+
+}  // namespace mlk::host

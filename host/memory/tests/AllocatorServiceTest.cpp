@@ -1,0 +1,226 @@
+// The allocator's program, under clients and systems that make its life hard.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/memory/AshmemAllocator.h"
+#include "host/memory/tests/Allocations.h"
+#include "host/memory/tests/AllocatorProcess.h"
+#include "host/testing/Threads.h"
+
+namespace mlk::host {
+namespace {
+
+using ::android::sp;
+using ::android::hardware::hidl_memory;
+using ::android::hardware::mapMemory;
+using ::android::hidl::allocator::V1_0::IAllocator;
+using ::android::hidl::memory::V1_0::IMemory;
+using ::mlk::testing::inThreads;
+using ::testing::HasSubstr;
+
+// An allocator that has lost its limits shall fail its test, and not take all memory of the
+// machine.
+const std::vector<std::string> kWithoutHugeFiles = {"prlimit", "--fsize=1073741824"};
+
+/// Kilobytes of a process's memory that are resident.
+long residentKilobytes(const std::string& process) {
+    std::ifstream status("/proc/" + process + "/status");
+    std::string word;
+    while (status >> word) {
+        if (word == "VmRSS:") {
+            long kilobytes = 0;
+            status >> kilobytes;
+            return kilobytes;
+        }
+    }
+    return -1;
+}
+
+/// Whether the process has that many descriptors, now or soon: it learns from its sockets that a
+/// client has gone, at its own pace. The calls meanwhile give it the processor.
+::testing::AssertionResult settlesAt(IAllocator& allocator, const std::string& process,
+                                     ptrdiff_t descriptors) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (openDescriptors(process) != descriptors) {
+        if (std::chrono::steady_clock::now() > limit || !allocator.ping().isOk()) {
+            return ::testing::AssertionFailure()
+                   << openDescriptors(process) << " descriptors instead of " << descriptors;
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+void useOneBlock(const AllocatorProcess& process, uint64_t size) {
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    const auto memory = allocate(*allocator, size);
+    ASSERT_TRUE(memory.has_value());
+    const sp<IMemory> mapped = mapMemory(*memory);
+    ASSERT_NE(mapped, nullptr);
+    std::fill_n(bytesOf(mapped), size, uint8_t{1});
+}
+
+TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
+    constexpr uint64_t kSize = uint64_t{256} * 1024;
+    const AllocatorProcess process;
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    const auto theirs = openDescriptors(process.pid());
+    for (int i = 0; i < 50; ++i) {
+        useOneBlock(process, kSize);
+    }
+    const auto ours = openDescriptors("self");
+    const long ourMemory = residentKilobytes("self");
+    const long theirMemory = residentKilobytes(process.pid());
+    for (int i = 0; i < 1000; ++i) {
+        useOneBlock(process, kSize);
+    }
+    EXPECT_EQ(openDescriptors("self"), ours);
+    EXPECT_TRUE(settlesAt(*allocator, process.pid(), theirs));
+    // Blocks that stayed mapped would be 250 MiB; the address sanitizer keeps some of what is
+    // freed.
+    constexpr long kOurSlack = 65536;
+    EXPECT_LT(residentKilobytes("self"), ourMemory + kOurSlack);
+    constexpr long kTheirSlack = 2048;
+    EXPECT_LT(residentKilobytes(process.pid()), theirMemory + kTheirSlack);
+}
+
+TEST(AllocatorService, AnswersManyThreadsAtOnce) {
+    const AllocatorProcess process;
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    inThreads(8, [&](int thread) {
+        const auto first = static_cast<uint64_t>(thread) * 1000 + 1;
+        for (uint64_t size = first; size < first + 50; ++size) {
+            const auto memory = allocate(*allocator, size);
+            ASSERT_TRUE(memory.has_value());
+            EXPECT_EQ(memory->size(), size);
+        }
+    });
+}
+
+TEST(AllocatorService, RefusesAbsurdSizesAndLivesOn) {
+    AllocatorProcess process(kWithoutHugeFiles);
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    for (const uint64_t size :
+         {uint64_t{0}, AshmemAllocator::kMaxBytes + 1, uint64_t{1} << 63, ~uint64_t{0}}) {
+        bool answered = false;
+        const auto call = allocator->allocate(size, [&](bool success, const hidl_memory& memory) {
+            answered = true;
+            EXPECT_FALSE(success);
+            EXPECT_FALSE(memory.valid());
+        });
+        EXPECT_TRUE(call.isOk()) << size;
+        EXPECT_TRUE(answered) << size;
+        EXPECT_TRUE(process.process().waitForErr("of " + std::to_string(size) + " bytes: "));
+    }
+    EXPECT_TRUE(allocate(*allocator, 4096).has_value());
+}
+
+TEST(AllocatorService, GivesTheLargestBatchAndRefusesALargerOne) {
+    const AllocatorProcess process(kWithoutHugeFiles);
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    const auto batch = batchAllocate(*allocator, 4097, AshmemAllocator::kMaxBlocks);
+    ASSERT_TRUE(batch.has_value());
+    ASSERT_EQ(batch->size(), AshmemAllocator::kMaxBlocks);
+    for (const hidl_memory& memory : *batch) {
+        EXPECT_NE(mapMemory(memory), nullptr);
+    }
+    EXPECT_FALSE(batchAllocate(*allocator, 4097, AshmemAllocator::kMaxBlocks + 1).has_value());
+    EXPECT_FALSE(batchAllocate(*allocator, 1, ~uint64_t{0}).has_value());
+    EXPECT_FALSE(batchAllocate(*allocator, uint64_t{1} << 30, 2).has_value());
+    EXPECT_FALSE(batchAllocate(*allocator, 0, 2).has_value());
+    const auto none = batchAllocate(*allocator, 1, 0);
+    ASSERT_TRUE(none.has_value());
+    EXPECT_TRUE(none->empty());
+}
+
+TEST(AllocatorService, SurvivesWhenTheSystemGivesNoMemory) {
+    // The limit on files is the one shortage that a test can have for itself alone.
+    AllocatorProcess process({"prlimit", "--fsize=1048576"});
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    EXPECT_FALSE(allocate(*allocator, 1048577).has_value());
+    EXPECT_TRUE(
+            process.process().waitForErr("refused 1 block(s) of 1048577 bytes: File too large"));
+    EXPECT_FALSE(batchAllocate(*allocator, 1048577, 2).has_value());
+    EXPECT_TRUE(allocate(*allocator, 1048576).has_value());
+    EXPECT_TRUE(process.process().running());
+}
+
+TEST(AllocatorService, SurvivesWhenDescriptorsRunOut) {
+    AllocatorProcess process({"prlimit", "--nofile=40"});
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    const auto before = openDescriptors(process.pid());
+    EXPECT_FALSE(batchAllocate(*allocator, 4096, 100).has_value());
+    EXPECT_TRUE(process.process().waitForErr(
+            "refused 100 block(s) of 4096 bytes: Too many open files"));
+    EXPECT_EQ(openDescriptors(process.pid()), before);
+    EXPECT_TRUE(batchAllocate(*allocator, 4096, 20).has_value());
+    EXPECT_TRUE(settlesAt(*allocator, process.pid(), before));
+}
+
+TEST(AllocatorService, IsNotFoundWhenItNeverRan) {
+    const mlk::testing::HostSet set;
+    EXPECT_EQ(IAllocator::getService("ashmem"), nullptr);
+}
+
+TEST(AllocatorService, IsNotFoundAtOnceWhenItHasStopped) {
+    AllocatorProcess process;
+    ASSERT_NE(process.service(), nullptr);
+    process.process().kill(SIGTERM);
+    process.process().wait();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(process.service(), nullptr);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+TEST(AllocatorService, IsFoundUnderItsKindOnly) {
+    const AllocatorProcess process;
+    EXPECT_NE(process.service(), nullptr);
+    EXPECT_EQ(IAllocator::getService(), nullptr);
+    EXPECT_EQ(IAllocator::getService("default"), nullptr);
+}
+
+TEST(AllocatorService, FailsTheCallWhenItIsKilledDuringIt) {
+    AllocatorProcess process;
+    const sp<IAllocator> allocator = process.service();
+    ASSERT_NE(allocator, nullptr);
+    // Once all its threads stand still, the call cannot be answered any more.
+    process.process().kill(SIGSTOP);
+    siginfo_t stopped{};
+    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(process.process().pid()), &stopped, WSTOPPED), 0);
+    std::thread killer([&] { ::kill(process.process().pid(), SIGKILL); });
+    bool answered = false;
+    const auto call = allocator->allocate(4096, [&](bool, const hidl_memory&) { answered = true; });
+    killer.join();
+    EXPECT_FALSE(call.isOk());
+    EXPECT_TRUE(call.isDeadObject());
+    EXPECT_FALSE(answered);
+    process.process().wait();
+    EXPECT_EQ(process.service(), nullptr);
+}
+
+TEST(AllocatorService, GivesUpWithoutARuntimeFolder) {
+    const mlk::testing::HostSet set;
+    mlk::testing::Process process(
+            {mlk::testing::binDir() + "/android.hidl.allocator@1.0-service"},
+            {{{"MLK_RUNTIME_DIR", set.dir().write("file", "") + "/run"}}, ""});
+    EXPECT_EQ(process.wait(), 1);
+    EXPECT_THAT(process.err(), HasSubstr("could not register IAllocator"));
+}
+
+}  // namespace
+}  // namespace mlk::host
