@@ -1,5 +1,6 @@
 #include "tools/mlkctl/LineInput.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -20,10 +21,13 @@ bool LineInput::fill() {
     mBegin = 0;
     const size_t kept = mBuffer.size();
     mBuffer.resize(kept + kPiece);
-    ssize_t got;
-    do {
+    ssize_t got = read(mDescriptor, mBuffer.data() + kept, kPiece);
+    while (got < 0 && (errno == EINTR || errno == EAGAIN)) {
+        // Whoever shares the pipe may have set it not to wait.
+        pollfd input{mDescriptor, POLLIN, 0};
+        if (errno == EAGAIN) (void)poll(&input, 1, -1);
         got = read(mDescriptor, mBuffer.data() + kept, kPiece);
-    } while (got < 0 && errno == EINTR);
+    }
     mBuffer.resize(kept + static_cast<size_t>(got < 0 ? 0 : got));
     if (got < 0) throw std::system_error(errno, std::generic_category(), "standard input");
     return got > 0;

@@ -1,5 +1,6 @@
 #include "tools/mlkctl/Output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
