@@ -80,6 +80,13 @@ TEST(FileTest, FailedWriteIsTold) {
     EXPECT_FALSE(file.writeAndSync("text"));
 }
 
+TEST(FileTest, TextThatDoesNotReachStorageIsTold) {
+    // The kernel takes the text, a thread's name, but has no storage to bring it to.
+    File file("/proc/self/comm", O_RDWR);
+    ASSERT_TRUE(file.isOpen());
+    EXPECT_FALSE(file.writeAndSync("common_test"));
+}
+
 TEST(FileTest, FailedReadIsTold) {
     const TempDir dir;
     File file(dir.write("f", "text"), O_WRONLY);

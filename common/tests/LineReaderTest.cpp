@@ -108,6 +108,7 @@ TEST_F(LineReaderTest, LimitFollowsTheBufferSize) {
     // A buffer beyond one chunk of the file.
     const std::string big(100000, 'z');
     EXPECT_THAT(linesOf(mDir.write("file", big + "\nend"), 100001), ElementsAre(big, "end"));
+    EXPECT_THAT(linesOf(mDir.write("file", big + big + "\nend"), 100001), ElementsAre(big, "end"));
 }
 
 TEST_F(LineReaderTest, HugeLineCostsNoMemory) {
