@@ -25,6 +25,12 @@ void Output::flush() {
         const ssize_t written =
                 ::write(mDescriptor, mPending.data() + done, mPending.size() - done);
         if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EAGAIN) {
+            // Whoever shares the pipe has set it not to wait.
+            pollfd space{mDescriptor, POLLOUT, 0};
+            (void)poll(&space, 1, -1);
+            continue;
+        }
         if (written < 0) throw std::system_error(errno, std::generic_category(), "standard output");
         done += static_cast<size_t>(written);
     }
