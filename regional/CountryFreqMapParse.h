@@ -92,7 +92,7 @@ class CountryFreqMapParse {
     bool loadCountryFreqMapXML();
 
   private:
-    friend struct CountryFreqMapParsePeer;  // tests
+    friend struct RegionalPeer;  // tests
 
     CountryFreqMapParse() = default;
 

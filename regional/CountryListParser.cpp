@@ -10,11 +10,6 @@ namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
 
-NameTable& names() {
-    static NameTable table = countryNames();
-    return table;
-}
-
 }  // namespace
 
 CountryListParser& CountryListParser::GetInstance() {
@@ -32,6 +27,11 @@ std::vector<_tv_country> CountryListParser::getCountryList(const std::string& pa
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "Totol country count:%zu", countries.size());
     }
     return countries;
+}
+
+NameTable& CountryListParser::names() {
+    static NameTable table = countryNames();
+    return table;
 }
 
 bool CountryListParser::getCountryName(_tv_country country, std::string& name) const {

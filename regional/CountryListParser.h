@@ -40,7 +40,10 @@ class CountryListParser {
     bool getCountryName(_tv_country country, std::string& name) const;
 
   private:
+    friend struct RegionalPeer;  // tests
+
     CountryListParser() = default;
+    static NameTable& names();
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -10,7 +10,6 @@
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "regional/CountryFreqMapParse.h"
-#include "regional/NameTable.h"
 #include "regional/TextFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -29,11 +28,6 @@ constexpr auto kModulations = sortedByName(std::array<NamedValue, 24>{{
         {"BPSK", 15},     {"OFDM", 16},   {"ISDB_AUTO", 17}, {"DVB_AUTO", 18},   {"DTMB_AUTO", 19},
         {"ABS_AUTO", 20}, {"DVB_S", 21},  {"DVB_S2", 22},    {"DVB_S_AUTO", 23},
 }});
-
-NameTable& modulations() {
-    static NameTable table(kModulations);
-    return table;
-}
 
 // The next piece, up to its line feed, the limit or the end. Takes it off the text. A NUL byte ends
 // what can be seen of the piece, as in a fixed buffer.
@@ -54,34 +48,6 @@ std::string_view nextColumn(std::string_view& piece) {
     const std::string_view column = piece.substr(0, piece.find_first_of(kDelimiters));
     piece.remove_prefix(column.size());
     return column;
-}
-
-HidlFreqListItem parsePiece(std::string_view piece) {
-    HidlFreqListItem item{};
-    std::string_view column = nextColumn(piece);
-    if (column.empty()) {
-        return item;
-    }
-    item.channel = static_cast<uint16_t>(parseDecimal(column));
-    if (column = nextColumn(piece); column.empty()) {
-        return item;
-    }
-    const int32_t bandwidth = parseDecimal(column);
-    item.bandwidth = bandwidth != 0 ? bandwidth : kDefaultBandwidth;
-    item.frequency = parseDecimal(nextColumn(piece));
-    if (column = nextColumn(piece); column.empty()) {
-        return item;
-    }
-    if (const std::optional<int32_t> modulation = modulations().find(column)) {
-        item.modulation = *modulation;
-    } else {
-        const size_t length = std::min(column.size(), item.label.size() - 1);
-        std::copy_n(column.begin(), length, item.label.data());
-    }
-    if (column = nextColumn(piece); !column.empty()) {
-        item.modulation = modulations().valueOf(column);
-    }
-    return item;
 }
 
 std::string_view folderOf(FreqTableType type) {
@@ -159,6 +125,39 @@ bool FreqTableParser::ParseFreqTable(const std::string& path,
         }
     }
     return true;
+}
+
+NameTable& FreqTableParser::modulations() {
+    static NameTable table(kModulations);
+    return table;
+}
+
+HidlFreqListItem FreqTableParser::parsePiece(std::string_view piece) {
+    HidlFreqListItem item{};
+    std::string_view column = nextColumn(piece);
+    if (column.empty()) {
+        return item;
+    }
+    item.channel = static_cast<uint16_t>(parseDecimal(column));
+    if (column = nextColumn(piece); column.empty()) {
+        return item;
+    }
+    const int32_t bandwidth = parseDecimal(column);
+    item.bandwidth = bandwidth != 0 ? bandwidth : kDefaultBandwidth;
+    item.frequency = parseDecimal(nextColumn(piece));
+    if (column = nextColumn(piece); column.empty()) {
+        return item;
+    }
+    if (const std::optional<int32_t> modulation = modulations().find(column)) {
+        item.modulation = *modulation;
+    } else {
+        const size_t length = std::min(column.size(), item.label.size() - 1);
+        std::copy_n(column.begin(), length, item.label.data());
+    }
+    if (column = nextColumn(piece); !column.empty()) {
+        item.modulation = modulations().valueOf(column);
+    }
+    return item;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -3,9 +3,11 @@
 #include <vendor/morlak/mlkconfigs/1.0/types.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "regional/CountryTable.h"
+#include "regional/NameTable.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -56,6 +58,12 @@ class FreqTableParser {
      * @return false when the path is empty or the file cannot be read
      */
     static bool ParseFreqTable(const std::string& path, std::vector<HidlFreqListItem>& items);
+
+  private:
+    friend struct RegionalPeer;  // tests
+
+    static NameTable& modulations();
+    static HidlFreqListItem parsePiece(std::string_view piece);
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -66,6 +66,8 @@ class NameTable {
     bool firstNameOf(int32_t value, std::string& name) const;
 
   private:
+    friend struct RegionalPeer;  // tests
+
     const NamedValue* rowOf(std::string_view name) const;
 
     const NamedValue* const mRows;

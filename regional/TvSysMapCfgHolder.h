@@ -134,6 +134,9 @@ class TvSysMapCfgHolder {
     _tv_country currentCountry() const;
 
   private:
+    friend struct RegionalPeer;  // tests
+
+    static NameTable& names();
     static bool moveToTvconfigs(std::string& path);
     const CoutryTvConfigMap* recordOf(_tv_country country) const;
     static void addTvSystem(const std::string& file, const tinyxml2::XMLElement& element,

@@ -17,11 +17,6 @@ constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kTvconfigs = "/tvconfigs";
 constexpr std::string_view kTvdata = "/tvdata";
 
-NameTable& names() {
-    static NameTable table = countryNames();
-    return table;
-}
-
 bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
@@ -142,6 +137,11 @@ void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
     record.tvSysName = textOrComplaint(block, "TV_SYSTEM", kFunction, 417, "tvSysName");
     record.tvConfigName = textOrComplaint(block, "TV_CONFIG", kFunction, 427, "tvConfigName");
     mCoutryTvConfigMap.push_back(std::move(record));
+}
+
+NameTable& TvSysMapCfgHolder::names() {
+    static NameTable table = countryNames();
+    return table;
 }
 
 std::string TvSysMapCfgHolder::getCountryName(_tv_country country) {

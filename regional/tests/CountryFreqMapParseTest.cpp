@@ -77,7 +77,7 @@ TEST_F(CountryFreqMapParseTest, ReadsAllOfABlock) {
                "<DTV_CABLE TYPE='IRC'>i</DTV_CABLE><ATV_ANTENA>ntsc</ATV_ANTENA>"
                "<ATV_CABLE TYPE='STD'>as</ATV_CABLE><ATV_CABLE>aa</ATV_CABLE>"));
     EXPECT_THAT(errors(), IsEmpty());
-    const auto entries = CountryFreqMapParsePeer::entries();
+    const auto entries = RegionalPeer::entries();
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries[0].countryName, "USA");
     EXPECT_EQ(entries[0].dtvAntenna, "air");
@@ -122,7 +122,7 @@ TEST_F(CountryFreqMapParseTest, AnUnknownTypeIsSkipped) {
     load(block("USA",
                "<DTV_CABLE TYPE='auto'>a</DTV_CABLE><DTV_CABLE TYPE='AUT'>b</DTV_CABLE>"
                "<DTV_CABLE TYPE=''>c</DTV_CABLE><DTV_CABLE TYPE=' STD'>d</DTV_CABLE>"));
-    EXPECT_THAT(CountryFreqMapParsePeer::entries()[0].dtvCable, IsEmpty());
+    EXPECT_THAT(RegionalPeer::entries()[0].dtvCable, IsEmpty());
     EXPECT_THAT(debugLines(), Not(Contains(::testing::HasSubstr("cable"))));
 }
 
@@ -148,7 +148,7 @@ TEST_F(CountryFreqMapParseTest, ABlockWithoutCountryIsSkipped) {
          block("USA", "<DTV_ANTENA>u</DTV_ANTENA><ATV_ANTENA>n</ATV_ANTENA>"));
     EXPECT_THAT(errors(), ElementsAre("loadCountryFreqMapXML without country name",
                                       "loadCountryFreqMapXML without country name"));
-    EXPECT_EQ(CountryFreqMapParsePeer::entries().size(), 1U);
+    EXPECT_EQ(RegionalPeer::entries().size(), 1U);
 }
 
 TEST_F(CountryFreqMapParseTest, MissingAntennasAreOnlyLogged) {
@@ -161,7 +161,7 @@ TEST_F(CountryFreqMapParseTest, MissingAntennasAreOnlyLogged) {
 TEST_F(CountryFreqMapParseTest, BlocksBeginAtTheFirstOfTheirName) {
     load("<OTHER><COUNTRY_NAME>USA</COUNTRY_NAME></OTHER>" + block("GERMANY", "") +
          "<ANY><COUNTRY_NAME>JAPAN</COUNTRY_NAME></ANY>");
-    const auto entries = CountryFreqMapParsePeer::entries();
+    const auto entries = RegionalPeer::entries();
     ASSERT_EQ(entries.size(), 2U);
     EXPECT_EQ(entries[0].countryName, "GERMANY");
     EXPECT_EQ(entries[1].countryName, "JAPAN");
@@ -239,7 +239,7 @@ TEST_F(CountryFreqMapParseTest, AFailedReloadLeavesNoEntries) {
     EXPECT_THAT(debugLines(),
                 ElementsAre("loadCountryFreqMapXML begin, country freq map size: 1, " +
                             set().tvconfigs() + "/freqtables/country_freq_map.xml"));
-    EXPECT_THAT(CountryFreqMapParsePeer::entries(), IsEmpty());
+    EXPECT_THAT(RegionalPeer::entries(), IsEmpty());
 }
 
 TEST_F(CountryFreqMapParseTest, AFifoInPlaceOfTheFileHoldsNobodyUp) {

@@ -138,6 +138,7 @@ TEST_F(FreqTableParserTest, AnUnknownModulationIsKnownFromThenOn) {
                 ElementsAre("1/2/3/NEW1/0", "1/2/3/L/0", "1/2/3//0", "1/2/3/L/0"));
     EXPECT_THAT(parse("1 2 3 NEW1\n"), ElementsAre("1/2/3//0")) << "also in the next file";
     EXPECT_THAT(parse("1 2 3 ATV\n"), ElementsAre("1/2/3/ATV/0")) << "a label is no addition";
+    EXPECT_EQ(RegionalPeer::addedNames(), 1U);
 }
 
 TEST_F(FreqTableParserTest, ALongLineIsReadInPiecesOf49) {

@@ -2,36 +2,61 @@
 
 #include <android/log.h>
 
+#include <array>
+#include <mutex>
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
 #include "regional/CountryFreqMapParse.h"
+#include "regional/CountryListParser.h"
+#include "regional/FreqTableParser.h"
+#include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** What tests change about the country map that the process shares. */
-struct CountryFreqMapParsePeer {
+/** What the process keeps from one reading to the next, for tests. */
+struct RegionalPeer {
     /** Puts it back to how a process starts with it. */
     static void forget() {
+        for (NameTable* const table : tables()) {
+            const std::lock_guard<std::shared_mutex> lock(table->mMutex);
+            table->mAdded.clear();
+        }
         CountryFreqMapParse& map = CountryFreqMapParse::GetInstance();
         const std::lock_guard<std::mutex> lock(map.mMutex);
         map.mCoutryFreqMap.clear();
         map.mTvConfigPath.clear();
+    }
+    /** How many unknown names all tables together have taken in. */
+    static size_t addedNames() {
+        size_t count = 0;
+        for (NameTable* const table : tables()) {
+            const std::lock_guard<std::shared_mutex> lock(table->mMutex);
+            count += table->mAdded.size();
+        }
+        return count;
     }
     static std::vector<CountryFreqMapEntry> entries() {
         CountryFreqMapParse& map = CountryFreqMapParse::GetInstance();
         const std::lock_guard<std::mutex> lock(map.mMutex);
         return map.mCoutryFreqMap;
     }
+
+  private:
+    static std::array<NameTable*, 3> tables() {
+        return {&CountryListParser::names(), &TvSysMapCfgHolder::names(),
+                &FreqTableParser::modulations()};
+    }
 };
 
 /** A set of its own with regional files, and what is logged while they are read. */
 class RegionalFiles {
   public:
-    RegionalFiles() { CountryFreqMapParsePeer::forget(); }
-    ~RegionalFiles() { CountryFreqMapParsePeer::forget(); }
+    RegionalFiles() { RegionalPeer::forget(); }
+    ~RegionalFiles() { RegionalPeer::forget(); }
     RegionalFiles(const RegionalFiles&) = delete;
     RegionalFiles& operator=(const RegionalFiles&) = delete;
 

@@ -125,7 +125,7 @@ TEST_F(SampleMapsTest, EveryPlanOfTheFrequencyMapIsThereAndEveryPlanIsUsed) {
     CountryFreqMapParse::GetInstance().GetTvConfigPath();
     ASSERT_TRUE(CountryFreqMapParse::GetInstance().loadCountryFreqMapXML());
     std::set<std::string> used;
-    for (const CountryFreqMapEntry& entry : CountryFreqMapParsePeer::entries()) {
+    for (const CountryFreqMapEntry& entry : RegionalPeer::entries()) {
         EXPECT_GT(channels(entry.countryName, FreqTableType::DTV_ANTENNA, AtscCableType::AUTO), 20U)
                 << entry.countryName;
         used.insert("dtv/" + entry.dtvAntenna);

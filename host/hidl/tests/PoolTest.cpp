@@ -78,10 +78,9 @@ TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
 
 TEST_F(PoolTest, IdleServerHasFewThreads) {
     const Server server({"default", "10+join", ""});
-    EXPECT_LE(threadsOf(server.pid()), 2U);
     const sp<IEverything> service = server.service();
     for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
-    // One takes connections, one answers; when both are at it, one more waits for events.
+    // The one that joined, the first, and perhaps one for a call that came before the joining.
     EXPECT_LE(threadsOf(server.pid()), 3U);
 }
 

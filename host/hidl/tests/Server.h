@@ -49,7 +49,9 @@ class Server {
     void kill();
     // Waits until it has ended by itself: its exit status, or 128 and the signal's number.
     int wait();
-    // What it has written to standard error.
+    // Whether it writes this to standard error, now or soon.
+    bool says(const std::string& text) const { return mProcess->waitForErr(text); }
+    // What it has written to standard error so far.
     std::string err() const { return mProcess->err(); }
 
   private:

@@ -32,12 +32,12 @@ TEST(TaskRunnerTest, RunsInOrderAndToTheEnd) {
 
 TEST(TaskRunnerTest, HasALimit) {
     std::atomic<int> ran{0};
+    std::promise<void> running;
+    std::promise<void> gate;
     {
         TaskRunner runner;
         EXPECT_FALSE(runner.push([] {}));  // not started
         runner.start(2);
-        std::promise<void> running;
-        std::promise<void> gate;
         EXPECT_TRUE(runner.push([&] {
             running.set_value();
             gate.get_future().wait();
