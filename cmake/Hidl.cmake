@@ -34,7 +34,7 @@ endfunction()
 # Library TARGET with the generated code of PACKAGE; the other arguments are mlk_hidl_generate's.
 function(mlk_hidl_package target package)
     cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
-    mlk_hidl_generate(${target} ${package} ${ARGN})
+    mlk_hidl_generate(${target} ${package} ${ARG_UNPARSED_ARGUMENTS})
     add_library(${target} STATIC ${${target}_SOURCES})
     target_include_directories(${target} SYSTEM PUBLIC ${${target}_INCLUDE})
     target_link_libraries(${target} PUBLIC ${ARG_LIBS})
