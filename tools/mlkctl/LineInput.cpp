@@ -15,7 +15,7 @@ bool LineInput::hasLine() {
 }
 
 bool LineInput::fill() {
-    constexpr size_t kPiece = 64 * 1024;
+    constexpr size_t kPiece = size_t{64} * 1024;
     mBuffer.erase(0, mBegin);
     mSearched -= mBegin;
     mBegin = 0;

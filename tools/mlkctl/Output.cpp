@@ -9,7 +9,7 @@
 namespace mlk::ctl {
 
 void Output::write(std::string_view text) {
-    constexpr size_t kPiece = 64 * 1024;
+    constexpr size_t kPiece = size_t{64} * 1024;
     mPending += text;
     if (mPending.size() >= kPiece) flush();
 }
