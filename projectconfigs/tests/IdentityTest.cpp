@@ -66,6 +66,9 @@ TEST_F(IdentityTest, ProjectIdIsLookedForChunkByChunk) {
     EXPECT_EQ(projectOf(std::string(244, ' ') + "PROJECT_ID=5\n"), 5U) << "the chunk ends with it";
     EXPECT_EQ(projectOf(std::string(250, ' ') + "PROJECT_ID=5\n"), 0U) << "the word is split";
     EXPECT_EQ(projectOf(std::string(246, ' ') + "PROJECT_ID=5\n"), 0U) << "the sign is split off";
+    const std::string first = "PROJECT_ID=3\n";
+    EXPECT_EQ(projectOf(first + std::string(256 - first.size(), ' ') + "PROJECT_ID=4\n"), 3U)
+            << "the first one counts";
     // The number runs into what the longer chunk before left in the buffer.
     EXPECT_EQ(projectOf(std::string(256, '9') + "PROJECT_ID=5"), static_cast<unsigned int>(-1));
     EXPECT_EQ(projectOf(std::string(12, 'x') + "67" + std::string(242, 'x') + "PROJECT_ID=5"),

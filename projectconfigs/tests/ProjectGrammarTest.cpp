@@ -116,6 +116,20 @@ TEST_F(ProjectGrammarTest, PatchesEachPartitionOnceAtTheStartOnly) {
                       "/tvconfigs;[S]:g=/TVDATA/a;[S]:h=/tvdat;[S]:i=" + tvconfigs() + ";");
 }
 
+TEST_F(ProjectGrammarTest, PatchedPathIsNotPatchedAgain) {
+    // Mount points that look like prefixes of one another.
+    ProjectParser odd("/impdata/d", "/tvdata/c", "/i");
+    writeSet("");
+    const std::string model = tvconfigs() + "/model/A.ini";
+    write("model/A.ini", "[S]\na=/tvconfigs/x\nb=/tvdata/x\nc=/impdata/x\n");
+    system("Model_1=" + model + "\n");
+    customer("SYS_INI=" + tvconfigs() + "/sys.ini\n");
+    odd.update((tvconfigs() + "/customer.ini").c_str(), 1, "DEFAULT_BOARD_ID");
+    EXPECT_EQ(odd.getInfo(ConfigKey("[S]", "a")), "/tvdata/c/x");
+    EXPECT_EQ(odd.getInfo(ConfigKey("[S]", "b")), "/impdata/d/x");
+    EXPECT_EQ(odd.getInfo(ConfigKey("[S]", "c")), "/i/x");
+}
+
 TEST_F(ProjectGrammarTest, KeysAndSectionsAreNotPatched) {
     EXPECT_EQ(itemsOf("[/tvdata]\n/tvdata/x=1\n"), "[/tvdata]:/tvdata/x=1;");
     EXPECT_EQ(itemsOf("[S]\n/tvdata/x\n"), "[S]:/tvdata/x=" + tvdata() + "/x;");

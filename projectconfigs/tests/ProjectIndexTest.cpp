@@ -1,6 +1,7 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <thread>
@@ -61,6 +62,21 @@ TEST_F(ProjectIndexTest, BoardFileInUseStaysInUse) {
     write("tvconfigs/board.ini", "[BOARD]\nname=again\n");
     EXPECT_EQ(setWithPid(1), "true");
     EXPECT_EQ(boardName(), "again");
+}
+
+TEST_F(ProjectIndexTest, WithoutABoardFileAChangeLooksForTheEmptyPath) {
+    write("impdata/board_id.bin", "BOARD_ID=DEFAULT_BOARD_ID\n");
+    start();
+    for (const auto& change : {set(2), setWithPid(1)}) {
+        EXPECT_EQ(change, "true");
+    }
+    const std::vector<std::string> lines = logged(ANDROID_LOG_DEBUG);
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                            [](const std::string& line) {
+                                return line.find("[parse_project_ini ") == 0 &&
+                                       line.find("]  don't exist.") != std::string::npos;
+                            }),
+              2);
 }
 
 TEST_F(ProjectIndexTest, IndexBelowOneIsRefusedWithoutLookingAgain) {

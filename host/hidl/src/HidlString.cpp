@@ -48,7 +48,7 @@ void hidl_string::assign(const char* text, size_t length) {
         return;
     }
     if (length >= std::numeric_limits<uint32_t>::max()) {
-        details::logAlwaysFatal("a hidl_string holds at most 2^32-1 bytes");
+        details::logAlwaysFatal("a hidl_string holds at most 2^32-2 bytes");
     }
     // Copied before the old text goes: it may be a part of it.
     auto* copy = new char[length + 1];
@@ -73,7 +73,7 @@ void hidl_string::clear() {
 
 void hidl_string::setToExternal(const char* text, size_t length, bool shouldOwn) {
     if (length >= std::numeric_limits<uint32_t>::max()) {
-        details::logAlwaysFatal("a hidl_string holds at most 2^32-1 bytes");
+        details::logAlwaysFatal("a hidl_string holds at most 2^32-2 bytes");
     }
     if (mOwnsBuffer) delete[] c_str();
     mBuffer = text == nullptr ? kEmpty : text;

@@ -24,7 +24,7 @@ namespace {
 
 // How long a thread waits for the next call of the client it has just answered before it goes back
 // to waiting for everybody.
-constexpr timeval kStay = {0, 10 * 1000};
+constexpr timeval kStay = {0, 10000};
 // How long a thread waits for a client to take the next part of a reply before it goes on with
 // others, for as long as these are not in need of it.
 constexpr std::chrono::milliseconds kSendPatience{10};

@@ -53,7 +53,7 @@ class HostServiceManager : public IServiceManager {
             uint64_t server;
             if (transport::splitSocketName(file, &descriptor, &instance) &&
                 transport::connectTo(folder, file, &server).ok()) {
-                names.emplace_back(descriptor + "/" + instance);
+                names.emplace_back(descriptor.append("/").append(instance));
             }
         }
         callback(names);

@@ -45,16 +45,19 @@ void ThreadPool::start() {
 }
 
 void ThreadPool::join() {
-    bool full;
-    {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mCallerWillJoin = false;
-        full = mThreads >= mMaxThreads;
-        if (!full) ++mThreads;
+    if (takePlace()) {
+        ++mWaiting;
+        run();
     }
-    while (full) pause();
-    ++mWaiting;
-    run();
+    while (true) pause();
+}
+
+bool ThreadPool::takePlace() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mCallerWillJoin = false;
+    if (mThreads >= mMaxThreads) return false;
+    ++mThreads;
+    return true;
 }
 
 void ThreadPool::startThreadLocked() {

@@ -59,6 +59,7 @@ class ThreadPool {
     ThreadPool();
     [[noreturn]] void run();
     void serve(uint64_t id, uint32_t events);
+    bool takePlace();
     void startThreadLocked();
     void startThreadIfNoneWaits();
 

@@ -156,6 +156,7 @@ TEST_F(DeathTest, OldProxyStaysDeadThoughItNeverCalledMeanwhile) {
 
 TEST_F(DeathTest, DeathOfAServerWhileManyLinkAndUnlink) {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     std::atomic<bool> stop{false};
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {

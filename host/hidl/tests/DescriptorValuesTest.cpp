@@ -29,7 +29,8 @@ hidl_handle fileHandle(const std::string& text) {
 TEST(HidlHandleTest, NoHandle) {
     const hidl_handle handle;
     EXPECT_EQ(nullptr, handle.getNativeHandle());
-    const hidl_handle copy(handle);
+    hidl_handle copy = fileHandle("former");
+    copy = handle;
     EXPECT_EQ(nullptr, copy.getNativeHandle());
     EXPECT_EQ("no handle", ::android::hardware::toString(handle));
 }

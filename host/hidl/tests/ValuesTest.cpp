@@ -157,7 +157,7 @@ TEST(ValuesDeathTest, LimitsOfSize) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const size_t tooLong = std::numeric_limits<uint32_t>::max();
     hidl_string text;
-    EXPECT_DEATH(text.setToExternal("", tooLong), "a hidl_string holds at most 2\\^32-1 bytes");
+    EXPECT_DEATH(text.setToExternal("", tooLong), "a hidl_string holds at most 2\\^32-2 bytes");
     hidl_vec<char> bytes;
     EXPECT_DEATH(bytes.resize(tooLong + 1), "a hidl_vec holds at most 2\\^32-1 elements");
 }

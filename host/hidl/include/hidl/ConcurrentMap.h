@@ -11,6 +11,7 @@ namespace android::hardware {
 template <typename K, typename V>
 class ConcurrentMap {
   public:
+    // Puts the value in place of a former one.
     void set(K key, V value) {
         std::lock_guard<std::mutex> lock(mMutex);
         mMap.insert_or_assign(std::move(key), std::move(value));

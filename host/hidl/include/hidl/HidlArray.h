@@ -49,20 +49,26 @@ template <typename T, size_t First, size_t... Rest>
 struct hidl_array {
     using nested = typename details::nested_array<T, First, Rest...>::type;
 
+    // Elements that are zero, or made without arguments.
     hidl_array() = default;
     // Copies elementCount() elements in row order.
     hidl_array(const T* source) { std::copy(source, source + elementCount(), data()); }
     hidl_array(const nested& source) : hidl_array(reinterpret_cast<const T*>(source.data())) {}
 
-    hidl_array& operator=(const T* source) { return *this = hidl_array(source); }
+    hidl_array& operator=(const T* source) {
+        std::copy(source, source + elementCount(), data());
+        return *this;
+    }
     operator nested() const {
         nested copy;
         std::copy(data(), data() + elementCount(), reinterpret_cast<T*>(copy.data()));
         return copy;
     }
 
+    // All elements in row order.
     T* data() { return mBuffer.data(); }
     const T* data() const { return mBuffer.data(); }
+    // An element, or a row of one dimension less.
     decltype(auto) operator[](size_t index) {
         return details::array_row<T, First, Rest...>(data())[index];
     }

@@ -13,6 +13,7 @@ namespace android::hardware {
 // Passes the death of a remote object on to a HIDL recipient; made by generated proxies.
 class hidl_binder_death_recipient : public IBinder::DeathRecipient {
   public:
+    // recipient: told cookie and base; none of them is kept alive.
     hidl_binder_death_recipient(const sp<hidl_death_recipient>& recipient, uint64_t cookie,
                                 const sp<::android::hidl::base::V1_0::IBase>& base);
     void binderDied(const wp<IBinder>& who) override;
@@ -25,7 +26,8 @@ class hidl_binder_death_recipient : public IBinder::DeathRecipient {
 };
 
 // Embedded values: the object is a part of a buffer that the parcel already holds as parentHandle,
-// at parentOffset. Reading checks and repairs the pointers in place.
+// at parentOffset. Reading checks and repairs the pointers in place; BAD_VALUE when what arrived is
+// not the value, as Parcel says.
 status_t readEmbeddedFromParcel(const hidl_handle& handle, const Parcel& parcel,
                                 size_t parentHandle, size_t parentOffset);
 status_t writeEmbeddedToParcel(const hidl_handle& handle, Parcel* parcel, size_t parentHandle,
@@ -55,6 +57,7 @@ status_t writeEmbeddedToParcel(const hidl_vec<T>& vec, Parcel* parcel, size_t pa
                                        parentOffset + hidl_vec<T>::kOffsetOfBuffer);
 }
 
+// The description of a queue: its grantors and its handle.
 template <typename T, MQFlavor flavor>
 status_t readEmbeddedFromParcel(const MQDescriptor<T, flavor>& queue, const Parcel& parcel,
                                 size_t parentHandle, size_t parentOffset) {
@@ -79,6 +82,7 @@ status_t writeEmbeddedToParcel(const MQDescriptor<T, flavor>& queue, Parcel* par
                                              parentOffset + Queue::kOffsetOfHandle);
 }
 
+// How the method ended: the first thing in an answer. NOT_ENOUGH_DATA when it is not there.
 status_t readFromParcel(Status* status, const Parcel& parcel);
 status_t writeToParcel(const Status& status, Parcel* parcel);
 
@@ -87,13 +91,14 @@ status_t writeToParcel(const Status& status, Parcel* parcel);
 // stub is known for it. Thread-safe.
 sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* interface);
 
+// The same for a strong pointer.
 template <typename IType>
 sp<IBinder> toBinder(const sp<IType>& interface) {
     return getOrCreateCachedBinder(interface.get());
 }
 
 namespace details {
-// The implementation behind a stub of this process.
+// The implementation behind a stub of this process; null when that is no stub.
 sp<::android::hidl::base::V1_0::IBase> implementationOf(BHwBinder* stub);
 }  // namespace details
 

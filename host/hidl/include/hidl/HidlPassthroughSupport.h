@@ -7,10 +7,11 @@
 namespace android::hardware::details {
 
 // The wrapper that runs an object's one-way methods on a thread of their own; the object itself
-// when it is remote or null.
+// when no wrapper is known for its interface.
 sp<::android::hidl::base::V1_0::IBase> wrapPassthroughInternal(
         const sp<::android::hidl::base::V1_0::IBase>& object);
 
+// The same for an interface; the object itself when it is remote or null.
 template <typename IType>
 sp<IType> wrapPassthrough(const sp<IType>& object) {
     if (object == nullptr || object->isRemote()) return object;

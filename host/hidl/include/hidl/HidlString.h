@@ -13,25 +13,33 @@ namespace android::hardware {
 
 // A text with a NUL behind its last byte; may hold NUL bytes. Owns its bytes unless it was told not
 // to with setToExternal. Never has a null text, not even when made from a null pointer. At most
-// 2^32-1 bytes: a longer one is fatal.
+// 2^32-2 bytes: a longer one is fatal. Not thread-safe.
 class hidl_string {
   public:
+    // The empty text.
     hidl_string();
     ~hidl_string();
+    // A copy of its own, also of a text that the other one only refers to.
     hidl_string(const hidl_string& other);
+    // Takes the text over; the empty one is left there.
     hidl_string(hidl_string&& other) noexcept;
-    hidl_string(const char* text);  // a NUL-terminated text; null gives the empty one
-    hidl_string(const char* text, size_t length);  // a text that need not be terminated
+    // Copies a NUL-terminated text; null gives the empty one.
+    hidl_string(const char* text);
+    // Copies a text that need not be terminated.
+    hidl_string(const char* text, size_t length);
     hidl_string(const std::string& text);
 
+    // As the constructors; the text given may be a part of this one's.
     hidl_string& operator=(const hidl_string& other);
     hidl_string& operator=(hidl_string&& other) noexcept;
     hidl_string& operator=(const char* text);
     hidl_string& operator=(const std::string& text);
 
+    // A copy, and a view that is good while this text is.
     operator std::string() const { return {c_str(), size()}; }
     operator std::string_view() const { return {c_str(), size()}; }
 
+    // The text with its NUL, never null; its bytes without it.
     const char* c_str() const { return mBuffer; }
     size_t size() const { return mSize; }
     bool empty() const { return mSize == 0; }
@@ -55,6 +63,7 @@ class hidl_string {
 };
 static_assert(sizeof(hidl_string) == 16);
 
+// Byte for byte, NUL bytes among them.
 inline bool operator==(const hidl_string& a, const hidl_string& b) {
     return std::string_view(a) == std::string_view(b);
 }
@@ -71,6 +80,7 @@ inline bool operator!=(const hidl_string& a, const char* b) {
     return std::string_view(a) != b;
 }
 
+// Writes the bytes as they are.
 std::ostream& operator<<(std::ostream& stream, const hidl_string& text);
 
 }  // namespace android::hardware

@@ -16,6 +16,7 @@ namespace details {
 std::string toHexString(uint64_t value);
 }  // namespace details
 
+// A number in decimal; "true" or "false".
 template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
 std::string toString(T value) {
     if constexpr (std::is_same_v<T, bool>) {
@@ -25,12 +26,14 @@ std::string toString(T value) {
     }
 }
 
+// The text in quotes; how many descriptors; kind and size; the address.
 std::string toString(const hidl_string& text);
 std::string toString(const hidl_handle& handle);
 std::string toString(const hidl_memory& memory);
 std::string toString(const void* pointer);
 
 namespace details {
+// "{a, b}".
 template <typename Iterator>
 std::string joinStrings(Iterator first, Iterator last) {
     std::string joined = "{";
@@ -42,6 +45,7 @@ std::string joinStrings(Iterator first, Iterator last) {
 }
 }  // namespace details
 
+// "[2]{a, b}".
 template <typename T>
 std::string toString(const hidl_vec<T>& vec) {
     return "[" + std::to_string(vec.size()) + "]" + details::joinStrings(vec.begin(), vec.end());
@@ -64,6 +68,7 @@ std::string dimensionsToString(const T* elements) {
 }
 }  // namespace details
 
+// "{{a, b}, {c, d}}".
 template <typename T, size_t First, size_t... Rest>
 std::string toString(const hidl_array<T, First, Rest...>& array) {
     return details::dimensionsToString<T, First, Rest...>(array.data());

@@ -22,6 +22,9 @@ namespace details {
 Return<bool> canCastInterface(::android::hidl::base::V1_0::IBase* object, const char* descriptor,
                               bool emitError);
 
+// The parent as the interface of this descriptor: itself, or a new proxy for the same remote
+// object. Null when it is null or does not implement it; DEAD_OBJECT when it cannot be asked and
+// emitError.
 template <typename IChild, typename IParent, typename BpChild>
 Return<sp<IChild>> castInterface(const sp<IParent>& parent, const char* childIndicator,
                                  bool emitError) {

@@ -15,7 +15,7 @@
 namespace android::hardware {
 
 // A vector of fixed size; it grows only by resize. Owns its elements unless it was told not to with
-// setToExternal. At most 2^32-1 elements: more is fatal.
+// setToExternal. At most 2^32-1 elements: more is fatal. Not thread-safe.
 template <typename T>
 class hidl_vec {
   public:
@@ -23,8 +23,11 @@ class hidl_vec {
     using iterator = T*;
     using const_iterator = const T*;
 
+    // No elements.
     hidl_vec() : mBuffer(nullptr), mSize(0), mOwnsBuffer(false), mPad{} {}
+    // So many elements, value-initialised.
     explicit hidl_vec(size_t size) : hidl_vec() { resize(size); }
+    // Copies of elements.
     hidl_vec(std::initializer_list<T> list) : hidl_vec(list.begin(), list.end()) {}
     hidl_vec(const std::vector<T>& other) : hidl_vec(other.begin(), other.end()) {}
     template <typename Iterator,
@@ -34,6 +37,7 @@ class hidl_vec {
         std::copy(first, last, begin());
     }
     hidl_vec(const hidl_vec& other) : hidl_vec(other.begin(), other.end()) {}
+    // Takes the elements over; none are left there.
     hidl_vec(hidl_vec&& other) noexcept : hidl_vec() { swap(other); }
     ~hidl_vec() { release(); }
 
@@ -48,13 +52,21 @@ class hidl_vec {
         }
         return *this;
     }
-    hidl_vec& operator=(const std::vector<T>& other) { return *this = hidl_vec(other); }
-    hidl_vec& operator=(std::initializer_list<T> list) { return *this = hidl_vec(list); }
+    hidl_vec& operator=(const std::vector<T>& other) {
+        hidl_vec(other).swap(*this);
+        return *this;
+    }
+    hidl_vec& operator=(std::initializer_list<T> list) {
+        hidl_vec(list).swap(*this);
+        return *this;
+    }
 
+    // A copy.
     operator std::vector<T>() const { return {begin(), end()}; }
 
     size_t size() const { return mSize; }
     bool empty() const { return mSize == 0; }
+    // The first element; null when there is none.
     T* data() { return mBuffer; }
     const T* data() const { return mBuffer; }
     // The index must be below size().

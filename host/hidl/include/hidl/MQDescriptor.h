@@ -16,22 +16,26 @@ struct GrantorDescriptor {
 };
 static_assert(sizeof(GrantorDescriptor) == 24);
 
+// Whether writers wait for readers.
 enum MQFlavor : uint32_t {
     kSynchronizedReadWrite = 0x01,
     kUnsynchronizedWrite = 0x02,
 };
 
+// Not thread-safe. quantum: bytes of one of the queue's elements.
 template <typename T, MQFlavor flavor>
 class MQDescriptor {
   public:
+    // Of no queue.
     MQDescriptor() = default;
-    // Owns the handle: it is closed and deleted with this object.
+    // Owns the handle, which may be null: it is closed and deleted with this object.
     MQDescriptor(const hidl_vec<GrantorDescriptor>& grantors, native_handle_t* handle,
                  size_t quantum)
         : mGrantors(grantors),
           mHandle(handle),
           mQuantum(static_cast<uint32_t>(quantum)),
           mFlags(flavor) {}
+    // A copy duplicates the descriptors.
     MQDescriptor(const MQDescriptor& other) { *this = other; }
     MQDescriptor& operator=(const MQDescriptor& other) {
         if (this == &other) return *this;
@@ -44,6 +48,7 @@ class MQDescriptor {
     }
     ~MQDescriptor() { release(); }
 
+    // What it was made of; the handle may be null.
     const hidl_vec<GrantorDescriptor>& grantors() const { return mGrantors; }
     hidl_vec<GrantorDescriptor>& grantors() { return mGrantors; }
     const native_handle_t* handle() const { return mHandle; }
@@ -70,11 +75,13 @@ class MQDescriptor {
 };
 static_assert(sizeof(MQDescriptor<char, kSynchronizedReadWrite>) == 32);
 
+// The two kinds by the names that generated code gives them.
 template <typename T>
 using MQDescriptorSync = MQDescriptor<T, kSynchronizedReadWrite>;
 template <typename T>
 using MQDescriptorUnsync = MQDescriptor<T, kUnsynchronizedWrite>;
 
+// How many grantors it has.
 template <typename T, MQFlavor flavor>
 std::string toString(const MQDescriptor<T, flavor>& queue) {
     return "queue of " + std::to_string(queue.grantors().size()) + " grantors";

@@ -18,18 +18,25 @@ sp<::android::hidl::manager::V1_0::IServiceManager> defaultServiceManager();
 namespace details {
 
 // Makes the implementation reachable under its interface's name and the instance, and starts the
-// RPC pool. A name that is taken goes over to the later one. Not OK when the name cannot be made:
-// no stub is known for the interface, the runtime folder cannot be used, or the name is not one.
+// RPC pool. A name that is taken goes over to the later one. It stays registered while the process
+// lives. BAD_VALUE when no stub is known for the interface, it is remote, or the name is none;
+// PERMISSION_DENIED when the runtime folder cannot be used, an errno as a status when the socket
+// cannot be made in it: each with a log line. Thread-safe.
 status_t registerAsServiceInternal(const sp<::android::hidl::base::V1_0::IBase>& service,
                                    const std::string& instance);
 
 // The service of that name as a plain IBase proxy, or null when nobody answers under it. Nothing is
 // declared in advance on a host, so there is nothing to wait for: retry makes no difference. Nor is
 // there a passthrough implementation: getStub gives null.
+//
+// A service of the same process is reached through its socket like any other: calls to it are
+// answered by a thread of the pool. A server that lives, but all of whose threads are busy for more
+// than some seconds, does not count as answering.
 sp<::android::hidl::base::V1_0::IBase> getRawServiceInternal(const std::string& descriptor,
                                                              const std::string& instance,
                                                              bool retry, bool getStub);
 
+// The same as a proxy of the interface.
 template <typename BpType, typename IType = typename BpType::Pure>
 sp<IType> getServiceInternal(const std::string& instance, bool retry, bool getStub) {
     sp<::android::hidl::base::V1_0::IBase> base =

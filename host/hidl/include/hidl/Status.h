@@ -29,17 +29,21 @@ class Status {
         EX_TRANSACTION_FAILED = -129,
     };
 
+    // All went well.
     Status() = default;
     static Status ok() { return {}; }
+    // EX_NONE for well; the message may be null.
     static Status fromExceptionCode(int32_t exception) { return {exception, OK, {}}; }
     static Status fromExceptionCode(int32_t exception, const char* message) {
         return {exception, OK, message == nullptr ? "" : message};
     }
+    // OK for well, else EX_TRANSACTION_FAILED with that error.
     static Status fromStatusT(status_t status);
 
     // Puts the status of a transport operation here; OK leaves an all-well status.
     void setFromStatusT(status_t status);
 
+    // The parts; transactionError is OK but for EX_TRANSACTION_FAILED, the message is never null.
     bool isOk() const { return mException == EX_NONE; }
     int32_t exceptionCode() const { return mException; }
     const char* exceptionMessage() const { return mMessage.c_str(); }
@@ -57,6 +61,7 @@ class Status {
     std::string mMessage;
 };
 
+// Writes the description.
 std::ostream& operator<<(std::ostream& stream, const Status& status);
 
 template <typename T>
@@ -64,7 +69,8 @@ class Return;
 
 namespace details {
 
-// The part of Return that does not depend on the result's type.
+// The part of Return that does not depend on the result's type. An outcome that failed and that
+// nobody looked at is told as a warning when it goes. Not thread-safe.
 class return_status {
   public:
     return_status() = default;
@@ -75,6 +81,7 @@ class return_status {
     return_status& operator=(const return_status&) = delete;
     ~return_status();
 
+    // Whether the call was answered.
     bool isOk() const {
         mChecked = true;
         return mStatus.isOk();
@@ -84,6 +91,7 @@ class return_status {
         mChecked = true;
         return mStatus.transactionError() == DEAD_OBJECT;
     }
+    // As Status has it.
     std::string description() const {
         mChecked = true;
         return mStatus.description();

@@ -13,6 +13,7 @@ namespace android::hardware {
 class BHwBinder;
 class Parcel;
 
+// What calls go to. Thread-safe.
 class IBinder : public virtual RefBase {
   public:
     // Given the reply as soon as it is complete, while what it points to is alive.
@@ -24,11 +25,17 @@ class IBinder : public virtual RefBase {
     // Told when the process of a remote object has died.
     class DeathRecipient : public virtual RefBase {
       public:
+        // who: the dead object, while its proxy lives. Called on a thread of the RPC pool.
         virtual void binderDied(const wp<IBinder>& who) = 0;
     };
 
-    // Runs method code with the arguments in data; reply holds the answer afterwards. DEAD_OBJECT
-    // when the object's process is gone, FAILED_TRANSACTION when data is too large to travel.
+    // Runs method code with the arguments in data; reply holds the answer afterwards, and may be
+    // null when nobody wants it. flags: FLAG_ONEWAY or 0. callback: given the reply too, may be
+    // null.
+    //
+    // DEAD_OBJECT when the object's process is gone, FAILED_TRANSACTION when data or the reply is
+    // too large to travel, a descriptor in them is none, or a one-way call finds no room in time;
+    // what the parcel, the stub or the method answers otherwise.
     virtual status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                               TransactCallback callback = nullptr) = 0;
 
@@ -45,15 +52,18 @@ class IBinder : public virtual RefBase {
 // Base of generated stubs: an object of this process.
 class BHwBinder : public IBinder {
   public:
+    // Calls onTransact with a callback and a reply, whether the caller has them or not.
     status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                       TransactCallback callback = nullptr) override;
+    // Both INVALID_OPERATION: an object of this process dies with it.
     status_t linkToDeath(const sp<DeathRecipient>& recipient) override;
     status_t unlinkToDeath(const wp<DeathRecipient>& recipient) override;
     BHwBinder* localBinder() override { return this; }
 
   protected:
     // Decodes, calls the implementation, encodes; calls the callback with the reply as soon as the
-    // implementation answered. A not-OK result without a callback is the caller's error.
+    // implementation answered. A not-OK result without a callback is the caller's error. Called by
+    // any thread of the RPC pool, and by several at once.
     virtual status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply,
                                 uint32_t flags = 0, TransactCallback callback = nullptr) = 0;
 
@@ -68,6 +78,7 @@ class BHwBinder : public IBinder {
 // What a proxy holds: the remote object.
 class BpHwRefBase : public virtual RefBase {
   public:
+    // Lives as long as the proxy.
     IBinder* remote() const { return mRemote.get(); }
 
   protected:
@@ -80,6 +91,7 @@ class BpHwRefBase : public virtual RefBase {
 // What generated code sees of a proxy.
 class IInterface : public virtual RefBase {
   public:
+    // The remote object; null for null.
     static sp<IBinder> asBinder(const IInterface* interface);
     static sp<IBinder> asBinder(const sp<IInterface>& interface) {
         return asBinder(interface.get());

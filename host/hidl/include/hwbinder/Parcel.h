@@ -45,7 +45,9 @@ class Parcel {
     Parcel(const Parcel&) = delete;
     Parcel& operator=(const Parcel&) = delete;
 
+    // Names the interface that the call is for.
     status_t writeInterfaceToken(const char* descriptor);
+    // Numbers; always OK.
     status_t writeBool(bool value);
     status_t writeInt8(int8_t value);
     status_t writeUint8(uint8_t value);
@@ -59,12 +61,14 @@ class Parcel {
     status_t writeDouble(double value);
     // A NUL-terminated text, copied.
     status_t writeCString(const char* text);
-    // A buffer; handle receives the number by which embedded buffers name it as their parent.
+    // A buffer, or null; handle receives the number by which embedded buffers name it as their
+    // parent.
     status_t writeBuffer(const void* buffer, size_t length, size_t* handle);
-    // A buffer whose address stands at parentOffset in the object parentHandle.
+    // A buffer whose address stands at parentOffset in the object parentHandle. BAD_VALUE when
+    // there is no such place.
     status_t writeEmbeddedBuffer(const void* buffer, size_t length, size_t* handle,
                                  size_t parentHandle, size_t parentOffset);
-    // A handle, or null; its descriptors stay the caller's.
+    // A handle, or null; its descriptors stay the caller's. BAD_VALUE when it is none.
     status_t writeNativeHandleNoDup(const native_handle_t* handle);
     status_t writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
                                        size_t parentOffset);
@@ -74,6 +78,7 @@ class Parcel {
 
     // Whether the parcel is meant for this interface.
     bool enforceInterface(const char* descriptor) const;
+    // Numbers; NOT_ENOUGH_DATA when there are none left.
     status_t readBool(bool* value) const;
     status_t readInt8(int8_t* value) const;
     status_t readUint8(uint8_t* value) const;
@@ -87,18 +92,20 @@ class Parcel {
     status_t readDouble(double* value) const;
     // The text, or null when there is no terminated text.
     const char* readCString() const;
-    // The next object, which must be a buffer of exactly this length.
+    // The next object, which must be a buffer of exactly this length: BAD_VALUE when it is not.
     status_t readBuffer(size_t length, size_t* handle, const void** buffer) const;
-    // The next object, which must be embedded exactly there; when the parcel arrived, its address
-    // is put into the parent.
+    // The next object, which must be embedded exactly there: BAD_VALUE when it is not,
+    // UNEXPECTED_NULL when it is null. When the parcel arrived, its address is put into the parent.
     status_t readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                 size_t parentOffset, const void** buffer) const;
     // The same; a null buffer, or none for length 0, gives null.
     status_t readNullableEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                         size_t parentOffset, const void** buffer) const;
+    // The next object, which must be a handle, or null: BAD_VALUE when it is not.
     status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
     status_t readNullableEmbeddedNativeHandle(size_t parentHandle, size_t parentOffset,
                                               const native_handle_t** handle) const;
+    // The next object, which must be an interface, or null: BAD_VALUE when it is not.
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
     // For the transport: what was written so far, and the first error of writing: generated code
@@ -107,9 +114,10 @@ class Parcel {
     const std::vector<Object>& objects() const { return mObjects; }
     status_t writeError() const { return mWriteError; }
     // For the transport: makes this empty parcel the one that arrived. BAD_VALUE, and an empty
-    // parcel, when what arrived is not a whole parcel.
+    // parcel, when what arrived is not a whole parcel; NO_MEMORY.
     status_t adopt(transport::IncomingMessage message);
-    // For the transport: gives the memory of what arrived back, to receive the next message in.
+    // For the transport: gives the memory of what arrived back, to receive the next message in;
+    // nothing when nothing arrived. The parcel is empty then, its descriptors are closed.
     transport::IncomingMessage release();
 
   private:

@@ -6,6 +6,7 @@
 
 namespace android::hardware {
 
+// Generated code's way to the RPC pool.
 class ProcessState : public virtual RefBase {
   public:
     // The one of this process; lives until it ends.

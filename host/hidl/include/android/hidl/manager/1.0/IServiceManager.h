@@ -10,11 +10,14 @@
 
 namespace android::hidl::manager::V1_0 {
 
+// Answers for the sets whose environment the process has. Thread-safe.
 struct IServiceManager : public virtual RefBase {
     using list_cb = std::function<void(const ::android::hardware::hidl_vec<
                                        ::android::hardware::hidl_string>& fqInstanceNames)>;
 
     // Every service that answers, as "package@version::IInterface/instance", in ascending order.
+    // Connects to each: one whose threads are all busy holds it up for a few seconds.
+    // EX_ILLEGAL_ARGUMENT without a callback.
     virtual ::android::hardware::Return<void> list(list_cb callback) = 0;
 
     // Always false on a host: nobody tells of registrations.

@@ -6,7 +6,9 @@
 
 namespace android::hidl::manager::V1_0 {
 
+// Never called on a host.
 struct IServiceNotification : public virtual RefBase {
+    // fqName, name: the interface and the instance; preexisting: registered before one asked.
     virtual ::android::hardware::Return<void> onRegistration(
             const ::android::hardware::hidl_string& fqName,
             const ::android::hardware::hidl_string& name, bool preexisting) = 0;
