@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/IniProjectParser.h"
@@ -158,17 +159,34 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
 
     /** The file's bytes; empty when it cannot be read. No answer to a path without text. */
     Return<void> getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) override;
+    /** The file's bytes in a block of shared memory; empty memory when they cannot be had. */
     Return<void> getVendorPartitionFile(const hidl_string& path,
                                         getVendorPartitionFile_cb _hidl_cb) override;
     /** 1 or 0. No answer to a path without text. */
     Return<void> isFileExist(const hidl_string& path, isFileExist_cb _hidl_cb) override;
 
-    // Audio, karaoke, key and DDC/CI files (MlkProjectConfigsAuxiliary.cpp).
+    // Audio files (MlkProjectConfigsAudio.cpp).
 
+    /**
+     * The sum, as decimal text, of what the files of the panel, the audio IC and the hardware say
+     * for the key; with avrName "ARC" also of those of the default AVR and of the AVR that was set
+     * last. What is no number counts 0.
+     */
     Return<void> getAudioDelay(const ProjectConfigKey& key, const hidl_string& avrName,
                                getAudioDelay_cb _hidl_cb) override;
+
+    // The AVR in use: once both texts are known, its file is looked for beside the default AVR's.
+    // Always true: a text, or a path of 128 bytes made with it, that does not fit ends the process.
+    // The trySet forms return false then and change nothing.
+
     Return<void> setAvrVendorId(const hidl_string& vendorId, setAvrVendorId_cb _hidl_cb) override;
     Return<void> setAvrOSDName(const hidl_string& osdName, setAvrOSDName_cb _hidl_cb) override;
+    bool trySetAvrVendorId(const hidl_string& vendorId);
+    bool trySetAvrOSDName(const hidl_string& osdName);
+
+    // Karaoke, key and DDC/CI files (MlkProjectConfigsAuxiliary.cpp): the item of the key, empty or
+    // 0 when there is none or, for a number, when it does not begin with one.
+
     Return<void> getKaraokeConfig(const ProjectConfigKey& key,
                                   getKaraokeConfig_cb _hidl_cb) override;
     Return<void> getGlobalKeyConfig(const ProjectConfigKey& key,
@@ -197,8 +215,23 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
   private:
     friend struct MlkProjectConfigsPeer;  // tests
 
-    /** Texts of bounded length, always with a NUL at the end. */
+    /**
+     * A text of bounded length, filled up with NULs. Only the names of an AVR can be so long that
+     * no NUL is left.
+     */
     using Name = std::array<char, 128>;
+
+    /** Where an auxiliary file is named, which members it goes to and what is logged. */
+    struct AuxiliaryFile {
+        const char* category;
+        const char* key;
+        std::unique_ptr<IniProjectParser> MlkProjectConfigs::*parser;
+        Name MlkProjectConfigs::*name;
+        const char* nameLabel;            // before the file's name
+        const char* missing;              // the error when the item is empty
+        const char* pathLabel = nullptr;  // before the item, where it is logged
+    };
+
     using TextCallback = std::function<void(const OptionalString&)>;
     using FlagCallback = std::function<void(const OptionalBool&)>;
 
@@ -208,11 +241,22 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     bool SetProjectIdInternal(int32_t id);
     bool SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName, int32_t pid);
 
+    /** False, and nothing changed, when the text is longer than the buffer. */
+    static bool assign(Name& name, std::string_view text);
+    static std::string textOf(const Name& name);
+
     // Each loads its files into the parser that was made just before.
+    void loadAuxiliaryFile(const AuxiliaryFile& file);
     void GetAudioConfigPathInternal();
     void GetKaraokeConfigPathInternal();
     void GetGlobalKeyConfigPathInternal();
     void GetCustomerDdcciConfigPathInternal();
+
+    bool trySetAvrText(Name& member, const char* label, const hidl_string& text);
+    /** Names and loads the file of the AVR; false when its name or path does not fit. */
+    bool updateAudioConfig();
+    int32_t audioDelay(const ConfigKey& key, bool isArc) const;
+    std::string customerDdcciConfig(const ProjectConfigKey& key) const;
 
     /** Puts what belongs to a country into the store; -1 is the country that was chosen last. */
     void InitTvSysMapInfo(int32_t country);
@@ -236,7 +280,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     const char* mTvdataPath = nullptr;
     const char* mTvconfigsPath = nullptr;
     std::string mCustomerIniPath;
-    // Names of the files that the audio parser holds, and what they are made from.
+    // Names of the files that the audio parser holds, and what they are made from. Those of the AVR
+    // change while the service runs, under a mutex of MlkProjectConfigsAudio.cpp.
     Name mPanelName{};
     Name mICName{};
     Name mHardwareName{};

@@ -1,8 +1,12 @@
 #include <android-base/file.h>
+#include <android/hidl/allocator/1.0/IAllocator.h>
+#include <android/hidl/memory/1.0/IMemory.h>
 #include <android/log.h>
+#include <hidlmemory/mapping.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <ctime>
 #include <sstream>
 
@@ -10,8 +14,11 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+using ::android::sp;
 using ::android::hardware::hidl_memory;
 using ::android::hardware::Return;
+using ::android::hidl::allocator::V1_0::IAllocator;
+using ::android::hidl::memory::V1_0::IMemory;
 
 namespace {
 
@@ -40,6 +47,41 @@ class SigpipeHeld {
     sigset_t mFormer{};
 };
 
+// Empty when there is nothing to share, no allocator, or no memory.
+hidl_memory allocate(size_t size) {
+    hidl_memory memory;
+    const sp<IAllocator> allocator = size == 0 ? nullptr : IAllocator::getService("ashmem");
+    if (allocator != nullptr) {
+        const Return<void> result = allocator->allocate(size, [&](bool success, const auto& given) {
+            if (success) {
+                memory = given;
+            }
+        });
+        static_cast<void>(result.isOk());  // looked at: an allocator that died has given nothing
+    }
+    return memory;
+}
+
+// A block of shared memory with these bytes; empty when it cannot be had.
+hidl_memory shared(const std::vector<uint8_t>& data) {
+    hidl_memory memory = allocate(data.size());
+    if (!memory.valid()) {
+        return memory;
+    }
+    const sp<IMemory> mapped = ::android::hardware::mapMemory(memory);
+    if (mapped == nullptr || uint64_t{mapped->getSize()} < data.size()) {
+        // An allocator of this system gives what the mapper takes; another's block is of no use.
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "getVendorPartitionFile, %zu bytes of shared memory cannot be mapped",
+                            data.size());
+        return {};
+    }
+    mapped->update();
+    std::memcpy(mapped->getPointer(), data.data(), data.size());
+    mapped->commit();
+    return memory;
+}
+
 }  // namespace
 
 Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) {
@@ -55,10 +97,17 @@ Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb 
     return {};
 }
 
-// Shared memory needs an allocator, which no set has yet.
-Return<void> MlkProjectConfigs::getVendorPartitionFile(const hidl_string& /* path */,
+Return<void> MlkProjectConfigs::getVendorPartitionFile(const hidl_string& path,
                                                        getVendorPartitionFile_cb _hidl_cb) {
-    _hidl_cb(hidl_memory());
+    hidl_memory memory;
+    if (path.c_str() == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "getVendorPartitionFile, invalid paramter");
+    } else {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "getVendorPartitionFile,path:%s",
+                            path.c_str());
+        memory = shared(ProjectParser::getTvFile(path.c_str()));
+    }
+    _hidl_cb(memory);
     return {};
 }
 

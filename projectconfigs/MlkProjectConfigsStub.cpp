@@ -11,10 +11,13 @@
 #include <type_traits>
 #include <utility>
 
+#include "projectconfigs/MlkProjectConfigs.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::android::sp;
 using ::android::status_t;
+using ::android::hardware::hidl_string;
 using ::android::hardware::IBinder;
 using ::android::hardware::Parcel;
 using ::android::hardware::Return;
@@ -25,7 +28,7 @@ constexpr const char* kTag = "MlkProjectConfigs";
 
 struct Transaction {
     const char* method;
-    IMlkProjectConfigs* implementation;
+    MlkProjectConfigs* implementation;
     const Parcel& data;
     Parcel* reply;
     const IBinder::TransactCallback& callback;
@@ -45,7 +48,18 @@ status_t read(const Parcel& data, Enumeration& argument) {
     return status;
 }
 
+status_t read(const Parcel& data, const hidl_string** argument) {
+    size_t parent = 0;
+    const status_t status =
+            data.readBuffer(sizeof(**argument), &parent, reinterpret_cast<const void**>(argument));
+    return status != ::android::OK ? status : readEmbeddedFromParcel(**argument, data, parent, 0);
+}
+
 // The parts of an answer that lie outside its struct, as generated code writes them.
+
+status_t writeParts(const OptionalBool& /* answer */, Parcel* /* reply */, size_t /* parent */) {
+    return ::android::OK;
+}
 
 status_t writeParts(const OptionalInt32& /* answer */, Parcel* /* reply */, size_t /* parent */) {
     return ::android::OK;
@@ -67,13 +81,17 @@ status_t send(const Transaction& transaction, const Answer& answer) {
     return status;
 }
 
+status_t refuse(const Transaction& transaction, const std::string& arguments) {
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s(%s) has no answer, call refused",
+                        transaction.method, arguments.c_str());
+    return ::android::BAD_VALUE;
+}
+
 template <typename... Arguments>
-status_t refuse(const Transaction& transaction, const Arguments&... arguments) {
+std::string listed(const Arguments&... arguments) {
     std::string list;
     ((list += (list.empty() ? "" : ", ") + std::to_string(static_cast<int32_t>(arguments))), ...);
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s(%s) has no answer, call refused",
-                        transaction.method, list.c_str());
-    return ::android::BAD_VALUE;
+    return list;
 }
 
 // Calls a method of the interface, whose last parameter is its callback, with the others' values.
@@ -102,7 +120,7 @@ status_t call(const Transaction& transaction,
     const Return<void> result =
             (transaction.implementation->*method)(std::get<kArgument>(arguments)..., onAnswer);
     static_cast<void>(result.isOk());  // looked at: the client has its answer, or is refused
-    return answered ? status : refuse(transaction, std::get<kArgument>(arguments)...);
+    return answered ? status : refuse(transaction, listed(std::get<kArgument>(arguments)...));
 }
 
 template <typename... Parameters>
@@ -115,8 +133,22 @@ status_t serve(const Transaction& transaction) {
     return call(transaction, kMethod, argumentsOf(kMethod));
 }
 
-// The methods that may leave a call without an answer. A code is the method's place in the
-// interface, counted from 1.
+// Serves a method whose text the class would die of where it does not fit. The class is asked to
+// take it, and not first whether it would: another client may set the other text in between.
+template <bool (MlkProjectConfigs::*kTrySet)(const hidl_string&)>
+status_t serveAvrText(const Transaction& transaction) {
+    const hidl_string* text = nullptr;
+    const status_t status = read(transaction.data, &text);
+    if (status != ::android::OK) {
+        return status;
+    }
+    return (transaction.implementation->*kTrySet)(*text)
+                   ? send(transaction, OptionalBool{true, true})
+                   : refuse(transaction, "a text of " + std::to_string(text->size()) + " bytes");
+}
+
+// The methods that may leave a call without an answer, or end the process instead of answering. A
+// code is the method's place in the interface, counted from 1.
 struct Row {
     uint32_t code;
     const char* method;
@@ -131,6 +163,8 @@ constexpr Row kRows[] = {
         {20, "getHDMIHdcpPath", serve<&IMlkProjectConfigs::getHDMIHdcpPath>},
         {21, "getPowerOnMode", serve<&IMlkProjectConfigs::getPowerOnMode>},
         {32, "getTunerConfig", serve<&IMlkProjectConfigs::getTunerConfig>},
+        {41, "setAvrVendorId", serveAvrText<&MlkProjectConfigs::trySetAvrVendorId>},
+        {42, "setAvrOSDName", serveAvrText<&MlkProjectConfigs::trySetAvrOSDName>},
 };
 
 }  // namespace
@@ -148,7 +182,8 @@ status_t MlkProjectConfigsStub::onTransact(uint32_t code, const Parcel& data, Pa
             return ::android::BAD_TYPE;
         }
         const sp<IMlkProjectConfigs> implementation = getImpl();
-        return row.serve({row.method, implementation.get(), data, reply, callback});
+        return row.serve({row.method, static_cast<MlkProjectConfigs*>(implementation.get()), data,
+                          reply, callback});
     }
     return BnHwMlkProjectConfigs::onTransact(code, data, reply, flags, std::move(callback));
 }

@@ -11,7 +11,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Not;
 
@@ -28,8 +27,11 @@ TEST_F(StartUpTest, ReadsTheSetAndLogsWhereItComesFrom) {
                         "\tProject max index=2", "\tSys ini file=" + mSet.tvconfigs() + "/sys.ini",
                         "\tProject ini file=" + mSet.tvconfigs() + "/model/A.ini",
                         "\tBoard ini file=" + mSet.tvconfigs() + "/board.ini",
-                        "\tProject total item=2"));
-    EXPECT_THAT(logged(ANDROID_LOG_ERROR), IsEmpty());
+                        "\tProject total item=2", "[DDCCI] customerDdcciConfigPath = "));
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR),
+                ElementsAre("Can't get audio config path!", "Can't get audio config IC path!",
+                            "Can't get audio config AVR path!", "Can't get karaoke config path!",
+                            "Can't get key config path!", "Can't get Customer DDCCI config path!"));
     EXPECT_EQ(panel(), "panel A");
     EXPECT_EQ(boardName(), "board");
 }
@@ -56,7 +58,8 @@ TEST_F(StartUpTest, EmptySetStillStarts) {
                             MatchesRegex("\\[parse_project_ini [0-9]+\\]  don't exist."),
                             "mProjectMaxIdx:0", "ProjectConfigs:", "\tCustomer ID=",
                             "\tProject ID=0", "\tProject max index=0", "\tSys ini file=",
-                            "\tProject ini file=", "\tBoard ini file=", "\tProject total item=0"));
+                            "\tProject ini file=", "\tBoard ini file=", "\tProject total item=0",
+                            "[DDCCI] customerDdcciConfigPath = "));
     EXPECT_EQ(panel(), "");
     EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectId)), "0");
     EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), "0");

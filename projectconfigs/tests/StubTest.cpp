@@ -18,6 +18,7 @@ using ::android::OK;
 using ::android::sp;
 using ::android::status_t;
 using ::android::UNKNOWN_ERROR;
+using ::android::hardware::hidl_string;
 using ::android::hardware::IBinder;
 using ::android::hardware::Parcel;
 using ::testing::ElementsAre;
@@ -45,6 +46,8 @@ const Method kMethods[] = {
 constexpr uint32_t kGetPanelName = 10;
 constexpr uint32_t kGetEQPath = 14;
 constexpr uint32_t kGetPowerOnMode = 21;
+constexpr uint32_t kSetAvrVendorId = 41;
+constexpr uint32_t kSetAvrOSDName = 42;
 
 std::string named(const Method& method, const Arguments& arguments) {
     std::string list;
@@ -79,13 +82,12 @@ std::vector<std::string> buffersOf(const Parcel& reply) {
     return buffers;
 }
 
-Outcome transact(const sp<IBinder>& stub, uint32_t code, const Arguments& arguments,
-                 const char* descriptor = IMlkProjectConfigs::descriptor, uint32_t flags = 0) {
+template <typename Write>
+Outcome transactWith(const sp<IBinder>& stub, uint32_t code, const Write& writeArguments,
+                     const char* descriptor = IMlkProjectConfigs::descriptor, uint32_t flags = 0) {
     Parcel data;
     data.writeInterfaceToken(descriptor);
-    for (const int32_t argument : arguments) {
-        data.writeInt32(argument);
-    }
+    writeArguments(data);
     Parcel reply;
     Outcome outcome;
     outcome.status = stub->transact(code, data, &reply, flags, [&](Parcel& answer) {
@@ -99,6 +101,27 @@ Outcome transact(const sp<IBinder>& stub, uint32_t code, const Arguments& argume
         EXPECT_THAT(reply.objects(), IsEmpty());
     }
     return outcome;
+}
+
+Outcome transact(const sp<IBinder>& stub, uint32_t code, const Arguments& arguments,
+                 const char* descriptor = IMlkProjectConfigs::descriptor, uint32_t flags = 0) {
+    return transactWith(
+            stub, code,
+            [&](Parcel& data) {
+                for (const int32_t argument : arguments) {
+                    data.writeInt32(argument);
+                }
+            },
+            descriptor, flags);
+}
+
+Outcome transactText(const sp<IBinder>& stub, uint32_t code, const std::string& text) {
+    const hidl_string argument = text;
+    return transactWith(stub, code, [&](Parcel& data) {
+        size_t parent = 0;
+        data.writeBuffer(&argument, sizeof argument, &parent);
+        writeEmbeddedToParcel(argument, &data, parent, 0);
+    });
 }
 
 class StubTest : public ServiceOnSet {
@@ -200,6 +223,42 @@ TEST_F(StubTest, MissingArgumentIsRefused) {
 TEST_F(StubTest, UnknownCodeGoesToTheGeneratedStub) {
     load("");
     EXPECT_EQ(transact(mStub, 53, {}).status, ::android::UNKNOWN_TRANSACTION);
+}
+
+TEST_F(StubTest, AvrTextIsTakenAsThroughTheGeneratedStub) {
+    load("");
+    const sp<IBinder> generated = new BnHwMlkProjectConfigs(sp<IMlkProjectConfigs>(mService));
+    for (const uint32_t code : {kSetAvrVendorId, kSetAvrOSDName}) {
+        const Outcome expected = transactText(generated, code, "x");
+        const Outcome outcome = transactText(mStub, code, "y");
+        EXPECT_EQ(outcome.status, OK);
+        EXPECT_EQ(outcome.callbacks, 1);
+        EXPECT_EQ(outcome.numbers, expected.numbers);
+        EXPECT_EQ(outcome.buffers, expected.buffers);
+        EXPECT_THAT(outcome.buffers, ElementsAre(std::string("2:\1")));
+    }
+    EXPECT_THAT(logged(ANDROID_LOG_DEBUG),
+                ElementsAre("mAvrVendorId:x", "mAvrVendorId:y", "mAvrOSDName:x",
+                            "mAvrName:AVR_y_x.ini", "mAvrOSDName:y", "mAvrName:AVR_y_y.ini"));
+}
+
+TEST_F(StubTest, AvrTextThatDoesNotFitIsRefusedAndReported) {
+    load("");
+    EXPECT_EQ(transactText(mStub, kSetAvrVendorId, std::string(129, 'v')).status, BAD_VALUE);
+    EXPECT_EQ(transactText(mStub, kSetAvrVendorId, std::string(100, 'v')).status, OK);
+    const Outcome outcome = transactText(mStub, kSetAvrOSDName, std::string(30, 'n'));
+    EXPECT_EQ(outcome.status, BAD_VALUE) << "each fits, but not the name that they make";
+    EXPECT_EQ(outcome.callbacks, 0);
+    EXPECT_THAT(errors(),
+                ElementsAre("setAvrVendorId(a text of 129 bytes) has no answer, call refused",
+                            "setAvrOSDName(a text of 30 bytes) has no answer, call refused"));
+}
+
+TEST_F(StubTest, AvrTextThatIsNotThereIsRefused) {
+    load("");
+    EXPECT_NE(transact(mStub, kSetAvrVendorId, {}).status, OK);
+    EXPECT_NE(transact(mStub, kSetAvrOSDName, {7}).status, OK);
+    EXPECT_THAT(logged(ANDROID_LOG_DEBUG), IsEmpty());
 }
 
 // A service whose equaliser method answers in ways of its own.
