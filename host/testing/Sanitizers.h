@@ -1,7 +1,7 @@
 // What a test has to know of the sanitizers it may be built with (by clang).
 #pragma once
 
-namespace mlk::test {
+namespace mlk::testing {
 
 #if defined(__has_feature)
 #define MLK_HAS_FEATURE(name) __has_feature(name)
@@ -16,4 +16,4 @@ constexpr bool kThreadSanitizer = MLK_HAS_FEATURE(thread_sanitizer);
 
 #undef MLK_HAS_FEATURE
 
-}  // namespace mlk::test
+}  // namespace mlk::testing

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "RawClient.h"
-#include "Sanitizers.h"
 #include "Server.h"
 #include "host/testing/HostSet.h"
+#include "host/testing/Sanitizers.h"
 
 namespace mlk::test {
 namespace {
@@ -78,7 +78,8 @@ TEST_F(LimitsTest, AnswerAboveTheLimit) {
 }
 
 TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
-    if (kAddressSanitizer || kThreadSanitizer) GTEST_SKIP() << "sanitizers keep it for a while";
+    if (testing::kAddressSanitizer || testing::kThreadSanitizer)
+        GTEST_SKIP() << "sanitizers keep it for a while";
     const size_t before = residentOf(mServer.pid());
     for (int i = 0; i < 5; ++i) EXPECT_TRUE(answered(32U << 20U));
     EXPECT_LT(residentOf(mServer.pid()), before + (24U << 20U));

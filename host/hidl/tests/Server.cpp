@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "Sanitizers.h"
+#include "host/testing/Sanitizers.h"
 
 namespace mlk::test {
 
@@ -25,48 +25,6 @@ bool eventually(const std::function<bool()>& condition) {
         (void)poll(nullptr, 0, 1);
     }
     return true;
-}
-
-namespace {
-size_t entriesOf(const std::string& folder) {
-    size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        (void)entry;
-        ++count;
-    }
-    return count;
-}
-}  // namespace
-
-size_t descriptorsOf(pid_t pid) {
-    // One's own listing holds the descriptor that it is read with.
-    return entriesOf("/proc/" + std::to_string(pid) + "/fd") - (pid == getpid() ? 1 : 0);
-}
-
-size_t threadsOf(pid_t pid) {
-    const size_t count = entriesOf("/proc/" + std::to_string(pid) + "/task");
-    return kThreadSanitizer && count > 1 ? count - 1 : count;
-}
-
-size_t residentOf(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/statm");
-    size_t pages = 0;
-    file >> pages >> pages;
-    return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
-}
-
-milliseconds timeOf(pid_t pid) {
-    std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-    std::string text;
-    (void)std::getline(file, text);
-    // Behind the program's name, which may hold anything, come the numbers; two of them are it.
-    std::istringstream numbers(text.substr(text.rfind(')') + 2));
-    std::string skipped;
-    for (int i = 0; i < 11; ++i) numbers >> skipped;
-    long user = 0;
-    long system = 0;
-    numbers >> user >> system;
-    return milliseconds((user + system) * 1000 / sysconf(_SC_CLK_TCK));
 }
 
 Server::Server(const Options& options) : mOptions(options) {

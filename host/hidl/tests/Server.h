@@ -12,6 +12,7 @@
 #include "Everything.h"
 #include "Native.h"
 #include "host/testing/Process.h"
+#include "host/testing/ProcessUsage.h"
 
 namespace mlk::test {
 
@@ -19,13 +20,10 @@ namespace mlk::test {
 // time: a closed connection is noticed there, not here.
 bool eventually(const std::function<bool()>& condition);
 
-// How many descriptors, and threads, a process has.
-size_t descriptorsOf(pid_t pid);
-size_t threadsOf(pid_t pid);
-// Resident memory of a process, in bytes.
-size_t residentOf(pid_t pid);
-// Processor time that a process has used.
-std::chrono::milliseconds timeOf(pid_t pid);
+using testing::descriptorsOf;
+using testing::residentOf;
+using testing::threadsOf;
+using testing::timeOf;
 
 // hidl_test_server, started and registered. Needs a HostSet around it.
 class Server {

@@ -4,8 +4,6 @@
 #include <hidlmemory/mapping.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,12 +37,6 @@ inline std::optional<std::vector<::android::hardware::hidl_memory>> batchAllocat
 /// The bytes of a mapped block.
 inline uint8_t* bytesOf(const ::android::sp<::android::hidl::memory::V1_0::IMemory>& mapped) {
     return static_cast<uint8_t*>(static_cast<void*>(mapped->getPointer()));
-}
-
-/// How many descriptors a process has open ("self": this one).
-inline auto openDescriptors(const std::string& process) {
-    using Directory = std::filesystem::directory_iterator;
-    return std::distance(Directory("/proc/" + process + "/fd"), Directory());
 }
 
 }  // namespace mlk::host

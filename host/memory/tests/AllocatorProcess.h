@@ -30,7 +30,7 @@ class AllocatorProcess {
         return ::android::hidl::allocator::V1_0::IAllocator::getService("ashmem");
     }
     mlk::testing::Process& process() { return mProcess; }
-    std::string pid() const { return std::to_string(mProcess.pid()); }
+    pid_t pid() const { return mProcess.pid(); }
 
   private:
     static std::vector<std::string> command(std::vector<std::string> starter) {

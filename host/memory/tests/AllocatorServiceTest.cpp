@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,6 +14,7 @@
 #include "host/memory/AshmemAllocator.h"
 #include "host/memory/tests/Allocations.h"
 #include "host/memory/tests/AllocatorProcess.h"
+#include "host/testing/ProcessUsage.h"
 #include "host/testing/Threads.h"
 
 namespace mlk::host {
@@ -24,36 +25,23 @@ using ::android::hardware::hidl_memory;
 using ::android::hardware::mapMemory;
 using ::android::hidl::allocator::V1_0::IAllocator;
 using ::android::hidl::memory::V1_0::IMemory;
+using ::mlk::testing::descriptorsOf;
 using ::mlk::testing::inThreads;
+using ::mlk::testing::residentOf;
 using ::testing::HasSubstr;
 
 // An allocator that has lost its limits shall fail its test, and not take all memory of the
 // machine.
 const std::vector<std::string> kWithoutHugeFiles = {"prlimit", "--fsize=1073741824"};
 
-/// Kilobytes of a process's memory that are resident.
-long residentKilobytes(const std::string& process) {
-    std::ifstream status("/proc/" + process + "/status");
-    std::string word;
-    while (status >> word) {
-        if (word == "VmRSS:") {
-            long kilobytes = 0;
-            status >> kilobytes;
-            return kilobytes;
-        }
-    }
-    return -1;
-}
-
 /// Whether the process has that many descriptors, now or soon: it learns from its sockets that a
 /// client has gone, at its own pace. The calls meanwhile give it the processor.
-::testing::AssertionResult settlesAt(IAllocator& allocator, const std::string& process,
-                                     ptrdiff_t descriptors) {
+::testing::AssertionResult settlesAt(IAllocator& allocator, pid_t process, size_t descriptors) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (openDescriptors(process) != descriptors) {
+    while (descriptorsOf(process) != descriptors) {
         if (std::chrono::steady_clock::now() > limit || !allocator.ping().isOk()) {
             return ::testing::AssertionFailure()
-                   << openDescriptors(process) << " descriptors instead of " << descriptors;
+                   << descriptorsOf(process) << " descriptors instead of " << descriptors;
         }
     }
     return ::testing::AssertionSuccess();
@@ -74,24 +62,24 @@ TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
     const AllocatorProcess process;
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
-    const auto theirs = openDescriptors(process.pid());
+    const auto theirs = descriptorsOf(process.pid());
     for (int i = 0; i < 50; ++i) {
         useOneBlock(process, kSize);
     }
-    const auto ours = openDescriptors("self");
-    const long ourMemory = residentKilobytes("self");
-    const long theirMemory = residentKilobytes(process.pid());
+    const auto ours = descriptorsOf(getpid());
+    const size_t ourMemory = residentOf(getpid());
+    const size_t theirMemory = residentOf(process.pid());
     for (int i = 0; i < 1000; ++i) {
         useOneBlock(process, kSize);
     }
-    EXPECT_EQ(openDescriptors("self"), ours);
+    EXPECT_EQ(descriptorsOf(getpid()), ours);
     EXPECT_TRUE(settlesAt(*allocator, process.pid(), theirs));
     // Blocks that stayed mapped would be 250 MiB; the address sanitizer keeps some of what is
     // freed.
-    constexpr long kOurSlack = 65536;
-    EXPECT_LT(residentKilobytes("self"), ourMemory + kOurSlack);
-    constexpr long kTheirSlack = 2048;
-    EXPECT_LT(residentKilobytes(process.pid()), theirMemory + kTheirSlack);
+    constexpr size_t kOurSlack = 64 << 20;
+    EXPECT_LT(residentOf(getpid()), ourMemory + kOurSlack);
+    constexpr size_t kTheirSlack = 2 << 20;
+    EXPECT_LT(residentOf(process.pid()), theirMemory + kTheirSlack);
 }
 
 TEST(AllocatorService, AnswersManyThreadsAtOnce) {
@@ -163,11 +151,11 @@ TEST(AllocatorService, SurvivesWhenDescriptorsRunOut) {
     AllocatorProcess process({"prlimit", "--nofile=40"});
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
-    const auto before = openDescriptors(process.pid());
+    const auto before = descriptorsOf(process.pid());
     EXPECT_FALSE(batchAllocate(*allocator, 4096, 100).has_value());
     EXPECT_TRUE(process.process().waitForErr(
             "refused 100 block(s) of 4096 bytes: Too many open files"));
-    EXPECT_EQ(openDescriptors(process.pid()), before);
+    EXPECT_EQ(descriptorsOf(process.pid()), before);
     EXPECT_TRUE(batchAllocate(*allocator, 4096, 20).has_value());
     EXPECT_TRUE(settlesAt(*allocator, process.pid(), before));
 }
@@ -201,8 +189,8 @@ TEST(AllocatorService, FailsTheCallWhenItIsKilledDuringIt) {
     // Once all its threads stand still, the call cannot be answered any more.
     process.process().kill(SIGSTOP);
     siginfo_t stopped{};
-    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(process.process().pid()), &stopped, WSTOPPED), 0);
-    std::thread killer([&] { ::kill(process.process().pid(), SIGKILL); });
+    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(process.pid()), &stopped, WSTOPPED), 0);
+    std::thread killer([&] { ::kill(process.pid(), SIGKILL); });
     bool answered = false;
     const auto call = allocator->allocate(4096, [&](bool, const hidl_memory&) { answered = true; });
     killer.join();

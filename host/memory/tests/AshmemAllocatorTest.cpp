@@ -17,6 +17,7 @@
 #include "host/memory/SharedBlock.h"
 #include "host/memory/tests/Allocations.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/ProcessUsage.h"
 
 namespace mlk::host {
 namespace {
@@ -107,7 +108,7 @@ void limitFiles(rlim_t bytes) {
 
 TEST(AshmemAllocator, RefusesWhatIsBeyondItsLimits) {
     limitFiles(AshmemAllocator::kMaxBytes);
-    const auto before = openDescriptors("self");
+    const auto before = ::mlk::testing::descriptorsOf(getpid());
     for (const Refusal& refusal : kRefusals) {
         const LogCapture log;
         const sp<AshmemAllocator> allocator = new AshmemAllocator;
@@ -131,12 +132,12 @@ TEST(AshmemAllocator, RefusesWhatIsBeyondItsLimits) {
         EXPECT_EQ(errors(log), std::vector<std::string>(static_cast<size_t>(answers), line));
         EXPECT_EQ(answers, refusal.count == 1 ? 2 : 1);
     }
-    EXPECT_EQ(openDescriptors("self"), before);
+    EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before);
 }
 
 TEST(AshmemAllocator, RefusesWhatTheSystemDoesNotGive) {
     limitFiles(8191);
-    const auto before = openDescriptors("self");
+    const auto before = ::mlk::testing::descriptorsOf(getpid());
     const LogCapture log;
     const sp<AshmemAllocator> allocator = new AshmemAllocator;
     EXPECT_FALSE(allocate(*allocator, 8192));
@@ -144,7 +145,7 @@ TEST(AshmemAllocator, RefusesWhatTheSystemDoesNotGive) {
     EXPECT_TRUE(allocate(*allocator, 8191));
     EXPECT_THAT(errors(log), ElementsAre("refused 1 block(s) of 8192 bytes: File too large",
                                          "refused 3 block(s) of 8192 bytes: File too large"));
-    EXPECT_EQ(openDescriptors("self"), before);
+    EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before);
 }
 
 TEST(AshmemAllocator, LeavesHalfOfTheSystemsMemory) {
@@ -186,14 +187,14 @@ TEST(AshmemAllocator, GivesAnEmptyBatchWhenNoneIsWanted) {
 
 TEST(AshmemAllocator, KeepsNoDescriptorOnceItHasAnswered) {
     const sp<AshmemAllocator> allocator = new AshmemAllocator;
-    const auto before = openDescriptors("self");
+    const auto before = ::mlk::testing::descriptorsOf(getpid());
     allocator->allocate(4096, [&](bool, const hidl_memory&) {
-        EXPECT_EQ(openDescriptors("self"), before + 1);
+        EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before + 1);
     });
     allocator->batchAllocate(4096, 100, [&](bool, const auto&) {
-        EXPECT_EQ(openDescriptors("self"), before + 100);
+        EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before + 100);
     });
-    EXPECT_EQ(openDescriptors("self"), before);
+    EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before);
 }
 
 TEST(SharedBlock, RefusesASizeThatNoFileHas) {

@@ -16,6 +16,7 @@
 #include "host/memory/SharedBlock.h"
 #include "host/memory/tests/Allocations.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/ProcessUsage.h"
 #include "host/testing/TempDir.h"
 
 namespace mlk::host {
@@ -111,10 +112,10 @@ TEST(MapMemory, MapsWhatItSaysOfALargerBlock) {
 }
 
 TEST(MapMemory, HoldsNoDescriptor) {
-    const auto before = openDescriptors("self");
+    const auto before = ::mlk::testing::descriptorsOf(getpid());
     const sp<IMemory> mapped = mapMemory(memoryOf(createSharedBlock(100), 100));
     ASSERT_NE(mapped, nullptr);
-    EXPECT_EQ(openDescriptors("self"), before);
+    EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before);
 }
 
 TEST(MapMemory, TakesAnnouncementsOfRangesInTheBlock) {

@@ -1,0 +1,78 @@
+#include "host/testing/ProcessUsage.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+#include "host/testing/Sanitizers.h"
+
+namespace mlk::testing {
+
+namespace {
+
+std::string fileOf(pid_t process, const char* name) {
+    return "/proc/" + std::to_string(process) + "/" + name;
+}
+
+size_t entriesOf(const std::string& folder) {
+    using Directory = std::filesystem::directory_iterator;
+    return static_cast<size_t>(std::distance(Directory(folder), Directory()));
+}
+
+size_t statusBytes(pid_t process, const std::string& field) {
+    std::ifstream status(fileOf(process, "status"));
+    std::string word;
+    size_t kilobytes = 0;
+    while (status >> word) {
+        if (word == field) {
+            status >> kilobytes;
+            break;
+        }
+    }
+    return kilobytes * 1024;
+}
+
+}  // namespace
+
+size_t descriptorsOf(pid_t process) {
+    // One's own listing holds the descriptor that it is read with.
+    return entriesOf(fileOf(process, "fd")) - (process == getpid() ? 1 : 0);
+}
+
+size_t threadsOf(pid_t process) {
+    const size_t count = entriesOf(fileOf(process, "task"));
+    return kThreadSanitizer && count > 1 ? count - 1 : count;
+}
+
+size_t residentOf(pid_t process) {
+    return statusBytes(process, "VmRSS:");
+}
+
+size_t peakOf(pid_t process) {
+    return statusBytes(process, "VmHWM:");
+}
+
+void forgetPeakOf(pid_t process) {
+    constexpr const char* kPeak = "5";
+    std::ofstream(fileOf(process, "clear_refs")) << kPeak;
+}
+
+std::chrono::milliseconds timeOf(pid_t process) {
+    std::ifstream file(fileOf(process, "stat"));
+    std::string text;
+    (void)std::getline(file, text);
+    // Behind the program's name, which may hold anything, come the numbers; two of them are it.
+    std::istringstream numbers(text.substr(text.rfind(')') + 2));
+    std::string skipped;
+    for (int i = 0; i < 11; ++i) numbers >> skipped;
+    long user = 0;
+    long system = 0;
+    numbers >> user >> system;
+    return std::chrono::milliseconds((user + system) * 1000 / sysconf(_SC_CLK_TCK));
+}
+
+}  // namespace mlk::testing
