@@ -8,13 +8,13 @@
 
 #include <array>
 #include <chrono>
-#include <filesystem>
 #include <future>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/testing/HostSet.h"
+#include "host/testing/ProcessUsage.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"
 
@@ -24,20 +24,11 @@ namespace {
 using ::android::base::unique_fd;
 using ::android::hardware::hidl_handle;
 using ::mlk::testing::HostSet;
+using ::mlk::testing::threadsOf;
 
-namespace fs = std::filesystem;
 using std::chrono::steady_clock;
 
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define MLK_THREAD_SANITIZER 1
-#endif
-#endif
-#ifdef MLK_THREAD_SANITIZER
-constexpr size_t kThreads = 10 + 1;  // the sanitizer has one of its own
-#else
 constexpr size_t kThreads = 10;
-#endif
 
 /// A call that lasts until it is released: a dump into a pipe that is full.
 class SlowCall {
@@ -71,11 +62,6 @@ class SlowCall {
     unique_fd mWrite;
     std::future<bool> mDone;
 };
-
-size_t threadsOf(pid_t process) {
-    const fs::directory_iterator tasks("/proc/" + std::to_string(process) + "/task");
-    return static_cast<size_t>(std::distance(tasks, fs::directory_iterator()));
-}
 
 TEST(Pool, HasTenThreadsAndMoreCallsWaitForThem) {
     const HostSet set;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <android/hidl/memory/1.0/IMemory.h>
 #include <hidl/HidlSupport.h>
 
 #include <cstddef>
@@ -7,21 +8,18 @@
 
 namespace mlk::ctl {
 
-/// A memory block of an answer, mapped for reading while the object lives. The block may be empty:
-/// then it has no bytes. Throws Failure NO_ANSWER when it cannot be mapped, or is smaller than it
-/// says: reading beyond the end of a block would kill the reader.
+/// A memory block of an answer, mapped while the object lives. The block may be empty: then it has
+/// no bytes. Throws Failure NO_ANSWER when the platform does not map it; its log says why.
 class SharedMemory {
   public:
     explicit SharedMemory(const ::android::hardware::hidl_memory& memory);
-    ~SharedMemory();
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
 
     const uint8_t* data() const { return mData; }
     size_t size() const { return mSize; }
 
   private:
-    uint8_t* mData = nullptr;
+    ::android::sp<::android::hidl::memory::V1_0::IMemory> mMapped;
+    const uint8_t* mData = nullptr;
     size_t mSize = 0;
 };
 

@@ -196,7 +196,9 @@ TEST(CallTest, MemoryThatCannotBeReadIsNoAnswer) {
     const Outcome outcome =
             runMlkctl({"call", "IMlkProjectConfigs", "getVendorPartitionFile", "/x"}, script);
     EXPECT_EQ(outcome.status, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("getVendorPartitionFile: the answer is shared memory of 1"));
+    EXPECT_THAT(outcome.err,
+                HasSubstr("getVendorPartitionFile: the answer's shared memory of 100000 "
+                          "bytes cannot be mapped"));
 }
 
 TEST(CallTest, AnInterfacesHelpListsItsMethods) {

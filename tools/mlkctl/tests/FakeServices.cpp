@@ -1,6 +1,7 @@
 #include "tools/mlkctl/tests/FakeServices.h"
 
 #include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -299,10 +300,12 @@ hidl_memory answerFrom(Script& script, const char*, hidl_memory*) {
     if (script.memory.empty()) return {};
     const std::lock_guard<std::mutex> lock(script.mutex);
     if (script.memoryFile < 0) {
-        script.memoryFile = memfd_create("answer", MFD_CLOEXEC);
+        script.memoryFile = memfd_create("answer", MFD_CLOEXEC | MFD_ALLOW_SEALING);
         const ssize_t written =
                 write(script.memoryFile, script.memory.data(), script.memory.size());
-        if (written != static_cast<ssize_t>(script.memory.size())) return {};
+        if (written != static_cast<ssize_t>(script.memory.size()) ||
+            fcntl(script.memoryFile, F_ADD_SEALS, F_SEAL_SHRINK) != 0)
+            return {};
     }
     native_handle_t* handle = native_handle_create(1, 0);
     handle->data[0] = script.memoryFile;
