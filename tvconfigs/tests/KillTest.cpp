@@ -180,9 +180,14 @@ TEST(KillTest, OfAHugeFileLeavesAMixture) {
     }
 }
 
+// What the writing avoids, and that this test would see it.
 TEST(KillTest, HadTheFileBeenEmptiedFirst) {
-    tell("a file of 1 KiB, emptied and written", kUsual[0], killSome(kRounds, kUsual[0], true));
-    tell("a file of 80 KiB, emptied and written", kHuge[0], killSome(kRounds, kHuge[0], true));
+    const Found usual = killSome(kRounds, kUsual[0], true);
+    tell("a file of 1 KiB, emptied and written", kUsual[0], usual);
+    EXPECT_GT(usual.empty, 0);
+    const Found huge = killSome(kRounds, kHuge[0], true);
+    tell("a file of 80 KiB, emptied and written", kHuge[0], huge);
+    EXPECT_GT(huge.damaged, 0);
 }
 
 }  // namespace
