@@ -196,14 +196,25 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     Return<void> getCustomerDdcciConfigString(const ProjectConfigKey& key,
                                               getCustomerDdcciConfigString_cb _hidl_cb) override;
 
-    // Countries, languages, frequencies and TV systems (MlkProjectConfigsRegional.cpp).
+    // Countries, languages, frequencies and TV systems (MlkProjectConfigsRegional.cpp). A list
+    // whose file is not named or cannot be read is empty.
 
+    /** Numbers of the countries that the set offers; see CountryListParser. */
     Return<void> getCountryList(getCountryList_cb _hidl_cb) override;
+    /** Numbers of the countries that the live-TV launcher starts in. */
     Return<void> getCLTVCountryList(getCLTVCountryList_cb _hidl_cb) override;
     Return<void> getLanguageList(getLanguageList_cb _hidl_cb) override;
+    /** The channels of a country's plan; see FreqTableParser. The cable type counts for cable. */
     Return<void> getFreqTableList(int32_t country, FreqTableType type, AtscCableType cableType,
                                   getFreqTableList_cb _hidl_cb) override;
+    /** True when the project names a TV system file. */
     Return<void> isSupportTvSysReload(isSupportTvSysReload_cb _hidl_cb) override;
+    /**
+     * Puts what belongs to the country into the store, and saves the country for the next start;
+     * the value tells whether it was saved. -1 puts in what belongs to the saved country, and is
+     * not saved. Takes turns with changes of the project (mProjectChange): another one later
+     * takes the country's items out again, until the next start.
+     */
     Return<void> setCountryId(int32_t country, setCountryId_cb _hidl_cb) override;
 
     /**
@@ -258,7 +269,7 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     int32_t audioDelay(const ConfigKey& key, bool isArc) const;
     std::string customerDdcciConfig(const ProjectConfigKey& key) const;
 
-    /** Puts what belongs to a country into the store; -1 is the country that was chosen last. */
+    /** Puts what belongs to a country into the store; -1 is the saved country. */
     void InitTvSysMapInfo(int32_t country);
 
     /** Answers with an item of the table; with nothing where a selector is out of range. */

@@ -27,7 +27,8 @@ TEST_F(StartUpTest, ReadsTheSetAndLogsWhereItComesFrom) {
                         "\tProject max index=2", "\tSys ini file=" + mSet.tvconfigs() + "/sys.ini",
                         "\tProject ini file=" + mSet.tvconfigs() + "/model/A.ini",
                         "\tBoard ini file=" + mSet.tvconfigs() + "/board.ini",
-                        "\tProject total item=2", "[DDCCI] customerDdcciConfigPath = "));
+                        "\tProject total item=2", "[DDCCI] customerDdcciConfigPath = ",
+                        "[InitTvSysMapInfo:875] tvSysMapCfgIni="));
     EXPECT_THAT(logged(ANDROID_LOG_ERROR),
                 ElementsAre("Can't get audio config path!", "Can't get audio config IC path!",
                             "Can't get audio config AVR path!", "Can't get karaoke config path!",
@@ -59,7 +60,8 @@ TEST_F(StartUpTest, EmptySetStillStarts) {
                             "mProjectMaxIdx:0", "ProjectConfigs:", "\tCustomer ID=",
                             "\tProject ID=0", "\tProject max index=0", "\tSys ini file=",
                             "\tProject ini file=", "\tBoard ini file=", "\tProject total item=0",
-                            "[DDCCI] customerDdcciConfigPath = "));
+                            "[DDCCI] customerDdcciConfigPath = ",
+                            "[InitTvSysMapInfo:875] tvSysMapCfgIni="));
     EXPECT_EQ(panel(), "");
     EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectId)), "0");
     EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), "0");
@@ -129,7 +131,7 @@ TEST_F(StartUpTest, AnswersAsWithoutAuxiliaryAndRegionalFiles) {
                       ->size(),
               0U);
     EXPECT_EQ(flag(asked(&IMlkProjectConfigs::isSupportTvSysReload)), "false");
-    EXPECT_EQ(flag(asked(&IMlkProjectConfigs::setCountryId, 14)), "false");
+    EXPECT_EQ(flag(asked(&IMlkProjectConfigs::setCountryId, 14)), "true");
 }
 
 }  // namespace
