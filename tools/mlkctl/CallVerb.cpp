@@ -21,6 +21,7 @@ never an option: -3 and --foo are values, and so is an empty word.
   number        decimal, or hexadecimal with 0x: 21, -3, 0x1f
   true, false   a switch
   enumerator    its name, or any number of 32 bits: HBBTV, 19, 0x13, -1
+  country       its name as the country lists have it, or its number: GERMANY, 14
   text          its bytes as they are. \udc80 to \udcff (six characters) stand for the bytes 80 to
                 ff, as answers print what is not UTF-8; no other character is special. (A text that
                 has such six characters of its own can be given in a batch: "\\udc80".)
@@ -51,6 +52,7 @@ Examples:
   mlkctl call IMlkProjectConfigs getPanelName
   mlkctl call IMlkProjectConfigs getConfig '[LiveTV]' TvConfig
   mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0
+  mlkctl call IMlkProjectConfigs getFreqTableList USA DTV_CABLE HRC
   mlkctl call --raw IMlkProjectConfigs getTvFile /tvconfigs/customer.ini
 )";
 

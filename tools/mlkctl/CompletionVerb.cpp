@@ -13,9 +13,9 @@ constexpr const char* kHelp = R"(mlkctl completion - completion for a shell
 Usage: mlkctl completion bash
 
 Prints a script that teaches the shell to complete mlkctl's commands and options, interfaces, the
-methods of the interface that stands in front, enumerators, true and false, files where a path is
-wanted, and the keys of properties. It holds all names itself: only for the keys of properties is
-mlkctl started, and the service is never asked.
+methods of the interface that stands in front, enumerators, countries, true and false, files where
+a path is wanted, and the keys of properties. It holds all names itself: only for the keys of
+properties is mlkctl started, and the service is never asked.
 
 Options:
   -h, --help  this text

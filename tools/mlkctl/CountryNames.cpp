@@ -1,10 +1,23 @@
 #include "tools/mlkctl/CountryNames.h"
 
+#include "regional/CountryTable.h"
+
 namespace mlk::ctl {
 
+namespace {
+
+NumberNames makeNames() {
+    using namespace ::vendor::morlak::mlkconfigs::V1_0::implementation;  // the countries' names
+    NumberNames names{"a country's name", {}};
+    for (size_t position = 0; position < kCountryNames.size(); ++position)
+        names.rows.emplace_back(kCountryNames[position], countryAt(position));
+    return names;
+}
+
+}  // namespace
+
 const NumberNames& countryNames() {
-    // Rows that stand here are taken as arguments, suggested and completed everywhere.
-    static const NumberNames names = {"a country's name", {}};
+    static const NumberNames names = makeNames();
     return names;
 }
 

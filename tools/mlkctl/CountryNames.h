@@ -4,7 +4,7 @@
 
 namespace mlk::ctl {
 
-/// The names that a country's number may be given by; none so far.
+/// The names that a country's number may be given by: those that the service's files use.
 const NumberNames& countryNames();
 
 /// The parameter "country" of the methods that have one: a country's number or its name.

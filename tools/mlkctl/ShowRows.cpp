@@ -4,7 +4,8 @@
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 #include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
-#include <optional>
+#include "tools/mlkctl/Ask.h"
+#include "tools/mlkctl/CountryRows.h"
 
 namespace mlk::ctl {
 
@@ -48,13 +49,8 @@ const Interface& tableOf(Type<IMlkFrameworkConfigs>) {
 /// What a method answers to these arguments.
 template <typename I, typename... Params, typename... Arguments>
 ShowQuestion answer(Return<void> (I::*pointer)(Params...), Arguments... arguments) {
-    return {&tableOf(Type<I>()), [=](IBase& object) {
-                std::optional<ShowValue> value;
-                const auto outcome = (static_cast<I&>(object).*pointer)(
-                        arguments..., [&](const auto& given) { value = valueOf(given); });
-                checkOutcome(outcome, value.has_value());
-                return *value;
-            }};
+    return {&tableOf(Type<I>()),
+            [=](IBase& object) { return valueOf(ask(object, pointer, arguments...)); }};
 }
 
 /// The features that are switched on, or off, by their names.
@@ -111,6 +107,13 @@ std::vector<ShowRow> makeRows() {
             {"Reception", "HbbTV", "hbbtv", answer(&P::getHBBTVEnabled)},
             {"Reception", "Features on", "featuresOn", features(true)},
             {"Reception", "Features off", "featuresOff", features(false)},
+
+            {"Country", "Name", "name", countryName()},
+            {"Country", "Number", "number", countryNumber()},
+            {"Country", "TV system", "tvSystem", countryTvSystem()},
+            {"Country", "TV configuration", "tvConfiguration",
+             answer(&P::getConfig, V1_0::ProjectConfigKey{"[LiveTV]", "TvConfig"})},
+            {"Country", "Channels", "channels", countryChannels()},
 
             {"Power", "Mode at power-on", "powerOnMode", answer(&P::getPowerOnMode)},
             {"Power", "Logo", "logo", answer(&P::getPowerLogoPath)},

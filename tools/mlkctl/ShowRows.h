@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -15,7 +16,11 @@ struct NoValue {
     std::string why;
 };
 
-using ShowValue = std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>>;
+/// How many there are of what, in the order to be shown.
+using Counts = std::vector<std::pair<std::string, int32_t>>;
+
+using ShowValue =
+        std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>, Counts>;
 
 /// How a fact is asked for.
 struct ShowQuestion {

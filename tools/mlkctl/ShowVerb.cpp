@@ -18,8 +18,12 @@ constexpr const char* kHelp = R"(mlkctl show - what this set is
 Usage: mlkctl show [--json]
 
 Shows, for a person to read, what the service makes of the partitions: which project is selected
-and which there are, panel, sound, inputs and tuners, power, remote control, and where the
-partitions are. Any single value is had with mlkctl call.
+and which there are, panel, sound, inputs and tuners, the country and what it decides, power, remote
+control, and where the partitions are. Any single value is had with mlkctl call.
+
+The country is the saved one, with its TV system, its TV configuration file and the number of
+channels in each of its plans. The features are those of the file that the service has started on:
+after a change of the country they follow at the next start.
 
 Options:
   --json      one JSON object of objects instead of the table
@@ -27,7 +31,8 @@ Options:
 
 Output:
   Lines under headings. "-" stands for an empty value. Where there is none, the reason stands in
-  brackets: (refused) by the service, (no answer) to this call, (not reachable).
+  brackets: (refused) by the service, (no answer) to this call, (not reachable); no country
+  (none saved), one without a name (unknown), its maps (not readable).
 
   With --json, one line: {"project":{"name":"...","index":1,...},"picture":{...},...}, where null
   stands for a value that there is not.
@@ -86,6 +91,12 @@ std::vector<std::string> linesOf(const ShowValue& value) {
                                      for (const std::string& text : list)
                                          lines.push_back(shown(text));
                                      return list.empty() ? Lines{"-"} : lines;
+                                 },
+                                 [](const Counts& counts) {
+                                     Lines lines;
+                                     for (const auto& [what, count] : counts)
+                                         lines.push_back(what + ": " + std::to_string(count));
+                                     return counts.empty() ? Lines{"-"} : lines;
                                  }},
                       value);
 }
@@ -100,6 +111,13 @@ std::string jsonOf(const ShowValue& value) {
                                      for (const std::string& text : list)
                                          array += (array.empty() ? "" : ",") + jsonString(text);
                                      return '[' + array + ']';
+                                 },
+                                 [](const Counts& counts) {
+                                     std::string object;
+                                     for (const auto& [what, count] : counts)
+                                         object += (object.empty() ? "" : ",") + jsonString(what) +
+                                                   ':' + std::to_string(count);
+                                     return '{' + object + '}';
                                  }},
                       value);
 }

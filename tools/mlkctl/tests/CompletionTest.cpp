@@ -79,6 +79,9 @@ TEST(CompletionTest, CompletesArguments) {
     EXPECT_THAT(
             completions({"call", "IMlkProjectConfigs", "getFreqTableList", "1", "ATV_CABLE", "H"}),
             ElementsAre("HRC"));
+    EXPECT_THAT(completions({"call", "IMlkProjectConfigs", "getFreqTableList", "UNITED"}),
+                ElementsAre("UNITED_ARAB_EMIRATES", "UNITED_KINGDOM"));
+    EXPECT_THAT(completions({"call", "IMlkProjectConfigs", "setCountryId", ""}), SizeIs(186));
     EXPECT_THAT(completions({"call", "IMlkTvConfigs", "getFlag", "HDMI", ""}), IsEmpty());
 }
 

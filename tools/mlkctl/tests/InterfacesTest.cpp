@@ -172,6 +172,12 @@ TEST(InterfacesTest, CountriesTakeTheNamesThatThereAre) {
         EXPECT_EQ(country.names.rows, countryNames().rows);
         EXPECT_STREQ(country.names.what, "a country's name");
     }
+    EXPECT_EQ(countryNames().rows.size(), 186U);
+    using Row = std::pair<std::string, int64_t>;
+    EXPECT_THAT(countryNames().rows,
+                testing::IsSupersetOf({Row{"DEFAULT", -1}, Row{"ANDORRA", 0}, Row{"GERMANY", 14},
+                                       Row{"USA", 44}, Row{"SAMOA", 160}, Row{"MALI", 162},
+                                       Row{"PAPUA_NEW_GUINEA", 185}}));
 }
 
 }  // namespace

@@ -132,8 +132,8 @@ TEST(ShowTest, AsksForTheRightThings) {
           R"("region":"getRegionName","projectFiles":["one","two"]},"picture":{)",
           R"("panel":"getPanelName","pictureQuality":"getPQPath",)",
           R"("tunerType":"getTunerType","tuner0":"getTunerConfig","tuner1":"getTunerConfig",)",
-          R"("inputs":"getInputSource",)",
-          R"("featuresOff":[]},"power":{"powerOnMode":42,"logo":"getPowerLogoPath",)",
+          R"("inputs":"getInputSource",)", R"("featuresOff":[]},"country":{)",
+          R"("power":{"powerOnMode":42,"logo":"getPowerLogoPath",)",
           R"("suspendToRam":true,"suspendForced":true,"wakeOnWireless":true},)",
           R"("partitions":{"tvconfigs":"getTvconfigsPath","tvdata":"getTvdataPath",)"
           R"("impdata":"getImpdataPath"}})"}) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <utility>
+
+#include "tools/mlkctl/Method.h"
+
+namespace mlk::ctl {
+
+/// What a method of the object, which implements its interface, answers to these arguments. Throws
+/// Failure as BoundCall does.
+template <typename I, typename... Params, typename... Arguments>
+auto ask(IBase& object, Return<void> (I::*pointer)(Params...), const Arguments&... arguments) {
+    using Callback = std::tuple_element_t<sizeof...(Arguments), std::tuple<Params...>>;
+    std::optional<typename details::AnswerOf<std::decay_t<Callback>>::Type> answer;
+    const auto outcome = (static_cast<I&>(object).*pointer)(
+            arguments..., [&](const auto& given) { answer = given; });
+    checkOutcome(outcome, answer.has_value());
+    return std::move(*answer);
+}
+
+}  // namespace mlk::ctl
