@@ -179,6 +179,9 @@ TEST_F(SampleMapsTest, ANewSetStartsInTheCountryOfItsModel) {
             const auto items = modelItems(model);
             EXPECT_EQ(TvSysMapCfgHolder::getCountryName(holder.currentCountry()),
                       items.at("[COUNTRY] COUNTRY_DEFAULT"));
+            EXPECT_EQ(items.at("[COUNTRY] tvSysMap"),
+                      "\"/tvconfigs/tvsysmap/tvsys_" + std::string(region.name) + ".xml\"");
+            EXPECT_EQ(items.at("[FREQTABLE] FREQ_TABLE_PATH"), "\"/tvconfigs/freqtables\"");
             const std::string own = items.at("[LiveTV] TvConfig");
             EXPECT_EQ("\"" + holder.getTvConfigName(holder.currentCountry()) + "\"", own)
                     << "a set that has no country yet uses the same file";
@@ -243,9 +246,7 @@ TEST_F(SampleMapsTest, TheSystemsOfARegionHaveTheSameItemsAndTheModelsKnowThem) 
         for (const std::string& model : region.models) {
             const auto items = modelItems(model);
             for (const std::string& key : *keys.begin()) {
-                // The system's name is for whoever asks; a model need not offer it.
-                EXPECT_TRUE(items.count(key) == 1 || key == "[COUNTRY] TV_SYSTEM")
-                        << model << " " << key;
+                EXPECT_EQ(items.count(key), 1U) << model << " " << key;
             }
         }
     }

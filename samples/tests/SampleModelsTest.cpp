@@ -37,8 +37,7 @@ struct Item {
     const char* key;
 };
 
-// What the service asks the project store for besides the getters' own table. The TV system map and
-// the frequency tables are left out: the sample has none.
+// What the service asks the project store for besides the getters' own table.
 constexpr Item kReadBesidesGetters[] = {
         {"[LiveTV]", "TvConfig"},
         {"[LiveTV]", "LaunchCLTVByCountry"},
@@ -49,7 +48,9 @@ constexpr Item kReadBesidesGetters[] = {
         {"[KEY]", "KEY_CONFIG_PATH"},
         {"[DDCCI]", "CUSTOMER_DDCCI_PATH"},
         {"[COUNTRY]", "COUNTRY_PATH"},
+        {"[COUNTRY]", "tvSysMap"},
         {"[TV_LANGUAGE]", "LANGUAGE_PATH"},
+        {"[FREQTABLE]", "FREQ_TABLE_PATH"},
 };
 
 // Distinct values of one item over all models.
@@ -217,7 +218,9 @@ TEST_P(SampleModel, NamesOnlyFilesThatAreThere) {
         for (const std::string partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
             if (value.rfind(mSample.path(partition), 0) == 0) {
                 partitions.insert(partition);
-                EXPECT_TRUE(std::filesystem::is_regular_file(value))
+                const bool isFolder = key.key == "FREQ_TABLE_PATH";
+                EXPECT_TRUE(isFolder ? std::filesystem::is_directory(value)
+                                     : std::filesystem::is_regular_file(value))
                         << key.category << " " << key.key << ": " << value;
             }
             EXPECT_THAT(value, Not(StartsWith(partition))) << key.category << " " << key.key;
