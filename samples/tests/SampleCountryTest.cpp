@@ -1,21 +1,14 @@
 // What a country decides, seen by clients of the service that runs on the sample.
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 
-#include "host/testing/HostSet.h"
-#include "host/testing/Process.h"
-#include "samples/tests/SampleSet.h"
+#include "samples/tests/ServedSample.h"
 
 namespace mlk::samples {
 namespace {
 
-using mlk::testing::binDir;
-using mlk::testing::HostSet;
-using mlk::testing::Process;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -24,31 +17,12 @@ using Words = std::vector<std::string>;
 constexpr const char* kTrue = "{\"success\":true,\"value\":true}\n";
 constexpr const char* kFalse = "{\"success\":true,\"value\":false}\n";
 
-class SampleCountryTest : public ::testing::Test {
+class SampleCountryTest : public ServedSample {
   protected:
-    SampleCountryTest() { mSet.copyFrom((samplesFolder() / "partitions").string()); }
-
-    // Starts the service, in place of the one that runs.
-    void start() {
-        mService.reset();
-        mService =
-                std::make_unique<Process>(Words{binDir() + "/vendor.morlak.mlconfigs@1.0-service"});
-        ASSERT_EQ(mlkctl({"wait", "--timeout", "60"}), "");
+    static std::string project(Words words) {
+        words.insert(words.begin(), "IMlkProjectConfigs");
+        return call(std::move(words));
     }
-
-    // What mlkctl prints.
-    static std::string mlkctl(Words words) {
-        words.insert(words.begin(), binDir() + "/mlkctl");
-        Process process(words);
-        EXPECT_EQ(process.wait(), 0) << process.err();
-        EXPECT_EQ(process.err(), "");
-        return process.out();
-    }
-    static std::string call(const std::string& interface, Words words) {
-        words.insert(words.begin(), {"call", interface});
-        return mlkctl(words);
-    }
-    static std::string project(const Words& words) { return call("IMlkProjectConfigs", words); }
     static std::string item(const std::string& category, const std::string& key) {
         return project({"getConfig", category, key});
     }
@@ -57,7 +31,7 @@ class SampleCountryTest : public ::testing::Test {
         return "{\"success\":true,\"value\":\"" + value + "\"}\n";
     }
     static std::string feature(const std::string& name) {
-        return call("IMlkTvConfigs", {"getFlag", name});
+        return call({"IMlkTvConfigs", "getFlag", name});
     }
     // How many channels a plan of the sample has: the lines that are no remarks.
     static size_t channelsOf(const std::string& plan) {
@@ -74,13 +48,9 @@ class SampleCountryTest : public ::testing::Test {
         }
         return count;
     }
-
-    HostSet mSet;
-    std::unique_ptr<Process> mService;
 };
 
 TEST_F(SampleCountryTest, PlansArePrintedByTheCountrysName) {
-    start();
     const std::string cable = project({"getFreqTableList", "USA", "DTV_CABLE", "HRC"});
     EXPECT_THAT(cable, StartsWith("[{\"channel\":1,\"frequency\":73754,\"bandwidth\":6000000,"
                                   "\"label\":\"H1\",\"modulation\":5},{\"channel\":2,"));
@@ -101,7 +71,6 @@ TEST_F(SampleCountryTest, PlansArePrintedByTheCountrysName) {
 }
 
 TEST_F(SampleCountryTest, ANewSetStandsInItsMarketsLargestCountry) {
-    start();
     EXPECT_EQ(mSet.dir().read("tvdata/tvsysmap/country_id.bin"), "COUNTRY_ID=14\n");
     EXPECT_EQ(project({"isSupportTvSysReload"}), kTrue);
     EXPECT_EQ(item("[COUNTRY]", "TV_SYSTEM"), text("DVB_WEST"));
@@ -127,7 +96,6 @@ TEST_F(SampleCountryTest, ANewSetStandsInItsMarketsLargestCountry) {
 }
 
 TEST_F(SampleCountryTest, AnotherCountryHasItsFeaturesFromTheNextStartOn) {
-    start();
     EXPECT_EQ(feature("ATV"), kTrue);
     EXPECT_EQ(feature("MHEG5"), kFalse);
     EXPECT_EQ(project({"setCountryId", "UNITED_KINGDOM"}), kTrue);
@@ -147,7 +115,6 @@ TEST_F(SampleCountryTest, AnotherCountryHasItsFeaturesFromTheNextStartOn) {
 }
 
 TEST_F(SampleCountryTest, AModelWhoseMapLacksTheCountryHasItsOwnItems) {
-    start();
     EXPECT_EQ(project({"setProjectId", "4"}), kTrue);
     start();
     EXPECT_EQ(item("[LiveTV]", "TvConfig"), text(mSet.tvconfigs() + "/tv/tv_na.config"));

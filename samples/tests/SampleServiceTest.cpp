@@ -2,48 +2,22 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-
-#include "host/testing/Process.h"
-#include "samples/tests/SampleSet.h"
+#include "samples/tests/ServedSample.h"
 
 namespace mlk::samples {
 
 namespace {
 
 using mlk::testing::binDir;
-using mlk::testing::HostSet;
 using mlk::testing::Process;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
-class SampleServiceTest : public ::testing::Test {
+class SampleServiceTest : public ServedSample {
   protected:
-    SampleServiceTest() { mSet.copyFrom(samplesFolder() / "partitions"); }
-
-    void SetUp() override { start(); }
-    void start() {
-        mService = nullptr;
-        mService = std::make_unique<Process>(
-                std::vector<std::string>{binDir() + "/vendor.morlak.mlconfigs@1.0-service"});
-        ASSERT_EQ(Process({binDir() + "/mlkctl", "wait", "--timeout", "60"}).wait(), 0);
-    }
-    static std::string mlkctl(std::vector<std::string> words) {
-        words.insert(words.begin(), binDir() + "/mlkctl");
-        Process process(std::move(words));
-        EXPECT_EQ(process.wait(), 0) << process.err();
-        return process.out();
-    }
-    static std::string call(std::vector<std::string> words) {
-        words.insert(words.begin(), "call");
-        return mlkctl(std::move(words));
-    }
     static std::string delay(const std::string& avrName) {
         return call({"IMlkProjectConfigs", "getAudioDelay", "[ARC]", "HDMI_DELAY", avrName});
     }
-
-    HostSet mSet;
-    std::unique_ptr<Process> mService;
 };
 
 TEST_F(SampleServiceTest, CaptionStandardStaysOffUnderADisabledMaster) {

@@ -65,6 +65,11 @@ void change(IMlkProjectConfigs& project, IMlkTvConfigs& tv, const std::string& t
     EXPECT_TRUE(
             project.setAvrOSDName(round % 2 == 0 ? "Orlan900" : "Sundra7", success<OptionalBool>())
                     .isOk());
+    constexpr int32_t kGermany = 14;
+    constexpr int32_t kUnitedKingdom = 43;
+    EXPECT_TRUE(project.setCountryId(round % 2 == 0 ? kGermany : kUnitedKingdom,
+                                     success<OptionalBool>())
+                        .isOk());
     EXPECT_TRUE(tv.reloadTvConfig(tvConfig, success<OptionalBool>()).isOk());
     EXPECT_TRUE(tv.setFlag(static_cast<ConfigType>(round % 26), round % 2 == 0,
                            [](const OptionalBool&) {})
