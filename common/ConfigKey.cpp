@@ -1,11 +1,9 @@
 #include "common/ConfigKey.h"
 
-#include <utility>
-
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-ConfigKey::ConfigKey(std::string categoryText, std::string keyText)
-    : category(std::move(categoryText)), key(std::move(keyText)) {}
+ConfigKey::ConfigKey(std::string_view categoryText, std::string_view keyText)
+    : category(categoryText), key(keyText) {}
 
 bool ConfigKey::operator<(const ConfigKey& other) const {
     if (category == other.category) {

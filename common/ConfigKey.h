@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-#include <string>
 #include <string_view>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -9,17 +7,18 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * Names one configuration item: a section and a key in it.
  *
- * Its order fixes the order of every item map, dump and walk: categories decide before keys, and
- * texts compare by length first (see CompareStr). A plain value; safe to use from any thread.
+ * Its order fixes the order of every dump and walk: categories decide before keys, and texts
+ * compare by length first (see CompareStr). Refers to the texts of whoever asks: a store has copies
+ * of its own. A plain value; safe to use from any thread.
  */
 struct ConfigKey {
     /**
-     * Takes the two texts over.
+     * Refers to the two texts, which have to outlive it.
      *
      * @param categoryText  the section name as it stands in the file, brackets included: "[AUDIO]"
      * @param keyText       the item's key inside that section
      */
-    ConfigKey(std::string categoryText, std::string keyText);
+    ConfigKey(std::string_view categoryText, std::string_view keyText);
 
     /** Orders by category, then by key. Two keys are equal when neither is less than the other. */
     bool operator<(const ConfigKey& other) const;
@@ -32,11 +31,8 @@ struct ConfigKey {
      */
     static bool CompareStr(std::string_view a, std::string_view b);
 
-    std::string category;
-    std::string key;
+    std::string_view category;
+    std::string_view key;
 };
-
-/** Items in their order, each with its value. */
-using ConfigItems = std::map<ConfigKey, std::string>;
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

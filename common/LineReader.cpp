@@ -62,7 +62,9 @@ bool LineReader::next(std::string_view& line) {
         complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
         line = line.substr(0, mLimit);
     }
-    line = line.substr(0, line.find('\0'));
+    if (mHasNul) {
+        line = line.substr(0, line.find('\0'));
+    }
     return true;
 }
 
@@ -93,7 +95,11 @@ bool LineReader::fill() {
                             mPath.c_str(), mLineNumber,
                             std::generic_category().message(error).c_str());
     }
-    mEnd += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    // Files of text have none: not every line needs to be searched for one.
+    const std::string_view added(mBuffer.get() + mEnd,
+                                 static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    mHasNul = (mHasNul && mEnd > 0) || added.find('\0') != std::string_view::npos;
+    mEnd += added.size();
     return count > 0;
 }
 

@@ -75,6 +75,7 @@ class LineReader {
     size_t mCapacity = 0;
     size_t mBegin = 0;  // what is read and not handed out yet: mBuffer[mBegin, mEnd)
     size_t mEnd = 0;
+    bool mHasNul = false;  // somewhere in that
     bool mInLongLine = false;
     size_t mLineNumber = 0;
 };

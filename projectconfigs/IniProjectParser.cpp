@@ -52,7 +52,7 @@ std::string_view nextToken(std::string_view& line) {
 }
 
 // False when the line has no value.
-bool addNewItem(const std::string& category, std::string_view line, ConfigItems& items) {
+bool addNewItem(ItemStore::Section section, std::string_view line, ItemStore& items) {
     std::string key(nextToken(line));
     std::string value(nextToken(line));
     if (value.empty()) {
@@ -64,7 +64,7 @@ bool addNewItem(const std::string& category, std::string_view line, ConfigItems&
     eraseWithFollowers(value, '"');
     eraseWithFollowers(value, ';');
     eraseCarriageReturnChar(value);
-    items.try_emplace(ConfigKey(category, std::move(key)), std::move(value));
+    items.insert(section, key, value);
     return true;
 }
 
@@ -76,20 +76,20 @@ void IniProjectParser::update(const char* path) {
     }
     const std::lock_guard<std::mutex> lock(mMutex);
     mIniPath = path;
-    ConfigItems items = parse_ini(path);
+    ItemStore items = parse_ini(path);
     if (!items.empty()) {
         mIniMap.try_emplace(std::string(fileNameOf(mIniPath)), std::move(items));
     }
 }
 
-ConfigItems IniProjectParser::parse_ini(const char* path) {
-    ConfigItems items;
+ItemStore IniProjectParser::parse_ini(const char* path) {
+    ItemStore items;
     if (!pathExists(path)) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s don't exist.", path);
         return items;
     }
     LineReader reader(path, kBufferSize, kTag);
-    std::string category;
+    ItemStore::Section section = items.section("");
     std::string_view line;
     while (reader.next(line)) {
         switch (line.empty() ? '\0' : line.front()) {
@@ -99,10 +99,10 @@ ConfigItems IniProjectParser::parse_ini(const char* path) {
             case ';':
                 break;
             case '[':
-                category = categoryOf(line);
+                section = items.section(categoryOf(line));
                 break;
             default:
-                if (!addNewItem(category, line, items)) {
+                if (!addNewItem(section, line, items)) {
                     reader.complain("no value, line skipped");
                 }
         }
@@ -117,8 +117,9 @@ std::string IniProjectParser::getInfo(const char* fileName, const ConfigKey& key
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "can't find the %s audio config", fileName);
         return {};
     }
-    const auto item = file->second.find(key);
-    return item != file->second.end() ? item->second : std::string();
+    const ItemStore& items = file->second;
+    const ItemStore::Item item = items.find(key.category, key.key);
+    return item != ItemStore::kNone ? std::string(items.valueOf(item)) : std::string();
 }
 
 bool IniProjectParser::findItem(const char* fileName) const {
@@ -137,10 +138,7 @@ void IniProjectParser::dumpDetail() const {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tIniPath ID=%s", mIniPath.c_str());
     for (const auto& [fileName, items] : mIniMap) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tFile:%s", fileName.c_str());
-        for (const auto& [key, value] : items) {
-            __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
-                                key.key.c_str(), value.c_str());
-        }
+        items.log(kTag);
     }
 }
 
@@ -149,9 +147,7 @@ void IniProjectParser::dump(std::ostream& out) const {
     out << "  IniProjectParser deatil:" << std::endl;
     for (const auto& [fileName, items] : mIniMap) {
         out << "    File:" << fileName << std::endl;
-        for (const auto& [key, value] : items) {
-            out << "        " << key.category << ":" << key.key << "=" << value << std::endl;
-        }
+        items.write(out, "        ");
     }
 }
 

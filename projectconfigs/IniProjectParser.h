@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "common/ConfigKey.h"
+#include "common/ItemStore.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -50,9 +51,9 @@ class IniProjectParser {
     void dump(std::ostream& out) const;
 
   private:
-    static ConfigItems parse_ini(const char* path);
+    static ItemStore parse_ini(const char* path);
 
-    std::map<std::string, ConfigItems, std::less<>> mIniMap;
+    std::map<std::string, ItemStore, std::less<>> mIniMap;
     mutable std::mutex mMutex;
     std::string mIniPath;
 };

@@ -248,6 +248,9 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
 
     void InitPartitionPath();
     void DumpConfigInfo() const;
+    static ConfigKey nameOf(const ProjectConfigKey& key) {
+        return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
+    }
     hidl_string GetValue(const char* category, const char* key) const;
     bool SetProjectIdInternal(int32_t id);
     bool SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName, int32_t pid);
@@ -266,7 +269,7 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     bool trySetAvrText(Name& member, const char* label, const hidl_string& text);
     /** Names and loads the file of the AVR; false when its name or path does not fit. */
     bool updateAudioConfig();
-    int32_t audioDelay(const ConfigKey& key, bool isArc) const;
+    int32_t audioDelay(const ProjectConfigKey& key, bool isArc) const;
     std::string customerDdcciConfig(const ProjectConfigKey& key) const;
 
     /** Puts what belongs to a country into the store; -1 is the saved country. */

@@ -125,9 +125,10 @@ Return<void> MlkProjectConfigs::setAvrOSDName(const hidl_string& osdName,
     return {};
 }
 
-int32_t MlkProjectConfigs::audioDelay(const ConfigKey& key, bool isArc) const {
+int32_t MlkProjectConfigs::audioDelay(const ProjectConfigKey& key, bool isArc) const {
+    const ConfigKey name = nameOf(key);
     const auto lookUp = [&](const Name& fileName) {
-        return mAudioIniParser->getInfo(textOf(fileName).c_str(), key);
+        return mAudioIniParser->getInfo(textOf(fileName).c_str(), name);
     };
     const std::lock_guard<std::mutex> lock(gAudioMutex);
     const std::string panel = lookUp(mPanelName);
@@ -169,7 +170,7 @@ Return<void> MlkProjectConfigs::getAudioDelay(const ProjectConfigKey& key,
                                               const hidl_string& avrName,
                                               getAudioDelay_cb _hidl_cb) {
     const bool isArc = avrName.c_str() != nullptr && avrName == "ARC";
-    const int32_t delay = audioDelay(ConfigKey(key.category, key.key), isArc);
+    const int32_t delay = audioDelay(key, isArc);
     _hidl_cb({true, std::to_string(delay)});
     return {};
 }

@@ -77,8 +77,7 @@ void MlkProjectConfigs::GetCustomerDdcciConfigPathInternal() {
 
 Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
                                                  getKaraokeConfig_cb _hidl_cb) {
-    const std::string text =
-            mKaraokeIniParser->getInfo(mKarakeName.data(), ConfigKey(key.category, key.key));
+    const std::string text = mKaraokeIniParser->getInfo(mKarakeName.data(), nameOf(key));
     const int32_t number = parseDecimal(text);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %i", __func__, text.c_str(), number);
     _hidl_cb({true, number});
@@ -87,8 +86,7 @@ Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
 
 Return<void> MlkProjectConfigs::getGlobalKeyConfig(const ProjectConfigKey& key,
                                                    getGlobalKeyConfig_cb _hidl_cb) {
-    const std::string text =
-            mGlobalKeyIniParser->getInfo(mGlobalKeyName.data(), ConfigKey(key.category, key.key));
+    const std::string text = mGlobalKeyIniParser->getInfo(mGlobalKeyName.data(), nameOf(key));
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %s: %s", __func__, key.category.c_str(),
                         key.key.c_str(), text.c_str());
     _hidl_cb({true, text});
@@ -96,8 +94,7 @@ Return<void> MlkProjectConfigs::getGlobalKeyConfig(const ProjectConfigKey& key,
 }
 
 std::string MlkProjectConfigs::customerDdcciConfig(const ProjectConfigKey& key) const {
-    return mCustomerDdcciIniParser->getInfo(mCustomerDdcciName.data(),
-                                            ConfigKey(key.category, key.key));
+    return mCustomerDdcciIniParser->getInfo(mCustomerDdcciName.data(), nameOf(key));
 }
 
 Return<void> MlkProjectConfigs::getCustomerDdcciConfigInt(const ProjectConfigKey& key,

@@ -48,11 +48,13 @@ void MlkProjectConfigs::InitTvSysMapInfo(int32_t country) {
         return;
     }
     TvSysMapCfgHolder holder;
-    for (const auto& [key, value] : holder.getConfigs(file, _tv_country{country})) {
-        mProjectParser->setInfo(key, value);
+    const ItemStore items = holder.getConfigs(file, _tv_country{country});
+    for (const ItemStore::Item item : items.inOrder()) {
+        const ConfigKey key(items.sectionOf(item), items.keyOf(item));
+        mProjectParser->setInfo(key, items.valueOf(item));
         // What is read back tells an item that the project does not have: that one is not added.
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
-                            key.key.c_str(), mProjectParser->getInfo(key).c_str());
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.data(),
+                            key.key.data(), mProjectParser->getInfo(key).c_str());
     }
 }
 

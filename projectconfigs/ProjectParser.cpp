@@ -18,16 +18,21 @@ constexpr const char* kNoBoardFile = "DEFAULT_BOARD_ID";
 constexpr size_t kListBufferSize = 256;      // customer and system file
 constexpr size_t kProjectBufferSize = 1024;  // project and board file
 
-// Cleans a value or a section name. The order counts: only a carriage return at the very end goes,
-// while spaces may stand before a comment, a quote or a semicolon that is taken out first.
-void eraseSymbol(std::string& text) {
-    text.erase(std::min(text.find('#'), text.size()));
-    text.erase(text.find_last_not_of('\r') + 1);
-    text.erase(
-            std::remove_if(text.begin(), text.end(), [](char c) { return c == '"' || c == ';'; }),
-            text.end());
-    text.erase(text.find_last_not_of(' ') + 1);
-    text.erase(0, text.find_first_not_of(' '));
+// Cleans a value or a section name; scratch holds the result where it is not a part of the text.
+// The order counts: only a carriage return at the very end goes, while spaces may stand before a
+// comment, a quote or a semicolon that is taken out first.
+std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
+    text = text.substr(0, text.find('#'));
+    text = text.substr(0, text.find_last_not_of('\r') + 1);
+    if (text.find('"') != std::string_view::npos || text.find(';') != std::string_view::npos) {
+        scratch.resize(text.size());
+        const auto end = std::copy_if(text.begin(), text.end(), scratch.begin(),
+                                      [](char c) { return c != '"' && c != ';'; });
+        text = {scratch.data(), static_cast<size_t>(end - scratch.begin())};
+    }
+    text = text.substr(0, text.find_last_not_of(' ') + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    return text;
 }
 
 bool contains(std::string_view line, std::string_view word) {
@@ -55,7 +60,7 @@ void ProjectParser::update(const char* customerIniPath, int projectId, const std
         return;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    mItemMap.clear();
+    mItems.clear();
     mProjectId = projectId;
     parse_customer_ini(customerIniPath, mCustomerId, mSysIniPath);
     parse_sys_ini(mSysIniPath.c_str(), mProjectIniPath, mProjectMaxIdx);
@@ -85,11 +90,11 @@ void ProjectParser::parse_customer_ini(const char* path, std::string& customerId
         if ((!isCustomerId && !contains(line, "SYS_INI")) || !reader.valueOf(line, value)) {
             continue;
         }
-        std::string& target = isCustomerId ? customerId : sysIniPath;
-        target = value;
-        eraseSymbol(target);
-        if (!isCustomerId) {
-            PatchIniItemPath(target);
+        value = eraseSymbol(value, mCleaned);
+        if (isCustomerId) {
+            customerId = value;
+        } else {
+            sysIniPath = PatchIniItemPath(value);
         }
     }
 }
@@ -112,9 +117,7 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
         // Unsigned, so that a negative number admits every index.
         maxIdx = std::max(maxIdx, static_cast<unsigned int>(number));
         if (number == mProjectId) {
-            projectIniPath = value;
-            eraseSymbol(projectIniPath);
-            PatchIniItemPath(projectIniPath);
+            projectIniPath = PatchIniItemPath(eraseSymbol(value, mCleaned));
         }
     }
 }
@@ -128,17 +131,16 @@ void ProjectParser::parse_project_ini(const char* path) {
         return;
     }
     LineReader reader(path, kProjectBufferSize, kTag);
-    std::string category;
+    ItemStore::Section section = mItems.section("");
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty() || line.front() == '\r' || line.front() == '#') {
             continue;
         }
         if (line.front() == '[') {
-            category = line;
-            eraseSymbol(category);
+            section = mItems.section(eraseSymbol(line, mCleaned));
         } else {
-            addNewItem(category, std::string(line));
+            addNewItem(section, line);
         }
     }
 }
@@ -151,40 +153,45 @@ void ProjectParser::parse_board_id_ini(const std::string& boardId) {
     if (!boardId.empty()) {
         mBoardIniPath = boardId;
     }
-    eraseSymbol(mBoardIniPath);
-    PatchIniItemPath(mBoardIniPath);
+    mBoardIniPath = PatchIniItemPath(eraseSymbol(mBoardIniPath, mCleaned));
     parse_project_ini(mBoardIniPath.c_str());
 }
 
-void ProjectParser::addNewItem(const std::string& category, std::string line) {
-    eraseSymbol(line);
+void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line) {
+    line = eraseSymbol(line, mCleaned);
     const size_t equals = line.find('=');
-    std::string value = equals == std::string::npos ? line : line.substr(equals + 1);
-    std::string key = std::move(line);
-    key.erase(std::min(equals, key.size()));
-    key.erase(key.find_last_not_of(' ') + 1);
-    value.erase(0, value.find_first_not_of(' '));
-    PatchIniItemPath(value);
+    std::string_view key = line.substr(0, equals);
+    std::string_view value = equals == std::string_view::npos ? line : line.substr(equals + 1);
+    key = key.substr(0, key.find_last_not_of(' ') + 1);
+    value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
+    value = PatchIniItemPath(value);
 
-    const auto [item, isNew] = mItemMap.try_emplace(ConfigKey(category, std::move(key)));
+    const auto [item, isNew] = mItems.insert(section, key, value);
     if (!isNew) {
+        const std::string text(value);
         __android_log_print(ANDROID_LOG_DEBUG, kTag,
                             "[%s %d] update value (%s -> %s) due to the same key (%s)", __func__,
-                            __LINE__, item->second.c_str(), value.c_str(), item->first.key.c_str());
+                            __LINE__, mItems.valueOf(item).data(), text.c_str(),
+                            mItems.keyOf(item).data());
+        mItems.replace(item, value);
     }
-    item->second = std::move(value);
 }
 
-void ProjectParser::PatchIniItemPath(std::string& value) const {
+std::string_view ProjectParser::PatchIniItemPath(std::string_view value) {
+    if (!startsWith(value, "/")) {
+        return value;
+    }
     // A mere prefix: what follows need not be a "/".
     const std::pair<std::string_view, const char*> prefixes[] = {
             {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
     for (const auto& [prefix, mountPoint] : prefixes) {
         if (startsWith(value, prefix)) {
-            value.replace(0, prefix.size(), mountPoint);
-            return;
+            mPatched = mountPoint;
+            mPatched.append(value.substr(prefix.size()));
+            return mPatched;
         }
     }
+    return value;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/ConfigKey.h"
+#include "common/ItemStore.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -52,7 +53,7 @@ class ProjectParser {
     std::string getInfo(const ConfigKey& key) const;
 
     /** Replaces the value of an item. @return false, with nothing added, when there is none */
-    bool setInfo(const ConfigKey& key, std::string value);
+    bool setInfo(const ConfigKey& key, std::string_view value);
 
     /** Items of one section (its name with brackets), from key to value in byte order of the key.
      */
@@ -100,11 +101,11 @@ class ProjectParser {
     void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
     void parse_project_ini(const char* path);
     void parse_board_id_ini(const std::string& boardId);
-    void addNewItem(const std::string& category, std::string line);
-    void PatchIniItemPath(std::string& value) const;
+    void addNewItem(ItemStore::Section section, std::string_view line);
+    std::string_view PatchIniItemPath(std::string_view value);
     void logSources() const;
 
-    ConfigItems mItemMap;
+    ItemStore mItems;
     mutable std::mutex mMutex;
     int32_t mProjectId = 0;
     uint32_t mProjectMaxIdx = 0;
@@ -112,6 +113,8 @@ class ProjectParser {
     std::string mSysIniPath;
     std::string mProjectIniPath;
     std::string mBoardIniPath;
+    std::string mCleaned;  // what eraseSymbol and PatchIniItemPath made last
+    std::string mPatched;
     const char* const mTvdataPath;
     const char* const mTvconfigsPath;
     const char* const mImpdataPath;

@@ -15,7 +15,7 @@ void ProjectParser::dump() const {
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "ProjectConfigs:");
     logSources();
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tProject total item=%d",
-                        static_cast<int>(mItemMap.size()));
+                        static_cast<int>(mItems.size()));
 }
 
 void ProjectParser::dumpDetail() const {
@@ -23,10 +23,7 @@ void ProjectParser::dumpDetail() const {
     // "deatil" is what the tools that read this log look for.
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "ProjectConfigs deatil:");
     logSources();
-    for (const auto& [key, value] : mItemMap) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
-                            key.key.c_str(), value.c_str());
-    }
+    mItems.log(kTag);
 }
 
 void ProjectParser::logSources() const {
@@ -47,9 +44,7 @@ void ProjectParser::dump(std::ostream& out) const {
     out << "  Sys ini file: " << mSysIniPath << std::endl;
     out << "  Project ini file: " << mProjectIniPath << std::endl;
     out << "  Board ini file: " << mBoardIniPath << std::endl;
-    for (const auto& [key, value] : mItemMap) {
-        out << "    " << key.category << ":" << key.key << "=" << value << std::endl;
-    }
+    mItems.write(out, "    ");
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -51,17 +51,17 @@ std::vector<uint8_t> readWhole(const std::string& path) {
 
 std::string ProjectParser::getInfo(const ConfigKey& key) const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    const auto item = mItemMap.find(key);
-    return item != mItemMap.end() ? item->second : std::string();
+    const ItemStore::Item item = mItems.find(key.category, key.key);
+    return item != ItemStore::kNone ? std::string(mItems.valueOf(item)) : std::string();
 }
 
-bool ProjectParser::setInfo(const ConfigKey& key, std::string value) {
+bool ProjectParser::setInfo(const ConfigKey& key, std::string_view value) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    const auto item = mItemMap.find(key);
-    if (item == mItemMap.end()) {
+    const ItemStore::Item item = mItems.find(key.category, key.key);
+    if (item == ItemStore::kNone) {
         return false;
     }
-    item->second = std::move(value);
+    mItems.replace(item, value);
     return true;
 }
 
@@ -69,13 +69,12 @@ std::map<std::string, std::string> ProjectParser::getInfosByCategory(
         const std::string& category) const {
     std::map<std::string, std::string> infos;
     const std::lock_guard<std::mutex> lock(mMutex);
-    // The empty key is the least one: a section's items stand together from there on.
-    for (auto item = mItemMap.lower_bound(ConfigKey(category, ""));
-         item != mItemMap.end() && item->first.category == category; ++item) {
-        const auto& [key, value] = *item;
-        infos.emplace(key.key, value);
+    for (const ItemStore::Item item : mItems.itemsOf(category)) {
+        const std::string_view key = mItems.keyOf(item);
+        const std::string_view value = mItems.valueOf(item);
+        infos.emplace(key, value);
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "getInfosByCategory, key:%s, value:%s",
-                            key.key.c_str(), value.c_str());
+                            key.data(), value.data());
     }
     return infos;
 }

@@ -22,9 +22,9 @@ bool dumpsAreOn() {
 
 }  // namespace
 
-ConfigItems TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country country) {
+ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country country) {
     const std::lock_guard<std::recursive_mutex> lock(mMutex);
-    ConfigItems configs;
+    ItemStore configs;
     if (mTvSysToConfigMap.empty()) {
         if (!loadConfigXmlFile(xmlFile)) {
             return configs;
@@ -45,16 +45,23 @@ ConfigItems TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_countr
     } else {
         mCountryIdx = country;
     }
+    // Of two items of one name the first counts: the country's own file goes before an item of the
+    // TV system.
+    const std::string tvConfig = getTvConfigFilePath(mCountryIdx);
+    if (!tvConfig.empty()) {
+        configs.insert(configs.section("[LiveTV]"), "TvConfig", tvConfig);
+    }
     const std::string tvSysName = getTvSysName(mCountryIdx);
     for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
         // A country without a TV system must not pick up one without a name.
-        if (!tvSysName.empty() && system.tvSysName == tvSysName) {
-            configs.insert(system.configs.begin(), system.configs.end());
+        if (tvSysName.empty() || system.tvSysName != tvSysName) {
+            continue;
         }
-    }
-    std::string tvConfig = getTvConfigFilePath(mCountryIdx);
-    if (!tvConfig.empty()) {
-        configs.insert_or_assign(ConfigKey("[LiveTV]", "TvConfig"), std::move(tvConfig));
+        const ItemStore& items = system.configs;
+        for (const ItemStore::Item item : items.inOrder()) {
+            configs.insert(configs.section(items.sectionOf(item)), items.keyOf(item),
+                           items.valueOf(item));
+        }
     }
     return configs;
 }
@@ -98,10 +105,7 @@ void TvSysMapCfgHolder::dumpConfigXmlFile() const {
     for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s] tvSystem=%s", __func__,
                             system.tvSysName.c_str());
-        for (const auto& [key, value] : system.configs) {
-            __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.c_str(),
-                                key.key.c_str(), value.c_str());
-        }
+        system.configs.log(kTag);
     }
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "common/ConfigKey.h"
+#include "common/ItemStore.h"
 #include "regional/CountryTable.h"
 
 namespace tinyxml2 {
@@ -16,7 +16,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /** A TV system and the items that a set in one of its countries has. */
 struct TvSysToConfigMap {
     std::string tvSysName;
-    ConfigItems configs;
+    ItemStore configs;
 };
 
 /** What the country map says of one country. */
@@ -74,7 +74,7 @@ class TvSysMapCfgHolder {
      *                 first country of the map is saved.
      * @return the items; empty when the TV system file cannot be loaded or no country is known
      */
-    ConfigItems getConfigs(const std::string& xmlFile, _tv_country country);
+    ItemStore getConfigs(const std::string& xmlFile, _tv_country country);
 
     /**
      * Loads the TV system file. A TV system without "type" and an item without "category", "key" or

@@ -83,7 +83,7 @@ void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XML
                                 item->GetLineNum());
             continue;
         }
-        system.configs.try_emplace(ConfigKey(category, key), patchToTargetBoardPath(value));
+        system.configs.insert(system.configs.section(category), key, patchToTargetBoardPath(value));
     }
     systems.push_back(std::move(system));
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -43,13 +44,13 @@ TEST(ConfigKeyTest, EqualityIsByteForByte) {
 }
 
 TEST(ConfigKeyTest, OrdersAMap) {
-    ConfigItems items;
+    std::map<ConfigKey, std::string> items;
     for (const char* key : {"B", "AA", "A"}) {
         items[ConfigKey("[S]", key)] = key;
     }
     std::string walk;
     for (const auto& [key, value] : items) {
-        walk += key.category + key.key + "=" + value + ";";
+        walk.append(key.category).append(key.key).append("=").append(value).append(";");
     }
     EXPECT_EQ(walk, "[S]A=A;[S]B=B;[S]AA=AA;");
 }

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
@@ -16,13 +20,16 @@ constexpr unsigned int kRounds = 3000;
 
 // A dump in the order that the stores keep.
 std::string dumpOf(const plain::Items& items, const std::string& indent) {
-    ConfigItems ordered;
-    for (const auto& [key, value] : items) {
-        ordered[ConfigKey(key.first, key.second)] = value;
-    }
+    std::vector<std::pair<plain::Items::key_type, std::string>> ordered(items.begin(), items.end());
+    const auto rank = [](const auto& item) {
+        const auto& [section, key] = item.first;
+        return std::tuple(section.size(), section, key.size(), key);
+    };
+    std::sort(ordered.begin(), ordered.end(),
+              [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
     std::string text;
-    for (const auto& [key, value] : ordered) {
-        text.append(indent).append(key.category).append(":").append(key.key);
+    for (const auto& [name, value] : ordered) {
+        text.append(indent).append(name.first).append(":").append(name.second);
         text.append("=").append(value).append("\n");
     }
     return text;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sstream>
 #include <string>
 
 #include "regional/TvSysMapCfgHolder.h"
@@ -51,12 +52,13 @@ class TvSysMapFiles : public RegionalFiles {
     }
     std::string countryId() const { return set().dir().read("tvdata/tvsysmap/country_id.bin"); }
     /** "[A]:k=v;[B]:l=w;" */
-    static std::string textOf(const ConfigItems& items) {
-        std::string text;
-        for (const auto& [key, value] : items) {
-            text += key.category + ":" + key.key + "=" + value + ";";
+    static std::string textOf(const ItemStore& items) {
+        std::ostringstream text;
+        for (const ItemStore::Item item : items.inOrder()) {
+            text << items.sectionOf(item) << ":" << items.keyOf(item) << "=" << items.valueOf(item)
+                 << ";";
         }
-        return text;
+        return text.str();
     }
 };
 

@@ -106,11 +106,11 @@ TEST(SampleSelection, IsModelTwoOnTheSecondBoard) {
     sample.select(static_cast<int>(project.Get()), kNoBoard);
     EXPECT_EQ(sample.value("[PROJECT_NAME_CFG]", "PROJECT_NAME"), "TRQ43-M2");
     EXPECT_EQ(sample.value("[PANEL]", "m_pPanelName"), "OSMR-43U60-B2");
-    const ConfigItems ofTheModel = sample.items();
+    const Items ofTheModel = sample.items();
 
     sample.select(static_cast<int>(project.Get()), board.Get());
-    ConfigItems replaced;
-    ConfigItems added;
+    Items replaced;
+    Items added;
     for (const auto& [key, value] : sample.items()) {
         const auto former = ofTheModel.find(key);
         if (former == ofTheModel.end()) {
@@ -120,18 +120,17 @@ TEST(SampleSelection, IsModelTwoOnTheSecondBoard) {
         }
     }
     EXPECT_EQ(replaced.size(), 8U);
-    EXPECT_EQ(replaced.at(ConfigKey("[SSC]", "m_pSSCName")),
-              sample.path("/tvconfigs/ssc/ssc_b2.ini"));
-    EXPECT_EQ(replaced.at(ConfigKey("[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_ADDR0")), "0x35");
+    EXPECT_EQ(replaced.at({"[SSC]", "m_pSSCName"}), sample.path("/tvconfigs/ssc/ssc_b2.ini"));
+    EXPECT_EQ(replaced.at({"[DIGITAL_AMPLIFIER_CFG]", "ST_AMP_ADDR0"}), "0x35");
     EXPECT_EQ(added.size(), 4U);
-    EXPECT_EQ(added.at(ConfigKey("[BOARD]", "BOARD_NAME")), "skerry-B2");
+    EXPECT_EQ(added.at({"[BOARD]", "BOARD_NAME"}), "skerry-B2");
 }
 
 TEST(SampleSelection, TheFirstBoardSaysWhatTheModelsSay) {
     SampleSet sample;
     for (int model = 1; model <= kModelCount; ++model) {
         sample.select(model, kNoBoard);
-        const ConfigItems ofTheModel = sample.items();
+        const Items ofTheModel = sample.items();
         sample.select(model, "/tvconfigs/board/skerry_b1.ini");
         EXPECT_EQ(sample.items().size(), ofTheModel.size() + 4);
         for (const auto& [key, value] : ofTheModel) {
@@ -190,9 +189,9 @@ TEST_P(SampleModel, HasTwoHundredItemsAndMore) {
 
 TEST_P(SampleModel, HasEveryItemThatTheServiceReads) {
     mSample.select(GetParam(), kNoBoard);
-    const ConfigItems items = mSample.items();
+    const Items items = mSample.items();
     const auto expect = [&](const char* section, const char* key) {
-        EXPECT_EQ(items.count(ConfigKey(section, key)), 1U) << section << " " << key;
+        EXPECT_EQ(items.count({section, key}), 1U) << section << " " << key;
     };
     size_t read = 0;
     for (const ProjectItemRow& row : kProjectItems) {

@@ -56,12 +56,12 @@ void SampleSet::select(int model, const std::string& boardId) {
     mParser.update(path("/tvconfigs/customer.ini").c_str(), model, boardId);
 }
 
-ConfigItems SampleSet::items() const {
+Items SampleSet::items() const {
     // "    [SECTION]:KEY=VALUE"; other lines of the dump are indented less.
     constexpr const char* kItem = "    [";
     std::ostringstream dump;
     mParser.dump(dump);
-    ConfigItems items;
+    Items items;
     for (const std::string& line : linesOf(dump.str())) {
         if (line.rfind(kItem, 0) != 0) {
             continue;
@@ -69,7 +69,7 @@ ConfigItems SampleSet::items() const {
         const size_t colon = line.find("]:") + 1;
         const size_t equals = line.find('=', colon);
         items.emplace(
-                ConfigKey(line.substr(4, colon - 4), line.substr(colon + 1, equals - colon - 1)),
+                ItemName{line.substr(4, colon - 4), line.substr(colon + 1, equals - colon - 1)},
                 line.substr(equals + 1));
     }
     return items;

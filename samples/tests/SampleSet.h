@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/ConfigKey.h"
@@ -11,9 +12,18 @@
 
 namespace mlk::samples {
 
-using vendor::morlak::mlkconfigs::V1_0::implementation::ConfigItems;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ConfigKey;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectParser;
+
+/// Names an item.
+struct ItemName {
+    std::string category;
+    std::string key;
+    bool operator<(const ItemName& other) const {
+        return std::tie(category, key) < std::tie(other.category, other.key);
+    }
+};
+using Items = std::map<ItemName, std::string>;
 
 /// How many models the sample lists, the commented-out one included: indexes 1 to kModelCount.
 constexpr int kModelCount = 7;
@@ -40,7 +50,7 @@ class SampleSet {
     void select(int model, const std::string& boardId);
 
     /// The items of the parser, as it lists them.
-    ConfigItems items() const;
+    Items items() const;
 
     std::string value(const std::string& section, const std::string& key) const;
 

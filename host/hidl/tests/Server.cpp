@@ -18,15 +18,6 @@ namespace mlk::test {
 
 using std::chrono::milliseconds;
 
-bool eventually(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        (void)poll(nullptr, 0, 1);
-    }
-    return true;
-}
-
 Server::Server(const Options& options) : mOptions(options) {
     std::vector<std::string> command{testing::binDir() + "/hidl_test_server", options.instance,
                                      options.threads};

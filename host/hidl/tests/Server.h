@@ -11,16 +11,14 @@
 
 #include "Everything.h"
 #include "Native.h"
+#include "host/testing/Eventually.h"
 #include "host/testing/Process.h"
 #include "host/testing/ProcessUsage.h"
 
 namespace mlk::test {
 
-// Whether the condition comes true within half a minute. For what another process does in its own
-// time: a closed connection is noticed there, not here.
-bool eventually(const std::function<bool()>& condition);
-
 using testing::descriptorsOf;
+using testing::eventually;
 using testing::residentOf;
 using testing::threadsOf;
 using testing::timeOf;
