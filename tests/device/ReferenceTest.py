@@ -255,7 +255,8 @@ class Examples(unittest.TestCase):
     def ask(self, interface, method, *arguments):
         done = subprocess.run([self.client, "call", interface, method, *arguments], env=self.environment,
                               stdout=subprocess.PIPE, check=True)
-        return json.loads(done.stdout)["value"]
+        answer = json.loads(done.stdout)
+        return answer["value"] if isinstance(answer, dict) else answer
 
     def test_smallest_set(self):
         self.start()
@@ -286,6 +287,43 @@ class Examples(unittest.TestCase):
         self.assertEqual(self.ask("IMlkProjectConfigs", "getGlobalKeyConfig", "[PAD]", "NOTHING"), "")
         for flag, on in (("av", False), ("dtv", True), ("pvr", False), ("ci", False), ("hdmi", False)):
             self.assertIs(self.ask("IMlkTvConfigs", f"{flag}Enabled"), on, flag)
+
+    def test_countries_of_the_formats(self):
+        formats = section("## Formats and their traps")
+        tv_systems, country_map, plans = re.findall(r"```xml\n(.*?)```", formats, re.DOTALL)
+        channels = re.search(r"```\n(// channel, .*?)```", formats, re.DOTALL)[1]
+        countries = table(formats[formats.index("**Country and language lists.**") :], "line")
+        self.put("/tvconfigs/model/first.ini", """
+[LiveTV]
+TvConfig = /tvconfigs/tv/tv_uk.config
+tuner_type = DVB_T
+[COUNTRY]
+COUNTRY_PATH = /tvconfigs/country/eu.txt
+tvSysMap = /tvconfigs/tvsysmap/tvsys_eu.xml
+""")
+        self.put("/tvconfigs/country/eu.txt", "".join(f"{words(row[0])[0]}\n" for row in countries))
+        self.put("/tvconfigs/tvsysmap/tvsys_eu.xml", tv_systems)
+        self.put(re.search(r"<CountryTvSysMapXML>(.*?)<", tv_systems)[1], country_map)
+        self.put("/tvconfigs/freqtables/country_freq_map.xml", plans)
+        self.put("/tvconfigs/freqtables/dtv/" + re.search(r"<DTV_ANTENA>(.*?)<", plans)[1], channels)
+        (self.root / "tvdata").mkdir()
+        self.start()
+        self.assertEqual(self.ask("IMlkProjectConfigs", "getTunerType"), "DVB_T2_C")
+        self.assertEqual(self.ask("IMlkProjectConfigs", "getConfig", "[LiveTV]", "TvConfig"),
+                         f"{self.root}/tvconfigs/tv/tv_eu.config")
+        self.assertEqual((self.root / "tvdata/tvsysmap/country_id.bin").read_text(encoding="utf-8"),
+                         f"COUNTRY_ID={self.names().index('SWEDEN') - 1}\n")
+        self.assertEqual(self.ask("IMlkProjectConfigs", "getCountryList"), [14, 0, 0])
+        self.assertEqual(self.names()[14 + 1], "GERMANY")
+        found = self.ask("IMlkProjectConfigs", "getFreqTableList", "14", "DTV_ANTENNA", "AUTO")
+        self.assertEqual(
+            [(c["channel"], c["bandwidth"], c["frequency"], c["label"], c["modulation"]) for c in found],
+            [(21, 8000000, 474000, "E21", 18), (22, 6000000, 482000, "", 9)],
+        )
+
+    @staticmethod
+    def names():
+        return re.search(r"```countries\n(.*?)```", tree.read(GUIDE), re.DOTALL)[1].split()
 
 
 if __name__ == "__main__":
