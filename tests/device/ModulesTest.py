@@ -136,18 +136,6 @@ class Modules(unittest.TestCase):
                 linked = set(properties["static_libs"])
                 self.assertEqual({n for n in below(name) if OURS.match(n)} - linked, set(), name)
 
-    def test_rooms_that_throw_are_compiled_for_it(self):
-        for room in tree.ARROWS:
-            throws = any(
-                re.search(r"\b(try|catch|throw)\b", tree.code(source))
-                for source in tree.product_sources()
-                if source.startswith(f"{room}/")
-            )
-            flags = bp.whole(self.modules, f"libmlkconfigs_{room}").get("cppflags", [])
-            self.assertEqual("-fexceptions" in flags, throws, room)
-            for source in tree.product_sources():
-                self.assertNotRegex(tree.code(source), r"\b(dynamic_cast|typeid)\b", source)
-
     def test_everything_is_the_vendors(self):
         for name, (_, kind, _) in self.modules.items():
             if kind.startswith("cc_"):
