@@ -1,0 +1,93 @@
+"""The product's rooms use the platform by the names that a device has, and nothing of the host's."""
+
+import re
+import unittest
+
+import tree
+
+STANDARD = set(
+    """algorithm any array atomic bitset cassert cctype cerrno cfloat charconv chrono cinttypes climits
+    cmath condition_variable csignal cstdarg cstddef cstdint cstdio cstdlib cstring ctime deque
+    exception filesystem forward_list fstream functional future initializer_list iomanip ios iosfwd
+    iostream istream iterator limits list map memory mutex new numeric optional ostream queue random
+    ratio set shared_mutex sstream stack stdexcept streambuf string string_view system_error thread
+    tuple type_traits typeindex unordered_map unordered_set utility variant vector""".split()
+)
+POSIX = {"dirent.h", "fcntl.h", "poll.h", "pthread.h", "sys/mman.h", "sys/stat.h", "sys/types.h", "unistd.h"}
+PLATFORM = {
+    "TvPartitionPath.h",
+    "android-base/file.h",
+    "android-base/unique_fd.h",
+    "android/hidl/allocator/1.0/IAllocator.h",
+    "android/hidl/memory/1.0/IMemory.h",
+    "android/log.h",
+    "cutils/properties.h",
+    "hidl/HidlSupport.h",
+    "hidl/HidlTransportSupport.h",
+    "hidl/Static.h",
+    "hidl/Status.h",
+    "hidlmemory/mapping.h",
+    "tinyxml2.h",
+    "utils/Errors.h",
+    "utils/RefBase.h",
+    "utils/StrongPointer.h",
+}
+PACKAGE = re.compile(r"vendor/morlak/mlkconfigs/1\.0/(types|hwtypes|(I|IHw|BnHw)Mlk\w+Configs)\.h")
+
+# What the rooms call of the platform's C++ libraries: each is what a device's headers declare.
+NAMES = set(
+    """base::WriteStringToFd base::unique_fd hardware::IBinder hardware::Parcel hardware::Return
+    hardware::Status::ok hardware::Void hardware::configureRpcThreadpool
+    hardware::details::getBnConstructorMap hardware::hidl_handle hardware::hidl_memory
+    hardware::hidl_string hardware::hidl_vec hardware::joinRpcThreadpool hardware::mapMemory
+    hidl::allocator::V1_0::IAllocator hidl::memory::V1_0::IMemory""".split()
+)
+
+
+def foreign(names):
+    """Those of some includes that a device does not have."""
+    return [
+        name
+        for name in (name[1:-1] for name in names if name.startswith("<"))
+        if name not in STANDARD | POSIX | PLATFORM and not PACKAGE.fullmatch(name)
+    ]
+
+
+class Includes(unittest.TestCase):
+    def test_sources_are_found(self):
+        self.assertGreater(len(tree.product_sources()), 50)
+
+    def test_only_what_a_device_has(self):
+        for source in tree.product_sources():
+            self.assertEqual(foreign(tree.includes(source)), [], source)
+
+    def test_foreign_header_is_noticed(self):
+        self.assertEqual(
+            foreign(["<string>", "<HostSet.h>", "<hwbinder/Wire.h>", '"common/File.h"']),
+            ["HostSet.h", "hwbinder/Wire.h"],
+        )
+
+    def test_only_rooms_below(self):
+        for source in tree.product_sources():
+            room = source.split("/", maxsplit=1)[0]
+            # The entry of the process is what brings the rooms together.
+            allowed = tree.ARROWS[room] | {room}
+            for name in tree.includes(source):
+                if name.startswith('"'):
+                    self.assertIn(name.strip('"').split("/")[0], allowed, f"{source}: {name}")
+                    self.assertTrue((tree.ROOT / name.strip('"')).is_file(), f"{source}: {name}")
+
+    def test_nothing_names_the_host(self):
+        for source in tree.product_sources():
+            self.assertNotRegex(tree.code(source), r"\bhost/|MLK_ROOT|MLK_RUNTIME_DIR", source)
+
+    def test_only_names_of_the_platform(self):
+        for source in tree.product_sources():
+            text = tree.code(source)
+            used = set(re.findall(r"\bandroid::((?:base|hardware|hidl)::[\w:]+)", text))
+            self.assertLessEqual(used, NAMES, source)
+            self.assertNotRegex(text, r"using namespace (?:::)?android", source)
+
+
+if __name__ == "__main__":
+    tree.main()

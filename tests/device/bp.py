@@ -1,0 +1,94 @@
+"""Reads Android.bp files."""
+
+import re
+from pathlib import Path
+
+import tree
+
+TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|\s+|(?P<token>"(?:\\.|[^"\\])*"|[\w.]+|[{}\[\]:,=+])', re.DOTALL)
+
+
+def tokens_of(text):
+    at = 0
+    while at < len(text):
+        match = TOKEN.match(text, at)
+        if match is None:
+            raise ValueError(f"not understood: {text[at:at + 40]!r}")
+        at = match.end()
+        if match["token"]:
+            yield match["token"]
+
+
+def value_of(tokens):
+    token = tokens.pop(0)
+    if token == "[":
+        values = []
+        while tokens[0] != "]":
+            values.append(value_of(tokens))
+            if tokens[0] == ",":
+                tokens.pop(0)
+        tokens.pop(0)
+        return values
+    if token == "{":
+        return properties_of(tokens)
+    if token.startswith('"'):
+        return token[1:-1]
+    return {"true": True, "false": False}.get(token, token)
+
+
+def properties_of(tokens):
+    properties = {}
+    while tokens[0] != "}":
+        name, colon = tokens.pop(0), tokens.pop(0)
+        if colon != ":" or name in properties:
+            raise ValueError(f"{name} stands twice or without a value")
+        properties[name] = value_of(tokens)
+        if tokens[0] == ",":
+            tokens.pop(0)
+    tokens.pop(0)
+    return properties
+
+
+def modules_of(text):
+    """The modules of a file: a list of (type, properties)."""
+    tokens = list(tokens_of(text))
+    modules = []
+    while tokens:
+        kind, brace = tokens.pop(0), tokens.pop(0)
+        if brace != "{":
+            raise ValueError(f"{kind} is no module")
+        modules.append((kind, properties_of(tokens)))
+    return modules
+
+
+def files():
+    """Every Android.bp of the tree, by its name there."""
+    _, listed = tree.run("git", "-C", tree.ROOT, "ls-files", "-co", "--exclude-standard", "*Android.bp")
+    return sorted(listed.split())
+
+
+def modules():
+    """All modules by their names: (folder, type, properties), what they take from defaults in."""
+    found = {}
+    for name in files():
+        for kind, properties in modules_of(tree.read(name)):
+            if properties["name"] in found:
+                raise ValueError(f"{properties['name']} stands twice")
+            found[properties["name"]] = (str(Path(name).parent), kind, properties)
+    return found
+
+
+def whole(modules_by_name, name):
+    """A module's properties together with those of its defaults."""
+    _, _, own = modules_by_name[name]
+    merged = {}
+    for default in own.get("defaults", []):
+        merged = merge(merged, whole(modules_by_name, default))
+    return merge(merged, own)
+
+
+def merge(first, second):
+    merged = dict(first)
+    for key, value in second.items():
+        merged[key] = merged[key] + value if isinstance(merged.get(key), list) else value
+    return merged

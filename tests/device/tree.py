@@ -1,0 +1,119 @@
+"""What the device's tests know of the source tree: its rooms, its sources and what they say."""
+
+import os
+import re
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+# The rooms of the product, each with those that it may use.
+ARROWS = {
+    "common": set(),
+    "regional": {"common"},
+    "projectconfigs": {"common", "regional"},
+    "frameworkconfigs": {"common", "regional"},
+    "tvconfigs": {"common", "regional"},
+    "service": {"common", "frameworkconfigs", "projectconfigs", "tvconfigs"},
+}
+
+TOKEN = re.compile(
+    r"""//[^\n]*|/\*.*?\*/                        # a comment
+      | R"(?P<mark>\w*)\((?P<raw>.*?)\)(?P=mark)" # a raw string
+      | (?<![0-9a-fA-F])'(?:\\.|[^'\\\n])+'       # a character
+      | "(?P<text>(?:\\.|[^"\\\n])*)"             # a string""",
+    re.DOTALL | re.VERBOSE,
+)
+INCLUDE = re.compile(r'^\s*#\s*include\s+(?P<name><[^>]+>|"[^"]+")', re.MULTILINE)
+
+
+def read(name):
+    return (ROOT / name).read_text(encoding="utf-8")
+
+
+def product_sources():
+    """Every source and header of the product, tests left out, by its name in the tree."""
+    return sorted(
+        str(path.relative_to(ROOT))
+        for room in ARROWS
+        for path in (ROOT / room).glob("*")
+        if path.suffix in {".cpp", ".h"}
+    )
+
+
+def includes(name):
+    return [match["name"] for match in INCLUDE.finditer(read(name))]
+
+
+def code(name):
+    """A source without comments, includes and log messages: what is left, does something."""
+    text = INCLUDE.sub("", read(name))
+    text = TOKEN.sub(lambda m: m[0] if m["text"] is not None or m[0][0] in "'R" else " ", text)
+    return re.sub(r'__android_log_\w+\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
+
+
+def literals_in(text):
+    for match in TOKEN.finditer(text):
+        if match["text"] is not None:
+            yield match["text"]
+
+
+def literals(name):
+    """The strings that a source uses for more than a log message."""
+    return set(literals_in(code(name)))
+
+
+def all_literals():
+    return set().union(*(literals(name) for name in product_sources()))
+
+
+def properties():
+    """Every system property that the product names."""
+    name = re.compile(r"(?:persist\.|ro\.)?[a-z]+(?:\.\w+)+")
+    roots = ("persist.", "ro.", "vendor.", "sys.", "debug.", "init.")
+    return {
+        text
+        for text in all_literals()
+        if name.fullmatch(text) and text.startswith(roots)
+    }
+
+
+def written_properties():
+    """Those of them that it sets: the features, and the switches that have a setter."""
+    features = {text for text in literals("tvconfigs/TvConfigItems.h") if text in properties()}
+    items = dict(
+        re.findall(r'ITEM\((\w+), \w+, "([^"]+)"\)', code("frameworkconfigs/FrameworkItems.h"))
+    )
+    setters = re.findall(r"write\(FrameworkItem::(\w+),", code("frameworkconfigs/MlkFrameworkConfigs.cpp"))
+    return features | {items[setter] for setter in setters}
+
+
+def run(*command, text=None):
+    """Runs a program; its exit status and everything that it says."""
+    done = subprocess.run(
+        [str(word) for word in command],
+        input=text,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        text=True,
+        check=False,
+        env={**os.environ, "LC_ALL": "C"},
+    )
+    return done.returncode, done.stdout
+
+
+def targets():
+    """CMake's targets, a list of (folder, target, type, sources)."""
+    rows = []
+    for line in Path(targets.file).read_text(encoding="utf-8").splitlines():
+        folder, target, kind, *sources = line.split()
+        rows.append((folder, target, kind, sources))
+    return rows
+
+
+def main():
+    """Runs the tests of the calling script; its first argument is the file of CMake's targets."""
+    targets.file = sys.argv.pop(1)
+    unittest.main(verbosity=2)
