@@ -3,7 +3,8 @@
 #include <android/log.h>
 
 #include <algorithm>
-#include <functional>
+#include <cstring>
+#include <utility>
 
 #include "common/ConfigKey.h"
 
@@ -15,13 +16,47 @@ constexpr size_t kFirstBlock = size_t{4} * 1024;
 constexpr size_t kLargestBlock = size_t{256} * 1024;
 constexpr size_t kFirstIndex = 32;
 
-size_t hashOf(std::string_view text) {
-    return std::hash<std::string_view>()(text);
+template <typename Word>
+uint64_t wordAt(const char* bytes) {
+    Word word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
 }
 
-uint32_t hashOf(size_t sectionHash, std::string_view key) {
-    const size_t hash = hashOf(key) + sectionHash * 31;
-    return static_cast<uint32_t>(hash ^ (hash >> 32));
+uint64_t mix(uint64_t hash, uint64_t word) {
+    constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
+    hash = (hash ^ word) * kOdd;
+    return hash ^ (hash >> 29);
+}
+
+// Of names of a dozen bytes, which is what std::hash is slow for. Their last bytes are read by a
+// word that may overlap the one before.
+uint64_t hashOf(std::string_view text, uint64_t seed) {
+    const char* const bytes = text.data();
+    const size_t size = text.size();
+    uint64_t hash = mix(seed, size);
+    if (size >= 8) {
+        for (size_t at = 0; at + 8 < size; at += 8) {
+            hash = mix(hash, wordAt<uint64_t>(bytes + at));
+        }
+        return mix(hash, wordAt<uint64_t>(bytes + size - 8));
+    }
+    if (size >= 4) {
+        return mix(hash, wordAt<uint32_t>(bytes) << 32 | wordAt<uint32_t>(bytes + size - 4));
+    }
+    for (const char c : text) {
+        hash = mix(hash, static_cast<uint8_t>(c));
+    }
+    return hash;
+}
+
+uint32_t shortHashOf(uint64_t sectionHash, std::string_view key) {
+    return static_cast<uint32_t>(hashOf(key, sectionHash) >> 32);
+}
+
+void put(char* place, std::string_view text) {
+    std::copy(text.begin(), text.end(), place);
+    place[text.size()] = '\0';
 }
 
 // Orders most texts as CompareStr does without looking at them: their length, then how they begin.
@@ -40,7 +75,7 @@ void ItemStore::clear() {
     mItems.clear();
     mSections.clear();
     mSectionsByName.clear();
-    std::fill(mIndex.begin(), mIndex.end(), kNone);
+    std::fill(mIndex.begin(), mIndex.end(), Slot{0, kNone});
     mBlock = 0;
     mFilled = 0;
     mOrder.clear();
@@ -53,8 +88,10 @@ ItemStore::Section ItemStore::section(std::string_view name) {
         return known->second;
     }
     const auto section = static_cast<Section>(mSections.size());
-    const std::string_view kept(copy(name, name.size()), name.size());
-    mSections.push_back({kept, hashOf(name), kNone, kNone});
+    char* const namePlace = place(name.size() + 1);
+    put(namePlace, name);
+    const std::string_view kept(namePlace, name.size());
+    mSections.push_back({kept, hashOf(name, 0), kNone, kNone});
     mSectionsByName.emplace(kept, section);
     return section;
 }
@@ -65,18 +102,22 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
         growIndex();
     }
     SectionEntry& owner = mSections[section];
-    const uint32_t hash = hashOf(owner.hash, key);
+    const uint32_t hash = shortHashOf(owner.hash, key);
     const size_t slot = slotOf(hash, owner.name, key);
-    if (mIndex[slot] != kNone) {
-        return {mIndex[slot], false};
+    if (mIndex[slot].item != kNone) {
+        return {mIndex[slot].item, false};
     }
     const auto item = static_cast<Item>(mItems.size());
-    mItems.push_back({copy(key, key.size()), copy(value, value.size()),
-                      static_cast<uint32_t>(key.size()), static_cast<uint32_t>(value.size()),
-                      static_cast<uint32_t>(value.size()), section, kNone, hash});
+    char* const keyPlace = place(key.size() + value.size() + 2);
+    char* const valuePlace = keyPlace + key.size() + 1;
+    put(keyPlace, key);
+    put(valuePlace, value);
+    mItems.push_back({keyPlace, valuePlace, static_cast<uint32_t>(key.size()),
+                      static_cast<uint32_t>(value.size()), static_cast<uint32_t>(value.size()),
+                      section, kNone});
     (owner.first == kNone ? owner.first : mItems[owner.last].next) = item;
     owner.last = item;
-    mIndex[slot] = item;
+    mIndex[slot] = {hash, item};
     mIsOrdered = false;
     return {item, true};
 }
@@ -89,13 +130,15 @@ void ItemStore::replace(Item item, std::string_view value) {
         entry.value = place(room + 1);
         entry.valueRoom = static_cast<uint32_t>(room);
     }
-    std::copy(value.begin(), value.end(), entry.value);
-    entry.value[value.size()] = '\0';
+    put(entry.value, value);
     entry.valueSize = static_cast<uint32_t>(value.size());
 }
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {
-    return mItems.empty() ? kNone : mIndex[slotOf(hashOf(hashOf(section), key), section, key)];
+    if (mItems.empty()) {
+        return kNone;
+    }
+    return mIndex[slotOf(shortHashOf(hashOf(section, 0), key), section, key)].item;
 }
 
 const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
@@ -149,34 +192,31 @@ char* ItemStore::place(size_t size) {
     return bytes;
 }
 
-char* ItemStore::copy(std::string_view text, size_t room) {
-    char* const bytes = place(room + 1);
-    std::copy(text.begin(), text.end(), bytes);
-    bytes[text.size()] = '\0';
-    return bytes;
-}
-
 // The place of the item of these names in the index, or the free one where it belongs.
 size_t ItemStore::slotOf(uint32_t hash, std::string_view section, std::string_view key) const {
     const size_t mask = mIndex.size() - 1;
     for (size_t slot = hash & mask;; slot = (slot + 1) & mask) {
-        const Item item = mIndex[slot];
+        const Item item = mIndex[slot].item;
         if (item == kNone ||
-            (mItems[item].hash == hash && keyOf(item) == key && sectionOf(item) == section)) {
+            (mIndex[slot].hash == hash && keyOf(item) == key && sectionOf(item) == section)) {
             return slot;
         }
     }
 }
 
 void ItemStore::growIndex() {
-    mIndex.assign(std::max(kFirstIndex, mIndex.size() * 2), kNone);
+    const std::vector<Slot> former = std::move(mIndex);
+    mIndex.assign(std::max(kFirstIndex, former.size() * 2), Slot{0, kNone});
     const size_t mask = mIndex.size() - 1;
-    for (Item item = 0; item < mItems.size(); ++item) {
-        size_t slot = mItems[item].hash & mask;
-        while (mIndex[slot] != kNone) {
+    for (const Slot& moved : former) {
+        if (moved.item == kNone) {
+            continue;
+        }
+        size_t slot = moved.hash & mask;
+        while (mIndex[slot].item != kNone) {
             slot = (slot + 1) & mask;
         }
-        mIndex[slot] = item;
+        mIndex[slot] = moved;
     }
 }
 

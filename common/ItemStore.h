@@ -78,7 +78,7 @@ class ItemStore {
   private:
     struct SectionEntry {
         std::string_view name;
-        size_t hash;
+        uint64_t hash;
         Item first;
         Item last;
     };
@@ -90,7 +90,10 @@ class ItemStore {
         uint32_t valueRoom;
         Section section;
         Item next;  // of the section
+    };
+    struct Slot {
         uint32_t hash;
+        Item item;
     };
     struct Block {
         std::unique_ptr<char[]> bytes;
@@ -98,7 +101,6 @@ class ItemStore {
     };
 
     char* place(size_t size);
-    char* copy(std::string_view text, size_t room);
     size_t slotOf(uint32_t hash, std::string_view section, std::string_view key) const;
     void growIndex();
     void putInOrder() const;
@@ -107,7 +109,7 @@ class ItemStore {
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;
     std::unordered_map<std::string_view, Section> mSectionsByName;
-    std::vector<Item> mIndex;  // items by hash, open addressing; a power of two of places
+    std::vector<Slot> mIndex;  // items by hash, open addressing; a power of two of places
     std::vector<Block> mBlocks;
     size_t mBlock = 0;  // that is being filled
     size_t mFilled = 0;

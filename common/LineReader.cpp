@@ -20,7 +20,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag)
     : mPath(std::move(path)), mLimit(bufferSize - 1), mLogTag(logTag), mFile(mPath) {
     if (mFile.isOpen()) {
         // A line of the limit and one byte more always fit, which is what tells a long line.
-        mCapacity = std::max(kChunk, bufferSize);
+        mCapacity = std::max(bufferSize, std::min(kChunk, mFile.size() + 1));
         mBuffer.reset(new char[mCapacity]);
     } else if (!mFile.isMissing()) {
         __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: cannot be read: %s", mPath.c_str(),
