@@ -88,7 +88,14 @@ bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
     mBegin = 0;
-    const ssize_t count = mFile.read(mBuffer.get() + mEnd, mCapacity - mEnd);
+    if (mAtEnd) {
+        return false;
+    }
+    const size_t room = mCapacity - mEnd;
+    const ssize_t count = mFile.read(mBuffer.get() + mEnd, room);
+    mRead += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    // No need to ask again for what is behind the last byte that the file had.
+    mAtEnd = count <= 0 || (static_cast<size_t>(count) < room && mRead == mFile.size());
     if (count < 0) {
         const int error = errno;
         __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: cannot be read further: %s",

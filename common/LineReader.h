@@ -76,6 +76,8 @@ class LineReader {
     size_t mBegin = 0;  // what is read and not handed out yet: mBuffer[mBegin, mEnd)
     size_t mEnd = 0;
     bool mHasNul = false;  // somewhere in that
+    size_t mRead = 0;      // bytes of the file
+    bool mAtEnd = false;   // there is no more to read
     bool mInLongLine = false;
     size_t mLineNumber = 0;
 };
