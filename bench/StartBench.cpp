@@ -14,7 +14,7 @@ namespace mlk::bench {
 
 namespace {
 
-constexpr int kStarts = 9;
+constexpr int kStarts = 5;
 
 struct Contestant {
     const char* name;

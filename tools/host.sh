@@ -9,6 +9,10 @@ packages=(
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+# For tests of scripts.
+test_packages=(python3)
+# For ./run bench.
+bench_packages=(libbenchmark-dev python3)
 
 # need PACKAGE...: installs those that are missing.
 need() {
