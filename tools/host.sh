@@ -9,8 +9,10 @@ packages=(
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
-# For the tests of what only a device has: tests/device.
+# For the tests of scripts, and of what only a device has: tests/device.
 device_packages=(blueprint-tools checkpolicy m4 python3)
+# For ./run bench.
+bench_packages=(libbenchmark-dev python3)
 
 # need PACKAGE...: installs those that are missing.
 need() {
