@@ -1,6 +1,7 @@
 #include "projectconfigs/ProjectID.h"
 
 #include <android/log.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstring>
@@ -9,6 +10,7 @@
 
 #include "common/Decimal.h"
 #include "common/File.h"
+#include "common/ReplaceFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -18,6 +20,12 @@ constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kKeyword = "PROJECT_ID";
 constexpr size_t kChunk = 256;
 constexpr mode_t kMode = 0644;
+
+// Something that is no file, a symbolic link too.
+bool isSpecial(const std::string& path) {
+    struct stat about {};
+    return lstat(path.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+}
 
 }  // namespace
 
@@ -71,14 +79,24 @@ bool ProjectID::Change(unsigned int index) {
         return true;
     }
     mId = index;
-    File file(mFilePath, O_RDWR | O_CREAT | O_TRUNC, kMode);
-    if (!file.isOpen()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
-        return false;
-    }
     const std::string line =
             std::string(kKeyword) + "=" + std::to_string(static_cast<int32_t>(index)) + "\n";
-    if (!file.writeAndSync(line)) {
+    // A set whose index is lost does not know what it is. So a new file takes the place of the old
+    // one, where there is room for it; a file that is no plain one, or alone in its folder to be
+    // written, is emptied and written.
+    Replaced replaced = Replaced::NOT_CREATED;
+    if (!isSpecial(mFilePath)) {
+        replaced = replaceFile(mFilePath, line, kMode);
+    }
+    if (replaced == Replaced::NOT_CREATED) {
+        File file(mFilePath, O_RDWR | O_CREAT | O_TRUNC, kMode);
+        if (!file.isOpen()) {
+            __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
+            return false;
+        }
+        replaced = file.writeAndSync(line) ? Replaced::DONE : Replaced::NOT_WRITTEN;
+    }
+    if (replaced == Replaced::NOT_WRITTEN) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "Write %s fail!", mFilePath.c_str());
         return false;
     }

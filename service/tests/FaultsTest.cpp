@@ -32,8 +32,7 @@ using ::testing::AnyOf;
 constexpr const char* kProperties[] = {
         "persist.vendor.mlk.tv.enable_pvr", "persist.vendor.mlk.tv.enable_vga",
         "persist.vendor.mlk.tv.dtv_system", "persist.vendor.mlk.forcestr"};
-constexpr int kGermany = 14;
-constexpr int kNorway = 107;
+constexpr int kNorway = 29;
 
 /// What the files of a set hold that the process writes, as the next start reads them.
 using State = std::map<std::string, std::string>;
@@ -98,6 +97,9 @@ class Scenario {
             next(asked(*project, &IMlkProjectConfigs::getPanelName));
             next(asked(*tv, &IMlkTvConfigs::pvrEnabled));
         }
+        if (std::find(answers.begin(), answers.end(), "dead") != answers.end()) {
+            server.process().wait();  // it may still be on its way
+        }
         mRuns = server.process().running();
         mLog = server.process().err();
         return answers;
@@ -160,7 +162,8 @@ class Scenario {
 
 std::map<std::string, std::string> preloaded(const HostSet& set) {
     return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
-            {"MLK_FAULT_BELOW", set.dir().path()},
+            {"MLK_FAULT_BELOW", set.tvconfigs() + ":" + set.tvdata() + ":" + set.impdata() + ":" +
+                                        set.dir().path("data")},
             // A sanitizer's runtime takes part in the program and does not mind who else does.
             {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}};
 }
@@ -225,6 +228,10 @@ struct Fault {
     const char* action;
     bool isHarmless;  ///< nobody notices
 };
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+    *out << fault.call << " " << fault.action;
+}
 
 class EachCallTest : public ::testing::TestWithParam<Fault> {};
 

@@ -1,7 +1,8 @@
 // A library to be preloaded into a program under test (LD_PRELOAD): it has one of the program's
 // calls on files fail, or kills the program at it.
 //
-//   MLK_FAULT_BELOW   only calls on files below this folder count, and on descriptors opened there
+//   MLK_FAULT_BELOW   only calls on files below these folders count (full paths, ":" between them),
+//                     and on descriptors opened there
 //   MLK_FAULT_LOG     every such call is written there, its name a line
 //   MLK_FAULT_AT      "NAME NUMBER ACTION": the call of that name and number, from 1 on, comes to
 //                     ACTION: an errno (5), "kill", "short" (half of what was asked is done).
@@ -70,8 +71,15 @@ std::atomic<bool> sWatched[kDescriptors];
 std::atomic<long> sCount{0};
 
 bool isBelow(const char* path) {
-    const char* const below = plan().below;
-    return below != nullptr && path != nullptr && strncmp(path, below, strlen(below)) == 0;
+    const char* folder = plan().below;
+    while (folder != nullptr && path != nullptr) {
+        const size_t size = strcspn(folder, ":");
+        if (strncmp(path, folder, size) == 0) {
+            return true;
+        }
+        folder = folder[size] == ':' ? folder + size + 1 : nullptr;
+    }
+    return false;
 }
 
 bool isWatched(int descriptor) {
