@@ -36,6 +36,7 @@ Replaced replaceFile(const std::string& path, std::string_view text, mode_t mode
     {
         File file(fresh, O_WRONLY | O_CREAT | O_TRUNC, mode);
         if (!file.isOpen()) {
+            errno = file.error();
             return Replaced::NOT_CREATED;
         }
         if (!file.writeAndSync(text)) {

@@ -9,7 +9,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 enum class Replaced {
     DONE,         ///< the file holds the text
-    NOT_CREATED,  ///< there is no place for a new file; the old one is as it was
+    NOT_CREATED,  ///< no new file can take the place; the old one is as it was; errno says why
     NOT_WRITTEN   ///< the new file could not be written; the old one is as it was; errno says why
 };
 

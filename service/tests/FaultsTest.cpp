@@ -3,162 +3,23 @@
 // writes holds what it held before or after a change.
 
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <vendor/morlak/mlkconfigs/1.0/IMlkFrameworkConfigs.h>
-#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
-#include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/testing/HostSet.h"
-#include "host/testing/LogCapture.h"
-#include "host/testing/Sanitizers.h"
-#include "service/tests/ServiceProcess.h"
-#include "tvconfigs/tests/EditorTexts.h"
+#include "service/tests/FaultScenario.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
 
 using ::mlk::testing::HostSet;
 using ::testing::AnyOf;
-
-constexpr const char* kProperties[] = {
-        "persist.vendor.mlk.tv.enable_pvr", "persist.vendor.mlk.tv.enable_vga",
-        "persist.vendor.mlk.tv.dtv_system", "persist.vendor.mlk.forcestr"};
-constexpr int kNorway = 29;
-
-/// What the files of a set hold that the process writes, as the next start reads them.
-using State = std::map<std::string, std::string>;
-
-/// A set with two models and two countries, one call of each kind on it, and what they are
-/// answered.
-class Scenario {
-  public:
-    Scenario() {
-        write("customer.ini", "CUSTOMER_ID=1\nSYS_INI=/tvconfigs/sys.ini\n");
-        write("sys.ini", "Model_1=/tvconfigs/model/A.ini\nModel_2=/tvconfigs/model/B.ini\n");
-        for (const char* model : {"A", "B"}) {
-            write(std::string("model/") + model + ".ini",
-                  std::string("[PANEL]\nm_pPanelName=") + model +
-                          "\n[LiveTV]\nTvConfig=/tvconfigs/tv.config\n[COUNTRY]\n"
-                          "tvSysMap=/tvconfigs/tvsys.xml\nCOUNTRY_PATH=/tvconfigs/list\n"
-                          "[KARAOKE]\nKARAOKE_CONFIG_PATH=/tvconfigs/karaoke.ini\n");
-        }
-        write("karaoke.ini", "[S]\nk=1\n");
-        write("list", "GERMANY\nNORWAY\n");
-        write("tvsys.xml",
-              "<CountryTvSysMapXML>/tvconfigs/countries.xml</CountryTvSysMapXML>"
-              "<TvSystemConfigration><TvSystem type=\"DVB\">"
-              "<Item category=\"[PANEL]\" key=\"m_pPanelName\" value=\"DVB\"/>"
-              "</TvSystem></TvSystemConfigration>");
-        write("countries.xml", country("GERMANY", "de") + country("NORWAY", "no"));
-        write("tv_de.config", kTvConfig);
-        write("tv_no.config", kTvConfig);
-        write("other.config",
-              "persist.vendor.mlk.tv.enable_vga=true\npersist.vendor.mlk.tv.enable_pvr=true\n"
-              "persist.vendor.mlk.tv.dtv_system=4\n");
-        mSet.dir().write("impdata/project_id.bin", "PROJECT_ID=1\n");
-    }
-
-    /// Starts the process and makes the calls. Gives what each is answered; of a process that does
-    /// not live "dead" from there on. `states` receives what the files hold in between.
-    std::vector<std::string> run(const std::map<std::string, std::string>& environment,
-                                 std::vector<State>* states = nullptr) {
-        std::vector<std::string> answers;
-        const auto next = [&](std::string answer) {
-            answers.push_back(std::move(answer));
-            if (states != nullptr) {
-                states->push_back(state());
-            }
-        };
-        if (states != nullptr) {
-            states->push_back(state());
-        }
-        ServiceProcess server(environment);
-        next(server.waitUntilRegistered() ? "started" : "dead");
-        const auto project = IMlkProjectConfigs::tryGetService();
-        const auto tv = IMlkTvConfigs::tryGetService();
-        const auto framework = IMlkFrameworkConfigs::tryGetService();
-        if (project != nullptr && tv != nullptr && framework != nullptr) {
-            next(asked(*project, &IMlkProjectConfigs::setProjectId, 2));
-            next(asked(*project, &IMlkProjectConfigs::setCountryId, kNorway));
-            next(asked(*tv, &IMlkTvConfigs::setPvrEnabled, true));
-            next(asked(*tv, &IMlkTvConfigs::reloadTvConfig, mSet.tvconfigs() + "/other.config"));
-            next(asked(*tv, &IMlkTvConfigs::setVgaEnabled, false));
-            next(asked(*framework, &IMlkFrameworkConfigs::setForceStrEnabled, false));
-            next(asked(*project, &IMlkProjectConfigs::getProjectId));
-            next(asked(*project, &IMlkProjectConfigs::getPanelName));
-            next(asked(*tv, &IMlkTvConfigs::pvrEnabled));
-        }
-        if (std::find(answers.begin(), answers.end(), "dead") != answers.end()) {
-            server.process().wait();  // it may still be on its way
-        }
-        mRuns = server.process().running();
-        mLog = server.process().err();
-        return answers;
-    }
-    bool runs() const { return mRuns; }
-    const std::string& log() const { return mLog; }
-
-    State state() const {
-        const ::mlk::testing::LogCapture quiet;
-        State state;
-        state["project"] = read("impdata/project_id.bin");
-        state["country"] = read("tvdata/tvsysmap/country_id.bin");
-        for (const char* file : {"tv_de.config", "tv_no.config"}) {
-            implementation::FileConfigEditor editor((mSet.tvconfigs() + "/" + file).c_str());
-            state[file] = implementation::entriesOf(editor);
-        }
-        for (const char* property : kProperties) {
-            state[property] = read(std::string("data/property/") + property);
-        }
-        return state;
-    }
-    std::string read(const std::string& file) const {
-        return std::filesystem::exists(mSet.dir().path(file)) ? mSet.dir().read(file) : "none";
-    }
-    const HostSet& set() const { return mSet; }
-
-  private:
-    static constexpr const char* kTvConfig =
-            "# as delivered\npersist.vendor.mlk.tv.enable_pvr=false\n"
-            "persist.vendor.mlk.tv.dtv_system=1\n";
-
-    static std::string country(const std::string& name, const std::string& file) {
-        return "<COUNTRY_TVCONFIG_MAP><COUNTRY_NAME>" + name +
-               "</COUNTRY_NAME><TV_SYSTEM>DVB</TV_SYSTEM><TV_CONFIG>/tvconfigs/tv_" + file +
-               ".config</TV_CONFIG></COUNTRY_TVCONFIG_MAP>";
-    }
-    void write(const std::string& name, const std::string& text) const {
-        mSet.dir().write("tvconfigs/" + name, text);
-    }
-
-    template <typename Interface, typename... Parameters, typename... Arguments>
-    static std::string asked(Interface& object,
-                             ::android::hardware::Return<void> (Interface::*method)(Parameters...),
-                             const Arguments&... arguments) {
-        std::string answer;
-        const auto status = (object.*method)(arguments..., [&](const auto& got) {
-            std::ostringstream text;
-            text << got.success << " " << textOf(got.value);
-            answer = text.str();
-        });
-        return status.isOk() ? answer : status.isDeadObject() ? "dead" : status.description();
-    }
-    static std::string textOf(const ::android::hardware::hidl_string& text) { return text; }
-    static std::string textOf(int32_t number) { return std::to_string(number); }
-
-    HostSet mSet;
-    bool mRuns = false;
-    std::string mLog;
-};
 
 std::map<std::string, std::string> preloaded(const HostSet& set) {
     return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
@@ -199,19 +60,27 @@ const Reference& reference() {
     return theReference;
 }
 
+/// Where the digital system can be read nowhere, its default goes to the property.
+bool isDefaultSystem(const std::string& name, const std::string& content) {
+    return name == "persist.vendor.mlk.tv.dtv_system" && content == "0";
+}
+
 /// After whatever happened: each file holds what it held at some moment of a run without faults,
 /// and the process starts and answers.
 void expectWhole(Scenario& scenario) {
     const State state = scenario.state();
     for (const auto& [name, content] : state) {
+        if (isDefaultSystem(name, content)) {
+            continue;
+        }
         const bool known = std::any_of(reference().states.begin(), reference().states.end(),
                                        [&, &key = name, &text = content](const State& one) {
                                            return one.at(key) == text;
                                        });
         EXPECT_TRUE(known) << name << " holds: " << content;
     }
-    const std::vector<std::string> answers = scenario.run({});
-    EXPECT_EQ(answers, reference().answers);
+    scenario.expectNoEnd();
+    EXPECT_EQ(scenario.run({}), reference().answers);
 }
 
 TEST(FaultsTest, RunWithoutFaults) {
@@ -264,31 +133,108 @@ constexpr const char* kInputOutputError = "5";
 constexpr const char* kNoSpace = "28";
 static_assert(EINTR == 4 && EIO == 5 && ENOSPC == 28);
 
-INSTANTIATE_TEST_SUITE_P(Errors, EachCallTest,
-                         ::testing::Values(Fault{"open", kInputOutputError, false},
-                                           Fault{"read", kInputOutputError, false},
-                                           Fault{"write", kNoSpace, false},
-                                           Fault{"fsync", kInputOutputError, false},
-                                           Fault{"close", kInputOutputError, true},
-                                           Fault{"ftruncate", kInputOutputError, false},
-                                           Fault{"mkdir", kNoSpace, false},
-                                           Fault{"rename", kNoSpace, false},
-                                           Fault{"unlink", kInputOutputError, true}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+        Errors, EachCallTest,
+        ::testing::Values(Fault{"open", kInputOutputError, false}, Fault{"openw", kNoSpace, false},
+                          Fault{"access", kInputOutputError, false},
+                          Fault{"read", kInputOutputError, false}, Fault{"write", kNoSpace, false},
+                          Fault{"fsync", kInputOutputError, false},
+                          Fault{"close", kInputOutputError, true},
+                          Fault{"ftruncate", kInputOutputError, false},
+                          Fault{"mkdir", kNoSpace, false}, Fault{"rename", kNoSpace, false},
+                          Fault{"unlink", kInputOutputError, true}),
+        nameOf);
 
-INSTANTIATE_TEST_SUITE_P(Interruptions, EachCallTest,
-                         ::testing::Values(Fault{"open", kInterrupted, true},
-                                           Fault{"read", kInterrupted, true},
-                                           Fault{"write", kInterrupted, true},
-                                           Fault{"fsync", kInterrupted, true},
-                                           Fault{"close", kInterrupted, true},
-                                           Fault{"ftruncate", kInterrupted, true}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+        Interruptions, EachCallTest,
+        ::testing::Values(Fault{"open", kInterrupted, true}, Fault{"openw", kInterrupted, true},
+                          Fault{"read", kInterrupted, true}, Fault{"write", kInterrupted, true},
+                          Fault{"fsync", kInterrupted, true}, Fault{"close", kInterrupted, true},
+                          Fault{"ftruncate", kInterrupted, true}),
+        nameOf);
 
 INSTANTIATE_TEST_SUITE_P(Halves, EachCallTest,
                          ::testing::Values(Fault{"read", "short", true},
                                            Fault{"write", "short", true}),
                          nameOf);
+
+struct Lasting {
+    const char* name;
+    const char* fault;
+    std::string log;  ///< a part of one line that says so
+};
+
+void PrintTo(const Lasting& lasting, std::ostream* out) {
+    *out << lasting.fault;
+}
+
+class LastingTest : public ::testing::TestWithParam<Lasting> {};
+
+TEST_P(LastingTest, CostsWhatItTouchesOnly) {
+    Scenario scenario;
+    const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), GetParam().fault));
+    EXPECT_TRUE(scenario.runs()) << scenario.log();
+    EXPECT_EQ(answers.size(), reference().answers.size());
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), "dead"), 0);
+    EXPECT_THAT(scenario.log(), ::testing::ContainsRegex(GetParam().log));
+    expectWhole(scenario);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+        , LastingTest,
+        ::testing::Values(
+                Lasting{"FullDisk", "change 1+ 28",
+                        "E/MlkProjectConfigs.*project_id.bin: cannot be written: No space left"},
+                Lasting{"FullDiskUnderAnOpenFile", "write 1+ 28",
+                        "E/MlkProjectConfigs.*country_id.bin: cannot be written: No space left"},
+                Lasting{"ReadOnly", "change 1+ 30",
+                        "E/MlkProjectConfigs.*project_id.bin: cannot be written: Read-only"},
+                Lasting{"NoPermissionToRead", "open 1+ 13",
+                        "E/MlkProjectConfigs.*customer.ini: cannot be read: Permission denied"},
+                Lasting{"NoPermissionAtAll", "any 1+ 13",
+                        "E/MlkProjectConfigs.*partition .*/tvconfigs cannot be read: Permission"},
+                Lasting{"FailingDisk", "read 1+ 5",
+                        "E/MlkProjectConfigs.*customer.ini:0: cannot be read further: Input"}),
+        [](const ::testing::TestParamInfo<Lasting>& lasting) { return lasting.param.name; });
+
+/// A set some of whose partitions are missing.
+class MissingTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(MissingTest, PartitionIsToldOnceAndTheRestIsServed) {
+    Scenario scenario;
+    const std::string folder = scenario.set().dir().path(GetParam());
+    std::filesystem::remove_all(folder);
+    const std::vector<std::string> answers = scenario.run({});
+    EXPECT_TRUE(scenario.runs()) << scenario.log();
+    EXPECT_EQ(answers.size(), reference().answers.size());
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), "dead"), 0);
+    const std::string line = "partition " + folder + " cannot be read";
+    const size_t first = scenario.log().find(line);
+    EXPECT_NE(first, std::string::npos) << scenario.log();
+    EXPECT_EQ(scenario.log().find(line, first + 1), std::string::npos) << scenario.log();
+}
+
+INSTANTIATE_TEST_SUITE_P(, MissingTest, ::testing::Values("tvconfigs", "tvdata", "impdata"));
+
+/// One of so many allocations fails. The process may end, but it starts again.
+TEST(FaultsTest, NoMemoryForOneAllocation) {
+    const auto allocations = reference().calls.find("memory");
+    if (allocations == reference().calls.end()) {
+        GTEST_SKIP() << "a sanitizer has the memory";
+    }
+    constexpr int kTried = 60;
+    for (int i = 0; i < kTried; ++i) {
+        const int number = 1 + allocations->second * i / kTried;
+        const std::string fault = "memory " + std::to_string(number) + " 12";
+        SCOPED_TRACE(fault);
+        Scenario scenario;
+        const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), fault));
+        if (answers.front() == "started") {
+            EXPECT_TRUE(scenario.runs()) << "a call that runs out of memory costs that call";
+        }
+        expectWhole(scenario);
+    }
+}
 
 /// One of so many equal parts of all calls, so that they run beside one another.
 class EachMomentTest : public ::testing::TestWithParam<int> {
@@ -301,6 +247,7 @@ TEST_P(EachMomentTest, IsTheLast) {
         const std::string fault = "any " + std::to_string(number) + " kill";
         SCOPED_TRACE(fault);
         Scenario scenario;
+        scenario.expectEnd();
         scenario.run(faulty(scenario.set(), fault));
         EXPECT_FALSE(scenario.runs());
         expectWhole(scenario);

@@ -6,9 +6,10 @@
 //   MLK_FAULT_LOG     every such call is written there, its name a line
 //   MLK_FAULT_AT      "NAME NUMBER ACTION": the call of that name and number, from 1 on, comes to
 //                     ACTION: an errno (5), "kill", "short" (half of what was asked is done).
-//                     NUMBER may be "3+": that call and all later ones. NAME may be "any".
+//                     NUMBER may be "3+": that call and all later ones. NAME may be "any", or
+//                     "change": what changes files or folders.
 //
-// "memory" is a call too: each allocation by operator new.
+// "memory" is a call too: each allocation by operator new. An open() that may write is "openw".
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -92,6 +93,22 @@ void watch(int descriptor, bool watched) {
     }
 }
 
+bool isMeant(const char* call, const char* name) {
+    if (strcmp(call, name) == 0) {
+        return true;
+    }
+    if (strcmp(name, "change") == 0) {
+        constexpr const char* kChanges[] = {"openw", "write",  "fsync", "ftruncate",
+                                            "mkdir", "rename", "unlink"};
+        for (const char* const change : kChanges) {
+            if (strcmp(call, change) == 0) {
+                return true;
+            }
+        }
+    }
+    return strcmp(name, "any") == 0 && strcmp(call, "memory") != 0;
+}
+
 // What becomes of this call: nothing, an errno, or kShort. Does not come back from kKill.
 int fateOf(const char* call) {
     const Plan& thePlan = plan();
@@ -102,9 +119,7 @@ int fateOf(const char* call) {
         line[size] = '\n';
         (void)syscall(SYS_write, thePlan.log, line, size + 1);
     }
-    const bool isMemory = strcmp(call, "memory") == 0;
-    if (thePlan.action == kNoFault ||
-        (strcmp(thePlan.name, call) != 0 && (isMemory || strcmp(thePlan.name, "any") != 0))) {
+    if (thePlan.action == kNoFault || !isMeant(call, thePlan.name)) {
         return kNoFault;
     }
     const long number = ++sCount;
@@ -135,7 +150,8 @@ Result pass(const char* name, bool counts, const Call& call) {
 
 int openAt(int folder, const char* path, int flags, mode_t mode) {
     const bool counts = isBelow(path);
-    const int descriptor = pass<int>("open", counts, [&] {
+    const char* const name = (flags & O_ACCMODE) == O_RDONLY ? "open" : "openw";
+    const int descriptor = pass<int>(name, counts, [&] {
         return static_cast<int>(syscall(SYS_openat, folder, path, flags, mode));
     });
     watch(descriptor, counts);
@@ -210,6 +226,12 @@ int fdatasync(int descriptor) {
 int ftruncate(int descriptor, off_t size) {
     return pass<int>("ftruncate", isWatched(descriptor),
                      [&] { return static_cast<int>(syscall(SYS_ftruncate, descriptor, size)); });
+}
+
+int access(const char* path, int mode) {
+    return pass<int>("access", isBelow(path), [&] {
+        return static_cast<int>(syscall(SYS_faccessat, AT_FDCWD, path, mode));
+    });
 }
 
 int mkdir(const char* path, mode_t mode) {
