@@ -67,10 +67,11 @@ enum Code : uint32_t {
     BYTES = 25,
 };
 
-// A connection to the service "default" of IEverything in a runtime folder.
+// A connection to the service "default" of an interface in a runtime folder.
 class RawClient {
   public:
-    explicit RawClient(const std::string& runtime);
+    explicit RawClient(const std::string& runtime);  // IEverything
+    RawClient(const std::string& runtime, const std::string& interface);
 
     // Takes the server's hello; false when it is none.
     bool hello();
