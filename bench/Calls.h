@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "bench/Started.h"
 
 namespace mlk::bench {
 
@@ -30,13 +33,31 @@ struct Payload {
 /// One way to ask a server that is a process of its own.
 struct CallContestant {
     const char* name;
-    /// The server, beside this program, and its arguments.
+    /// The server, a program beside this one, and its arguments.
     std::vector<std::string> server;
     /// What it has in the runtime folder once it can be connected to.
     std::set<std::string> entries;
     /// A client's connection to it.
     std::unique_ptr<Caller> (*connect)(const Payload& payload);
 };
+
+/// Starts the contestant's server and waits for it.
+Started startServer(const CallContestant& contestant);
+
+/// What a program of calls measures.
+struct CallsProgram {
+    /// Who takes part, for a payload.
+    std::function<std::vector<CallContestant>(const Payload&)> contestants;
+    /// Finds out the payload; a set is there.
+    std::function<Payload()> payload;
+    /// Calls that are timed one by one.
+    int calls;
+    /// How many clients at once, beside 4, for what is named "growth-calls".
+    std::vector<size_t> clients;
+};
+
+/// The main function of such a program: measures, or is a client of one.
+int callsMain(int argc, char** argv, const CallsProgram& program);
 
 /// The product: the real service and the generated client.
 CallContestant ours();

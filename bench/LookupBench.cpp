@@ -1,4 +1,6 @@
-// Asking the store for one of its items: "lookup/CONTESTANT/ITEMS", nanoseconds an answer.
+// Asking the store for one of its items, nanoseconds an answer:
+//   "lookup/CONTESTANT/ITEMS"
+//   "growth-lookup/CONTESTANT/ITEMS"  the same at other sizes, of the limit and of ours
 //
 // The items asked for are those that name files, as most getters' do, in no order. Their texts are
 // too long to be kept inside a std::string, so every answer takes memory of its own.
@@ -10,6 +12,7 @@
 
 #include "bench/Measure.h"
 #include "bench/ProductLine.h"
+#include "bench/peers/IniStores.h"
 #include "projectconfigs/ProjectParser.h"
 
 namespace mlk::bench {
@@ -19,74 +22,112 @@ namespace {
 using vendor::morlak::mlkconfigs::V1_0::implementation::ConfigKey;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectParser;
 
-struct Questions {
-    testing::HostSet set;
-    ProjectText project;
-    std::string customer;
-    std::vector<ConfigKey> keys;
-    std::vector<std::string> answers;
+/// The product's store, asked as the others are.
+class OurStore {
+  public:
+    OurStore(const std::string& customer, const Mounts& mounts)
+        : mParser(mounts.tvdata, mounts.tvconfigs, mounts.impdata) {
+        mParser.update(customer.c_str(), 1, "DEFAULT_BOARD_ID");
+    }
+    std::string getInfo(const Question& question) const {
+        return mParser.getInfo(ConfigKey(question.category, question.key));
+    }
 
-    explicit Questions(size_t items)
-        : project(projectOfItems(items)), customer(writeProject(set, project)) {
-        std::vector<Item> asked;
-        std::copy_if(project.items.begin(), project.items.end(), std::back_inserter(asked),
-                     [](const Item& item) { return isPath(item.value); });
-        std::shuffle(asked.begin(), asked.end(), std::mt19937(1));
-        for (const Item& item : asked) {
-            keys.emplace_back(item.category, item.key);
-            answers.push_back(item.value);
+  private:
+    ProjectParser mParser;
+};
+
+struct Asked {
+    testing::HostSet set;
+    std::string customer;
+    std::string tvdata = set.tvdata();
+    std::string tvconfigs = set.tvconfigs();
+    std::string impdata = set.impdata();
+    Mounts mounts = {tvdata.c_str(), tvconfigs.c_str(), impdata.c_str()};
+    std::vector<Question> questions;
+
+    explicit Asked(size_t items) {
+        const ProjectText project = projectOfItems(items);
+        customer = writeProject(set, project);
+        for (const Item& item : project.items) {
+            if (!isPath(item.value)) continue;
+            const std::string section = item.category.substr(1, item.category.size() - 2);
+            questions.push_back({item.category, section, item.key});
         }
+        std::shuffle(questions.begin(), questions.end(), std::mt19937(1));
     }
 };
 
-// Copying a text whose place is known.
-void measureLimit(benchmark::State& state, size_t items) {
-    const Questions questions(items);
-    const auto askAll = [&] {
-        for (const std::string& answer : questions.answers) {
-            std::string copy(answer);
-            benchmark::DoNotOptimize(copy);
-        }
-    };
-    measureMedian(state, askAll, static_cast<double>(questions.answers.size()));
+bool isNothing(const std::string& answer) {
+    return answer.empty();
+}
+bool isNothing(const KeyFileStore::Text& answer) {
+    return answer == nullptr;
 }
 
-void measureOurs(benchmark::State& state, size_t items) {
-    const Questions questions(items);
-    const std::string tvdata = questions.set.tvdata();
-    const std::string tvconfigs = questions.set.tvconfigs();
-    const std::string impdata = questions.set.impdata();
-    ProjectParser parser(tvdata.c_str(), tvconfigs.c_str(), impdata.c_str());
-    parser.update(questions.customer.c_str(), 1, "DEFAULT_BOARD_ID");
-    for (const ConfigKey& key : questions.keys) {
-        if (parser.getInfo(key).empty()) state.SkipWithError("an item is missing");
+template <typename Store>
+void measureStore(benchmark::State& state, const Asked& asked, const std::string& path) {
+    const Store store(path, asked.mounts);
+    for (const Question& question : asked.questions) {
+        if (isNothing(store.getInfo(question))) state.SkipWithError("an item is missing");
     }
     const auto askAll = [&] {
-        for (const ConfigKey& key : questions.keys) {
-            std::string answer = parser.getInfo(key);
+        for (const Question& question : asked.questions) {
+            const auto answer = store.getInfo(question);
             benchmark::DoNotOptimize(answer);
         }
     };
-    measureMedian(state, askAll, static_cast<double>(questions.keys.size()));
+    measureMedian(state, askAll, static_cast<double>(asked.questions.size()));
+}
+
+void measureOurs(benchmark::State& state, const Asked& asked) {
+    measureStore<OurStore>(state, asked, asked.customer);
+}
+
+template <typename Store>
+void measurePeer(benchmark::State& state, const Asked& asked) {
+    measureStore<Store>(state, asked, asked.set.dir().path("tvconfigs/project.ini"));
+}
+
+// Copying a text whose place is known.
+void measureLimit(benchmark::State& state, const Asked& asked) {
+    const OurStore store(asked.customer, asked.mounts);
+    std::vector<std::string> answers;
+    for (const Question& question : asked.questions) answers.push_back(store.getInfo(question));
+    const auto copyAll = [&] {
+        for (const std::string& answer : answers) {
+            const std::string copy(answer);
+            benchmark::DoNotOptimize(copy);
+        }
+    };
+    measureMedian(state, copyAll, static_cast<double>(answers.size()));
 }
 
 struct Contestant {
     const char* name;
-    void (*measure)(benchmark::State& state, size_t items);
+    void (*measure)(benchmark::State& state, const Asked& asked);
 };
-constexpr Contestant kContestants[] = {{"limit", measureLimit}, {"ours", measureOurs}};
+constexpr Contestant kBoth[] = {{"limit", measureLimit}, {"ours", measureOurs}};
+constexpr Contestant kPeers[] = {{"literal", measurePeer<LiteralStore>},
+                                 {"GKeyFile", measurePeer<KeyFileStore>},
+                                 {"std::map", measurePeer<MapStore>},
+                                 {"sorted vector", measurePeer<SortedStore>}};
+
+void add(const char* family, const Contestant& contestant, size_t items, int iterations) {
+    const std::string name =
+            std::string(family) + "/" + contestant.name + "/" + std::to_string(items);
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+        contestant.measure(state, Asked(items));
+    })->Iterations(iterations);
+}
 
 void registerAll() {
-    for (const size_t items : {size_t{5000}}) {
-        for (const Contestant& contestant : kContestants) {
-            benchmark::RegisterBenchmark(
-                    (std::string("lookup/") + contestant.name + "/" + std::to_string(items))
-                            .c_str(),
-                    [&contestant, items](benchmark::State& state) {
-                        contestant.measure(state, items);
-                    })
-                    ->Iterations(200);
-        }
+    for (const Contestant& one : kBoth) add("lookup", one, 5000, 200);
+    for (const Contestant& one : kPeers) add("lookup", one, 5000, 50);
+    for (const Contestant& one : kBoth) {
+        add("growth-lookup", one, 500, 1000);
+        add("growth-lookup", one, 5000, 200);
+        add("growth-lookup", one, 50000, 20);
     }
 }
 

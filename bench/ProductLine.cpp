@@ -70,12 +70,11 @@ std::string countryList(size_t countries) {
     return text;
 }
 
-std::string systemFile(size_t models) {
+std::string systemFile(size_t models, const std::string& last) {
     std::string text = "[MODELS]\n";
     for (size_t i = 1; i <= models; ++i) {
-        const bool last = i == models;
-        text += "Model_" + std::to_string(i) + " = \"/tvconfigs/model/" +
-                (last ? "BENCH" : "TRQ" + std::to_string(i)) + ".ini\"\n";
+        text += "Model_" + std::to_string(i) + " = \"" +
+                (i == models ? last : "/tvconfigs/model/TRQ" + std::to_string(i) + ".ini") + "\"\n";
     }
     return text;
 }
@@ -87,7 +86,7 @@ void writeProductLine(testing::HostSet& set, const Size& size) {
     const testing::TempDir& dir = set.dir();
     dir.write("tvconfigs/customer.ini",
               "CUSTOMER_ID = BENCH\nSYS_INI     = \"/tvconfigs/system/bench.ini\"\n");
-    dir.write("tvconfigs/system/bench.ini", systemFile(size.models));
+    dir.write("tvconfigs/system/bench.ini", systemFile(size.models, "/tvconfigs/model/BENCH.ini"));
     dir.write("tvconfigs/model/BENCH.ini", projectOfItems(size.items).text);
     dir.write("tvconfigs/bench/tvsys.xml", tvSystems());
     dir.write("tvconfigs/bench/countries.xml", countryMap(size.countries));
@@ -97,8 +96,8 @@ void writeProductLine(testing::HostSet& set, const Size& size) {
     dir.write("tvdata/tvsysmap/country_id.bin", "COUNTRY_ID=1\n");
 }
 
-std::string writeProject(const testing::HostSet& set, const ProjectText& project) {
-    set.dir().write("tvconfigs/system.ini", "Model_1=/tvconfigs/project.ini\n");
+std::string writeProject(const testing::HostSet& set, const ProjectText& project, size_t models) {
+    set.dir().write("tvconfigs/system.ini", systemFile(models, "/tvconfigs/project.ini"));
     set.dir().write("tvconfigs/project.ini", project.text);
     return set.dir().write("tvconfigs/customer.ini",
                            "CUSTOMER_ID=1\nSYS_INI=/tvconfigs/system.ini\n");

@@ -23,7 +23,9 @@ constexpr const char* kPanelName = "OSMR-43U60-B2";
 /// a set that has been in use.
 void writeProductLine(testing::HostSet& set, const Size& size);
 
-/// Makes it a set whose model file is this, and which has no board file; gives the customer file.
-std::string writeProject(const testing::HostSet& set, const ProjectText& project);
+/// Makes it a set whose last of so many models has this file, and which has no board file; gives
+/// the customer file.
+std::string writeProject(const testing::HostSet& set, const ProjectText& project,
+                         size_t models = 1);
 
 }  // namespace mlk::bench

@@ -1,8 +1,12 @@
-// Starting the service: "start/CONTESTANT/ITEMS", nanoseconds from before the process is made to
-// the third name in the runtime folder, and "resident/CONTESTANT/ITEMS", bytes once it is idle.
-//
-// Model files of so many items, 200 countries, no names left from a start before.
+// Starting the service, nanoseconds from before the process is made to the third name in the
+// runtime folder; no names are left from a start before:
+//   "start/CONTESTANT/ITEMS"                 with so many items, 10 models, 200 countries
+//   "growth-start/CONTESTANT/ITEMS"          the same, at other sizes
+//   "growth-start-models/CONTESTANT/MODELS"  with 500 items, 200 countries
+//   "growth-start-countries/CONTESTANT/COUNTRIES"  with 500 items, 10 models
+// and "resident/CONTESTANT/ITEMS", bytes once it is idle.
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,8 +17,6 @@
 namespace mlk::bench {
 
 namespace {
-
-constexpr int kStarts = 5;
 
 struct Contestant {
     const char* name;
@@ -34,41 +36,64 @@ double medianOf(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-template <typename Take>
-void measure(benchmark::State& state, const Contestant& contestant, size_t items,
-             const Take& take) {
+double timeOf(const Started& process) {
+    return static_cast<double>(process.timeToReady().count());
+}
+
+double residentOf(const Started& process) {
+    return static_cast<double>(process.residentWhenIdle());
+}
+
+// All contestants in turn, so that a machine that becomes slower becomes so for all of them: the
+// median of each.
+std::vector<double> measureInTurn(const Size& size, int starts, double (*take)(const Started&)) {
     testing::HostSet set;
-    writeProductLine(set, {items});
-    const std::vector<std::string> argv = {programBeside(contestant.program)};
-    { const Started warm(argv, contestant.entries); }
-    std::vector<double> values;
-    for (auto _ : state) values.push_back(take(Started(argv, contestant.entries)));
-    state.counters[kValue] = medianOf(values);
+    writeProductLine(set, size);
+    std::vector<std::vector<double>> values(contestants().size());
+    // The first start of each brings its program and its files into the page cache.
+    for (int i = -1; i < starts; ++i) {
+        for (size_t who = 0; who < values.size(); ++who) {
+            const Contestant& contestant = contestants()[who];
+            const double value =
+                    take(Started({programBeside(contestant.program)}, contestant.entries));
+            if (i >= 0) values[who].push_back(value);
+        }
+    }
+    std::vector<double> medians;
+    for (const std::vector<double>& ofOne : values) medians.push_back(medianOf(ofOne));
+    return medians;
+}
+
+void add(const char* family, const Size& size, size_t number, int starts,
+         double (*take)(const Started&)) {
+    const auto medians = std::make_shared<std::vector<double>>();
+    for (size_t who = 0; who < contestants().size(); ++who) {
+        const std::string name =
+                std::string(family) + "/" + contestants()[who].name + "/" + std::to_string(number);
+        const auto measure = [=](benchmark::State& state) {
+            for (auto _ : state) {
+                if (medians->empty()) *medians = measureInTurn(size, starts, take);
+            }
+            state.counters[kValue] = (*medians)[who];
+        };
+        benchmark::RegisterBenchmark(name.c_str(), measure)->Iterations(1);
+    }
 }
 
 void registerAll() {
+    constexpr int kStarts = 9;
     for (const size_t items : {size_t{500}, size_t{5000}}) {
-        const std::string size = "/" + std::to_string(items);
-        for (const Contestant& contestant : contestants()) {
-            benchmark::RegisterBenchmark(
-                    (std::string("start/") + contestant.name + size).c_str(),
-                    [&contestant, items](benchmark::State& state) {
-                        measure(state, contestant, items, [](const Started& process) {
-                            return static_cast<double>(process.timeToReady().count());
-                        });
-                    })
-                    ->Iterations(kStarts);
-        }
+        add("start", {items}, items, kStarts, timeOf);
     }
-    for (const Contestant& contestant : contestants()) {
-        benchmark::RegisterBenchmark(
-                (std::string("resident/") + contestant.name + "/5000").c_str(),
-                [&contestant](benchmark::State& state) {
-                    measure(state, contestant, 5000, [](const Started& process) {
-                        return static_cast<double>(process.residentWhenIdle());
-                    });
-                })
-                ->Iterations(1);
+    add("resident", {5000}, 5000, 1, residentOf);
+    for (const size_t items : {size_t{500}, size_t{5000}, size_t{50000}}) {
+        add("growth-start", {items}, items, kStarts, timeOf);
+    }
+    for (const size_t models : {size_t{10}, size_t{100}, size_t{1000}}) {
+        add("growth-start-models", {500, models}, models, kStarts, timeOf);
+    }
+    for (const size_t countries : {size_t{20}, size_t{60}, size_t{200}}) {
+        add("growth-start-countries", {500, 10, countries}, countries, kStarts, timeOf);
     }
 }
 

@@ -1,4 +1,4 @@
-"""What ./run bench says: the rows, and how they are computed from what was measured.
+"""What ./run bench says of ratios: the rows, and how they are computed from what was measured.
 
 Measurements are a dict from a benchmark's name, "FAMILY/CONTESTANT/SIZE", to its numbers, one a
 round. The contestant "limit" is the least that the job takes, "ours" is the product; all others of
@@ -7,6 +7,10 @@ a family and size are peers and stand beside the row of themselves.
 
 from dataclasses import dataclass
 from statistics import median, quantiles
+from typing import Optional
+
+import growth
+from quantity import quantity
 
 
 @dataclass(frozen=True)
@@ -17,17 +21,22 @@ class Row:
     title: str
     family: str
     size: str
-    goal: float
+    goal: Optional[float]  # None: shown for what it explains
     more_is_better: bool = False
     over: str = ""  # another benchmark in place of the family's limit
     against_peers: bool = False  # how often ours goes into the best peer
 
 
 ROWS = (
-    Row("parse-5000", "project INI of 5,000 lines into the store", "parse", "5000", 10),
+    Row("parse-5000", "project INI of 5,000 lines into the ordered store", "parse", "5000", 10),
+    Row("update-5000", "the same, its order not asked for", "update", "5000", None,
+        over="parse/limit/5000"),
     Row("parse-5000-peers", "5,000 lines: times as fast as the best peer", "parse", "5000", 2,
         more_is_better=True, against_peers=True),
-    Row("parse-100000", "project INI of 100,000 lines into the store", "parse", "100000", 9),
+    Row("parse-100000", "project INI of 100,000 lines into the ordered store", "parse", "100000",
+        9),
+    Row("update-100000", "the same, its order not asked for", "update", "100000", None,
+        over="parse/limit/100000"),
     Row("parse-100000-peers", "100,000 lines: times as fast as the best peer", "parse", "100000", 2,
         more_is_better=True, against_peers=True),
     Row("reparse-5000", "5,000 lines again, over the first time", "reparse", "5000", 1.05,
@@ -84,49 +93,44 @@ def evaluate(measured, row):
             return None
         best = (max if row.family == "calls" else min)(peers, key=peers.get)
         value = ratio(measured[f"{row.family}/{best}/{row.size}"], ours)
-        peers = {best: 1.0}
+        peers = {best: value}
     return {
         "name": row.name,
         "title": row.title,
         "ratio": round(value, 3),
         "goal": row.goal,
         "better": "more" if row.more_is_better else "less",
-        "reached": value >= row.goal if row.more_is_better else value <= row.goal,
+        "reached": None if row.goal is None else
+                   value >= row.goal if row.more_is_better else value <= row.goal,
         "ours": round(median(ours), 1),
         "limit": round(median(basis), 1),
         "unit": UNITS.get(row.family, "ns"),
         "noise": round(spread(basis), 3),
-        "peers": {} if row.against_peers else {name: round(r, 3) for name, r in peers.items()},
+        "peers": {name: round(r, 3) for name, r in peers.items()},
     }
 
 
 def report(measured, rounds, machine):
     """Everything that is said, as one object for JSON."""
     rows = [evaluate(measured, row) for row in ROWS]
-    return {"machine": machine, "rounds": rounds, "rows": [row for row in rows if row]}
-
-
-def quantity(value, unit):
-    """A number with a unit that suits it: "27.3 us"."""
-    if unit == "/s":
-        return f"{value / 1000:.1f} k/s"
-    if unit == "bytes":
-        return f"{value / 1e6:.2f} MB"
-    for factor, name in ((1e6, "ms"), (1e3, "us")):
-        if value >= factor:
-            return f"{value / factor:.3g} {name}"
-    return f"{value:.3g} ns"
+    return {
+        "machine": machine,
+        "rounds": rounds,
+        "rows": [row for row in rows if row],
+        "growth": growth.evaluate(measured),
+    }
 
 
 def cells(row):
     """A row of the table as texts."""
     peers = sorted(row["peers"].items(), key=lambda peer: peer[1],
                    reverse=row["better"] == "more")
+    sign = ">=" if row["better"] == "more" else "<="
     return (
         row["title"],
         f"{row['ratio']:.2f}",
-        f"{'>=' if row['better'] == 'more' else '<='} {row['goal']:g}",
-        "yes" if row["reached"] else "NO",
+        "" if row["goal"] is None else f"{sign} {row['goal']:g}",
+        {None: "", True: "yes", False: "NO"}[row["reached"]],
         quantity(row["limit"], row["unit"]),
         f"{row['noise'] * 100:.0f} %",
         ", ".join(f"{name} {value:.2f}" for name, value in peers),
@@ -136,21 +140,26 @@ def cells(row):
 HEADINGS = ("measured", "ratio", "goal", "reached", "limit", "noise", "peers' ratios")
 
 
+def aligned(lines, left):
+    """Lines of cells as texts with a rule under the first; `left` are the columns of words."""
+    widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
+    lines.insert(1, tuple("-" * width for width in widths))
+    return ["  ".join(cell.ljust(width) if i in left else cell.rjust(width)
+                      for i, (cell, width) in enumerate(zip(line, widths))).rstrip()
+            for line in lines]
+
+
 def table(full):
     """The report for a person to read."""
-    lines = [HEADINGS] + [cells(row) for row in full["rows"]]
-    widths = [max(len(line[i]) for line in lines) for i in range(len(HEADINGS))]
-    lines.insert(1, tuple("-" * width for width in widths))
-    rendered = []
-    for line in lines:
-        texts = [line[0].ljust(widths[0])]
-        texts += [text.rjust(width) for text, width in zip(line[1:6], widths[1:6])]
-        texts.append(line[6])
-        rendered.append("  ".join(texts).rstrip())
+    lines = []
+    if full["rows"]:
+        lines += aligned([HEADINGS] + [cells(row) for row in full["rows"]], (0, 6)) + [""]
+    if full["growth"]:
+        lines += aligned([growth.HEADINGS] + [growth.cells(one) for one in full["growth"]],
+                         (0, 1)) + [""]
     machine = full["machine"]
-    rendered.append("")
-    rendered.append(f"Medians of {full['rounds']} interleaved rounds; noise is the distance of the "
-                    "quartiles of the limit's own rounds.")
-    rendered.append(f"{machine['cores']} cores, {machine['processor']}, Linux {machine['kernel']}, "
-                    f"{machine['date']}.")
-    return "\n".join(rendered)
+    lines.append(f"Medians of {full['rounds']} interleaved rounds; noise is the distance of the "
+                 "quartiles of the limit's own rounds.")
+    lines.append(f"{machine['cores']} cores, {machine['processor']}, Linux {machine['kernel']}, "
+                 f"{machine['date']}.")
+    return "\n".join(lines)

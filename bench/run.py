@@ -2,7 +2,7 @@
 """Measures the product beside its limits and its peers, and prints the ratios.
 
 Every round runs every benchmark once, one after the other, so that a machine that becomes slower
-becomes so for all of them.
+becomes so for all of them. Growth is measured in a few of the rounds only.
 """
 
 import argparse
@@ -15,13 +15,15 @@ import subprocess
 import sys
 import tempfile
 
+import picture
 import report
 
 # A start takes long and its time scatters: it is measured in several pieces of every round.
 PROGRAMS = ("bench_parse", "bench_start", "bench_lookup", "bench_start", "bench_calls",
-            "bench_start")
+            "bench_start", "bench_call_peers")
 ROUNDS = 11
 QUICK_ROUNDS = 2
+GROWTH_EVERY = 4  # rounds
 
 
 def name_of(run_name):
@@ -30,37 +32,73 @@ def name_of(run_name):
                   run_name)
 
 
-def run_once(program, name_filter):
-    """Runs those of a program's benchmarks that match; a dict from name to number."""
+def command_of(program):
+    """What runs a program: nothing sets the log's filter, and its lines go where those of a daemon
+    go."""
+    environment = {name: value for name, value in os.environ.items()
+                   if name != "ANDROID_LOG_TAGS"}
+    return {"args": [program], "env": environment, "stdin": subprocess.DEVNULL,
+            "stderr": subprocess.DEVNULL, "check": False}
+
+
+def complain(program, what):
+    sys.exit(f"{program}: {what}; run it by itself to see why")
+
+
+def listed(program):
+    """The names of a program's benchmarks, in full."""
+    command = command_of(program)
+    command["args"].append("--benchmark_list_tests")
+    done = subprocess.run(**command, stdout=subprocess.PIPE, text=True)
+    if done.returncode != 0:
+        complain(program, f"has failed with status {done.returncode}")
+    return done.stdout.split("\n")[:-1]
+
+
+def exactly(names):
+    """A pattern that only these names match."""
+    return "^(" + "|".join(re.sub(r"[.+*?()]", r"[\g<0>]", name) for name in names) + ")$"
+
+
+def run_once(program, names):
+    """Runs these of a program's benchmarks; a dict from name to number."""
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
-        command = [program, f"--benchmark_filter={name_filter}", f"--benchmark_out={out.name}",
-                   "--benchmark_out_format=json"]
-        # Nothing sets the log's filter, and its lines go where those of a daemon go.
-        environment = {name: value for name, value in os.environ.items()
-                       if name != "ANDROID_LOG_TAGS"}
-        status = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                check=False).returncode
+        command = command_of(program)
+        command["args"] += [f"--benchmark_filter={exactly(names)}", f"--benchmark_out={out.name}",
+                            "--benchmark_out_format=json"]
+        status = subprocess.run(**command, stdout=subprocess.DEVNULL).returncode
         if status != 0:
-            sys.exit(f"{program} has failed with status {status}; run it by itself to see why")
+            complain(program, f"has failed with status {status}")
         text = out.read()
-    # The filter may leave a program nothing to do.
-    runs = json.loads(text)["benchmarks"] if text else []
+        runs = json.loads(text)["benchmarks"] if text else []
     failed = [run["name"] for run in runs if run.get("error_occurred")]
-    if failed:
-        sys.exit(f"{program}: {', '.join(failed)} has failed; run it by itself to see why")
+    if failed or len(runs) != len(names):
+        complain(program, ", ".join(failed or names) + " has failed")
     return {name_of(run["run_name"]): run["value"] for run in runs}
+
+
+def chosen(names, name_filter, number):
+    """Those that match and that a round measures."""
+    return [name for name in names if re.search(name_filter, name_of(name)) and
+            (number % GROWTH_EVERY == 1 or not name.startswith("growth-"))]
 
 
 def measure(folder, rounds, name_filter):
     """All rounds: a dict from name to numbers."""
+    names = {program: listed(os.path.join(folder, program)) for program in set(PROGRAMS)}
     measured = {}
     for number in range(1, rounds + 1):
         if sys.stderr.isatty():
             print(f"\rround {number} of {rounds} ", end="", file=sys.stderr, flush=True)
+        seen = set()
         for program in PROGRAMS:
-            for name, value in run_once(os.path.join(folder, program), name_filter).items():
-                measured.setdefault(name, []).append(value)
+            now = chosen(names[program], name_filter, number)
+            # Growth once a round, however often the program runs.
+            now = [name for name in now if name not in seen or not name.startswith("growth-")]
+            seen.update(now)
+            if now:
+                for name, value in run_once(os.path.join(folder, program), now).items():
+                    measured.setdefault(name, []).append(value)
     if sys.stderr.isatty():
         print("\r\033[K", end="", file=sys.stderr, flush=True)
     return measured
@@ -90,11 +128,15 @@ def main():
     parser.add_argument("--rounds", type=int, metavar="N", help=f"default {ROUNDS}")
     parser.add_argument("--filter", default=".", metavar="REGEX",
                         help="only benchmarks (FAMILY/CONTESTANT/SIZE) that match")
+    parser.add_argument("--svg", metavar="FILE", help="draw it, too")
     parser.add_argument("--folder", required=True, help=argparse.SUPPRESS)
     arguments = parser.parse_args()
     rounds = arguments.rounds or (QUICK_ROUNDS if arguments.quick else ROUNDS)
     measured = measure(arguments.folder, rounds, arguments.filter)
     full = report.report(measured, rounds, machine())
+    if arguments.svg:
+        with open(arguments.svg, "w", encoding="utf-8") as file:
+            file.write(picture.picture(full))
     print(json.dumps(full, indent=2) if arguments.json else report.table(full))
 
 

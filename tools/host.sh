@@ -12,7 +12,12 @@ clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 # For the tests of scripts, and of what only a device has: tests/device.
 device_packages=(blueprint-tools checkpolicy m4 python3)
 # For ./run bench.
-bench_packages=(libbenchmark-dev python3)
+bench_packages=(
+    libbenchmark-dev python3
+    # What it is measured beside.
+    capnproto dbus-daemon libboost-dev libcapnp-dev libglib2.0-dev libgrpc++-dev libinih-dev
+    libprotobuf-dev libsimpleini-dev libsystemd-dev pkgconf protobuf-compiler-grpc
+)
 
 # need PACKAGE...: installs those that are missing.
 need() {
