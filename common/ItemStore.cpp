@@ -15,6 +15,8 @@ namespace {
 constexpr size_t kFirstBlock = size_t{4} * 1024;
 constexpr size_t kLargestBlock = size_t{256} * 1024;
 constexpr size_t kFirstIndex = 32;
+constexpr size_t kUsualLine = 40;
+constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
 
 template <typename Word>
 uint64_t wordAt(const char* bytes) {
@@ -59,6 +61,18 @@ void put(char* place, std::string_view text) {
     place[text.size()] = '\0';
 }
 
+// For how long a value there is room.
+uint32_t roomAt(const char* texts) {
+    uint32_t room = 0;
+    std::memcpy(&room, texts - sizeof room, sizeof room);
+    return room;
+}
+
+// Whether an index has too few free places to find one soon.
+bool isFull(size_t items, size_t slots) {
+    return items * 4 >= slots * 3;
+}
+
 // Orders most texts as CompareStr does without looking at them: their length, then how they begin.
 uint64_t orderOf(std::string_view text) {
     constexpr size_t kBytes = 6;
@@ -82,6 +96,18 @@ void ItemStore::clear() {
     mIsOrdered = true;
 }
 
+void ItemStore::expect(size_t bytes) {
+    const size_t items = mItems.size() + std::min(bytes, kMostExpected) / kUsualLine;
+    mItems.reserve(items);
+    size_t slots = std::max(kFirstIndex, mIndex.size());
+    while (isFull(items, slots)) {
+        slots *= 2;
+    }
+    if (slots != mIndex.size()) {
+        growIndex(slots);
+    }
+}
+
 ItemStore::Section ItemStore::section(std::string_view name) {
     const auto known = mSectionsByName.find(name);
     if (known != mSectionsByName.end()) {
@@ -98,8 +124,8 @@ ItemStore::Section ItemStore::section(std::string_view name) {
 
 ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
                                       std::string_view value) {
-    if (mItems.size() * 2 >= mIndex.size()) {
-        growIndex();
+    if (isFull(mItems.size(), mIndex.size())) {
+        growIndex(std::max(kFirstIndex, mIndex.size() * 2));
     }
     SectionEntry& owner = mSections[section];
     const uint32_t hash = shortHashOf(owner.hash, key);
@@ -108,12 +134,9 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
         return {mIndex[slot].item, false};
     }
     const auto item = static_cast<Item>(mItems.size());
-    char* const keyPlace = place(key.size() + value.size() + 2);
-    char* const valuePlace = keyPlace + key.size() + 1;
-    put(keyPlace, key);
-    put(valuePlace, value);
-    mItems.push_back({keyPlace, valuePlace, static_cast<uint32_t>(key.size()),
-                      static_cast<uint32_t>(value.size()), static_cast<uint32_t>(value.size()),
+    char* const texts = placeTexts(key, value.size());
+    put(texts + key.size() + 1, value);
+    mItems.push_back({texts, static_cast<uint32_t>(key.size()), static_cast<uint32_t>(value.size()),
                       section, kNone});
     (owner.first == kNone ? owner.first : mItems[owner.last].next) = item;
     owner.last = item;
@@ -124,13 +147,11 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
 
 void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
-    if (value.size() > entry.valueRoom) {
+    if (value.size() > roomAt(entry.texts)) {
         // Twice what is needed: values that go on growing take no more than the last one does.
-        const size_t room = value.size() * 2;
-        entry.value = place(room + 1);
-        entry.valueRoom = static_cast<uint32_t>(room);
+        entry.texts = placeTexts(keyOf(item), value.size() * 2);
     }
-    put(entry.value, value);
+    put(entry.texts + entry.keySize + 1, value);
     entry.valueSize = static_cast<uint32_t>(value.size());
 }
 
@@ -192,6 +213,15 @@ char* ItemStore::place(size_t size) {
     return bytes;
 }
 
+// A place for a key and a value, with the key in it.
+char* ItemStore::placeTexts(std::string_view key, size_t valueRoom) {
+    const auto room = static_cast<uint32_t>(valueRoom);
+    char* const texts = place(sizeof room + key.size() + valueRoom + 2) + sizeof room;
+    std::memcpy(texts - sizeof room, &room, sizeof room);
+    put(texts, key);
+    return texts;
+}
+
 // The place of the item of these names in the index, or the free one where it belongs.
 size_t ItemStore::slotOf(uint32_t hash, std::string_view section, std::string_view key) const {
     const size_t mask = mIndex.size() - 1;
@@ -204,9 +234,9 @@ size_t ItemStore::slotOf(uint32_t hash, std::string_view section, std::string_vi
     }
 }
 
-void ItemStore::growIndex() {
+void ItemStore::growIndex(size_t slots) {
     const std::vector<Slot> former = std::move(mIndex);
-    mIndex.assign(std::max(kFirstIndex, former.size() * 2), Slot{0, kNone});
+    mIndex.assign(slots, Slot{0, kNone});
     const size_t mask = mIndex.size() - 1;
     for (const Slot& moved : former) {
         if (moved.item == kNone) {

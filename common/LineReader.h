@@ -57,6 +57,9 @@ class LineReader {
 
     const std::string& path() const { return mPath; }
 
+    /** Bytes of the file. */
+    size_t size() const { return mFile.size(); }
+
     /** Number of the line handed out last, from 1; 0 before the first. */
     size_t lineNumber() const { return mLineNumber; }
 

@@ -145,6 +145,7 @@ void ProjectParser::parse_project_ini(const char* path) {
         return;
     }
     LineReader reader(path, kProjectBufferSize, kTag);
+    mItems.expect(reader.size());
     ItemStore::Section section = mItems.section("");
     std::string_view line;
     while (reader.next(line)) {
