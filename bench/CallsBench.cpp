@@ -11,5 +11,5 @@ int main(int argc, char** argv) {
     const auto contestants = [](const Payload& sizes) {
         return std::vector<CallContestant>{pingPong(sizes), ours()};
     };
-    return callsMain(argc, argv, {contestants, payload, 20000, {1, 2, 4, 8, 16, 32, 64}});
+    return callsMain(argc, argv, {contestants, payload, 20000, {1, 2, 4, 8, 16, 64}});
 }

@@ -22,7 +22,8 @@ constexpr const char* kValue = "value";
 template <typename Operation>
 void measureMedian(benchmark::State& state, const Operation& operation, double things = 1) {
     using Clock = std::chrono::steady_clock;
-    for (int i = 0; i < 3; ++i) operation();
+    const auto warmUps = std::min<benchmark::IterationCount>(3, state.max_iterations / 2);
+    for (benchmark::IterationCount i = 0; i < warmUps; ++i) operation();
     std::vector<double> times;
     times.reserve(static_cast<size_t>(state.max_iterations));
     for (auto _ : state) {

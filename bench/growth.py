@@ -6,7 +6,7 @@ linear, 0 does not depend on the size, and a logarithm of 500 to 50,000 comes to
 
 from dataclasses import dataclass
 from math import log
-from statistics import linear_regression, median
+from statistics import linear_regression
 
 from quantity import decimals, quantity
 
@@ -43,10 +43,14 @@ def costs(values, unit):
     return [1 / value for value in values] if unit == "/s" else values
 
 
-def of_contestant(measured, family, contestant):
-    """Its sizes and the medians there, ascending."""
-    points = sorted((int(name.split("/")[2]), median(numbers)) for name, numbers in measured.items()
-                    if name.split("/")[:2] == [family, contestant])
+def of_contestant(measured, series, contestant):
+    """Its sizes, ascending, and what the least disturbed round found there.
+
+    Sizes are compared with each other, and are measured at different moments: what the machine
+    did meanwhile does not cancel out as it does in a ratio."""
+    best = max if series.unit == "/s" else min
+    points = sorted((int(name.split("/")[2]), best(numbers)) for name, numbers in measured.items()
+                    if name.split("/")[:2] == [series.family, contestant])
     return [size for size, _ in points], [value for _, value in points]
 
 
@@ -54,8 +58,8 @@ def evaluate(measured):
     """One dict a series that was measured at two sizes or more."""
     found = []
     for series in SERIES:
-        sizes, ours = of_contestant(measured, series.family, "ours")
-        limit_sizes, limit = of_contestant(measured, series.family, "limit")
+        sizes, ours = of_contestant(measured, series, "ours")
+        limit_sizes, limit = of_contestant(measured, series, "limit")
         if len(sizes) < 2 or limit_sizes != sizes:
             continue
         found.append({
