@@ -1,6 +1,7 @@
 #include "common/ItemStore.h"
 
 #include <android/log.h>
+#include <endian.h>
 
 #include <algorithm>
 #include <cstring>
@@ -15,6 +16,8 @@ namespace {
 constexpr size_t kFirstBlock = size_t{4} * 1024;
 constexpr size_t kLargestBlock = size_t{256} * 1024;
 constexpr size_t kFirstIndex = 32;
+// Behind the last text of a block, for what reads a word at a time.
+constexpr size_t kSlack = sizeof(uint64_t);
 constexpr size_t kUsualLine = 40;
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
 
@@ -74,13 +77,14 @@ bool isFull(size_t items, size_t slots) {
 }
 
 // Orders most texts as CompareStr does without looking at them: their length, then how they begin.
+// Reads eight bytes, which have to be there.
 uint64_t orderOf(std::string_view text) {
     constexpr size_t kBytes = 6;
-    uint64_t order = std::min<size_t>(text.size(), UINT16_MAX);
-    for (size_t i = 0; i < kBytes; ++i) {
-        order = order << 8 | (i < text.size() ? static_cast<uint8_t>(text[i]) : 0U);
+    uint64_t start = be64toh(wordAt<uint64_t>(text.data()));
+    if (text.size() < kBytes) {
+        start &= ~(UINT64_MAX >> (8 * text.size()));
     }
-    return order;
+    return uint64_t{std::min<size_t>(text.size(), UINT16_MAX)} << 48 | start >> 16;
 }
 
 }  // namespace
@@ -173,7 +177,8 @@ std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const 
     std::vector<Item> items;
     const auto known = mSectionsByName.find(section);
     if (known != mSectionsByName.end()) {
-        appendInOrder(mSections[known->second], items);
+        std::vector<Place> places;
+        appendInOrder(mSections[known->second], places, items);
     }
     return items;
 }
@@ -205,7 +210,7 @@ char* ItemStore::place(size_t size) {
     if (mBlock == mBlocks.size()) {
         const size_t usual = mBlocks.empty() ? kFirstBlock : mBlocks.back().size * 2;
         const size_t blockSize = std::max(size, std::min(usual, kLargestBlock));
-        mBlocks.push_back({std::unique_ptr<char[]>(new char[blockSize]), blockSize});
+        mBlocks.push_back({std::unique_ptr<char[]>(new char[blockSize + kSlack]), blockSize});
         mFilled = 0;
     }
     char* const bytes = mBlocks[mBlock].bytes.get() + mFilled;
@@ -260,18 +265,16 @@ void ItemStore::putInOrder() const {
               [](const auto* a, const auto* b) { return ConfigKey::CompareStr(a->name, b->name); });
     mOrder.clear();
     mOrder.reserve(mItems.size());
+    std::vector<Place> places;
     for (const SectionEntry* section : sections) {
-        appendInOrder(*section, mOrder);
+        appendInOrder(*section, places, mOrder);
     }
     mIsOrdered = true;
 }
 
-void ItemStore::appendInOrder(const SectionEntry& section, std::vector<Item>& items) const {
-    struct Place {
-        uint64_t order;
-        Item item;
-    };
-    std::vector<Place> places;
+void ItemStore::appendInOrder(const SectionEntry& section, std::vector<Place>& places,
+                              std::vector<Item>& items) const {
+    places.clear();
     for (Item item = section.first; item != kNone; item = mItems[item].next) {
         places.push_back({orderOf(keyOf(item)), item});
     }

@@ -93,6 +93,10 @@ class ItemStore {
         Section section;
         Item next;  // of the section
     };
+    struct Place {
+        uint64_t order;
+        Item item;
+    };
     struct Slot {
         uint32_t hash;
         Item item;
@@ -107,7 +111,8 @@ class ItemStore {
     size_t slotOf(uint32_t hash, std::string_view section, std::string_view key) const;
     void growIndex(size_t slots);
     void putInOrder() const;
-    void appendInOrder(const SectionEntry& section, std::vector<Item>& items) const;
+    void appendInOrder(const SectionEntry& section, std::vector<Place>& places,
+                       std::vector<Item>& items) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;

@@ -98,7 +98,7 @@ class LoadTest : public ::testing::Test {
         // What the allocators keep for the next call; the sanitizers keep more.
         constexpr size_t kSlack =
                 ::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer ? 96U << 20U
-                                                                                      : 1U << 20U;
+                                                                                      : 4U << 20U;
         EXPECT_LE(residentOf(pid()), resident + kSlack);
     }
 
