@@ -137,9 +137,9 @@ RawMessage bytesCall(uint32_t count) {
     return message;
 }
 
-RawClient::RawClient(const std::string& runtime)
+RawClient::RawClient(const std::string& runtime, const std::string& interface)
     : mSocket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const std::string path = runtime + "/" + IEverything::descriptor + ".default";
+    const std::string path = runtime + "/" + interface + ".default";
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     EXPECT_LT(path.size(), sizeof(address.sun_path));
