@@ -65,6 +65,7 @@ enum Code : uint32_t {
     TEXT = 3,
     FD = 5,
     LISTEN = 16,
+    LISTENERS = 20,
     POKE = 23,
     BYTES = 25,
 };
