@@ -4,17 +4,19 @@
 # A program that gives inputs to the LLVMFuzzerTestOneInput of SOURCES. With MLK_FUZZ it makes them
 # up (libFuzzer); everywhere it is a test of CTest's, fuzz.NAME, that goes once through the inputs
 # that are kept:
-#   tests/fuzz/seeds/NAME/    written by hand: rules worth a look, and every bug found
-#   fuzz/seeds/NAME/          of the build, made from samples/ by tools/fuzz-seeds.sh, and by
-#                             mlk_fuzz_seeds
-# Words that a text is made of are in tests/fuzz/NAME.dict. What ./test --fuzz needs to know of a
+#   seeds/NAME/         beside the source: written by hand, rules worth a look and every bug found
+#   fuzz/seeds/NAME/    of the build: made from samples/ by tools/fuzz-seeds.sh, and by
+#                       mlk_fuzz_seeds
+# Words that its texts are made of are in NAME.dict beside the source. What ./test --fuzz needs to know of a
 # fuzzer stands in fuzz/NAME.run of the build.
 function(mlk_fuzzer name)
     if(NOT BUILD_TESTING)
         return()
     endif()
     cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
-    set(folder ${CMAKE_CURRENT_SOURCE_DIR}/tests/fuzz)
+    list(GET ARG_UNPARSED_ARGUMENTS 0 source)
+    get_filename_component(folder ${source} DIRECTORY)
+    set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
     add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} host_fuzzing host_fuzzing_main mlk_warnings)
