@@ -88,6 +88,10 @@ const std::vector<std::function<void(IEverything&)>>& calls() {
 Return<void> TameEverything::bytes(uint32_t n, bytes_cb answer) {
     return Everything::bytes(std::min(n, kMostBytes), std::move(answer));
 }
+Return<sp<IListener>> TameEverything::listen(const sp<IListener>& l, const hidl_string& s) {
+    if (l == nullptr || !l->heard(s).isOk()) return sp<IListener>();
+    return sp<IListener>(new Listener);
+}
 Return<void> TameEverything::silent(silent_cb answer) {
     answer("not silent");
     return {};
