@@ -1,6 +1,7 @@
 #include "Calls.h"
 
 #include <algorithm>
+#include <new>
 
 #include "host/testing/CallMethod.h"
 
@@ -11,17 +12,27 @@ namespace {
 constexpr uint32_t kMostBytes = 20000;
 
 // A text of a value is made of all of it.
+template <typename Value>
+void look(const Value& value) {
+    using ::android::hardware::toString;
+    (void)toString(value);
+}
+
+// Generated code treats a union of no known kind as fatal as soon as somebody looks at it.
+void look(const Choice& choice) {
+    if (choice.getDiscriminator() <= Choice::hidl_discriminator::points) (void)toString(choice);
+}
+
 struct Look {
     template <typename... Values>
     void operator()(const Values&... values) const {
-        using ::android::hardware::toString;
-        (static_cast<void>(toString(values)), ...);
+        (look(values), ...);
     }
 };
 
 template <typename Result>
 void lookAt(const Return<Result>& result) {
-    if (result.isOk()) Look()(static_cast<Result>(result));
+    if (result.isOk()) look(static_cast<Result>(result));
 }
 
 void lookAt(const Return<sp<IListener>>& result) {
@@ -37,6 +48,17 @@ std::function<void(IEverything&)> answering(Method method) {
     return [method](IEverything& object) {
         (void)testing::callWithDefaults(object, method, Look()).isOk();
     };
+}
+
+void callListeners(IEverything& object) try {
+    const auto call = [](const hidl_vec<sp<IListener>>& listeners) {
+        for (const sp<IListener>& each : listeners) {
+            if (each != nullptr) (void)each->tell(1).isOk();
+        }
+    };
+    (void)object.listeners({}, call).isOk();
+} catch (const std::bad_alloc&) {
+    // A reply that claims to hold more interfaces than any does.
 }
 
 }  // namespace
@@ -63,14 +85,7 @@ const std::vector<std::function<void(IEverything&)>>& calls() {
             [](I& object) { lookAt(object.callKept("call")); },
             [](I& object) { lookAt(object.tellKept(1)); },
             [](I& object) { (void)object.dropKept().isOk(); },
-            [](I& object) {
-                (void)
-                        object.listeners({}, [](const auto& listeners) {
-                                  for (const sp<IListener>& each : listeners) {
-                                      if (each != nullptr) (void)each->tell(1).isOk();
-                                  }
-                              }).isOk();
-            },
+            callListeners,
             [](I& object) { lookAt(object.passOn(nullptr)); },
             [](I& object) { lookAt(object.alive()); },
             answering(&I::poked),
