@@ -67,7 +67,7 @@ std::string received(int socket) {
     std::string bytes;
     char chunk[4096];
     ssize_t count = 0;
-    while ((count = recv(socket, chunk, sizeof chunk, 0)) > 0) {
+    while ((count = TEMP_FAILURE_RETRY(recv(socket, chunk, sizeof chunk, 0))) > 0) {
         bytes.append(chunk, static_cast<size_t>(count));
     }
     fuzzing::require(count == 0 || errno == ECONNRESET, "a server ends a connection");
