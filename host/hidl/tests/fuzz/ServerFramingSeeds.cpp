@@ -75,6 +75,10 @@ int main(int argc, char** argv) {
     lie = textCall("a lie");
     lie.bodySize = uint64_t{1} << 32U;
     seeds.write("lie.body", {lie});
+    lie = callOf(LISTENERS);
+    lie.number(0);
+    lie.number(1);
+    seeds.write("lie.interfaces", {lie, textCall("behind")});
     lie = textCall("a lie");
     lie.objects[1].record.length = uint64_t{1} << 63U;
     seeds.write("lie.length", {lie, textCall("behind")});
