@@ -18,9 +18,10 @@ constexpr FreqTableType kTypes[] = {FreqTableType::DTV_ANTENNA, FreqTableType::D
 constexpr AtscCableType kCables[] = {AtscCableType::AUTO, AtscCableType::STD, AtscCableType::HRC,
                                      AtscCableType::IRC, AtscCableType{9}};
 
-// The text as an XML file has to write it to get it back: blanks at its ends as well.
+// The text as an XML file has to write it to get it back: blanks at its ends as well, and an empty
+// one that is not none.
 std::string escaped(const std::string& text) {
-    std::string result;
+    std::string result = text.empty() ? "&#0;" : "";
     for (size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         const bool isPlain = isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c < 0;
