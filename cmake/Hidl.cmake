@@ -25,7 +25,10 @@ function(mlk_hidl_generate prefix package)
         DEPENDS ${ARG_HALS} ${CMAKE_SOURCE_DIR}/cmake/HidlRepair.cmake
         COMMENT "Compiling ${package}"
         VERBATIM)
-    set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -w)
+    # Structs travel as they stand in memory: what the other end sends for a bool or an enumerator may
+    # be neither, and generated code passes it on as it does on a device.
+    set_source_files_properties(${ARG_SOURCES} PROPERTIES
+        COMPILE_OPTIONS "-w;-fno-sanitize=bool,enum")
     set(${prefix}_SOURCES ${ARG_SOURCES} PARENT_SCOPE)
     set(${prefix}_INCLUDE ${out} PARENT_SCOPE)
 endfunction()

@@ -9,6 +9,8 @@ packages=(
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+# For what the tests cover: llvm-cov and llvm-profdata.
+coverage_packages=(llvm python3)
 # For the tests of scripts, and of what only a device has: tests/device.
 device_packages=(blueprint-tools checkpolicy m4 python3)
 # For ./run bench.

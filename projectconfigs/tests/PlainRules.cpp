@@ -1,24 +1,14 @@
 #include "projectconfigs/tests/PlainRules.h"
 
+#include <algorithm>
 #include <cstring>
 #include <random>
+#include <tuple>
 #include <vector>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
 namespace {
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines(1);
-    for (const char c : text) {
-        if (c == '\n') {
-            lines.emplace_back();
-        } else {
-            lines.back() += c;
-        }
-    }
-    return lines;
-}
 
 std::string without(const std::string& text, char unwanted) {
     std::string rest;
@@ -48,16 +38,6 @@ void cutComment(std::string& text) {
     }
 }
 
-std::string cleaned(std::string text) {
-    cutComment(text);
-    cutTail(text, '\r');
-    text = without(text, '"');
-    text = without(text, ';');
-    cutTail(text, ' ');
-    cutHead(text, ' ');
-    return text;
-}
-
 // The first such character at place p goes, and up to p characters after it.
 void takeOutWithFollowers(std::string& text, char unwanted) {
     for (;;) {
@@ -78,10 +58,39 @@ void takeOutWithFollowers(std::string& text, char unwanted) {
 
 }  // namespace
 
+std::vector<std::string> linesOf(const std::string& text, size_t most) {
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else {
+            lines.back() += c;
+        }
+    }
+    if (lines.back().empty()) {
+        lines.pop_back();
+    }
+    for (std::string& line : lines) {
+        line.resize(std::min(line.size(), most));
+        line = line.c_str();
+    }
+    return lines;
+}
+
+std::string cleaned(std::string text) {
+    cutComment(text);
+    cutTail(text, '\r');
+    text = without(text, '"');
+    text = without(text, ';');
+    cutTail(text, ' ');
+    cutHead(text, ' ');
+    return text;
+}
+
 Items projectItems(const std::string& text) {
     Items items;
     std::string category;
-    for (const std::string& line : linesOf(text)) {
+    for (const std::string& line : linesOf(text, 1023)) {
         if (line.empty() || line[0] == '\r' || line[0] == '#') {
             continue;
         }
@@ -106,7 +115,7 @@ Items projectItems(const std::string& text) {
 Items auxiliaryItems(const std::string& text) {
     Items items;
     std::string section;
-    for (const std::string& line : linesOf(text)) {
+    for (const std::string& line : linesOf(text, 255)) {
         if (line.empty() || line[0] == '\r' || line[0] == '#' || line[0] == ';') {
             continue;
         }
@@ -136,6 +145,22 @@ Items auxiliaryItems(const std::string& text) {
         items.insert({{category, key}, value});
     }
     return items;
+}
+
+std::string dumpOf(const Items& items, const std::string& indent) {
+    std::vector<std::pair<Items::key_type, std::string>> ordered(items.begin(), items.end());
+    const auto rank = [](const auto& item) {
+        const auto& [section, key] = item.first;
+        return std::tuple(section.size(), section, key.size(), key);
+    };
+    std::sort(ordered.begin(), ordered.end(),
+              [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
+    std::string text;
+    for (const auto& [name, value] : ordered) {
+        text.append(indent).append(name.first).append(":").append(name.second);
+        text.append("=").append(value).append("\n");
+    }
+    return text;
 }
 
 std::string randomFile(unsigned int seed) {

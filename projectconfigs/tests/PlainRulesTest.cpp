@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sstream>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
@@ -18,23 +14,6 @@ namespace {
 
 constexpr unsigned int kRounds = 3000;
 
-// A dump in the order that the stores keep.
-std::string dumpOf(const plain::Items& items, const std::string& indent) {
-    std::vector<std::pair<plain::Items::key_type, std::string>> ordered(items.begin(), items.end());
-    const auto rank = [](const auto& item) {
-        const auto& [section, key] = item.first;
-        return std::tuple(section.size(), section, key.size(), key);
-    };
-    std::sort(ordered.begin(), ordered.end(),
-              [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
-    std::string text;
-    for (const auto& [name, value] : ordered) {
-        text.append(indent).append(name.first).append(":").append(name.second);
-        text.append("=").append(value).append("\n");
-    }
-    return text;
-}
-
 TEST(PlainRulesTest, ProjectParserAgreesOnRandomFiles) {
     mlk::testing::LogCapture quiet;
     ProjectFiles files;
@@ -45,7 +24,7 @@ TEST(PlainRulesTest, ProjectParserAgreesOnRandomFiles) {
         files.update();
         quiet.clear();
         const std::string dump = files.dump();
-        const std::string expected = dumpOf(plain::projectItems(text), "    ");
+        const std::string expected = plain::dumpOf(plain::projectItems(text), "    ");
         const std::string sources = "  Board ini file: \n";
         ASSERT_EQ(dump.substr(dump.find(sources) + sources.size()), expected) << text;
     }
@@ -61,7 +40,7 @@ TEST(PlainRulesTest, IniProjectParserAgreesOnRandomFiles) {
         quiet.clear();
         std::ostringstream dump;
         parser.dump(dump);
-        const std::string items = dumpOf(plain::auxiliaryItems(text), "        ");
+        const std::string items = plain::dumpOf(plain::auxiliaryItems(text), "        ");
         ASSERT_EQ(dump.str(), "  IniProjectParser deatil:\n" +
                                       (items.empty() ? "" : "    File:aux.ini\n" + items))
                 << text;

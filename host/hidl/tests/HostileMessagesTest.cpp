@@ -17,6 +17,7 @@ namespace {
 
 using ::android::BAD_TYPE;
 using ::android::BAD_VALUE;
+using ::android::NO_MEMORY;
 using ::android::NOT_ENOUGH_DATA;
 using ::android::OK;
 using ::android::status_t;
@@ -53,6 +54,17 @@ Row withSize(const char* name, uint32_t size) {
     return changed(name, BAD_VALUE, [=](RawMessage& m) {
         memcpy(m.objects[0].bytes.data() + 8, &size, sizeof(size));
     });
+}
+
+// A call with a vector of interfaces, which is a count of 64 bits and what it counts.
+Row withInterfaces(const char* name, uint64_t count) {
+    return changed(
+            name, NO_MEMORY,
+            [=](RawMessage& m) {
+                m.number(static_cast<uint32_t>(count));
+                m.number(static_cast<uint32_t>(count >> 32U));
+            },
+            [] { return callOf(LISTENERS); });
 }
 
 int nullFile() {
@@ -205,6 +217,9 @@ const Row kRows[] = {
         interfaceCall("InterfaceWithLength", [](RawMessage& m) { m.objects[0].record.length = 8; }),
         interfaceCall("InterfaceWithParent",
                       [](RawMessage& m) { m.objects[0].record.flags = WireObject::kHasParent; }),
+        withInterfaces("Interfaces2To31", uint64_t{1} << 31U),
+        withInterfaces("Interfaces2To32", uint64_t{1} << 32U),
+        withInterfaces("InterfacesHuge", kHuge),
         interfaceCall("HandleForAnInterface", [](RawMessage& m) { m.objects[0].record.kind = 2; }),
 
         // Numbers and names.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <android-base/unique_fd.h>
+#include <mlk/test/everything/1.0/IEverything.h>
 #include <utils/Errors.h>
 
 #include <cstdint>
@@ -19,6 +20,7 @@ using ::android::hardware::transport::Header;
 using ::android::hardware::transport::Hello;
 using ::android::hardware::transport::MessageType;
 using ::android::hardware::transport::WireObject;
+using ::mlk::test::everything::V1_0::IEverything;
 
 // A message in parts that a test may change before it is put together.
 struct RawMessage {
@@ -63,6 +65,7 @@ enum Code : uint32_t {
     TEXT = 3,
     FD = 5,
     LISTEN = 16,
+    LISTENERS = 20,
     POKE = 23,
     BYTES = 25,
 };
@@ -70,8 +73,8 @@ enum Code : uint32_t {
 // A connection to the service "default" of an interface in a runtime folder.
 class RawClient {
   public:
-    explicit RawClient(const std::string& runtime);  // IEverything
-    RawClient(const std::string& runtime, const std::string& interface);
+    explicit RawClient(const std::string& runtime,
+                       const std::string& interface = IEverything::descriptor);
 
     // Takes the server's hello; false when it is none.
     bool hello();

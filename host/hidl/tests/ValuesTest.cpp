@@ -159,7 +159,8 @@ TEST(ValuesDeathTest, LimitsOfSize) {
     hidl_string text;
     EXPECT_DEATH(text.setToExternal("", tooLong), "a hidl_string holds at most 2\\^32-2 bytes");
     hidl_vec<char> bytes;
-    EXPECT_DEATH(bytes.resize(tooLong + 1), "a hidl_vec holds at most 2\\^32-1 elements");
+    EXPECT_DEATH(bytes.setToExternal(nullptr, tooLong + 1),
+                 "a hidl_vec holds at most 2\\^32-1 elements");
 }
 
 TEST(HidlVecTest, WaysToMakeOne) {
@@ -171,6 +172,15 @@ TEST(HidlVecTest, WaysToMakeOne) {
     EXPECT_THAT(elements(hidl_vec<int>(source.begin() + 1, source.end())), ElementsAre(2, 3));
     EXPECT_THAT(elements(hidl_vec<int>(2)), ElementsAre(0, 0));
     EXPECT_EQ(nullptr, hidl_vec<int>().data());
+}
+
+TEST(HidlVecTest, ResizesToWhatAMessageHolds) {
+    hidl_vec<hidl_string> vec(2);
+    const size_t most = hidl_vec<hidl_string>::kMostBytes / sizeof(hidl_string);
+    for (const size_t size : {most + 1, size_t{1} << 32U, std::numeric_limits<size_t>::max()}) {
+        EXPECT_THROW(vec.resize(size), std::bad_alloc) << size;
+    }
+    EXPECT_EQ(2U, vec.size());
 }
 
 TEST(HidlVecTest, Resizes) {

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -77,8 +78,11 @@ class hidl_vec {
     const T* begin() const { return data(); }
     const T* end() const { return data() + mSize; }
 
-    // Keeps the elements that fit; new ones are value-initialised.
+    // Keeps the elements that fit; new ones are value-initialised. What takes more than kMostBytes
+    // throws std::bad_alloc: a message tells generated code how many interfaces to make room for,
+    // and must not cost its receiver more than its answer.
     void resize(size_t size) {
+        if (size > kMostBytes / sizeof(T)) throw std::bad_alloc();
         hidl_vec grown;
         grown.allocate(size);
         std::move(begin(), begin() + std::min<size_t>(size, mSize), grown.begin());
@@ -97,6 +101,9 @@ class hidl_vec {
 
     // Where the pointer to the elements stands inside the object, for the transport.
     static constexpr size_t kOffsetOfBuffer = 0;
+
+    // Bytes of the elements of a vector that is resized: what the largest message holds.
+    static constexpr size_t kMostBytes = size_t{256} << 20U;
 
   private:
     static void checkSize(size_t size) {

@@ -1,0 +1,126 @@
+// What a server makes of bytes and descriptors that a client sends. The first byte of an input is
+// the number of descriptors that go with the others, the second the size of the pieces that they go
+// in when they are sent once more.
+
+#include <fcntl.h>
+#include <hidl/HidlTransportSupport.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "Calls.h"
+#include "host/hidl/tests/RawClient.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/fuzz/Fuzzing.h"
+
+using namespace mlk::test;
+namespace fuzzing = mlk::fuzzing;
+
+namespace {
+
+constexpr size_t kThreads = 3;
+constexpr size_t kMostDescriptors = 8;
+// More than the process ever has; each input that leaks a descriptor moves it nearer.
+constexpr int kMostOpen = 200;
+
+class Server {
+  public:
+    Server() {
+        // Everything::sign writes to whatever a client sends.
+        (void)signal(SIGPIPE, SIG_IGN);
+        android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
+        fuzzing::require(mService->registerAsService() == android::OK, "the service is registered");
+        for (size_t i = 0; i < kMostDescriptors; ++i) {
+            mDescriptors.push_back(i % 2 == 0 ? deadSocket() : open("/dev/null", O_RDWR));
+        }
+    }
+    std::string runtime() const { return mSet.runtime(); }
+    std::vector<int> descriptors(size_t count) const {
+        const auto first = mDescriptors.begin();
+        return {first, first + static_cast<ptrdiff_t>(count)};
+    }
+
+  private:
+    static int deadSocket() {
+        int ends[2];
+        fuzzing::require(socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0, "sockets");
+        close(ends[1]);
+        return ends[0];
+    }
+
+    mlk::testing::HostSet mSet;
+    const sp<IEverything> mService = new TameEverything;
+    std::vector<int> mDescriptors;
+};
+
+Server& server() {
+    // Never ends: the pool's threads run as long as the process.
+    static auto* const theServer = new Server;
+    return *theServer;
+}
+
+// Everything that the server sends until the connection's end.
+std::string received(int socket) {
+    std::string bytes;
+    char chunk[4096];
+    ssize_t count = 0;
+    while ((count = TEMP_FAILURE_RETRY(recv(socket, chunk, sizeof chunk, 0))) > 0) {
+        bytes.append(chunk, static_cast<size_t>(count));
+    }
+    fuzzing::require(count == 0 || errno == ECONNRESET, "a server ends a connection");
+    return bytes;
+}
+
+// The headers of the replies, which must be sound.
+std::string headersOf(std::string_view bytes) {
+    std::string headers;
+    while (!bytes.empty()) {
+        Header header{};
+        fuzzing::require(bytes.size() >= sizeof header, "a reply has a header");
+        memcpy(&header, bytes.data(), sizeof header);
+        fuzzing::require(header.magic == Header::kMagic && header.type == MessageType::REPLY,
+                         "a server sends nothing but replies");
+        fuzzing::require(header.bodySize <= bytes.size() - sizeof header, "replies are whole");
+        bytes.remove_prefix(sizeof header + header.bodySize);
+        headers.append(reinterpret_cast<const char*>(&header), sizeof header);
+    }
+    return headers;
+}
+
+// What the server answers to the bytes, sent in pieces of that size.
+std::string answers(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors,
+                    size_t pieceSize) {
+    RawClient client(server().runtime());
+    fuzzing::require(client.hello(), "a client is welcome");
+    for (size_t at = 0; at < bytes.size(); at += pieceSize) {
+        const auto first = bytes.begin() + static_cast<ptrdiff_t>(at);
+        const size_t size = std::min(pieceSize, bytes.size() - at);
+        if (!client.send({first, first + static_cast<ptrdiff_t>(size)},
+                         at == 0 ? descriptors : std::vector<int>())) {
+            break;
+        }
+    }
+    (void)shutdown(client.socket(), SHUT_WR);
+    return headersOf(received(client.socket()));
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < 3) {
+        return 0;
+    }
+    const std::vector<int> descriptors = server().descriptors(data[0] % kMostDescriptors);
+    const std::vector<uint8_t> bytes(data + 2, data + size);
+    const std::string whole = answers(bytes, descriptors, bytes.size());
+    if (descriptors.empty() && data[1] != 0) {
+        fuzzing::requireEqual("what is answered to pieces", answers(bytes, {}, data[1]), whole);
+    }
+    const int lowest = dup(STDERR_FILENO);
+    fuzzing::require(lowest < kMostOpen, "no descriptors are left behind");
+    close(lowest);
+    return 0;
+}

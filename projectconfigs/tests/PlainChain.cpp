@@ -1,0 +1,142 @@
+#include "projectconfigs/tests/PlainChain.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
+
+namespace {
+
+constexpr size_t kListLine = 255;
+
+bool has(const std::string& line, const char* word) {
+    return strstr(line.c_str(), word) != nullptr;
+}
+
+std::string behind(const std::string& line, const std::string& mark) {
+    return line.substr(line.find(mark) + mark.size());
+}
+
+// The content of a regular file; empty for all that is none.
+std::string contentOf(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {
+        return {};
+    }
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
+uint32_t projectIdOf(const std::string& text) {
+    char buffer[257] = {};
+    for (size_t at = 0; at < text.size(); at += 256) {
+        const std::string chunk = text.substr(at, 256);
+        memcpy(buffer, chunk.data(), chunk.size());
+        const char* const keyword = strstr(buffer, "PROJECT_ID");
+        if (keyword != nullptr) {
+            const char* const equals = strchr(keyword, '=');
+            return equals != nullptr ? static_cast<uint32_t>(atoi(equals + 1)) : 0;
+        }
+    }
+    return 0;
+}
+
+std::string boardIdOf(const std::string& text) {
+    for (const std::string& line : linesOf(text, kListLine)) {
+        if (has(line, "BOARD_ID") && has(line, "=")) {
+            return behind(line, "=");
+        }
+    }
+    return {};
+}
+
+Chain::Chain(std::string tvdata, std::string tvconfigs, std::string impdata)
+    : mTvdata(std::move(tvdata)), mTvconfigs(std::move(tvconfigs)), mImpdata(std::move(impdata)) {}
+
+void Chain::update(const std::string& customerPath, int projectId, const std::string& boardId) {
+    mItems.clear();
+    mProjectId = projectId;
+    for (const std::string& line : linesOf(contentOf(customerPath), kListLine)) {
+        if (!has(line, "=")) {
+            continue;
+        }
+        if (has(line, "CUSTOMER_ID")) {
+            mCustomerId = cleaned(behind(line, "="));
+        } else if (has(line, "SYS_INI")) {
+            mSystemPath = patched(cleaned(behind(line, "=")));
+        }
+    }
+    for (const std::string& line : linesOf(contentOf(mSystemPath), kListLine)) {
+        if (!has(line, "=") || !has(line, "Model_")) {
+            continue;
+        }
+        const int number = atoi(behind(line, "Model_").c_str());
+        if (static_cast<uint32_t>(number) > mMaxIdx) {
+            mMaxIdx = static_cast<uint32_t>(number);
+        }
+        if (number == projectId) {
+            mProjectPath = patched(cleaned(behind(line, "=")));
+        }
+    }
+    readProjectFile(mProjectPath);
+    if (boardId == "DEFAULT_BOARD_ID") {
+        mBoardPath = "";
+        return;
+    }
+    if (!boardId.empty()) {
+        mBoardPath = boardId;
+    }
+    mBoardPath = patched(cleaned(mBoardPath));
+    readProjectFile(mBoardPath);
+}
+
+void Chain::readProjectFile(const std::string& path) {
+    for (const auto& [name, value] : projectItems(contentOf(path))) {
+        mItems[name] = patched(value);
+    }
+}
+
+std::string Chain::patched(const std::string& value) const {
+    if (value.find("/tvconfigs") == 0) {
+        return mTvconfigs + value.substr(10);
+    }
+    if (value.find("/tvdata") == 0) {
+        return mTvdata + value.substr(7);
+    }
+    if (value.find("/impdata") == 0) {
+        return mImpdata + value.substr(8);
+    }
+    return value;
+}
+
+std::string Chain::dump() const {
+    return "  Customer ID: " + mCustomerId + "\n  Project ID: " + std::to_string(mProjectId) +
+           "\n  Project max index: " + std::to_string(mMaxIdx) +
+           "\n  Sys ini file: " + mSystemPath + "\n  Project ini file: " + mProjectPath +
+           "\n  Board ini file: " + mBoardPath + "\n" + dumpOf(mItems, "    ");
+}
+
+std::vector<std::string> Chain::iniList() const {
+    std::vector<std::string> list;
+    for (const std::string& line : linesOf(contentOf(mSystemPath), kListLine)) {
+        if (!has(line, "Model_")) {
+            continue;
+        }
+        std::string entry;
+        for (const char c : has(line, "model/") ? behind(line, "model/") : line.substr(5)) {
+            if (c != '"') {
+                entry += c;
+            }
+        }
+        list.push_back(entry);
+    }
+    return list;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain

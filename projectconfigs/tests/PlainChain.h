@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "projectconfigs/tests/PlainRules.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
+
+/** The index that a "project_id.bin" of that text gives. */
+uint32_t projectIdOf(const std::string& text);
+
+/** The board id that a "board_id.bin" of that text gives. */
+std::string boardIdOf(const std::string& text);
+
+/**
+ * The chain of project files, its rules written down one after the other: what ProjectParser is
+ * compared with. Reads the same files.
+ */
+class Chain {
+  public:
+    /** The three mount points. */
+    Chain(std::string tvdata, std::string tvconfigs, std::string impdata);
+
+    void update(const std::string& customerPath, int projectId, const std::string& boardId);
+
+    /** As ProjectParser's stream form. */
+    std::string dump() const;
+    std::vector<std::string> iniList() const;
+    const Items& items() const { return mItems; }
+    uint32_t maxIdx() const { return mMaxIdx; }
+    const std::string& customerId() const { return mCustomerId; }
+
+  private:
+    std::string patched(const std::string& value) const;
+    void readProjectFile(const std::string& path);
+
+    const std::string mTvdata;
+    const std::string mTvconfigs;
+    const std::string mImpdata;
+    int mProjectId = 0;
+    uint32_t mMaxIdx = 0;
+    std::string mCustomerId;
+    std::string mSystemPath;
+    std::string mProjectPath;
+    std::string mBoardPath;
+    Items mItems;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain

@@ -1,0 +1,102 @@
+// Calls of every method of the three services, and of those that every interface has, through the
+// stubs and the transport that serve clients. CallScript.h says what an input is.
+
+#include <fcntl.h>
+#include <hidl/HidlTransportSupport.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "frameworkconfigs/MlkFrameworkConfigs.h"
+#include "host/memory/AshmemAllocator.h"
+#include "host/memory/SharedBlock.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/fuzz/Fuzzing.h"
+#include "projectconfigs/MlkProjectConfigs.h"
+#include "projectconfigs/MlkProjectConfigsStub.h"
+#include "service/Services.h"
+#include "service/tests/fuzz/CallScript.h"
+#include "tvconfigs/MlkTvConfigs.h"
+
+using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
+namespace fuzzing = mlk::fuzzing;
+using mlk::test::RawClient;
+
+namespace {
+
+constexpr size_t kThreads = 4;
+// More than the process ever has; each input that leaks a descriptor moves it nearer.
+constexpr int kMostDescriptors = 200;
+
+// The services on the sample's set, in this process, and a client of each.
+class Server {
+  public:
+    Server() {
+        mSet.copyFrom(MLK_SAMPLES_DIR "/partitions");
+        android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
+        installMlkProjectConfigsStub();
+        mServices.reset(new Services({[] { return new MlkProjectConfigs; },
+                                      [](const char* path) { return new MlkTvConfigs(path); },
+                                      [] { return new MlkFrameworkConfigs; }}));
+        const android::sp<android::hidl::allocator::V1_0::IAllocator> allocator =
+                new mlk::host::AshmemAllocator;
+        fuzzing::require(allocator->registerAsService(mlk::host::kAshmem) == android::OK,
+                         "the allocator is registered");
+        mAllocator = allocator;
+        connect();
+    }
+
+    void connect() {
+        mClients.clear();
+        for (const std::string& service : fuzzing::services()) {
+            mClients.push_back(std::make_unique<RawClient>(mSet.runtime(), service));
+            fuzzing::require(mClients.back()->hello(), "a client is welcome");
+        }
+    }
+    RawClient& client(size_t service) { return *mClients[service]; }
+    std::string root() const { return mSet.dir().path(); }
+
+  private:
+    mlk::testing::HostSet mSet;
+    std::unique_ptr<const Services> mServices;
+    android::sp<android::hidl::allocator::V1_0::IAllocator> mAllocator;
+    std::vector<std::unique_ptr<RawClient>> mClients;
+};
+
+Server& server() {
+    // Never ends: the pool's threads run as long as the process.
+    static auto* const theServer = new Server;
+    return *theServer;
+}
+
+// What clients hand over: something that swallows what is written, something that takes nothing,
+// and one end of a connection whose other end is gone.
+std::vector<int> descriptors() {
+    int ends[2];
+    fuzzing::require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "sockets");
+    close(ends[1]);
+    return {open("/dev/null", O_WRONLY | O_CLOEXEC), open("/dev/null", O_RDONLY | O_CLOEXEC),
+            ends[0]};
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const std::vector<int> kDescriptors = descriptors();
+    fuzzing::ScriptReader script(data, size, server().root(), kDescriptors);
+    while (const auto call = script.next()) {
+        RawClient& client = server().client(call->service);
+        fuzzing::require(client.send(call->message), "a call can be sent");
+        // A call that claims descriptors which do not come may be taken for rubbish.
+        const bool isAnswered = call->isOneway || client.replyStatus().has_value();
+        fuzzing::require(isAnswered || !call->isWhole, "a call is answered");
+        if (!call->isWhole) {
+            server().connect();
+        }
+    }
+    const int lowest = dup(kDescriptors[0]);
+    fuzzing::require(lowest < kMostDescriptors, "no descriptors are left behind");
+    close(lowest);
+    return 0;
+}

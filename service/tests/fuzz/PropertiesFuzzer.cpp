@@ -1,0 +1,205 @@
+// Values of system properties: what stands in the file of every property that a service reads, and
+// what the services make of it.
+
+#include <cutils/properties.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "frameworkconfigs/FrameworkItems.h"
+#include "frameworkconfigs/MlkFrameworkConfigs.h"
+#include "host/properties/PropertyStore.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/fuzz/Fuzzing.h"
+#include "tvconfigs/MlkTvConfigs.h"
+#include "tvconfigs/TvConfigInfo.h"
+
+using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
+namespace fuzzing = mlk::fuzzing;
+using android::sp;
+using vendor::morlak::mlkconfigs::V1_0::OptionalBool;
+using vendor::morlak::mlkconfigs::V1_0::OptionalInt32;
+using vendor::morlak::mlkconfigs::V1_0::OptionalString;
+
+namespace {
+
+constexpr const char* kKey = "vendor.mlk.fuzz";
+constexpr const char* kDtvSystem = "persist.vendor.mlk.tv.dtv_system";
+
+std::vector<std::string> keys() {
+    std::vector<std::string> result = {kKey};
+#define KEY_OF_ITEM(getter, kind, property) \
+    if (const char* const key = property) { \
+        result.emplace_back(key);           \
+    }
+    MLK_FRAMEWORK_ITEMS(KEY_OF_ITEM)
+#undef KEY_OF_ITEM
+    for (const SystemRow* row : kTvSystems) {
+        result.emplace_back(row->key);
+    }
+    for (const FlagRow* row : kTvFlags) {
+        result.emplace_back(row->key);
+    }
+    return result;
+}
+
+class Set {
+  public:
+    // One file under all names: what is written into it is the value of all properties.
+    Set() {
+        fuzzing::writeFile(mSet.dir().path("value"), "");
+        for (const std::string& key : keys()) {
+            link(mSet.dir().path("value").c_str(), pathOf(key).c_str());
+        }
+    }
+    void fill(const std::string& value) const {
+        // The services set this one: it has become a file of its own.
+        unlink(pathOf(kDtvSystem).c_str());
+        link(mSet.dir().path("value").c_str(), pathOf(kDtvSystem).c_str());
+        fuzzing::writeFile(mSet.dir().path("value"), value);
+    }
+
+  private:
+    std::string pathOf(const std::string& key) const {
+        return mSet.dir().path("data/property/" + key);
+    }
+    mlk::testing::HostSet mSet;
+};
+
+// The platform's two readings of a value.
+int8_t asBool(const std::string& value, int8_t byDefault) {
+    for (const char* word : {"1", "true", "y", "yes", "on"}) {
+        if (value == word) {
+            return 1;
+        }
+    }
+    for (const char* word : {"0", "false", "n", "no", "off"}) {
+        if (value == word) {
+            return 0;
+        }
+    }
+    return byDefault;
+}
+
+template <typename Number>
+Number asNumber(const std::string& value, Number byDefault) {
+    char* end = nullptr;
+    errno = 0;
+    const intmax_t number = strtoimax(value.c_str(), &end, 0);
+    if (errno == ERANGE || end == value.c_str() || number < std::numeric_limits<Number>::min() ||
+        number > std::numeric_limits<Number>::max()) {
+        return byDefault;
+    }
+    return static_cast<Number>(number);
+}
+
+void comparePlatform(const std::string& value) {
+    char text[PROPERTY_VALUE_MAX] = {};
+    const int length = property_get(kKey, text, "default");
+    const std::string expected = value.empty() ? "default" : value;
+    fuzzing::requireEqual("a property", text, expected);
+    fuzzing::require(length == static_cast<int>(expected.size()), "its length");
+    for (const int8_t byDefault : {int8_t{0}, int8_t{1}}) {
+        fuzzing::require(property_get_bool(kKey, byDefault) == asBool(value, byDefault),
+                         "a property as a bool");
+        fuzzing::require(property_get_int32(kKey, byDefault) == asNumber<int32_t>(value, byDefault),
+                         "a property as a number");
+        fuzzing::require(property_get_int64(kKey, byDefault) == asNumber<int64_t>(value, byDefault),
+                         "a property as a large number");
+    }
+}
+
+void expectAnswer(const OptionalBool& answer, bool expected, const char* name) {
+    fuzzing::require(answer.success && answer.value == expected, name);
+}
+
+// What an item of the framework service answers, by its kind.
+enum class Kind { FLAG, NUMBER, INVERTED, TEXT };
+
+template <Kind kind>
+auto expectedOf(const std::string& value) {
+    if constexpr (kind == Kind::NUMBER) {
+        return OptionalInt32{true, asNumber<int32_t>(value, 0)};
+    } else if constexpr (kind == Kind::TEXT) {
+        return OptionalString{true, ""};
+    } else {
+        return OptionalBool{true, kind == Kind::FLAG ? asBool(value, 0) != 0
+                                                     : asNumber<int32_t>(value, 0) == 0};
+    }
+}
+
+void compareFramework(const std::string& value) {
+    const sp<MlkFrameworkConfigs> service = new MlkFrameworkConfigs;
+#define COMPARE_ITEM(getter, kind, property)                                                       \
+    service->getter([&](const auto& answer) {                                                      \
+        fuzzing::requireEqual(#getter, toString(answer), toString(expectedOf<Kind::kind>(value))); \
+    });
+    MLK_FRAMEWORK_ITEMS(COMPARE_ITEM)
+#undef COMPARE_ITEM
+}
+
+void compareTv(const std::string& value) {
+    const sp<MlkTvConfigs> service = new MlkTvConfigs("");
+    // All masters have the same value.
+    const bool expected = value == "true" || atoi(value.c_str()) > 0;
+    for (const FlagRow* row : kTvFlags) {
+        service->getFlag(row->type, [&](const OptionalBool& answer) {
+            expectAnswer(answer, expected, row->name);
+        });
+    }
+    const auto expectSystem = [&](const OptionalInt32& answer) {
+        fuzzing::require(answer.success && answer.value == atoi(value.c_str()), "a system");
+    };
+    service->getAtvSystem(expectSystem);
+    service->getDtvSystem(expectSystem);
+    char written[PROPERTY_VALUE_MAX] = {};
+    property_get(kDtvSystem, written, "");
+    fuzzing::requireEqual("the digital system", written, std::to_string(atoi(value.c_str())));
+}
+
+bool isKey(const std::string& text) {
+    const char* const characters =
+            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.@:-";
+    return !text.empty() && text.size() <= 255 && text[0] != '.' && text[text.size() - 1] != '.' &&
+           text.find("..") == std::string::npos &&
+           text.find_first_not_of(characters) == std::string::npos;
+}
+
+// The text as a value, and as a key, in a store of its own.
+void compareStore(const std::string& text) {
+    static const mlk::testing::TempDir folder;
+    const mlk::host::PropertyStore store(folder.path());
+    const bool fits = text.size() < PROPERTY_VALUE_MAX;
+    fuzzing::require(store.set("a", text) == fits, "a value that fits can be set");
+    fuzzing::requireEqual("a property that was set", store.get("a").value_or("none"),
+                          fits ? text : "none");
+    unlink(folder.path("a").c_str());
+    fuzzing::require(store.set(text, "x") == isKey(text), "only a key can be set");
+    const std::vector<std::string> keys = store.keys();
+    fuzzing::require(keys.size() == (isKey(text) ? 1 : 0), "and nothing else is");
+    if (!keys.empty()) {
+        fuzzing::requireEqual("the key", keys[0], text);
+        unlink(folder.path(text).c_str());
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const Set set;
+    const std::string content(reinterpret_cast<const char*>(data), size);
+    set.fill(content);
+    // Another program may have spoilt the file: it counts up to a NUL, and 91 bytes of it at most.
+    const std::string value = content.substr(0, 91).c_str();
+    comparePlatform(value);
+    compareFramework(value);
+    compareTv(value);
+    if (content.find('\0') == std::string::npos) {
+        compareStore(content);
+    }
+    return 0;
+}

@@ -1,0 +1,30 @@
+# Runs the tests and tells what of the code they ran. Sourced by ./test, with the tree as the working
+# directory.
+
+# coverage FOLDER ARGUMENT...: the suite of the coverage preset, built in that folder, then the
+# table; the arguments are those of tools/coverage.py. False when a test failed.
+coverage() {
+    local folder=$PWD/$1
+    shift
+    local profiles=$folder/profiles status=0
+    rm -rf "$profiles"
+    # One file a program, which all its processes add to while they run (%c): what a process that is
+    # killed has done counts as well. Some tests run programs as other users.
+    mkdir -p -m 1777 "$profiles"
+    LLVM_PROFILE_FILE="$profiles/%m%c.profraw" \
+        ctest --preset coverage -j "$(($(nproc) * 2))" >"$folder/tests.log" 2>&1 || status=1
+    tail -n 15 "$folder/tests.log" >&2
+    llvm-profdata merge -sparse "$profiles"/*.profraw -o "$folder/all.profdata" || return
+    local programs=()
+    mapfile -t programs < <(find "$folder"/{bin,tests,fuzz} -maxdepth 1 -type f -executable)
+    local objects=()
+    local program
+    for program in "${programs[@]:1}"; do
+        objects+=(-object "$program")
+    done
+    llvm-cov export -instr-profile="$folder/all.profdata" -skip-functions \
+        -ignore-filename-regex='^/usr/' \
+        "${programs[0]}" "${objects[@]}" >"$folder/coverage.json" || return
+    tools/coverage.py "$folder/coverage.json" "$@" || return
+    return "$status"
+}

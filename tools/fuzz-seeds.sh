@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Makes inputs for the fuzzers from the sample product line: fuzz-seeds.sh PARTITIONS TO writes them
+# to TO/<fuzzer>/. An input of several files has a line "--8<--" between them; the paths by which
+# the files name each other are those that the fuzzer puts them at.
+set -eu
+partitions=$1
+to=$2
+tvconfigs=$partitions/tvconfigs
+
+# join FILE...: the files as one input. "-" is standard input.
+join() {
+    local first=1
+    local file
+    for file in "$@"; do
+        ((first)) || printf '\n--8<--\n'
+        first=0
+        cat "$file"
+    done
+}
+
+for fuzzer in project_chain auxiliary_ini tv_config list_files freq_map freq_table tv_system \
+    properties; do
+    mkdir -p "$to/$fuzzer"
+    find "$to/$fuzzer" -type f -delete
+done
+work=$(mktemp -d)
+trap 'rm -r "$work"' EXIT
+
+# Every model with its first lines, which fit into a line buffer and into an engine's patience, and
+# every board.
+customer=$work/customer
+sed 's|/tvconfigs/system/[^"]*|/tvconfigs/sys.ini|' "$tvconfigs/customer.ini" >"$customer"
+index=0
+for model in "$tvconfigs"/model/*.ini; do
+    index=$((index + 1))
+    sed "s|\(Model_$index *= *\"\)[^\"]*|\1/tvconfigs/a.ini|" "$tvconfigs"/system/*.ini >"$work/sys"
+    printf 'PROJECT_ID=%d\n' "$index" >"$work/project_id"
+    sed 's|=.*|=/tvconfigs/b.ini|' "$partitions/impdata/board_id.bin" >"$work/board_id"
+    boards=("$tvconfigs"/board/*.ini)
+    for part in 0 1 2 3; do
+        grep -v '^#' "$model" | tail -n "+$((part * 40 + 1))" | head -n 30 >"$work/model"
+        join "$work/project_id" "$work/board_id" "$customer" "$work/sys" "$work/model" \
+            "${boards[index % ${#boards[@]}]}" >"$to/project_chain/${model##*/}.$part"
+    done
+done
+
+for file in "$tvconfigs"/{audio,karaoke,keys,ddcci}/*.ini; do
+    cp "$file" "$to/auxiliary_ini/${file##*/}"
+done
+
+# The file, and what a client sets: its second key, and one that it has not.
+for file in "$tvconfigs"/tv.config "$tvconfigs"/tv/*.config; do
+    grep '^[^#].*=' "$file" | sed -n '2{s/=.*/=false/;p};3{s/=.*/x=1/;p}' >"$work/sets"
+    join "$file" "$work/sets" >"$to/tv_config/${file##*/}"
+done
+
+for file in "$tvconfigs"/{country,language}/*.txt; do
+    cp "$file" "$to/list_files/${file##*/}"
+done
+
+# Eight countries an input.
+awk -v to="$to/freq_map/" '{ print > (to int(blocks / 8) ".xml") } /<\/COUNTRY_FREQ_MAP>/ { blocks++ }' \
+    "$tvconfigs/freqtables/country_freq_map.xml"
+for file in "$tvconfigs"/freqtables/{atv,dtv}/*; do
+    head -n 30 "$file" >"$to/freq_table/${file##*/}"
+done
+
+for region in uk cn na latam; do
+    sed "s|/tvconfigs/tvsysmap/countries_$region.xml|/tvconfigs/countries.xml|" \
+        "$tvconfigs/tvsysmap/tvsys_$region.xml" >"$work/systems"
+    printf 'COUNTRY_ID=43\n' >"$work/country_id"
+    join "$work/systems" "$tvconfigs/tvsysmap/countries_$region.xml" "$work/country_id" \
+        >"$to/tv_system/$region"
+done
+
+for file in "$partitions"/data/property/*; do
+    cp "$file" "$to/properties/${file##*/}"
+done
