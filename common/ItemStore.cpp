@@ -1,7 +1,6 @@
 #include "common/ItemStore.h"
 
 #include <android/log.h>
-#include <endian.h>
 
 #include <algorithm>
 #include <cstring>
@@ -80,7 +79,10 @@ bool isFull(size_t items, size_t slots) {
 // Reads eight bytes, which have to be there.
 uint64_t orderOf(std::string_view text) {
     constexpr size_t kBytes = 6;
-    uint64_t start = be64toh(wordAt<uint64_t>(text.data()));
+    uint64_t start = 0;
+    for (size_t i = 0; i < sizeof start; ++i) {
+        start = start << 8 | static_cast<uint8_t>(text.data()[i]);  // one load and a swap
+    }
     if (text.size() < kBytes) {
         start &= ~(UINT64_MAX >> (8 * text.size()));
     }

@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -36,7 +37,9 @@ class FileDeliveryTest : public ::testing::Test {
     void SetUp() override {
         writeProject(mSet);
         startAllocator();
-        mServer = std::make_unique<ServiceProcess>();
+        // Its memory is measured: the address sanitizer is not to keep what is freed.
+        mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
+                {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}});
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
         mService = IMlkProjectConfigs::getService();
     }
