@@ -40,6 +40,8 @@ class Server {
   public:
     Server() {
         set().copyFrom(MLK_SAMPLES_DIR "/partitions");
+        // Nobody reads the log.
+        set().setProperty("persist.vendor.mlk.configs.debug", "0");
         android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
         installMlkProjectConfigsStub();
         mServices.reset(new Services({[] { return new MlkProjectConfigs; },
