@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/types.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -35,7 +36,10 @@ class File {
     /** True when the file could not be opened because nothing has its path. */
     bool isMissing() const;
 
-    /** Why the file could not be opened, in words. */
+    /** Why the file could not be opened; EINVAL when it is no regular file. */
+    int error() const { return mIsRegular ? mError : EINVAL; }
+
+    /** The same in words. */
     std::string reason() const;
 
     /** Size in bytes when the file was opened. */

@@ -39,6 +39,9 @@ class ItemStore {
     /** Drops all items; keeps the memory for the next ones. */
     void clear();
 
+    /** Makes room for the items of a file of so many bytes, as such files usually are. */
+    void expect(size_t bytes);
+
     /** The section of that name, which is new when no item has it. */
     Section section(std::string_view name);
 
@@ -58,9 +61,10 @@ class ItemStore {
     Item find(std::string_view section, std::string_view key) const;
 
     std::string_view sectionOf(Item item) const { return mSections[mItems[item].section].name; }
-    std::string_view keyOf(Item item) const { return {mItems[item].key, mItems[item].keySize}; }
+    std::string_view keyOf(Item item) const { return {mItems[item].texts, mItems[item].keySize}; }
     std::string_view valueOf(Item item) const {
-        return {mItems[item].value, mItems[item].valueSize};
+        const ItemEntry& entry = mItems[item];
+        return {entry.texts + entry.keySize + 1, entry.valueSize};
     }
 
     /** All items, in order. */
@@ -78,19 +82,24 @@ class ItemStore {
   private:
     struct SectionEntry {
         std::string_view name;
-        size_t hash;
+        uint64_t hash;
         Item first;
         Item last;
     };
     struct ItemEntry {
-        const char* key;
-        char* value;
+        char* texts;  // the room for the value in four bytes; then, here, the key and the value
         uint32_t keySize;
         uint32_t valueSize;
-        uint32_t valueRoom;
         Section section;
         Item next;  // of the section
+    };
+    struct Place {
+        uint64_t order;
+        Item item;
+    };
+    struct Slot {
         uint32_t hash;
+        Item item;
     };
     struct Block {
         std::unique_ptr<char[]> bytes;
@@ -98,16 +107,17 @@ class ItemStore {
     };
 
     char* place(size_t size);
-    char* copy(std::string_view text, size_t room);
+    char* placeTexts(std::string_view key, size_t valueRoom);
     size_t slotOf(uint32_t hash, std::string_view section, std::string_view key) const;
-    void growIndex();
+    void growIndex(size_t slots);
     void putInOrder() const;
-    void appendInOrder(const SectionEntry& section, std::vector<Item>& items) const;
+    void appendInOrder(const SectionEntry& section, std::vector<Place>& places,
+                       std::vector<Item>& items) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;
     std::unordered_map<std::string_view, Section> mSectionsByName;
-    std::vector<Item> mIndex;  // items by hash, open addressing; a power of two of places
+    std::vector<Slot> mIndex;  // items by hash, open addressing; a power of two of places
     std::vector<Block> mBlocks;
     size_t mBlock = 0;  // that is being filled
     size_t mFilled = 0;

@@ -20,7 +20,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag)
     : mPath(std::move(path)), mLimit(bufferSize - 1), mLogTag(logTag), mFile(mPath) {
     if (mFile.isOpen()) {
         // A line of the limit and one byte more always fit, which is what tells a long line.
-        mCapacity = std::max(kChunk, bufferSize);
+        mCapacity = std::max(bufferSize, std::min(kChunk, mFile.size() + 1));
         mBuffer.reset(new char[mCapacity]);
     } else if (!mFile.isMissing()) {
         __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: cannot be read: %s", mPath.c_str(),
@@ -88,7 +88,14 @@ bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
     mBegin = 0;
-    const ssize_t count = mFile.read(mBuffer.get() + mEnd, mCapacity - mEnd);
+    if (mAtEnd) {
+        return false;
+    }
+    const size_t room = mCapacity - mEnd;
+    const ssize_t count = mFile.read(mBuffer.get() + mEnd, room);
+    mRead += static_cast<size_t>(std::max<ssize_t>(count, 0));
+    // No need to ask again for what is behind the last byte that the file had.
+    mAtEnd = count <= 0 || (static_cast<size_t>(count) < room && mRead == mFile.size());
     if (count < 0) {
         const int error = errno;
         __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: cannot be read further: %s",

@@ -57,6 +57,9 @@ class LineReader {
 
     const std::string& path() const { return mPath; }
 
+    /** Bytes of the file. */
+    size_t size() const { return mFile.size(); }
+
     /** Number of the line handed out last, from 1; 0 before the first. */
     size_t lineNumber() const { return mLineNumber; }
 
@@ -76,6 +79,8 @@ class LineReader {
     size_t mBegin = 0;  // what is read and not handed out yet: mBuffer[mBegin, mEnd)
     size_t mEnd = 0;
     bool mHasNul = false;  // somewhere in that
+    size_t mRead = 0;      // bytes of the file
+    bool mAtEnd = false;   // there is no more to read
     bool mInLongLine = false;
     size_t mLineNumber = 0;
 };

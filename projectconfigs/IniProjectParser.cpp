@@ -89,6 +89,7 @@ ItemStore IniProjectParser::parse_ini(const char* path) {
         return items;
     }
     LineReader reader(path, kBufferSize, kTag);
+    items.expect(reader.size());
     ItemStore::Section section = items.section("");
     std::string_view line;
     while (reader.next(line)) {

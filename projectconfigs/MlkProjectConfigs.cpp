@@ -3,8 +3,11 @@
 #include <TvPartitionPath.h>
 #include <android/log.h>
 #include <cutils/properties.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include "common/Decimal.h"
 
@@ -18,6 +21,16 @@ constexpr const char* kTag = "MlkProjectConfigs";
 constexpr unsigned int kDefaultProject = 1;
 constexpr int32_t kSavedCountry = -1;
 constexpr const char* kSameBoard = "";
+
+// One line for each partition that is of no use, instead of many about what is missing.
+void checkPartition(const char* path, int wanted) {
+    if (access(path, wanted) != 0) {
+        const int error = errno;
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "partition %s cannot be %s: %s", path,
+                            (wanted & W_OK) != 0 ? "read and written" : "read",
+                            std::generic_category().message(error).c_str());
+    }
+}
 
 }  // namespace
 
@@ -49,6 +62,9 @@ void MlkProjectConfigs::InitPartitionPath() {
     mImpdataPath = partitions->GetImpdataPath();
     mTvdataPath = partitions->GetTvdataPath();
     mTvconfigsPath = partitions->GetTvconfigsPath();
+    checkPartition(mTvconfigsPath, R_OK | X_OK);
+    checkPartition(mTvdataPath, R_OK | W_OK | X_OK);
+    checkPartition(mImpdataPath, R_OK | W_OK | X_OK);
     mCustomerIniPath = std::string(mTvconfigsPath) + "/customer.ini";
     static_assert(sizeof(Name) >= PROPERTY_VALUE_MAX);
     property_get("ro.hardware", mHardwareName.data(), "");

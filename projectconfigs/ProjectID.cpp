@@ -1,10 +1,13 @@
 #include "projectconfigs/ProjectID.h"
 
 #include <android/log.h>
+#include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "common/Decimal.h"
@@ -18,6 +21,17 @@ constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kKeyword = "PROJECT_ID";
 constexpr size_t kChunk = 256;
 constexpr mode_t kMode = 0644;
+
+// Something that is no file, a symbolic link too.
+bool isSpecial(const std::string& path) {
+    struct stat about {};
+    return lstat(path.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+}
+
+// Whether a file that is there may be written though none can be put into its place.
+bool isAboutTheFolder(int error) {
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
 
 }  // namespace
 
@@ -71,18 +85,36 @@ bool ProjectID::Change(unsigned int index) {
         return true;
     }
     mId = index;
-    File file(mFilePath, O_RDWR | O_CREAT | O_TRUNC, kMode);
-    if (!file.isOpen()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
-        return false;
-    }
     const std::string line =
             std::string(kKeyword) + "=" + std::to_string(static_cast<int32_t>(index)) + "\n";
-    if (!file.writeAndSync(line)) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Write %s fail!", mFilePath.c_str());
-        return false;
+    const Replaced replaced = ReplaceLine(line);
+    if (replaced == Replaced::DONE) {
+        return true;
     }
-    return true;
+    const std::string reason = std::generic_category().message(errno);
+    if (replaced == Replaced::NOT_CREATED) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
+    }
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", mFilePath.c_str(),
+                        reason.c_str());
+    return false;
+}
+
+// A set whose index is lost does not know what it is. So a new file takes the place of the old one
+// where that can be; only a file that is no plain one, or that alone may be written in its folder,
+// is emptied and written.
+Replaced ProjectID::ReplaceLine(const std::string& line) const {
+    if (!isSpecial(mFilePath)) {
+        const Replaced replaced = replaceFile(mFilePath, line, kMode);
+        if (replaced != Replaced::NOT_CREATED || !isAboutTheFolder(errno)) {
+            return replaced;
+        }
+    }
+    File file(mFilePath, O_RDWR | O_CREAT | O_TRUNC, kMode);
+    if (!file.isOpen()) {
+        return Replaced::NOT_CREATED;
+    }
+    return file.writeAndSync(line) ? Replaced::DONE : Replaced::NOT_WRITTEN;
 }
 
 bool ProjectID::WriteTestLog(const char* text) {

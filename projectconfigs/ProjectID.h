@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "common/ReplaceFile.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
@@ -43,6 +45,7 @@ class ProjectID {
   private:
     void Read(unsigned int defaultIndex);
     bool Change(unsigned int index);
+    Replaced ReplaceLine(const std::string& line) const;
 
     const std::string mDirectory;
     const std::string mFilePath;

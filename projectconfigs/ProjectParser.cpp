@@ -18,25 +18,39 @@ constexpr const char* kNoBoardFile = "DEFAULT_BOARD_ID";
 constexpr size_t kListBufferSize = 256;      // customer and system file
 constexpr size_t kProjectBufferSize = 1024;  // project and board file
 
-// Cleans a value or a section name; scratch holds the result where it is not a part of the text.
-// The order counts: only a carriage return at the very end goes, while spaces may stand before a
-// comment, a quote or a semicolon that is taken out first.
-std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
+constexpr auto npos = std::string_view::npos;
+
+// Only carriage returns at the very end go; one before a comment stays.
+std::string_view withoutComment(std::string_view text) {
     text = text.substr(0, text.find('#'));
-    text = text.substr(0, text.find_last_not_of('\r') + 1);
-    if (text.find('"') != std::string_view::npos || text.find(';') != std::string_view::npos) {
-        scratch.resize(text.size());
-        const auto end = std::copy_if(text.begin(), text.end(), scratch.begin(),
-                                      [](char c) { return c != '"' && c != ';'; });
-        text = {scratch.data(), static_cast<size_t>(end - scratch.begin())};
+    return text.substr(0, text.find_last_not_of('\r') + 1);
+}
+
+// Takes out quotes and semicolons everywhere and then spaces at both ends. The result is a part of
+// the text, but for the few that have a quote or semicolon in their midst: it lies in scratch then.
+std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
+    const auto isSymbol = [](char c) { return c == '"' || c == ';'; };
+    const auto goes = [&](char c) { return c == ' ' || isSymbol(c); };
+    while (!text.empty() && goes(text.front())) {
+        text.remove_prefix(1);
     }
-    text = text.substr(0, text.find_last_not_of(' ') + 1);
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    return text;
+    while (!text.empty() && goes(text.back())) {
+        text.remove_suffix(1);
+    }
+    if (text.find('"') == npos && text.find(';') == npos) {
+        return text;
+    }
+    scratch = text;
+    scratch.erase(std::remove_if(scratch.begin(), scratch.end(), isSymbol), scratch.end());
+    return scratch;
+}
+
+std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
+    return withoutSymbols(withoutComment(text), scratch);
 }
 
 bool contains(std::string_view line, std::string_view word) {
-    return line.find(word) != std::string_view::npos;
+    return line.find(word) != npos;
 }
 
 bool startsWith(std::string_view text, std::string_view start) {
@@ -110,7 +124,7 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
     std::string_view value;
     while (reader.next(line)) {
         const size_t model = line.find(kModel);
-        if (model == std::string_view::npos || !reader.valueOf(line, value)) {
+        if (model == npos || !reader.valueOf(line, value)) {
             continue;
         }
         const int32_t number = parseDecimal(line.substr(model + kModel.size()));
@@ -131,6 +145,7 @@ void ProjectParser::parse_project_ini(const char* path) {
         return;
     }
     LineReader reader(path, kProjectBufferSize, kTag);
+    mItems.expect(reader.size());
     ItemStore::Section section = mItems.section("");
     std::string_view line;
     while (reader.next(line)) {
@@ -158,13 +173,11 @@ void ProjectParser::parse_board_id_ini(const std::string& boardId) {
 }
 
 void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line) {
-    line = eraseSymbol(line, mCleaned);
+    line = withoutComment(line);
     const size_t equals = line.find('=');
-    std::string_view key = line.substr(0, equals);
-    std::string_view value = equals == std::string_view::npos ? line : line.substr(equals + 1);
-    key = key.substr(0, key.find_last_not_of(' ') + 1);
-    value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
-    value = PatchIniItemPath(value);
+    const std::string_view key = withoutSymbols(line.substr(0, equals), mCleanedKey);
+    const std::string_view value = PatchIniItemPath(
+            equals == npos ? key : withoutSymbols(line.substr(equals + 1), mCleaned));
 
     const auto [item, isNew] = mItems.insert(section, key, value);
     if (!isNew) {

@@ -113,7 +113,8 @@ class ProjectParser {
     std::string mSysIniPath;
     std::string mProjectIniPath;
     std::string mBoardIniPath;
-    std::string mCleaned;  // what eraseSymbol and PatchIniItemPath made last
+    std::string mCleanedKey;  // texts that are no part of the line they come from
+    std::string mCleaned;
     std::string mPatched;
     const char* const mTvdataPath;
     const char* const mTvconfigsPath;

@@ -2,18 +2,15 @@
 
 #include <TvPartitionPath.h>
 #include <android/log.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <string_view>
 #include <system_error>
 
 #include "common/Decimal.h"
-#include "common/File.h"
 #include "common/LineReader.h"
+#include "common/ReplaceFile.h"
 #include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -46,43 +43,21 @@ void createFolder(const char* function, int line) {
     }
 }
 
-enum class Saved { DONE, NOT_CREATED, NOT_WRITTEN };
-
-// Brings a changed folder to storage. Not every file system can: then it does so in its own time.
-void syncFolder(const std::string& folder) {
-    const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        fsync(fd);
-        close(fd);
-    }
-}
-
-// Puts the country into a new file and that in the place of the old one, so that a set which loses
-// power on the way, or has no room left, keeps the old country. Function and line belong to the
-// message of a file that cannot be created.
-Saved writeCountryId(_tv_country country, const char* function, int line) {
+// Function and line belong to the message of a file that cannot be created.
+Replaced writeCountryId(_tv_country country, const char* function, int line) {
     const std::string path = filePath();
-    const std::string fresh = path + ".new";
-    const std::string text =
-            std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n";
-    {
-        File file(fresh, O_WRONLY | O_CREAT | O_TRUNC, kFileMode);
-        if (file.isOpen() && !file.writeAndSync(text)) {
-            const std::string reason = std::generic_category().message(errno);
-            __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", path.c_str(),
-                                reason.c_str());
-            unlink(fresh.c_str());
-            return Saved::NOT_WRITTEN;
-        }
-        if (file.isOpen() && rename(fresh.c_str(), path.c_str()) == 0) {
-            syncFolder(TvSysMapCfgHolder::getCountryBinFolderPath());
-            return Saved::DONE;
-        }
+    const Replaced replaced = replaceFile(
+            path, std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n",
+            kFileMode);
+    if (replaced == Replaced::NOT_CREATED) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", function, line,
+                            path.c_str());
+    } else if (replaced == Replaced::NOT_WRITTEN) {
+        const std::string reason = std::generic_category().message(errno);
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", path.c_str(),
+                            reason.c_str());
     }
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", function, line,
-                        path.c_str());
-    unlink(fresh.c_str());
-    return Saved::NOT_CREATED;
+    return replaced;
 }
 
 }  // namespace
@@ -133,7 +108,7 @@ void TvSysMapCfgHolder::writeFirstCountryId() {
     // Without a country to save the file stays away, so that a later start, with its map, saves
     // one.
     if (!mCountryList.empty() &&
-        writeCountryId(mCountryList.front(), "parseCountryId", 524) != Saved::NOT_CREATED) {
+        writeCountryId(mCountryList.front(), "parseCountryId", 524) != Replaced::NOT_CREATED) {
         mCountryIdx = mCountryList.front();
     }
 }
@@ -147,7 +122,7 @@ bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
         return false;
     }
     createFolder(__func__, 142);
-    return writeCountryId(country, __func__, 153) == Saved::DONE;
+    return writeCountryId(country, __func__, 153) == Replaced::DONE;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

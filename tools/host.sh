@@ -11,8 +11,15 @@ packages=(
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 # For what the tests cover: llvm-cov and llvm-profdata.
 coverage_packages=(llvm python3)
-# For the tests of what only a device has: tests/device.
+# For the tests of scripts, and of what only a device has: tests/device.
 device_packages=(blueprint-tools checkpolicy m4 python3)
+# For ./run bench.
+bench_packages=(
+    libbenchmark-dev python3
+    # What it is measured beside.
+    capnproto dbus-daemon libboost-dev libcapnp-dev libglib2.0-dev libgrpc++-dev libinih-dev
+    libprotobuf-dev libsimpleini-dev libsystemd-dev pkgconf protobuf-compiler-grpc
+)
 
 # need PACKAGE...: installs those that are missing.
 need() {

@@ -30,9 +30,17 @@ bool isKeyCharacter(char c) {
            std::string_view("_.@:-").find(c) != std::string_view::npos;
 }
 
+int openFile(const std::string& path, int flags) {
+    int fd = -1;
+    do {
+        fd = open(path.c_str(), flags | O_CLOEXEC, 0644);
+    } while (fd < 0 && errno == EINTR);
+    return fd;
+}
+
 unique_fd openRegular(const std::string& path) {
     // Not to be held up by a pipe that lies where a value should.
-    unique_fd fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    unique_fd fd(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
     if (!fd.ok() || fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return {};
@@ -97,7 +105,7 @@ int PropertyStore::createTemporary(std::string* path) const {
     int fd = -1;
     do {
         *path = mFolder + "/.new-" + std::to_string(getpid()) + "-" + std::to_string(count++);
-        fd = open(path->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+        fd = openFile(*path, O_WRONLY | O_CREAT | O_EXCL);
     } while (fd < 0 && errno == EEXIST);
     return fd;
 }

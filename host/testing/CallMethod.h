@@ -6,15 +6,36 @@
 
 namespace mlk::testing {
 
-/// Calls a method of a HIDL interface whose last argument is its answer's callback, with every
-/// other argument at its type's default: zero, empty. `answered` is called with each answer; gives
-/// what the method returns.
+/// Calls a method of a HIDL interface whose last argument is its answer's callback. Every other
+/// argument starts at its type's default, zero or empty, and is given to `fill` to be changed.
+/// `answered` is called with each answer; gives what the method returns.
+template <typename Interface, typename Result, typename... Arguments, typename Fill,
+          typename Answered>
+Result callWith(Interface& object, Result (Interface::*method)(Arguments...), const Fill& fill,
+                const Answered& answered) {
+    constexpr size_t kCallback = sizeof...(Arguments) - 1;
+    std::tuple<std::decay_t<Arguments>...> arguments{};
+    std::get<kCallback>(arguments) = answered;
+    using Callback = std::tuple_element_t<kCallback, decltype(arguments)>;
+    const auto fillOne = [&](auto& argument) {
+        if constexpr (!std::is_same_v<std::decay_t<decltype(argument)>, Callback>) {
+            fill(argument);
+        }
+    };
+    return std::apply(
+            [&](auto&... each) {
+                (fillOne(each), ...);
+                return (object.*method)(each...);
+            },
+            arguments);
+}
+
+/// The same with every argument at its type's default.
 template <typename Interface, typename Result, typename... Arguments, typename Answered>
 Result callWithDefaults(Interface& object, Result (Interface::*method)(Arguments...),
                         const Answered& answered) {
-    std::tuple<std::decay_t<Arguments>...> arguments{};
-    std::get<sizeof...(Arguments) - 1>(arguments) = answered;
-    return std::apply([&](auto&... each) { return (object.*method)(each...); }, arguments);
+    return callWith(
+            object, method, [](auto&) {}, answered);
 }
 
 }  // namespace mlk::testing

@@ -68,6 +68,9 @@ TEST_F(FileDeliveryTest, PathWithoutTextGetsNoAnswer) {
     EXPECT_FALSE(asked(&Service::isFileExist, absentText()).has_value());
     EXPECT_THAT(logged(ANDROID_LOG_ERROR),
                 ElementsAre("getTvFile, invalid paramter", "isFileExist, invalid paramter"));
+    EXPECT_FALSE(asked(&Service::getVendorPartitionFile, absentText())->valid())
+            << "this one answers";
+    EXPECT_EQ(logged(ANDROID_LOG_ERROR).back(), "getVendorPartitionFile, invalid paramter");
 }
 
 TEST_F(FileDeliveryTest, FileExistsOrNot) {
@@ -86,6 +89,8 @@ TEST_F(FileDeliveryTest, NoSharedMemoryWithoutAnAllocator) {
     EXPECT_FALSE(memory->valid());
     EXPECT_EQ(memory->size(), 0U);
     EXPECT_EQ(memory->name(), "");
+    EXPECT_EQ(logged(ANDROID_LOG_DEBUG).front(),
+              "getVendorPartitionFile,path:" + mSet.tvconfigs() + "/sys.ini");
 }
 
 TEST_F(FileDeliveryTest, DebugWritesStoreAndAudioFiles) {

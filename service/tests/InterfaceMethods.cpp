@@ -23,8 +23,12 @@ struct MethodOf<Interface, Answer(Arguments...)> {
 
 }  // namespace
 
-#define ROW(code, method, signature) \
-    { code, #method, callerOf(static_cast<typename MethodOf<I, signature>::Type>(&I::method)) }
+#define METHOD(method, signature) static_cast<typename MethodOf<I, signature>::Type>(&I::method)
+#define ROW(code, method, signature)                        \
+    {                                                       \
+        code, #method, callerOf(METHOD(method, signature)), \
+                anyhowCallerOf(METHOD(method, signature))   \
+    }
 
 template <>
 const std::vector<MethodRow<IMlkTvConfigs>>& methodRows() {
@@ -184,5 +188,6 @@ const std::vector<MethodRow<IMlkProjectConfigs>>& methodRows() {
 }
 
 #undef ROW
+#undef METHOD
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0

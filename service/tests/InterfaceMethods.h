@@ -9,16 +9,19 @@
 #include <vector>
 
 #include "host/testing/CallMethod.h"
+#include "service/tests/RandomArguments.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 
 /// One method of an interface. `call` calls it with default arguments; gives whether the call went
-/// through, and counts its answers.
+/// through, and counts its answers. `callAnyhow` calls it with made up ones; gives whether it was
+/// answered or refused, and not the object dead.
 template <typename Interface>
 struct MethodRow {
     uint32_t code;
     const char* name;
     std::function<bool(Interface& object, int* answers)> call;
+    std::function<bool(Interface& object, RandomArguments& arguments)> callAnyhow;
 };
 
 /// All methods of the interface in their declared order.
@@ -31,6 +34,17 @@ template <>
 const std::vector<MethodRow<IMlkFrameworkConfigs>>& methodRows();
 template <>
 const std::vector<MethodRow<IMlkProjectConfigs>>& methodRows();
+
+template <typename Interface, typename... Arguments>
+auto anyhowCallerOf(::android::hardware::Return<void> (Interface::*method)(Arguments...)) {
+    return [method](Interface& object, RandomArguments& random) {
+        int answers = 0;
+        const auto status = ::mlk::testing::callWith(
+                object, method, [&](auto& argument) { random(argument); },
+                [&](const auto&) { ++answers; });
+        return status.isOk() ? answers == 1 : !status.isDeadObject() && answers == 0;
+    };
+}
 
 template <typename Interface, typename... Arguments>
 auto callerOf(::android::hardware::Return<void> (Interface::*method)(Arguments...)) {

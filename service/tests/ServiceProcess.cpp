@@ -11,6 +11,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
@@ -33,8 +34,8 @@ void blockName(const HostSet& set, const std::string& interface) {
     set.dir().write("run/vendor.morlak.mlkconfigs@1.0::" + interface + ".default/file", "");
 }
 
-ServiceProcess::ServiceProcess() {
-    restart();
+ServiceProcess::ServiceProcess(std::map<std::string, std::string> environment) {
+    restart(std::move(environment));
 }
 
 ServiceProcess::~ServiceProcess() {
@@ -49,10 +50,12 @@ void ServiceProcess::end() {
     }
 }
 
-void ServiceProcess::restart() {
+void ServiceProcess::restart(std::map<std::string, std::string> environment) {
     end();
-    mProcess = std::make_unique<Process>(std::vector<std::string>{
-            ::mlk::testing::binDir() + "/vendor.morlak.mlconfigs@1.0-service"});
+    mProcess = std::make_unique<Process>(
+            std::vector<std::string>{::mlk::testing::binDir() +
+                                     "/vendor.morlak.mlconfigs@1.0-service"},
+            Process::Options{std::move(environment)});
 }
 
 bool ServiceProcess::waitUntilRegistered() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -21,7 +22,9 @@ void blockName(const ::mlk::testing::HostSet& set, const std::string& interface)
 /// test when a sanitizer has found something in it.
 class ServiceProcess {
   public:
-    ServiceProcess();
+    /// `environment` has variables for the process beside those of the test.
+    ServiceProcess() : ServiceProcess(std::map<std::string, std::string>()) {}
+    explicit ServiceProcess(std::map<std::string, std::string> environment);
     ~ServiceProcess();
     ServiceProcess(const ServiceProcess&) = delete;
     ServiceProcess& operator=(const ServiceProcess&) = delete;
@@ -32,8 +35,8 @@ class ServiceProcess {
 
     ::mlk::testing::Process& process() { return *mProcess; }
 
-    /// Kills it and starts another one.
-    void restart();
+    /// Kills it and starts another one, in the test's own environment if `environment` is empty.
+    void restart(std::map<std::string, std::string> environment = {});
 
   private:
     void end();

@@ -17,7 +17,12 @@ PLATFORM_PROPERTIES = {"ro.hardware"}
 # Sources that change files, with the files and what they do to them. Every other source only reads.
 READ, REWRITE, MAKE = {"open", "read"}, {"open", "read", "write"}, {"open", "read", "write", "create"}
 WRITERS = {
-    "projectconfigs/ProjectID.cpp": {"/impdata/project_id.bin": ("mlkconfigs_project_id_file", MAKE)},
+    # Makes a file beside the one that it replaces: the two below, and their ".new".
+    "common/ReplaceFile.cpp": {},
+    "projectconfigs/ProjectID.cpp": {
+        "/impdata/project_id.bin": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
+        "/impdata/project_id.bin.new": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
+    },
     "regional/TvSysMapCfgHolderCountryId.cpp": {
         "/tvdata/tvsysmap/country_id.bin": ("mlkconfigs_country_file", MAKE | {"unlink", "rename"}),
         "/tvdata/tvsysmap/country_id.bin.new": ("mlkconfigs_country_file", MAKE | {"unlink", "rename"}),
@@ -198,6 +203,7 @@ class Allows(unittest.TestCase):
         text = expanded()
         for rule in (
             'type_transition mlkconfigs mlkconfigs_impdata_file:file mlkconfigs_project_id_file "project_id.bin";',
+            'type_transition mlkconfigs mlkconfigs_impdata_file:file mlkconfigs_project_id_file "project_id.bin.new";',
             'type_transition mlkconfigs mlkconfigs_tvdata_file:dir mlkconfigs_country_file "tvsysmap";',
             "type_transition init mlkconfigs_exec:process mlkconfigs;",
         ):

@@ -80,6 +80,13 @@ std::string nameFrom(const std::vector<Argument>& values, size_t index) {
 }  // namespace
 
 BatchLine parseBatchLine(std::string_view line) {
+    // The parser takes a NUL for the end of its input, and passes over a mark of byte order.
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+    const size_t nul = line.find('\0');
+    if (nul != std::string_view::npos || line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+        const size_t column = nul != std::string_view::npos ? nul + 1 : 1;
+        throw usage("column " + std::to_string(column) + ": not JSON; " + kForm);
+    }
     std::string plain;
     const bool hidden = hideByteEscapes(line, &plain);
     Values taken(hidden);

@@ -86,15 +86,20 @@ std::string reason(const std::string& key, int error) {
     const bool exists = std::any_of(properties.begin(), properties.end(),
                                     [&](const auto& each) { return each.first == key; });
     if (key.rfind("ro.", 0) == 0 && exists) return "it is set already, and is set once";
-    const bool isKey = key.find_first_not_of(
-                               "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                               "0123456789_.@:-") == std::string::npos;
-    if (!isKey || key.empty()) return R"(a key is letters, digits and "_.@:-")";
     return error == 0 ? "the store refuses it" : strerror(error);
+}
+
+bool isKey(const std::string& text) {
+    return !text.empty() && text.find_first_not_of(
+                                    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                    "0123456789_.@:-") == std::string::npos;
 }
 
 void set(const std::vector<std::string>& words) {
     if (words.size() != 2) throw usage("prop set takes two arguments: KEY VALUE");
+    if (!isKey(words[0])) {
+        throw usage(excerpt(words[0]) + R"( is no KEY: that is letters, digits and "_.@:-")");
+    }
     const std::string& value = words[1];
     if (value.size() >= PROPERTY_VALUE_MAX) {
         throw usage("VALUE has at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +

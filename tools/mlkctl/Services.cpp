@@ -9,7 +9,8 @@ IBase& Services::object(const Interface& interface) {
     if (kept == nullptr) kept = mFinder(interface);
     if (kept == nullptr) {
         throw Failure(ExitStatus::UNREACHABLE,
-                      std::string(interface.name) + ": not registered; is the service running?");
+                      std::string(interface.name) +
+                              ": not registered, or it hangs; is the service running?");
     }
     return *kept;
 }

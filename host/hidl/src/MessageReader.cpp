@@ -13,20 +13,7 @@ namespace android::hardware::transport {
 
 namespace {
 constexpr size_t kFirstCapacity = 4096;
-// A buffer that grew beyond this for one message is not kept for the next.
-constexpr size_t kKeptCapacity = size_t{64} * 1024;
 }  // namespace
-
-bool MessageReader::reserve(size_t capacity) {
-    if (mMessage.capacity >= capacity) return true;
-    // The length is the other end's word: it must not cost this process its life.
-    std::unique_ptr<uint8_t[]> larger(new (std::nothrow) uint8_t[capacity]);
-    if (larger == nullptr) return false;
-    if (mFilled != 0) memcpy(larger.get(), mMessage.bytes.get(), mFilled);
-    mMessage.bytes = std::move(larger);
-    mMessage.capacity = capacity;
-    return true;
-}
 
 MessageReader::Result MessageReader::inspect() {
     if (mTotal == 0) {
@@ -37,7 +24,7 @@ MessageReader::Result MessageReader::inspect() {
             return Result::RUBBISH;
         }
         mTotal = sizeof(Header) + static_cast<size_t>(header.bodySize);
-        if (!reserve(mTotal)) return Result::RUBBISH;
+        if (!mMessage.reserve(mTotal, mFilled)) return Result::RUBBISH;
     }
     if (mFilled < mTotal) return Result::AGAIN;
     // Descriptors arrive no later than the bytes they were sent with, and nobody sends more than a
@@ -52,7 +39,7 @@ bool MessageReader::hasResult() {
 }
 
 MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsRest) {
-    if (!reserve(kFirstCapacity)) return Result::RUBBISH;
+    if (!mMessage.reserve(kFirstCapacity, mFilled)) return Result::RUBBISH;
     while (true) {
         const Result state = inspect();
         if (state != Result::AGAIN) return state;
@@ -77,18 +64,11 @@ IncomingMessage MessageReader::take() {
                                 std::make_move_iterator(taken.descriptors.end()));
     taken.descriptors.resize(belonging);
     if (rest != 0) {
-        if (!reserve(std::max(rest, kFirstCapacity))) throw std::bad_alloc();
+        if (!mMessage.reserve(std::max(rest, kFirstCapacity), 0)) throw std::bad_alloc();
         memcpy(mMessage.bytes.get(), taken.bytes.get() + total, rest);
         mFilled = rest;
     }
     return taken;
-}
-
-void MessageReader::reuse(IncomingMessage message) {
-    if (mMessage.bytes != nullptr || message.bytes == nullptr) return;
-    if (message.capacity > kKeptCapacity) return;
-    mMessage.bytes = std::move(message.bytes);
-    mMessage.capacity = message.capacity;
 }
 
 }  // namespace android::hardware::transport

@@ -32,12 +32,9 @@ class MessageReader {
     // The message, with the descriptors that belong to it: as many as its header says, or fewer
     // when they were not sent or there was no room for them in this process.
     IncomingMessage take();
-    // Gives the memory of a taken message back, to be used again.
-    void reuse(IncomingMessage message);
 
   private:
     Result inspect();
-    bool reserve(size_t capacity);
 
     const uint64_t mBodyLimit;
     IncomingMessage mMessage;  // its descriptors may include those of later messages

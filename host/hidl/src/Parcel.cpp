@@ -12,6 +12,8 @@ namespace {
 
 // Numbers stand at multiples of this, as on a device.
 constexpr size_t kAlignment = 4;
+// Holds the numbers of nearly every call: they are put into one piece of memory.
+constexpr size_t kUsualSize = 128;
 
 size_t padded(size_t length) {
     return (length + kAlignment - 1) & ~(kAlignment - 1);
@@ -25,6 +27,7 @@ Parcel::~Parcel() = default;
 template <typename T>
 status_t Parcel::writeAligned(T value) {
     const size_t start = mData.size();
+    if (mData.capacity() == 0) mData.reserve(kUsualSize);
     mData.resize(start + padded(sizeof(T)));
     memcpy(mData.data() + start, &value, sizeof(T));
     mBytes = mData.data();
@@ -132,6 +135,7 @@ status_t Parcel::readDouble(double* value) const {
 status_t Parcel::writeCString(const char* text) {
     const size_t length = strlen(text) + 1;
     const size_t start = mData.size();
+    if (mData.capacity() == 0) mData.reserve(std::max(kUsualSize, padded(length)));
     mData.resize(start + padded(length));
     memcpy(mData.data() + start, text, length);
     mBytes = mData.data();
@@ -335,18 +339,6 @@ status_t Parcel::adopt(transport::IncomingMessage message) try {
     return OK;
 } catch (const std::bad_alloc&) {
     return NO_MEMORY;
-}
-
-transport::IncomingMessage Parcel::release() {
-    transport::IncomingMessage message;
-    if (mMessage == nullptr) return message;
-    message = std::move(*mMessage);
-    message.descriptors.clear();
-    mMessage.reset();
-    mObjects.clear();
-    mBytes = nullptr;
-    mSize = mPosition = mObjectPosition = 0;
-    return message;
 }
 
 }  // namespace android::hardware

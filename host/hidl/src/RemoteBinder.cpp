@@ -9,7 +9,6 @@
 #include <chrono>
 #include <new>
 
-#include "MessageReader.h"
 #include "RuntimeFolder.h"
 #include "ThreadPool.h"
 
@@ -57,8 +56,8 @@ sp<RemoteBinder> RemoteBinder::fromConnection(unique_fd connection) {
 
 RemoteBinder::RemoteBinder(std::string name, uint64_t server, unique_fd first)
     : mName(std::move(name)), mServer(server) {
-    mFree.push_back(first.get());
-    mConnections.push_back(std::move(first));
+    mLinks.push_back(std::make_unique<Link>(std::move(first)));
+    mFree.push_back(mLinks.back().get());
 }
 
 RemoteBinder::~RemoteBinder() {
@@ -70,10 +69,9 @@ RemoteBinder::~RemoteBinder() {
     if (watch != 0) ThreadPool::instance().remove(watch);
 }
 
-int RemoteBinder::acquire() {
+RemoteBinder::Link* RemoteBinder::acquire() {
     std::unique_lock<std::mutex> lock(mMutex);
-    if (mFree.empty() && !mDead && !mName.empty() &&
-        mConnections.size() + mOpening < kMaxConnections) {
+    if (mFree.empty() && !mDead && !mName.empty() && mLinks.size() + mOpening < kMaxConnections) {
         ++mOpening;
         lock.unlock();
         uint64_t server = 0;
@@ -83,20 +81,20 @@ int RemoteBinder::acquire() {
         // A server that took the name over is not ours; one that has no descriptor left for another
         // connection still answers on those there are.
         if (more.ok() && server == mServer && !mDead) {
-            mConnections.push_back(std::move(more));
-            return mConnections.back().get();
+            mLinks.push_back(std::make_unique<Link>(std::move(more)));
+            return mLinks.back().get();
         }
     }
     mFreed.wait(lock, [this] { return mDead || !mFree.empty(); });
-    if (mDead) return -1;
-    const int connection = mFree.back();
+    if (mDead) return nullptr;
+    Link* const link = mFree.back();
     mFree.pop_back();
-    return connection;
+    return link;
 }
 
-void RemoteBinder::release(int connection) {
+void RemoteBinder::release(Link* link) {
     std::lock_guard<std::mutex> lock(mMutex);
-    mFree.push_back(connection);
+    mFree.push_back(link);
     mFreed.notify_one();
 }
 
@@ -111,7 +109,7 @@ void RemoteBinder::markDeadLocked() {
     mFreed.notify_all();
     // A server may live on that answered with rubbish; nobody waits for it any longer, and the
     // watch, if there is one, sees its connection end.
-    for (const unique_fd& connection : mConnections) (void)shutdown(connection.get(), SHUT_RDWR);
+    for (const auto& link : mLinks) (void)shutdown(link->socket.get(), SHUT_RDWR);
 }
 
 namespace {
@@ -135,18 +133,18 @@ bool receiveMessage(int connection, MessageReader* reader, IncomingMessage* mess
 
 }  // namespace
 
-status_t RemoteBinder::exchange(int connection, OutgoingMessage* call, bool oneway, Parcel* reply) {
-    Sending& sending = call->sending();
+status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply) {
+    const int connection = link->socket.get();
+    Sending& sending = link->call.sending();
     const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : kForever);
     const bool whole = !sending.begun;
-    call->finish();
+    link->call.finish();
     // A call that the kernel does not take, for a descriptor in it that is none, say, has left the
     // connection as it was.
     if (error != 0) return whole && !endsConnection(error) ? FAILED_TRANSACTION : DEAD_OBJECT;
     if (oneway) return OK;
-    MessageReader reader(kMaxReplyBody);
     IncomingMessage message;
-    if (!receiveMessage(connection, &reader, &message)) return DEAD_OBJECT;
+    if (!receiveMessage(connection, &link->replies, &message)) return DEAD_OBJECT;
     if (message.header().type != MessageType::REPLY) return DEAD_OBJECT;
     const auto status = static_cast<status_t>(message.header().code);
     if (status == OK) return reply->adopt(std::move(message));
@@ -157,33 +155,37 @@ status_t RemoteBinder::exchange(int connection, OutgoingMessage* call, bool onew
 status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                                 TransactCallback callback) {
     const bool oneway = (flags & FLAG_ONEWAY) != 0;
-    OutgoingMessage call;
-    const status_t encoded = call.encode(
-            data, oneway ? MessageType::ONEWAY_CALL : MessageType::CALL, code, kMaxCallBody);
-    if (encoded != OK) return encoded;
-    const int connection = acquire();
-    if (connection < 0) return DEAD_OBJECT;
+    Link* const link = acquire();
+    if (link == nullptr) return DEAD_OBJECT;
     status_t status = DEAD_OBJECT;
     try {
-        status = exchange(connection, &call, oneway, reply);
+        status = link->call.encode(data, oneway ? MessageType::ONEWAY_CALL : MessageType::CALL,
+                                   code, kMaxCallBody);
+        if (status != OK) {
+            link->call.finish();
+            release(link);
+            return status;
+        }
+        status = exchange(link, oneway, reply);
     } catch (const std::bad_alloc&) {
         // What the connection was left with is unknown: the object counts as dead.
+        status = DEAD_OBJECT;
     }
     if (status == DEAD_OBJECT) {
         markDead();
         return status;
     }
-    release(connection);
+    release(link);
     if (status == OK && callback != nullptr && !oneway) callback(*reply);
     return status;
 }
 
 status_t RemoteBinder::linkToDeath(const sp<DeathRecipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (isHungUp(mConnections.front().get())) markDeadLocked();
+    if (isHungUp(mLinks.front()->socket.get())) markDeadLocked();
     if (mDead) return DEAD_OBJECT;
     if (mWatch == 0) {
-        auto watch = std::make_shared<DeathWatch>(this, mConnections.front().get());
+        auto watch = std::make_shared<DeathWatch>(this, mLinks.front()->socket.get());
         mWatch = ThreadPool::instance().add(std::move(watch), false);
         if (mWatch == 0) return NO_MEMORY;
     }

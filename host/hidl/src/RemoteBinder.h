@@ -7,8 +7,10 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "MessageReader.h"
 #include "Socket.h"
 #include "Wire.h"
 
@@ -44,19 +46,27 @@ class RemoteBinder : public IBinder {
   private:
     RemoteBinder(std::string name, uint64_t server, unique_fd first);
 
-    int acquire();
-    void release(int connection);
+    // A connection, and what its calls leave to be used by the next.
+    struct Link {
+        explicit Link(unique_fd connection) : socket(std::move(connection)) {}
+        const unique_fd socket;
+        OutgoingMessage call;
+        MessageReader replies{kMaxReplyBody};
+    };
+
+    Link* acquire();
+    void release(Link* link);
     void markDead();
     void markDeadLocked();
-    status_t exchange(int connection, OutgoingMessage* call, bool oneway, Parcel* reply);
+    status_t exchange(Link* link, bool oneway, Parcel* reply);
 
     const std::string mName;  // empty for an object without a name
     const uint64_t mServer;
 
     std::mutex mMutex;
     std::condition_variable mFreed;
-    std::vector<unique_fd> mConnections;          // under mMutex; the first is the one watched
-    std::vector<int> mFree;                       // under mMutex: connections that no call uses
+    std::vector<std::unique_ptr<Link>> mLinks;    // under mMutex; the first is the one watched
+    std::vector<Link*> mFree;                     // under mMutex: those that no call uses
     size_t mOpening = 0;                          // under mMutex: connections being made
     bool mDead = false;                           // under mMutex
     std::vector<sp<DeathRecipient>> mRecipients;  // under mMutex

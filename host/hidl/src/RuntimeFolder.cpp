@@ -29,8 +29,8 @@ namespace android::hardware::transport {
 namespace {
 
 constexpr int kBacklog = 128;
-constexpr timeval kHelloLimit = {5, 0};
-constexpr timeval kNoLimit = {0, 0};
+constexpr std::chrono::milliseconds kHelloLimit{5000};
+constexpr std::chrono::milliseconds kNoLimit{0};
 
 std::string runtimePath() {
     const char* own = getenv("MLK_RUNTIME_DIR");
@@ -147,23 +147,39 @@ int connectSocket(int socket, const RuntimeFolder& folder, const std::string& na
     return result;
 }
 
-void limitWaiting(int socket, const timeval& limit) {
+void limitWaiting(int socket, std::chrono::milliseconds time) {
+    const timeval limit = {time.count() / 1000, time.count() % 1000 * 1000};
     (void)setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
     (void)setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
 }
 
-bool receiveHello(int socket, uint64_t* server) {
+enum class Heard { HELLO, NOTHING, NONSENSE };
+
+Heard receiveHello(int socket, uint64_t* server) {
     Hello hello{};
     size_t filled = 0;
     while (filled < sizeof(hello)) {
         const ssize_t got = recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
                                  sizeof(hello) - filled, 0);
         if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) return false;
+        if (got < 0 && errno == EAGAIN) return Heard::NOTHING;
+        if (got <= 0) return Heard::NONSENSE;
         filled += static_cast<size_t>(got);
     }
     *server = hello.server;
-    return hello.magic == Hello::kMagic && hello.version == Hello::kVersion;
+    const bool isOurs = hello.magic == Hello::kMagic && hello.version == Hello::kVersion;
+    return isOurs ? Heard::HELLO : Heard::NONSENSE;
+}
+
+// A connection to a server whom this user trusts, which has not said anything yet.
+unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name,
+                          std::chrono::milliseconds limit) {
+    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!socket.ok() || !folder.descriptor.ok()) return {};
+    limitWaiting(socket.get(), limit);
+    if (connectSocket(socket.get(), folder, name) != 0) return {};
+    const bool rootVisits = geteuid() == 0 && peerUser(socket.get()) == folder.owner;
+    return rootVisits || peerIsTrusted(socket.get()) ? std::move(socket) : unique_fd();
 }
 
 }  // namespace
@@ -192,16 +208,18 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
 }
 
 unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server) {
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!socket.ok() || !folder.descriptor.ok()) return {};
-    limitWaiting(socket.get(), kHelloLimit);
-    if (connectSocket(socket.get(), folder, name) != 0) return {};
-    const bool rootVisits = geteuid() == 0 && peerUser(socket.get()) == folder.owner;
-    if (!rootVisits && !peerIsTrusted(socket.get())) return {};
-    if (!receiveHello(socket.get(), server)) return {};
+    unique_fd socket = connectTrusting(folder, name, kHelloLimit);
+    if (!socket.ok() || receiveHello(socket.get(), server) != Heard::HELLO) return {};
     // Calls take as long as they take.
     limitWaiting(socket.get(), kNoLimit);
     return socket;
+}
+
+bool isServed(const RuntimeFolder& folder, const std::string& name,
+              std::chrono::milliseconds limit) {
+    uint64_t server = 0;
+    const unique_fd socket = connectTrusting(folder, name, limit);
+    return socket.ok() && receiveHello(socket.get(), &server) != Heard::NONSENSE;
 }
 
 }  // namespace android::hardware::transport

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 #include <utils/Errors.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -40,6 +41,11 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
 // version. server receives the number that tells it from others of its name. Waits at most a few
 // seconds for a server all of whose threads are busy.
 unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server);
+
+// Whether a server whom this user trusts has that name: one that says its hello, or that says
+// nothing within the limit.
+bool isServed(const RuntimeFolder& folder, const std::string& name,
+              std::chrono::milliseconds limit);
 
 // A number that nobody else has.
 uint64_t randomNumber();

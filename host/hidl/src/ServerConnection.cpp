@@ -118,7 +118,6 @@ bool ServerConnection::dispatch(IncomingMessage message, const ThreadPool& pool)
             alive = send(pool);
         }
     }
-    mReader.reuse(data.release());
     return alive;
 }
 

@@ -8,6 +8,7 @@
 #include <android/hidl/base/1.0/BpHwBase.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <set>
@@ -29,6 +30,10 @@ using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace {
 
+// How long all services together are waited for, and each of those behind a silent one.
+constexpr std::chrono::milliseconds kListLimit{1000};
+constexpr std::chrono::milliseconds kListLeast{20};
+
 std::set<std::string> filesOf(const std::string& folder) {
     std::set<std::string> files;
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(folder.c_str()), &closedir);
@@ -47,12 +52,14 @@ class HostServiceManager : public IServiceManager {
         }
         const transport::RuntimeFolder folder = transport::findRuntimeFolder();
         std::vector<hidl_string> names;
+        const auto end = std::chrono::steady_clock::now() + kListLimit;
         for (const std::string& file : filesOf(folder.path)) {
             std::string descriptor;
             std::string instance;
-            uint64_t server;
+            const auto rest = std::chrono::ceil<std::chrono::milliseconds>(
+                    end - std::chrono::steady_clock::now());
             if (transport::splitSocketName(file, &descriptor, &instance) &&
-                transport::connectTo(folder, file, &server).ok()) {
+                transport::isServed(folder, file, std::max(rest, kListLeast))) {
                 names.emplace_back(descriptor.append("/").append(instance));
             }
         }

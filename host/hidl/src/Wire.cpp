@@ -1,6 +1,8 @@
 #include "Wire.h"
 
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "RemoteBinder.h"
 #include "ServerConnection.h"
@@ -16,11 +18,36 @@ constexpr size_t kSmallBlock = 2048;
 constexpr size_t kKeptCapacity = size_t{64} * 1024;
 constexpr size_t kHandleHeader = sizeof(native_handle_t);
 
+// The memory of a message that is done with.
+struct Spare {
+    std::unique_ptr<uint8_t[]> bytes;
+    size_t capacity = 0;
+};
+thread_local Spare tSpare;
+
 size_t handleLength(const native_handle_t* handle) {
     return kHandleHeader + sizeof(int) * static_cast<size_t>(handle->numFds + handle->numInts);
 }
 
 }  // namespace
+
+IncomingMessage::~IncomingMessage() {
+    if (bytes == nullptr || capacity > kKeptCapacity || capacity <= tSpare.capacity) return;
+    tSpare = {std::move(bytes), capacity};
+}
+
+bool IncomingMessage::reserve(size_t wanted, size_t filled) {
+    if (capacity >= wanted) return true;
+    Spare larger = std::exchange(tSpare, {});
+    if (larger.capacity < wanted) {
+        larger = {std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[wanted]), wanted};
+    }
+    if (larger.bytes == nullptr) return false;
+    if (filled != 0) memcpy(larger.bytes.get(), bytes.get(), filled);
+    bytes = std::move(larger.bytes);
+    capacity = larger.capacity;
+    return true;
+}
 
 void OutgoingMessage::addPiece(const void* bytes, size_t length) {
     if (length == 0) return;

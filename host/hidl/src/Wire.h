@@ -62,8 +62,18 @@ constexpr uint64_t kMaxReplyBody = 256ULL * 1024 * 1024;
 // The kernel passes at most this many descriptors at once.
 constexpr size_t kMaxDescriptors = 253;
 
-// A whole message that arrived: its bytes, from the header on, and its descriptors.
+// A whole message that arrived: its bytes, from the header on, and its descriptors. What it took of
+// memory goes to the next message that arrives on the same thread, unless that is large.
 struct IncomingMessage {
+    IncomingMessage() = default;
+    IncomingMessage(IncomingMessage&&) = default;
+    IncomingMessage& operator=(IncomingMessage&&) = default;
+    ~IncomingMessage();
+
+    // Makes room for so many bytes, of which the first `filled` are kept. False when there is no
+    // memory: a length is the other end's word, and must not cost this process its life.
+    bool reserve(size_t wanted, size_t filled);
+
     std::unique_ptr<uint8_t[]> bytes;
     size_t capacity = 0;
     std::vector<unique_fd> descriptors;

@@ -82,7 +82,8 @@ TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
         GTEST_SKIP() << "sanitizers keep it for a while";
     const size_t before = residentOf(mServer.pid());
     for (int i = 0; i < 5; ++i) EXPECT_TRUE(answered(32U << 20U));
-    EXPECT_LT(residentOf(mServer.pid()), before + (24U << 20U));
+    // The last one's may still be on its way when the client has it all.
+    EXPECT_TRUE(eventually([&] { return residentOf(mServer.pid()) < before + (24U << 20U); }));
 }
 
 }  // namespace

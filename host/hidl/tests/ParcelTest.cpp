@@ -196,11 +196,5 @@ TEST(ParcelErrorTest, RemoteObjectIsRefused) {
     EXPECT_EQ(INVALID_OPERATION, parcel.writeError());
 }
 
-TEST(ParcelErrorTest, ReleaseOfAParcelThatDidNotArrive) {
-    Parcel parcel;
-    EXPECT_EQ(OK, parcel.writeInt32(1));
-    EXPECT_EQ(nullptr, parcel.release().bytes);
-}
-
 }  // namespace
 }  // namespace mlk::test

@@ -118,6 +118,11 @@ TEST(BatchLineTest, RefusesWhatIsNoCall) {
     EXPECT_THAT(refusalOf("[\"I\",\"m\"\0]"s), HasSubstr("not JSON"));
 }
 
+TEST(BatchLineTest, RefusesWhatTheParserWouldPassOver) {
+    EXPECT_THAT(refusalOf("[\"I\",\"m\"]\0,5]"s), HasSubstr("column 10: not JSON"));
+    EXPECT_THAT(refusalOf("\xef\xbb\xbf[\"I\",\"m\"]"), HasSubstr("column 1: not JSON"));
+}
+
 TEST(BatchLineTest, RefusesNesting) {
     EXPECT_EQ(refusalOf(R"(["I","m",[]])"),
               "an argument is a text, a number, true or false, not an array");

@@ -130,7 +130,9 @@ TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
     EXPECT_EQ(wait.err,
               "mlkctl: no answer within 0.1 s from IMlkProjectConfigs, IMlkTvConfigs, "
               "IMlkFrameworkConfigs\n");
-    EXPECT_EQ(run({"list"}).status, 0);
+    const Outcome list = run({"list"});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_THAT(list.out, MatchesRegex("INTERFACE.*\n(vendor[^ ]+ +default +- +-\n){3}"));
     mService->kill(SIGCONT);
     EXPECT_EQ(run({"wait"}).status, 0);
 }

@@ -116,9 +116,6 @@ class Parcel {
     // For the transport: makes this empty parcel the one that arrived. BAD_VALUE, and an empty
     // parcel, when what arrived is not a whole parcel; NO_MEMORY.
     status_t adopt(transport::IncomingMessage message);
-    // For the transport: gives the memory of what arrived back, to receive the next message in;
-    // nothing when nothing arrived. The parcel is empty then, its descriptors are closed.
-    transport::IncomingMessage release();
 
   private:
     template <typename T>

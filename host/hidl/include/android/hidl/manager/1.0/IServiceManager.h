@@ -15,8 +15,8 @@ struct IServiceManager : public virtual RefBase {
     using list_cb = std::function<void(const ::android::hardware::hidl_vec<
                                        ::android::hardware::hidl_string>& fqInstanceNames)>;
 
-    // Every service that answers, as "package@version::IInterface/instance", in ascending order.
-    // Connects to each: one whose threads are all busy holds it up for a few seconds.
+    // Every service that is served, as "package@version::IInterface/instance", in ascending order.
+    // Connects to each, and waits for a second at most for those whose threads are all busy.
     // EX_ILLEGAL_ARGUMENT without a callback.
     virtual ::android::hardware::Return<void> list(list_cb callback) = 0;
 

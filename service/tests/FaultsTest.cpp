@@ -1,0 +1,260 @@
+// Every call of the real process on a file fails, is interrupted or is its last, one after the
+// other. The process lives on where it can; afterwards it starts again, and each file that it
+// writes holds what it held before or after a change.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/testing/HostSet.h"
+#include "service/tests/FaultScenario.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0 {
+namespace {
+
+using ::mlk::testing::HostSet;
+using ::testing::AnyOf;
+
+std::map<std::string, std::string> preloaded(const HostSet& set) {
+    return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
+            {"MLK_FAULT_BELOW", set.tvconfigs() + ":" + set.tvdata() + ":" + set.impdata() + ":" +
+                                        set.dir().path("data")},
+            // A sanitizer's runtime takes part in the program and does not mind who else does.
+            {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}};
+}
+
+std::map<std::string, std::string> faulty(const HostSet& set, const std::string& fault) {
+    auto environment = preloaded(set);
+    environment["MLK_FAULT_AT"] = fault;
+    return environment;
+}
+
+/// What a run without faults makes.
+struct Reference {
+    std::vector<std::string> answers;
+    std::vector<State> states;
+    std::map<std::string, int> calls;  ///< how often each call is made
+    int allCalls = 0;                  ///< but for memory
+
+    Reference() {
+        Scenario scenario;
+        auto environment = preloaded(scenario.set());
+        environment["MLK_FAULT_LOG"] = scenario.set().dir().path("calls");
+        answers = scenario.run(environment, &states);
+        std::istringstream lines(scenario.set().dir().read("calls"));
+        for (std::string call; std::getline(lines, call);) {
+            ++calls[call];
+            allCalls += call == "memory" ? 0 : 1;
+        }
+    }
+};
+
+const Reference& reference() {
+    static const Reference theReference;
+    return theReference;
+}
+
+/// Where the digital system can be read nowhere, its default goes to the property.
+bool isDefaultSystem(const std::string& name, const std::string& content) {
+    return name == "persist.vendor.mlk.tv.dtv_system" && content == "0";
+}
+
+/// After whatever happened: each file holds what it held at some moment of a run without faults,
+/// and the process starts and answers.
+void expectWhole(Scenario& scenario) {
+    const State state = scenario.state();
+    for (const auto& [name, content] : state) {
+        if (isDefaultSystem(name, content)) {
+            continue;
+        }
+        const bool known = std::any_of(reference().states.begin(), reference().states.end(),
+                                       [&, &key = name, &text = content](const State& one) {
+                                           return one.at(key) == text;
+                                       });
+        EXPECT_TRUE(known) << name << " holds: " << content;
+    }
+    scenario.expectNoEnd();
+    EXPECT_EQ(scenario.run({}), reference().answers);
+}
+
+TEST(FaultsTest, RunWithoutFaults) {
+    EXPECT_THAT(reference().answers, ::testing::ElementsAre("started", "1 1", "1 1", "1 1", "1 1",
+                                                            "1 0", "1 0", "1 2", "1 DVB", "1 1"));
+    for (const char* call :
+         {"open", "read", "write", "fsync", "close", "ftruncate", "mkdir", "rename", "unlink"}) {
+        EXPECT_GT(reference().calls.count(call), 0U) << call;
+    }
+}
+
+struct Fault {
+    const char* call;
+    const char* action;
+    bool isHarmless;  ///< nobody notices
+};
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+    *out << fault.call << " " << fault.action;
+}
+
+class EachCallTest : public ::testing::TestWithParam<Fault> {};
+
+TEST_P(EachCallTest, FailsOnceInItsTurn) {
+    const auto& [call, action, isHarmless] = GetParam();
+    const auto calls = reference().calls.find(call);
+    ASSERT_NE(calls, reference().calls.end());
+    for (int number = 1; number <= calls->second; ++number) {
+        const std::string fault = std::string(call) + " " + std::to_string(number) + " " + action;
+        SCOPED_TRACE(fault);
+        Scenario scenario;
+        const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), fault));
+        EXPECT_TRUE(scenario.runs()) << scenario.log();
+        EXPECT_EQ(answers.size(), reference().answers.size());
+        EXPECT_EQ(std::count(answers.begin(), answers.end(), "dead"), 0);
+        if (isHarmless) {
+            EXPECT_EQ(answers, reference().answers);
+            EXPECT_EQ(scenario.state(), reference().states.back());
+        }
+        expectWhole(scenario);
+    }
+}
+
+std::string nameOf(const ::testing::TestParamInfo<Fault>& fault) {
+    return fault.param.call;
+}
+
+constexpr const char* kInterrupted = "4";
+constexpr const char* kInputOutputError = "5";
+constexpr const char* kNoSpace = "28";
+static_assert(EINTR == 4 && EIO == 5 && ENOSPC == 28);
+
+INSTANTIATE_TEST_SUITE_P(
+        Errors, EachCallTest,
+        ::testing::Values(Fault{"open", kInputOutputError, false}, Fault{"openw", kNoSpace, false},
+                          Fault{"access", kInputOutputError, false},
+                          Fault{"read", kInputOutputError, false}, Fault{"write", kNoSpace, false},
+                          Fault{"fsync", kInputOutputError, false},
+                          Fault{"close", kInputOutputError, true},
+                          Fault{"ftruncate", kInputOutputError, false},
+                          Fault{"mkdir", kNoSpace, false}, Fault{"rename", kNoSpace, false},
+                          Fault{"unlink", kInputOutputError, true}),
+        nameOf);
+
+INSTANTIATE_TEST_SUITE_P(
+        Interruptions, EachCallTest,
+        ::testing::Values(Fault{"open", kInterrupted, true}, Fault{"openw", kInterrupted, true},
+                          Fault{"read", kInterrupted, true}, Fault{"write", kInterrupted, true},
+                          Fault{"fsync", kInterrupted, true}, Fault{"close", kInterrupted, true},
+                          Fault{"ftruncate", kInterrupted, true}),
+        nameOf);
+
+INSTANTIATE_TEST_SUITE_P(Halves, EachCallTest,
+                         ::testing::Values(Fault{"read", "short", true},
+                                           Fault{"write", "short", true}),
+                         nameOf);
+
+struct Lasting {
+    const char* name;
+    const char* fault;
+    std::string log;  ///< a part of one line that says so
+};
+
+void PrintTo(const Lasting& lasting, std::ostream* out) {
+    *out << lasting.fault;
+}
+
+class LastingTest : public ::testing::TestWithParam<Lasting> {};
+
+TEST_P(LastingTest, CostsWhatItTouchesOnly) {
+    Scenario scenario;
+    const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), GetParam().fault));
+    EXPECT_TRUE(scenario.runs()) << scenario.log();
+    EXPECT_EQ(answers.size(), reference().answers.size());
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), "dead"), 0);
+    EXPECT_THAT(scenario.log(), ::testing::ContainsRegex(GetParam().log));
+    expectWhole(scenario);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+        , LastingTest,
+        ::testing::Values(
+                Lasting{"FullDisk", "change 1+ 28",
+                        "E/MlkProjectConfigs.*project_id.bin: cannot be written: No space left"},
+                Lasting{"FullDiskUnderAnOpenFile", "write 1+ 28",
+                        "E/MlkProjectConfigs.*country_id.bin: cannot be written: No space left"},
+                Lasting{"ReadOnly", "change 1+ 30",
+                        "E/MlkProjectConfigs.*project_id.bin: cannot be written: Read-only"},
+                Lasting{"NoPermissionToRead", "open 1+ 13",
+                        "E/MlkProjectConfigs.*customer.ini: cannot be read: Permission denied"},
+                Lasting{"NoPermissionAtAll", "any 1+ 13",
+                        "E/MlkProjectConfigs.*partition .*/tvconfigs cannot be read: Permission"},
+                Lasting{"FailingDisk", "read 1+ 5",
+                        "E/MlkProjectConfigs.*customer.ini:0: cannot be read further: Input"}),
+        [](const ::testing::TestParamInfo<Lasting>& lasting) { return lasting.param.name; });
+
+/// A set some of whose partitions are missing.
+class MissingTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(MissingTest, PartitionIsToldOnceAndTheRestIsServed) {
+    Scenario scenario;
+    const std::string folder = scenario.set().dir().path(GetParam());
+    std::filesystem::remove_all(folder);
+    const std::vector<std::string> answers = scenario.run({});
+    EXPECT_TRUE(scenario.runs()) << scenario.log();
+    EXPECT_EQ(answers.size(), reference().answers.size());
+    EXPECT_EQ(std::count(answers.begin(), answers.end(), "dead"), 0);
+    const std::string line = "partition " + folder + " cannot be read";
+    const size_t first = scenario.log().find(line);
+    EXPECT_NE(first, std::string::npos) << scenario.log();
+    EXPECT_EQ(scenario.log().find(line, first + 1), std::string::npos) << scenario.log();
+}
+
+INSTANTIATE_TEST_SUITE_P(, MissingTest, ::testing::Values("tvconfigs", "tvdata", "impdata"));
+
+/// One of so many allocations fails. The process may end, but it starts again.
+TEST(FaultsTest, NoMemoryForOneAllocation) {
+    const auto allocations = reference().calls.find("memory");
+    if (allocations == reference().calls.end()) {
+        GTEST_SKIP() << "a sanitizer has the memory";
+    }
+    constexpr int kTried = 60;
+    for (int i = 0; i < kTried; ++i) {
+        const int number = 1 + allocations->second * i / kTried;
+        const std::string fault = "memory " + std::to_string(number) + " 12";
+        SCOPED_TRACE(fault);
+        Scenario scenario;
+        const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), fault));
+        if (answers.front() == "started") {
+            EXPECT_TRUE(scenario.runs()) << "a call that runs out of memory costs that call";
+        }
+        expectWhole(scenario);
+    }
+}
+
+/// One of so many equal parts of all calls, so that they run beside one another.
+class EachMomentTest : public ::testing::TestWithParam<int> {
+  public:
+    static constexpr int kParts = 6;
+};
+
+TEST_P(EachMomentTest, IsTheLast) {
+    for (int number = GetParam() + 1; number <= reference().allCalls; number += kParts) {
+        const std::string fault = "any " + std::to_string(number) + " kill";
+        SCOPED_TRACE(fault);
+        Scenario scenario;
+        scenario.expectEnd();
+        scenario.run(faulty(scenario.set(), fault));
+        EXPECT_FALSE(scenario.runs());
+        expectWhole(scenario);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kills, EachMomentTest, ::testing::Range(0, EachMomentTest::kParts));
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0

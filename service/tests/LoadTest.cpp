@@ -1,0 +1,258 @@
+// The real process under many clients, and under clients that mean it harm. What it takes of the
+// machine is back where it was afterwards, and honest clients are answered all the while.
+//
+// MLK_SOAK in the environment has each test run for so many seconds instead of a moment.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/hidl/tests/RawClient.h"
+#include "host/testing/Eventually.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/ProcessUsage.h"
+#include "host/testing/Sanitizers.h"
+#include "service/tests/InterfaceMethods.h"
+#include "service/tests/ServiceProcess.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0 {
+namespace {
+
+using ::mlk::test::RawClient;
+using ::mlk::test::RawMessage;
+using ::mlk::testing::descriptorsOf;
+using ::mlk::testing::eventually;
+using ::mlk::testing::HostSet;
+using ::mlk::testing::Process;
+using ::mlk::testing::residentOf;
+using ::mlk::testing::threadsOf;
+using std::chrono::steady_clock;
+
+constexpr size_t kPoolThreads = 10;
+constexpr const char* kMoment = "2";
+
+std::string seconds() {
+    const char* const soak = getenv("MLK_SOAK");
+    return soak != nullptr ? soak : kMoment;
+}
+
+bool isSoak() {
+    return getenv("MLK_SOAK") != nullptr;
+}
+
+class LoadTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        mSet.copyFrom(std::string(getenv("MLK_SOURCE_DIR")) + "/samples/partitions");
+        mAllocator = std::make_unique<Process>(
+                std::vector<std::string>{::mlk::testing::binDir() +
+                                         "/android.hidl.allocator@1.0-service"},
+                Process::Options{{{"ANDROID_LOG_TAGS", "*:D"}}});
+        ASSERT_TRUE(mAllocator->waitForErr("registered IAllocator"));
+        // What is said at each refusal would only fill the test's memory.
+        mServer = std::make_unique<ServiceProcess>(
+                std::map<std::string, std::string>{{"ANDROID_LOG_TAGS", "*:F"}});
+        ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
+        callers(4, "1", "30000");
+        mDescriptors = descriptorsOf(pid());
+    }
+
+    /// So many processes that call at once; gives how many calls they made.
+    uint64_t callers(int count, const std::string& time, const std::string& calls) {
+        std::vector<std::unique_ptr<Process>> processes;
+        for (int i = 0; i < count; ++i) {
+            processes.push_back(std::make_unique<Process>(std::vector<std::string>{
+                    SERVICE_CALLER, std::to_string(++mSeed), time, calls}));
+        }
+        uint64_t made = 0;
+        for (const auto& process : processes) {
+            EXPECT_EQ(process->wait(), 0) << process->err();
+            made += strtoull(process->out().c_str(), nullptr, 10);
+        }
+        return made;
+    }
+
+    /// Calls as an honest client does until `stop`; every call has to be answered.
+    void callHonestly(const std::atomic<bool>& stop) {
+        const auto service = IMlkProjectConfigs::getService();
+        do {
+            int answers = 0;
+            EXPECT_TRUE(service->getPanelName([&](const OptionalString&) { ++answers; }).isOk());
+            EXPECT_EQ(answers, 1);
+            ++mHonestCalls;
+        } while (!stop);
+    }
+
+    /// The process is as it was: alive, no larger, with the descriptors it had.
+    void expectAsBefore(size_t resident) {
+        EXPECT_TRUE(mServer->process().running());
+        EXPECT_LE(threadsOf(pid()), kPoolThreads);
+        EXPECT_TRUE(eventually([&] { return descriptorsOf(pid()) <= mDescriptors; }))
+                << descriptorsOf(pid()) << " descriptors instead of " << mDescriptors;
+        // What the allocators keep for the next call; the sanitizers keep more.
+        constexpr size_t kSlack =
+                ::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer ? 96U << 20U
+                                                                                      : 4U << 20U;
+        EXPECT_LE(residentOf(pid()), resident + kSlack);
+    }
+
+    std::unique_ptr<RawClient> attacker() const {
+        auto client = std::make_unique<RawClient>(mSet.runtime(), IMlkProjectConfigs::descriptor);
+        EXPECT_TRUE(client->hello());
+        return client;
+    }
+    static RawMessage call(uint32_t code) {
+        RawMessage message;
+        message.header.code = code;
+        message.text(IMlkProjectConfigs::descriptor);
+        return message;
+    }
+    pid_t pid() const { return mServer->process().pid(); }
+
+    HostSet mSet;
+    std::unique_ptr<Process> mAllocator;
+    std::unique_ptr<ServiceProcess> mServer;
+    size_t mDescriptors = 0;
+    int mSeed = 0;
+    std::atomic<uint64_t> mHonestCalls{0};
+};
+
+TEST_F(LoadTest, SixtyFourProcessesAtOnce) {
+    const size_t before = residentOf(pid());
+    EXPECT_GT(callers(64, seconds(), "0"), 64U);
+    expectAsBefore(before);
+}
+
+TEST_F(LoadTest, NothingGrowsWithTheNumberOfCalls) {
+    // Four callers beside the four that ran before this: 100,000 calls have settled it.
+    const uint64_t calls = isSoak() ? 10'000'000 : 40'000;
+    callers(4, seconds(), "25000");
+    const size_t settled = residentOf(pid());
+    uint64_t made = 0;
+    const auto end = steady_clock::now() + std::chrono::seconds(std::stol(seconds()));
+    while (made < calls && steady_clock::now() < end) {
+        made += callers(4, seconds(), std::to_string(calls / 16));
+    }
+    std::cout << made << " calls; resident " << settled / 1024 << " KiB before, "
+              << residentOf(pid()) / 1024 << " KiB after" << std::endl;
+    expectAsBefore(settled);
+}
+
+TEST_F(LoadTest, ThousandIdleConnections) {
+    if (!::mlk::test::makeRoomForDescriptors(1000)) {
+        GTEST_SKIP() << "too few descriptors";
+    }
+    const size_t before = residentOf(pid());
+    std::vector<std::unique_ptr<RawClient>> idle;
+    for (int i = 0; i < 1000; ++i) {
+        idle.push_back(attacker());
+    }
+    EXPECT_GT(callers(4, "1", "3000"), 0U);
+    EXPECT_GE(descriptorsOf(pid()), mDescriptors + 1000);
+    EXPECT_LE(threadsOf(pid()), kPoolThreads);
+    // A connection without a call is a few kilobytes.
+    EXPECT_LE(residentOf(pid()),
+              before + (4U << 20U) +
+                      (::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer
+                               ? 96U << 20U
+                               : 0U));
+    idle.clear();
+    expectAsBefore(before + (3U << 20U));
+}
+
+TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
+    constexpr uint32_t kGetEQPath = 14;
+    constexpr uint32_t kSetAvrVendorId = 41;
+    constexpr int kKinds = 6;
+    const int unknownCodes = isSoak() ? 1'000'000 : 5'000;
+    const size_t before = residentOf(pid());
+    std::atomic<bool> stop{false};
+    std::thread honest([&] { callHonestly(stop); });
+    std::vector<std::thread> attackers;
+    const auto end = steady_clock::now() + std::chrono::seconds(std::stol(seconds()));
+    const auto attack = [&](const auto& once) {
+        while (steady_clock::now() < end) {
+            once();
+        }
+    };
+    attackers.reserve(kKinds);
+    // Half a message, then silence.
+    attackers.emplace_back([&] {
+        std::vector<std::unique_ptr<RawClient>> silent;
+        attack([&] {
+            const std::vector<uint8_t> whole = call(kGetEQPath).bytes();
+            silent.push_back(attacker());
+            silent.back()->send({whole.begin(), whole.begin() + whole.size() / 2});
+            if (silent.size() > 200) {
+                silent.clear();
+            }
+        });
+    });
+    // Lengths of four gigabytes.
+    attackers.emplace_back([&] {
+        attack([&] {
+            RawMessage message = call(kGetEQPath);
+            message.bodySize = uint64_t{1} << 32U;
+            const auto client = attacker();
+            client->send(message);
+            EXPECT_TRUE(client->ends());
+        });
+    });
+    // Descriptors that nobody asked for.
+    attackers.emplace_back([&] {
+        attack([&] {
+            RawMessage message = call(kGetEQPath);
+            message.number(0);
+            message.descriptors.assign(100, STDIN_FILENO);
+            const auto client = attacker();
+            client->send(message);
+            EXPECT_NE(client->replyStatus(), ::android::OK);
+        });
+    });
+    // Methods that there are not.
+    attackers.emplace_back([&] {
+        auto client = attacker();
+        for (int i = 0; i < unknownCodes; ++i) {
+            client->send(call(53U + static_cast<uint32_t>(i) * 4001U % 0x0effffffU));
+            EXPECT_EQ(client->replyStatus(), ::android::UNKNOWN_TRANSACTION);
+        }
+    });
+    // Calls that have no answer.
+    attackers.emplace_back([&] {
+        const auto client = attacker();
+        attack([&] {
+            RawMessage message = call(kGetEQPath);
+            message.number(7);
+            client->send(message);
+            EXPECT_EQ(client->replyStatus(), ::android::BAD_VALUE);
+        });
+    });
+    // Texts that the class would die of, and ones that are not there.
+    attackers.emplace_back([&] {
+        const auto service = IMlkProjectConfigs::getService();
+        const auto client = attacker();
+        attack([&] {
+            const auto refused = service->setAvrVendorId(std::string(129, 'v'), [](const auto&) {});
+            EXPECT_FALSE(refused.isOk());
+            EXPECT_FALSE(refused.isDeadObject());
+            client->send(call(kSetAvrVendorId));
+            EXPECT_NE(client->replyStatus(), ::android::OK);
+        });
+    });
+    for (std::thread& thread : attackers) {
+        thread.join();
+    }
+    stop = true;
+    honest.join();
+    EXPECT_GT(mHonestCalls, 100U);
+    expectAsBefore(before);
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0
