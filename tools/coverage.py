@@ -2,12 +2,13 @@
 """Prints what the tests covered: coverage.py [--missing] EXPORT, which is llvm-cov's JSON.
 
 The table has lines and branches of each room. A branch is one outcome, true or false, of one
-condition; a condition that the compiler knows the outcome of is none. A template's branch counts as
-taken when it is in any of its instances. With --missing, every branch that no test took follows, with
-the outcome that never was.
+condition; a condition whose outcome the compiler knows ("while (true)") has none. The true of a
+"switch" is that no case matched. A template's branch counts as taken when it is in any of its
+instances. With --missing, every branch that no test took follows.
 """
 
 import argparse
+import bisect
 import collections
 import json
 import sys
@@ -48,7 +49,18 @@ def branches_of(file):
     for line, column, _, _, true, false, *_ in file["branches"]:
         counts[line, column, True] += true
         counts[line, column, False] += false
-    return counts
+    segments = sorted((line, column, count) for line, column, count, *_ in file["segments"])
+
+    def runs(line, column):
+        """How often the code at that place ran."""
+        return segments[bisect.bisect(segments, (line, column, float("inf"))) - 1][2]
+
+    # Counted neither way where the code ran, it is no condition of the program's.
+    return {
+        (line, column, outcome): count
+        for (line, column, outcome), count in counts.items()
+        if counts[line, column, not outcome] or count or not runs(line, column)
+    }
 
 
 class Sum:

@@ -84,7 +84,7 @@ ScriptReader::Place ScriptReader::place() {
 }
 
 std::optional<ScriptedCall> ScriptReader::next() {
-    if (mRest.empty()) {
+    if (mRest.empty() || mCalls++ == CallScript::kMostCalls) {
         return {};
     }
     const size_t service = byte() % services().size();

@@ -14,7 +14,7 @@ namespace mlk::fuzzing {
 /// Calls of the three services as an engine can make them up: few bytes say what is well-formed, so
 /// that most inputs reach a method, and some say what is not.
 ///
-/// An input is a list of calls; a call is these bytes:
+/// An input is a list of calls, of which the first kMostCalls count; a call is these bytes:
 ///
 ///     service     which of kServices
 ///     method      position in codesOf(service); behind its end: the next four bytes are the code
@@ -34,6 +34,7 @@ struct CallScript {
     enum Flag : uint8_t { ONEWAY = 1, OTHER_INTERFACE = 2, MISSING_DESCRIPTORS = 4 };
     enum Kind : uint8_t { TEXT, KEY, BUFFER, HANDLE, BINDER, NOTHING, KINDS };
     static constexpr uint8_t kNoParent = 255;
+    static constexpr size_t kMostCalls = 10;
 };
 
 /// The services' interfaces, in the order of a script's numbers.
@@ -73,6 +74,7 @@ class ScriptReader {
     void passDescriptor(test::RawMessage& message);
 
     std::string_view mRest;
+    size_t mCalls = 0;
     const std::string mRoot;
     const std::vector<int> mDescriptors;
 };

@@ -31,6 +31,8 @@ struct Arguments {
     const char* key;
 };
 
+constexpr uint32_t kTogether = 6;
+
 constexpr Arguments kRounds[] = {
         {0, "", "", ""},
         {1, "$/tvconfigs/tv.config", "[LiveTV]", "TvConfig"},
@@ -107,7 +109,7 @@ class Seeds {
     template <typename Proxy, typename Interface>
     void writeMethods(size_t service) {
         for (size_t round = 0; round < std::size(kRounds); ++round) {
-            std::string all;
+            std::string several;
             for (const auto& row : methodRows<Interface>()) {
                 const android::sp<Recorder> recorder = new Recorder(service, kRounds[round]);
                 const android::sp<Interface> proxy = new Proxy(recorder);
@@ -118,9 +120,13 @@ class Seeds {
                     write(row.name + ("." + std::to_string(round)), recorder->script());
                 }
                 mWritten[row.name] = recorder->script();
-                all += recorder->script();
+                // Calls may depend on those before them.
+                several += recorder->script();
+                if (row.code % kTogether == 0) {
+                    write(std::string("to.") + row.name + "." + std::to_string(round), several);
+                    several.clear();
+                }
             }
-            write("all." + std::to_string(service) + "." + std::to_string(round), all);
         }
     }
     void writeBaseMethods() {

@@ -29,11 +29,19 @@ constexpr size_t kThreads = 4;
 // More than the process ever has; each input that leaks a descriptor moves it nearer.
 constexpr int kMostDescriptors = 200;
 
-// The services on the sample's set, in this process, and a client of each.
+// A copy of the sample's set; it goes when the process ends.
+mlk::testing::HostSet& set() {
+    static mlk::testing::HostSet theSet;
+    return theSet;
+}
+
+// The services on the set, in this process, and a client of each.
 class Server {
   public:
     Server() {
-        mSet.copyFrom(MLK_SAMPLES_DIR "/partitions");
+        set().copyFrom(MLK_SAMPLES_DIR "/partitions");
+        // Nobody reads the log.
+        set().setProperty("persist.vendor.mlk.configs.debug", "0");
         android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
         installMlkProjectConfigsStub();
         mServices.reset(new Services({[] { return new MlkProjectConfigs; },
@@ -50,15 +58,13 @@ class Server {
     void connect() {
         mClients.clear();
         for (const std::string& service : fuzzing::services()) {
-            mClients.push_back(std::make_unique<RawClient>(mSet.runtime(), service));
+            mClients.push_back(std::make_unique<RawClient>(set().runtime(), service));
             fuzzing::require(mClients.back()->hello(), "a client is welcome");
         }
     }
     RawClient& client(size_t service) { return *mClients[service]; }
-    std::string root() const { return mSet.dir().path(); }
 
   private:
-    mlk::testing::HostSet mSet;
     std::unique_ptr<const Services> mServices;
     android::sp<android::hidl::allocator::V1_0::IAllocator> mAllocator;
     std::vector<std::unique_ptr<RawClient>> mClients;
@@ -84,7 +90,7 @@ std::vector<int> descriptors() {
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::vector<int> kDescriptors = descriptors();
-    fuzzing::ScriptReader script(data, size, server().root(), kDescriptors);
+    fuzzing::ScriptReader script(data, size, set().dir().path(), kDescriptors);
     while (const auto call = script.next()) {
         RawClient& client = server().client(call->service);
         fuzzing::require(client.send(call->message), "a call can be sent");

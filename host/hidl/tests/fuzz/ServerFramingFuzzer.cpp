@@ -26,9 +26,16 @@ constexpr size_t kMostDescriptors = 8;
 // More than the process ever has; each input that leaks a descriptor moves it nearer.
 constexpr int kMostOpen = 200;
 
+// It goes when the process ends.
+const mlk::testing::HostSet& set() {
+    static const mlk::testing::HostSet theSet;
+    return theSet;
+}
+
 class Server {
   public:
     Server() {
+        (void)set();
         // Everything::sign writes to whatever a client sends.
         (void)signal(SIGPIPE, SIG_IGN);
         android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
@@ -37,7 +44,6 @@ class Server {
             mDescriptors.push_back(i % 2 == 0 ? deadSocket() : open("/dev/null", O_RDWR));
         }
     }
-    std::string runtime() const { return mSet.runtime(); }
     std::vector<int> descriptors(size_t count) const {
         const auto first = mDescriptors.begin();
         return {first, first + static_cast<ptrdiff_t>(count)};
@@ -51,7 +57,6 @@ class Server {
         return ends[0];
     }
 
-    mlk::testing::HostSet mSet;
     const sp<IEverything> mService = new TameEverything;
     std::vector<int> mDescriptors;
 };
@@ -93,7 +98,7 @@ std::string headersOf(std::string_view bytes) {
 // What the server answers to the bytes, sent in pieces of that size.
 std::string answers(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors,
                     size_t pieceSize) {
-    RawClient client(server().runtime());
+    RawClient client(set().runtime());
     fuzzing::require(client.hello(), "a client is welcome");
     for (size_t at = 0; at < bytes.size(); at += pieceSize) {
         const auto first = bytes.begin() + static_cast<ptrdiff_t>(at);
