@@ -128,7 +128,7 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
             continue;
         }
         const int32_t number = parseDecimal(line.substr(model + kModel.size()));
-        // Unsigned, so that a negative number admits every index.
+        // Unsigned, so that a negative number is above all others.
         maxIdx = std::max(maxIdx, static_cast<unsigned int>(number));
         if (number == mProjectId) {
             projectIniPath = PatchIniItemPath(eraseSymbol(value, mCleaned));

@@ -154,6 +154,7 @@ class Allows(unittest.TestCase):
         yield from (
             (init, "mlkconfigs_exec", "file", {"execute"}),
             (init, "mlkconfigs", "process", {"transition"}),
+            *((init, label(folder), "dir", {"mounton"}) for folder in ("/tvconfigs", "/tvdata", "/impdata")),
             ("mlkconfigs", "mlkconfigs_exec", "file", {"entrypoint"}),
             ("mlkconfigs", "hwservicemanager", "binder", {"call"}),
             ("mlkconfigs", "mlkconfigs_hwservice", "hwservice_manager", {"add"}),

@@ -313,7 +313,7 @@ tvSysMap = /tvconfigs/tvsysmap/tvsys_eu.xml
                          f"{self.root}/tvconfigs/tv/tv_eu.config")
         self.assertEqual((self.root / "tvdata/tvsysmap/country_id.bin").read_text(encoding="utf-8"),
                          f"COUNTRY_ID={self.names().index('SWEDEN') - 1}\n")
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getCountryList"), [14, 0, 0])
+        self.assertEqual(self.ask("IMlkProjectConfigs", "getCountryList"), [14, 0, 0, 14])
         self.assertEqual(self.names()[14 + 1], "GERMANY")
         found = self.ask("IMlkProjectConfigs", "getFreqTableList", "14", "DTV_ANTENNA", "AUTO")
         self.assertEqual(

@@ -90,7 +90,9 @@ class InitFile(unittest.TestCase):
         self.assertEqual(
             self.file.actions["post-fs-data"],
             [
+                ["chown", "system", "system", "/tvdata"],
                 ["mkdir", "/tvdata/tvsysmap", "0700", "system", "system"],
+                ["chown", "system", "system", "/impdata"],
                 ["chown", "system", "system", "/impdata/project_id.bin"],
                 ["chmod", "0644", "/impdata/project_id.bin"],
             ],
