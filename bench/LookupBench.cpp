@@ -148,8 +148,5 @@ void registerAll() {
 }  // namespace mlk::bench
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    mlk::bench::registerAll();
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return mlk::bench::benchMain(argc, argv, mlk::bench::registerAll);
 }

@@ -57,4 +57,13 @@ class OnOneCore {
     cpu_set_t mFormer;
 };
 
+/// What a program of benchmarks does: has them registered, and runs those that its command line
+/// names.
+inline int benchMain(int argc, char** argv, void (*registerAll)()) {
+    benchmark::Initialize(&argc, argv);
+    registerAll();
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
+
 }  // namespace mlk::bench

@@ -29,8 +29,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * comments, and MlkProjectConfigsStub for what a client sees then.
  *
  * Calls may come from any number of threads. The project store and the auxiliary parsers have locks
- * of their own. mProjectChange is held while the project is changed, around those locks; no lock is
- * held while an answer is given. Log tag: "MlkProjectConfigs".
+ * of their own. mProjectChange is held while project or country change, around those locks; no lock
+ * is held while an answer is given. Log tag: "MlkProjectConfigs".
  */
 class MlkProjectConfigs : public IMlkProjectConfigs {
   public:

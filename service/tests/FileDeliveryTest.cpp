@@ -36,19 +36,12 @@ class FileDeliveryTest : public ::testing::Test {
   protected:
     void SetUp() override {
         writeProject(mSet);
-        startAllocator();
+        mAllocator = startAllocator();
         // Its memory is measured: the address sanitizer is not to keep what is freed.
         mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
                 {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}});
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
         mService = IMlkProjectConfigs::getService();
-    }
-    void startAllocator() {
-        mAllocator = std::make_unique<Process>(
-                std::vector<std::string>{::mlk::testing::binDir() +
-                                         "/android.hidl.allocator@1.0-service"},
-                Process::Options{{{"ANDROID_LOG_TAGS", "*:D"}}});
-        ASSERT_TRUE(mAllocator->waitForErr("registered IAllocator"));
     }
     void stopAllocator() {
         mAllocator->kill(SIGKILL);
@@ -127,18 +120,13 @@ TEST_F(FileDeliveryTest, NothingIsSharedWithoutAnAllocator) {
     stopAllocator();
     EXPECT_EQ(shared(path), "empty memory");
     EXPECT_TRUE(isSentWhole(path));
-    startAllocator();
+    mAllocator = startAllocator();
     EXPECT_TRUE(isSharedWhole(path)) << "it is looked for at every call";
 }
 
 TEST_F(FileDeliveryTest, NothingIsSharedWhereTheAllocatorHasNoMemory) {
     stopAllocator();
-    mAllocator = std::make_unique<Process>(
-            std::vector<std::string>{
-                    "prlimit", "--fsize=4096",
-                    ::mlk::testing::binDir() + "/android.hidl.allocator@1.0-service"},
-            Process::Options{{{"ANDROID_LOG_TAGS", "*:D"}}});
-    ASSERT_TRUE(mAllocator->waitForErr("registered IAllocator"));
+    mAllocator = startAllocator({"prlimit", "--fsize=4096"});
     EXPECT_EQ(shared(file(4097)), "empty memory");
     EXPECT_TRUE(isSharedWhole(file(4096)));
 }

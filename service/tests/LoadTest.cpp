@@ -50,11 +50,7 @@ class LoadTest : public ::testing::Test {
   protected:
     void SetUp() override {
         mSet.copyFrom(std::string(getenv("MLK_SOURCE_DIR")) + "/samples/partitions");
-        mAllocator = std::make_unique<Process>(
-                std::vector<std::string>{::mlk::testing::binDir() +
-                                         "/android.hidl.allocator@1.0-service"},
-                Process::Options{{{"ANDROID_LOG_TAGS", "*:D"}}});
-        ASSERT_TRUE(mAllocator->waitForErr("registered IAllocator"));
+        mAllocator = startAllocator();
         // What is said at each refusal would only fill the test's memory.
         mServer = std::make_unique<ServiceProcess>(
                 std::map<std::string, std::string>{{"ANDROID_LOG_TAGS", "*:F"}});

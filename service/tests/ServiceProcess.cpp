@@ -34,6 +34,14 @@ void blockName(const HostSet& set, const std::string& interface) {
     set.dir().write("run/vendor.morlak.mlkconfigs@1.0::" + interface + ".default/file", "");
 }
 
+std::unique_ptr<Process> startAllocator(std::vector<std::string> starter) {
+    starter.push_back(::mlk::testing::binDir() + "/android.hidl.allocator@1.0-service");
+    auto allocator = std::make_unique<Process>(std::move(starter),
+                                               Process::Options{{{"ANDROID_LOG_TAGS", "*:D"}}});
+    EXPECT_TRUE(allocator->waitForErr("registered IAllocator")) << allocator->err();
+    return allocator;
+}
+
 ServiceProcess::ServiceProcess(std::map<std::string, std::string> environment) {
     restart(std::move(environment));
 }

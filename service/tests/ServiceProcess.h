@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
@@ -17,6 +18,10 @@ void writeProject(const ::mlk::testing::HostSet& set,
 
 /// Makes a name useless for registration: what lies in its place cannot be replaced.
 void blockName(const ::mlk::testing::HostSet& set, const std::string& interface);
+
+/// The allocator of shared memory on the set that the environment names, registered; `starter` runs
+/// it when that is given ("prlimit", "--fsize=4096").
+std::unique_ptr<::mlk::testing::Process> startAllocator(std::vector<std::string> starter = {});
 
 /// The real process, on the set that the environment names. It ends with the object, and fails the
 /// test when a sanitizer has found something in it.
