@@ -14,7 +14,6 @@ namespace {
 
 constexpr size_t kFirstBlock = size_t{4} * 1024;
 constexpr size_t kLargestBlock = size_t{256} * 1024;
-constexpr size_t kFirstIndex = 32;
 // Behind the last text of a block, for what reads a word at a time.
 constexpr size_t kSlack = sizeof(uint64_t);
 constexpr size_t kUsualLine = 40;
@@ -54,8 +53,9 @@ uint64_t hashOf(std::string_view text, uint64_t seed) {
     return hash;
 }
 
-uint32_t shortHashOf(uint64_t sectionHash, std::string_view key) {
-    return static_cast<uint32_t>(hashOf(key, sectionHash) >> 32);
+// Of a hash, what the texts have mixed best.
+uint32_t shortHash(uint64_t hash) {
+    return static_cast<uint32_t>(hash >> 32);
 }
 
 void put(char* place, std::string_view text) {
@@ -70,32 +70,43 @@ uint32_t roomAt(const char* texts) {
     return room;
 }
 
-// Whether an index has too few free places to find one soon.
-bool isFull(size_t items, size_t slots) {
-    return items * 4 >= slots * 3;
-}
+}  // namespace
 
 // Orders most texts as CompareStr does without looking at them: their length, then how they begin.
-// Reads eight bytes, which have to be there.
-uint64_t orderOf(std::string_view text) {
-    constexpr size_t kBytes = 6;
-    uint64_t start = 0;
-    for (size_t i = 0; i < sizeof start; ++i) {
-        start = start << 8 | static_cast<uint8_t>(text.data()[i]);  // one load and a swap
-    }
-    if (text.size() < kBytes) {
-        start &= ~(UINT64_MAX >> (8 * text.size()));
-    }
-    return uint64_t{std::min<size_t>(text.size(), UINT16_MAX)} << 48 | start >> 16;
-}
+struct ItemStore::Place {
+    uint64_t order;
+    uint32_t number;  // of what has the text
 
-}  // namespace
+    // Reads eight bytes of the text, which have to be there.
+    Place(std::string_view text, uint32_t numberOfIt)
+        : order(uint64_t{std::min<size_t>(text.size(), UINT16_MAX)} << 48), number(numberOfIt) {
+        uint64_t start = 0;
+        for (size_t i = 0; i < sizeof start; ++i) {
+            start = start << 8 | static_cast<uint8_t>(text.data()[i]);  // one load and a swap
+        }
+        if (text.size() < kBytes) {
+            start &= ~(UINT64_MAX >> (8 * text.size()));
+        }
+        order |= start >> 16;
+    }
+
+    // `textOf` gives the text of a number.
+    template <typename TextOf>
+    static void sort(std::vector<Place>& places, const TextOf& textOf) {
+        std::sort(places.begin(), places.end(), [&](const Place& a, const Place& b) {
+            return a.order != b.order ? a.order < b.order
+                                      : ConfigKey::CompareStr(textOf(a.number), textOf(b.number));
+        });
+    }
+
+    static constexpr size_t kBytes = 6;
+};
 
 void ItemStore::clear() {
     mItems.clear();
     mSections.clear();
+    mItemsByName.clear();
     mSectionsByName.clear();
-    std::fill(mIndex.begin(), mIndex.end(), Slot{0, kNone});
     mBlock = 0;
     mFilled = 0;
     mOrder.clear();
@@ -105,48 +116,38 @@ void ItemStore::clear() {
 void ItemStore::expect(size_t bytes) {
     const size_t items = mItems.size() + std::min(bytes, kMostExpected) / kUsualLine;
     mItems.reserve(items);
-    size_t slots = std::max(kFirstIndex, mIndex.size());
-    while (isFull(items, slots)) {
-        slots *= 2;
-    }
-    if (slots != mIndex.size()) {
-        growIndex(slots);
-    }
+    mItemsByName.expect(items);
 }
 
 ItemStore::Section ItemStore::section(std::string_view name) {
-    const auto known = mSectionsByName.find(name);
-    if (known != mSectionsByName.end()) {
-        return known->second;
+    const uint64_t hash = hashOf(name, 0);
+    Section& section = mSectionsByName.findOrAdd(
+            shortHash(hash), [&](Section known) { return mSections[known].name == name; });
+    if (section == kNone) {
+        char* const namePlace = place(name.size() + 1);
+        put(namePlace, name);
+        mSections.push_back({{namePlace, name.size()}, hash, kNone, kNone});
+        section = static_cast<Section>(mSections.size() - 1);
     }
-    const auto section = static_cast<Section>(mSections.size());
-    char* const namePlace = place(name.size() + 1);
-    put(namePlace, name);
-    const std::string_view kept(namePlace, name.size());
-    mSections.push_back({kept, hashOf(name, 0), kNone, kNone});
-    mSectionsByName.emplace(kept, section);
     return section;
 }
 
 ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
                                       std::string_view value) {
-    if (isFull(mItems.size(), mIndex.size())) {
-        growIndex(std::max(kFirstIndex, mIndex.size() * 2));
-    }
     SectionEntry& owner = mSections[section];
-    const uint32_t hash = shortHashOf(owner.hash, key);
-    const size_t slot = slotOf(hash, owner.name, key);
-    if (mIndex[slot].item != kNone) {
-        return {mIndex[slot].item, false};
+    Item& item = mItemsByName.findOrAdd(shortHash(hashOf(key, owner.hash)), [&](Item known) {
+        return mItems[known].section == section && keyOf(known) == key;
+    });
+    if (item != kNone) {
+        return {item, false};
     }
-    const auto item = static_cast<Item>(mItems.size());
     char* const texts = placeTexts(key, value.size());
     put(texts + key.size() + 1, value);
     mItems.push_back({texts, static_cast<uint32_t>(key.size()), static_cast<uint32_t>(value.size()),
                       section, kNone});
+    item = static_cast<Item>(mItems.size() - 1);
     (owner.first == kNone ? owner.first : mItems[owner.last].next) = item;
     owner.last = item;
-    mIndex[slot] = {hash, item};
     mIsOrdered = false;
     return {item, true};
 }
@@ -162,10 +163,9 @@ void ItemStore::replace(Item item, std::string_view value) {
 }
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {
-    if (mItems.empty()) {
-        return kNone;
-    }
-    return mIndex[slotOf(shortHashOf(hashOf(section, 0), key), section, key)].item;
+    const uint32_t hash = shortHash(hashOf(key, hashOf(section, 0)));
+    return mItemsByName.find(
+            hash, [&](Item known) { return keyOf(known) == key && sectionOf(known) == section; });
 }
 
 const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
@@ -177,10 +177,12 @@ const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
 
 std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const {
     std::vector<Item> items;
-    const auto known = mSectionsByName.find(section);
-    if (known != mSectionsByName.end()) {
+    const Section known = mSectionsByName.find(shortHash(hashOf(section, 0)), [&](Section one) {
+        return mSections[one].name == section;
+    });
+    if (known != kNone) {
         std::vector<Place> places;
-        appendInOrder(mSections[known->second], places, items);
+        appendInOrder(mSections[known], places, items);
     }
     return items;
 }
@@ -229,63 +231,41 @@ char* ItemStore::placeTexts(std::string_view key, size_t valueRoom) {
     return texts;
 }
 
-// The place of the item of these names in the index, or the free one where it belongs.
-size_t ItemStore::slotOf(uint32_t hash, std::string_view section, std::string_view key) const {
-    const size_t mask = mIndex.size() - 1;
-    for (size_t slot = hash & mask;; slot = (slot + 1) & mask) {
-        const Item item = mIndex[slot].item;
-        if (item == kNone ||
-            (mIndex[slot].hash == hash && keyOf(item) == key && sectionOf(item) == section)) {
-            return slot;
-        }
-    }
-}
-
-void ItemStore::growIndex(size_t slots) {
-    const std::vector<Slot> former = std::move(mIndex);
-    mIndex.assign(slots, Slot{0, kNone});
-    const size_t mask = mIndex.size() - 1;
-    for (const Slot& moved : former) {
-        if (moved.item == kNone) {
-            continue;
-        }
-        size_t slot = moved.hash & mask;
-        while (mIndex[slot].item != kNone) {
-            slot = (slot + 1) & mask;
-        }
-        mIndex[slot] = moved;
-    }
-}
-
 void ItemStore::putInOrder() const {
-    std::vector<const SectionEntry*> sections;
-    sections.reserve(mSections.size());
-    for (const SectionEntry& section : mSections) {
-        sections.push_back(&section);
-    }
-    std::sort(sections.begin(), sections.end(),
-              [](const auto* a, const auto* b) { return ConfigKey::CompareStr(a->name, b->name); });
-    mOrder.clear();
-    mOrder.reserve(mItems.size());
+    // Section by section as they came, which is how their texts lie in memory.
+    std::vector<Item> items;
+    items.reserve(mItems.size());
+    std::vector<size_t> ends;
+    ends.reserve(mSections.size());
     std::vector<Place> places;
-    for (const SectionEntry* section : sections) {
-        appendInOrder(*section, places, mOrder);
+    for (const SectionEntry& section : mSections) {
+        appendInOrder(section, places, items);
+        ends.push_back(items.size());
+    }
+    places.clear();
+    for (const SectionEntry& section : mSections) {
+        places.emplace_back(section.name, static_cast<uint32_t>(places.size()));
+    }
+    Place::sort(places, [this](Section section) { return mSections[section].name; });
+    mOrder.clear();
+    mOrder.reserve(items.size());
+    for (const Place& place : places) {
+        const size_t begin = place.number == 0 ? 0 : ends[place.number - 1];
+        mOrder.insert(mOrder.end(), items.data() + begin, items.data() + ends[place.number]);
     }
     mIsOrdered = true;
 }
 
+// Appends the items of a section; what places held before is lost.
 void ItemStore::appendInOrder(const SectionEntry& section, std::vector<Place>& places,
                               std::vector<Item>& items) const {
     places.clear();
     for (Item item = section.first; item != kNone; item = mItems[item].next) {
-        places.push_back({orderOf(keyOf(item)), item});
+        places.emplace_back(keyOf(item), item);
     }
-    std::sort(places.begin(), places.end(), [this](const Place& a, const Place& b) {
-        return a.order != b.order ? a.order < b.order
-                                  : ConfigKey::CompareStr(keyOf(a.item), keyOf(b.item));
-    });
+    Place::sort(places, [this](Item item) { return keyOf(item); });
     for (const Place& place : places) {
-        items.push_back(place.item);
+        items.push_back(place.number);
     }
 }
 

@@ -5,8 +5,9 @@
 #include <memory>
 #include <ostream>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "common/HashIndex.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -27,7 +28,7 @@ class ItemStore {
     using Section = uint32_t;
     /** Number of an item of this store, until it is cleared. */
     using Item = uint32_t;
-    static constexpr Item kNone = UINT32_MAX;
+    static constexpr Item kNone = HashIndex::kNone;
 
     ItemStore() = default;
     ItemStore(ItemStore&&) noexcept = default;
@@ -93,14 +94,7 @@ class ItemStore {
         Section section;
         Item next;  // of the section
     };
-    struct Place {
-        uint64_t order;
-        Item item;
-    };
-    struct Slot {
-        uint32_t hash;
-        Item item;
-    };
+    struct Place;  // of a text in an order
     struct Block {
         std::unique_ptr<char[]> bytes;
         size_t size;
@@ -108,16 +102,15 @@ class ItemStore {
 
     char* place(size_t size);
     char* placeTexts(std::string_view key, size_t valueRoom);
-    size_t slotOf(uint32_t hash, std::string_view section, std::string_view key) const;
-    void growIndex(size_t slots);
+    Section sectionNamed(std::string_view name, uint64_t hash) const;
     void putInOrder() const;
     void appendInOrder(const SectionEntry& section, std::vector<Place>& places,
                        std::vector<Item>& items) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;
-    std::unordered_map<std::string_view, Section> mSectionsByName;
-    std::vector<Slot> mIndex;  // items by hash, open addressing; a power of two of places
+    HashIndex mItemsByName;
+    HashIndex mSectionsByName;
     std::vector<Block> mBlocks;
     size_t mBlock = 0;  // that is being filled
     size_t mFilled = 0;

@@ -68,6 +68,18 @@ bool LineReader::next(std::string_view& line) {
     return true;
 }
 
+size_t LineReader::Finder::in(std::string_view line) {
+    const char* const begin = line.data();
+    if (mFills != mReader.mFills || mNext < begin) {
+        const char* const end = mReader.mBuffer.get() + mReader.mEnd;
+        const void* const found = std::memchr(begin, mWanted, static_cast<size_t>(end - begin));
+        mNext = found != nullptr ? static_cast<const char*>(found) : end;
+        mFills = mReader.mFills;
+    }
+    return mNext < begin + line.size() ? static_cast<size_t>(mNext - begin)
+                                       : std::string_view::npos;
+}
+
 bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
@@ -88,6 +100,7 @@ bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
     mBegin = 0;
+    ++mFills;
     if (mAtEnd) {
         return false;
     }

@@ -21,9 +21,19 @@ constexpr size_t kProjectBufferSize = 1024;  // project and board file
 constexpr auto npos = std::string_view::npos;
 
 // Only carriage returns at the very end go; one before a comment stays.
-std::string_view withoutComment(std::string_view text) {
-    text = text.substr(0, text.find('#'));
+std::string_view withoutComment(std::string_view text, size_t comment) {
+    text = text.substr(0, comment);
     return text.substr(0, text.find_last_not_of('\r') + 1);
+}
+
+std::string_view withoutSpaces(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && text.back() == ' ') {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 // Takes out quotes and semicolons everywhere and then spaces at both ends. The result is a part of
@@ -46,7 +56,7 @@ std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
 }
 
 std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
-    return withoutSymbols(withoutComment(text), scratch);
+    return withoutSymbols(withoutComment(text, text.find('#')), scratch);
 }
 
 bool contains(std::string_view line, std::string_view word) {
@@ -147,6 +157,9 @@ void ProjectParser::parse_project_ini(const char* path) {
     LineReader reader(path, kProjectBufferSize, kTag);
     mItems.expect(reader.size());
     ItemStore::Section section = mItems.section("");
+    LineReader::Finder comment(reader, '#');
+    LineReader::Finder quote(reader, '"');
+    LineReader::Finder semicolon(reader, ';');
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty() || line.front() == '\r' || line.front() == '#') {
@@ -155,7 +168,8 @@ void ProjectParser::parse_project_ini(const char* path) {
         if (line.front() == '[') {
             section = mItems.section(eraseSymbol(line, mCleaned));
         } else {
-            addNewItem(section, line);
+            const bool hasSymbols = quote.in(line) != npos || semicolon.in(line) != npos;
+            addNewItem(section, withoutComment(line, comment.in(line)), hasSymbols);
         }
     }
 }
@@ -172,12 +186,15 @@ void ProjectParser::parse_board_id_ini(const std::string& boardId) {
     parse_project_ini(mBoardIniPath.c_str());
 }
 
-void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line) {
-    line = withoutComment(line);
+// Most lines have no symbols, so that nothing is looked for in them.
+void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line, bool hasSymbols) {
+    const auto clean = [hasSymbols](std::string_view text, std::string& scratch) {
+        return hasSymbols ? withoutSymbols(text, scratch) : withoutSpaces(text);
+    };
     const size_t equals = line.find('=');
-    const std::string_view key = withoutSymbols(line.substr(0, equals), mCleanedKey);
-    const std::string_view value = PatchIniItemPath(
-            equals == npos ? key : withoutSymbols(line.substr(equals + 1), mCleaned));
+    const std::string_view key = clean(line.substr(0, equals), mCleanedKey);
+    const std::string_view value =
+            PatchIniItemPath(equals == npos ? key : clean(line.substr(equals + 1), mCleaned));
 
     const auto [item, isNew] = mItems.insert(section, key, value);
     if (!isNew) {

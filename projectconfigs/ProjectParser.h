@@ -101,7 +101,7 @@ class ProjectParser {
     void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
     void parse_project_ini(const char* path);
     void parse_board_id_ini(const std::string& boardId);
-    void addNewItem(ItemStore::Section section, std::string_view line);
+    void addNewItem(ItemStore::Section section, std::string_view line, bool hasSymbols);
     std::string_view PatchIniItemPath(std::string_view value);
     void logSources() const;
 

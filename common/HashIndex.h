@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * Finds numbered things by the hash of their name: a table with open addressing, which takes one
+ * piece of memory for all of them. The things and their names are the owner's. Not thread-safe.
+ */
+class HashIndex {
+  public:
+    /** No thing has this number. */
+    static constexpr uint32_t kNone = UINT32_MAX;
+
+    /** Forgets all things; keeps the memory for the next ones. */
+    void clear() {
+        mSlots.assign(mSlots.size(), Slot{0, kNone});
+        mSize = 0;
+    }
+
+    /** Makes room for so many things. */
+    void expect(size_t size) {
+        size_t slots = mSlots.size();
+        while (isFull(size, slots)) {
+            slots = slots == 0 ? kFirstSlots : slots * 2;
+        }
+        if (slots != mSlots.size()) {
+            grow(slots);
+        }
+    }
+
+    /** The number with that hash for which `isIt(number)` is true, or kNone. */
+    template <typename IsIt>
+    uint32_t find(uint32_t hash, const IsIt& isIt) const {
+        return mSlots.empty() ? kNone : mSlots[slotOf(hash, isIt)].number;
+    }
+
+    /**
+     * The same, to be written to: where it says kNone, its caller writes the number of the thing
+     * that is to have this name. Good until the next call.
+     */
+    template <typename IsIt>
+    uint32_t& findOrAdd(uint32_t hash, const IsIt& isIt) {
+        if (isFull(mSize, mSlots.size())) {
+            expect(mSize + 1);
+        }
+        Slot& slot = mSlots[slotOf(hash, isIt)];
+        if (slot.number == kNone) {
+            slot.hash = hash;
+            ++mSize;
+        }
+        return slot.number;
+    }
+
+  private:
+    struct Slot {
+        uint32_t hash;
+        uint32_t number;
+    };
+    static constexpr size_t kFirstSlots = 32;  // always a power of two
+
+    // Whether there are too few free slots to find one soon.
+    static bool isFull(size_t size, size_t slots) { return size * 4 >= slots * 3; }
+
+    // Where it stands, or else the free slot where it belongs.
+    template <typename IsIt>
+    size_t slotOf(uint32_t hash, const IsIt& isIt) const {
+        const size_t mask = mSlots.size() - 1;
+        size_t slot = hash & mask;
+        while (mSlots[slot].number != kNone &&
+               (mSlots[slot].hash != hash || !isIt(mSlots[slot].number))) {
+            slot = (slot + 1) & mask;
+        }
+        return slot;
+    }
+
+    void grow(size_t slots) {
+        const std::vector<Slot> former =
+                std::exchange(mSlots, std::vector<Slot>(slots, Slot{0, kNone}));
+        for (const Slot& moved : former) {
+            if (moved.number != kNone) {
+                mSlots[slotOf(moved.hash, [](uint32_t) { return false; })] = moved;
+            }
+        }
+    }
+
+    std::vector<Slot> mSlots;
+    size_t mSize = 0;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
