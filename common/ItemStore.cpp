@@ -107,8 +107,8 @@ void ItemStore::clear() {
     mSections.clear();
     mItemsByName.clear();
     mSectionsByName.clear();
-    mBlock = 0;
-    mFilled = 0;
+    mBlocksUsed = 0;
+    mLeft = 0;
     mOrder.clear();
     mIsOrdered = true;
 }
@@ -126,7 +126,7 @@ ItemStore::Section ItemStore::section(std::string_view name) {
     if (section == kNone) {
         char* const namePlace = place(name.size() + 1);
         put(namePlace, name);
-        mSections.push_back({{namePlace, name.size()}, hash, kNone, kNone});
+        mSections.push_back({{namePlace, name.size()}, hash, kNone, kNone, 0});
         section = static_cast<Section>(mSections.size() - 1);
     }
     return section;
@@ -148,6 +148,7 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
     item = static_cast<Item>(mItems.size() - 1);
     (owner.first == kNone ? owner.first : mItems[owner.last].next) = item;
     owner.last = item;
+    ++owner.size;
     mIsOrdered = false;
     return {item, true};
 }
@@ -176,14 +177,15 @@ const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
 }
 
 std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const {
-    std::vector<Item> items;
     const Section known = mSectionsByName.find(shortHash(hashOf(section, 0)), [&](Section one) {
         return mSections[one].name == section;
     });
-    if (known != kNone) {
-        std::vector<Place> places;
-        appendInOrder(mSections[known], places, items);
+    if (known == kNone) {
+        return {};
     }
+    std::vector<Item> items(mSections[known].size);
+    std::vector<Place> places;
+    putInOrder(mSections[known], places, items.data());
     return items;
 }
 
@@ -205,21 +207,19 @@ void ItemStore::write(std::ostream& out, std::string_view indent) const {
     out.flush();
 }
 
-// Room for so many bytes.
-char* ItemStore::place(size_t size) {
-    while (mBlock < mBlocks.size() && mBlocks[mBlock].size - mFilled < size) {
-        ++mBlock;
-        mFilled = 0;
+// Goes on to a block with room for so many bytes.
+void ItemStore::takeBlock(size_t size) {
+    while (mBlocksUsed < mBlocks.size() && mBlocks[mBlocksUsed].size < size) {
+        ++mBlocksUsed;
     }
-    if (mBlock == mBlocks.size()) {
+    if (mBlocksUsed == mBlocks.size()) {
         const size_t usual = mBlocks.empty() ? kFirstBlock : mBlocks.back().size * 2;
         const size_t blockSize = std::max(size, std::min(usual, kLargestBlock));
         mBlocks.push_back({std::unique_ptr<char[]>(new char[blockSize + kSlack]), blockSize});
-        mFilled = 0;
     }
-    char* const bytes = mBlocks[mBlock].bytes.get() + mFilled;
-    mFilled += size;
-    return bytes;
+    mFree = mBlocks[mBlocksUsed].bytes.get();
+    mLeft = mBlocks[mBlocksUsed].size;
+    ++mBlocksUsed;
 }
 
 // A place for a key and a value, with the key in it.
@@ -232,40 +232,36 @@ char* ItemStore::placeTexts(std::string_view key, size_t valueRoom) {
 }
 
 void ItemStore::putInOrder() const {
-    // Section by section as they came, which is how their texts lie in memory.
-    std::vector<Item> items;
-    items.reserve(mItems.size());
-    std::vector<size_t> ends;
-    ends.reserve(mSections.size());
     std::vector<Place> places;
+    places.reserve(mSections.size());
     for (const SectionEntry& section : mSections) {
-        appendInOrder(section, places, items);
-        ends.push_back(items.size());
-    }
-    places.clear();
-    for (const SectionEntry& section : mSections) {
-        places.emplace_back(section.name, static_cast<uint32_t>(places.size()));
+        places.emplace_back(section.name, static_cast<Section>(places.size()));
     }
     Place::sort(places, [this](Section section) { return mSections[section].name; });
-    mOrder.clear();
-    mOrder.reserve(items.size());
+    std::vector<size_t> begins(mSections.size());
+    size_t begin = 0;
     for (const Place& place : places) {
-        const size_t begin = place.number == 0 ? 0 : ends[place.number - 1];
-        mOrder.insert(mOrder.end(), items.data() + begin, items.data() + ends[place.number]);
+        begins[place.number] = begin;
+        begin += mSections[place.number].size;
+    }
+    mOrder.resize(mItems.size());
+    // As they came, which is how their texts lie in memory.
+    for (size_t section = 0; section < mSections.size(); ++section) {
+        putInOrder(mSections[section], places, mOrder.data() + begins[section]);
     }
     mIsOrdered = true;
 }
 
-// Appends the items of a section; what places held before is lost.
-void ItemStore::appendInOrder(const SectionEntry& section, std::vector<Place>& places,
-                              std::vector<Item>& items) const {
+// Writes the items of a section to their places; what stood in `places` before is lost.
+void ItemStore::putInOrder(const SectionEntry& section, std::vector<Place>& places,
+                           Item* items) const {
     places.clear();
     for (Item item = section.first; item != kNone; item = mItems[item].next) {
         places.emplace_back(keyOf(item), item);
     }
     Place::sort(places, [this](Item item) { return keyOf(item); });
     for (const Place& place : places) {
-        items.push_back(place.number);
+        *items++ = place.number;
     }
 }
 

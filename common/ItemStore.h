@@ -5,6 +5,7 @@
 #include <memory>
 #include <ostream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/HashIndex.h"
@@ -86,6 +87,7 @@ class ItemStore {
         uint64_t hash;
         Item first;
         Item last;
+        uint32_t size;  // items
     };
     struct ItemEntry {
         char* texts;  // the room for the value in four bytes; then, here, the key and the value
@@ -100,20 +102,27 @@ class ItemStore {
         size_t size;
     };
 
-    char* place(size_t size);
+    char* place(size_t size) {
+        if (size > mLeft) {
+            takeBlock(size);
+        }
+        mLeft -= size;
+        return std::exchange(mFree, mFree + size);
+    }
+    void takeBlock(size_t size);
     char* placeTexts(std::string_view key, size_t valueRoom);
     Section sectionNamed(std::string_view name, uint64_t hash) const;
     void putInOrder() const;
-    void appendInOrder(const SectionEntry& section, std::vector<Place>& places,
-                       std::vector<Item>& items) const;
+    void putInOrder(const SectionEntry& section, std::vector<Place>& places, Item* items) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;
     HashIndex mItemsByName;
     HashIndex mSectionsByName;
     std::vector<Block> mBlocks;
-    size_t mBlock = 0;  // that is being filled
-    size_t mFilled = 0;
+    size_t mBlocksUsed = 0;
+    char* mFree = nullptr;  // what is left of the last of these
+    size_t mLeft = 0;
     mutable std::vector<Item> mOrder;
     mutable bool mIsOrdered = true;
 };

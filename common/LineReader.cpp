@@ -29,38 +29,17 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag)
 }
 
 bool LineReader::next(std::string_view& line) {
-    if (!isOpen() || (mInLongLine && !skipRestOfLine())) {
+    const std::string_view unread(mBuffer.get() + mBegin, mEnd - mBegin);
+    const size_t length = unread.find('\n');
+    if (length != std::string_view::npos) {
+        mBegin += length + 1;
+        line = {unread.data(), length};
+    } else if (!nextUnended(line)) {
         return false;
-    }
-    size_t searched = 0;
-    for (;;) {
-        const std::string_view rest(mBuffer.get() + mBegin, mEnd - mBegin);
-        const size_t length = rest.find('\n', searched);
-        if (length != std::string_view::npos) {
-            mBegin += length + 1;
-            line = rest.substr(0, length);
-            break;
-        }
-        if (rest.size() > mLimit) {
-            mInLongLine = true;
-            mBegin = mEnd;
-            line = rest;
-            break;
-        }
-        searched = rest.size();
-        if (!fill()) {
-            if (mBegin == mEnd) {
-                return false;
-            }
-            line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
-            mBegin = mEnd;
-            break;
-        }
     }
     ++mLineNumber;
     if (line.size() > mLimit) {
-        complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
-        line = line.substr(0, mLimit);
+        line = cut(line);
     }
     if (mHasNul) {
         line = line.substr(0, line.find('\0'));
@@ -68,16 +47,49 @@ bool LineReader::next(std::string_view& line) {
     return true;
 }
 
-size_t LineReader::Finder::in(std::string_view line) {
-    const char* const begin = line.data();
-    if (mFills != mReader.mFills || mNext < begin) {
-        const char* const end = mReader.mBuffer.get() + mReader.mEnd;
-        const void* const found = std::memchr(begin, mWanted, static_cast<size_t>(end - begin));
-        mNext = found != nullptr ? static_cast<const char*>(found) : end;
-        mFills = mReader.mFills;
+// The same, where what is read has no end of a line.
+bool LineReader::nextUnended(std::string_view& line) {
+    if (!isOpen() || (mInLongLine && !skipRestOfLine())) {
+        return false;
     }
-    return mNext < begin + line.size() ? static_cast<size_t>(mNext - begin)
-                                       : std::string_view::npos;
+    size_t searched = 0;
+    for (;;) {
+        const std::string_view unread(mBuffer.get() + mBegin, mEnd - mBegin);
+        const size_t length = unread.find('\n', searched);
+        if (length != std::string_view::npos) {
+            mBegin += length + 1;
+            line = unread.substr(0, length);
+            return true;
+        }
+        if (unread.size() > mLimit) {
+            mInLongLine = true;
+            mBegin = mEnd;
+            line = unread;
+            return true;
+        }
+        searched = unread.size();
+        if (!fill()) {
+            if (mBegin == mEnd) {
+                return false;
+            }
+            line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
+            mBegin = mEnd;
+            return true;
+        }
+    }
+}
+
+// What counts of a line that is too long.
+std::string_view LineReader::cut(std::string_view line) const {
+    complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
+    return line.substr(0, mLimit);
+}
+
+void LineReader::Finder::lookFrom(const char* begin) {
+    const char* const end = mReader.mBuffer.get() + mReader.mEnd;
+    const void* const found = std::memchr(begin, mWanted, static_cast<size_t>(end - begin));
+    mNext = found != nullptr ? static_cast<const char*>(found) : end;
+    mFills = mReader.mFills;
 }
 
 bool LineReader::valueOf(std::string_view line, std::string_view& value) const {

@@ -61,9 +61,18 @@ class LineReader {
          *
          * @param line  the line handed out last, or the rest of it; each is asked for once
          */
-        size_t in(std::string_view line);
+        size_t in(std::string_view line) {
+            const char* const begin = line.data();
+            if (mFills != mReader.mFills || mNext < begin) {
+                lookFrom(begin);
+            }
+            return mNext < begin + line.size() ? static_cast<size_t>(mNext - begin)
+                                               : std::string_view::npos;
+        }
 
       private:
+        void lookFrom(const char* begin);
+
         const LineReader& mReader;
         const char mWanted;
         size_t mFills = 0;            // of the reader when that was looked for:
@@ -91,6 +100,8 @@ class LineReader {
     void complain(const std::string& problem) const;
 
   private:
+    bool nextUnended(std::string_view& line);
+    std::string_view cut(std::string_view line) const;
     bool fill();
     bool skipRestOfLine();
 

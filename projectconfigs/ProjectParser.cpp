@@ -22,8 +22,11 @@ constexpr auto npos = std::string_view::npos;
 
 // Only carriage returns at the very end go; one before a comment stays.
 std::string_view withoutComment(std::string_view text, size_t comment) {
-    text = text.substr(0, comment);
-    return text.substr(0, text.find_last_not_of('\r') + 1);
+    text = {text.data(), std::min(text.size(), comment)};
+    while (!text.empty() && text.back() == '\r') {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 std::string_view withoutSpaces(std::string_view text) {

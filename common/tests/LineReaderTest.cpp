@@ -188,23 +188,56 @@ std::vector<std::string> expectedLines(std::string text) {
     return lines;
 }
 
+// Lines of many lengths, most of them short.
+std::string randomText(std::mt19937& random, size_t lines) {
+    const size_t lengths[] = {0, 1, 2, 100, 254, 255, 256, 257, 600, 40000};
+    std::string text;
+    for (; lines > 0; --lines) {
+        const size_t length = lengths[random() % (random() % 20 == 0 ? 10 : 9)];
+        for (size_t i = 0; i < length; ++i) {
+            text += random() % 500 == 0 ? '\0' : static_cast<char>('a' + random() % 26);
+        }
+        text += '\n';
+    }
+    if (!text.empty() && random() % 2 == 0) {
+        text.pop_back();
+    }
+    return text;
+}
+
 TEST_F(LineReaderTest, AgreesWithThePlainRulesOnRandomFiles) {
     std::mt19937 random(2);
-    const size_t lengths[] = {0, 1, 2, 100, 254, 255, 256, 257, 600, 40000};
     for (int round = 0; round < 60; ++round) {
-        std::string text;
-        for (size_t lines = random() % 300; lines > 0; --lines) {
-            const size_t length = lengths[random() % (random() % 20 == 0 ? 10 : 9)];
-            for (size_t i = 0; i < length; ++i) {
-                text += random() % 500 == 0 ? '\0' : static_cast<char>('a' + random() % 26);
-            }
-            text += '\n';
-        }
-        if (!text.empty() && random() % 2 == 0) {
-            text.pop_back();
-        }
+        const std::string text = randomText(random, random() % 300);
         ASSERT_EQ(linesOfText(text), expectedLines(text)) << "round " << round;
     }
+}
+
+TEST_F(LineReaderTest, FinderFindsWhatTheLineHas) {
+    std::mt19937 random(3);
+    size_t found = 0;
+    for (int round = 0; round < 60; ++round) {
+        std::string text = randomText(random, 300);
+        for (size_t marks = random() % 1000; marks > 0; --marks) {
+            text[random() % text.size()] = "#\";\n"[random() % 4];
+        }
+        LineReader reader(mDir.write("file", text), kBufferSize, kTag);
+        LineReader::Finder comment(reader, '#');
+        LineReader::Finder quote(reader, '"');
+        LineReader::Finder sometimes(reader, ';');
+        std::string_view line;
+        while (reader.next(line)) {
+            const size_t expected = line.find('#');
+            found += expected != std::string_view::npos ? 1 : 0;
+            ASSERT_EQ(comment.in(line), expected) << reader.lineNumber();
+            ASSERT_EQ(quote.in(line), line.find('"')) << reader.lineNumber();
+            if (random() % 4 == 0) {
+                line.remove_prefix(line.size() / 2);
+                ASSERT_EQ(sometimes.in(line), line.find(';')) << reader.lineNumber();
+            }
+        }
+    }
+    EXPECT_GT(found, 1000U);
 }
 
 }  // namespace
