@@ -39,6 +39,13 @@ function(mlk_library name)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} mlk_warnings)
 endfunction()
 
+# mlk_fast(SOURCES...)
+# What every line of a file or every call goes through. A release is built for size, since what a
+# service takes of memory is mostly its program; these sources are built for speed.
+function(mlk_fast)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O3>")
+endfunction()
+
 # mlk_program(NAME SOURCES... LIBS libs...)
 # A program in build/<preset>/bin.
 function(mlk_program name)

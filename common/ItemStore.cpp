@@ -12,7 +12,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kFirstBlock = size_t{4} * 1024;
+constexpr size_t kFirstBlock = 1024;
 constexpr size_t kLargestBlock = size_t{256} * 1024;
 // Behind the last text of a block, for what reads a word at a time.
 constexpr size_t kSlack = sizeof(uint64_t);

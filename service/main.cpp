@@ -2,6 +2,7 @@
 // its own.
 
 #include <hidl/HidlTransportSupport.h>
+#include <malloc.h>
 
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
 #include "projectconfigs/MlkProjectConfigs.h"
@@ -15,6 +16,15 @@ namespace {
 
 constexpr size_t kThreads = 10;  // the main thread among them
 
+// What reading the files took of memory beyond what is kept is of no use to this process any more.
+void giveBackFreeMemory() {
+#ifdef M_PURGE  // Android's allocators
+    (void)mallopt(M_PURGE, 0);
+#else
+    (void)malloc_trim(0);
+#endif
+}
+
 }  // namespace
 
 int main() {
@@ -24,6 +34,7 @@ int main() {
             {[] { return new MlkProjectConfigs; },
              [](const char* tvConfigPath) { return new MlkTvConfigs(tvConfigPath); },
              [] { return new MlkFrameworkConfigs; }});
+    giveBackFreeMemory();
     android::hardware::joinRpcThreadpool();
     return 0;
 }

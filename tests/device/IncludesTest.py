@@ -27,6 +27,7 @@ PLATFORM = {
     "hidl/Static.h",
     "hidl/Status.h",
     "hidlmemory/mapping.h",
+    "malloc.h",
     "tinyxml2.h",
     "utils/Errors.h",
     "utils/RefBase.h",
