@@ -252,6 +252,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
         return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
     }
     hidl_string GetValue(const char* category, const char* key) const;
+    /** Answers with the value of GetValue. */
+    void answerValue(const char* category, const char* key, const TextCallback& callback) const;
     bool SetProjectIdInternal(int32_t id);
     bool SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName, int32_t pid);
 

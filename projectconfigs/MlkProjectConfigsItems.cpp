@@ -12,12 +12,22 @@ using ::android::hardware::Return;
     return mProjectParser->getInfo(ConfigKey(category, key));
 }
 
+void MlkProjectConfigs::answerValue(const char* category, const char* key,
+                                    const TextCallback& callback) const {
+    const std::string value = mProjectParser->getInfo(ConfigKey(category, key));
+    OptionalString answer{};
+    answer.success = true;
+    // The value outlives the answer: a second copy would be for nothing.
+    answer.value.setToExternal(value.c_str(), value.size());
+    callback(answer);
+}
+
 void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
                                    const TextCallback& callback) const {
     const char* const sectionName = sectionOf(row, section);
     const char* const keyName = keyOf(row, key);
     if (sectionName != nullptr && keyName != nullptr) {
-        callback({true, GetValue(sectionName, keyName)});
+        answerValue(sectionName, keyName, callback);
     }
 }
 
@@ -44,7 +54,7 @@ Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
 }
 
 Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
-    _hidl_cb({true, GetValue(key.category.c_str(), key.key.c_str())});
+    answerValue(key.category.c_str(), key.key.c_str(), _hidl_cb);
     return {};
 }
 
