@@ -15,9 +15,10 @@ namespace android::hardware {
 status_t BHwBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                              TransactCallback callback) {
     // Generated stubs use both without looking.
-    Parcel unwanted;
     if (callback == nullptr) callback = [](Parcel&) {};
-    return onTransact(code, data, reply == nullptr ? &unwanted : reply, flags, std::move(callback));
+    if (reply != nullptr) return onTransact(code, data, reply, flags, std::move(callback));
+    Parcel unwanted;
+    return onTransact(code, data, &unwanted, flags, std::move(callback));
 }
 
 // An object of this process dies with it: there would be nobody left to tell.

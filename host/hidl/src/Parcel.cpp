@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "ParcelContents.h"
 #include "Wire.h"
 
 namespace android::hardware {
@@ -12,8 +13,6 @@ namespace {
 
 // Numbers stand at multiples of this, as on a device.
 constexpr size_t kAlignment = 4;
-// Holds the numbers of nearly every call: they are put into one piece of memory.
-constexpr size_t kUsualSize = 128;
 
 size_t padded(size_t length) {
     return (length + kAlignment - 1) & ~(kAlignment - 1);
@@ -21,17 +20,31 @@ size_t padded(size_t length) {
 
 }  // namespace
 
-Parcel::Parcel() = default;
-Parcel::~Parcel() = default;
+Parcel::Parcel() : mContents(Contents::take()) {}
+Parcel::~Parcel() {
+    Contents::give(std::move(mContents));
+}
+
+const std::vector<uint8_t>& Parcel::data() const {
+    return mContents->data;
+}
+const std::vector<Parcel::Object>& Parcel::objects() const {
+    return mContents->objects;
+}
+
+// Room for so many bytes more; what they are padded with is zero.
+uint8_t* Parcel::addNumbers(size_t length) {
+    std::vector<uint8_t>& data = mContents->data;
+    const size_t start = data.size();
+    data.resize(start + padded(length));
+    mBytes = data.data();
+    mSize = data.size();
+    return data.data() + start;
+}
 
 template <typename T>
 status_t Parcel::writeAligned(T value) {
-    const size_t start = mData.size();
-    if (mData.capacity() == 0) mData.reserve(kUsualSize);
-    mData.resize(start + padded(sizeof(T)));
-    memcpy(mData.data() + start, &value, sizeof(T));
-    mBytes = mData.data();
-    mSize = mData.size();
+    memcpy(addNumbers(sizeof(T)), &value, sizeof(T));
     return OK;
 }
 
@@ -134,12 +147,7 @@ status_t Parcel::readDouble(double* value) const {
 
 status_t Parcel::writeCString(const char* text) {
     const size_t length = strlen(text) + 1;
-    const size_t start = mData.size();
-    if (mData.capacity() == 0) mData.reserve(std::max(kUsualSize, padded(length)));
-    mData.resize(start + padded(length));
-    memcpy(mData.data() + start, text, length);
-    mBytes = mData.data();
-    mSize = mData.size();
+    memcpy(addNumbers(length), text, length);
     return OK;
 }
 
@@ -166,16 +174,16 @@ status_t Parcel::refuse(status_t status) {
     return status;
 }
 
-status_t Parcel::addObject(Object object, size_t* handle) {
-    if (handle != nullptr) *handle = mObjects.size();
-    mObjects.push_back(std::move(object));
+status_t Parcel::addObject(Object&& object, size_t* handle) {
+    if (handle != nullptr) *handle = mContents->objects.size();
+    mContents->objects.push_back(std::move(object));
     return OK;
 }
 
-status_t Parcel::addEmbedded(Object object, size_t* handle, size_t parentHandle,
+status_t Parcel::addEmbedded(Object&& object, size_t* handle, size_t parentHandle,
                              size_t parentOffset) {
-    if (parentHandle >= mObjects.size()) return refuse(BAD_VALUE);
-    const Object& parent = mObjects[parentHandle];
+    if (parentHandle >= mContents->objects.size()) return refuse(BAD_VALUE);
+    const Object& parent = mContents->objects[parentHandle];
     if (parent.kind != ObjectKind::BUFFER || parent.length < sizeof(uint64_t) ||
         parentOffset > parent.length - sizeof(uint64_t)) {
         return refuse(BAD_VALUE);
@@ -251,10 +259,11 @@ status_t Parcel::writeStrongBinder(const sp<IBinder>& binder) {
 }
 
 const Parcel::Object* Parcel::nextObject(ObjectKind kind) const {
-    if (mObjectPosition == mObjects.size() || mObjects[mObjectPosition].kind != kind) {
+    if (mObjectPosition == mContents->objects.size() ||
+        mContents->objects[mObjectPosition].kind != kind) {
         return nullptr;
     }
-    return &mObjects[mObjectPosition++];
+    return &mContents->objects[mObjectPosition++];
 }
 
 const Parcel::Object* Parcel::nextEmbedded(ObjectKind kind, size_t parentHandle,
@@ -269,8 +278,8 @@ const Parcel::Object* Parcel::nextEmbedded(ObjectKind kind, size_t parentHandle,
 
 void Parcel::putAddress(const Object& object, const void* address) const {
     // In a parcel that is still being written the address stands there, and the buffer is not ours.
-    if (mMessage == nullptr) return;
-    auto* parent = static_cast<uint8_t*>(mObjects[object.parent].bytes);
+    if (!mContents->arrived) return;
+    auto* parent = static_cast<uint8_t*>(mContents->objects[object.parent].bytes);
     const auto wide = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(address));
     memcpy(parent + object.parentOffset, &wide, sizeof(wide));
 }
@@ -326,18 +335,23 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* binder) const {
     return OK;
 }
 
-status_t Parcel::adopt(transport::IncomingMessage message) try {
-    std::vector<Object> objects;
+status_t Parcel::adopt(transport::IncomingMessage&& message) try {
+    std::vector<Object>& objects = mContents->objects;
     const status_t status = transport::decodeObjects(&message, &objects);
-    if (status != OK) return status;
-    mMessage = std::make_unique<transport::IncomingMessage>(std::move(message));
-    mObjects = std::move(objects);
-    mBytes = mMessage->body();
-    mSize = mMessage->header().dataSize;
+    if (status != OK) {
+        objects.clear();
+        const transport::IncomingMessage gone = std::move(message);  // with its descriptors
+        return status;
+    }
+    mContents->message = std::move(message);
+    mContents->arrived = true;
+    mBytes = mContents->message.body();
+    mSize = mContents->message.header().dataSize;
     mPosition = 0;
     mObjectPosition = 0;
     return OK;
 } catch (const std::bad_alloc&) {
+    mContents->objects.clear();
     return NO_MEMORY;
 }
 

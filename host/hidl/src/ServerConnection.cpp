@@ -12,6 +12,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "Socket.h"
 
@@ -89,36 +90,44 @@ status_t ServerConnection::call(uint32_t code, const Parcel& data, Parcel* reply
     }
 }
 
-bool ServerConnection::dispatch(IncomingMessage message, const ThreadPool& pool) {
+bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& pool) {
     const MessageType type = message.header().type;
     const uint32_t code = message.header().code;
     const bool oneway = type == MessageType::ONEWAY_CALL;
     if (!oneway && type != MessageType::CALL) return false;
     Parcel data;
     Parcel reply;
-    bool answered = false;
-    bool alive = true;
-    const auto answer = [&](Parcel& parcel) {
-        if (oneway || answered) return;
-        const status_t encoded = mReply.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
-        if (encoded != OK) mReply.encodeStatus(encoded);
-        answered = true;
-        alive = false;  // unless sending comes to its end
-        alive = send(pool);
+    struct {
+        ServerConnection* connection;
+        const ThreadPool* pool;
+        bool expected;  // by the caller, and not given yet
+        bool alive;
+    } answer{this, &pool, !oneway, true};
+    // A single pointer: the function, which is copied on its way to the method, holds it in itself.
+    const IBinder::TransactCallback callback = [state = &answer](Parcel& parcel) {
+        if (!state->expected) return;
+        OutgoingMessage& out = state->connection->mReply;
+        const status_t encoded = out.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
+        if (encoded != OK) out.encodeStatus(encoded);
+        state->expected = false;
+        state->alive = false;  // unless sending comes to its end
+        state->alive = state->connection->send(*state->pool);
     };
     status_t status = data.adopt(std::move(message));
-    if (status == OK) status = call(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, answer);
-    if (!oneway && !answered) {
+    if (status == OK) {
+        status = call(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, callback);
+    }
+    if (answer.expected) {
         if (status == OK) {
             // Generated stubs leave a few base methods without an answer; it means all is well.
             if (reply.data().empty()) (void)writeToParcel(Status::ok(), &reply);
-            answer(reply);
+            callback(reply);
         } else {
             mReply.encodeStatus(status);
-            alive = send(pool);
+            answer.alive = send(pool);
         }
     }
-    return alive;
+    return answer.alive;
 }
 
 bool ServerConnection::send(const ThreadPool& pool) {

@@ -32,7 +32,7 @@ class ServerConnection : public EventSource {
 
   private:
     // Both: false when the connection is at its end.
-    bool dispatch(IncomingMessage message, const ThreadPool& pool);
+    bool dispatch(IncomingMessage&& message, const ThreadPool& pool);
     bool send(const ThreadPool& pool);
 
     status_t call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,

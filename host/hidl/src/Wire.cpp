@@ -55,8 +55,6 @@ void OutgoingMessage::addPiece(const void* bytes, size_t length) {
 }
 
 void OutgoingMessage::clear() {
-    mRecords.clear();
-    mBlocks.clear();
     mSending.clear();
     mHandedOut.clear();
 }
@@ -64,42 +62,24 @@ void OutgoingMessage::clear() {
 void OutgoingMessage::finish() {
     clear();
     if (mSmall.capacity() <= kKeptCapacity) return;
-    std::vector<WireObject>().swap(mRecords);
-    std::vector<Block>().swap(mBlocks);
     std::vector<uint8_t>().swap(mSmall);
     std::vector<iovec>().swap(mSending.pieces);
 }
 
-status_t OutgoingMessage::addObject(const Parcel::Object& object, WireObject* record) {
-    *record = {static_cast<uint32_t>(object.kind),
-               (object.isNull ? WireObject::kIsNull : 0) |
-                       (object.hasParent ? WireObject::kHasParent : 0),
-               object.parent,
-               0,
-               object.parentOffset,
-               object.length};
-    if (object.isNull) return OK;
-    switch (object.kind) {
-        case Parcel::ObjectKind::BUFFER:
-            mBlocks.push_back({object.bytes, object.length});
-            return OK;
-        case Parcel::ObjectKind::HANDLE: {
-            const auto* handle = static_cast<const native_handle_t*>(object.bytes);
-            mBlocks.push_back({handle, handleLength(handle)});
-            const int* first = &handle->data[0];
-            mSending.descriptors.insert(mSending.descriptors.end(), first, first + handle->numFds);
-            return OK;
-        }
-        case Parcel::ObjectKind::BINDER: {
-            unique_fd end;
-            const status_t status = ServerConnection::open(object.binder->localBinder(), &end);
-            if (status != OK) return status;
-            mSending.descriptors.push_back(end.get());
-            mHandedOut.push_back(std::move(end));
-            return OK;
-        }
+status_t OutgoingMessage::addDescriptors(const Parcel::Object& object) {
+    if (object.isNull || object.kind == Parcel::ObjectKind::BUFFER) return OK;
+    if (object.kind == Parcel::ObjectKind::HANDLE) {
+        const auto* handle = static_cast<const native_handle_t*>(object.bytes);
+        const int* first = &handle->data[0];
+        mSending.descriptors.insert(mSending.descriptors.end(), first, first + handle->numFds);
+        return OK;
     }
-    return BAD_VALUE;
+    unique_fd end;
+    const status_t status = ServerConnection::open(object.binder->localBinder(), &end);
+    if (status != OK) return status;
+    mSending.descriptors.push_back(end.get());
+    mHandedOut.push_back(std::move(end));
+    return OK;
 }
 
 status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_t code,
@@ -107,62 +87,83 @@ status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_
     clear();
     if (parcel.writeError() != OK) return parcel.writeError();
     const std::vector<uint8_t>& data = parcel.data();
-    uint64_t body = alignedToEight(data.size()) + parcel.objects().size() * sizeof(WireObject);
-    for (const Parcel::Object& object : parcel.objects()) {
-        if (!object.isNull) body += alignedToEight(object.length);
+    const std::vector<Parcel::Object>& objects = parcel.objects();
+    uint64_t body = alignedToEight(data.size()) + objects.size() * sizeof(WireObject);
+    uint64_t apart = 0;  // of it, what is sent from where it stands
+    for (const Parcel::Object& object : objects) {
+        body += alignedToEight(object.length);
+        if (object.length > kSmallBlock) apart += alignedToEight(object.length);
     }
     if (body > bodyLimit) return FAILED_TRANSACTION;
-    mRecords.resize(parcel.objects().size());
-    for (size_t i = 0; i < mRecords.size(); ++i) {
-        const status_t status = addObject(parcel.objects()[i], &mRecords[i]);
+    for (const Parcel::Object& object : objects) {
+        const status_t status = addDescriptors(object);
         if (status != OK) return status;
     }
     if (mSending.descriptors.size() > kMaxDescriptors) return FAILED_TRANSACTION;
-    mHeader = {Header::kMagic,
-               type,
-               code,
-               static_cast<uint32_t>(data.size()),
-               static_cast<uint32_t>(mRecords.size()),
-               static_cast<uint32_t>(mSending.descriptors.size()),
-               body};
-    layOut(data);
+    const Header header{Header::kMagic,
+                        type,
+                        code,
+                        static_cast<uint32_t>(data.size()),
+                        static_cast<uint32_t>(objects.size()),
+                        static_cast<uint32_t>(mSending.descriptors.size()),
+                        body};
+    layOut(header, data, objects, sizeof(Header) + body - apart);
     return OK;
 }
 
 void OutgoingMessage::encodeStatus(status_t status) {
-    const Parcel empty;
-    (void)encode(empty, MessageType::REPLY, static_cast<uint32_t>(status), kMaxReplyBody);
+    clear();
+    const Header header{
+            Header::kMagic, MessageType::REPLY, static_cast<uint32_t>(status), 0, 0, 0, 0};
+    layOut(header, {}, {}, sizeof(Header));
 }
 
-void OutgoingMessage::layOut(const std::vector<uint8_t>& data) {
-    // Small things stand in one copy; its size is known before the first piece points into it.
-    size_t small =
-            sizeof(Header) + alignedToEight(data.size()) + mRecords.size() * sizeof(WireObject);
-    for (const Block& block : mBlocks) {
-        if (block.length <= kSmallBlock) small += alignedToEight(block.length);
-    }
-    mSmall.assign(small, 0);
-    size_t used = 0;
-    size_t pieceStart = 0;
+namespace {
+
+WireObject recordOf(const Parcel::Object& object) {
+    const uint32_t flags = (object.isNull ? WireObject::kIsNull : 0) |
+                           (object.hasParent ? WireObject::kHasParent : 0);
+    return {static_cast<uint32_t>(object.kind),
+            flags,
+            object.parent,
+            0,
+            object.parentOffset,
+            object.length};
+}
+
+}  // namespace
+
+void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& data,
+                             const std::vector<Parcel::Object>& objects, size_t small) {
+    // Small things stand in one copy, which does not move once the first piece points into it.
+    if (mSmall.size() < small) mSmall.resize(small);
+    uint8_t* end = mSmall.data();
+    uint8_t* pieceStart = end;
     const auto copy = [&](const void* bytes, size_t length) {
-        if (length != 0) memcpy(mSmall.data() + used, bytes, length);
-        used += alignedToEight(length);
+        if (length == 0) return;
+        const size_t padded = alignedToEight(length);
+        if (padded != length) memcpy(end + padded - sizeof(kZeros), kZeros, sizeof(kZeros));
+        memcpy(end, bytes, length);
+        end += padded;
     };
     const auto endPiece = [&] {
-        addPiece(mSmall.data() + pieceStart, used - pieceStart);
-        pieceStart = used;
+        addPiece(pieceStart, static_cast<size_t>(end - pieceStart));
+        pieceStart = end;
     };
-    copy(&mHeader, sizeof(mHeader));
+    copy(&header, sizeof(header));
     copy(data.data(), data.size());
-    copy(mRecords.data(), mRecords.size() * sizeof(WireObject));
-    for (const Block& block : mBlocks) {
-        if (block.length <= kSmallBlock) {
-            copy(block.bytes, block.length);
+    for (const Parcel::Object& object : objects) {
+        const WireObject record = recordOf(object);
+        copy(&record, sizeof(record));
+    }
+    for (const Parcel::Object& object : objects) {
+        if (object.length <= kSmallBlock) {
+            copy(object.bytes, object.length);
             continue;
         }
         endPiece();
-        addPiece(block.bytes, block.length);
-        addPiece(kZeros, alignedToEight(block.length) - block.length);
+        addPiece(object.bytes, object.length);
+        addPiece(kZeros, alignedToEight(object.length) - object.length);
     }
     endPiece();
 }
@@ -228,14 +229,15 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
     size_t nextDescriptor = 0;
     for (uint32_t i = 0; i < header.objectCount; ++i) {
         const WireObject& record = records[i];
-        Parcel::Object object{};
+        const bool hasParent = (record.flags & WireObject::kHasParent) != 0;
+        if (hasParent && !parentIsSound(record, *objects)) return BAD_VALUE;
+        Parcel::Object& object = objects->emplace_back();
         object.kind = static_cast<Parcel::ObjectKind>(record.kind);
         object.isNull = (record.flags & WireObject::kIsNull) != 0;
-        object.hasParent = (record.flags & WireObject::kHasParent) != 0;
+        object.hasParent = hasParent;
         object.parent = record.parent;
         object.parentOffset = record.parentOffset;
         object.length = record.length;
-        if (object.hasParent && !parentIsSound(record, *objects)) return BAD_VALUE;
         switch (object.kind) {
             case Parcel::ObjectKind::BUFFER:
             case Parcel::ObjectKind::HANDLE:
@@ -264,7 +266,6 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
             default:
                 return BAD_VALUE;
         }
-        objects->push_back(std::move(object));
     }
     return body.atEnd() && nextDescriptor == message->descriptors.size() ? OK : BAD_VALUE;
 }

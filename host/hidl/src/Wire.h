@@ -102,18 +102,12 @@ class OutgoingMessage {
   private:
     void clear();
     void addPiece(const void* bytes, size_t length);
-    status_t addObject(const Parcel::Object& object, WireObject* record);
-    void layOut(const std::vector<uint8_t>& data);
+    status_t addDescriptors(const Parcel::Object& object);
+    // small: the bytes of all that is not sent from where it stands.
+    void layOut(const Header& header, const std::vector<uint8_t>& data,
+                const std::vector<Parcel::Object>& objects, size_t small);
 
-    struct Block {
-        const void* bytes;
-        size_t length;
-    };
-
-    Header mHeader{};
-    std::vector<WireObject> mRecords;
-    std::vector<Block> mBlocks;   // what the buffers and handles consist of
-    std::vector<uint8_t> mSmall;  // copies of small blocks, with their padding
+    std::vector<uint8_t> mSmall;  // copies of small things, with their padding; never shrinks
     Sending mSending;  // its descriptors are borrowed from the parcel, or from mHandedOut
     std::vector<unique_fd> mHandedOut;  // ends of connections to interfaces in the parcel
 };

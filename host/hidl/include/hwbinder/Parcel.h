@@ -25,6 +25,9 @@ struct IncomingMessage;
 //
 // Readers trust nothing: a number that is not there, an object of another kind, length, parent or
 // offset gives an error and leaves the output alone. Not thread-safe.
+//
+// What a parcel took of memory goes to the next one that is made on the thread where it ended,
+// unless that is large: a call usually takes none.
 class Parcel {
   public:
     // What travels beside the numbers.
@@ -110,30 +113,32 @@ class Parcel {
 
     // For the transport: what was written so far, and the first error of writing: generated code
     // looks at none while it writes an answer, and a parcel with a gap must not travel.
-    const std::vector<uint8_t>& data() const { return mData; }
-    const std::vector<Object>& objects() const { return mObjects; }
+    const std::vector<uint8_t>& data() const;
+    const std::vector<Object>& objects() const;
     status_t writeError() const { return mWriteError; }
     // For the transport: makes this empty parcel the one that arrived. BAD_VALUE, and an empty
     // parcel, when what arrived is not a whole parcel; NO_MEMORY.
-    status_t adopt(transport::IncomingMessage message);
+    status_t adopt(transport::IncomingMessage&& message);
 
   private:
+    struct Contents;
+    struct Spares;
+
     template <typename T>
     status_t writeAligned(T value);
     template <typename T>
     status_t readAligned(T* value) const;
     status_t refuse(status_t status);
-    status_t addObject(Object object, size_t* handle);
-    status_t addEmbedded(Object object, size_t* handle, size_t parentHandle, size_t parentOffset);
+    uint8_t* addNumbers(size_t length);
+    status_t addObject(Object&& object, size_t* handle);
+    status_t addEmbedded(Object&& object, size_t* handle, size_t parentHandle, size_t parentOffset);
     const Object* nextObject(ObjectKind kind) const;
     const Object* nextEmbedded(ObjectKind kind, size_t parentHandle, size_t parentOffset) const;
     void putAddress(const Object& object, const void* address) const;
 
-    std::vector<uint8_t> mData;    // numbers that were written
-    std::vector<Object> mObjects;  // written or arrived
+    std::unique_ptr<Contents> mContents;  // never null
     status_t mWriteError = OK;
-    std::unique_ptr<transport::IncomingMessage> mMessage;  // what arrived; owns all its bytes
-    const uint8_t* mBytes = nullptr;                       // the numbers, written or arrived
+    const uint8_t* mBytes = nullptr;  // the numbers, written or arrived
     size_t mSize = 0;
     mutable size_t mPosition = 0;
     mutable size_t mObjectPosition = 0;

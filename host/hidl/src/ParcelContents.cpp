@@ -1,0 +1,55 @@
+#include "ParcelContents.h"
+
+#include <array>
+#include <utility>
+
+namespace android::hardware {
+
+namespace {
+
+// Holds the numbers of nearly every call.
+constexpr size_t kUsualSize = 128;
+// What a parcel took beyond this is not kept for the next.
+constexpr size_t kKeptBytes = size_t{16} * 1024;
+// A call out of a method that is being called takes two more parcels.
+constexpr size_t kMostSpares = 4;
+
+}  // namespace
+
+Parcel::Contents::Contents() {
+    data.reserve(kUsualSize);
+}
+
+// The emptied contents of parcels that are gone.
+struct Parcel::Spares {
+    std::array<std::unique_ptr<Contents>, kMostSpares> spares;
+    size_t count = 0;
+
+    static thread_local Spares own;
+};
+thread_local Parcel::Spares Parcel::Spares::own;
+
+std::unique_ptr<Parcel::Contents> Parcel::Contents::take() {
+    Spares& own = Spares::own;
+    if (own.count == 0) return std::make_unique<Contents>();
+    return std::move(own.spares[--own.count]);
+}
+
+void Parcel::Contents::give(std::unique_ptr<Contents> contents) {
+    // What goes here may be the last of an object that ends with parcels of its own: only then are
+    // the spares looked at.
+    if (contents->arrived) {
+        const transport::IncomingMessage gone = std::move(contents->message);
+        contents->arrived = false;
+    }
+    contents->objects.clear();
+    contents->data.clear();
+    Spares& own = Spares::own;
+    if (own.count == kMostSpares || contents->data.capacity() > kKeptBytes ||
+        contents->objects.capacity() * sizeof(Object) > kKeptBytes) {
+        return;
+    }
+    own.spares[own.count++] = std::move(contents);
+}
+
+}  // namespace android::hardware
