@@ -55,10 +55,10 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
 
 IncomingMessage MessageReader::take() {
     IncomingMessage taken = std::move(mMessage);
-    mMessage = {};
     const size_t total = std::exchange(mTotal, 0);
     const size_t rest = std::exchange(mFilled, 0) - total;
     const size_t belonging = std::min<size_t>(taken.header().fdCount, taken.descriptors.size());
+    if (rest == 0 && belonging == taken.descriptors.size()) return taken;
     const auto others = taken.descriptors.begin() + static_cast<ptrdiff_t>(belonging);
     mMessage.descriptors.assign(std::make_move_iterator(others),
                                 std::make_move_iterator(taken.descriptors.end()));

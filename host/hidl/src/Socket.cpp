@@ -142,13 +142,20 @@ int sendPieces(int socket, Sending* sending, int flags) {
 }
 
 int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit) {
-    // A socket that came from another process may be set not to block, whatever the limit.
-    const bool forever = limit == kForever;
+    if (limit == kForever) {
+        // A socket that came from another process may be set not to block all the same. The clock,
+        // which would have to be read for every call, has no part in this.
+        int error;
+        do {
+            error = sendPieces(socket, sending, 0);
+        } while (error == EAGAIN && waitFor(socket, POLLOUT, kForever));
+        return error;
+    }
     const Clock::time_point end = Clock::now() + limit;
     int error;
     do {
-        error = sendPieces(socket, sending, forever ? 0 : MSG_DONTWAIT);
-    } while (error == EAGAIN && waitFor(socket, POLLOUT, forever ? kForever : until(end)));
+        error = sendPieces(socket, sending, MSG_DONTWAIT);
+    } while (error == EAGAIN && waitFor(socket, POLLOUT, until(end)));
     return error;
 }
 

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "Socket.h"
@@ -66,8 +67,17 @@ constexpr size_t kMaxDescriptors = 253;
 // memory goes to the next message that arrives on the same thread, unless that is large.
 struct IncomingMessage {
     IncomingMessage() = default;
-    IncomingMessage(IncomingMessage&&) = default;
-    IncomingMessage& operator=(IncomingMessage&&) = default;
+    // The other one is as if newly made afterwards.
+    IncomingMessage(IncomingMessage&& other) noexcept
+        : bytes(std::move(other.bytes)),
+          capacity(std::exchange(other.capacity, 0)),
+          descriptors(std::move(other.descriptors)) {}
+    IncomingMessage& operator=(IncomingMessage&& other) noexcept {
+        bytes = std::move(other.bytes);
+        capacity = std::exchange(other.capacity, 0);
+        descriptors = std::move(other.descriptors);
+        return *this;
+    }
     ~IncomingMessage();
 
     // Makes room for so many bytes, of which the first `filled` are kept. False when there is no
