@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <hidl/HidlBinderSupport.h>
 #include <hwbinder/Parcel.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <limits>
@@ -178,6 +179,71 @@ TEST_P(ParcelTest, NullInterface) {
     sp<IBinder> binder;
     EXPECT_EQ(OK, read().readNullableStrongBinder(&binder));
     EXPECT_EQ(nullptr, binder);
+}
+
+// The memory of a parcel goes to the next one, and nothing else of it does.
+TEST(ParcelReuseTest, ANewParcelIsEmpty) {
+    const int32_t number = 5;
+    for (int round = 0; round < 3; ++round) {
+        Parcel written;
+        Parcel arrived;
+        for (const Parcel* parcel : {&written, &arrived}) {
+            EXPECT_TRUE(parcel->data().empty());
+            EXPECT_TRUE(parcel->objects().empty());
+            EXPECT_EQ(OK, parcel->writeError());
+            int32_t got;
+            EXPECT_EQ(NOT_ENOUGH_DATA, parcel->readInt32(&got));
+        }
+        size_t handle;
+        ASSERT_EQ(OK, written.writeInt32(number));
+        ASSERT_EQ(OK, written.writeBuffer(&number, sizeof(number), &handle));
+        EXPECT_EQ(0U, handle);
+        ASSERT_EQ(OK, travel(written, &arrived));
+        EXPECT_EQ(1U, arrived.objects().size());
+        EXPECT_EQ(BAD_VALUE, written.writeEmbeddedBuffer(&number, sizeof(number), &handle, 7, 0));
+    }
+}
+
+// Its writer's buffers are the writer's, also where a parcel that had arrived was before.
+TEST(ParcelReuseTest, AWrittenParcelDoesNotTouchItsBuffers) {
+    struct {
+        const char* text;
+    } parent{nullptr};
+    const char text[] = "text";
+    for (int round = 0; round < 3; ++round) {
+        Parcel one;
+        Parcel other;
+        Parcel& written = round % 2 == 0 ? one : other;
+        Parcel& arrived = round % 2 == 0 ? other : one;
+        size_t handle;
+        size_t embedded;
+        const void* got;
+        ASSERT_EQ(OK, written.writeBuffer(&parent, sizeof(parent), &handle));
+        ASSERT_EQ(OK, written.writeEmbeddedBuffer(text, sizeof(text), &embedded, handle, 0));
+        ASSERT_EQ(OK, travel(written, &arrived));
+        ASSERT_EQ(OK, arrived.readBuffer(sizeof(parent), &handle, &got));
+        ASSERT_EQ(OK, arrived.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got));
+        ASSERT_EQ(OK, written.readBuffer(sizeof(parent), &handle, &got));
+        ASSERT_EQ(OK, written.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got));
+        EXPECT_EQ(nullptr, parent.text);
+    }
+}
+
+// What arrived ends with its parcel: its descriptors are not kept.
+TEST(ParcelReuseTest, DescriptorsAreClosed) {
+    Pipe pipe;
+    {
+        Parcel written;
+        Parcel arrived;
+        native_handle_t* const handle = native_handle_create(1, 0);
+        handle->data[0] = pipe.in.get();
+        EXPECT_EQ(OK, written.writeNativeHandleNoDup(handle));
+        EXPECT_EQ(OK, travel(written, &arrived));
+        (void)native_handle_delete(handle);
+        pipe.in.reset();
+    }
+    char byte;
+    EXPECT_EQ(0, read(pipe.out.get(), &byte, 1));  // no writer is left
 }
 
 TEST(ParcelErrorTest, RemoteObjectIsRefused) {

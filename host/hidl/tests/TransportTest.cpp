@@ -24,6 +24,7 @@ namespace mlk::test {
 namespace {
 
 using namespace ::android::hardware::transport;
+using ::android::NO_MEMORY;
 using ::android::OK;
 using ::android::hardware::Parcel;
 using std::chrono::milliseconds;
@@ -122,6 +123,25 @@ TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
         EXPECT_EQ(block, bytes.substr(start, length));
         EXPECT_EQ(std::string(alignedToEight(length) - length, '\0'), bytes.substr(start + length));
     }
+}
+
+TEST_F(TransportTest, MessagesCarryNothingOfEarlierOnes) {
+    OutgoingMessage message;
+    for (const size_t length : {2000U, 7U, 1U}) {
+        const std::string block(length, 'b');
+        Parcel parcel;
+        size_t handle;
+        ASSERT_EQ(OK, parcel.writeBuffer(block.data(), block.size(), &handle));
+        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
+        ASSERT_EQ(1U, message.sending().pieces.size());
+        const iovec& piece = message.sending().pieces[0];
+        const std::string bytes(static_cast<const char*>(piece.iov_base), piece.iov_len);
+        const std::string padding(alignedToEight(length) - length, '\0');
+        EXPECT_EQ(block + padding, bytes.substr(sizeof(Header) + sizeof(WireObject)));
+        message.finish();
+    }
+    message.encodeStatus(NO_MEMORY);
+    EXPECT_EQ(sizeof(Header), message.sending().left());
 }
 
 TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
