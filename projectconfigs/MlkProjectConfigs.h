@@ -219,7 +219,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
 
     /**
      * Writes the project store and the audio files, as text, to the one descriptor of the handle,
-     * which stays open. The arguments are ignored.
+     * which stays open; see ClientDescriptor.h for a client that does not read it. The arguments
+     * are ignored.
      */
     Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& arguments) override;
 

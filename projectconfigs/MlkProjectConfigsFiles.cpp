@@ -1,15 +1,12 @@
-#include <android-base/file.h>
 #include <android/hidl/allocator/1.0/IAllocator.h>
 #include <android/hidl/memory/1.0/IMemory.h>
 #include <android/log.h>
 #include <hidlmemory/mapping.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstring>
-#include <ctime>
 #include <sstream>
 
+#include "projectconfigs/ClientDescriptor.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -23,29 +20,6 @@ using ::android::hidl::memory::V1_0::IMemory;
 namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
-
-// While it lives, this thread's writes to a pipe that nobody reads fail instead of killing the
-// process.
-class SigpipeHeld {
-  public:
-    SigpipeHeld() {
-        sigemptyset(&mSigpipe);
-        sigaddset(&mSigpipe, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &mSigpipe, &mFormer);
-    }
-    ~SigpipeHeld() {
-        const timespec now{};
-        while (sigtimedwait(&mSigpipe, nullptr, &now) < 0 && errno == EINTR) {
-        }
-        pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
-    }
-    SigpipeHeld(const SigpipeHeld&) = delete;
-    SigpipeHeld& operator=(const SigpipeHeld&) = delete;
-
-  private:
-    sigset_t mSigpipe{};
-    sigset_t mFormer{};
-};
 
 // Empty when there is nothing to share, no allocator, or no memory.
 hidl_memory allocate(size_t size) {
@@ -134,11 +108,19 @@ Return<void> MlkProjectConfigs::debug(const hidl_handle& handle,
     text << "Audio configuration file: " << std::endl;
     mAudioIniParser->dump(text);
 
-    const SigpipeHeld held;
-    if (::android::base::WriteStringToFd(text.str(), handle->data[0])) {
+    const std::string dump = text.str();
+    const Written written = writeToClient(handle->data[0], dump);
+    if (written.outcome == WriteOutcome::COMPLETE) {
         __android_log_print(ANDROID_LOG_INFO, kTag, "debug -- dumping succeeded");
-    } else {
+    } else if (written.outcome == WriteOutcome::FAILED) {
         __android_log_print(ANDROID_LOG_WARN, kTag, "debug -- dumping failed -- write()");
+    } else {
+        __android_log_print(
+                ANDROID_LOG_WARN, kTag,
+                "debug -- dumping failed -- write() of %zu bytes given up after %zu, %s",
+                dump.size(), written.size,
+                written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
+                                                        : "too many dumps wait already");
     }
     return {};
 }

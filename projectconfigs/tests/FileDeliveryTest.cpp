@@ -4,13 +4,21 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "host/testing/Eventually.h"
+#include "host/testing/TestPipe.h"
+#include "host/testing/Threads.h"
+#include "projectconfigs/ClientDescriptor.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using ::mlk::testing::TestPipe;
+using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
 
 using Service = IMlkProjectConfigs;
 
@@ -141,6 +149,30 @@ TEST_F(FileDeliveryTest, DebugSurvivesAClosedPipe) {
     close(ends[1]);
     EXPECT_THAT(logged(ANDROID_LOG_WARN), ElementsAre("debug -- dumping failed -- write()"));
     EXPECT_THAT(logged(ANDROID_LOG_INFO), IsEmpty());
+}
+
+TEST_F(FileDeliveryTest, DebugGivesUpWhatNobodyReads) {
+    TestPipe pipe;
+    debug(Handle({pipe.fill().writeEnd()}).get());
+    EXPECT_THAT(
+            logged(ANDROID_LOG_WARN),
+            ElementsAre(MatchesRegex("debug -- dumping failed -- write\\(\\) of [0-9]+ bytes given "
+                                     "up after 0, nobody reads them")));
+    EXPECT_THAT(logged(ANDROID_LOG_INFO), IsEmpty());
+}
+
+TEST_F(FileDeliveryTest, DebugGivesUpWhereManyWait) {
+    std::vector<TestPipe> pipes(kWaitForReaders + 1);
+    for (TestPipe& pipe : pipes) {
+        pipe.fill();
+    }
+    EXPECT_TRUE(::mlk::testing::eventually([&] {
+        ::mlk::testing::inThreads(kWaitForReaders + 1, [&](int i) {
+            debug(Handle({pipes[static_cast<size_t>(i)].writeEnd()}).get());
+        });
+        return ::testing::Matches(Contains(HasSubstr("too many dumps wait already")))(
+                logged(ANDROID_LOG_WARN));
+    }));
 }
 
 }  // namespace

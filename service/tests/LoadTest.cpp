@@ -3,8 +3,10 @@
 //
 // MLK_SOAK in the environment has each test run for so many seconds instead of a moment.
 
+#include <cutils/native_handle.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -18,12 +20,15 @@
 #include "host/testing/HostSet.h"
 #include "host/testing/ProcessUsage.h"
 #include "host/testing/Sanitizers.h"
+#include "host/testing/TestPipe.h"
+#include "host/testing/Threads.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
 
+using ::android::hardware::hidl_handle;
 using ::mlk::test::RawClient;
 using ::mlk::test::RawMessage;
 using ::mlk::testing::descriptorsOf;
@@ -31,6 +36,7 @@ using ::mlk::testing::eventually;
 using ::mlk::testing::HostSet;
 using ::mlk::testing::Process;
 using ::mlk::testing::residentOf;
+using ::mlk::testing::TestPipe;
 using ::mlk::testing::threadsOf;
 using std::chrono::steady_clock;
 
@@ -246,6 +252,32 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
     }
     stop = true;
     honest.join();
+    EXPECT_GT(mHonestCalls, 100U);
+    expectAsBefore(before);
+}
+
+TEST_F(LoadTest, DumpsThatNobodyReadsHoldNobody) {
+    constexpr int kClients = 12;
+    constexpr auto kLastOnes = std::chrono::seconds(20);
+    const size_t before = residentOf(pid());
+    std::atomic<bool> stop{false};
+    std::thread honest([&] { callHonestly(stop); });
+    const auto end = steady_clock::now() + std::chrono::seconds(std::stol(seconds()));
+    ::mlk::testing::inThreads(kClients, [&](int) {
+        TestPipe pipe;
+        native_handle_t* const native = native_handle_create(1, 0);
+        native->data[0] = dup(pipe.fill().writeEnd());
+        hidl_handle handle;
+        handle.setTo(native, true);
+        const auto service = IMlkProjectConfigs::getService();
+        do {
+            EXPECT_TRUE(service->debug(handle, {}).isOk());
+        } while (steady_clock::now() < end);
+    });
+    EXPECT_LT(steady_clock::now(), end + kLastOnes);
+    stop = true;
+    honest.join();
+    // One that waited for its turn among them would be there once a second.
     EXPECT_GT(mHonestCalls, 100U);
     expectAsBefore(before);
 }

@@ -1,18 +1,16 @@
 // How many calls the real process serves at once.
 
 #include <android-base/unique_fd.h>
-#include <cutils/native_handle.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
-#include <array>
-#include <chrono>
 #include <future>
+#include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/ProcessUsage.h"
 #include "service/tests/InterfaceMethods.h"
@@ -22,63 +20,66 @@ namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
 
 using ::android::base::unique_fd;
-using ::android::hardware::hidl_handle;
+using ::mlk::testing::eventually;
 using ::mlk::testing::HostSet;
 using ::mlk::testing::threadsOf;
 
-using std::chrono::steady_clock;
-
 constexpr size_t kThreads = 10;
 
-/// A call that lasts until it is released: a dump into a pipe that is full.
-class SlowCall {
+/// Has the process wait at each reading of one file until the calls are released.
+class Gate {
   public:
-    SlowCall() {
-        EXPECT_TRUE(::android::base::Pipe(&mRead, &mWrite));
-        const int flags = fcntl(mWrite.get(), F_GETFL);
-        fcntl(mWrite.get(), F_SETFL, flags | O_NONBLOCK);
-        const std::array<char, 4096> filler{};
-        while (write(mWrite.get(), filler.data(), filler.size()) > 0) {
-        }
-        fcntl(mWrite.get(), F_SETFL, flags);
-        native_handle_t* native = native_handle_create(1, 0);
-        native->data[0] = mWrite.release();
-        hidl_handle handle;
-        handle.setTo(native, true);
-        mDone = std::async(std::launch::async, [handle] {
+    explicit Gate(const HostSet& set)
+        : mSlowFile(set.dir().write("tvdata/slow", "slow")), mFifo(set.dir().path("gate")) {
+        EXPECT_EQ(mkfifo(mFifo.c_str(), 0600), 0);
+    }
+
+    /// What the process needs in its environment.
+    std::map<std::string, std::string> environment() const {
+        return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
+                {"MLK_FAULT_BELOW", mSlowFile},
+                {"MLK_FAULT_AT", "open 1+ hold"},
+                {"MLK_FAULT_GATE", mFifo},
+                // A sanitizer's runtime takes part in the program and does not mind who else does.
+                {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}};
+    }
+
+    /// A call that lasts until it is released; whether it was answered with the file.
+    std::future<bool> slowCall() const {
+        return std::async(std::launch::async, [this] {
+            bool answered = false;
             const auto service = IMlkProjectConfigs::getService();
-            return service != nullptr && service->debug(handle, {}).isOk();
+            return service->getTvFile(mSlowFile,
+                                      [&](const auto& file) { answered = file.size() == 4; })
+                           .isOk() &&
+                   answered;
         });
     }
 
-    /// Lets it end.
-    void release() { mRead.reset(); }
-
-    /// Waits for its end; gives whether it was answered.
-    bool answered() { return mDone.get(); }
+    /// Lets all calls end, later ones too.
+    void open() { mOpen.reset(::open(mFifo.c_str(), O_RDWR | O_CLOEXEC)); }
 
   private:
-    unique_fd mRead;
-    unique_fd mWrite;
-    std::future<bool> mDone;
+    std::string mSlowFile;
+    std::string mFifo;
+    unique_fd mOpen;
 };
 
 TEST(Pool, HasTenThreadsAndMoreCallsWaitForThem) {
     const HostSet set;
     writeProject(set);
-    ServiceProcess service;
+    Gate gate(set);
+    ServiceProcess service(gate.environment());
     ASSERT_TRUE(service.waitUntilRegistered()) << service.process().err();
     const pid_t pid = service.process().pid();
-    std::vector<SlowCall> slow(14);
-    const auto end = steady_clock::now() + std::chrono::seconds(30);
-    while (threadsOf(pid) < kThreads && steady_clock::now() < end) {
-        std::this_thread::yield();
+    std::vector<std::future<bool>> slow;
+    for (int i = 0; i < 14; ++i) {
+        slow.push_back(gate.slowCall());
     }
-    for (SlowCall& call : slow) {
-        call.release();
-    }
-    for (SlowCall& call : slow) {
-        EXPECT_TRUE(call.answered());
+    EXPECT_TRUE(eventually([&] { return threadsOf(pid) >= kThreads; })) << threadsOf(pid);
+    gate.open();
+    for (auto& call : slow) {
+        EXPECT_TRUE(call.get());
     }
     // Threads never end: these are the most that there were.
     EXPECT_EQ(threadsOf(pid), kThreads);

@@ -13,7 +13,8 @@ STANDARD = set(
     ratio set shared_mutex sstream stack stdexcept streambuf string string_view system_error thread
     tuple type_traits typeindex unordered_map unordered_set utility variant vector""".split()
 )
-POSIX = {"dirent.h", "fcntl.h", "poll.h", "pthread.h", "sys/mman.h", "sys/stat.h", "sys/types.h", "unistd.h"}
+POSIX = {"dirent.h", "fcntl.h", "poll.h", "pthread.h", "sys/ioctl.h", "sys/mman.h", "sys/socket.h", "sys/stat.h",
+         "sys/types.h", "unistd.h"}
 PLATFORM = {
     "TvPartitionPath.h",
     "android-base/file.h",
@@ -37,7 +38,7 @@ PACKAGE = re.compile(r"vendor/morlak/mlkconfigs/1\.0/(types|hwtypes|(I|IHw|BnHw)
 
 # What the rooms call of the platform's C++ libraries: each is what a device's headers declare.
 NAMES = set(
-    """base::WriteStringToFd base::unique_fd hardware::IBinder hardware::Parcel hardware::Return
+    """base::Pipe base::unique_fd hardware::IBinder hardware::Parcel hardware::Return
     hardware::Status::ok hardware::Void hardware::configureRpcThreadpool
     hardware::details::getBnConstructorMap hardware::hidl_handle hardware::hidl_memory
     hardware::hidl_string hardware::hidl_vec hardware::joinRpcThreadpool hardware::mapMemory

@@ -5,7 +5,8 @@
 //                     and on descriptors opened there
 //   MLK_FAULT_LOG     every such call is written there, its name a line
 //   MLK_FAULT_AT      "NAME NUMBER ACTION": the call of that name and number, from 1 on, comes to
-//                     ACTION: an errno (5), "kill", "short" (half of what was asked is done).
+//                     ACTION: an errno (5), "kill", "short" (half of what was asked is done),
+//                     "hold" (it waits until the FIFO MLK_FAULT_GATE is open for writing).
 //                     NUMBER may be "3+": that call and all later ones. NAME may be "any", or
 //                     "change": what changes files or folders.
 //
@@ -31,6 +32,7 @@ constexpr int kDescriptors = 4096;
 constexpr int kNoFault = 0;
 constexpr int kKill = -1;
 constexpr int kShort = -2;
+constexpr int kHold = -3;
 
 struct Plan {
     const char* below = getenv("MLK_FAULT_BELOW");
@@ -59,6 +61,7 @@ struct Plan {
         rest += strspn(rest, " ");
         action = strcmp(rest, "kill") == 0    ? kKill
                  : strcmp(rest, "short") == 0 ? kShort
+                 : strcmp(rest, "hold") == 0  ? kHold
                                               : atoi(rest);
     }
 };
@@ -109,6 +112,12 @@ bool isMeant(const char* call, const char* name) {
     return strcmp(name, "any") == 0 && strcmp(call, "memory") != 0;
 }
 
+// Opening it waits until another process has the other end open.
+void waitAtGate() {
+    const long gate = syscall(SYS_openat, AT_FDCWD, getenv("MLK_FAULT_GATE"), O_RDONLY | O_CLOEXEC);
+    (void)syscall(SYS_close, gate);
+}
+
 // What becomes of this call: nothing, an errno, or kShort. Does not come back from kKill.
 int fateOf(const char* call) {
     const Plan& thePlan = plan();
@@ -128,6 +137,10 @@ int fateOf(const char* call) {
     }
     if (thePlan.action == kKill) {
         (void)syscall(SYS_kill, getpid(), SIGKILL);
+    }
+    if (thePlan.action == kHold) {
+        waitAtGate();
+        return kNoFault;
     }
     return thePlan.action;
 }
