@@ -27,6 +27,23 @@ set(ENV{TSAN_OPTIONS} "suppressions=@CMAKE_SOURCE_DIR@/cmake/tsan.supp:$ENV{TSAN
 ]] @ONLY)
     set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY
                  TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/TestEnvironment.cmake)
+
+    # To compile the tests is most of what a build has to do, and half of that is GoogleTest. What
+    # is tested is optimised, the tests themselves are not; and its headers are compiled once. A
+    # compiler cache knows them without that, and takes nothing that uses them. The release does
+    # without both: there each test has to include what it uses.
+    add_library(mlk_test_options INTERFACE)
+    if(NOT CMAKE_BUILD_TYPE STREQUAL Release)
+        target_compile_options(mlk_test_options INTERFACE -O0)
+        if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+            file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestHeaders.cpp CONTENT "int main() {}\n")
+            # A program, as the tests are: a library's flags are others.
+            add_executable(mlk_test_headers ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
+            target_link_libraries(mlk_test_headers PRIVATE mlk_test_options GTest::gmock
+                                  GTest::gtest_main mlk_warnings)
+            target_precompile_headers(mlk_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+        endif()
+    endif()
 endif()
 
 # mlk_library(NAME SOURCES... [PUBLIC LIBS...] [PRIVATE LIBS...])
@@ -70,7 +87,10 @@ function(mlk_test name)
     add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} host_testing GTest::gmock GTest::gtest_main
-                          mlk_warnings)
+                          mlk_warnings mlk_test_options)
+    if(TARGET mlk_test_headers)
+        target_precompile_headers(${name} REUSE_FROM mlk_test_headers)
+    endif()
     if(ARG_NEEDS)
         add_dependencies(${name} ${ARG_NEEDS})
     endif()
