@@ -8,7 +8,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ctime>
 #include <sstream>
+#include <thread>
 
 #include "host/log/LogFormat.h"
 #include "host/testing/LogCapture.h"
@@ -111,20 +113,78 @@ TEST(HostLog, ABrokenStandardErrorHarmsNobody) {
     EXPECT_EQ(full.out(), "logged 1 0\n");
 }
 
+/// Standard error is this descriptor while it lives.
+class ErrorsTo {
+  public:
+    explicit ErrorsTo(int descriptor) { dup2(descriptor, STDERR_FILENO); }
+    ~ErrorsTo() { dup2(mFormer.get(), STDERR_FILENO); }
+    ErrorsTo(const ErrorsTo&) = delete;
+    ErrorsTo& operator=(const ErrorsTo&) = delete;
+
+  private:
+    const unique_fd mFormer{dup(STDERR_FILENO)};
+};
+
 TEST(HostLog, AFullStandardErrorLosesTheMessageAndStopsNobody) {
     unique_fd read;
     unique_fd write;
     ASSERT_TRUE(::android::base::Pipe(&read, &write));
     fcntl(write.get(), F_SETFL, O_NONBLOCK);
-    const unique_fd former(dup(STDERR_FILENO));
-    dup2(write.get(), STDERR_FILENO);
-    const std::string longer(1'000'000, 'x');
-    __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
-    __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
-    dup2(former.get(), STDERR_FILENO);
+    {
+        const ErrorsTo full(write.get());
+        const std::string longer(1'000'000, 'x');
+        __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
+        __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str());
+    }
     char first = 0;
     EXPECT_EQ(::read(read.get(), &first, 1), 1);
     EXPECT_EQ(first, 'E');
+}
+
+TEST(HostLog, ASignalThatWaitedAlreadyGoesOnWaiting) {
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr), 0);
+    ASSERT_EQ(raise(SIGPIPE), 0);
+    unique_fd read;
+    unique_fd write;
+    ASSERT_TRUE(::android::base::Pipe(&read, &write));
+    read.reset();
+    {
+        const ErrorsTo nobody(write.get());
+        __android_log_write(ANDROID_LOG_ERROR, "tag", "unheard");
+    }
+    const timespec now{};
+    EXPECT_EQ(sigtimedwait(&brokenPipe, nullptr, &now), SIGPIPE);
+}
+
+TEST(HostLog, AnInterruptedMessageIsWhole) {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};  // without SA_RESTART
+    ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);
+    unique_fd read;
+    unique_fd write;
+    ASSERT_TRUE(::android::base::Pipe(&read, &write));
+    const std::string longer(1'000'000, 'x');
+    const ErrorsTo reader(write.get());
+    std::thread writer([&] { __android_log_write(ANDROID_LOG_ERROR, "tag", longer.c_str()); });
+    std::string got;
+    while (got.empty() || got.back() != '\n') {
+        pthread_kill(writer.native_handle(), SIGUSR1);
+        std::string piece(1000, '\0');
+        piece.resize(static_cast<size_t>(::read(read.get(), piece.data(), piece.size())));
+        got += piece;
+    }
+    writer.join();
+    EXPECT_EQ(got, formatBrief(ANDROID_LOG_ERROR, "tag", getpid(), longer));
+}
+
+TEST(HostLog, AMessageWithoutTextIsAnEmptyLine) {
+    ::testing::internal::CaptureStderr();
+    __android_log_write(ANDROID_LOG_ERROR, "tag", nullptr);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              formatBrief(ANDROID_LOG_ERROR, "tag", getpid(), ""));
 }
 
 TEST(HostLog, IsPutBackAfterACapture) {

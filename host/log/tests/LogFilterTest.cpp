@@ -97,5 +97,9 @@ TEST(LogFilter, NamesWhatItDoesNotUnderstandAndKeepsTheRest) {
     EXPECT_TRUE(filter.shows(ANDROID_LOG_INFO, "other"));
 }
 
+TEST(LogFilter, WhatIsNoRuleNeedNotBeTold) {
+    EXPECT_TRUE(LogFilter("a:X b:D", nullptr).shows(ANDROID_LOG_DEBUG, "b"));
+}
+
 }  // namespace
 }  // namespace mlk::host
