@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-
 #include "tools/mlkctl/BatchLine.h"
 #include "tools/mlkctl/LineInput.h"
 #include "tools/mlkctl/Text.h"

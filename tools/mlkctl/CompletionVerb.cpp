@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-
 #include "tools/mlkctl/BashCompletion.h"
 #include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/Verb.h"

@@ -2,7 +2,6 @@
 #include <cutils/native_handle.h>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <CLI/CLI.hpp>
 
 #include <array>
 #include <cerrno>

@@ -1,5 +1,4 @@
 #include <cutils/properties.h>
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
