@@ -41,6 +41,8 @@ set(ENV{TSAN_OPTIONS} "suppressions=@CMAKE_SOURCE_DIR@/cmake/tsan.supp:$ENV{TSAN
             add_executable(mlk_test_headers ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
             target_link_libraries(mlk_test_headers PRIVATE mlk_test_options GTest::gmock
                                   GTest::gtest_main mlk_warnings)
+            set_target_properties(mlk_test_headers PROPERTIES
+                RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
             target_precompile_headers(mlk_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
         endif()
     endif()

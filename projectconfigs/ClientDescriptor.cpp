@@ -65,7 +65,7 @@ ssize_t uninterrupted(const Call& call) {
     return result;
 }
 
-// The three ways to write what a descriptor takes right now. Each gives its size; -1 with EAGAIN
+// The two ways to write what a descriptor takes right now. Each gives its size; -1 with EAGAIN
 // when there is no room.
 
 ssize_t sendNow(int target, std::string_view text) {
