@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -128,6 +129,15 @@ TEST_F(IdentityTest, FailedSetKeepsTheIndexInMemory) {
                                           "Open " + projectFile() + " fail!"));
     ASSERT_EQ(rmdir(projectFile().c_str()), 0);
     EXPECT_TRUE(id.Set(4)) << "the index is the current one already";
+}
+
+TEST_F(IdentityTest, FileBehindALinkIsWrittenAndTheLinkStays) {
+    mDir.write("elsewhere", "PROJECT_ID=2 and much behind it\n");
+    ASSERT_EQ(symlink("elsewhere", projectFile().c_str()), 0);
+    ProjectID id(mDir.path(), 1);
+    EXPECT_TRUE(id.Set(3));
+    EXPECT_EQ(mDir.read("elsewhere"), "PROJECT_ID=3\n");
+    EXPECT_EQ(std::filesystem::read_symlink(projectFile()), "elsewhere");
 }
 
 TEST_F(IdentityTest, FullStorageIsAFailedSet) {
