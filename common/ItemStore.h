@@ -32,6 +32,7 @@ class ItemStore {
     static constexpr Item kNone = HashIndex::kNone;
 
     ItemStore() = default;
+    /** What was moved from may only be assigned to, or go. */
     ItemStore(ItemStore&&) noexcept = default;
     ItemStore& operator=(ItemStore&&) noexcept = default;
 

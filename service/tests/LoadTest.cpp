@@ -57,9 +57,11 @@ class LoadTest : public ::testing::Test {
     void SetUp() override {
         mSet.copyFrom(std::string(getenv("MLK_SOURCE_DIR")) + "/samples/partitions");
         mAllocator = startAllocator();
-        // What is said at each refusal would only fill the test's memory.
-        mServer = std::make_unique<ServiceProcess>(
-                std::map<std::string, std::string>{{"ANDROID_LOG_TAGS", "*:F"}});
+        mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
+                // What is said at each refusal would only fill the test's memory.
+                {"ANDROID_LOG_TAGS", "*:F"},
+                // What the sanitizer keeps of freed memory would hide what grows.
+                {"ASAN_OPTIONS", "quarantine_size_mb=16"}});
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
         callers(4, "1", "30000");
         mDescriptors = descriptorsOf(pid());
