@@ -112,7 +112,6 @@ class ItemStore {
     }
     void takeBlock(size_t size);
     char* placeTexts(std::string_view key, size_t valueRoom);
-    Section sectionNamed(std::string_view name, uint64_t hash) const;
     void putInOrder() const;
     void putInOrder(const SectionEntry& section, std::vector<Place>& places, Item* items) const;
 

@@ -25,13 +25,11 @@ using std::chrono::steady_clock;
 
 namespace {
 
-constexpr milliseconds kNoPatience(0);
 // A pipe becomes writable a page at a time: in between it is looked at whether any byte has gone.
 constexpr milliseconds kGlance(50);
 
+Places sWriters(kWriters);
 Places sReaders(kWaitForReaders);
-Places sFiles(kWaitForFiles);
-Places sOthers(kWaitForOthers);
 
 // While it lives, this thread's writes to a pipe that nobody reads fail instead of killing the
 // process.
@@ -128,7 +126,7 @@ Written writeToReader(int descriptor, std::string_view text, const WriteNow& wri
             return {WriteOutcome::FAILED, done};
         }
         if (!place) {
-            place.emplace(sReaders, kNoPatience);
+            place.emplace(sReaders, milliseconds(0));
         }
         if (!*place) {
             return {WriteOutcome::CROWDED, done};
@@ -146,10 +144,7 @@ Written writeToReader(int descriptor, std::string_view text, const WriteNow& wri
 }
 
 // What else there is cannot be asked to take a piece without waiting.
-Written writeAndWait(int descriptor, std::string_view text, const Places::Taken& place) {
-    if (!place) {
-        return {WriteOutcome::CROWDED, 0};
-    }
+Written writeAndWait(int descriptor, std::string_view text) {
     size_t done = 0;
     while (done < text.size()) {
         const ssize_t wrote = uninterrupted(
@@ -165,25 +160,31 @@ Written writeAndWait(int descriptor, std::string_view text, const Places::Taken&
 }  // namespace
 
 Written writeToClient(int descriptor, std::string_view text) {
+    // The turn of a text comes in microseconds, unless the other ends of all others hold them.
+    const Places::Taken place(sWriters, kReaderPatience);
+    if (!place) {
+        return {WriteOutcome::CROWDED, 0};
+    }
     struct stat status {};
     if (fstat(descriptor, &status) != 0) {
         return {WriteOutcome::FAILED, 0};
     }
     const SigpipeHeld held;
-    if (S_ISFIFO(status.st_mode)) {
-        PipeWriter writer;
-        return writeToReader(descriptor, text, [&](int target, std::string_view rest) {
-            return writer.writeNow(target, rest);
-        });
+    switch (status.st_mode & S_IFMT) {
+        case S_IFIFO: {
+            PipeWriter writer;
+            return writeToReader(descriptor, text, [&](int target, std::string_view rest) {
+                return writer.writeNow(target, rest);
+            });
+        }
+        case S_IFSOCK:
+            return writeToReader(descriptor, text, sendNow);
+        case S_IFREG:
+        case S_IFCHR:
+            return writeAndWait(descriptor, text);
+        default:
+            return {WriteOutcome::FAILED, 0};
     }
-    if (S_ISSOCK(status.st_mode)) {
-        return writeToReader(descriptor, text, sendNow);
-    }
-    if (S_ISREG(status.st_mode)) {
-        // Its turn comes in microseconds, unless file systems do not answer.
-        return writeAndWait(descriptor, text, {sFiles, kReaderPatience});
-    }
-    return writeAndWait(descriptor, text, {sOthers, kNoPatience});
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -212,7 +213,7 @@ TEST(ClientDescriptor, FilesTakeTurns) {
     const std::string text = longText();
     std::vector<unique_fd> files;
     std::vector<std::future<Written>> results;
-    for (int i = 0; i < 4 * kWaitForFiles; ++i) {
+    for (int i = 0; i < 2 * kWriters; ++i) {
         const std::string path = dir.write("dump" + std::to_string(i), "");
         files.emplace_back(open(path.c_str(), O_WRONLY | O_CLOEXEC));
         results.push_back(writing(files.back().get(), text));
@@ -227,6 +228,11 @@ TEST(ClientDescriptor, WhatCannotBeWrittenFails) {
     const unique_fd file(open(dir.write("dump", "").c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_EQ(writeToClient(file.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
     EXPECT_EQ(writeToClient(-1, "x"), (Written{WriteOutcome::FAILED, 0}));
+    // It may wait for ever to add one number to another.
+    const unique_fd counter(eventfd(0, EFD_CLOEXEC));
+    EXPECT_EQ(writeToClient(counter.get(), "12345678"), (Written{WriteOutcome::FAILED, 0}));
+    const unique_fd folder(open(dir.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    EXPECT_EQ(writeToClient(folder.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
 }
 
 TEST(ClientDescriptor, NothingIsSoonWritten) {
@@ -293,19 +299,28 @@ TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
     EXPECT_EQ(writeToClient(pipe.writeEnd(), "x").outcome, WriteOutcome::UNREAD);
 }
 
-TEST(ClientDescriptor, TerminalThatNobodyReadsHoldsOneThread) {
+// A terminal that takes nothing holds all that write to it, and no more than may.
+TEST(ClientDescriptor, OnlyAFewAreHeldByATerminal) {
     unique_fd master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
     ASSERT_TRUE(master.ok());
     ASSERT_EQ(grantpt(master.get()), 0);
     ASSERT_EQ(unlockpt(master.get()), 0);
     const unique_fd terminal(open(ptsname(master.get()), O_WRONLY | O_NOCTTY | O_CLOEXEC));
     ASSERT_TRUE(terminal.ok());
-    auto held = writing(terminal.get(), longText());
-    pollfd text{master.get(), POLLIN, 0};
-    ASSERT_EQ(poll(&text, 1, 30'000), 1);
-    EXPECT_EQ(writeToClient(terminal.get(), "x"), (Written{WriteOutcome::CROWDED, 0}));
+    std::vector<std::future<Written>> held;
+    for (int i = 0; i < kWriters; ++i) {
+        held.push_back(writing(terminal.get(), longText()));
+    }
+    EXPECT_TRUE(eventually([&] {
+        TestPipe pipe;
+        return writeToClient(pipe.writeEnd(), "x") == Written{WriteOutcome::CROWDED, 0};
+    }));
     master.reset();
-    EXPECT_EQ(held.get().outcome, WriteOutcome::FAILED);
+    for (auto& result : held) {
+        EXPECT_EQ(result.get().outcome, WriteOutcome::FAILED);
+    }
+    TestPipe pipe;
+    EXPECT_EQ(writeToClient(pipe.writeEnd(), "x"), complete("x")) << "the places are free again";
 }
 
 TEST(Places, AreTakenAndGivenBack) {

@@ -49,7 +49,8 @@ class Gate {
         return std::async(std::launch::async, [this] {
             bool answered = false;
             const auto service = IMlkProjectConfigs::getService();
-            return service->getTvFile(mSlowFile,
+            return service != nullptr &&
+                   service->getTvFile(mSlowFile,
                                       [&](const auto& file) { answered = file.size() == 4; })
                            .isOk() &&
                    answered;

@@ -14,6 +14,10 @@ constexpr size_t kKeptBytes = size_t{16} * 1024;
 // A call out of a method that is being called takes two more parcels.
 constexpr size_t kMostSpares = 4;
 
+// A thread's spares end before static objects do, and these may make calls when they end. This has
+// no destructor, so that it can be asked even then.
+thread_local bool tSparesAreGone = false;
+
 }  // namespace
 
 Parcel::Contents::Contents() {
@@ -25,11 +29,13 @@ struct Parcel::Spares {
     std::array<std::unique_ptr<Contents>, kMostSpares> spares;
     size_t count = 0;
 
+    ~Spares() { tSparesAreGone = true; }
     static thread_local Spares own;
 };
 thread_local Parcel::Spares Parcel::Spares::own;
 
 std::unique_ptr<Parcel::Contents> Parcel::Contents::take() {
+    if (tSparesAreGone) return std::make_unique<Contents>();
     Spares& own = Spares::own;
     if (own.count == 0) return std::make_unique<Contents>();
     return std::move(own.spares[--own.count]);
@@ -44,6 +50,7 @@ void Parcel::Contents::give(std::unique_ptr<Contents> contents) {
     }
     contents->objects.clear();
     contents->data.clear();
+    if (tSparesAreGone) return;
     Spares& own = Spares::own;
     if (own.count == kMostSpares || contents->data.capacity() > kKeptBytes ||
         contents->objects.capacity() * sizeof(Object) > kKeptBytes) {

@@ -169,6 +169,7 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
         status = exchange(link, oneway, reply);
     } catch (const std::bad_alloc&) {
         // What the connection was left with is unknown: the object counts as dead.
+        link->call.finish();
         status = DEAD_OBJECT;
     }
     if (status == DEAD_OBJECT) {

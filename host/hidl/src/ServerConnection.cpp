@@ -76,35 +76,35 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
     }
 }
 
-// An exception costs the caller its answer, not everybody the process.
-status_t ServerConnection::call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
-                                const IBinder::TransactCallback& answer) {
-    try {
-        return mObject->transact(code, data, reply, flags, answer);
-    } catch (const std::bad_alloc&) {
-        ALOGE("no memory for call %u", code);
-        return NO_MEMORY;
-    } catch (const std::exception& exception) {
-        ALOGE("call %u ended in an exception: %s", code, exception.what());
-        return UNKNOWN_ERROR;
-    }
+// The call itself. When it comes to nothing, why.
+status_t ServerConnection::serve(IncomingMessage&& message, const IBinder::TransactCallback& answer,
+                                 const bool& expected) {
+    const uint32_t code = message.header().code;
+    const bool oneway = message.header().type == MessageType::ONEWAY_CALL;
+    Parcel data;
+    Parcel reply;
+    status_t status = data.adopt(std::move(message));
+    if (status != OK) return status;
+    status = mObject->transact(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, answer);
+    if (status != OK || !expected) return status;
+    // Generated stubs leave a few base methods without an answer; it means all is well.
+    if (reply.data().empty()) (void)writeToParcel(Status::ok(), &reply);
+    answer(reply);
+    return OK;
 }
 
 bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& pool) {
     const MessageType type = message.header().type;
     const uint32_t code = message.header().code;
-    const bool oneway = type == MessageType::ONEWAY_CALL;
-    if (!oneway && type != MessageType::CALL) return false;
-    Parcel data;
-    Parcel reply;
+    if (type != MessageType::CALL && type != MessageType::ONEWAY_CALL) return false;
     struct {
         ServerConnection* connection;
         const ThreadPool* pool;
         bool expected;  // by the caller, and not given yet
         bool alive;
-    } answer{this, &pool, !oneway, true};
+    } state{this, &pool, type == MessageType::CALL, true};
     // A single pointer: the function, which is copied on its way to the method, holds it in itself.
-    const IBinder::TransactCallback callback = [state = &answer](Parcel& parcel) {
+    const IBinder::TransactCallback answer = [state = &state](Parcel& parcel) {
         if (!state->expected) return;
         OutgoingMessage& out = state->connection->mReply;
         const status_t encoded = out.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
@@ -113,21 +113,22 @@ bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& poo
         state->alive = false;  // unless sending comes to its end
         state->alive = state->connection->send(*state->pool);
     };
-    status_t status = data.adopt(std::move(message));
-    if (status == OK) {
-        status = call(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, callback);
+    status_t status = OK;
+    // An exception costs the caller its answer, not everybody the process.
+    try {
+        status = serve(std::move(message), answer, state.expected);
+    } catch (const std::bad_alloc&) {
+        ALOGE("no memory for call %u", code);
+        status = NO_MEMORY;
+    } catch (const std::exception& exception) {
+        ALOGE("call %u ended in an exception: %s", code, exception.what());
+        status = UNKNOWN_ERROR;
     }
-    if (answer.expected) {
-        if (status == OK) {
-            // Generated stubs leave a few base methods without an answer; it means all is well.
-            if (reply.data().empty()) (void)writeToParcel(Status::ok(), &reply);
-            callback(reply);
-        } else {
-            mReply.encodeStatus(status);
-            answer.alive = send(pool);
-        }
+    if (state.expected) {
+        mReply.encodeStatus(status);
+        state.alive = send(pool);
     }
-    return answer.alive;
+    return state.alive;
 }
 
 bool ServerConnection::send(const ThreadPool& pool) {

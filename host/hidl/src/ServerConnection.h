@@ -35,8 +35,9 @@ class ServerConnection : public EventSource {
     bool dispatch(IncomingMessage&& message, const ThreadPool& pool);
     bool send(const ThreadPool& pool);
 
-    status_t call(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
-                  const IBinder::TransactCallback& answer);
+    // `expected` says whether the caller still waits for an answer.
+    status_t serve(IncomingMessage&& message, const IBinder::TransactCallback& answer,
+                   const bool& expected);
 
     const unique_fd mSocket;
     const sp<BHwBinder> mObject;

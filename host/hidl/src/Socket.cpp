@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include "Wire.h"
 
@@ -181,11 +183,16 @@ ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<uniqu
          part = CMSG_NXTHDR(&message, part)) {
         if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_RIGHTS) continue;
         const size_t count = (part->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+        // They are this process's now, also when there is no memory for where they belong.
+        std::array<unique_fd, kMaxDescriptors> arrived;
         for (size_t i = 0; i < count; ++i) {
             int descriptor;
             memcpy(&descriptor, CMSG_DATA(part) + i * sizeof(int), sizeof(int));
-            descriptors->emplace_back(descriptor);
+            arrived[i].reset(descriptor);
         }
+        descriptors->reserve(descriptors->size() + count);
+        std::move(arrived.begin(), arrived.begin() + static_cast<ptrdiff_t>(count),
+                  std::back_inserter(*descriptors));
     }
     return result;
 }

@@ -18,10 +18,17 @@ constexpr size_t kSmallBlock = 2048;
 constexpr size_t kKeptCapacity = size_t{64} * 1024;
 constexpr size_t kHandleHeader = sizeof(native_handle_t);
 
+// A thread's spare ends before static objects do, and these may make calls when they end. This has
+// no destructor, so that it can be asked even then.
+thread_local bool tSpareIsGone = false;
+
 // The memory of a message that is done with.
-struct Spare {
+struct Memory {
     std::unique_ptr<uint8_t[]> bytes;
     size_t capacity = 0;
+};
+struct Spare : Memory {
+    ~Spare() { tSpareIsGone = true; }
 };
 thread_local Spare tSpare;
 
@@ -32,13 +39,15 @@ size_t handleLength(const native_handle_t* handle) {
 }  // namespace
 
 IncomingMessage::~IncomingMessage() {
-    if (bytes == nullptr || capacity > kKeptCapacity || capacity <= tSpare.capacity) return;
-    tSpare = {std::move(bytes), capacity};
+    if (bytes == nullptr || capacity > kKeptCapacity || tSpareIsGone) return;
+    Memory& spare = tSpare;
+    if (capacity > spare.capacity) spare = {std::move(bytes), capacity};
 }
 
 bool IncomingMessage::reserve(size_t wanted, size_t filled) {
     if (capacity >= wanted) return true;
-    Spare larger = std::exchange(tSpare, {});
+    Memory larger;
+    if (!tSpareIsGone) larger = std::exchange<Memory>(tSpare, {});
     if (larger.capacity < wanted) {
         larger = {std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[wanted]), wanted};
     }

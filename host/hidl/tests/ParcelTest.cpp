@@ -5,6 +5,7 @@
 #include <hwbinder/Parcel.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -260,6 +261,35 @@ TEST(ParcelErrorTest, RemoteObjectIsRefused) {
     Parcel parcel;
     EXPECT_EQ(INVALID_OPERATION, parcel.writeStrongBinder(new Remote));
     EXPECT_EQ(INVALID_OPERATION, parcel.writeError());
+}
+
+// Takes part in the end of a process after the main thread's own things have gone.
+class CallerAtTheEnd {
+  public:
+    ~CallerAtTheEnd() {
+        ::android::hardware::transport::IncomingMessage message;
+        Parcel parcel;
+        int32_t value = 0;
+        if (parcel.writeInt32(7) != OK || parcel.readInt32(&value) != OK || value != 7 ||
+            !message.reserve(100, 0)) {
+            _exit(1);
+        }
+    }
+};
+
+TEST(ParcelDeathTest, StaticObjectsMayUseParcelsWhenTheyEnd) {
+    EXPECT_EXIT(
+            {
+                static const CallerAtTheEnd caller;
+                {
+                    // Leaves both what later ones may use.
+                    const Parcel parcel;
+                    ::android::hardware::transport::IncomingMessage message;
+                    message.reserve(1000, 0);
+                }
+                exit(0);
+            },
+            ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
