@@ -37,7 +37,7 @@ Integer integerOf(const char* key, Integer defaultValue) {
 int property_get(const char* key, char* value, const char* default_value) {
     std::string text = valueOf(key);
     if (text.empty() && default_value != nullptr) {
-        text.assign(default_value, strnlen(default_value, PROPERTY_VALUE_MAX - 1));
+        text.assign(default_value, std::min<size_t>(strlen(default_value), PROPERTY_VALUE_MAX - 1));
     }
     memcpy(value, text.c_str(), text.size() + 1);
     return static_cast<int>(text.size());
