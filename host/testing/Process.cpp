@@ -208,12 +208,24 @@ void Process::kill(int signal) {
     }
 }
 
-std::string binDir() {
-    const char* folder = getenv("MLK_BIN_DIR");
+namespace {
+
+std::string folderOf(const char* variable) {
+    const char* folder = getenv(variable);
     if (folder == nullptr) {
-        throw std::runtime_error("MLK_BIN_DIR is not set");
+        throw std::runtime_error(std::string(variable) + " is not set");
     }
     return folder;
+}
+
+}  // namespace
+
+std::string binDir() {
+    return folderOf("MLK_BIN_DIR");
+}
+
+std::string sourceDir() {
+    return folderOf("MLK_SOURCE_DIR");
 }
 
 }  // namespace mlk::testing

@@ -82,4 +82,7 @@ class Process {
 /// set.
 std::string binDir();
 
+/// The tree that the test was built from, as CTest gives it in MLK_SOURCE_DIR; throws without.
+std::string sourceDir();
+
 }  // namespace mlk::testing

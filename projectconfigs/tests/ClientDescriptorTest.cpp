@@ -308,6 +308,7 @@ TEST(ClientDescriptor, OnlyAFewAreHeldByATerminal) {
     const unique_fd terminal(open(ptsname(master.get()), O_WRONLY | O_NOCTTY | O_CLOEXEC));
     ASSERT_TRUE(terminal.ok());
     std::vector<std::future<Written>> held;
+    held.reserve(kWriters);
     for (int i = 0; i < kWriters; ++i) {
         held.push_back(writing(terminal.get(), longText()));
     }

@@ -78,7 +78,7 @@ void change(IMlkProjectConfigs& project, IMlkTvConfigs& tv, const std::string& t
 
 TEST(Hammer, EveryMethodFromTenThreadsWhileWhatTheyReadIsChanged) {
     HostSet set;
-    set.copyFrom(std::string(getenv("MLK_SOURCE_DIR")) + "/samples/partitions");
+    set.copyFrom(::mlk::testing::sourceDir() + "/samples/partitions");
     ServiceProcess server;
     ASSERT_TRUE(server.waitUntilRegistered()) << server.process().err();
     const sp<IMlkProjectConfigs> project = IMlkProjectConfigs::getService();

@@ -55,7 +55,7 @@ bool isSoak() {
 class LoadTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        mSet.copyFrom(std::string(getenv("MLK_SOURCE_DIR")) + "/samples/partitions");
+        mSet.copyFrom(::mlk::testing::sourceDir() + "/samples/partitions");
         mAllocator = startAllocator();
         mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
                 // What is said at each refusal would only fill the test's memory.
@@ -70,6 +70,7 @@ class LoadTest : public ::testing::Test {
     /// So many processes that call at once; gives how many calls they made.
     uint64_t callers(int count, const std::string& time, const std::string& calls) {
         std::vector<std::unique_ptr<Process>> processes;
+        processes.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) {
             processes.push_back(std::make_unique<Process>(std::vector<std::string>{
                     SERVICE_CALLER, std::to_string(++mSeed), time, calls}));
@@ -149,16 +150,18 @@ TEST_F(LoadTest, NothingGrowsWithTheNumberOfCalls) {
 }
 
 TEST_F(LoadTest, ThousandIdleConnections) {
-    if (!::mlk::test::makeRoomForDescriptors(1000)) {
+    constexpr size_t kConnections = 1000;
+    if (!::mlk::test::makeRoomForDescriptors(kConnections)) {
         GTEST_SKIP() << "too few descriptors";
     }
     const size_t before = residentOf(pid());
     std::vector<std::unique_ptr<RawClient>> idle;
-    for (int i = 0; i < 1000; ++i) {
+    idle.reserve(kConnections);
+    for (size_t i = 0; i < kConnections; ++i) {
         idle.push_back(attacker());
     }
     EXPECT_GT(callers(4, "1", "3000"), 0U);
-    EXPECT_GE(descriptorsOf(pid()), mDescriptors + 1000);
+    EXPECT_GE(descriptorsOf(pid()), mDescriptors + kConnections);
     EXPECT_LE(threadsOf(pid()), kPoolThreads);
     // A connection without a call is a few kilobytes.
     EXPECT_LE(residentOf(pid()),
@@ -192,7 +195,7 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
         attack([&] {
             const std::vector<uint8_t> whole = call(kGetEQPath).bytes();
             silent.push_back(attacker());
-            silent.back()->send({whole.begin(), whole.begin() + whole.size() / 2});
+            silent.back()->send({whole.data(), whole.data() + whole.size() / 2});
             if (silent.size() > 200) {
                 silent.clear();
             }

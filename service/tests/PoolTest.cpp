@@ -73,8 +73,10 @@ TEST(Pool, HasTenThreadsAndMoreCallsWaitForThem) {
     ServiceProcess service(gate.environment());
     ASSERT_TRUE(service.waitUntilRegistered()) << service.process().err();
     const pid_t pid = service.process().pid();
+    constexpr size_t kCalls = kThreads + 4;
     std::vector<std::future<bool>> slow;
-    for (int i = 0; i < 14; ++i) {
+    slow.reserve(kCalls);
+    for (size_t i = 0; i < kCalls; ++i) {
         slow.push_back(gate.slowCall());
     }
     EXPECT_TRUE(eventually([&] { return threadsOf(pid) >= kThreads; })) << threadsOf(pid);
