@@ -64,6 +64,14 @@ bool isDone(const std::future<Written>& result) {
     return result.wait_for(milliseconds(0)) == std::future_status::ready;
 }
 
+std::string readAll(const TestPipe& pipe, size_t size) {
+    std::string text;
+    while (text.size() < size) {
+        text += pipe.read();
+    }
+    return text;
+}
+
 // Connected sockets.
 struct Sockets {
     unique_fd ours;
@@ -83,12 +91,8 @@ TEST(ClientDescriptor, ReaderOfPipeGetsEverything) {
     const std::string text = longText();
     TestPipe pipe;
     auto result = writing(pipe.writeEnd(), text);
-    std::string got;
-    while (got.size() < text.size()) {
-        got += pipe.read();
-    }
+    EXPECT_EQ(readAll(pipe, text.size()), text);
     EXPECT_EQ(result.get(), complete(text));
-    EXPECT_EQ(got, text);
     EXPECT_EQ(fcntl(pipe.writeEnd(), F_GETFL), O_WRONLY) << "the flags are the client's";
 }
 
@@ -97,12 +101,8 @@ TEST(ClientDescriptor, PipeThatDoesNotWaitIsWaitedFor) {
     TestPipe pipe;
     ASSERT_EQ(fcntl(pipe.writeEnd(), F_SETFL, O_NONBLOCK), 0);
     auto result = writing(pipe.writeEnd(), text);
-    std::string got;
-    while (got.size() < text.size()) {
-        got += pipe.read();
-    }
+    EXPECT_EQ(readAll(pipe, text.size()), text);
     EXPECT_EQ(result.get(), complete(text));
-    EXPECT_EQ(got, text);
 }
 
 TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
@@ -118,9 +118,7 @@ TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
     }
     EXPECT_LT(got.size(), TestPipe::kSize);
     EXPECT_FALSE(isDone(result));
-    while (got.size() < text.size()) {
-        got += pipe.read();
-    }
+    got += readAll(pipe, text.size() - got.size());
     EXPECT_EQ(result.get(), complete(text));
     EXPECT_EQ(got, text);
 }
