@@ -53,20 +53,4 @@ ssize_t File::read(char* buffer, size_t size) {
     return count;
 }
 
-bool File::writeAndSync(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = ::write(mFd, text.data(), text.size());
-        if (count > 0) {
-            text.remove_prefix(static_cast<size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    int result = 0;
-    do {
-        result = fsync(mFd);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstddef>
 #include <string>
-#include <string_view>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -23,7 +22,7 @@ class File {
      * Opens a file; isOpen() tells whether that worked.
      *
      * @param path   the file
-     * @param flags  as for open(2): O_RDONLY, or O_RDWR with O_CREAT and O_TRUNC
+     * @param flags  as for open(2)
      * @param mode   permissions of a file that O_CREAT creates
      */
     explicit File(const std::string& path, int flags = O_RDONLY, mode_t mode = 0);
@@ -52,8 +51,8 @@ class File {
      */
     ssize_t read(char* buffer, size_t size);
 
-    /** Writes the whole text and brings it to storage. @return false when either failed */
-    bool writeAndSync(std::string_view text);
+    /** The open file, for calls that this class does not have; stays the property of the object. */
+    int descriptor() const { return mFd; }
 
   private:
     int mFd = -1;

@@ -69,7 +69,8 @@ bool LineReader::nextUnended(std::string_view& line) {
         }
         searched = unread.size();
         if (!fill()) {
-            if (mBegin == mEnd) {
+            // What stands before a read error may be a part of a line only.
+            if (mBegin == mEnd || mHasError) {
                 return false;
             }
             line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
@@ -123,6 +124,7 @@ bool LineReader::fill() {
     mAtEnd = count <= 0 || (static_cast<size_t>(count) < room && mRead == mFile.size());
     if (count < 0) {
         const int error = errno;
+        mHasError = true;
         __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: cannot be read further: %s",
                             mPath.c_str(), mLineNumber,
                             std::generic_category().message(error).c_str());

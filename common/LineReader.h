@@ -38,6 +38,12 @@ class LineReader {
     bool isOpen() const { return mFile.isOpen(); }
 
     /**
+     * True when the file exists but cannot be read: it could not be opened, or an error ended the
+     * reading before the end of the file. A missing file is no failure.
+     */
+    bool failed() const { return mHasError || !(mFile.isOpen() || mFile.isMissing()); }
+
+    /**
      * Gives the next line, without its line feed; a carriage return before that stays. A NUL byte
      * ends the text of its line. The last line needs no line feed.
      *
@@ -117,6 +123,7 @@ class LineReader {
     size_t mFills = 0;     // how often that came to lie elsewhere
     size_t mRead = 0;      // bytes of the file
     bool mAtEnd = false;   // there is no more to read
+    bool mHasError = false;
     bool mInLongLine = false;
     size_t mLineNumber = 0;
 };

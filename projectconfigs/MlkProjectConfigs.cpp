@@ -108,9 +108,12 @@ bool MlkProjectConfigs::SetProjectIdInternal(int32_t id) {
                             mProjectMaxIdx, id);
         return false;
     }
+    // The files first: a model that cannot be read is not changed to.
+    if (!mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard)) {
+        return false;
+    }
     // An index that cannot be stored still holds until the next start.
     mProjectID->Set(static_cast<unsigned int>(id));
-    mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard);
     return true;
 }
 
@@ -136,8 +139,10 @@ bool MlkProjectConfigs::SetProjectIdInternalWithPid(int32_t id, const hidl_strin
                             mProjectMaxIdx, id);
         return false;
     }
+    if (!mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard)) {
+        return false;
+    }
     mProjectID->SetId(static_cast<unsigned int>(id), processName.c_str(), pid);
-    mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard);
     return true;
 }
 

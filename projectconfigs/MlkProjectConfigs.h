@@ -262,8 +262,14 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     static bool assign(Name& name, std::string_view text);
     static std::string textOf(const Name& name);
 
-    // Each loads its files into the parser that was made just before.
+    /**
+     * Loads an auxiliary file and takes its name, by which later lookups go. The name is not taken
+     * from a path without a "/", nor when it leaves no room for a NUL: the member keeps what it
+     * had, at start nothing, and no line about the name is logged. The file is loaded all the same.
+     */
     void loadAuxiliaryFile(const AuxiliaryFile& file);
+
+    // Each loads its files into the parser that was made just before.
     void GetAudioConfigPathInternal();
     void GetKaraokeConfigPathInternal();
     void GetGlobalKeyConfigPathInternal();

@@ -47,8 +47,6 @@ void MlkProjectConfigs::loadAuxiliaryFile(const AuxiliaryFile& file) {
     parser.dumpDetail();
     Name& name = this->*file.name;
     const std::string_view fileName = fileNameOf(path);
-    // Of a path without a folder, and of a name that leaves no room for a NUL, there is no name to
-    // look things up under.
     if (fileName.size() < path.size() && fileName.size() < name.size()) {
         assign(name, fileName);
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s%s", file.nameLabel, name.data());

@@ -3,6 +3,7 @@
 #include <android/log.h>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "common/Decimal.h"
@@ -82,17 +83,48 @@ ProjectParser::ProjectParser(const char* tvdataPath, const char* tvconfigsPath,
       mTvconfigsPath(orEmpty(tvconfigsPath)),
       mImpdataPath(orEmpty(impdataPath)) {}
 
-void ProjectParser::update(const char* customerIniPath, int projectId, const std::string& boardId) {
+bool ProjectParser::update(const char* customerIniPath, int projectId, const std::string& boardId) {
     if (customerIniPath == nullptr) {
-        return;
+        return true;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    mItems.clear();
+    const auto sources = [this] {
+        return std::tie(mProjectId, mProjectMaxIdx, mCustomerId, mSysIniPath, mProjectIniPath,
+                        mBoardIniPath);
+    };
+    std::tuple<int32_t, uint32_t, std::string, std::string, std::string, std::string> former =
+            sources();
+    std::swap(mItems, mFormerItems);
+    const auto restore = [&] {
+        std::swap(mItems, mFormerItems);
+        sources() = std::move(former);
+    };
+    bool isWhole = false;
+    try {
+        mItems.clear();
+        isWhole = readChain(customerIniPath, projectId, boardId);
+    } catch (...) {
+        restore();
+        throw;
+    }
+    if (!isWhole && mIsRead) {
+        restore();
+        __android_log_print(ANDROID_LOG_ERROR, kTag,
+                            "project %d cannot be read, project %d stays in use", projectId,
+                            mProjectId);
+    }
+    mFormerItems.clear();
+    mIsRead = true;
+    return isWhole;
+}
+
+bool ProjectParser::readChain(const char* customerIniPath, int projectId,
+                              const std::string& boardId) {
     mProjectId = projectId;
     parse_customer_ini(customerIniPath, mCustomerId, mSysIniPath);
     parse_sys_ini(mSysIniPath.c_str(), mProjectIniPath, mProjectMaxIdx);
-    parse_project_ini(mProjectIniPath.c_str());
-    parse_board_id_ini(boardId);
+    const bool hasProject = parse_project_ini(mProjectIniPath.c_str());
+    return parse_board_id_ini(boardId) && hasProject;
 }
 
 bool ProjectParser::isMissing(const std::string& path, const char* function, int sourceLine) {
@@ -149,13 +181,13 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
     }
 }
 
-void ProjectParser::parse_project_ini(const char* path) {
+bool ProjectParser::parse_project_ini(const char* path) {
     if (path == nullptr) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "path is null");
-        return;
+        return true;
     }
     if (isMissing(path, __func__, __LINE__)) {
-        return;
+        return true;
     }
     LineReader reader(path, kProjectBufferSize, kTag);
     mItems.expect(reader.size());
@@ -175,18 +207,19 @@ void ProjectParser::parse_project_ini(const char* path) {
             addNewItem(section, withoutComment(line, comment.in(line)), hasSymbols);
         }
     }
+    return !reader.failed();
 }
 
-void ProjectParser::parse_board_id_ini(const std::string& boardId) {
+bool ProjectParser::parse_board_id_ini(const std::string& boardId) {
     if (boardId == kNoBoardFile) {
         mBoardIniPath.clear();
-        return;
+        return true;
     }
     if (!boardId.empty()) {
         mBoardIniPath = boardId;
     }
     mBoardIniPath = PatchIniItemPath(eraseSymbol(mBoardIniPath, mCleaned));
-    parse_project_ini(mBoardIniPath.c_str());
+    return parse_project_ini(mBoardIniPath.c_str());
 }
 
 // Most lines have no symbols, so that nothing is looked for in them.

@@ -42,12 +42,17 @@ class ProjectParser {
      * Rebuilds the store from the files as they are now. What a file no longer supplies (customer
      * id, system, project and board path) keeps its value, and the highest index only grows.
      *
+     * A project or board file that exists but cannot be read fails the update: everything stays as
+     * it was, and the log says so. Only the first update has nothing to keep, and takes what can be
+     * read. Out of memory, too, leaves everything as it was.
+     *
      * @param customerIniPath  the customer file; null leaves everything as it is
      * @param projectId        project index, the number after "Model_" in the system file
      * @param boardId          path of the board file; "DEFAULT_BOARD_ID" for none; empty for the
      *                         board file of the update before
+     * @return false when the update failed
      */
-    void update(const char* customerIniPath, int projectId, const std::string& boardId);
+    bool update(const char* customerIniPath, int projectId, const std::string& boardId);
 
     /** Value of an item; empty when there is no such item. */
     std::string getInfo(const ConfigKey& key) const;
@@ -96,16 +101,19 @@ class ProjectParser {
 
     static bool isMissing(const std::string& path, const char* function, int sourceLine);
 
-    // These run with mMutex held.
+    // These run with mMutex held. False when a project or board file cannot be read.
+    bool readChain(const char* customerIniPath, int projectId, const std::string& boardId);
     void parse_customer_ini(const char* path, std::string& customerId, std::string& sysIniPath);
     void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
-    void parse_project_ini(const char* path);
-    void parse_board_id_ini(const std::string& boardId);
+    bool parse_project_ini(const char* path);
+    bool parse_board_id_ini(const std::string& boardId);
     void addNewItem(ItemStore::Section section, std::string_view line, bool hasSymbols);
     std::string_view PatchIniItemPath(std::string_view value);
     void logSources() const;
 
     ItemStore mItems;
+    ItemStore mFormerItems;  // of the update before, while one runs; keeps its memory for the next
+    bool mIsRead = false;    // an update was made
     mutable std::mutex mMutex;
     int32_t mProjectId = 0;
     uint32_t mProjectMaxIdx = 0;

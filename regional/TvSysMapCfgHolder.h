@@ -46,12 +46,15 @@ struct CoutryTvConfigMap {
  *         <TV_CONFIG>/tvconfigs/tv/tv_eu.config</TV_CONFIG>
  *     </COUNTRY_TVCONFIG_MAP>
  *
+ * Of two items of one TV system with the same category and key the first counts, as of two TV
+ * systems with the same name.
+ *
  * Beware: a country takes the first record whose name contains its own. OMAN has to stand before
  * ROMANIA. The country of the first record is the one that a new set starts with.
  *
  * The chosen country is the line "COUNTRY_ID=<value>" of "tvsysmap/country_id.bin" in the tvdata
- * partition. That file is replaced as a whole: a set that loses power has the old country or the
- * new one.
+ * partition. That file is overwritten in place (see saveFile): a set that loses power has the old
+ * country or the new one.
  *
  * Made for one call and dropped after it, so that changed files are seen. An operation takes mMutex
  * for its whole run, and all holders of the process take turns at the file. Log tag:

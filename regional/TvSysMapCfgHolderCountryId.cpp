@@ -10,7 +10,7 @@
 
 #include "common/Decimal.h"
 #include "common/LineReader.h"
-#include "common/ReplaceFile.h"
+#include "common/SaveFile.h"
 #include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -21,7 +21,6 @@ constexpr const char* kTag = "MlkProjectConfigs";
 constexpr const char* kKeyword = "COUNTRY_ID";
 constexpr size_t kBufferSize = 256;
 constexpr mode_t kFolderMode = 0700;
-constexpr mode_t kFileMode = 0644;
 
 // Holders are made for one call each, but there is one file: they take turns.
 std::mutex& fileMutex() {
@@ -36,28 +35,32 @@ std::string filePath() {
 // Makes sure that the folder is there; function and line belong to the message.
 void createFolder(const char* function, int line) {
     const std::string folder = TvSysMapCfgHolder::getCountryBinFolderPath();
-    if (!TvSysMapCfgHolder::isFileExist(folder) && mkdir(folder.c_str(), kFolderMode) != 0 &&
-        errno != EEXIST) {
+    if (TvSysMapCfgHolder::isFileExist(folder)) {
+        return;
+    }
+    if (mkdir(folder.c_str(), kFolderMode) == 0) {
+        syncFolderOf(folder);
+    } else if (errno != EEXIST) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] create %s failed!", function, line,
                             folder.c_str());
     }
 }
 
-// Function and line belong to the message of a file that cannot be created.
-Replaced writeCountryId(_tv_country country, const char* function, int line) {
-    const std::string path = filePath();
-    const Replaced replaced = replaceFile(
-            path, std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n",
-            kFileMode);
-    if (replaced == Replaced::NOT_CREATED) {
+std::string lineOf(_tv_country country) {
+    return std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n";
+}
+
+// Logs what became of the file; function and line belong to the message of one that cannot be
+// opened.
+void complain(Saved saved, const char* function, int line) {
+    const std::string reason = std::generic_category().message(errno);
+    if (saved == Saved::NOT_OPENED) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", function, line,
-                            path.c_str());
-    } else if (replaced == Replaced::NOT_WRITTEN) {
-        const std::string reason = std::generic_category().message(errno);
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", path.c_str(),
-                            reason.c_str());
+                            filePath().c_str());
+    } else if (saved == Saved::NOT_WRITTEN) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s",
+                            filePath().c_str(), reason.c_str());
     }
-    return replaced;
 }
 
 }  // namespace
@@ -107,8 +110,13 @@ void TvSysMapCfgHolder::readCountryId(const std::string& path) {
 void TvSysMapCfgHolder::writeFirstCountryId() {
     // Without a country to save the file stays away, so that a later start, with its map, saves
     // one.
-    if (!mCountryList.empty() &&
-        writeCountryId(mCountryList.front(), "parseCountryId", 524) != Replaced::NOT_CREATED) {
+    if (mCountryList.empty()) {
+        return;
+    }
+    // Not saveFile: a file that merely cannot be seen now holds the country of this set.
+    const Saved saved = createFile(filePath(), lineOf(mCountryList.front()));
+    complain(saved, "parseCountryId", 524);
+    if (saved != Saved::NOT_OPENED) {
         mCountryIdx = mCountryList.front();
     }
 }
@@ -122,7 +130,9 @@ bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
         return false;
     }
     createFolder(__func__, 142);
-    return writeCountryId(country, __func__, 153) == Replaced::DONE;
+    const Saved saved = saveFile(filePath(), lineOf(country));
+    complain(saved, __func__, 153);
+    return saved == Saved::DONE;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -3,6 +3,7 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <malloc.h>
+#include <signal.h>
 
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
 #include "projectconfigs/MlkProjectConfigs.h"
@@ -28,6 +29,8 @@ void giveBackFreeMemory() {
 }  // namespace
 
 int main() {
+    // A file at the limit of its size is a write that fails, and is logged, not the end.
+    (void)signal(SIGXFSZ, SIG_IGN);
     android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     installMlkProjectConfigsStub();
     const Services services(

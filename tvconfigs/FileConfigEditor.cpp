@@ -3,13 +3,16 @@
 #include <android/log.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
+#include <system_error>
 
+#include "common/SaveFile.h"
 #include "tvconfigs/LogTag.h"
-#include "tvconfigs/RewriteInPlace.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -18,7 +21,9 @@ namespace {
 constexpr size_t kPathSize = 128;   // the NUL at its end included
 constexpr size_t kLineSize = 1024;  // the same
 constexpr size_t kBlockSize = size_t{1} << 14U;
-constexpr size_t kFileSize = size_t{1} << 22U;  // a real file has 2 KiB
+// A real file has 2 KiB and 28 entries. Clients may name any file.
+constexpr size_t kFileSize = size_t{1} << 22U;
+constexpr size_t kEntries = size_t{1} << 16U;
 
 std::string pathOf(const char* path) {
     return path == nullptr ? std::string() : std::string(path, strnlen(path, kPathSize - 1));
@@ -70,36 +75,55 @@ bool FileConfigEditor::Update(const char* path) {
     }
     // An error line on purpose: which file counts is seen with every filter.
     __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "Open %s success!", name.c_str());
-    mItems.clear();
-    ReadItems(file);
+    Items items;
+    std::string problem;
+    try {
+        problem = ReadItems(file, items);
+    } catch (const std::bad_alloc&) {
+        problem = "out of memory";
+    }
+    if (!problem.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Read %s fail! %s",
+                            name.c_str(), problem.c_str());
+        return false;
+    }
+    mItems = std::move(items);
     return true;
 }
 
-void FileConfigEditor::ReadItems(File& file) {
+// Gives what kept the file from being read whole, or nothing.
+std::string FileConfigEditor::ReadItems(File& file, Items& items) {
     const auto block = std::make_unique<char[]>(kBlockSize);
     std::string line;
     line.reserve(kLineSize);
     size_t total = 0;
-    ssize_t count = 0;
-    // What cannot be read ends the file as well.
-    while ((count = file.read(block.get(), kBlockSize)) > 0) {
+    for (;;) {
+        const ssize_t count = file.read(block.get(), kBlockSize);
+        if (count < 0) {
+            return std::generic_category().message(errno);
+        }
+        if (count == 0) {
+            break;
+        }
         const std::string_view bytes(block.get(), static_cast<size_t>(count));
         total += bytes.size();
         if (total > kFileSize) {
-            __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag,
-                                "ERROR: file out of limit size=%zu", kFileSize);
-            return;
+            return "more than " + std::to_string(kFileSize) + " bytes";
         }
         for (const char byte : bytes) {
-            if (!TakeByte(byte, line)) {
-                return;
+            if (!TakeByte(byte, line, items)) {
+                return {};
+            }
+            if (items.size() > kEntries) {
+                return "more than " + std::to_string(kEntries) + " entries";
             }
         }
     }
     hasRoom(line);  // at the end of the file too, a full line is one that is too long
+    return {};
 }
 
-bool FileConfigEditor::TakeByte(char byte, std::string& line) {
+bool FileConfigEditor::TakeByte(char byte, std::string& line, Items& items) {
     // In this order: a NUL byte behind a full line is no error, while a carriage return, a line
     // feed or the end of the file is one.
     if (byte == '\0' || !hasRoom(line)) {
@@ -107,7 +131,7 @@ bool FileConfigEditor::TakeByte(char byte, std::string& line) {
     }
     if (byte == '\n') {
         if (line.empty() || line.front() != '#') {
-            UpdateList(line.c_str());
+            AddLine(line.c_str(), items);
         }
         line.clear();
     } else if (byte != '\r') {
@@ -116,13 +140,17 @@ bool FileConfigEditor::TakeByte(char byte, std::string& line) {
     return true;
 }
 
-bool FileConfigEditor::UpdateList(const char* line) {
-    const char* equals = line == nullptr ? nullptr : strrchr(line, '=');
+bool FileConfigEditor::AddLine(const char* line, Items& items) {
+    const char* const equals = strrchr(line, '=');
     if (equals == nullptr) {
         return false;
     }
-    mItems.emplace_back(std::string(line, equals), equals + 1);
+    items.emplace_back(std::string(line, equals), equals + 1);
     return true;
+}
+
+bool FileConfigEditor::UpdateList(const char* line) {
+    return line != nullptr && AddLine(line, mItems);
 }
 
 bool FileConfigEditor::UpdateValue(const char* key, const char* value) {
@@ -145,11 +173,13 @@ bool FileConfigEditor::Save(const char* path) {
     for (const auto& [key, value] : mItems) {
         text += lineOf(key, value);
     }
-    const Rewritten rewritten = rewriteInPlace(path, std::move(text));
-    if (rewritten == Rewritten::NOT_WRITTEN) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Write %s fail!", path);
+    const Saved saved = saveFile(path, std::move(text));
+    if (saved == Saved::NOT_WRITTEN) {
+        const std::string reason = std::generic_category().message(errno);
+        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Write %s fail! %s", path,
+                            reason.c_str());
     }
-    return rewritten != Rewritten::NOT_OPENED;
+    return saved != Saved::NOT_OPENED;
 }
 
 bool FileConfigEditor::Set(const char* key, const char* value) {

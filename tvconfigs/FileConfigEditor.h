@@ -17,7 +17,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 ///   entries: the key is what stands before the last "=", the value what stands after it. Nothing
 ///   is trimmed; both may be empty.
 /// - A line, a comment too, has at most 1023 characters; a longer one ends the reading, with a log
-///   line. So do the file's first 4 MiB: clients may name any file to be read.
+///   line, and what stands before it counts.
+/// - A file of more than 4 MiB, or with more than 65,536 entries, is refused as a whole, with a log
+///   line: clients may name any file to be read.
 ///
 /// The entries are kept in the order of the file, and a key may occur more than once: its first
 /// entry is the one that counts. Each Set writes the whole file anew, nothing but the entries, one
@@ -31,7 +33,8 @@ class FileConfigEditor : public ConfigEditor {
     explicit FileConfigEditor(const char* path);
 
     /// Reads a file and has its entries replace the present ones; where Set writes does not change.
-    /// Only a regular file is opened. False when it cannot be: the present entries stay.
+    /// Only a regular file is opened. False when it cannot be opened, or not be read to its end (an
+    /// error, too large, no memory), which the log tells: the present entries stay.
     bool Update(const char* path);
 
     /// Takes one line, without its line feed, as the last entry. False, and nothing happens, when
@@ -42,8 +45,8 @@ class FileConfigEditor : public ConfigEditor {
     bool UpdateValue(const char* key, const char* value);
 
     /// Writes all entries to a file, over what it held. False when it cannot be opened; when it
-    /// can but does not take all of them, a log line says so and the answer is true. See
-    /// RewriteInPlace.h for what a crash leaves.
+    /// can but does not take all of them, a log line says so and the answer is true. See saveFile
+    /// for what a crash leaves.
     bool Save(const char* path);
 
     /// Changes an entry and writes the file. Never adds one: false when the key has none, and the
@@ -56,11 +59,14 @@ class FileConfigEditor : public ConfigEditor {
   private:
     using Item = std::pair<std::string, std::string>;
 
-    void ReadItems(File& file);
-    bool TakeByte(char byte, std::string& line);
+    using Items = std::vector<Item>;
+
+    static std::string ReadItems(File& file, Items& items);
+    static bool TakeByte(char byte, std::string& line, Items& items);
+    static bool AddLine(const char* line, Items& items);
 
     const std::string mPath;
-    std::vector<Item> mItems;
+    Items mItems;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

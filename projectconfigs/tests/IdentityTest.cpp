@@ -4,11 +4,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "host/testing/FileCalls.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/OtherUser.h"
+#include "host/testing/SmallDisk.h"
 #include "host/testing/TempDir.h"
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/ProjectID.h"
@@ -16,8 +20,15 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using mlk::testing::asOtherUser;
+using mlk::testing::failing;
+using mlk::testing::FileCall;
+using mlk::testing::FileCalls;
+using mlk::testing::isKilledAt;
 using mlk::testing::LogCapture;
+using mlk::testing::SmallDisk;
 using mlk::testing::TempDir;
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace std::string_literals;
@@ -76,14 +87,66 @@ TEST_F(IdentityTest, ProjectIdIsLookedForChunkByChunk) {
               567U);
 }
 
+TEST_F(IdentityTest, FirstEqualsSignAfterTheWordCounts) {
+    EXPECT_EQ(projectOf("a=5 PROJECT_ID b=6 c=7\n"), 6U);
+    EXPECT_EQ(projectOf("# PROJECT_ID is the model\nPROJECT_ID=4\n"), 4U);
+    EXPECT_EQ(projectOf("PROJECT_ID\nOTHER=9\n"), 9U) << "be it that of another line";
+}
+
+TEST_F(IdentityTest, ProjectFileIsReadUpTo64KiB) {
+    EXPECT_EQ(projectOf(std::string(65536 - 256, ' ') + "PROJECT_ID=5\n"), 5U);
+    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_EQ(projectOf(std::string(65536, ' ') + "PROJECT_ID=5\n"), 0U);
+    EXPECT_THAT(errors(), ElementsAre(projectFile() + ": no index in the first 65536 bytes"));
+}
+
 TEST_F(IdentityTest, MissingProjectFileIsCreatedEmpty) {
+    const mode_t mask = umask(077);
     EXPECT_EQ(ProjectID(mDir.path(), 1).Get(), 0U);
+    umask(mask);
     EXPECT_EQ(projectText(), "");
     struct stat about {};
     ASSERT_EQ(stat(projectFile().c_str(), &about), 0);
-    const mode_t mask = umask(0);
-    umask(mask);
-    EXPECT_EQ(about.st_mode & 0777U, 0644U & ~mask);
+    EXPECT_EQ(about.st_mode & 0777U, 0644U);
+    EXPECT_THAT(mLog.lines(), IsEmpty());
+}
+
+TEST_F(IdentityTest, ProjectFileThatMayOnlyBeReadIsRead) {
+    mDir.write("project_id.bin", "PROJECT_ID=3\n");
+    ASSERT_EQ(chmod(projectFile().c_str(), 0444), 0);
+    EXPECT_TRUE(asOtherUser(mDir.path(), [&] {
+        ProjectID id(mDir.path(), 1);
+        return id.Get() == 3 && debugLines() == std::vector{"Open " + projectFile() + " fail!"} &&
+               !id.Set(2) && id.Get() == 2;
+    }));
+    EXPECT_EQ(projectText(), "PROJECT_ID=3\n");
+}
+
+TEST_F(IdentityTest, ProjectFileOfAReadOnlyPartitionIsRead) {
+    SmallDisk disk;
+    if (!disk.isMounted()) {
+        GTEST_SKIP() << disk.problem();
+    }
+    disk.dir().write("project_id.bin", "PROJECT_ID=3\n");
+    disk.dir().write("other", "");
+    ASSERT_TRUE(disk.keepWritableOnly("other")) << disk.problem();
+    ProjectID id(disk.dir().path(), 1);
+    EXPECT_EQ(id.Get(), 3U);
+    const std::string path = disk.dir().path("project_id.bin");
+    EXPECT_THAT(debugLines(), ElementsAre("Open " + path + " fail!"));
+    EXPECT_FALSE(id.Set(4));
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be written: Read-only file system"));
+}
+
+TEST_F(IdentityTest, ProjectFileThatCannotBeReadGivesTheDefault) {
+    mDir.write("project_id.bin", "PROJECT_ID=3\n");
+    ASSERT_EQ(chmod(projectFile().c_str(), 0), 0);
+    EXPECT_TRUE(asOtherUser(mDir.path(), [&] { return ProjectID(mDir.path(), 7).Get() == 7; }));
+    // It can be opened, but not be read from its start on.
+    ASSERT_EQ(unlink(projectFile().c_str()), 0);
+    ASSERT_EQ(symlink("/proc/self/mem", projectFile().c_str()), 0);
+    EXPECT_EQ(ProjectID(mDir.path(), 7).Get(), 7U);
+    EXPECT_THAT(errors(), ElementsAre(projectFile() + ": cannot be read: Input/output error"));
 }
 
 TEST_F(IdentityTest, ProjectFileThatCannotBeOpenedGivesTheDefault) {
@@ -127,8 +190,70 @@ TEST_F(IdentityTest, FailedSetKeepsTheIndexInMemory) {
     EXPECT_EQ(id.Get(), 4U);
     EXPECT_THAT(debugLines(), ElementsAre("Open " + projectFile() + " fail!",
                                           "Open " + projectFile() + " fail!"));
+    EXPECT_FALSE(id.Set(4)) << "the index is the current one, but not written yet";
     ASSERT_EQ(rmdir(projectFile().c_str()), 0);
-    EXPECT_TRUE(id.Set(4)) << "the index is the current one already";
+    EXPECT_TRUE(id.Set(4));
+    EXPECT_EQ(projectText(), "PROJECT_ID=4\n");
+    mDir.write("project_id.bin", "as it was");
+    EXPECT_TRUE(id.SetId(4, "factory", 99)) << "now it is written";
+    EXPECT_EQ(projectText(), "as it was");
+}
+
+TEST_F(IdentityTest, FullDiskIsNoObstacle) {
+    const SmallDisk disk;
+    if (!disk.isMounted()) {
+        GTEST_SKIP() << disk.problem();
+    }
+    disk.dir().write("project_id.bin", "PROJECT_ID=9\n");
+    ProjectID id(disk.dir().path(), 1);
+    disk.fill();
+    for (const unsigned int index : {12U, 3U, 4U}) {
+        EXPECT_TRUE(id.Set(index));
+        EXPECT_EQ(ProjectID(disk.dir().path(), 1).Get(), index);
+    }
+    EXPECT_THAT(mLog.lines(), IsEmpty());
+}
+
+TEST_F(IdentityTest, FailedWriteIsMadeUpForByTheNextSet) {
+    mDir.write("project_id.bin", "PROJECT_ID=1\n");
+    ProjectID id(mDir.path(), 1);
+    {
+        const FileCalls calls(failing(FileCall::PWRITE, EIO));
+        EXPECT_FALSE(id.Set(2));
+    }
+    EXPECT_THAT(errors(), ElementsAre(projectFile() + ": cannot be written: Input/output error"));
+    EXPECT_EQ(projectText(), "PROJECT_ID=1\n");
+    EXPECT_TRUE(id.Set(2));
+    EXPECT_EQ(projectText(), "PROJECT_ID=2\n");
+}
+
+// The next start finds the old index or the new one.
+TEST_F(IdentityTest, KillAtEachCallLeavesTheOldIndexOrTheNew) {
+    struct Row {
+        std::string before;
+        unsigned int former;
+        unsigned int index;
+    };
+    const Row rows[] = {{"PROJECT_ID=3\n", 3, 4},
+                        {"PROJECT_ID=9\n", 9, 123},
+                        {"PROJECT_ID=123\n", 123, 4},
+                        {"# written by the factory\nPROJECT_ID = 5\n", 5, 4},
+                        {"", 0, 4},
+                        {"none", 0, 4}};
+    for (const Row& row : rows) {
+        size_t number = 0;
+        for (bool killed = true; killed; ++number) {
+            unlink(projectFile().c_str());
+            if (row.before != "none") {
+                mDir.write("project_id.bin", row.before);
+            }
+            killed = isKilledAt(number, [&] { ProjectID(mDir.path(), 1).Set(row.index); });
+            const unsigned int found = ProjectID(mDir.path(), 1).Get();
+            EXPECT_THAT(found, AnyOf(row.former, row.index)) << number;
+            EXPECT_TRUE(killed || found == row.index);
+        }
+        EXPECT_GT(number, 2U);
+    }
 }
 
 TEST_F(IdentityTest, FileBehindALinkIsWrittenAndTheLinkStays) {

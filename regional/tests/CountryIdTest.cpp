@@ -7,12 +7,19 @@
 #include <csignal>
 #include <string>
 
+#include "host/testing/FileCalls.h"
+#include "host/testing/OtherUser.h"
+#include "host/testing/SmallDisk.h"
 #include "regional/TvSysMapCfgHolder.h"
 #include "regional/tests/TvSysMapFiles.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using ::mlk::testing::asOtherUser;
+using ::mlk::testing::isKilledAt;
+using ::mlk::testing::SmallDisk;
+using ::testing::AnyOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -120,17 +127,121 @@ TEST_F(CountryIdTest, AFolderInPlaceOfTheFile) {
     EXPECT_EQ(mHolder.currentCountry(), kNoCountry);
 }
 
-TEST_F(CountryIdTest, ADiskThatIsFullKeepsTheOldCountry) {
+TEST_F(CountryIdTest, AFileThatCannotTakeMoreKeepsTheOldCountry) {
     writeCountryId("COUNTRY_ID=14\n");
     {
         const FullDisk full;
         EXPECT_FALSE(mHolder.saveCountryId(kUsa));
     }
-    EXPECT_THAT(errors(), ElementsAre(file() + ": cannot be written: File too large"));
+    EXPECT_EQ(errors().back(), file() + ": cannot be written: File too large");
     EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
     EXPECT_NE(access((file() + ".new").c_str(), F_OK), 0);
     EXPECT_TRUE(mHolder.saveCountryId(kUsa));
     EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
+}
+
+TEST_F(CountryIdTest, AFullDiskIsNoObstacle) {
+    const SmallDisk disk;
+    if (!disk.isMounted()) {
+        GTEST_SKIP() << disk.problem();
+    }
+    disk.dir().write("country_id.bin", "COUNTRY_ID=9\n");
+    ASSERT_EQ(symlink(disk.dir().path().c_str(), folder().c_str()), 0);
+    disk.fill();
+    for (const _tv_country country : {_tv_country{185}, kGermany, kUsa, _tv_country{7}}) {
+        EXPECT_TRUE(mHolder.saveCountryId(country));
+        mHolder.parseCountryId();
+        EXPECT_EQ(mHolder.currentCountry(), country);
+    }
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(CountryIdTest, AFileIsSavedInAFolderThatMayNotBeWritten) {
+    writeCountryId("COUNTRY_ID=14\n");
+    ASSERT_EQ(chmod(file().c_str(), 0666), 0);
+    ASSERT_EQ(chmod(folder().c_str(), 0555), 0);
+    ASSERT_EQ(chmod(set().tvdata().c_str(), 0755), 0);
+    EXPECT_TRUE(asOtherUser(set().dir().path(), [&] { return mHolder.saveCountryId(kUsa); }));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
+    EXPECT_EQ(modeOf(file()), 0666U);
+}
+
+TEST_F(CountryIdTest, AWriteProtectedFileIsNotReplaced) {
+    writeCountryId("COUNTRY_ID=14\n");
+    ASSERT_EQ(chmod(file().c_str(), 0444), 0);
+    ASSERT_EQ(chmod(folder().c_str(), 0777), 0);
+    EXPECT_TRUE(asOtherUser(set().dir().path(), [&] {
+        return !mHolder.saveCountryId(kUsa) &&
+               errors() == std::vector{"[saveCountryId:153] Open " + file() + " failed!"};
+    }));
+    EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
+}
+
+TEST_F(CountryIdTest, ASavedFileKeepsWhatItIs) {
+    writeCountryId("COUNTRY_ID=14\n");
+    ASSERT_EQ(rename(file().c_str(), (folder() + "/target").c_str()), 0);
+    ASSERT_EQ(symlink("target", file().c_str()), 0);
+    ASSERT_EQ(chmod(file().c_str(), 0660), 0);
+    umask(077);
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(set().dir().read("tvdata/tvsysmap/target"), "COUNTRY_ID=44\n");
+    EXPECT_EQ(modeOf(folder() + "/target"), 0660U);
+}
+
+TEST_F(CountryIdTest, ANewFileHasItsModeWhateverTheUmask) {
+    umask(077);
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(modeOf(file()), 0644U);
+    EXPECT_EQ(modeOf(folder()), 0700U);
+}
+
+// The next start finds the old country or the new one.
+TEST_F(CountryIdTest, AKillAtEachCallLeavesTheOldCountryOrTheNew) {
+    struct Row {
+        std::string before;
+        _tv_country former;
+        _tv_country country;
+    };
+    const Row rows[] = {{"COUNTRY_ID=14\n", kGermany, kUsa},
+                        {"COUNTRY_ID=9\n", _tv_country{9}, _tv_country{185}},
+                        {"COUNTRY_ID=185\n", _tv_country{185}, _tv_country{9}},
+                        {"# from the factory\nCOUNTRY_ID=185\n", _tv_country{185}, kUsa},
+                        {"none", kNoCountry, kUsa}};
+    for (const Row& row : rows) {
+        size_t number = 0;
+        for (bool killed = true; killed; ++number) {
+            unlink(file().c_str());
+            if (row.before != "none") {
+                writeCountryId(row.before);
+            }
+            killed = isKilledAt(number, [&] { mHolder.saveCountryId(row.country); });
+            mHolder.parseCountryId();
+            EXPECT_THAT(mHolder.currentCountry(), AnyOf(row.former, row.country)) << number;
+            EXPECT_TRUE(killed || mHolder.currentCountry() == row.country);
+        }
+        EXPECT_GT(number, 2U);
+    }
+}
+
+TEST_F(CountryIdTest, AKilledFirstStartSavesTheFirstCountryAtTheNext) {
+    const std::string xml = writeBoth();
+    size_t number = 0;
+    for (bool killed = true; killed; ++number) {
+        unlink(file().c_str());
+        killed = isKilledAt(number, [&] { TvSysMapCfgHolder().getConfigs(xml, kNoCountry); });
+        EXPECT_THAT(textOf(TvSysMapCfgHolder().getConfigs(xml, kNoCountry)), HasSubstr("eu.config"))
+                << number;
+        EXPECT_EQ(countryId(), "COUNTRY_ID=14\n") << number;
+    }
+    EXPECT_GT(number, 2U);
+}
+
+TEST_F(CountryIdTest, AFileThatCannotBeReadGivesNothing) {
+    set().dir().mkdir("tvdata/tvsysmap");
+    ASSERT_EQ(symlink("/proc/self/mem", file().c_str()), 0);
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kNoCountry);
+    EXPECT_THAT(errors(), ElementsAre(file() + ":0: cannot be read further: Input/output error"));
 }
 
 TEST_F(CountryIdTest, AFirstStartOnAFullDiskStillHasACountry) {
@@ -212,9 +323,8 @@ TEST_F(CountryIdTest, AFifoInPlaceOfTheFileHoldsNobodyUp) {
     ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
     mHolder.parseCountryId();
     EXPECT_EQ(errors().back(), "[parseCountryId:505] Open " + file() + " failed!");
-    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
-    mHolder.parseCountryId();
-    EXPECT_EQ(mHolder.currentCountry(), kUsa);
+    EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(errors().back(), "[saveCountryId:153] Open " + file() + " failed!");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -152,13 +153,56 @@ TEST_F(FileConfigEditorReadTest, LinesMayLieAnywhereInALargeFile) {
     EXPECT_EQ(read(content), content);
 }
 
-TEST_F(FileConfigEditorReadTest, AnEndlessFileIsReadInPart) {
+TEST_F(FileConfigEditorReadTest, AFileThatIsTooLargeIsRefusedWhole) {
     const std::string line = "a=" + std::string(509, 'x') + '\n';
     const std::string most = repeat(line, (4 << 20) / 512);
     EXPECT_EQ(read(most), most);
     EXPECT_THAT(complaints(), ElementsAre());
-    EXPECT_EQ(read(most + line), most);
-    EXPECT_THAT(complaints(), ElementsAre("ERROR: file out of limit size=4194304"));
+    FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
+    const std::string path = mDir.write("tv.config", most + "b=2\n");
+    EXPECT_FALSE(editor.Update(path.c_str()));
+    EXPECT_THAT(complaints(),
+                ElementsAre("ERROR: Read " + path + " fail! more than 4194304 bytes"));
+    EXPECT_EQ(entriesOf(editor), "a=1\n") << "a part of it is never written back";
+    FileConfigEditor fresh(path.c_str());
+    EXPECT_FALSE(fresh.Set("a", "1"));
+    EXPECT_EQ(mDir.read("tv.config"), most + "b=2\n");
+}
+
+TEST_F(FileConfigEditorReadTest, AFileOfTooManyEntriesIsRefusedWhole) {
+    const std::string most = repeat("=\n", 65536);
+    EXPECT_EQ(read(most), most);
+    EXPECT_EQ(read(most + "#a=b\n\nno entry\n"), most) << "only entries take memory";
+    EXPECT_THAT(complaints(), ElementsAre());
+    FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
+    const std::string path = mDir.write("tv.config", most + "=\n");
+    EXPECT_FALSE(editor.Update(path.c_str()));
+    EXPECT_THAT(complaints(),
+                ElementsAre("ERROR: Read " + path + " fail! more than 65536 entries"));
+    EXPECT_EQ(entriesOf(editor), "a=1\n");
+}
+
+TEST_F(FileConfigEditorReadTest, WhatFollowsTheEndDoesNotCount) {
+    const std::string large(5 << 20, '\n');
+    EXPECT_EQ(read(std::string("a=1\n\0", 5) + large), "a=1\n");
+    EXPECT_EQ(read("a=1\n" + std::string(1024, 'x') + large), "a=1\n");
+}
+
+TEST_F(FileConfigEditorReadTest, AnErrorInTheMiddleLeavesTheEntries) {
+    FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
+    // It can be opened, but not be read from its start on.
+    const std::string path = "/proc/self/mem";
+    EXPECT_FALSE(editor.Update(path.c_str()));
+    EXPECT_EQ(entriesOf(editor), "a=1\n");
+    EXPECT_THAT(mLog.texts(ANDROID_LOG_ERROR, "MlkTvConfigs"),
+                ::testing::Contains("ERROR: Read " + path + " fail! Input/output error"));
+}
+
+TEST_F(FileConfigEditorReadTest, MemoryOfALargeFileComesBack) {
+    FileConfigEditor editor(mDir.write("tv.config", repeat("=\n", 65536)).c_str());
+    const size_t most = mallinfo2().uordblks + mallinfo2().hblkhd;
+    EXPECT_TRUE(editor.Update(mDir.write("other", "a=1\n").c_str()));
+    EXPECT_LT(mallinfo2().uordblks + mallinfo2().hblkhd, most - (size_t{4} << 20U));
 }
 
 TEST_F(FileConfigEditorReadTest, TellsWhatItOpened) {

@@ -2,22 +2,22 @@
 
 #include <gmock/gmock.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "host/testing/FileCalls.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
 #include "tvconfigs/tests/EditorTexts.h"
-#include "tvconfigs/tests/FileCalls.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using ::mlk::testing::FileCalls;
 using ::mlk::testing::LogCapture;
 using ::mlk::testing::TempDir;
 
@@ -73,9 +73,7 @@ TEST_P(SlowEditorTest, AgreesWithTheEditor) {
         std::filesystem::remove(dir.path(name));
         return dir.path(name);
     };
-    const FileCalls calls([](FileCall call, size_t) {
-        return FileCallFate{call == FileCall::FDATASYNC ? EIO : 0};
-    });
+    const FileCalls calls(::mlk::testing::withoutWaiting());
     Texts texts(GetParam());
     for (int round = 0; round < 1000; ++round) {
         const std::string content = texts.file();

@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <functional>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "host/testing/FileCalls.h"
 #include "host/testing/Threads.h"
 #include "tvconfigs/tests/Asking.h"
 #include "tvconfigs/tests/EditorTexts.h"
-#include "tvconfigs/tests/FileCalls.h"
 #include "tvconfigs/tests/TvSet.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -77,10 +76,8 @@ class ThreadsTest : public ::testing::Test {
     static constexpr int kRounds = 5;
 
     TvSet mSet;
-    // Nobody has to wait for a disk. And as setters run one after the other, so do their calls.
-    const FileCalls mCalls{[](FileCall call, size_t) {
-        return FileCallFate{call == FileCall::FDATASYNC ? EIO : 0};
-    }};
+    // Nobody has to wait for a disk.
+    const ::mlk::testing::FileCalls mCalls{::mlk::testing::withoutWaiting()};
 
     static void callAll(const std::vector<Call>& calls, IMlkTvConfigs& service) {
         inThreads(kThreads, [&](int thread) {

@@ -101,8 +101,8 @@ bool isMeant(const char* call, const char* name) {
         return true;
     }
     if (strcmp(name, "change") == 0) {
-        constexpr const char* kChanges[] = {"openw", "write",  "fsync", "ftruncate",
-                                            "mkdir", "rename", "unlink"};
+        constexpr const char* kChanges[] = {"openw",  "write", "fallocate", "fsync", "ftruncate",
+                                            "fchmod", "mkdir", "rename",    "unlink"};
         for (const char* const change : kChanges) {
             if (strcmp(call, change) == 0) {
                 return true;
@@ -224,6 +224,27 @@ ssize_t write(int descriptor, const void* bytes, size_t size) {
         return -1;
     }
     return syscall(SYS_write, descriptor, bytes, fate == kShort && size > 1 ? size / 2 : size);
+}
+
+ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t offset) {
+    const int fate = isWatched(descriptor) ? fateOf("write") : kNoFault;
+    if (fate > 0) {
+        errno = fate;
+        return -1;
+    }
+    return syscall(SYS_pwrite64, descriptor, bytes, fate == kShort && size > 1 ? size / 2 : size,
+                   offset);
+}
+
+int fallocate(int descriptor, int mode, off_t offset, off_t size) {
+    return pass<int>("fallocate", isWatched(descriptor), [&] {
+        return static_cast<int>(syscall(SYS_fallocate, descriptor, mode, offset, size));
+    });
+}
+
+int fchmod(int descriptor, mode_t mode) {
+    return pass<int>("fchmod", isWatched(descriptor),
+                     [&] { return static_cast<int>(syscall(SYS_fchmod, descriptor, mode)); });
 }
 
 int fsync(int descriptor) {

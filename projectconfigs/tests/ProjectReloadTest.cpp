@@ -1,0 +1,114 @@
+// A model whose files exist but cannot be read is not changed to.
+
+#include <android/log.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <vector>
+
+#include "projectconfigs/tests/ServiceOnSet.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+using ::testing::Contains;
+
+/// While it lives, this process can open no more files.
+class NoDescriptors {
+  public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &mFormer);
+        rlimit few = mFormer;
+        few.rlim_cur = 64;
+        setrlimit(RLIMIT_NOFILE, &few);
+        for (int fd = 0; (fd = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
+            mTaken.push_back(fd);
+        }
+    }
+    ~NoDescriptors() {
+        for (const int fd : mTaken) {
+            close(fd);
+        }
+        setrlimit(RLIMIT_NOFILE, &mFormer);
+    }
+    NoDescriptors(const NoDescriptors&) = delete;
+    NoDescriptors& operator=(const NoDescriptors&) = delete;
+
+  private:
+    rlimit mFormer{};
+    std::vector<int> mTaken;
+};
+
+class ProjectReloadTest : public ServiceOnSet {
+  protected:
+    ProjectReloadTest() {
+        start();
+        mLog.clear();
+    }
+    std::string set(int32_t id) { return flag(asked(&IMlkProjectConfigs::setProjectId, id)); }
+    std::string setWithPid(int32_t id) {
+        return flag(asked(&IMlkProjectConfigs::setProjectIdWithPid, id, "factory", 99));
+    }
+    void expectModelA() {
+        EXPECT_EQ(panel(), "panel A");
+        EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectId)), "1");
+        EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), "2");
+        EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
+        EXPECT_EQ(mSet.dir().read("impdata/project_id.bin"), "PROJECT_ID=1\n");
+    }
+    /// Something that can be opened, but not be read from its start on.
+    void makeUnreadable(const std::string& file) {
+        const std::string path = mSet.tvconfigs() + "/" + file;
+        unlink(path.c_str());
+        ASSERT_EQ(symlink("/proc/self/mem", path.c_str()), 0);
+    }
+};
+
+TEST_F(ProjectReloadTest, WithoutDescriptorsTheModelStays) {
+    {
+        const NoDescriptors none;
+        EXPECT_EQ(set(2), "false");
+        EXPECT_EQ(setWithPid(2), "false");
+        EXPECT_EQ(set(3), "false") << "nor does looking again lose it";
+    }
+    expectModelA();
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR),
+                Contains("project 2 cannot be read, project 1 stays in use"));
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR), Contains("[mProjectMaxIdx:2] pid:3 is illegal!"));
+    EXPECT_EQ(set(2), "true");
+    EXPECT_EQ(panel(), "panel B");
+}
+
+TEST_F(ProjectReloadTest, ProjectFileThatCannotBeReadKeepsTheModel) {
+    write("tvconfigs/sys.ini", "Model_2=/tvconfigs/model/B.ini\nModel_9=/tvconfigs/model/A.ini\n");
+    makeUnreadable("model/B.ini");
+    EXPECT_EQ(set(2), "false");
+    EXPECT_EQ(setWithPid(2), "false");
+    expectModelA();
+}
+
+TEST_F(ProjectReloadTest, BoardFileThatCannotBeReadKeepsTheModel) {
+    makeUnreadable("board.ini");
+    EXPECT_EQ(set(2), "false");
+    expectModelA();
+    EXPECT_NE(boardName(), "");
+}
+
+TEST_F(ProjectReloadTest, MissingProjectFileIsAChangeAllTheSame) {
+    ASSERT_EQ(unlink((mSet.tvconfigs() + "/model/B.ini").c_str()), 0);
+    EXPECT_EQ(set(2), "true");
+    EXPECT_EQ(panel(), "");
+    EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectId)), "2");
+}
+
+TEST_F(ProjectReloadTest, FirstReadingTakesWhatItCan) {
+    makeUnreadable("board.ini");
+    start();
+    EXPECT_EQ(panel(), "panel A");
+    EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

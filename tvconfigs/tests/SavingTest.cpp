@@ -1,0 +1,109 @@
+// What a change leaves of the TV configuration file: on a full disk, and at any moment.
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <string>
+
+#include "host/testing/FileCalls.h"
+#include "host/testing/LogCapture.h"
+#include "host/testing/SmallDisk.h"
+#include "host/testing/TempDir.h"
+#include "tvconfigs/FileConfigEditor.h"
+#include "tvconfigs/tests/EditorTexts.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+using ::mlk::testing::failing;
+using ::mlk::testing::FileCall;
+using ::mlk::testing::FileCalls;
+using ::mlk::testing::isKilledAt;
+using ::mlk::testing::LogCapture;
+using ::mlk::testing::SmallDisk;
+using ::mlk::testing::TempDir;
+using ::testing::AnyOf;
+using ::testing::ElementsAre;
+
+TEST(SavingTest, WhatCannotBeWrittenIsToldWithItsReason) {
+    const TempDir dir;
+    const std::string path = dir.write("file", "a=1\n");
+    FileConfigEditor editor(path.c_str());
+    const FileCalls calls(failing(FileCall::PWRITE, ENOSPC));
+    const LogCapture log;
+    EXPECT_TRUE(editor.Set("a", "2"));
+    EXPECT_THAT(log.texts(),
+                ElementsAre("ERROR: Write " + path + " fail! No space left on device"));
+    EXPECT_EQ(valueOf(editor, "a"), "2");
+    EXPECT_EQ(dir.read("file"), "a=1\n");
+}
+
+TEST(SavingTest, GrowthOnAFullDiskLosesNoEntry) {
+    const SmallDisk disk;
+    if (!disk.isMounted()) {
+        GTEST_SKIP() << disk.problem();
+    }
+    // The last of its entries ends where its block does.
+    std::string content = "a=1\n";
+    while (content.size() < 4096) {
+        content +=
+                "key=" + std::string(std::min<size_t>(1000, 4096 - content.size() - 5), 'v') + '\n';
+    }
+    ASSERT_EQ(content.size(), 4096U);
+    const std::string path = disk.dir().write("file", content);
+    FileConfigEditor editor(path.c_str());
+    disk.fill();
+    {
+        const LogCapture log;
+        EXPECT_TRUE(editor.Set("a", "22"));
+        EXPECT_THAT(log.texts(),
+                    ElementsAre("ERROR: Write " + path + " fail! No space left on device"));
+    }
+    EXPECT_EQ(disk.dir().read("file"), content);
+    EXPECT_TRUE(editor.Set("a", "3"));
+    EXPECT_EQ(disk.dir().read("file"), "a=3" + content.substr(3));
+    disk.drain();
+    EXPECT_TRUE(editor.Set("a", "44"));
+    EXPECT_EQ(disk.dir().read("file"), "a=44" + content.substr(3));
+}
+
+/// A file that grew, and was then not written.
+TEST(SavingTest, SizeWithoutItsBytesReadsAsBefore) {
+    const TempDir dir;
+    FileConfigEditor editor(dir.write("file", std::string("a=1\nb=2\n\0\0\0", 11)).c_str());
+    EXPECT_EQ(entriesOf(editor), "a=1\nb=2\n");
+}
+
+TEST(SavingTest, KillAtEachCallLeavesTheOldEntriesOrTheNew) {
+    constexpr char kHead[] = "# a comment that the first writing drops, key=value\n";
+    struct Row {
+        std::string before;
+        const char* value;
+        std::string after;
+    };
+    const Row rows[] = {{"a=true\nb=true\n", "false", "a=false\nb=true\n"},
+                        {"a=false\nb=true\n", "true", "a=true\nb=true\n"},
+                        {kHead + std::string("a=false\nb=true\n"), "true", "a=true\nb=true\n"},
+                        {"a=x\nb=true\n", "y", "a=y\nb=true\n"}};
+    const LogCapture quiet;
+    for (const Row& row : rows) {
+        size_t number = 0;
+        for (bool killed = true; killed; ++number) {
+            const TempDir dir;
+            const std::string path = dir.write("file", row.before);
+            FileConfigEditor former(path.c_str());
+            const std::string entries = entriesOf(former);
+            killed = isKilledAt(number, [&] {
+                FileConfigEditor editor(path.c_str());
+                editor.Set("a", row.value);
+            });
+            FileConfigEditor found(path.c_str());
+            EXPECT_THAT(entriesOf(found), AnyOf(entries, row.after)) << number;
+            EXPECT_TRUE(killed || dir.read("file") == row.after);
+        }
+        EXPECT_GT(number, 2U);
+    }
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
