@@ -164,6 +164,7 @@ TEST_F(CountryIdTest, AFileIsSavedInAFolderThatMayNotBeWritten) {
     EXPECT_TRUE(asOtherUser(set().dir().path(), [&] { return mHolder.saveCountryId(kUsa); }));
     EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
     EXPECT_EQ(modeOf(file()), 0666U);
+    chmod(folder().c_str(), 0700);
 }
 
 TEST_F(CountryIdTest, AWriteProtectedFileIsNotReplaced) {

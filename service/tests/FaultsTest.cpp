@@ -86,8 +86,8 @@ void expectWhole(Scenario& scenario, bool canRead = true) {
 TEST(FaultsTest, RunWithoutFaults) {
     EXPECT_THAT(reference().answers, ::testing::ElementsAre("started", "1 1", "1 1", "1 1", "1 1",
                                                             "1 0", "1 0", "1 2", "1 DVB", "1 1"));
-    for (const char* call :
-         {"open", "read", "write", "fsync", "close", "ftruncate", "mkdir", "rename", "unlink"}) {
+    for (const char* call : {"open", "read", "write", "fsync", "close", "ftruncate", "fallocate",
+                             "mkdir", "rename", "unlink"}) {
         EXPECT_GT(reference().calls.count(call), 0U) << call;
     }
 }
@@ -141,7 +141,8 @@ INSTANTIATE_TEST_SUITE_P(
                           Fault{"fsync", kInputOutputError, false},
                           Fault{"close", kInputOutputError, true},
                           Fault{"ftruncate", kInputOutputError, false},
-                          Fault{"mkdir", kNoSpace, false}, Fault{"rename", kNoSpace, false},
+                          Fault{"fallocate", kNoSpace, false}, Fault{"mkdir", kNoSpace, false},
+                          Fault{"rename", kNoSpace, false},
                           Fault{"unlink", kInputOutputError, true}),
         nameOf);
 
@@ -150,8 +151,19 @@ INSTANTIATE_TEST_SUITE_P(
         ::testing::Values(Fault{"open", kInterrupted, true}, Fault{"openw", kInterrupted, true},
                           Fault{"read", kInterrupted, true}, Fault{"write", kInterrupted, true},
                           Fault{"fsync", kInterrupted, true}, Fault{"close", kInterrupted, true},
-                          Fault{"ftruncate", kInterrupted, true}),
+                          Fault{"ftruncate", kInterrupted, true},
+                          Fault{"fallocate", kInterrupted, true}),
         nameOf);
+
+constexpr const char* kNotOffered = "95";
+constexpr const char* kInvalid = "22";
+static_assert(EOPNOTSUPP == 95 && EINVAL == 22);
+
+// Not every file system has them.
+INSTANTIATE_TEST_SUITE_P(NotOffered, EachCallTest,
+                         ::testing::Values(Fault{"fallocate", kNotOffered, true},
+                                           Fault{"fsync", kInvalid, true}),
+                         nameOf);
 
 INSTANTIATE_TEST_SUITE_P(Halves, EachCallTest,
                          ::testing::Values(Fault{"read", "short", true},

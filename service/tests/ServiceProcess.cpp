@@ -42,7 +42,9 @@ std::unique_ptr<Process> startAllocator(std::vector<std::string> starter) {
     return allocator;
 }
 
-ServiceProcess::ServiceProcess(std::map<std::string, std::string> environment) {
+ServiceProcess::ServiceProcess(std::map<std::string, std::string> environment,
+                               std::vector<std::string> starter)
+    : mStarter(std::move(starter)) {
     restart(std::move(environment));
 }
 
@@ -60,10 +62,9 @@ void ServiceProcess::end() {
 
 void ServiceProcess::restart(std::map<std::string, std::string> environment) {
     end();
-    mProcess = std::make_unique<Process>(
-            std::vector<std::string>{::mlk::testing::binDir() +
-                                     "/vendor.morlak.mlconfigs@1.0-service"},
-            Process::Options{std::move(environment)});
+    std::vector<std::string> command = mStarter;
+    command.push_back(::mlk::testing::binDir() + "/vendor.morlak.mlconfigs@1.0-service");
+    mProcess = std::make_unique<Process>(command, Process::Options{std::move(environment)});
 }
 
 bool ServiceProcess::waitUntilRegistered() {

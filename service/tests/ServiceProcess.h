@@ -27,9 +27,11 @@ std::unique_ptr<::mlk::testing::Process> startAllocator(std::vector<std::string>
 /// test when a sanitizer has found something in it.
 class ServiceProcess {
   public:
-    /// `environment` has variables for the process beside those of the test.
+    /// `environment` has variables for the process beside those of the test; `starter` runs it when
+    /// that is given, as with startAllocator.
     ServiceProcess() : ServiceProcess(std::map<std::string, std::string>()) {}
-    explicit ServiceProcess(std::map<std::string, std::string> environment);
+    explicit ServiceProcess(std::map<std::string, std::string> environment,
+                            std::vector<std::string> starter = {});
     ~ServiceProcess();
     ServiceProcess(const ServiceProcess&) = delete;
     ServiceProcess& operator=(const ServiceProcess&) = delete;
@@ -46,6 +48,7 @@ class ServiceProcess {
   private:
     void end();
 
+    const std::vector<std::string> mStarter;
     std::unique_ptr<::mlk::testing::Process> mProcess;
 };
 

@@ -50,6 +50,22 @@ TEST(Start, RegistersAllThreeAndKeepsRunning) {
     EXPECT_TRUE(service.process().running());
 }
 
+// The start writes the digital system to the TV configuration file, and to its property.
+TEST(Start, LimitOnTheSizeOfFilesIsAFailedWrite) {
+    const HostSet set;
+    writeProject(set);
+    const std::string path = set.dir().write(
+            "tvconfigs/one/tv.config", "# as delivered\npersist.vendor.mlk.tv.dtv_system=3\n");
+    const std::string content = set.dir().read("tvconfigs/one/tv.config");
+    ServiceProcess service({}, {"prlimit", "--fsize=0"});
+    ASSERT_TRUE(service.waitUntilRegistered()) << service.process().err();
+    EXPECT_TRUE(IMlkTvConfigs::getService()->ping().isOk());
+    EXPECT_TRUE(service.process().waitForErr("ERROR: Write " + path + " fail! File too large"))
+            << service.process().err();
+    EXPECT_TRUE(service.process().waitForErr("ERROR: Set property"));
+    EXPECT_EQ(set.dir().read("tvconfigs/one/tv.config"), content);
+}
+
 TEST(Start, NeedsNoFileAtAll) {
     const HostSet set;
     ServiceProcess service;

@@ -15,10 +15,13 @@ SERVICE = "/vendor/bin/hw/vendor.morlak.mlconfigs@1.0-service"
 PLATFORM_PROPERTIES = {"ro.hardware"}
 
 # Sources that change files, with the files and what they do to them. Every other source only reads.
-READ, REWRITE, MAKE = {"open", "read"}, {"open", "read", "write"}, {"open", "read", "write", "create"}
+READ, REWRITE, MAKE = {"open", "read"}, {"open", "read", "write"}, {"open", "read", "write", "create", "setattr"}
 WRITERS = {
-    # Makes a file beside the one that it replaces: the two below, and their ".new".
-    "common/ReplaceFile.cpp": {},
+    # Overwrites the TV feature files and the two below; makes these two, from a ".new".
+    "common/SaveFile.cpp": {
+        "/tvconfigs/tv.config": ("mlkconfigs_features_file", REWRITE),
+        "/tvconfigs/tv/tv_eu.config": ("mlkconfigs_features_file", REWRITE),
+    },
     "projectconfigs/ProjectID.cpp": {
         "/impdata/project_id.bin": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
         "/impdata/project_id.bin.new": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
@@ -26,10 +29,6 @@ WRITERS = {
     "regional/TvSysMapCfgHolderCountryId.cpp": {
         "/tvdata/tvsysmap/country_id.bin": ("mlkconfigs_country_file", MAKE | {"unlink", "rename"}),
         "/tvdata/tvsysmap/country_id.bin.new": ("mlkconfigs_country_file", MAKE | {"unlink", "rename"}),
-    },
-    "tvconfigs/RewriteInPlace.cpp": {
-        "/tvconfigs/tv.config": ("mlkconfigs_features_file", REWRITE),
-        "/tvconfigs/tv/tv_eu.config": ("mlkconfigs_features_file", REWRITE),
     },
 }
 WRITING = re.compile(

@@ -1,16 +1,19 @@
 #include "tvconfigs/PropConfigEditor.h"
 
-#include <gtest/gtest.h>
+#include <android/log.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <string>
 
 #include "host/testing/HostSet.h"
+#include "host/testing/LogCapture.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using ::mlk::testing::HostSet;
+using ::mlk::testing::LogCapture;
 
 constexpr char kKey[] = "persist.vendor.mlk.tv.enable_atv";
 
@@ -44,10 +47,14 @@ TEST_F(PropConfigEditorTest, AbsentAndEmptyAreTheSame) {
 }
 
 TEST_F(PropConfigEditorTest, TellsWhatThePropertyServiceRefuses) {
+    const LogCapture log;
     EXPECT_TRUE(mEditor.Set(kKey, "true"));
     EXPECT_FALSE(mEditor.Set(kKey, std::string(92, 'x').c_str()));
     EXPECT_FALSE(mEditor.Set("", "true"));
     EXPECT_EQ(stored(), "true");
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "MlkTvConfigs"),
+                ::testing::ElementsAre("ERROR: Set property " + std::string(kKey) + " fail!",
+                                       "ERROR: Set property  fail!"));
 }
 
 TEST_F(PropConfigEditorTest, RefusesNull) {
