@@ -9,6 +9,7 @@ import unittest
 from pathlib import Path
 
 import bp
+import platform_modules as platform
 import tree
 
 GUIDE = "docs/device.md"
@@ -129,6 +130,16 @@ class Names(unittest.TestCase):
                 if name in features:
                     self.assertEqual(row[0], "TV feature, then property", name)
 
+    def test_numbers_whose_base_is_inferred(self):
+        """Those that the framework's switches read as integers, and no others."""
+        items = re.findall(r'ITEM\(\w+, (\w+), "([^"]+)"\)', tree.code("frameworkconfigs/FrameworkItems.h"))
+        integers = {name for kind, name in items if kind != "FLAG"}
+        inferred = {words(row[2])[0] for row in reference() if "base is inferred" in row[3]}
+        self.assertEqual(inferred, integers)
+        switches = {words(row[2])[0] for row in reference() if row[3].startswith("switch")}
+        self.assertEqual(switches, {name for kind, name in items if kind == "FLAG"}
+                         - set(tree.literals("tvconfigs/TvConfigItems.h")))
+
     def test_files_that_the_code_names(self):
         said = tree.read(GUIDE)
         for text in tree.all_literals():
@@ -172,8 +183,9 @@ class Device(unittest.TestCase):
     def test_modules_that_are_named_exist(self):
         text = tree.read(GUIDE)
         modules = set(bp.modules())
-        for package in re.findall(r"PRODUCT_PACKAGES \+= (\S+)", text):
-            self.assertIn(package, modules)
+        known = modules | set(platform.table())
+        for packages in re.findall(r"PRODUCT_PACKAGES \+= (.+)", text):
+            self.assertEqual(set(packages.split()) - known, set())
         for name in re.findall(r"`(mlk\w+_test)`", text):
             self.assertIn(name, modules)
         for path in re.findall(r"vendor/morlak/mlkconfigs/([\w./]+)", text):
@@ -238,6 +250,9 @@ class Examples(unittest.TestCase):
             "ANDROID_LOG_TAGS": "*:S",
         }
 
+        self.client = Path(os.environ["MLK_BIN_DIR"]) / "mlkctl"
+        self.service = None
+
     def put(self, path, content, mode="w"):
         file = self.root / path.lstrip("/")
         file.parent.mkdir(parents=True, exist_ok=True)
@@ -245,12 +260,17 @@ class Examples(unittest.TestCase):
             stream.write(content)
 
     def start(self):
-        programs = Path(os.environ["MLK_BIN_DIR"])
-        service = subprocess.Popen([programs / "vendor.morlak.mlconfigs@1.0-service"], env=self.environment)
-        self.addCleanup(service.wait)
-        self.addCleanup(service.kill)
-        self.client = programs / "mlkctl"
+        program = Path(os.environ["MLK_BIN_DIR"]) / "vendor.morlak.mlconfigs@1.0-service"
+        self.stop()
+        self.service = subprocess.Popen([program], env=self.environment)
+        self.addCleanup(self.stop)
         subprocess.run([self.client, "wait", "--timeout", "60"], env=self.environment, check=True)
+
+    def stop(self):
+        if self.service:
+            self.service.kill()
+            self.service.wait()
+            self.service = None
 
     def ask(self, interface, method, *arguments):
         done = subprocess.run([self.client, "call", interface, method, *arguments], env=self.environment,
@@ -287,6 +307,26 @@ class Examples(unittest.TestCase):
         self.assertEqual(self.ask("IMlkProjectConfigs", "getGlobalKeyConfig", "[PAD]", "NOTHING"), "")
         for flag, on in (("av", False), ("dtv", True), ("pvr", False), ("ci", False), ("hdmi", False)):
             self.assertIs(self.ask("IMlkTvConfigs", f"{flag}Enabled"), on, flag)
+
+    def set_properties(self, values):
+        for key, value in values.items():
+            subprocess.run([self.client, "prop", "set", key, value], env=self.environment, check=True)
+
+    def test_switches_and_numbers_of_properties(self):
+        text = section("## Reference")
+        on, off = (words(part) for part in re.search(r"A switch is on for (.*?), off for (.*?), and has", text,
+                                                     re.DOTALL).groups())
+        numbers = re.findall(r"`(\w+)` is (\d+)", text.split("All other numbers")[0])
+        self.assertEqual((len(on), len(off), len(numbers)), (5, 5, 3))
+        questions = [("getTvserviceDumpLevel", "vendor.mlk.nt.dumplevel", number, int(value)) for number, value in numbers]
+        questions += [("getTvserviceDumpLevel", "vendor.mlk.nt.dumplevel", word, number)
+                      for word, number in (("12abc", 12), ("a1", 0), ("2147483648", 0))]
+        questions += [("strEnabled", "persist.vendor.mlk.enstr", word, word in on) for word in (*on, *off, "True", "2")]
+        for method, key, value, answer in questions:
+            with self.subTest(value=value):
+                self.set_properties({key: value})
+                self.start()
+                self.assertEqual(self.ask("IMlkFrameworkConfigs", method), answer)
 
     def test_countries_of_the_formats(self):
         formats = section("## Formats and their traps")
