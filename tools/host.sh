@@ -12,7 +12,7 @@ clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 # For what the tests cover: llvm-cov and llvm-profdata.
 coverage_packages=(llvm python3)
 # For the tests of scripts, and of what only a device has: tests/device.
-device_packages=(blueprint-tools checkpolicy m4 python3)
+device_packages=(blueprint-tools checkpolicy lld m4 python3)
 # For ./run bench.
 bench_packages=(
     libbenchmark-dev python3

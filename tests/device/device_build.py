@@ -1,0 +1,153 @@
+"""Builds every module of the Android.bp files from exactly what they say, in a folder of the build.
+
+A module's sources see the headers of the libraries that it names, and of those that these pass on; a
+program is linked with what it names. The platform's libraries are stubs (stub.py) made of what stands
+in for them on a host. Ninja does the work, and only what changed is done again.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+from pathlib import Path
+
+import bp
+import modulerules as rules
+import platform_modules
+import tree
+
+# What the build system adds to every module that does not say otherwise.
+PLATFORM_FLAGS = ["-fno-exceptions", "-fno-rtti", "-fPIC"]
+# Nothing here runs: the code need not be good.
+QUICK = ["-O0", "-g0"]
+LINK = ["clang++", "-fuse-ld=lld", "-Wl,--no-undefined", "-Wl,--no-allow-shlib-undefined"]
+GTEST = {"libgtest": "-lgtest", "libgtest_main": "-lgtest_main", "libgmock": "-lgmock"}
+
+
+def flags_of(modules, name):
+    module = bp.whole(modules, name)
+    rtti = ["-frtti"] if module.get("rtti") else []
+    return [*PLATFORM_FLAGS, f"-std={module['cpp_std']}", *module["cflags"], *module.get("cppflags", []), *rtti]
+
+
+class DeviceBuild:
+    """`platform`: the file that says what stands in for a library; the build is made beside it."""
+
+    def __init__(self, modules, platform):
+        self.modules = modules
+        self.out = Path(platform).resolve().parent / "modules"
+        self.headers, self.libraries = {}, {}
+        for line in Path(platform).read_text(encoding="utf-8").splitlines():
+            name, folders, libraries = line.split("|")
+            self.headers[name] = [Path(folder) for folder in folders.split() if Path(folder) != tree.ROOT]
+            self.libraries[name] = libraries.split()
+        self.make_headers()
+
+    def make_headers(self):
+        """A folder of headers for each library, with those that are its own."""
+        shutil.rmtree(self.out / "include", ignore_errors=True)
+        table = platform_modules.table()
+        for name, folders in self.headers.items():
+            own = table[name].headers if name in table else ["sys/"] if name == "libc" else [rules.PACKAGE]
+            for header in (header.rstrip("/") for header in own):
+                there = next((folder / header for folder in folders if (folder / header).exists()), None)
+                if there:
+                    here = self.folder_of(name) / header
+                    here.parent.mkdir(parents=True, exist_ok=True)
+                    here.symlink_to(there)
+
+    def folder_of(self, library):
+        return self.out / "include" / library
+
+    def header_folders(self, name):
+        """The compiler's arguments for the headers that a module may see."""
+        yield from ("-isystem", str(self.folder_of("libc")))
+        for library in sorted(rules.passed_on(rules.named(self.modules, name))):
+            if library in self.modules:
+                for folder in bp.whole(self.modules, library).get("export_include_dirs", []):
+                    yield from ("-I", os.path.normpath(tree.ROOT / self.modules[library][0] / folder))
+            if self.folder_of(library).is_dir():
+                yield from ("-isystem", str(self.folder_of(library)))
+
+    def compiler(self, name):
+        return ["clang++", *QUICK, *flags_of(self.modules, name), *self.header_folders(name)]
+
+    def object_of(self, name, source):
+        return self.out / "obj" / name / f"{source}.o"
+
+    def archive_of(self, name):
+        return self.out / "lib" / f"{name}.a"
+
+    def stub_of(self, name):
+        return self.out / "lib" / f"{name}.so"
+
+    def linker_inputs(self, modules, name):
+        """What a program is linked from: its objects, and the libraries that it names.
+
+        The objects of a static library stand here one by one, as the linker sees an archive's.
+        """
+        whole = bp.whole(modules, name)
+        words = [str(self.object_of(name, source)) for source in whole["srcs"]]
+        for library in whole.get("static_libs", []):
+            if library in modules:
+                words += ["-Wl,--start-lib",
+                          *(str(self.object_of(library, source)) for source in bp.whole(modules, library)["srcs"]),
+                          "-Wl,--end-lib"]
+        words += [str(self.stub_of(library)) for library in whole.get("shared_libs", []) if library in self.libraries]
+        words += [GTEST[library] for library in sorted(rules.named(modules, name)) if library in GTEST]
+        return words
+
+    def link(self, modules, name, out="/dev/null"):
+        """Links a program as these definitions say; the linker's words, empty when it succeeds."""
+        status, said = tree.run(*LINK, *self.linker_inputs(modules, name), "-o", out)
+        return said if status else ""
+
+    def ninja(self):
+        lines = [
+            "rule cc\n command = $compiler -c $in -o $out -MD -MF $out.d\n deps = gcc\n depfile = $out.d",
+            f"rule stub\n command = python3 -B {Path(__file__).parent}/stub.py $out $name $in",
+        ]
+        for name, libraries in self.libraries.items():
+            if libraries:
+                lines.append(f"build {self.stub_of(name)}: stub {' '.join(libraries)}\n name = {name}")
+        for name in rules.with_sources(self.modules):
+            compiler = " ".join(self.compiler(name))
+            for source in bp.whole(self.modules, name)["srcs"]:
+                there = tree.ROOT / self.modules[name][0] / source
+                lines.append(f"build {self.object_of(name, source)}: cc {there}\n compiler = {compiler}")
+        return "\n".join(lines).replace("$$", "$") + "\n"
+
+    def make(self):
+        """Compiles everything; the compiler's words, empty when it succeeds."""
+        self.out.mkdir(parents=True, exist_ok=True)
+        file = self.out / "build.ninja"
+        file.write_text(self.ninja(), encoding="utf-8")
+        status, said = tree.run("ninja", "-C", self.out, "-k", "0")
+        return said if status else ""
+
+    def used(self):
+        """The headers that the objects of each module were made of, as (owner, header) pairs."""
+        text = subprocess.run(["ninja", "-C", self.out, "-t", "deps"], stdout=subprocess.PIPE, text=True,
+                              check=True).stdout
+        found = {name: set() for name in rules.with_sources(self.modules)}
+        module = None
+        for line in text.splitlines():
+            if line and not line.startswith(" "):
+                match = re.match(rf"{re.escape(str(self.out))}/obj/([^/]+)/", line)
+                module = match[1] if match else None
+            elif line and module in found:
+                owner = self.owner_of(line.strip())
+                if owner:
+                    found[module].add(owner)
+        return found
+
+    def owner_of(self, path):
+        """The library that has a header, with the header's name; None for the compiler's and the C library's."""
+        if path.startswith(f"{self.out}/include/"):
+            library, header = path.removeprefix(f"{self.out}/include/").split("/", 1)
+            return None if library == "libc" else (library, header)
+        if path.startswith(f"{tree.ROOT}/") and path.endswith(".h"):
+            return ("mlkconfigs_headers", path.removeprefix(f"{tree.ROOT}/"))
+        header = path.removeprefix("/usr/include/")
+        owner = platform_modules.owner_of(header) if header != path else None
+        return (owner, header) if owner else None
