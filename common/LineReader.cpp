@@ -16,15 +16,22 @@ constexpr size_t kChunk = size_t{32} * 1024;
 
 }  // namespace
 
-LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag)
-    : mPath(std::move(path)), mLimit(bufferSize - 1), mLogTag(logTag), mFile(mPath) {
-    if (mFile.isOpen()) {
-        // A line of the limit and one byte more always fit, which is what tells a long line.
-        mCapacity = std::max(bufferSize, std::min(kChunk, mFile.size() + 1));
+LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, size_t mostBytes)
+    : mPath(std::move(path)),
+      mLimit(bufferSize - 1),
+      mMostBytes(mostBytes),
+      mLogTag(logTag),
+      mFile(mPath) {
+    if (mFile.isOpen() && mFile.size() > mMostBytes) {
+        fail(": cannot be read: " + largerThan(mMostBytes));
+    } else if (mFile.isOpen()) {
+        // A line of the limit and one byte more always fit, which is what tells a long line. The
+        // kernel's own files have no size.
+        const size_t wanted = mFile.size() == 0 ? kChunk : mFile.size() + 1;
+        mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
         mBuffer.reset(new char[mCapacity]);
     } else if (!mFile.isMissing()) {
-        __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: cannot be read: %s", mPath.c_str(),
-                            mFile.reason().c_str());
+        fail(": cannot be read: " + mFile.reason());
     }
 }
 
@@ -69,8 +76,7 @@ bool LineReader::nextUnended(std::string_view& line) {
         }
         searched = unread.size();
         if (!fill()) {
-            // What stands before a read error may be a part of a line only.
-            if (mBegin == mEnd || mHasError) {
+            if (mBegin == mEnd) {  // which a failure leaves so: a part of a line is no line
                 return false;
             }
             line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
@@ -108,7 +114,8 @@ void LineReader::complain(const std::string& problem) const {
                         problem.c_str());
 }
 
-// Reads more behind what is not handed out yet. False at the end of the file.
+// Reads more behind what is not handed out yet. False at the end of the file and when that fails:
+// then all is dropped that is not handed out.
 bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
@@ -118,23 +125,33 @@ bool LineReader::fill() {
         return false;
     }
     const size_t room = mCapacity - mEnd;
-    const ssize_t count = mFile.read(mBuffer.get() + mEnd, room);
-    mRead += static_cast<size_t>(std::max<ssize_t>(count, 0));
-    // No need to ask again for what is behind the last byte that the file had.
-    mAtEnd = count <= 0 || (static_cast<size_t>(count) < room && mRead == mFile.size());
-    if (count < 0) {
-        const int error = errno;
-        mHasError = true;
-        __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: cannot be read further: %s",
-                            mPath.c_str(), mLineNumber,
-                            std::generic_category().message(error).c_str());
+    const ssize_t result = mFile.read(mBuffer.get() + mEnd, room);
+    if (result < 0) {
+        const std::string reason = std::generic_category().message(errno);
+        fail(":" + std::to_string(mLineNumber) + ": cannot be read further: " + reason);
+        return false;
     }
+    const auto count = static_cast<size_t>(result);
+    mRead += count;
+    if (mRead > mMostBytes) {
+        fail(": cannot be read: " + largerThan(mMostBytes));
+        return false;
+    }
+    // No need to ask again for what is behind the last byte that the file had.
+    mAtEnd = count == 0 || (count < room && mRead == mFile.size());
     // Files of text have none: not every line needs to be searched for one.
-    const std::string_view added(mBuffer.get() + mEnd,
-                                 static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    const std::string_view added(mBuffer.get() + mEnd, count);
     mHasNul = (mHasNul && mEnd > 0) || added.find('\0') != std::string_view::npos;
-    mEnd += added.size();
+    mEnd += count;
     return count > 0;
+}
+
+// Ends the reading, with an error line: the path, then the problem.
+void LineReader::fail(const std::string& problem) {
+    mFailed = true;
+    mAtEnd = true;
+    mBegin = mEnd = 0;
+    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s%s", mPath.c_str(), problem.c_str());
 }
 
 // False when the file ends within that line.

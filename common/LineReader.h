@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "common/File.h"
+#include "common/FileLimits.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -19,8 +20,14 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  *
  * Every text format of the configuration partitions is read by this class, so that all of them
  * bound a line in the same way: a line too long is handed out cut to the limit, the rest of it is
- * skipped, and an error line of the log names file, line number and limit. A file that cannot be
- * opened reads as empty; unless it is merely missing, the log says so. One thread at a time.
+ * skipped, and an error line of the log names file, line number and limit. One thread at a time.
+ *
+ * A file that cannot be opened reads as empty; unless it is merely missing, the log says so. A read
+ * error, or more bytes than a file of its kind may have, ends the lines early, with one error line
+ * that names the file. failed() tells such an end from that of the file: what a whole answer or a
+ * later write is made from has to ask it after the last line, and to drop the lines where it is
+ * true. Each line that was handed out before is one of the file's; the one that the failure met is
+ * not handed out.
  */
 class LineReader {
   public:
@@ -31,24 +38,26 @@ class LineReader {
      * @param bufferSize  N, the size of the fixed buffer that the format is defined for: a line has
      *                    at most N - 1 bytes, its line feed not counted
      * @param logTag      tag of the log lines; has to outlive the reader
+     * @param mostBytes   what the file may have; all bytes count, those that are skipped too
      */
-    LineReader(std::string path, size_t bufferSize, const char* logTag);
+    LineReader(std::string path, size_t bufferSize, const char* logTag,
+               size_t mostBytes = kMostProjectBytes);
 
-    /** False when the file could not be opened. */
-    bool isOpen() const { return mFile.isOpen(); }
+    /** False when the file could not be opened, or was larger than mostBytes already. */
+    bool isOpen() const { return mBuffer != nullptr; }
 
     /**
-     * True when the file exists but cannot be read: it could not be opened, or an error ended the
-     * reading before the end of the file. A missing file is no failure.
+     * True when the file exists but its lines are not all there: it could not be opened, has more
+     * than mostBytes, or could not be read to its end. False for a missing file.
      */
-    bool failed() const { return mHasError || !(mFile.isOpen() || mFile.isMissing()); }
+    bool failed() const { return mFailed; }
 
     /**
      * Gives the next line, without its line feed; a carriage return before that stays. A NUL byte
      * ends the text of its line. The last line needs no line feed.
      *
      * @param line  set to the line, which is valid until the next call; untouched at the end
-     * @return false at the end of the file
+     * @return false at the end of the file, and where failed() says why there are no more
      */
     bool next(std::string_view& line);
 
@@ -110,9 +119,11 @@ class LineReader {
     std::string_view cut(std::string_view line) const;
     bool fill();
     bool skipRestOfLine();
+    void fail(const std::string& problem);
 
     const std::string mPath;
     const size_t mLimit;
+    const size_t mMostBytes;
     const char* const mLogTag;
     File mFile;
     std::unique_ptr<char[]> mBuffer;
@@ -123,7 +134,7 @@ class LineReader {
     size_t mFills = 0;     // how often that came to lie elsewhere
     size_t mRead = 0;      // bytes of the file
     bool mAtEnd = false;   // there is no more to read
-    bool mHasError = false;
+    bool mFailed = false;
     bool mInLongLine = false;
     size_t mLineNumber = 0;
 };
