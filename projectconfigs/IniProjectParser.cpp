@@ -88,7 +88,7 @@ ItemStore IniProjectParser::parse_ini(const char* path) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s don't exist.", path);
         return items;
     }
-    LineReader reader(path, kBufferSize, kTag);
+    LineReader reader(path, kBufferSize, kTag, kMostListBytes);
     items.expect(reader.size());
     ItemStore::Section section = items.section("");
     std::string_view line;
@@ -108,7 +108,7 @@ ItemStore IniProjectParser::parse_ini(const char* path) {
                 }
         }
     }
-    return items;
+    return reader.failed() ? ItemStore() : std::move(items);
 }
 
 std::string IniProjectParser::getInfo(const char* fileName, const ConfigKey& key) const {

@@ -19,7 +19,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * project files: of a key that occurs twice the first value counts, a value ends at its second "=",
  * and a quote, semicolon or carriage return inside a text takes what follows it along. The maker's
  * files are written for this reader, so its oddities stay. A line without a value is skipped and
- * reported. A file once held stays as it is; loading one of its name again changes nothing.
+ * reported. A file once held stays as it is; loading one of its name again changes nothing. So one
+ * that could not be read to its end, or has more than kMostListBytes, is not held: a part of it
+ * would answer until the next start.
  *
  * MlkProjectConfigs has one object a family of files and calls it from its constructor and from
  * RPC threads; every operation holds mMutex for its whole run. Log tag: "IniProjectParser".
@@ -31,8 +33,8 @@ class IniProjectParser {
     IniProjectParser& operator=(const IniProjectParser&) = delete;
 
     /**
-     * Loads a file, unless one of its name is held. A missing file or one without items is not
-     * held.
+     * Loads a file, unless one of its name is held. A missing file, one without items and one that
+     * could not be read whole are not held.
      *
      * @param path  the file; its name is the text after the last "/", or all of it
      */

@@ -3,11 +3,15 @@
 #include <android/log.h>
 #include <hidlmemory/mapping.h>
 
-#include <cstring>
+#include <chrono>
+#include <cstddef>
 #include <sstream>
+#include <string>
 
 #include "projectconfigs/ClientDescriptor.h"
+#include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/MlkProjectConfigs.h"
+#include "projectconfigs/Places.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -21,40 +25,64 @@ namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
 
-// Empty when there is nothing to share, no allocator, or no memory.
-hidl_memory allocate(size_t size) {
-    hidl_memory memory;
-    const sp<IAllocator> allocator = size == 0 ? nullptr : IAllocator::getService("ashmem");
-    if (allocator != nullptr) {
-        const Return<void> result = allocator->allocate(size, [&](bool success, const auto& given) {
-            if (success) {
-                memory = given;
-            }
-        });
-        static_cast<void>(result.isOk());  // looked at: an allocator that died has given nothing
-    }
-    return memory;
+// An allocator that does not answer holds the threads that ask it. The others of the pool go on.
+constexpr int kInAllocator = 3;
+constexpr std::chrono::seconds kAllocatorPatience(1);
+Places sAllocator(kInAllocator);
+
+// Logs why a block is not to be had.
+std::nullptr_t noBlock(size_t size, const std::string& reason) {
+    __android_log_print(ANDROID_LOG_ERROR, kTag,
+                        "getVendorPartitionFile, no shared memory of %zu bytes: %s", size,
+                        reason.c_str());
+    return nullptr;
 }
 
-// A block of shared memory with these bytes; empty when it cannot be had.
-hidl_memory shared(const std::vector<uint8_t>& data) {
-    hidl_memory memory = allocate(data.size());
-    if (!memory.valid()) {
-        return memory;
+// A block of shared memory, mapped into this process. One thread at a time.
+class MappedBlock {
+  public:
+    /** Makes the block, in place of the one before. Null, with an error line, if it is not had. */
+    uint8_t* make(size_t size) {
+        mMapped = nullptr;
+        mMemory = hidl_memory();
+        const Places::Taken place(sAllocator, kAllocatorPatience);
+        if (!place) {
+            return noBlock(size, "too many calls wait for the allocator already");
+        }
+        const sp<IAllocator> allocator = IAllocator::getService("ashmem");
+        if (allocator == nullptr) {
+            return noBlock(size, "there is no allocator");
+        }
+        const Return<void> result = allocator->allocate(size, [&](bool success, const auto& given) {
+            if (success) {
+                mMemory = given;
+            }
+        });
+        if (!result.isOk() || !mMemory.valid()) {
+            return noBlock(size, result.isOk() ? "the allocator has none" : result.description());
+        }
+        mMapped = ::android::hardware::mapMemory(mMemory);
+        // A block that is smaller than asked must not be written to beyond its end.
+        if (mMapped == nullptr || uint64_t{mMapped->getSize()} < size) {
+            return noBlock(size, "the block cannot be mapped, or is smaller");
+        }
+        mMapped->update();
+        return static_cast<uint8_t*>(static_cast<void*>(mMapped->getPointer()));
     }
-    const sp<IMemory> mapped = ::android::hardware::mapMemory(memory);
-    if (mapped == nullptr || uint64_t{mapped->getSize()} < data.size()) {
-        // An allocator of this system gives what the mapper takes; another's block is of no use.
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "getVendorPartitionFile, %zu bytes of shared memory cannot be mapped",
-                            data.size());
-        return {};
+
+    /** The block with as many bytes as were written; empty for none. As long as this lives. */
+    hidl_memory commit(size_t size) {
+        if (size == 0) {
+            return {};
+        }
+        mMapped->commit();
+        return {mMemory.name(), mMemory.handle(), size};
     }
-    mapped->update();
-    std::memcpy(mapped->getPointer(), data.data(), data.size());
-    mapped->commit();
-    return memory;
-}
+
+  private:
+    hidl_memory mMemory;
+    sp<IMemory> mMapped;
+};
 
 }  // namespace
 
@@ -65,6 +93,12 @@ Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb 
     }
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile,path:%s", path.c_str());
     std::vector<uint8_t> data = ProjectParser::getTvFile(path.c_str());
+    if (data.size() > kMostReplyBytesOnDevice) {
+        __android_log_print(ANDROID_LOG_WARN, kTag,
+                            "getTvFile, %s has %zu bytes, but a reply can be no larger than %zu "
+                            "bytes on a device: use getVendorPartitionFile for this file",
+                            path.c_str(), data.size(), kMostReplyBytesOnDevice);
+    }
     hidl_vec<uint8_t> answer;
     answer.setToExternal(data.data(), data.size());
     _hidl_cb(answer);
@@ -73,15 +107,16 @@ Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb 
 
 Return<void> MlkProjectConfigs::getVendorPartitionFile(const hidl_string& path,
                                                        getVendorPartitionFile_cb _hidl_cb) {
-    hidl_memory memory;
+    MappedBlock block;
+    size_t size = 0;
     if (path.c_str() == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "getVendorPartitionFile, invalid paramter");
     } else {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "getVendorPartitionFile,path:%s",
                             path.c_str());
-        memory = shared(ProjectParser::getTvFile(path.c_str()));
+        size = readForClient(path.c_str(), [&](size_t wanted) { return block.make(wanted); });
     }
-    _hidl_cb(memory);
+    _hidl_cb(block.commit(size));
     return {};
 }
 

@@ -71,7 +71,8 @@ class ProjectParser {
 
     /**
      * Appends what each "Model_" line of the system file names, in file order: the text after the
-     * first "model/", or else the line without its first five characters; quotes taken out.
+     * first "model/", or else the line without its first five characters; quotes taken out. Appends
+     * nothing when the file cannot be read to its end: a menu that lacks models looks complete.
      */
     void getProjectIniList(std::vector<std::string>& list) const;
 
@@ -85,11 +86,10 @@ class ProjectParser {
     void dump(std::ostream& out) const;
 
     /**
-     * Reads a file for a client. Needs no lock.
+     * Reads a file for a client, as readForClient (FileDelivery.h) has it. Needs no lock.
      *
      * @param path  the file, possibly in double quotes; only a regular file is read
-     * @return its bytes; empty when there is no such file, when it cannot be read, or when it is
-     *         larger than any file of a partition
+     * @return its bytes; empty when there is no such file, or when it cannot be read whole
      */
     static std::vector<uint8_t> getTvFile(const std::string& path);
 

@@ -5,9 +5,9 @@
 #include <optional>
 #include <utility>
 
-#include "common/File.h"
 #include "common/LineReader.h"
 #include "common/Paths.h"
+#include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/ProjectParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -16,36 +16,6 @@ namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
 constexpr size_t kListBufferSize = 256;
-
-// No file of a configuration partition comes near this; a sparse or virtual file that claims more
-// must not cost the process its memory.
-constexpr size_t kMaxFileSize = size_t{256} << 20;
-
-std::vector<uint8_t> readWhole(const std::string& path) {
-    std::vector<uint8_t> data;
-    File file(path);
-    if (!file.isOpen() || file.size() > kMaxFileSize) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
-                            file.isOpen() ? "too large" : file.reason().c_str());
-        return data;
-    }
-    try {
-        data.resize(file.size());
-    } catch (const std::bad_alloc&) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: no memory for %zu bytes",
-                            path.c_str(), file.size());
-        return data;
-    }
-    // The file may have become shorter since its size was asked.
-    size_t filled = 0;
-    ssize_t count = 0;
-    do {
-        count = file.read(reinterpret_cast<char*>(data.data()) + filled, data.size() - filled);
-        filled += static_cast<size_t>(std::max<ssize_t>(count, 0));
-    } while (count > 0 && filled < data.size());
-    data.resize(filled);
-    return data;
-}
 
 }  // namespace
 
@@ -101,6 +71,7 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
     constexpr std::string_view kModel = "Model_";
     constexpr std::string_view kFolder = "model/";
     constexpr size_t kCutWithoutFolder = 5;
+    const size_t before = list.size();
     LineReader reader(path, kListBufferSize, kTag);
     std::string_view line;
     while (reader.next(line)) {
@@ -113,22 +84,25 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
         entry.erase(std::remove(entry.begin(), entry.end(), '"'), entry.end());
         list.push_back(std::move(entry));
     }
+    if (reader.failed()) {
+        list.resize(before);
+    }
 }
 
 std::vector<uint8_t> ProjectParser::getTvFile(const std::string& path) {
-    if (path.empty()) {
-        return {};
-    }
-    const std::optional<std::string> file = withoutQuotes(path);
-    const char* const name = (file ? *file : path).c_str();
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
-    if (!file || !pathExists(*file)) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s %d] %s don't exist.", __func__, __LINE__,
-                            name);
-        return {};
-    }
-    std::vector<uint8_t> data = readWhole(*file);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile fileData size:%zu", data.size());
+    std::vector<uint8_t> data;
+    const size_t size = readForClient(path, [&](size_t wanted) -> uint8_t* {
+        try {
+            data.resize(wanted);
+        } catch (const std::bad_alloc&) {
+            __android_log_print(ANDROID_LOG_ERROR, kTag,
+                                "%s: cannot be read: no memory for %zu bytes", path.c_str(),
+                                wanted);
+            return nullptr;
+        }
+        return data.data();
+    });
+    data.resize(size);
     return data;
 }
 

@@ -19,10 +19,13 @@ CountryListParser& CountryListParser::GetInstance() {
 
 std::vector<_tv_country> CountryListParser::getCountryList(const std::string& path) const {
     std::vector<_tv_country> countries;
-    const bool found = readListFile(path, [&countries](std::string_view name) {
+    const ReadResult result = readListFile(path, [&countries](std::string_view name) {
         countries.push_back(_tv_country{names().valueOf(name)});
     });
-    if (found) {
+    if (result == ReadResult::UNREADABLE) {
+        countries.clear();
+    }
+    if (result != ReadResult::MISSING) {
         // "Totol" is what the tools that read this log look for.
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "Totol country count:%zu", countries.size());
     }

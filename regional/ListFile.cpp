@@ -17,18 +17,19 @@ constexpr size_t kBufferSize = 256;
 
 }  // namespace
 
-bool readListFile(const std::string& path, const std::function<void(std::string_view)>& take) {
+ReadResult readListFile(const std::string& path,
+                        const std::function<void(std::string_view)>& take) {
     if (path.empty()) {
-        return false;
+        return ReadResult::MISSING;
     }
     const std::optional<std::string> file = withoutQuotes(path);
     const char* const name = (file ? *file : path).c_str();
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
     if (!file || !pathExists(*file)) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "%s don't exist.", name);
-        return false;
+        return ReadResult::MISSING;
     }
-    LineReader reader(*file, kBufferSize, kTag);
+    LineReader reader(*file, kBufferSize, kTag, kMostListBytes);
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty()) {
@@ -41,7 +42,7 @@ bool readListFile(const std::string& path, const std::function<void(std::string_
         }
         take(line.substr(0, line.find(',')));
     }
-    return true;
+    return reader.failed() ? ReadResult::UNREADABLE : ReadResult::DONE;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

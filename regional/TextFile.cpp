@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "common/File.h"
+#include "common/FileLimits.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -29,17 +30,20 @@ ReadResult readTextFile(const std::string& path, std::string& text) {
     if (!file.isOpen()) {
         return file.isMissing() ? ReadResult::MISSING : unreadable(path, file.reason());
     }
+    if (file.size() > kMostListBytes) {
+        return unreadable(path, largerThan(kMostListBytes));
+    }
     // A file can grow, and some of the kernel's own claim to have no size.
     std::string content;
     size_t filled = 0;
     ssize_t count = 0;
     do {
         filled += static_cast<size_t>(count);
-        if (filled > kMostFileBytes) {
-            return unreadable(path, "larger than " + std::to_string(kMostFileBytes) + " bytes");
+        if (filled > kMostListBytes) {
+            return unreadable(path, largerThan(kMostListBytes));
         }
         if (filled == content.size()) {
-            content.resize(std::max(filled + kChunk, std::min(file.size(), kMostFileBytes) + 1));
+            content.resize(std::max(filled + kChunk, file.size() + 1));
         }
         count = file.read(content.data() + filled, content.size() - filled);
     } while (count > 0);

@@ -11,12 +11,14 @@
 #include <vector>
 
 #include "host/testing/LogCapture.h"
+#include "host/testing/ReadHook.h"
 #include "host/testing/TempDir.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using mlk::testing::LogCapture;
+using mlk::testing::ReadHook;
 using mlk::testing::TempDir;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -245,6 +247,30 @@ TEST_F(IniProjectParserTest, DumpsFilesByNameAndItemsInTheirOrder) {
                 ElementsAre("IniProjectParser deatil:", "\tIniPath ID=" + mDir.path() + "/a/c.ini",
                             "\tFile:a.ini", "\t:x=y", "\tFile:b.ini", "\t[S]:k=v", "\t[LONG]:A=3",
                             "\t[LONG]:B=1", "\t[LONG]:AA=2"));
+}
+
+TEST_F(IniProjectParserTest, FileReadInPartIsNotHeld) {
+    const std::string path = mDir.write("f.ini", "[S]\na=1\nb=2\n");
+    {
+        ReadHook hook([](int descriptor, void* bytes, size_t size) {
+            return ReadHook::calls() == 1
+                           ? ReadHook::read(descriptor, bytes, std::min<size_t>(size, 9))
+                           : ReadHook::fail(EIO);
+        });
+        mParser.update(path.c_str());
+    }
+    EXPECT_FALSE(mParser.findItem("f.ini"));
+    EXPECT_THAT(errors(), ElementsAre(path + ":2: cannot be read further: Input/output error"));
+    mParser.update(path.c_str());
+    EXPECT_EQ(mParser.getInfo("f.ini", ConfigKey("[S]", "b")), "2") << "the next reading counts";
+}
+
+TEST_F(IniProjectParserTest, FileThatIsTooLargeIsNotHeld) {
+    const std::string path = mDir.write("f.ini", "[S]\na=1\n");
+    ASSERT_EQ(truncate(path.c_str(), (off_t{16} << 20) + 1), 0);
+    mParser.update(path.c_str());
+    EXPECT_FALSE(mParser.findItem("f.ini"));
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: larger than 16777216 bytes"));
 }
 
 }  // namespace

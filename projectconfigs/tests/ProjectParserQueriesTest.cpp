@@ -4,10 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "host/testing/LogCapture.h"
+#include "host/testing/ReadHook.h"
+#include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/ProjectParser.h"
 #include "projectconfigs/tests/ProjectFiles.h"
 
@@ -15,6 +18,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using mlk::testing::LogCapture;
+using mlk::testing::ReadHook;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
@@ -241,7 +245,95 @@ TEST_F(ProjectParserQueriesTest, TvFileThatClaimsTooMuchIsEmpty) {
     const std::string path = write("sparse", "x");
     ASSERT_EQ(truncate(path.c_str(), off_t{1} << 40), 0);
     EXPECT_EQ(readFile(path), "");
-    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: too large"));
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: larger than 267386880 bytes"));
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileComesInAsManyReadsAsItTakes) {
+    const std::string path = write("data.bin", "0123456789");
+    ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::read(descriptor, bytes, std::min<size_t>(size, 4));
+    });
+    EXPECT_EQ(readFile(path), "0123456789");
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileReadInPartIsEmpty) {
+    const std::string path = write("data.bin", "0123456789");
+    // In the middle, and where only the end is left to be seen.
+    for (const int failing : {1, 2, 4}) {
+        mLog.clear();
+        ReadHook hook([failing](int descriptor, void* bytes, size_t size) {
+            return ReadHook::calls() == failing
+                           ? ReadHook::fail(EIO)
+                           : ReadHook::read(descriptor, bytes, std::min<size_t>(size, 4));
+        });
+        EXPECT_EQ(readFile(path), "") << failing;
+        EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: Input/output error"));
+    }
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileThatBecomesShorterIsWhatIsLeft) {
+    const std::string path = write("data.bin", "0123456789");
+    ReadHook hook([&](int descriptor, void* bytes, size_t size) {
+        if (ReadHook::calls() == 2) {
+            EXPECT_EQ(truncate(path.c_str(), 5), 0);
+        }
+        return ReadHook::read(descriptor, bytes, std::min<size_t>(size, 4));
+    });
+    EXPECT_EQ(readFile(path), "01234");
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileThatBecomesLongerIsReadAgain) {
+    const std::string path = write("data.bin", "0123456789");
+    ReadHook hook([&](int descriptor, void* bytes, size_t size) {
+        if (ReadHook::calls() == 1) {
+            write("data.bin", "a longer text");
+        }
+        return ReadHook::read(descriptor, bytes, size);
+    });
+    EXPECT_EQ(readFile(path), "a longer text");
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileThatGoesOnGrowingIsEmpty) {
+    const std::string path = write("data.bin", "0");
+    ReadHook hook([&](int descriptor, void* bytes, size_t size) {
+        std::ofstream(path, std::ios::app) << "1";
+        return ReadHook::read(descriptor, bytes, size);
+    });
+    EXPECT_EQ(readFile(path), "");
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: it goes on growing"));
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileOfTheLimitIsReadAndOneByteMoreIsNot) {
+    const std::string path = write("sparse", "x");
+    ASSERT_EQ(truncate(path.c_str(), off_t{kMostDeliveredBytes}), 0);
+    EXPECT_EQ(ProjectParser::getTvFile(path).size(), kMostDeliveredBytes);
+    EXPECT_THAT(errors(), IsEmpty());
+    ASSERT_EQ(truncate(path.c_str(), off_t{kMostDeliveredBytes} + 1), 0);
+    EXPECT_EQ(ProjectParser::getTvFile(path).size(), 0U);
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: larger than 267386880 bytes"));
+}
+
+TEST_F(ProjectParserQueriesTest, FileWithoutASizeIsEmpty) {
+    // The kernel's own, some of them without an end.
+    EXPECT_EQ(readFile("/proc/self/pagemap"), "");
+    EXPECT_EQ(readFile("/proc/self/status"), "");
+}
+
+TEST_F(ProjectParserQueriesTest, PartOfTheProjectListIsNotTheList) {
+    const std::string text = "Model_1=/model/A.ini\nModel_2=/model/B.ini\n";
+    EXPECT_THAT(listOf(text), ElementsAre("A.ini", "B.ini"));
+    std::vector<std::string> list = {"before"};
+    ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::calls() == 1
+                       ? ReadHook::read(descriptor, bytes, std::min<size_t>(size, 30))
+                       : ReadHook::fail(EIO);
+    });
+    parser().getProjectIniList(list);
+    EXPECT_THAT(list, ElementsAre("before"));
+    EXPECT_THAT(errors(), ElementsAre(tvconfigs() +
+                                      "/sys.ini:1: cannot be read further: Input/output error"));
 }
 
 TEST_F(ProjectParserQueriesTest, FileExists) {

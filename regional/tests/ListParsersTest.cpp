@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/testing/ReadHook.h"
 #include "host/testing/TempDir.h"
 #include "regional/CountryListParser.h"
 #include "regional/LanguageListParser.h"
@@ -14,6 +15,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using mlk::testing::ReadHook;
 using mlk::testing::TempDir;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -175,6 +177,38 @@ TEST_F(ListParsersTest, AnEmptyFileIsAnEmptyList) {
     EXPECT_THAT(countriesOf(""), IsEmpty());
     EXPECT_THAT(debugLines(),
                 ElementsAre("filePath:" + mDir.path("list.txt"), "Totol country count:0"));
+}
+
+// Its first lines come, then the medium fails.
+ssize_t failAfterTwoLines(int descriptor, void* bytes, size_t size) {
+    return ReadHook::calls() == 1 ? ReadHook::read(descriptor, bytes, std::min<size_t>(size, 14))
+                                  : ReadHook::fail(EIO);
+}
+
+TEST_F(ListParsersTest, PartOfAListIsNotTheList) {
+    const std::string path = mDir.write("list.txt", "GERMANY\nITALY\nNORWAY\n");
+    {
+        ReadHook hook(failAfterTwoLines);
+        EXPECT_THAT(countriesIn(path), IsEmpty());
+    }
+    EXPECT_EQ(debugLines().back(), "Totol country count:0");
+    {
+        ReadHook hook(failAfterTwoLines);
+        std::vector<std::string> languages = {"before"};
+        LanguageListParser::GetInstance().getLanguageList(path, languages);
+        EXPECT_THAT(languages, ElementsAre("before"));
+    }
+    const std::string error = path + ":2: cannot be read further: Input/output error";
+    EXPECT_THAT(errors(), ElementsAre(error, error));
+}
+
+TEST_F(ListParsersTest, ListThatIsTooLargeIsEmpty) {
+    const std::string path = mDir.write("list.txt", "GERMANY\n");
+    ASSERT_EQ(truncate(path.c_str(), (off_t{16} << 20) + 1), 0);
+    EXPECT_THAT(countriesIn(path), IsEmpty());
+    EXPECT_THAT(languagesIn(path), IsEmpty());
+    const std::string error = path + ": cannot be read: larger than 16777216 bytes";
+    EXPECT_THAT(errors(), ElementsAre(error, error));
 }
 
 }  // namespace

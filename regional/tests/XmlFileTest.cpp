@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "common/FileLimits.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/ReadHook.h"
 #include "host/testing/TempDir.h"
 #include "regional/TextFile.h"
 
@@ -17,6 +19,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using mlk::testing::LogCapture;
+using mlk::testing::ReadHook;
 using mlk::testing::TempDir;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -138,7 +141,7 @@ TEST_F(XmlFileTest, ADeclaredEntityIsNotExpanded) {
 TEST(TextFileTest, ReadsWhateverTheSize) {
     const TempDir dir;
     for (const size_t size :
-         {size_t{0}, size_t{1}, size_t{65536}, size_t{200000}, kMostFileBytes}) {
+         {size_t{0}, size_t{1}, size_t{65536}, size_t{200000}, kMostListBytes}) {
         std::string text(size, 'x');
         std::string read = "before";
         EXPECT_EQ(readTextFile(dir.write("file", text), read), ReadResult::DONE);
@@ -146,10 +149,48 @@ TEST(TextFileTest, ReadsWhateverTheSize) {
     }
     LogCapture log;
     std::string read = "before";
-    EXPECT_EQ(readTextFile(dir.write("file", std::string(kMostFileBytes + 1, 'x')), read),
+    EXPECT_EQ(readTextFile(dir.write("file", std::string(kMostListBytes + 1, 'x')), read),
               ReadResult::UNREADABLE);
     EXPECT_EQ(readTextFile(dir.path("missing"), read), ReadResult::MISSING);
     EXPECT_EQ(read, "before");
+}
+
+TEST(TextFileTest, PartOfAFileIsNotTheFile) {
+    const TempDir dir;
+    LogCapture log;
+    const std::string path = dir.write("file", "channel list");
+    ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::calls() == 1 ? ReadHook::read(descriptor, bytes, std::min<size_t>(size, 7))
+                                      : ReadHook::fail(EIO);
+    });
+    std::string text = "before";
+    EXPECT_EQ(readTextFile(path, text), ReadResult::UNREADABLE);
+    EXPECT_EQ(text, "before");
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "MlkProjectConfigs"),
+                ElementsAre(path + ": cannot be read: Input/output error"));
+}
+
+TEST(TextFileTest, ShortReadIsNotTheEnd) {
+    const TempDir dir;
+    const std::string path = dir.write("file", "channel list");
+    ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::read(descriptor, bytes, std::min<size_t>(size, 5));
+    });
+    std::string text;
+    EXPECT_EQ(readTextFile(path, text), ReadResult::DONE);
+    EXPECT_EQ(text, "channel list");
+}
+
+TEST(TextFileTest, FileWithoutAnEndIsRefused) {
+    const std::string endless = "/proc/self/pagemap";
+    if (access(endless.c_str(), R_OK) != 0) {
+        GTEST_SKIP() << "this kernel shows no such file";
+    }
+    LogCapture log;
+    std::string text;
+    EXPECT_EQ(readTextFile(endless, text), ReadResult::UNREADABLE);
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "MlkProjectConfigs"),
+                ElementsAre(endless + ": cannot be read: larger than 16777216 bytes"));
 }
 
 TEST(TextFileTest, ReadsFilesThatClaimToBeEmpty) {

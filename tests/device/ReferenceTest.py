@@ -176,7 +176,7 @@ class Limits(unittest.TestCase):
         for constant in ("kMostAttributes", "kMostReferences"):
             number = re.search(rf"{constant} = (\d+)", code)[1]
             self.assertIn(f" {number} ", section("## Formats and their traps"))
-        self.assertIn("kMostFileBytes = size_t{16} << 20", tree.code("regional/TextFile.h"))
+        self.assertIn("kMostListBytes = size_t{16} << 20", tree.code("common/FileLimits.h"))
 
 
 class Device(unittest.TestCase):

@@ -1,0 +1,94 @@
+#include "projectconfigs/FileDelivery.h"
+
+#include <android/log.h>
+
+#include <cerrno>
+#include <optional>
+#include <system_error>
+
+#include "common/File.h"
+#include "common/FileLimits.h"
+#include "common/Paths.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+// A file that is rewritten grows once.
+constexpr int kReadings = 3;
+
+size_t unreadable(const std::string& path, const std::string& reason) {
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
+                        reason.c_str());
+    return 0;
+}
+
+// Reads until the size or the end of the file is reached. False when that fails; errno says why.
+bool readUpTo(File& file, uint8_t* bytes, size_t size, size_t& filled) {
+    filled = 0;
+    while (filled < size) {
+        const ssize_t count = file.read(reinterpret_cast<char*>(bytes) + filled, size - filled);
+        if (count <= 0) {
+            return count == 0;
+        }
+        filled += static_cast<size_t>(count);
+    }
+    return true;
+}
+
+// The bytes of the file as it is now; nothing when it became longer on the way.
+std::optional<size_t> readOnce(const std::string& path,
+                               const std::function<uint8_t*(size_t)>& placeFor) {
+    File file(path);
+    if (!file.isOpen()) {
+        return unreadable(path, file.reason());
+    }
+    const size_t size = file.size();
+    if (size > kMostDeliveredBytes) {
+        return unreadable(path, largerThan(kMostDeliveredBytes));
+    }
+    uint8_t* const bytes = size == 0 ? nullptr : placeFor(size);
+    if (bytes == nullptr) {
+        return 0;
+    }
+    size_t filled = 0;
+    size_t more = 0;
+    uint8_t next = 0;
+    if (!readUpTo(file, bytes, size, filled) ||
+        (filled == size && !readUpTo(file, &next, sizeof next, more))) {
+        return unreadable(path, std::generic_category().message(errno));
+    }
+    return more > 0 ? std::nullopt : std::optional<size_t>(filled);
+}
+
+size_t readWhole(const std::string& path, const std::function<uint8_t*(size_t)>& placeFor) {
+    for (int reading = 0; reading < kReadings; ++reading) {
+        if (const std::optional<size_t> filled = readOnce(path, placeFor)) {
+            return *filled;
+        }
+    }
+    return unreadable(path, "it goes on growing");
+}
+
+}  // namespace
+
+size_t readForClient(const std::string& path, const std::function<uint8_t*(size_t)>& placeFor) {
+    if (path.empty()) {
+        return 0;
+    }
+    const std::optional<std::string> file = withoutQuotes(path);
+    const char* const name = (file ? *file : path).c_str();
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
+    if (!file || !pathExists(*file)) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s %d] %s don't exist.", "getTvFile",
+                            __LINE__, name);
+        return 0;
+    }
+    const size_t size = readWhole(*file, placeFor);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile fileData size:%zu", size);
+    return size;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
