@@ -1,103 +1,30 @@
 // Files that the real process hands out: as bytes, and in shared memory through the real allocator.
 
 #include <gmock/gmock.h>
-#include <hidlmemory/mapping.h>
 #include <signal.h>
+#include <unistd.h>
 
-#include <cstring>
-#include <functional>
-#include <map>
-#include <memory>
 #include <string>
 
 #include "host/testing/Eventually.h"
-#include "host/testing/HostSet.h"
 #include "host/testing/ProcessUsage.h"
 #include "host/testing/Sanitizers.h"
-#include "service/tests/InterfaceMethods.h"
-#include "service/tests/ServiceProcess.h"
+#include "projectconfigs/FileDelivery.h"
+#include "service/tests/Delivery.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
 
-using ::android::sp;
-using ::android::hardware::hidl_memory;
-using ::android::hardware::hidl_vec;
-using ::mlk::testing::HostSet;
+using implementation::kMostDeliveredBytes;
+using implementation::kMostReplyBytesOnDevice;
 using ::mlk::testing::kAddressSanitizer;
 using ::mlk::testing::kThreadSanitizer;
 using ::mlk::testing::peakOf;
-using ::mlk::testing::Process;
 using ::mlk::testing::residentOf;
 
 constexpr size_t kMegabyte = size_t{1} << 20;
 
-class FileDeliveryTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        writeProject(mSet);
-        mAllocator = startAllocator();
-        // Its memory is measured: the address sanitizer is not to keep what is freed.
-        mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
-                {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}});
-        ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
-        mService = IMlkProjectConfigs::getService();
-    }
-    void stopAllocator() {
-        mAllocator->kill(SIGKILL);
-        mAllocator->wait();
-    }
-    // A file of that size and its path.
-    std::string file(size_t size) {
-        mContent.resize(size);
-        for (size_t i = 0; i < size; ++i) {
-            mContent[i] = static_cast<char>(i * i >> 7);
-        }
-        return mSet.dir().write("tvdata/file", mContent);
-    }
-    bool isContent(const void* bytes, size_t size) const {
-        return size == mContent.size() && memcmp(bytes, mContent.data(), size) == 0;
-    }
-
-    ::testing::AssertionResult isSharedWhole(const std::string& path) {
-        auto result = ::testing::AssertionFailure() << "no answer";
-        const auto status = mService->getVendorPartitionFile(path, [&](const hidl_memory& memory) {
-            const auto mapped = ::android::hardware::mapMemory(memory);
-            result = mapped == nullptr ? ::testing::AssertionFailure() << "not to be mapped"
-                     : isContent(mapped->getPointer(), mapped->getSize())
-                             ? ::testing::AssertionSuccess()
-                             : ::testing::AssertionFailure() << "other bytes";
-        });
-        return status.isOk() ? result : ::testing::AssertionFailure() << status.description();
-    }
-    ::testing::AssertionResult isSentWhole(const std::string& path) {
-        auto result = ::testing::AssertionFailure() << "no answer";
-        const auto status = mService->getTvFile(path, [&](const hidl_vec<uint8_t>& bytes) {
-            result = isContent(bytes.data(), bytes.size())
-                             ? ::testing::AssertionSuccess()
-                             : ::testing::AssertionFailure() << "other bytes";
-        });
-        return status.isOk() ? result : ::testing::AssertionFailure() << status.description();
-    }
-    // What of the memory that the service shares is there, empty when nothing is.
-    std::string shared(const std::string& path) {
-        std::string answer = "no answer";
-        const auto status = mService->getVendorPartitionFile(path, [&](const hidl_memory& memory) {
-            answer = !memory.valid() && memory.size() == 0 && memory.name().empty()
-                             ? "empty memory"
-                             : std::to_string(memory.size()) + " bytes of " +
-                                       std::string(memory.name());
-        });
-        return status.isOk() ? answer : status.description();
-    }
-    pid_t pid() const { return mServer->process().pid(); }
-
-    HostSet mSet;
-    std::unique_ptr<Process> mAllocator;
-    std::unique_ptr<ServiceProcess> mServer;
-    sp<IMlkProjectConfigs> mService;
-    std::string mContent;
-};
+class FileDeliveryTest : public Delivery {};
 
 TEST_F(FileDeliveryTest, SharedMemoryHoldsTheFile) {
     EXPECT_TRUE(isSharedWhole(file(5)));
@@ -114,39 +41,71 @@ TEST_F(FileDeliveryTest, NothingIsSharedOfAFileWithoutBytes) {
     EXPECT_EQ(shared("\"" + file(5)), "empty memory");
 }
 
-TEST_F(FileDeliveryTest, NothingIsSharedWithoutAnAllocator) {
-    const std::string path = file(5);
-    EXPECT_TRUE(isSharedWhole(path));
-    stopAllocator();
-    EXPECT_EQ(shared(path), "empty memory");
-    EXPECT_TRUE(isSentWhole(path));
-    mAllocator = startAllocator();
-    EXPECT_TRUE(isSharedWhole(path)) << "it is looked for at every call";
+// What the process needs at most to answer a call, beside what it has anyway.
+template <typename Call>
+size_t peakIn(pid_t pid, const Call& call) {
+    const size_t before = residentOf(pid);
+    ::mlk::testing::forgetPeakOf(pid);
+    call();
+    return peakOf(pid) - std::min(before, peakOf(pid));
 }
 
-TEST_F(FileDeliveryTest, NothingIsSharedWhereTheAllocatorHasNoMemory) {
-    stopAllocator();
-    mAllocator = startAllocator({"prlimit", "--fsize=4096"});
-    EXPECT_EQ(shared(file(4097)), "empty memory");
-    EXPECT_TRUE(isSharedWhole(file(4096)));
-}
-
-TEST_F(FileDeliveryTest, LargeFileTakesTwiceItsSizeOfMemoryAtMost) {
+TEST_F(FileDeliveryTest, LargeFileTakesItsSizeOfSharedMemoryAndTwiceItAsBytes) {
     constexpr size_t kSize = 64 * kMegabyte;
     // Buffers of the runtime and of the log.
     constexpr size_t kBesides = kMegabyte;
-    const std::string path = file(kSize);
     EXPECT_TRUE(isSentWhole(file(1))) << "all that a first call makes";
     EXPECT_TRUE(isSharedWhole(file(1)));
-    file(kSize);
+    const std::string path = file(kSize);
     const size_t before = residentOf(pid());
-    ::mlk::testing::forgetPeakOf(pid());
-    EXPECT_TRUE(isSentWhole(path));
-    EXPECT_TRUE(isSharedWhole(path));
+    const size_t shared = peakIn(pid(), [&] { EXPECT_TRUE(isSharedWhole(path)); });
+    const size_t sent = peakIn(pid(), [&] { EXPECT_TRUE(isSentWhole(path)); });
     if (!kAddressSanitizer && !kThreadSanitizer) {
-        EXPECT_LE(peakOf(pid()), before + 2 * kSize + kBesides);
+        EXPECT_LE(shared, kSize + kBesides);
+        EXPECT_LE(sent, 2 * kSize + kBesides);
         EXPECT_LE(residentOf(pid()), before + kBesides) << "what is left of it";
     }
+}
+
+// A file of that size; its bytes take no room.
+std::string sparse(const ::mlk::testing::HostSet& set, size_t size) {
+    const std::string path = set.dir().write("tvdata/sparse", "x");
+    EXPECT_EQ(truncate(path.c_str(), static_cast<off_t>(size)), 0);
+    return path;
+}
+
+TEST_F(FileDeliveryTest, LargestFileIsDeliveredAndOneByteMoreIsNot) {
+    const std::string path = sparse(mSet, kMostDeliveredBytes);
+    size_t sent = 0;
+    const auto bytesOf = [&](const auto& bytes) { sent = bytes.size(); };
+    EXPECT_TRUE(mService->getTvFile(path, bytesOf).isOk());
+    EXPECT_EQ(sent, kMostDeliveredBytes);
+    EXPECT_EQ(shared(path), std::to_string(kMostDeliveredBytes) + " bytes of ashmem");
+    const std::string error = path + ": cannot be read: larger than 267386880 bytes";
+    EXPECT_EQ(logged(error), 0U);
+
+    sparse(mSet, kMostDeliveredBytes + 1);
+    EXPECT_TRUE(mService->getTvFile(path, bytesOf).isOk());
+    EXPECT_EQ(sent, 0U);
+    EXPECT_TRUE(isLogged(error, 1));
+    EXPECT_EQ(shared(path), "empty memory");
+    EXPECT_TRUE(isLogged(error, 2));
+}
+
+TEST_F(FileDeliveryTest, FileThatADeviceCannotReplyWithIsWarnedOf) {
+    const std::string path = sparse(mSet, kMostReplyBytesOnDevice);
+    const auto ignore = [](const auto&) {};
+    const std::string warning =
+            "W/MlkProjectConfigs(" + std::to_string(pid()) + "): getTvFile, " + path +
+            " has 1040001 bytes, but a reply can be no larger than 1040000 bytes on a device: use "
+            "getVendorPartitionFile for this file\n";
+    EXPECT_TRUE(mService->getTvFile(path, ignore).isOk());
+    EXPECT_EQ(logged("on a device"), 0U);
+    sparse(mSet, kMostReplyBytesOnDevice + 1);
+    EXPECT_EQ(shared(path), "1040001 bytes of ashmem");
+    EXPECT_EQ(logged("on a device"), 0U) << "this way is the one for it";
+    mService->getTvFile(path, ignore).isOk();
+    EXPECT_TRUE(isLogged(warning, 1)) << mServer->process().err();
 }
 
 TEST_F(FileDeliveryTest, NothingGrowsOverAThousandDeliveries) {

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <hidlmemory/mapping.h>
+#include <signal.h>
+#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
+
+#include <cstring>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "host/testing/Eventually.h"
+#include "host/testing/HostSet.h"
+#include "host/testing/Process.h"
+#include "service/tests/ServiceProcess.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0 {
+
+/// The real process on a set of its own, and the allocator of shared memory.
+class Delivery : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        writeProject(mSet);
+        mAllocator = startAllocator();
+        // Its memory is measured: the address sanitizer is not to keep what is freed.
+        mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
+                {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}});
+        ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
+        mService = IMlkProjectConfigs::getService();
+    }
+    void stopAllocator() {
+        mAllocator->kill(SIGKILL);
+        mAllocator->wait();
+    }
+    /// A file of that size and its path.
+    std::string file(size_t size) {
+        mContent.resize(size);
+        for (size_t i = 0; i < size; ++i) {
+            mContent[i] = static_cast<char>(i * i >> 7);
+        }
+        return mSet.dir().write("tvdata/file", mContent);
+    }
+    bool isContent(const void* bytes, size_t size) const {
+        return size == mContent.size() && memcmp(bytes, mContent.data(), size) == 0;
+    }
+
+    ::testing::AssertionResult isSharedWhole(const std::string& path) {
+        auto result = ::testing::AssertionFailure() << "no answer";
+        const auto status = mService->getVendorPartitionFile(
+                path, [&](const ::android::hardware::hidl_memory& memory) {
+                    const auto mapped = ::android::hardware::mapMemory(memory);
+                    result = mapped == nullptr ? ::testing::AssertionFailure() << "not to be mapped"
+                             : isContent(mapped->getPointer(), mapped->getSize())
+                                     ? ::testing::AssertionSuccess()
+                                     : ::testing::AssertionFailure() << "other bytes";
+                });
+        return status.isOk() ? result : ::testing::AssertionFailure() << status.description();
+    }
+    ::testing::AssertionResult isSentWhole(const std::string& path) {
+        auto result = ::testing::AssertionFailure() << "no answer";
+        const auto status =
+                mService->getTvFile(path, [&](const ::android::hardware::hidl_vec<uint8_t>& bytes) {
+                    result = isContent(bytes.data(), bytes.size())
+                                     ? ::testing::AssertionSuccess()
+                                     : ::testing::AssertionFailure() << "other bytes";
+                });
+        return status.isOk() ? result : ::testing::AssertionFailure() << status.description();
+    }
+    /// What of the memory that the service shares is there, empty when nothing is.
+    std::string shared(const std::string& path) {
+        std::string answer = "no answer";
+        const auto status = mService->getVendorPartitionFile(
+                path, [&](const ::android::hardware::hidl_memory& memory) {
+                    answer = !memory.valid() && memory.size() == 0 && memory.name().empty()
+                                     ? "empty memory"
+                                     : std::to_string(memory.size()) + " bytes of " +
+                                               std::string(memory.name());
+                });
+        return status.isOk() ? answer : status.description();
+    }
+    /// How often the text is in what the service has logged and the test has received.
+    size_t logged(const std::string& text) const {
+        const std::string log = mServer->process().err();
+        size_t count = 0;
+        for (size_t at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+    /// Whether the log has the text so often, at last.
+    bool isLogged(const std::string& text, size_t times = 1) const {
+        return ::mlk::testing::eventually([&] { return logged(text) >= times; }) &&
+               logged(text) == times;
+    }
+    pid_t pid() const { return mServer->process().pid(); }
+
+    ::mlk::testing::HostSet mSet;
+    std::unique_ptr<::mlk::testing::Process> mAllocator;
+    std::unique_ptr<ServiceProcess> mServer;
+    ::android::sp<IMlkProjectConfigs> mService;
+    std::string mContent;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0

@@ -1,0 +1,57 @@
+// An allocator of shared memory for tests.
+//
+//   service_fake_allocator DIFFERENCE   gives blocks with so many bytes more than were asked for,
+//   or
+//                                       fewer
+
+#include <android/hidl/allocator/1.0/IAllocator.h>
+#include <cutils/native_handle.h>
+#include <hidl/HidlTransportSupport.h>
+
+#include <cstdlib>
+#include <iostream>
+
+#include "host/memory/SharedBlock.h"
+
+namespace {
+
+using ::android::hardware::hidl_memory;
+using ::android::hardware::hidl_vec;
+using ::android::hardware::Return;
+
+class FakeAllocator : public ::android::hidl::allocator::V1_0::IAllocator {
+  public:
+    explicit FakeAllocator(int difference) : mDifference(static_cast<uint64_t>(difference)) {}
+
+    Return<void> allocate(uint64_t size, allocate_cb answer) override {
+        const uint64_t given = size + mDifference;
+        ::android::base::unique_fd block = mlk::host::createSharedBlock(given);
+        native_handle_t* const handle = native_handle_create(1, 0);
+        handle->data[0] = block.get();
+        answer(true, hidl_memory(mlk::host::kAshmem, handle, given));
+        native_handle_delete(handle);
+        return {};
+    }
+    Return<void> batchAllocate(uint64_t /* size */, uint64_t /* count */,
+                               batchAllocate_cb answer) override {
+        answer(false, hidl_vec<hidl_memory>());
+        return {};
+    }
+
+  private:
+    const uint64_t mDifference;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    android::hardware::configureRpcThreadpool(1, true /* callerWillJoin */);
+    const ::android::sp<FakeAllocator> allocator =
+            new FakeAllocator(argc > 1 ? std::atoi(argv[1]) : 0);
+    if (allocator->registerAsService(mlk::host::kAshmem) != android::OK) {
+        return EXIT_FAILURE;
+    }
+    std::cerr << "registered" << std::endl;
+    android::hardware::joinRpcThreadpool();
+    return EXIT_SUCCESS;
+}
