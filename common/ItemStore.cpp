@@ -73,13 +73,17 @@ uint32_t roomAt(const char* texts) {
 }  // namespace
 
 // Orders most texts as CompareStr does without looking at them: their length, then how they begin.
+// Those of kManyBytes and more are all alike here, for their lengths may differ.
 struct ItemStore::Place {
     uint64_t order;
     uint32_t number;  // of what has the text
 
     // Reads eight bytes of the text, which have to be there.
     Place(std::string_view text, uint32_t numberOfIt)
-        : order(uint64_t{std::min<size_t>(text.size(), UINT16_MAX)} << 48), number(numberOfIt) {
+        : order(uint64_t{std::min(text.size(), kManyBytes)} << 48), number(numberOfIt) {
+        if (text.size() >= kManyBytes) {
+            return;
+        }
         uint64_t start = 0;
         for (size_t i = 0; i < sizeof start; ++i) {
             start = start << 8 | static_cast<uint8_t>(text.data()[i]);  // one load and a swap
@@ -100,6 +104,7 @@ struct ItemStore::Place {
     }
 
     static constexpr size_t kBytes = 6;
+    static constexpr size_t kManyBytes = UINT16_MAX;
 };
 
 void ItemStore::clear() {

@@ -3,7 +3,14 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
 
+#include <malloc.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iterator>
 #include <map>
+#include <new>
 #include <random>
 #include <sstream>
 #include <string>
@@ -12,8 +19,40 @@
 #include "common/ConfigKey.h"
 #include "host/testing/LogCapture.h"
 
+namespace {
+
+thread_local ptrdiff_t sAllocated = 0;
+
+}  // namespace
+
+// Those of this program count what a thread has of memory.
+void* operator new(size_t size) {
+    void* const memory = malloc(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    sAllocated += static_cast<ptrdiff_t>(malloc_usable_size(memory));
+    return memory;
+}
+void operator delete(void* memory) noexcept {
+    sAllocated -= static_cast<ptrdiff_t>(malloc_usable_size(memory));
+    free(memory);
+}
+void operator delete(void* memory, size_t /* size */) noexcept {
+    operator delete(memory);
+}
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
+
+/** How much more memory this thread has than when the object was made. */
+class Allocated {
+  public:
+    ptrdiff_t kept() const { return sAllocated - mBefore; }
+
+  private:
+    const ptrdiff_t mBefore = sAllocated;
+};
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -118,6 +157,33 @@ TEST(ItemStoreTest, WalksInTheOrderOfConfigKey) {
     EXPECT_THAT(keys, ElementsAre("", "A", "B", "\x7f", "\xff", "AA", "abcdefga", "abcdefgz"));
 }
 
+TEST(ItemStoreTest, LongTextsComeByTheirLengthFirst) {
+    // The longer, the lower it begins: an order by how they begin is the other way round.
+    const size_t sizes[] = {255, 256, 300, 65'533, 65'534, 65'535, 65'536, 70'000, 200'000};
+    ItemStore store;
+    char start = 'z';
+    for (const size_t size : sizes) {
+        const std::string text(size, start--);
+        put(store, text, "k", "");
+        put(store, "[S]", text, "");
+        put(store, "[S]", text.substr(0, size - 1) + '~', "");
+    }
+    std::vector<std::string> sections;
+    std::vector<std::string> keys;
+    for (const ItemStore::Item item : store.inOrder()) {
+        (store.keyOf(item) == "k" ? sections : keys)
+                .emplace_back(store.keyOf(item) == "k" ? store.sectionOf(item) : store.keyOf(item));
+    }
+    ASSERT_EQ(sections.size(), std::size(sizes));
+    ASSERT_EQ(keys.size(), 2 * std::size(sizes));
+    for (size_t i = 0; i < std::size(sizes); ++i) {
+        EXPECT_EQ(sections[i].size(), sizes[i]);
+        EXPECT_EQ(keys[2 * i].size(), sizes[i]);
+        EXPECT_EQ(keys[2 * i + 1].back(), '~') << sizes[i];
+    }
+    EXPECT_EQ(store.itemsOf("[S]").size(), keys.size());
+}
+
 TEST(ItemStoreTest, ItemAddedAfterAWalkIsInTheNext) {
     ItemStore store;
     put(store, "[A]", "b", "1");
@@ -142,6 +208,44 @@ TEST(ItemStoreTest, ClearedStoreIsAsNew) {
     }
     put(store, "[1]", "x", "y");
     EXPECT_EQ(written(store), " [1]:x=y\n");
+}
+
+TEST(ItemStoreTest, ClearedStoreUsesItsMemoryAgain) {
+    ItemStore store;
+    const auto fill = [&store] {
+        const std::string value(30, 'v');
+        std::string key = "key of twenty bytes.";
+        for (int i = 0; i < 20'000; ++i) {
+            key[0] = static_cast<char>(i & 0x7f);
+            key[1] = static_cast<char>(i >> 7);
+            store.insert(store.section(key.substr(0, 1)), key, value);
+        }
+        ASSERT_EQ(store.size(), 20'000U);
+        ASSERT_EQ(store.inOrder().size(), 20'000U);
+    };
+    fill();
+    const Allocated afterFirst;
+    for (int round = 0; round < 5; ++round) {
+        store.clear();
+        fill();
+    }
+    // Each walk sorts in memory that it gives back; the store itself takes no more.
+    EXPECT_EQ(afterFirst.kept(), 0);
+}
+
+TEST(ItemStoreTest, RoomIsMadeForAFileOfAReasonableSizeOnly) {
+    ItemStore store;
+    const Allocated before;
+    store.expect(400'000);
+    const ptrdiff_t forASmallFile = before.kept();
+    EXPECT_GT(forASmallFile, 10'000 * 20) << "for items of 40 bytes";
+    store.expect(SIZE_MAX);  // a file may claim anything
+    EXPECT_LT(before.kept(), 16 << 20);
+    const Allocated filled;
+    for (int i = 0; i < 10'000; ++i) {
+        store.insert(store.section("[S]"), std::to_string(i), "");
+    }
+    EXPECT_LT(filled.kept(), 10'000 * 40) << "only texts are added";
 }
 
 TEST(ItemStoreTest, MovedStoreHasTheItems) {
