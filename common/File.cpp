@@ -53,4 +53,19 @@ ssize_t File::read(char* buffer, size_t size) {
     return count;
 }
 
+ssize_t File::readUpTo(char* buffer, size_t size) {
+    size_t filled = 0;
+    while (filled < size) {
+        const ssize_t count = read(buffer + filled, size - filled);
+        if (count < 0) {
+            return -1;
+        }
+        if (count == 0) {
+            break;
+        }
+        filled += static_cast<size_t>(count);
+    }
+    return static_cast<ssize_t>(filled);
+}
+
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

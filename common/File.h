@@ -54,6 +54,10 @@ class File {
     /** The open file, for calls that this class does not have; stays the property of the object. */
     int descriptor() const { return mFd; }
 
+    /** As read(), with fewer than size bytes only at the end of the file. */
+    ssize_t readUpTo(char* buffer, size_t size);
+
+
   private:
     int mFd = -1;
     int mError = 0;  // errno of the failed opening

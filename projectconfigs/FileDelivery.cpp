@@ -25,19 +25,6 @@ size_t unreadable(const std::string& path, const std::string& reason) {
     return 0;
 }
 
-// Reads until the size or the end of the file is reached. False when that fails; errno says why.
-bool readUpTo(File& file, uint8_t* bytes, size_t size, size_t& filled) {
-    filled = 0;
-    while (filled < size) {
-        const ssize_t count = file.read(reinterpret_cast<char*>(bytes) + filled, size - filled);
-        if (count <= 0) {
-            return count == 0;
-        }
-        filled += static_cast<size_t>(count);
-    }
-    return true;
-}
-
 // The bytes of the file as it is now; nothing when it became longer on the way.
 std::optional<size_t> readOnce(const std::string& path,
                                const std::function<uint8_t*(size_t)>& placeFor) {
@@ -53,11 +40,11 @@ std::optional<size_t> readOnce(const std::string& path,
     if (bytes == nullptr) {
         return 0;
     }
-    size_t filled = 0;
-    size_t more = 0;
-    uint8_t next = 0;
-    if (!readUpTo(file, bytes, size, filled) ||
-        (filled == size && !readUpTo(file, &next, sizeof next, more))) {
+    const ssize_t filled = file.readUpTo(reinterpret_cast<char*>(bytes), size);
+    const bool isAll = filled == static_cast<ssize_t>(size);
+    char next = 0;
+    const ssize_t more = isAll ? file.read(&next, sizeof next) : 0;
+    if (filled < 0 || more < 0) {
         return unreadable(path, std::generic_category().message(errno));
     }
     return more > 0 ? std::nullopt : std::optional<size_t>(filled);

@@ -52,7 +52,7 @@ bool ProjectID::ReadFrom(File& file) {
     char buffer[kChunk] = {};
     size_t total = 0;
     ssize_t count = 0;
-    while ((count = file.read(buffer, sizeof buffer)) > 0) {
+    while ((count = file.readUpTo(buffer, sizeof buffer)) > 0) {
         const std::string_view text(buffer, strnlen(buffer, sizeof buffer));
         const size_t keyword = text.find(kKeyword);
         if (keyword != std::string_view::npos) {

@@ -4,11 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "host/testing/ReadHook.h"
 #include "host/testing/TempDir.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using mlk::testing::ReadHook;
 using mlk::testing::TempDir;
 
 TEST(FileTest, ReadsWhatIsThere) {
@@ -21,6 +23,29 @@ TEST(FileTest, ReadsWhatIsThere) {
     EXPECT_EQ(file.read(buffer, sizeof buffer), 4);
     EXPECT_STREQ(buffer, "text");
     EXPECT_EQ(file.read(buffer, sizeof buffer), 0);
+}
+
+TEST(FileTest, ReadsUpToTheSizeOrTheEnd) {
+    const TempDir dir;
+    ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::read(descriptor, bytes, std::min<size_t>(size, 3));
+    });
+    File file(dir.write("f", "0123456789"));
+    char buffer[9] = {};
+    EXPECT_EQ(file.readUpTo(buffer, 8), 8);
+    EXPECT_STREQ(buffer, "01234567");
+    EXPECT_EQ(file.readUpTo(buffer, 8), 2);
+    EXPECT_EQ(file.readUpTo(buffer, 8), 0);
+}
+
+TEST(FileTest, FailureAfterSomeBytesIsAFailure) {
+    const TempDir dir;
+    File file(dir.write("f", "0123456789"));
+    ReadHook hook([](int descriptor, void* bytes, size_t /* size */) {
+        return ReadHook::calls() < 3 ? ReadHook::read(descriptor, bytes, 3) : ReadHook::fail(EIO);
+    });
+    char buffer[9] = {};
+    EXPECT_EQ(file.readUpTo(buffer, 8), -1);
 }
 
 TEST(FileTest, MissingFileIsTold) {

@@ -86,6 +86,7 @@ class Scenario {
             next(asked(*project, &IMlkProjectConfigs::getProjectId));
             next(asked(*project, &IMlkProjectConfigs::getPanelName));
             next(asked(*tv, &IMlkTvConfigs::pvrEnabled));
+            next(delivered(*project, mSet.tvconfigs() + "/list"));
         }
         if (mEnds) {
             server.process().wait();  // its clients hear of the end before it is over
@@ -143,6 +144,12 @@ class Scenario {
             text << got.success << " " << textOf(got.value);
             answer = text.str();
         });
+        return status.isOk() ? answer : status.isDeadObject() ? "dead" : status.description();
+    }
+    static std::string delivered(IMlkProjectConfigs& project, const std::string& path) {
+        std::string answer;
+        const auto status = project.getTvFile(
+                path, [&](const auto& bytes) { answer.assign(bytes.begin(), bytes.end()); });
         return status.isOk() ? answer : status.isDeadObject() ? "dead" : status.description();
     }
     static std::string textOf(const ::android::hardware::hidl_string& text) { return text; }

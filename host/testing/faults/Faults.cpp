@@ -5,7 +5,7 @@
 //                     and on descriptors opened there
 //   MLK_FAULT_LOG     every such call is written there, its name a line
 //   MLK_FAULT_AT      "NAME NUMBER ACTION": the call of that name and number, from 1 on, comes to
-//                     ACTION: an errno (5), "kill", "short" (half of what was asked is done),
+//                     ACTION: an errno (5), "kill", "short" (half of what would be done is done),
 //                     "hold" (it waits until the FIFO MLK_FAULT_GATE is open for writing).
 //                     NUMBER may be "3+": that call and all later ones. NAME may be "any", or
 //                     "change": what changes files or folders.
@@ -145,6 +145,17 @@ int fateOf(const char* call) {
     return thePlan.action;
 }
 
+// Half of the bytes that a read would bring: of a file, those that are left of it.
+size_t halfOfWhatComes(int descriptor, size_t size) {
+    struct stat about {};
+    const off_t at = lseek(descriptor, 0, SEEK_CUR);
+    if (at >= 0 && fstat(descriptor, &about) == 0 && S_ISREG(about.st_mode) && about.st_size > at) {
+        const auto left = static_cast<size_t>(about.st_size - at);
+        size = left < size ? left : size;
+    }
+    return size > 1 ? size / 2 : size;
+}
+
 template <typename Function>
 Function* next(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -214,7 +225,8 @@ ssize_t read(int descriptor, void* bytes, size_t size) {
         errno = fate;
         return -1;
     }
-    return syscall(SYS_read, descriptor, bytes, fate == kShort && size > 1 ? size / 2 : size);
+    return syscall(SYS_read, descriptor, bytes,
+                   fate == kShort ? halfOfWhatComes(descriptor, size) : size);
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size) {
