@@ -100,6 +100,16 @@ TEST_F(XmlFileTest, DeepNestingIsAnError) {
 }
 
 TEST_F(XmlFileTest, ManyAttributesInOneElementAreRefused) {
+    const auto attributes = [](int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i) {
+            text += " a" + std::to_string(i) + "='1'";
+        }
+        return text;
+    };
+    EXPECT_EQ(errorOf("<A" + attributes(256) + "/>"), "none");
+    EXPECT_EQ(errorOf("<A" + attributes(257) + "/>"), "XML_ERROR_PARSING");
+    mLog.clear();
     const std::string few = repeat(200, " a='1'");
     EXPECT_EQ(errorOf("<A" + repeat(257, " a='1'") + "/>"), "XML_ERROR_PARSING");
     EXPECT_THAT(errors(), ElementsAre(mDir.path("file.xml") +
