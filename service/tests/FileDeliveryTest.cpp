@@ -1,10 +1,13 @@
 // Files that the real process hands out: as bytes, and in shared memory through the real allocator.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
+#include <thread>
 
 #include "host/testing/Eventually.h"
 #include "host/testing/ProcessUsage.h"
@@ -133,6 +136,74 @@ TEST_F(FileDeliveryTest, NothingGrowsOverAThousandDeliveries) {
     const size_t slack = kAddressSanitizer || kThreadSanitizer ? 64 * kMegabyte : kMegabyte;
     EXPECT_LE(residentOf(pid()), memory + slack);
     EXPECT_LE(residentOf(mAllocator->pid()), allocatorMemory + slack);
+}
+
+/// The process with a fault in its reading of files on tvdata.
+class FaultyDeliveryTest : public Delivery {
+  protected:
+    void restart(const std::string& fault) {
+        ASSERT_EQ(mkfifo(gate().c_str(), 0600), 0);
+        mServer->restart({{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
+                          {"MLK_FAULT_BELOW", mSet.tvdata()},
+                          {"MLK_FAULT_AT", fault},
+                          {"MLK_FAULT_LOG", mSet.dir().path("calls")},
+                          {"MLK_FAULT_GATE", gate()},
+                          {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}});
+        ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
+        mService = IMlkProjectConfigs::getService();
+    }
+    std::string gate() const { return mSet.dir().path("gate"); }
+
+    /// Changes the file between its opening and its first reading, which the process waits with.
+    template <typename Answer, typename Change>
+    std::string changedMeanwhile(const Answer& answer, const Change& change) {
+        std::string got;
+        std::thread asker([&] { got = answer(); });
+        EXPECT_TRUE(::mlk::testing::eventually(
+                [&] { return mSet.dir().read("calls").find("read\n") != std::string::npos; }));
+        change();
+        const int opened = open(gate().c_str(), O_RDWR | O_CLOEXEC);
+        asker.join();
+        close(opened);
+        return got;
+    }
+};
+
+TEST_F(FaultyDeliveryTest, ReadErrorIsAnEmptyAnswer) {
+    restart("read 1 5");
+    const std::string path = file(100);
+    const std::string error = path + ": cannot be read: Input/output error";
+    EXPECT_EQ(shared(path), "empty memory");
+    EXPECT_TRUE(isLogged(error));
+    EXPECT_TRUE(isSharedWhole(path)) << "the next call reads it";
+}
+
+TEST_F(FaultyDeliveryTest, FileThatBecomesShorterIsSharedAsFarAsItGoes) {
+    restart("read 1 hold");
+    const std::string path = file(100'000);
+    const std::string got =
+            changedMeanwhile([&] { return isSharedWhole(path) ? "whole" : "not whole"; },
+                             [&] {
+                                 EXPECT_EQ(truncate(path.c_str(), 70'000), 0);
+                                 mContent.resize(70'000);
+                             });
+    EXPECT_EQ(got, "whole");
+}
+
+TEST_F(FaultyDeliveryTest, FileThatIsEmptiedIsNotShared) {
+    restart("read 1 hold");
+    const std::string path = file(100);
+    EXPECT_EQ(changedMeanwhile([&] { return shared(path); },
+                               [&] { EXPECT_EQ(truncate(path.c_str(), 0), 0); }),
+              "empty memory");
+}
+
+TEST_F(FaultyDeliveryTest, FileThatBecomesLongerIsSharedWhole) {
+    restart("read 1 hold");
+    const std::string path = file(5000);
+    const std::string got = changedMeanwhile(
+            [&] { return isSharedWhole(path) ? "whole" : "not whole"; }, [&] { file(70'000); });
+    EXPECT_EQ(got, "whole");
 }
 
 }  // namespace
