@@ -155,11 +155,19 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     Return<void> getTvdataPath(getTvdataPath_cb _hidl_cb) override;
     Return<void> getImpdataPath(getImpdataPath_cb _hidl_cb) override;
 
-    // Files for clients that may not read the partitions themselves. A path may be quoted.
+    // Files for clients that may not read the partitions themselves. A path may be quoted. A file
+    // is delivered whole or not at all, see FileDelivery.h.
 
-    /** The file's bytes; empty when it cannot be read. No answer to a path without text. */
+    /**
+     * The file's bytes; empty when it cannot be read. No answer to a path without text. On a device
+     * the call of a file fails whose reply has more than kMostReplyBytesOnDevice; the log names it.
+     */
     Return<void> getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) override;
-    /** The file's bytes in a block of shared memory; empty memory when they cannot be had. */
+    /**
+     * The file's bytes in a block of shared memory; empty memory when they cannot be had. At most
+     * three calls are inside the allocator at once. A further one waits for a second at most, and
+     * answers with empty memory when none of them has come back.
+     */
     Return<void> getVendorPartitionFile(const hidl_string& path,
                                         getVendorPartitionFile_cb _hidl_cb) override;
     /** 1 or 0. No answer to a path without text. */
