@@ -2,6 +2,7 @@
 
 #include <log/log.h>
 
+#include <cstring>
 #include <ostream>
 
 namespace android::hardware {
@@ -48,12 +49,24 @@ constexpr Name kErrors[] = {
         {UNEXPECTED_NULL, "UNEXPECTED_NULL"},
 };
 
+// The name; null when it is not among them.
 template <size_t N>
-std::string nameIn(const Name (&names)[N], int32_t value) {
+const char* nameIn(const Name (&names)[N], int32_t value) {
     for (const Name& name : names) {
         if (name.value == value) return name.text;
     }
-    return std::to_string(value);
+    return nullptr;
+}
+
+std::string exceptionName(int32_t exception) {
+    const char* const name = nameIn(kExceptions, exception);
+    return name != nullptr ? name : std::to_string(exception);
+}
+
+// What has no name of its own is an errno.
+std::string errorName(status_t error) {
+    const char* const name = nameIn(kErrors, error);
+    return name != nullptr ? name : std::to_string(error) + " " + strerror(-error);
 }
 
 }  // namespace
@@ -72,10 +85,9 @@ void Status::setFromStatusT(status_t status) {
 
 std::string Status::description() const {
     if (isOk()) return "No error";
-    std::string text = nameIn(kExceptions, mException);
-    if (mError != OK) text += ": " + nameIn(kErrors, mError);
-    if (!mMessage.empty()) text += ": " + mMessage;
-    return text;
+    std::string text = "Status(" + exceptionName(mException) + "): '";
+    if (mException == EX_TRANSACTION_FAILED) text += errorName(mError) + ": ";
+    return text + mMessage + "'";
 }
 
 std::ostream& operator<<(std::ostream& stream, const Status& status) {

@@ -121,7 +121,7 @@ TEST_F(BaseMethodsTest, CastOfADeadObject) {
 TEST_F(BaseMethodsTest, MissingCallbackIsRefusedHere) {
     const auto called = mService->text("unheard", nullptr);
     EXPECT_FALSE(called.isOk());
-    EXPECT_THAT(called.description(), ::testing::StartsWith("EX_ILLEGAL_ARGUMENT"));
+    EXPECT_THAT(called.description(), ::testing::StartsWith("Status(EX_ILLEGAL_ARGUMENT)"));
     EXPECT_FALSE(mService->interfaceChain(nullptr).isOk());
 }
 

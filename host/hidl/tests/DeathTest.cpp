@@ -123,7 +123,7 @@ TEST_F(DeathTest, CallsToTheDeadSaySo) {
     const auto called = mService->length("");
     EXPECT_FALSE(called.isOk());
     EXPECT_TRUE(called.isDeadObject());
-    EXPECT_EQ("EX_TRANSACTION_FAILED: DEAD_OBJECT", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'DEAD_OBJECT: '", called.description());
     EXPECT_TRUE(mService->ping().isDeadObject());
     EXPECT_TRUE(mService->poke(1).isDeadObject());
 }

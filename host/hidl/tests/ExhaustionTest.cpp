@@ -75,7 +75,7 @@ TEST_F(ExhaustionTest, CallsWithDescriptorsFailAndNothingElse) {
     const hidl_handle handle = handleOf(files());
     // Nothing is left for the last of them at least: the calls fail, the object lives.
     const auto refused = mHonest->fd(handle, [](const hidl_handle&) {});
-    EXPECT_EQ("EX_TRANSACTION_FAILED: BAD_VALUE", refused.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", refused.description());
     const auto listened = mHonest->listen(new Listener, "");
     EXPECT_FALSE(listened.isOk());
     EXPECT_FALSE(listened.isDeadObject());

@@ -133,7 +133,7 @@ TEST_F(HandlesTest, AsManyDescriptorsAsTheKernelPasses) {
     EXPECT_TRUE(most.isOk()) << most.description();
     EXPECT_EQ(253, got);
     const auto more = mService->fd(many(254), [&](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", more.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", more.description());
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -228,7 +228,7 @@ TEST_F(HandlesTest, DescriptorThatIsNoneFailsTheCallAndNothingElse) {
     native_handle_t* broken = native_handle_create(1, 0);
     broken->data[0] = -1;
     const auto called = mService->fd(broken, [](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
     EXPECT_FALSE(called.isDeadObject());
     EXPECT_TRUE(mService->ping().isOk());
     (void)native_handle_delete(broken);
@@ -236,7 +236,7 @@ TEST_F(HandlesTest, DescriptorThatIsNoneFailsTheCallAndNothingElse) {
 
 TEST_F(HandlesTest, AnswersDescriptorThatIsNoneFailsTheCallAndNothingElse) {
     const auto called = mService->brokenHandle([](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -245,7 +245,7 @@ TEST_F(HandlesTest, HandleWithNegativeCountsIsRefusedHere) {
     broken->numFds = -1;
     const auto called = mService->fd(broken, [](const hidl_handle&) { FAIL(); });
     (void)native_handle_delete(broken);
-    EXPECT_EQ("EX_TRANSACTION_FAILED: BAD_VALUE", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
 }
 

@@ -232,19 +232,20 @@ RawMessage statusReply(::android::status_t status) {
     return message;
 }
 
-const char kBadValue[] = "EX_TRANSACTION_FAILED: BAD_VALUE";
+const char kBadValue[] = "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '";
 const FailingRow kFailing[] = {
         {"Sound", [](RawMessage&) {}, "No error"},
         {"Error", [](RawMessage& m) { m = statusReply(::android::BAD_VALUE); }, kBadValue},
         {"UnknownError", [](RawMessage& m) { m = statusReply(-4711); },
-         "EX_TRANSACTION_FAILED: -4711"},
-        {"PositiveError", [](RawMessage& m) { m = statusReply(5); }, "EX_TRANSACTION_FAILED: 5"},
+         "Status(EX_TRANSACTION_FAILED): '-4711 Unknown error 4711: '"},
+        {"PositiveError", [](RawMessage& m) { m = statusReply(5); },
+         "Status(EX_TRANSACTION_FAILED): '5 Unknown error -5: '"},
         {"DeathThatIsTold", [](RawMessage& m) { m = statusReply(::android::DEAD_OBJECT); },
-         "EX_TRANSACTION_FAILED: FAILED_TRANSACTION"},
+         "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '"},
         {"ErrorWithAParcel", [](RawMessage& m) { m.header.code = 22; },
-         "EX_TRANSACTION_FAILED: 22"},
+         "Status(EX_TRANSACTION_FAILED): '22 Unknown error -22: '"},
         {"Empty", [](RawMessage& m) { m = statusReply(0); },
-         "EX_TRANSACTION_FAILED: NOT_ENOUGH_DATA"},
+         "Status(EX_TRANSACTION_FAILED): 'NOT_ENOUGH_DATA: '"},
         {"DataLargerThanBody", [](RawMessage& m) { m.dataSize = 1000; }, kBadValue},
         {"ObjectTooMany", [](RawMessage& m) { m.objectCount = 3; }, kBadValue},
         {"ObjectMissing", [](RawMessage& m) { m.objects.pop_back(); }, kBadValue},
@@ -261,13 +262,13 @@ const FailingRow kFailing[] = {
              m.number(static_cast<uint32_t>(-5));
              m.text("not now");
          },
-         "EX_ILLEGAL_STATE: not now"},
+         "Status(EX_ILLEGAL_STATE): 'not now'"},
         {"ExceptionWithoutItsText",
          [](RawMessage& m) {
              m.data.clear();
              m.number(static_cast<uint32_t>(-5));
          },
-         "EX_TRANSACTION_FAILED: NOT_ENOUGH_DATA"},
+         "Status(EX_TRANSACTION_FAILED): 'NOT_ENOUGH_DATA: '"},
 };
 
 class FailingAnswerTest : public ::testing::TestWithParam<FailingRow> {
@@ -310,7 +311,7 @@ TEST(HostileServerTest, OnewayCallsDoNotWaitForAServerThatNeverReads) {
     while (sent < 100000 && proxy->poke(sent).isOk()) ++sent;
     EXPECT_LT(sent, 100000);
     const auto refused = proxy->poke(0);
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", refused.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", refused.description());
 }
 
 }  // namespace

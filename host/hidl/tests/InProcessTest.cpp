@@ -180,7 +180,7 @@ TEST_F(StubMapTest, StubThatRefuses) {
     const sp<IEverything> proxy = IEverything::getService("stubborn");
     ASSERT_NE(nullptr, proxy);
     const auto refused = proxy->text("", [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: BAD_VALUE", refused.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", refused.description());
     EXPECT_FALSE(refused.isDeadObject());
     EXPECT_EQ(3U, static_cast<uint32_t>(proxy->length("abc")));
 }

@@ -146,7 +146,7 @@ TEST_F(InterfacesTest, OneImplementationIsOneObject) {
 
 TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheServer) {
     const auto called = mService->passOn(new Listener);
-    EXPECT_EQ("EX_TRANSACTION_FAILED: INVALID_OPERATION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
     const auto nothing = mService->passOn(nullptr);
     EXPECT_TRUE(nothing.isOk()) << nothing.description();
@@ -155,7 +155,7 @@ TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheServer) {
 TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheClient) {
     const sp<IListener> theirs = listen(new Listener, "");
     const auto called = mService->listen(theirs, "round about");
-    EXPECT_EQ("EX_TRANSACTION_FAILED: INVALID_OPERATION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(theirs->ping().isOk());
 }

@@ -47,13 +47,13 @@ TEST_F(LimitsTest, CallAtTheLimitAndAbove) {
     const size_t longest = kMaxCallBody - frame - 1;
     EXPECT_EQ(longest, static_cast<uint32_t>(mService->length(std::string(longest, 'x'))));
     const auto above = mService->length(std::string(longest + 1, 'x'));
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", above.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", above.description());
     EXPECT_TRUE(mService->ping().isOk());
 }
 
 TEST_F(LimitsTest, CallOfManyMegabytes) {
     const auto called = mService->length(std::string(16 << 20, 'x'));
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -72,7 +72,7 @@ TEST_F(LimitsTest, AnswerOf64Megabytes) {
 TEST_F(LimitsTest, AnswerAboveTheLimit) {
     const auto called = mService->bytes(static_cast<uint32_t>(kMaxReplyBody),
                                         [](const hidl_vec<uint8_t>&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: FAILED_TRANSACTION", called.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(answered(1000));
 }

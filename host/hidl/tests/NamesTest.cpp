@@ -115,7 +115,8 @@ TEST_F(NamesTest, ListIsSortedAndWithoutTheDead) {
                                       "mlk.test.everything@1.0::IEverything/b",
                                       "mlk.test.everything@1.0::IEverything/with.dot"));
     const auto withoutCallback = defaultServiceManager()->list(nullptr);
-    EXPECT_THAT(withoutCallback.description(), ::testing::StartsWith("EX_ILLEGAL_ARGUMENT"));
+    EXPECT_THAT(withoutCallback.description(),
+                ::testing::StartsWith("Status(EX_ILLEGAL_ARGUMENT)"));
 }
 
 TEST_F(NamesTest, NobodyTellsOfRegistrations) {

@@ -24,20 +24,25 @@ TEST(StatusTest, Descriptions) {
             {Status(), "No error"},
             {Status::ok(), "No error"},
             {Status::fromStatusT(::android::OK), "No error"},
-            {Status::fromStatusT(::android::BAD_VALUE), "EX_TRANSACTION_FAILED: BAD_VALUE"},
-            {Status::fromStatusT(::android::DEAD_OBJECT), "EX_TRANSACTION_FAILED: DEAD_OBJECT"},
+            {Status::fromStatusT(::android::BAD_VALUE),
+             "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '"},
+            {Status::fromStatusT(::android::DEAD_OBJECT),
+             "Status(EX_TRANSACTION_FAILED): 'DEAD_OBJECT: '"},
             {Status::fromStatusT(::android::FAILED_TRANSACTION),
-             "EX_TRANSACTION_FAILED: FAILED_TRANSACTION"},
+             "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '"},
             {Status::fromStatusT(::android::UNKNOWN_TRANSACTION),
-             "EX_TRANSACTION_FAILED: UNKNOWN_TRANSACTION"},
-            {Status::fromStatusT(-4711), "EX_TRANSACTION_FAILED: -4711"},
-            {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT), "EX_ILLEGAL_ARGUMENT"},
+             "Status(EX_TRANSACTION_FAILED): 'UNKNOWN_TRANSACTION: '"},
+            {Status::fromStatusT(-4711),
+             "Status(EX_TRANSACTION_FAILED): '-4711 Unknown error 4711: '"},
+            {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT),
+             "Status(EX_ILLEGAL_ARGUMENT): ''"},
             {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT, "why"),
-             "EX_ILLEGAL_ARGUMENT: why"},
-            {Status::fromExceptionCode(Status::EX_NULL_POINTER, nullptr), "EX_NULL_POINTER"},
+             "Status(EX_ILLEGAL_ARGUMENT): 'why'"},
+            {Status::fromExceptionCode(Status::EX_NULL_POINTER, nullptr),
+             "Status(EX_NULL_POINTER): ''"},
             {Status::fromExceptionCode(Status::EX_TRANSACTION_FAILED, "why"),
-             "EX_TRANSACTION_FAILED: why"},
-            {Status::fromExceptionCode(77), "77"},
+             "Status(EX_TRANSACTION_FAILED): 'OK: why'"},
+            {Status::fromExceptionCode(77), "Status(77): ''"},
     };
     for (const auto& [status, text] : rows) {
         EXPECT_EQ(text, status.description());
@@ -79,7 +84,7 @@ TEST(ReturnTest, FailureThatNobodyLooksAtIsToldOnce) {
     const auto told = [&] { return log.texts(ANDROID_LOG_WARN, "hidl"); };
     { const Return<void> bad = Status::fromStatusT(::android::BAD_VALUE); }
     EXPECT_THAT(told(), ElementsAre("a failed call was not looked at: "
-                                    "EX_TRANSACTION_FAILED: BAD_VALUE"));
+                                    "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '"));
     {
         Return<void> bad = Status::fromStatusT(::android::NO_MEMORY);
         const Return<void> moved = std::move(bad);
@@ -107,8 +112,11 @@ TEST(ReturnDeathTest, ResultOfAFailedCall) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const Return<int> bad = Status::fromStatusT(::android::BAD_VALUE);
     EXPECT_DEATH((void)static_cast<int>(bad),
-                 "the result of a failed call was taken: EX_TRANSACTION_FAILED: BAD_VALUE");
-    EXPECT_DEATH(bad.assertOk(), "a call that must not fail did: EX_TRANSACTION_FAILED: BAD_VALUE");
+                 "the result of a failed call was taken: "
+                 "Status\\(EX_TRANSACTION_FAILED\\): 'BAD_VALUE: '");
+    EXPECT_DEATH(bad.assertOk(),
+                 "a call that must not fail did: "
+                 "Status\\(EX_TRANSACTION_FAILED\\): 'BAD_VALUE: '");
     (void)bad.isOk();
 }
 

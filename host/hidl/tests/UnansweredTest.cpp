@@ -35,9 +35,9 @@ TEST_F(UnansweredTest, TwoAnswersGiveTheFirstAndEndTheServer) {
 
 TEST_F(UnansweredTest, ExceptionsFailTheirCallAndNothingElse) {
     const auto noMemory = mService->fails(true, [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: NO_MEMORY", noMemory.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'NO_MEMORY: '", noMemory.description());
     const auto other = mService->fails(false, [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("EX_TRANSACTION_FAILED: UNKNOWN_ERROR", other.description());
+    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'UNKNOWN_ERROR: '", other.description());
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(mServer.says("ended in an exception: on request"));
 }

@@ -138,7 +138,7 @@ TEST(MapMemory, TakesAnnouncementsOfRangesInTheBlock) {
         EXPECT_EQ(read.isOk(), range.lies) << range.start << " " << range.length;
         if (!range.lies) {
             EXPECT_EQ(update.description(),
-                      "EX_ILLEGAL_ARGUMENT: the range does not lie in the block");
+                      "Status(EX_ILLEGAL_ARGUMENT): 'the range does not lie in the block'");
         }
     }
 }

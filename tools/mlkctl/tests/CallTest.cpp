@@ -157,8 +157,9 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
     script.dying = {"getPanelName"};
     expectFailure({"IMlkProjectConfigs", "getEQPath", "2"}, script, 3,
                   "IMlkProjectConfigs getEQPath: no answer");
-    expectFailure({"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
-                  "IMlkProjectConfigs getPowerOnMode: no answer: EX_ILLEGAL_STATE: not now");
+    expectFailure(
+            {"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
+            "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not now'");
     expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
                   "IMlkProjectConfigs getPanelName: the service died during the call");
 }

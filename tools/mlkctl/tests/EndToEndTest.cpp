@@ -91,8 +91,9 @@ TEST_F(EndToEndTest, ARefusedCallIsNoAnswerAndTheServiceLivesOn) {
     const Outcome refused = run({"call", "IMlkProjectConfigs", "getPowerOnMode"});
     EXPECT_EQ(refused.status, 3);
     EXPECT_EQ(refused.out, "");
-    EXPECT_THAT(refused.err,
-                HasSubstr("getPowerOnMode: no answer: EX_TRANSACTION_FAILED: BAD_VALUE"));
+    EXPECT_THAT(
+            refused.err,
+            HasSubstr("getPowerOnMode: no answer: Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '"));
     EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getPanelName"}).status, 0);
     EXPECT_TRUE(mService->running());
 }
@@ -183,7 +184,7 @@ TEST_F(EndToEndTest, ATextTooLongToTravelIsNoAnswer) {
     EXPECT_THAT(
             outcome.out,
             MatchesRegex(R"(\{"error":"no-answer","message":"IMlkProjectConfigs isFileExist: no )"
-                         "answer: EX_TRANSACTION_FAILED: .*\"}\n"
+                         "answer: Status\\(EX_TRANSACTION_FAILED\\): .*\"}\n"
                          R"(\{"success":true,"value":42\})"
                          "\n"));
 }

@@ -49,7 +49,9 @@ class Status {
     const char* exceptionMessage() const { return mMessage.c_str(); }
     status_t transactionError() const { return mException == EX_TRANSACTION_FAILED ? mError : OK; }
 
-    // "No error", or the exception with its message: "EX_TRANSACTION_FAILED: BAD_VALUE".
+    // "No error", or the exception with its error, where it has one, and its message, as a device
+    // words it: "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '",
+    // "Status(EX_ILLEGAL_ARGUMENT): 'why'".
     std::string description() const;
 
   private:
