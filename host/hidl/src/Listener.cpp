@@ -4,10 +4,13 @@
 #include <log/log.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <exception>
 #include <memory>
+#include <utility>
 
 #include "RuntimeFolder.h"
 #include "ServerConnection.h"
@@ -31,10 +34,18 @@ unique_fd anyDescriptor() {
     return unique_fd(open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
+// 0 when there is no such file.
+uint64_t inodeOf(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
 }  // namespace
 
-Listener::Listener(unique_fd socket, const sp<BHwBinder>& object)
+Listener::Listener(unique_fd socket, std::string path, const sp<BHwBinder>& object)
     : mSocket(std::move(socket)),
+      mPath(std::move(path)),
+      mFile(inodeOf(mPath)),
       mObject(object),
       mServer(randomNumber()),
       mSpare(anyDescriptor()) {}
@@ -44,6 +55,7 @@ EventSource::Next Listener::onEvents(uint32_t, ThreadPool& pool) {
         unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket.ok()) {
             mRefusing = false;
+            lookForName(socket.get());
             welcome(std::move(socket), pool);
         } else if (errno == EAGAIN) {
             break;
@@ -70,6 +82,19 @@ void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
     } catch (const std::exception& exception) {
         ALOGE("cannot take a connection: %s", exception.what());
     }
+}
+
+void Listener::lookForName(int client) {
+    if (mNameIsLost || mFile == 0) return;
+    const uint64_t file = inodeOf(mPath);
+    if (file == 0 || file == mFile) return;
+    mNameIsLost = true;
+    ucred other{};
+    socklen_t size = sizeof(other);
+    (void)getsockopt(client, SOL_SOCKET, SO_PEERCRED, &other, &size);
+    if (other.pid == getpid()) return;
+    ALOGE("%s: process %d has taken the name over; new clients do not reach this process",
+          mPath.c_str(), other.pid);
 }
 
 void Listener::refuseOne() {

@@ -5,16 +5,19 @@
 #include <hwbinder/IBinder.h>
 
 #include <cstdint>
+#include <string>
 
 #include "ThreadPool.h"
 
 namespace android::hardware::transport {
 
-// Takes connections from this user's and root's processes, and says hello to each. One thread at a
-// time has it (ThreadPool).
+// Takes connections from this user's and root's processes, and says hello to each. Logs an error
+// when another process has taken the name over: that process connects once more (listenOn). One
+// thread at a time has it (ThreadPool).
 class Listener : public EventSource {
   public:
-    Listener(::android::base::unique_fd socket, const sp<BHwBinder>& object);
+    // path: the socket's file.
+    Listener(::android::base::unique_fd socket, std::string path, const sp<BHwBinder>& object);
 
     Next onEvents(uint32_t events, ThreadPool& pool) override;
     int descriptor() const override { return mSocket.get(); }
@@ -22,11 +25,15 @@ class Listener : public EventSource {
   private:
     void welcome(::android::base::unique_fd socket, ThreadPool& pool) const;
     void refuseOne();
+    void lookForName(int client);
 
     const ::android::base::unique_fd mSocket;
+    const std::string mPath;
+    const uint64_t mFile;  // the inode of the socket's file; 0 when it cannot be told
     const sp<BHwBinder> mObject;
     const uint64_t mServer;             // names this registration
     ::android::base::unique_fd mSpare;  // given up for a moment when descriptors run out
+    bool mNameIsLost = false;           // whether another process has the name
     bool mRefusing = false;             // whether the last client was refused for want of one
 };
 

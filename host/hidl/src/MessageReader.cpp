@@ -26,16 +26,29 @@ MessageReader::Result MessageReader::inspect() {
         mTotal = sizeof(Header) + static_cast<size_t>(header.bodySize);
         if (!mMessage.reserve(mTotal, mFilled)) return Result::RUBBISH;
     }
-    if (mFilled < mTotal) return Result::AGAIN;
     // Descriptors arrive no later than the bytes they were sent with, and nobody sends more than a
-    // message says: what is left over belongs to the bytes behind it, if there are any.
+    // message says: what is left over belongs to the bytes that follow it, if there are any.
     const size_t wanted = mMessage.header().fdCount;
-    if (mMessage.descriptors.size() > wanted && mFilled == mTotal) return Result::RUBBISH;
-    return Result::MESSAGE;
+    if (mMessage.descriptors.size() > wanted && mFilled <= mTotal) return Result::RUBBISH;
+    return mFilled < mTotal ? Result::AGAIN : Result::MESSAGE;
 }
 
 bool MessageReader::hasResult() {
     return inspect() != Result::AGAIN;
+}
+
+void MessageReader::trim() {
+    const size_t needed = mFilled == 0 ? 0 : std::max({mFilled, mTotal, kFirstCapacity});
+    if (mMessage.capacity <= needed) return;
+    IncomingMessage fitting;
+    fitting.descriptors = std::move(mMessage.descriptors);
+    if (needed != 0 && !fitting.reserveExactly(needed)) {
+        mMessage.descriptors = std::move(fitting.descriptors);
+        return;
+    }
+    if (mFilled != 0) memcpy(fitting.bytes.get(), mMessage.bytes.get(), mFilled);
+    const IncomingMessage larger = std::move(mMessage);  // its memory serves the next one
+    mMessage = std::move(fitting);
 }
 
 MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsRest) {
@@ -48,8 +61,11 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
                                          mMessage.capacity - mFilled, &mMessage.descriptors, flags);
         if (got == 0) return Result::CLOSED;
         if (got < 0) return errno == EAGAIN ? Result::AGAIN : Result::CLOSED;
-        if (mMessage.descriptors.size() > 2 * kMaxDescriptors) return Result::RUBBISH;
         mFilled += static_cast<size_t>(got);
+        // No message has more; those that one has too many belong to the next, which is here.
+        const size_t most =
+                mTotal == 0 && mFilled < sizeof(Header) ? kMaxDescriptors : 2 * kMaxDescriptors;
+        if (mMessage.descriptors.size() > most) return Result::RUBBISH;
     }
 }
 

@@ -29,6 +29,15 @@ class MessageReader {
     // may arrive at once, and nothing more has to arrive behind them.
     bool hasResult();
 
+    // Whether a part of a message, or messages, are here that were not taken.
+    bool hasBegun() const { return mFilled != 0; }
+    // For when nobody reads for a while: gives back what memory is not needed for the message under
+    // way.
+    void trim();
+    // What it keeps of this process: bytes, descriptors.
+    size_t keptBytes() const { return mMessage.capacity; }
+    size_t keptDescriptors() const { return mMessage.descriptors.size(); }
+
     // The message, with the descriptors that belong to it: as many as its header says, or fewer
     // when they were not sent or there was no room for them in this process.
     IncomingMessage take();

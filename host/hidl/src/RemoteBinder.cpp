@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <hwbinder/Parcel.h>
+#include <log/log.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -9,8 +10,12 @@
 #include <chrono>
 #include <new>
 
+#include "Limits.h"
 #include "RuntimeFolder.h"
 #include "ThreadPool.h"
+
+#undef LOG_TAG
+#define LOG_TAG "hidl"
 
 namespace android::hardware::transport {
 
@@ -45,7 +50,7 @@ class DeathWatch : public EventSource {
 
 sp<RemoteBinder> RemoteBinder::connect(const std::string& name) {
     uint64_t server = 0;
-    unique_fd connection = connectTo(findRuntimeFolder(), name, &server);
+    unique_fd connection = connectTo(findRuntimeFolder(), name, &server, Deadline(callLimit()));
     if (!connection.ok()) return nullptr;
     return sp<RemoteBinder>(new RemoteBinder(name, server, std::move(connection)));
 }
@@ -69,13 +74,13 @@ RemoteBinder::~RemoteBinder() {
     if (watch != 0) ThreadPool::instance().remove(watch);
 }
 
-RemoteBinder::Link* RemoteBinder::acquire() {
+RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
     std::unique_lock<std::mutex> lock(mMutex);
     if (mFree.empty() && !mDead && !mName.empty() && mLinks.size() + mOpening < kMaxConnections) {
         ++mOpening;
         lock.unlock();
         uint64_t server = 0;
-        unique_fd more = connectTo(findRuntimeFolder(), mName, &server);
+        unique_fd more = connectTo(findRuntimeFolder(), mName, &server, end);
         lock.lock();
         --mOpening;
         // A server that took the name over is not ours; one that has no descriptor left for another
@@ -85,8 +90,13 @@ RemoteBinder::Link* RemoteBinder::acquire() {
             return mLinks.back().get();
         }
     }
-    mFreed.wait(lock, [this] { return mDead || !mFree.empty(); });
-    if (mDead) return nullptr;
+    const auto isOver = [this] { return mDead || !mFree.empty(); };
+    if (end.isNever()) {
+        mFreed.wait(lock, isOver);
+    } else {
+        (void)mFreed.wait_until(lock, end.time(), isOver);
+    }
+    if (mDead || mFree.empty()) return nullptr;
     Link* const link = mFree.back();
     mFree.pop_back();
     return link;
@@ -96,6 +106,11 @@ void RemoteBinder::release(Link* link) {
     std::lock_guard<std::mutex> lock(mMutex);
     mFree.push_back(link);
     mFreed.notify_one();
+}
+
+bool RemoteBinder::isDead() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mDead;
 }
 
 void RemoteBinder::markDead() {
@@ -114,38 +129,53 @@ void RemoteBinder::markDeadLocked() {
 
 namespace {
 
-// The next message on a connection; false when there will be none.
-bool receiveMessage(int connection, MessageReader* reader, IncomingMessage* message) {
+// The next message on a connection: MESSAGE; AGAIN when it does not come in time; any other result
+// when there will be none.
+MessageReader::Result receiveMessage(int connection, MessageReader* reader,
+                                     IncomingMessage* message, const Deadline& end) {
+    const int flags = end.isNever() ? 0 : MSG_DONTWAIT;
     while (true) {
-        switch (reader->read(connection, 0, 0)) {
-            case MessageReader::Result::MESSAGE:
-                *message = reader->take();
-                return true;
-            case MessageReader::Result::AGAIN:
-                // A connection that came from another process may be set not to wait.
-                (void)waitFor(connection, POLLIN, kForever);
-                break;
-            default:
-                return false;
-        }
+        const MessageReader::Result result = reader->read(connection, flags, flags);
+        if (result == MessageReader::Result::MESSAGE) *message = reader->take();
+        if (result != MessageReader::Result::AGAIN) return result;
+        // A connection that came from another process may be set not to wait.
+        if (!waitFor(connection, POLLIN, end.left())) return result;
     }
 }
 
 }  // namespace
 
-status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply) {
+status_t RemoteBinder::timedOut() const {
+    ALOGE("%s does not answer in time",
+          mName.empty() ? "an object that was handed over" : mName.c_str());
+    return TIMED_OUT;
+}
+
+status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end,
+                                bool* lost) {
+    *lost = true;
     const int connection = link->socket.get();
     Sending& sending = link->call.sending();
-    const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : kForever);
+    const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : end.left());
     const bool whole = !sending.begun;
     link->call.finish();
     // A call that the kernel does not take, for a descriptor in it that is none, say, has left the
     // connection as it was.
-    if (error != 0) return whole && !endsConnection(error) ? FAILED_TRANSACTION : DEAD_OBJECT;
-    if (oneway) return OK;
+    if (error == EAGAIN && !oneway) return timedOut();
+    if (error != 0) {
+        *lost = !whole || endsConnection(error);
+        return *lost ? DEAD_OBJECT : FAILED_TRANSACTION;
+    }
+    if (oneway) {
+        *lost = false;
+        return OK;
+    }
     IncomingMessage message;
-    if (!receiveMessage(connection, &link->replies, &message)) return DEAD_OBJECT;
+    const MessageReader::Result result = receiveMessage(connection, &link->replies, &message, end);
+    if (result == MessageReader::Result::AGAIN) return timedOut();
+    if (result != MessageReader::Result::MESSAGE) return DEAD_OBJECT;
     if (message.header().type != MessageType::REPLY) return DEAD_OBJECT;
+    *lost = false;
     const auto status = static_cast<status_t>(message.header().code);
     if (status == OK) return reply->adopt(std::move(message));
     // Only the end of the connection means death.
@@ -155,9 +185,11 @@ status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply) {
 status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                                 TransactCallback callback) {
     const bool oneway = (flags & FLAG_ONEWAY) != 0;
-    Link* const link = acquire();
-    if (link == nullptr) return DEAD_OBJECT;
+    const Deadline end(callLimit());
+    Link* const link = acquire(end);
+    if (link == nullptr) return isDead() ? DEAD_OBJECT : timedOut();
     status_t status = DEAD_OBJECT;
+    bool lost = true;
     try {
         status = link->call.encode(data, oneway ? MessageType::ONEWAY_CALL : MessageType::CALL,
                                    code, kMaxCallBody);
@@ -166,13 +198,14 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
             release(link);
             return status;
         }
-        status = exchange(link, oneway, reply);
+        status = exchange(link, oneway, reply, end, &lost);
     } catch (const std::bad_alloc&) {
         // What the connection was left with is unknown: the object counts as dead.
         link->call.finish();
         status = DEAD_OBJECT;
+        lost = true;
     }
-    if (status == DEAD_OBJECT) {
+    if (lost) {
         markDead();
         return status;
     }

@@ -20,6 +20,10 @@ namespace android::hardware::transport {
 // service's name as they are needed. An object that was handed over as an argument has no name and
 // its one connection; calls to it take turns.
 //
+// A call may take as long as callLimit() says, with all that it waits for. One that takes longer
+// fails with TIMED_OUT. When its request was sent already, the object counts as dead from then on:
+// what would arrive next on that connection is unknown.
+//
 // It stays the object of the server that it was made for: when that process is gone it is dead for
 // good, even when another server has taken the name.
 //
@@ -54,11 +58,15 @@ class RemoteBinder : public IBinder {
         MessageReader replies{kMaxReplyBody};
     };
 
-    Link* acquire();
+    // Null when the object is dead, or the time is over.
+    Link* acquire(const Deadline& end);
     void release(Link* link);
+    bool isDead();
     void markDead();
     void markDeadLocked();
-    status_t exchange(Link* link, bool oneway, Parcel* reply);
+    // lost: set when nothing more can come over that connection.
+    status_t exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end, bool* lost);
+    status_t timedOut() const;
 
     const std::string mName;  // empty for an object without a name
     const uint64_t mServer;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <log/log.h>
+#include <poll.h>
 #include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -9,6 +10,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cinttypes>
@@ -18,7 +20,6 @@
 #include <cstring>
 #include <filesystem>
 
-#include "Socket.h"
 #include "Wire.h"
 
 #undef LOG_TAG
@@ -31,6 +32,7 @@ namespace {
 constexpr int kBacklog = 128;
 constexpr std::chrono::milliseconds kHelloLimit{5000};
 constexpr std::chrono::milliseconds kNoLimit{0};
+constexpr std::chrono::milliseconds kLeast{1};
 
 std::string runtimePath() {
     const char* own = getenv("MLK_RUNTIME_DIR");
@@ -133,12 +135,22 @@ const sockaddr* generic(const sockaddr_un& address) {
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
+// A connection to the socket that this descriptor names.
+int connectFile(int socket, int file) {
+    sockaddr_un address;
+    if (!makeAddress(pathOf(file), &address)) return -1;
+    int result;
+    do {
+        result = connect(socket, generic(address), sizeof(address));
+    } while (result != 0 && errno == EINTR);
+    return result;
+}
+
 int connectSocket(int socket, const RuntimeFolder& folder, const std::string& name) {
     sockaddr_un address;
-    unique_fd file;
     if (!makeAddress(folder.path + "/" + name, &address)) {
-        file.reset(openat(folder.descriptor.get(), name.c_str(), O_PATH | O_CLOEXEC));
-        if (!file.ok() || !makeAddress(pathOf(file.get()), &address)) return -1;
+        const unique_fd file(openat(folder.descriptor.get(), name.c_str(), O_PATH | O_CLOEXEC));
+        return file.ok() ? connectFile(socket, file.get()) : -1;
     }
     int result;
     do {
@@ -147,22 +159,25 @@ int connectSocket(int socket, const RuntimeFolder& folder, const std::string& na
     return result;
 }
 
-void limitWaiting(int socket, std::chrono::milliseconds time) {
+// Connecting waits, as sending does, for a server that takes nobody.
+void limitSending(int socket, std::chrono::milliseconds time) {
     const timeval limit = {time.count() / 1000, time.count() % 1000 * 1000};
     (void)setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
-    (void)setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
 }
 
 enum class Heard { HELLO, NOTHING, NONSENSE };
 
-Heard receiveHello(int socket, uint64_t* server) {
+Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     Hello hello{};
     size_t filled = 0;
     while (filled < sizeof(hello)) {
         const ssize_t got = recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
-                                 sizeof(hello) - filled, 0);
+                                 sizeof(hello) - filled, MSG_DONTWAIT);
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0 && errno == EAGAIN) return Heard::NOTHING;
+        if (got < 0 && errno == EAGAIN) {
+            if (!waitFor(socket, POLLIN, end.left())) return Heard::NOTHING;
+            continue;
+        }
         if (got <= 0) return Heard::NONSENSE;
         filled += static_cast<size_t>(got);
     }
@@ -173,13 +188,28 @@ Heard receiveHello(int socket, uint64_t* server) {
 
 // A connection to a server whom this user trusts, which has not said anything yet.
 unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name,
-                          std::chrono::milliseconds limit) {
+                          const Deadline& end) {
     unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (!socket.ok() || !folder.descriptor.ok()) return {};
-    limitWaiting(socket.get(), limit);
+    // Without any time left there would be no limit.
+    limitSending(socket.get(), std::max(end.left(), kLeast));
     if (connectSocket(socket.get(), folder, name) != 0) return {};
+    limitSending(socket.get(), kNoLimit);
     const bool rootVisits = geteuid() == 0 && peerUser(socket.get()) == folder.owner;
     return rootVisits || peerIsTrusted(socket.get()) ? std::move(socket) : unique_fd();
+}
+
+// Tells the process that had a name, and the log, that it has it no more.
+void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int former) {
+    const unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (connectFile(socket.get(), former) != 0 && errno != EAGAIN) return;  // it is gone
+    ucred owner{};
+    socklen_t size = sizeof(owner);
+    (void)getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &owner, &size);
+    // EAGAIN: so many wait for it that it can neither be told nor asked.
+    if (owner.pid == getpid()) return;
+    ALOGE("%s/%s: this process takes the name from process %d, which still has it",
+          folder.path.c_str(), name.c_str(), owner.pid);
 }
 
 }  // namespace
@@ -197,29 +227,32 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
         return -ENAMETOOLONG;
     }
     if (bind(socket.get(), generic(address), sizeof(address)) != 0) return -errno;
+    const unique_fd former(openat(directory, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (listen(socket.get(), kBacklog) != 0 ||
         renameat(directory, temporary, directory, name.c_str()) != 0) {
         const int error = errno;
         (void)unlinkat(directory, temporary, 0);
         return -error;
     }
+    if (former.ok()) tellOfTakingOver(folder, name, former.get());
     *listener = std::move(socket);
     return OK;
 }
 
-unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server) {
-    unique_fd socket = connectTrusting(folder, name, kHelloLimit);
-    if (!socket.ok() || receiveHello(socket.get(), server) != Heard::HELLO) return {};
-    // Calls take as long as they take.
-    limitWaiting(socket.get(), kNoLimit);
+unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server,
+                    const Deadline& end) {
+    const Deadline hello(end.isNever() ? kHelloLimit : std::min(kHelloLimit, end.left()));
+    unique_fd socket = connectTrusting(folder, name, hello);
+    if (!socket.ok() || receiveHello(socket.get(), hello, server) != Heard::HELLO) return {};
     return socket;
 }
 
 bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit) {
     uint64_t server = 0;
-    const unique_fd socket = connectTrusting(folder, name, limit);
-    return socket.ok() && receiveHello(socket.get(), &server) != Heard::NONSENSE;
+    const Deadline end(limit);
+    const unique_fd socket = connectTrusting(folder, name, end);
+    return socket.ok() && receiveHello(socket.get(), end, &server) != Heard::NONSENSE;
 }
 
 }  // namespace android::hardware::transport

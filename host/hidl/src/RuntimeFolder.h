@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+#include "Socket.h"
+
 namespace android::hardware::transport {
 
 using ::android::base::unique_fd;
@@ -33,14 +35,16 @@ std::string socketName(const std::string& descriptor, const std::string& instanc
 // The reverse; false for a file that is not a service's.
 bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance);
 
-// Makes a listening socket of that name; it takes the name over when another has it. A status of
-// the errno when it cannot.
+// Makes a listening socket of that name. A status of the errno when it cannot. When another process
+// has the name it takes it over, as on a device; that is logged as an error here, and by the other
+// one, which is given a connection to learn of it.
 status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener);
 // Connects to that name and takes the server's hello: -1 when nobody answers there, when the server
 // is nobody whom this user trusts (itself, root; for root, the folder's owner), or speaks another
 // version. server receives the number that tells it from others of its name. Waits at most a few
-// seconds for a server all of whose threads are busy.
-unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server);
+// seconds, and not longer than the deadline, for a server all of whose threads are busy.
+unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server,
+                    const Deadline& end);
 
 // Whether a server whom this user trusts has that name: one that says its hello, or that says
 // nothing within the limit.

@@ -8,12 +8,15 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cinttypes>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
+#include <string>
 #include <utility>
 
+#include "Limits.h"
 #include "Socket.h"
 
 #undef LOG_TAG
@@ -30,10 +33,22 @@ constexpr timeval kStay = {0, 10000};
 // others, for as long as these are not in need of it.
 constexpr std::chrono::milliseconds kSendPatience{10};
 
+// The interface of an object.
+std::string nameOf(const sp<BHwBinder>& object) {
+    std::string name = "an object";
+    const auto implementation = details::implementationOf(object.get());
+    if (implementation == nullptr) return name;
+    (void)implementation->interfaceDescriptor([&](const hidl_string& text) { name = text; }).isOk();
+    return name;
+}
+
 }  // namespace
 
 ServerConnection::ServerConnection(unique_fd socket, const sp<BHwBinder>& object)
-    : mSocket(std::move(socket)), mObject(object) {
+    : mSocket(std::move(socket)),
+      mObject(object),
+      mUnsent(mSocket.get()),
+      mUnfinished(Stall::Kind::MESSAGE, mSocket.get()) {
     (void)setsockopt(mSocket.get(), SOL_SOCKET, SO_RCVTIMEO, &kStay, sizeof(kStay));
 }
 
@@ -49,15 +64,15 @@ status_t ServerConnection::open(BHwBinder* object, unique_fd* end) {
 }
 
 EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
-    if (!mUnsent.flush(mSocket.get())) return Next::DROP;
-    if (!mUnsent.empty()) return Next::WAIT_FOR_SPACE;
+    if (!mUnsent.flush()) return Next::DROP;
+    if (!mUnsent.empty()) return waitForSpace();
     // The first call is there. After its answer the thread stays for the next one, unless others
     // would then be without a thread.
     int flags = MSG_DONTWAIT;
     while (true) {
         switch (mReader.read(mSocket.get(), flags, MSG_DONTWAIT)) {
             case MessageReader::Result::AGAIN:
-                return Next::WAIT_FOR_INPUT;
+                return waitForInput();
             case MessageReader::Result::CLOSED:
                 return Next::DROP;
             case MessageReader::Result::RUBBISH:
@@ -66,14 +81,30 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
             case MessageReader::Result::MESSAGE:
                 break;
         }
+        mUnfinished.end();
         if (!dispatch(mReader.take(), pool)) return Next::DROP;
-        if (!mUnsent.empty()) return Next::WAIT_FOR_SPACE;
+        if (!mUnsent.empty()) return waitForSpace();
         if (!pool.anyThreadWaits()) {
             // A call that came together with the last one makes no event of its own: space does.
-            return mReader.hasResult() ? Next::WAIT_FOR_SPACE : Next::WAIT_FOR_INPUT;
+            return mReader.hasResult() ? waitForSpace() : waitForInput();
         }
         flags = 0;
     }
+}
+
+EventSource::Next ServerConnection::waitForInput() {
+    mReader.trim();
+    if (!mReader.hasBegun()) return Next::WAIT_FOR_INPUT;
+    const bool kept = mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors());
+    return kept ? Next::WAIT_FOR_INPUT : Next::DROP;
+}
+
+EventSource::Next ServerConnection::waitForSpace() {
+    mReader.trim();
+    if (!mReader.hasBegun()) return Next::WAIT_FOR_SPACE;
+    if (!mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors())) return Next::DROP;
+    mUnfinished.stopClock();
+    return Next::WAIT_FOR_SPACE;
 }
 
 // The call itself. When it comes to nothing, why.
@@ -107,7 +138,7 @@ bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& poo
     const IBinder::TransactCallback answer = [state = &state](Parcel& parcel) {
         if (!state->expected) return;
         OutgoingMessage& out = state->connection->mReply;
-        const status_t encoded = out.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
+        const status_t encoded = state->connection->encode(parcel);
         if (encoded != OK) out.encodeStatus(encoded);
         state->expected = false;
         state->alive = false;  // unless sending comes to its end
@@ -129,6 +160,17 @@ bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& poo
         state.alive = send(pool);
     }
     return state.alive;
+}
+
+status_t ServerConnection::encode(const Parcel& parcel) {
+    const status_t status = mReply.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
+    const uint64_t size = status == OK ? mReply.bodySize() : 0;
+    if (size <= kDeviceReplyBody) return status;
+    const bool refused = repliesAreLimitedAsOnADevice();
+    ALOGW("%s: a reply of %" PRIu64 " bytes %s: a device delivers %" PRIu64 " at most",
+          nameOf(mObject).c_str(), size, refused ? "is refused" : "would fail on a device",
+          kDeviceReplyBody);
+    return refused ? FAILED_TRANSACTION : OK;
 }
 
 bool ServerConnection::send(const ThreadPool& pool) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "MessageReader.h"
+#include "Stalls.h"
 #include "ThreadPool.h"
 #include "UnsentReply.h"
 #include "Wire.h"
@@ -31,9 +32,15 @@ class ServerConnection : public EventSource {
     int descriptor() const override { return mSocket.get(); }
 
   private:
+    // What the pool does next where the client has to send the rest of a message, or any; and where
+    // it has to take a reply, or others have to be served before its next call.
+    Next waitForInput();
+    Next waitForSpace();
     // Both: false when the connection is at its end.
     bool dispatch(IncomingMessage&& message, const ThreadPool& pool);
     bool send(const ThreadPool& pool);
+    // Makes a reply of the parcel; a warning names one that is too large for a device.
+    status_t encode(const Parcel& parcel);
 
     // `expected` says whether the caller still waits for an answer.
     status_t serve(IncomingMessage&& message, const IBinder::TransactCallback& answer,
@@ -44,6 +51,7 @@ class ServerConnection : public EventSource {
     MessageReader mReader{kMaxCallBody};
     OutgoingMessage mReply;
     UnsentReply mUnsent;
+    Stall mUnfinished;
 };
 
 }  // namespace android::hardware::transport

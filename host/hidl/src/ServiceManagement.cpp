@@ -111,7 +111,8 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
         return status;
     }
     auto& pool = transport::ThreadPool::instance();
-    auto listener = std::make_shared<transport::Listener>(std::move(socket), stub->localBinder());
+    auto listener = std::make_shared<transport::Listener>(
+            std::move(socket), folder.path + "/" + name, stub->localBinder());
     if (pool.add(std::move(listener), true) == 0) return NO_MEMORY;
     ProcessState::self()->startThreadPool();
     return OK;

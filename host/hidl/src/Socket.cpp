@@ -35,15 +35,13 @@ status_t connectedPair(unique_fd* first, unique_fd* second) {
     return OK;
 }
 
-namespace {
-using Clock = std::chrono::steady_clock;
-
-// What is left until then; not less than nothing.
-std::chrono::milliseconds until(Clock::time_point end) {
-    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+std::chrono::milliseconds Deadline::left() const {
+    if (isNever()) return kForever;
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(mEnd - Clock::now());
     return std::max(rest, std::chrono::milliseconds::zero());
 }
 
+namespace {
 bool hasOption(int socket, int option, int wanted) {
     int value = 0;
     socklen_t size = sizeof(value);
@@ -61,11 +59,10 @@ bool isHungUp(int socket) {
 }
 
 bool waitFor(int socket, short events, std::chrono::milliseconds limit) {
-    const Clock::time_point end = Clock::now() + limit;
+    const Deadline end(limit);
     while (true) {
-        const std::chrono::milliseconds rest = limit == kForever ? kForever : until(end);
         pollfd state{socket, events, 0};
-        const int ready = poll(&state, 1, static_cast<int>(rest.count()));
+        const int ready = poll(&state, 1, static_cast<int>(end.left().count()));
         if (ready > 0) return true;
         if (ready == 0) return false;
         if (errno != EINTR) return true;  // what the socket is asked for next tells what is wrong
@@ -153,11 +150,11 @@ int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit) {
         } while (error == EAGAIN && waitFor(socket, POLLOUT, kForever));
         return error;
     }
-    const Clock::time_point end = Clock::now() + limit;
+    const Deadline end(limit);
     int error;
     do {
         error = sendPieces(socket, sending, MSG_DONTWAIT);
-    } while (error == EAGAIN && waitFor(socket, POLLOUT, until(end)));
+    } while (error == EAGAIN && waitFor(socket, POLLOUT, end.left()));
     return error;
 }
 

@@ -31,6 +31,25 @@ constexpr std::chrono::milliseconds kForever{-1};
 // Waits until the socket is ready for the events of poll(2), or gone; false when the time is over.
 bool waitFor(int socket, short events, std::chrono::milliseconds limit);
 
+// When something has to be done; never, unless a limit is given.
+class Deadline {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    Deadline() = default;
+    // kForever gives one that never comes.
+    explicit Deadline(std::chrono::milliseconds limit)
+        : mEnd(limit == kForever ? Clock::time_point::max() : Clock::now() + limit) {}
+
+    bool isNever() const { return mEnd == Clock::time_point::max(); }
+    // The time until then, not less than zero; kForever when it never comes.
+    std::chrono::milliseconds left() const;
+    Clock::time_point time() const { return mEnd; }
+
+  private:
+    Clock::time_point mEnd = Clock::time_point::max();
+};
+
 // A message on its way out: what of it is left to send. The descriptors, which are somebody else's,
 // go with the first byte.
 struct Sending {

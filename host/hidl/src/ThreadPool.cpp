@@ -16,6 +16,8 @@ namespace android::hardware::transport {
 
 namespace {
 
+thread_local bool tIsOwn = false;
+
 uint32_t epollEvents(EventSource::Next next) {
     const uint32_t kind = next == EventSource::Next::WAIT_FOR_SPACE ? EPOLLOUT : EPOLLIN;
     return kind | EPOLLONESHOT;
@@ -136,7 +138,12 @@ void ThreadPool::serve(uint64_t id, uint32_t events) {
     }
 }
 
+bool ThreadPool::ownsThisThread() {
+    return tIsOwn;
+}
+
 void ThreadPool::run() {
+    tIsOwn = true;
     while (true) {
         epoll_event event{};
         const int count = epoll_wait(mEpoll.get(), &event, 1, -1);

@@ -46,6 +46,9 @@ class ThreadPool {
     // there are as many as may be, sleeps.
     [[noreturn]] void join();
 
+    // Whether the calling thread is one that answers calls.
+    static bool ownsThisThread();
+
     // Waits on the source from now on. input false: waits only for the other end's death. A number
     // that names the source; 0 when the kernel refuses it.
     uint64_t add(std::shared_ptr<EventSource> source, bool input);

@@ -3,33 +3,15 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <new>
 
-#include "Wire.h"
-
 namespace android::hardware::transport {
-
-namespace {
-
-// What all connections may keep together: the largest reply once.
-constexpr uint64_t kMaxKept = kMaxReplyBody + sizeof(Header);
-
-std::atomic<uint64_t>& kept() {
-    static std::atomic<uint64_t> bytes{0};
-    return bytes;
-}
-
-}  // namespace
 
 bool UnsentReply::keep(const Sending& message) {
     const size_t size = message.left();
-    if (kept().fetch_add(size) + size > kMaxKept) {
-        kept().fetch_sub(size);
-        return false;
-    }
+    if (!mStall.keep(size, message.begun ? 0 : message.descriptors.size())) return false;
     mSize = size;
     mBytes.reset(new (std::nothrow) uint8_t[size]);
     if (mBytes == nullptr) {
@@ -56,16 +38,27 @@ bool UnsentReply::keep(const Sending& message) {
     return true;
 }
 
-bool UnsentReply::flush(int socket) {
+bool UnsentReply::flush() {
     if (empty()) return true;
-    const int error = sendPieces(socket, &mSending, MSG_DONTWAIT);
-    if (mSending.begun) mDescriptors.clear();
-    if (error == 0) drop();
-    return error == 0 || error == EAGAIN;
+    const size_t before = mSending.left();
+    const int error = sendPieces(mSocket, &mSending, MSG_DONTWAIT);
+    if (error == 0) {
+        drop();
+        return true;
+    }
+    if (error != EAGAIN) return false;
+    if (mSending.left() == before) return true;
+    // They went with the first byte.
+    if (!mDescriptors.empty()) {
+        mDescriptors.clear();
+        if (!mStall.keep(mSize, 0)) return false;
+    }
+    mStall.progress();
+    return true;
 }
 
 void UnsentReply::drop() {
-    kept().fetch_sub(mSize);
+    mStall.end();
     mSize = 0;
     mBytes.reset();
     mSending.clear();

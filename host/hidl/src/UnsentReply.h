@@ -9,16 +9,18 @@
 #include <vector>
 
 #include "Socket.h"
+#include "Stalls.h"
 
 namespace android::hardware::transport {
 
 // Keeps a copy of what is left of a message until the client reads on. All connections together
-// keep a bounded amount: clients that ask and never read cannot eat the process's memory. Used by
-// one thread at a time; the bound is kept across threads.
+// keep a bounded amount, for a bounded time without progress (Stalls): clients that ask and never
+// read cannot eat the process's memory. Used by one thread at a time.
 class UnsentReply {
   public:
-    UnsentReply() = default;
-    ~UnsentReply() { drop(); }
+    explicit UnsentReply(int socket) : UnsentReply(socket, Stalls::instance()) {}
+    UnsentReply(int socket, Stalls& stalls)
+        : mSocket(socket), mStall(Stall::Kind::REPLY, socket, stalls) {}
     UnsentReply(const UnsentReply&) = delete;
     UnsentReply& operator=(const UnsentReply&) = delete;
 
@@ -28,13 +30,15 @@ class UnsentReply {
     // then. Must be empty before.
     bool keep(const Sending& message);
     // Sends what fits now. False when the client is gone.
-    bool flush(int socket);
+    bool flush();
 
   private:
     void drop();
 
+    const int mSocket;
     std::unique_ptr<uint8_t[]> mBytes;
     size_t mSize = 0;
+    Stall mStall;
     Sending mSending;
     std::vector<unique_fd> mDescriptors;
 };

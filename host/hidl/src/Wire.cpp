@@ -58,6 +58,12 @@ bool IncomingMessage::reserve(size_t wanted, size_t filled) {
     return true;
 }
 
+bool IncomingMessage::reserveExactly(size_t wanted) {
+    bytes.reset(new (std::nothrow) uint8_t[wanted]);
+    capacity = bytes == nullptr ? 0 : wanted;
+    return bytes != nullptr;
+}
+
 void OutgoingMessage::addPiece(const void* bytes, size_t length) {
     if (length == 0) return;
     mSending.pieces.push_back({const_cast<void*>(bytes), length});
@@ -72,6 +78,7 @@ void OutgoingMessage::finish() {
     clear();
     if (mSmall.capacity() <= kKeptCapacity) return;
     std::vector<uint8_t>().swap(mSmall);
+    std::vector<Copy>().swap(mCopies);
     std::vector<iovec>().swap(mSending.pieces);
 }
 
@@ -98,12 +105,9 @@ status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_
     const std::vector<uint8_t>& data = parcel.data();
     const std::vector<Parcel::Object>& objects = parcel.objects();
     uint64_t body = alignedToEight(data.size()) + objects.size() * sizeof(WireObject);
-    uint64_t apart = 0;  // of it, what is sent from where it stands
-    for (const Parcel::Object& object : objects) {
-        body += alignedToEight(object.length);
-        if (object.length > kSmallBlock) apart += alignedToEight(object.length);
-    }
+    for (const Parcel::Object& object : objects) body += alignedToEight(object.length);
     if (body > bodyLimit) return FAILED_TRANSACTION;
+    const uint64_t apart = chooseCopies(objects);
     for (const Parcel::Object& object : objects) {
         const status_t status = addDescriptors(object);
         if (status != OK) return status;
@@ -118,6 +122,22 @@ status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_
                         body};
     layOut(header, data, objects, sizeof(Header) + body - apart);
     return OK;
+}
+
+uint64_t OutgoingMessage::chooseCopies(const std::vector<Parcel::Object>& objects) {
+    mCopies.clear();
+    uint64_t apart = 0;
+    for (const Parcel::Object& object : objects) {
+        const bool large = object.length > kSmallBlock;
+        const bool copied = !large || object.kind == Parcel::ObjectKind::HANDLE;
+        mCopies.push_back({copied, nullptr});
+        if (!copied) apart += alignedToEight(object.length);
+        // Its parent holds its address, which has to be taken out.
+        if (!object.hasParent || mCopies[object.parent].made) continue;
+        mCopies[object.parent].made = true;
+        apart -= alignedToEight(objects[object.parent].length);
+    }
+    return apart;
 }
 
 void OutgoingMessage::encodeStatus(status_t status) {
@@ -140,6 +160,12 @@ WireObject recordOf(const Parcel::Object& object) {
             object.length};
 }
 
+// Takes the numbers of this process's descriptors out of the copy of a handle.
+void clearDescriptors(const Parcel::Object& object, uint8_t* copy) {
+    const auto* handle = static_cast<const native_handle_t*>(object.bytes);
+    memset(copy + kHandleHeader, 0, sizeof(int) * static_cast<size_t>(handle->numFds));
+}
+
 }  // namespace
 
 void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& data,
@@ -159,15 +185,23 @@ void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& d
         addPiece(pieceStart, static_cast<size_t>(end - pieceStart));
         pieceStart = end;
     };
+    mBodySize = header.bodySize;
     copy(&header, sizeof(header));
     copy(data.data(), data.size());
     for (const Parcel::Object& object : objects) {
         const WireObject record = recordOf(object);
         copy(&record, sizeof(record));
     }
-    for (const Parcel::Object& object : objects) {
-        if (object.length <= kSmallBlock) {
+    for (size_t i = 0; i < objects.size(); ++i) {
+        const Parcel::Object& object = objects[i];
+        if (object.hasParent) {
+            memset(mCopies[object.parent].bytes + object.parentOffset, 0, sizeof(uint64_t));
+        }
+        if (mCopies[i].made) {
+            mCopies[i].bytes = end;
             copy(object.bytes, object.length);
+            const bool isHandle = object.kind == Parcel::ObjectKind::HANDLE && !object.isNull;
+            if (isHandle) clearDescriptors(object, mCopies[i].bytes);
             continue;
         }
         endPiece();

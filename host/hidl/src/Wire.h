@@ -59,6 +59,8 @@ static_assert(sizeof(Hello) == 16);
 // one megabyte. Replies may be larger here: files are delivered in them.
 constexpr uint64_t kMaxCallBody = 1024 * 1024 - 8192;
 constexpr uint64_t kMaxReplyBody = 256ULL * 1024 * 1024;
+// The largest reply that a device delivers for certain; it answers FAILED_TRANSACTION above.
+constexpr uint64_t kDeviceReplyBody = 1'040'000;
 
 // The kernel passes at most this many descriptors at once.
 constexpr size_t kMaxDescriptors = 253;
@@ -83,6 +85,8 @@ struct IncomingMessage {
     // Makes room for so many bytes, of which the first `filled` are kept. False when there is no
     // memory: a length is the other end's word, and must not cost this process its life.
     bool reserve(size_t wanted, size_t filled);
+    // Makes room for exactly so many bytes in a message that has none.
+    bool reserveExactly(size_t wanted);
 
     std::unique_ptr<uint8_t[]> bytes;
     size_t capacity = 0;
@@ -92,7 +96,9 @@ struct IncomingMessage {
     uint8_t* body() const { return bytes.get() + sizeof(Header); }
 };
 
-// A message to send: it refers to the parcel it was made from and to the parcel's buffers.
+// A message to send: it refers to the parcel it was made from and to the parcel's buffers. Where a
+// buffer points to another, and in the places of descriptors, it says zero: the receiver puts its
+// own numbers there, and those of this process are nobody's business.
 class OutgoingMessage {
   public:
     // OK; FAILED_TRANSACTION when the body exceeds the limit or there are too many descriptors; the
@@ -102,6 +108,8 @@ class OutgoingMessage {
     // A reply without a parcel.
     void encodeStatus(status_t status);
 
+    // Bytes of its body.
+    uint64_t bodySize() const { return mBodySize; }
     // What is to be sent; good until the next encode or finish.
     Sending& sending() { return mSending; }
     // To be called when it is sent, or never will be: closes the descriptors that are the message's
@@ -113,11 +121,20 @@ class OutgoingMessage {
     void clear();
     void addPiece(const void* bytes, size_t length);
     status_t addDescriptors(const Parcel::Object& object);
+    // Finds out what is copied; gives the bytes of the others, with their padding.
+    uint64_t chooseCopies(const std::vector<Parcel::Object>& objects);
     // small: the bytes of all that is not sent from where it stands.
     void layOut(const Header& header, const std::vector<uint8_t>& data,
                 const std::vector<Parcel::Object>& objects, size_t small);
 
     std::vector<uint8_t> mSmall;  // copies of small things, with their padding; never shrinks
+    // What becomes of each object: whether it is copied, and where its copy is.
+    struct Copy {
+        bool made;
+        uint8_t* bytes;
+    };
+    std::vector<Copy> mCopies;
+    uint64_t mBodySize = 0;
     Sending mSending;  // its descriptors are borrowed from the parcel, or from mHandedOut
     std::vector<unique_fd> mHandedOut;  // ends of connections to interfaces in the parcel
 };

@@ -1,4 +1,4 @@
-// The parts of the transport by themselves: messages, readers, what is kept of replies.
+// The parts of the transport by themselves: messages and their readers.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,7 +16,6 @@
 #include "RawClient.h"
 #include "host/hidl/src/MessageReader.h"
 #include "host/hidl/src/Socket.h"
-#include "host/hidl/src/UnsentReply.h"
 #include "host/hidl/src/Wire.h"
 
 namespace mlk::test {
@@ -189,72 +187,6 @@ TEST_F(TransportTest, KindsOfDescriptors) {
     EXPECT_FALSE(peerIsTrusted(pipe.out.get()));
     EXPECT_FALSE(waitFor(mThere.get(), POLLIN, milliseconds(1)));
     EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));
-}
-
-TEST_F(TransportTest, UnsentReplyIsSentWhenThereIsRoom) {
-    fill();
-    std::string text = "kept until then";
-    const unique_fd file = fileWith("content");
-    Sending sending;
-    sending.pieces = {{text.data(), 5}, {text.data() + 5, text.size() - 5}};
-    sending.descriptors = {file.get()};
-    UnsentReply unsent;
-    EXPECT_TRUE(unsent.empty());
-    EXPECT_TRUE(unsent.flush(mHere.get()));
-    ASSERT_TRUE(unsent.keep(sending));
-    text.assign(text.size(), 'x');  // a copy was kept
-    EXPECT_TRUE(unsent.flush(mHere.get()));
-    EXPECT_FALSE(unsent.empty());
-    std::vector<char> room(1 << 20);
-    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
-    }
-    EXPECT_TRUE(unsent.flush(mHere.get()));
-    EXPECT_TRUE(unsent.empty());
-    std::vector<unique_fd> descriptors;
-    ASSERT_EQ(15, receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0));
-    EXPECT_EQ("kept until then", std::string(room.data(), 15));
-    ASSERT_EQ(1U, descriptors.size());
-    EXPECT_EQ("content", contentOf(descriptors[0].get()));
-}
-
-TEST_F(TransportTest, UnsentReplyOfAClientThatIsGone) {
-    fill();
-    char byte = 'x';
-    Sending sending;
-    sending.pieces = {{&byte, 1}};
-    UnsentReply unsent;
-    ASSERT_TRUE(unsent.keep(sending));
-    mThere.reset();
-    EXPECT_FALSE(unsent.flush(mHere.get()));
-}
-
-TEST_F(TransportTest, UnsentRepliesHaveABoundTogether) {
-    std::vector<uint8_t> large(kMaxReplyBody / 4);
-    Sending quarter;
-    quarter.pieces = {{large.data(), large.size()}};
-    std::vector<std::unique_ptr<UnsentReply>> kept;
-    for (int i = 0; i < 4; ++i) {
-        kept.push_back(std::make_unique<UnsentReply>());
-        EXPECT_TRUE(kept.back()->keep(quarter));
-    }
-    UnsentReply more;
-    EXPECT_FALSE(more.keep(quarter));
-    EXPECT_TRUE(more.empty());
-    // When one has gone there is room again.
-    kept.pop_back();
-    EXPECT_TRUE(more.keep(quarter));
-}
-
-TEST_F(TransportTest, UnsentReplyWithoutItsDescriptorIsNotKept) {
-    char byte = 'x';
-    Sending sending;
-    sending.pieces = {{&byte, 1}};
-    sending.descriptors = {-1};
-    UnsentReply unsent;
-    EXPECT_FALSE(unsent.keep(sending));
-    EXPECT_TRUE(unsent.empty());
-    sending.begun = true;  // they have gone with the first byte
-    EXPECT_TRUE(unsent.keep(sending));
 }
 
 }  // namespace

@@ -1,0 +1,171 @@
+// The bounds of what connections keep while they wait for their clients.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <log/log.h>
+#include <poll.h>
+
+#include <chrono>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/hidl/src/Socket.h"
+#include "host/hidl/src/Stalls.h"
+#include "host/testing/LogCapture.h"
+
+namespace mlk::test {
+namespace {
+
+using namespace ::android::hardware::transport;
+using ::android::OK;
+using std::chrono::milliseconds;
+using Kind = Stall::Kind;
+
+class StallsTest : public ::testing::Test {
+  protected:
+    static constexpr uint64_t kMessages = 1000;
+    static constexpr uint64_t kReplies = 10'000;
+    static constexpr size_t kDescriptors = 10;
+
+    struct Connection {
+        Connection(Kind kind, Stalls& stalls) {
+            EXPECT_EQ(OK, connectedPair(&here, &there));
+            stall.emplace(kind, here.get(), stalls);
+        }
+        bool closed() const { return isHungUp(there.get()); }
+
+        unique_fd here;
+        unique_fd there;
+        std::optional<Stall> stall;
+    };
+    Connection& connect(Kind kind = Kind::REPLY) {
+        return mConnections.emplace_back(kind, mStalls);
+    }
+    // A new connection that keeps so much.
+    Connection& keeping(uint64_t bytes, size_t descriptors = 0, Kind kind = Kind::REPLY) {
+        Connection& made = connect(kind);
+        EXPECT_TRUE(made.stall->keep(bytes, descriptors));
+        return made;
+    }
+    // Waits until what is kept now is no longer fresh.
+    static void grow() { (void)poll(nullptr, 0, 1100); }
+
+    std::vector<milliseconds> mWakings;
+    Stalls mStalls{{kMessages, kReplies, kDescriptors, milliseconds(50)},
+                   [this](milliseconds delay) { mWakings.push_back(delay); }};
+    std::deque<Connection> mConnections;
+};
+
+TEST_F(StallsTest, BoundOfAllTogether) {
+    for (int i = 0; i < 4; ++i) (void)keeping(2500);
+    EXPECT_FALSE(connect().stall->keep(2500, 0));
+    EXPECT_FALSE(mConnections[0].closed()) << "it makes progress";
+    // When one has gone there is room again.
+    mConnections[1].stall->end();
+    EXPECT_TRUE(connect().stall->keep(2500, 0));
+    EXPECT_FALSE(connect().stall->keep(2500, 0));
+}
+
+TEST_F(StallsTest, KindsHaveBoundsOfTheirOwn) {
+    (void)keeping(kReplies);
+    (void)keeping(kMessages, 0, Kind::MESSAGE);
+    EXPECT_FALSE(connect(Kind::MESSAGE).stall->keep(kMessages / 2, 0));
+}
+
+TEST_F(StallsTest, OneThatKeepsMuchMakesRoomForThoseThatKeepLittle) {
+    Connection& hoarder = keeping(kReplies);
+    for (int i = 0; i < 4; ++i) (void)keeping(2000);
+    EXPECT_TRUE(hoarder.closed());
+    for (size_t i = 1; i < mConnections.size(); ++i) EXPECT_FALSE(mConnections[i].closed()) << i;
+    // It has been counted off, and does not come back.
+    EXPECT_FALSE(hoarder.stall->keep(1, 0));
+}
+
+TEST_F(StallsTest, TheLargestGoesFirst) {
+    Connection& large = keeping(4000);
+    Connection& larger = keeping(5000);
+    EXPECT_TRUE(connect().stall->keep(1500, 0));
+    EXPECT_TRUE(larger.closed());
+    EXPECT_FALSE(large.closed());
+}
+
+TEST_F(StallsTest, OldOnesOfOneSizeMakeRoomTheOldestFirst) {
+    Connection& first = keeping(5000);
+    Connection& second = keeping(5000);
+    grow();
+    second.stall->progress();
+    EXPECT_TRUE(connect().stall->keep(5000, 0));
+    EXPECT_TRUE(first.closed());
+    EXPECT_FALSE(second.closed()) << "it has gone on";
+    EXPECT_FALSE(connect().stall->keep(5000, 0));
+}
+
+TEST_F(StallsTest, SmallerOnesStay) {
+    for (int i = 0; i < 10; ++i) (void)keeping(1000);
+    grow();
+    EXPECT_FALSE(connect().stall->keep(1001, 0));
+    for (const Connection& connection : mConnections) EXPECT_FALSE(connection.closed());
+}
+
+TEST_F(StallsTest, DescriptorsOfBothKindsHaveABound) {
+    Connection& hoarder = keeping(1, 6, Kind::MESSAGE);
+    (void)keeping(1, 4, Kind::REPLY);
+    EXPECT_FALSE(connect(Kind::MESSAGE).stall->keep(1, 5));
+    EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 0)) << "who has none needs no room";
+    EXPECT_FALSE(hoarder.closed());
+    EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 1));
+    EXPECT_TRUE(hoarder.closed());
+}
+
+TEST_F(StallsTest, WhatIsKeptInsteadCountsAlone) {
+    Connection& one = keeping(6000);
+    EXPECT_TRUE(one.stall->keep(8000, 0));
+    EXPECT_TRUE(one.stall->keep(4000, 0));
+    EXPECT_TRUE(connect().stall->keep(6000, 0));
+    EXPECT_FALSE(one.closed());
+}
+
+TEST_F(StallsTest, TimeIsOver) {
+    Connection& stalled = keeping(1);
+    Connection& waiting = keeping(1);
+    waiting.stall->stopClock();
+    EXPECT_THAT(mWakings, ::testing::ElementsAre(milliseconds(50)));
+    Connection& later = keeping(1);
+    (void)poll(nullptr, 0, 60);
+    later.stall->progress();
+    mStalls.endOverdue();
+    EXPECT_TRUE(stalled.closed());
+    EXPECT_FALSE(waiting.closed());
+    EXPECT_FALSE(later.closed());
+    ASSERT_EQ(2U, mWakings.size()) << "for the one that is left";
+    EXPECT_LE(mWakings[1], milliseconds(50));
+    (void)poll(nullptr, 0, 60);
+    mStalls.endOverdue();
+    EXPECT_TRUE(later.closed());
+    EXPECT_FALSE(waiting.closed());
+    EXPECT_EQ(2U, mWakings.size());
+}
+
+TEST_F(StallsTest, KeepingMoreDoesNotBuyTime) {
+    Connection& one = keeping(1);
+    (void)poll(nullptr, 0, 60);
+    EXPECT_TRUE(one.stall->keep(2, 0));
+    mStalls.endOverdue();
+    EXPECT_TRUE(one.closed());
+}
+
+TEST_F(StallsTest, FewLinesAreLogged) {
+    const testing::LogCapture log;
+    for (int i = 0; i < 10; ++i) (void)keeping(1, 1, Kind::MESSAGE);
+    (void)poll(nullptr, 0, 60);
+    mStalls.endOverdue();
+    EXPECT_THAT(log.texts(ANDROID_LOG_WARN, "hidl"),
+                ::testing::ElementsAre(
+                        "closing the connection of a client that left its message unfinished, "
+                        "1 bytes and 1 descriptors: its time is over; 0 more since the last such "
+                        "line"));
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,203 @@
+// Clients that begin and do not go on: what they keep of the server has an end, in amount and time.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "HostileFixture.h"
+#include "RawClient.h"
+#include "host/hidl/src/Socket.h"
+#include "host/testing/Sanitizers.h"
+
+namespace mlk::test {
+namespace {
+
+using ::android::OK;
+using ::android::hardware::transport::kMaxCallBody;
+using ::android::hardware::transport::kMaxReplyBody;
+
+constexpr size_t kMegabyte = size_t{1} << 20;
+
+class UnfinishedTest : public HostileTest {
+  protected:
+    // The whole of a call as large as may be, but for its last byte.
+    static std::vector<uint8_t> almostAll() {
+        std::vector<uint8_t> bytes = textCall(std::string(kMaxCallBody - 1000, 'x')).bytes();
+        bytes.pop_back();
+        return bytes;
+    }
+    // How many of them the server has left alone.
+    static size_t alive(const std::vector<std::unique_ptr<RawClient>>& clients) {
+        size_t count = 0;
+        for (const auto& client : clients) {
+            count += ::android::hardware::transport::isHungUp(client->socket()) ? 0 : 1;
+        }
+        return count;
+    }
+};
+
+TEST_F(UnfinishedTest, MessagesHaveABoundTogether) {
+    const size_t before = residentOf(mServer.pid());
+    const std::vector<uint8_t> bytes = almostAll();
+    std::vector<std::unique_ptr<RawClient>> attackers;
+    for (int i = 0; i < 100; ++i) {
+        attackers.push_back(connect());
+        (void)attackers.back()->send(bytes);
+        ASSERT_TRUE(mHonest->ping().isOk());
+    }
+    EXPECT_LT(residentOf(mServer.pid()),
+              before + (testing::kAddressSanitizer || testing::kThreadSanitizer ? 200 : 40) *
+                               kMegabyte);
+    EXPECT_TRUE(eventually([&] { return alive(attackers) <= 16; })) << alive(attackers);
+    // There is room for the call of an honest client that takes its time.
+    const auto slow = connect();
+    const std::vector<uint8_t> call = textCall(std::string(500'000, 'x')).bytes();
+    for (size_t sent = 0; sent < call.size(); sent += 50'000) {
+        ASSERT_TRUE(slow->send(
+                {call.begin() + static_cast<ptrdiff_t>(sent),
+                 call.begin() + static_cast<ptrdiff_t>(std::min(sent + 50'000, call.size()))}));
+        ASSERT_TRUE(mHonest->ping().isOk());
+    }
+    EXPECT_EQ(OK, slow->replyStatus());
+    slow->close();
+    attackers.clear();
+    expectUnharmed();
+}
+
+TEST_F(UnfinishedTest, DescriptorsHaveABoundTogether) {
+    if (!makeRoomForDescriptors(1000)) GTEST_SKIP() << "too few descriptors";
+    const unique_fd file = fileWith("x");
+    const std::vector<int> many(253, file.get());
+    std::vector<uint8_t> half = fdCall(many).bytes();
+    half.resize(half.size() / 2);
+    std::vector<std::unique_ptr<RawClient>> attackers;
+    for (int i = 0; i < 40; ++i) {
+        attackers.push_back(connect());
+        (void)attackers.back()->send(half, many);
+        ASSERT_TRUE(mHonest->ping().isOk());
+    }
+    // 10,000 were sent.
+    EXPECT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) < mDescriptors + 600; }))
+            << descriptorsOf(mServer.pid());
+    // An honest one that is slow with its single descriptor gets its answer.
+    const auto slow = connect();
+    const std::vector<uint8_t> call = fdCall({file.get()}).bytes();
+    ASSERT_TRUE(slow->send({call.begin(), call.begin() + 40}, {file.get()}));
+    ASSERT_TRUE(mHonest->ping().isOk());
+    ASSERT_TRUE(slow->send({call.begin() + 40, call.end()}));
+    EXPECT_EQ(OK, slow->replyStatus());
+    slow->close();
+    attackers.clear();
+    expectUnharmed();
+}
+
+TEST_F(UnfinishedTest, MoreDescriptorsThanTheMessageSays) {
+    const unique_fd file = fileWith("x");
+    std::vector<uint8_t> half = fdCall({file.get()}).bytes();
+    half.resize(half.size() / 2);
+    const auto attacker = connect();
+    ASSERT_TRUE(attacker->send(half, {file.get(), file.get()}));
+    EXPECT_TRUE(attacker->ends());
+    attacker->close();
+    expectUnharmed();
+}
+
+TEST_F(UnfinishedTest, OneThatNeverReadsALargeAnswerCostsOthersNothing) {
+    constexpr size_t kHogs = 100 * kMegabyte;
+    constexpr uint32_t kOthers = 40 * kMegabyte;
+    std::vector<std::unique_ptr<RawClient>> hogs;
+    for (int i = 0; i < 2; ++i) {
+        hogs.push_back(connect());
+        ASSERT_TRUE(hogs.back()->send(bytesCall(kHogs)));
+    }
+    // Both answers wait by now: the threads have gone on to others.
+    expectAllThreadsAnswer();
+    std::vector<std::unique_ptr<RawClient>> honest;
+    for (int i = 0; i < 4; ++i) {
+        honest.push_back(connect());
+        ASSERT_TRUE(honest.back()->send(bytesCall(kOthers)));
+    }
+    expectAllThreadsAnswer();
+    for (const auto& client : honest) EXPECT_EQ(OK, client->replyStatus());
+    honest.clear();
+    hogs.clear();
+    expectUnharmed();
+}
+
+// A server that waits a moment only.
+class ImpatientTest : public ::testing::Test {
+  protected:
+    ImpatientTest() { (void)setenv("MLK_STALL_LIMIT_MS", "300", 1); }
+    ~ImpatientTest() override { (void)unsetenv("MLK_STALL_LIMIT_MS"); }
+    std::unique_ptr<RawClient> connect() const {
+        auto client = std::make_unique<RawClient>(mSet.runtime());
+        EXPECT_TRUE(client->hello());
+        return client;
+    }
+
+    testing::HostSet mSet;
+};
+
+TEST_F(ImpatientTest, UnfinishedMessageHasATimeLimit) {
+    const Server server;
+    const auto idle = connect();
+    const auto stalled = connect();
+    const std::vector<uint8_t> call = textCall("text").bytes();
+    ASSERT_TRUE(stalled->send({call.begin(), call.end() - 1}));
+    EXPECT_TRUE(stalled->ends());
+    EXPECT_TRUE(server.says("left its message unfinished"));
+    // Who has said nothing at all may be silent for ever.
+    ASSERT_TRUE(idle->send(call));
+    EXPECT_EQ(OK, idle->replyStatus());
+}
+
+TEST_F(ImpatientTest, TricklingDoesNotBuyTime) {
+    const Server server;
+    const auto client = connect();
+    const std::vector<uint8_t> call = textCall(std::string(100'000, 'x')).bytes();
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    size_t sent = 0;
+    while (sent < call.size() - 1 && client->send(std::vector<uint8_t>{call[sent]})) {
+        ASSERT_LT(std::chrono::steady_clock::now(), limit);
+        (void)poll(nullptr, 0, 1);
+        ++sent;
+    }
+    EXPECT_LT(sent, call.size() - 1);
+}
+
+TEST_F(ImpatientTest, UnreadReplyHasATimeLimit) {
+    const Server server;
+    const auto client = connect();
+    ASSERT_TRUE(client->send(bytesCall(4 * kMegabyte)));
+    EXPECT_TRUE(server.says("left its reply unread"));
+    // What was in the socket is still there; the rest never comes.
+    EXPECT_FALSE(client->replyStatus().has_value());
+}
+
+TEST_F(ImpatientTest, ReaderThatGoesOnHasAllTheTimeItTakes) {
+    const Server server;
+    const auto client = connect();
+    constexpr uint32_t kSize = 2 * kMegabyte;
+    ASSERT_TRUE(client->send(bytesCall(kSize)));
+    std::vector<uint8_t> part(64 * 1024);
+    size_t got = 0;
+    const auto start = std::chrono::steady_clock::now();
+    while (got < kSize) {
+        const ssize_t size = recv(client->socket(), part.data(), part.size(), 0);
+        ASSERT_GT(size, 0) << got;
+        got += static_cast<size_t>(size);
+        (void)poll(nullptr, 0, 30);
+    }
+    EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(600))
+            << "twice the limit";
+}
+
+}  // namespace
+}  // namespace mlk::test

@@ -1,0 +1,136 @@
+// The end of a reply that its client has not taken yet.
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Native.h"
+#include "host/hidl/src/Socket.h"
+#include "host/hidl/src/Stalls.h"
+#include "host/hidl/src/UnsentReply.h"
+#include "host/testing/ProcessUsage.h"
+
+namespace mlk::test {
+namespace {
+
+using namespace ::android::hardware::transport;
+using ::android::OK;
+
+class UnsentReplyTest : public ::testing::Test {
+  protected:
+    UnsentReplyTest() { EXPECT_EQ(OK, connectedPair(&mHere, &mThere)); }
+
+    // Makes the socket from here to there full.
+    void fill() {
+        const std::vector<char> bytes(4096);
+        while (::send(mHere.get(), bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
+        }
+    }
+
+    unique_fd mHere;
+    unique_fd mThere;
+};
+
+TEST_F(UnsentReplyTest, IsSentWhenThereIsRoom) {
+    fill();
+    std::string text = "kept until then";
+    const unique_fd file = fileWith("content");
+    Sending sending;
+    sending.pieces = {{text.data(), 5}, {text.data() + 5, text.size() - 5}};
+    sending.descriptors = {file.get()};
+    UnsentReply unsent(mHere.get());
+    EXPECT_TRUE(unsent.empty());
+    EXPECT_TRUE(unsent.flush());
+    ASSERT_TRUE(unsent.keep(sending));
+    text.assign(text.size(), 'x');  // a copy was kept
+    EXPECT_TRUE(unsent.flush());
+    EXPECT_FALSE(unsent.empty());
+    std::vector<char> room(1 << 20);
+    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
+    }
+    EXPECT_TRUE(unsent.flush());
+    EXPECT_TRUE(unsent.empty());
+    std::vector<unique_fd> descriptors;
+    ASSERT_EQ(15, receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0));
+    EXPECT_EQ("kept until then", std::string(room.data(), 15));
+    ASSERT_EQ(1U, descriptors.size());
+    EXPECT_EQ("content", contentOf(descriptors[0].get()));
+}
+
+TEST_F(UnsentReplyTest, ClientThatIsGone) {
+    fill();
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    UnsentReply unsent(mHere.get());
+    ASSERT_TRUE(unsent.keep(sending));
+    mThere.reset();
+    EXPECT_FALSE(unsent.flush());
+}
+
+TEST_F(UnsentReplyTest, IsNotKeptWithoutItsDescriptor) {
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    sending.descriptors = {-1};
+    UnsentReply unsent(mHere.get());
+    EXPECT_FALSE(unsent.keep(sending));
+    EXPECT_TRUE(unsent.empty());
+    sending.begun = true;  // they have gone with the first byte
+    EXPECT_TRUE(unsent.keep(sending));
+}
+
+// The open descriptors of this process that a program it starts would have too.
+std::vector<int> inheritable() {
+    std::vector<int> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), &closedir);
+    while (const dirent* entry = readdir(folder.get())) {
+        const int descriptor = atoi(entry->d_name);
+        const int flags = fcntl(descriptor, F_GETFD);
+        if (flags >= 0 && (flags & FD_CLOEXEC) == 0) found.push_back(descriptor);
+    }
+    return found;
+}
+
+TEST_F(UnsentReplyTest, ItsCopiesOfDescriptorsAreForThisProgramOnly) {
+    fill();
+    char byte = 'x';
+    const unique_fd file = fileWith("content");
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    sending.descriptors = {file.get(), file.get()};
+    UnsentReply unsent(mHere.get());
+    const std::vector<int> before = inheritable();
+    const size_t open = testing::descriptorsOf(getpid());
+    ASSERT_TRUE(unsent.keep(sending));
+    EXPECT_EQ(open + 2, testing::descriptorsOf(getpid()));
+    EXPECT_EQ(before, inheritable());
+}
+
+TEST_F(UnsentReplyTest, DescriptorsGoWithItsFirstByte) {
+    std::vector<char> large(size_t{8} << 20U, 'x');
+    const unique_fd file = fileWith("content");
+    Sending sending;
+    sending.pieces = {{large.data(), large.size()}};
+    sending.descriptors = {file.get()};
+    UnsentReply unsent(mHere.get());
+    const size_t before = testing::descriptorsOf(getpid());
+    ASSERT_TRUE(unsent.keep(sending));
+    EXPECT_EQ(before + 1, testing::descriptorsOf(getpid()));
+    // What fits into the socket is sent, which is not all.
+    EXPECT_TRUE(unsent.flush());
+    EXPECT_FALSE(unsent.empty());
+    // The one that is there now is on its way in the socket.
+    EXPECT_EQ(before, testing::descriptorsOf(getpid()));
+}
+
+}  // namespace
+}  // namespace mlk::test
