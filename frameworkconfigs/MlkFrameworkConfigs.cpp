@@ -2,6 +2,8 @@
 
 #include <cutils/properties.h>
 
+#include "common/Answer.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::android::hardware::Return;
@@ -37,13 +39,13 @@ int32_t readValue(const Row& row, bool defaultFlag) {
 }
 
 template <Kind kind>
-auto answerOf(int32_t value) {
+auto valueOf(int32_t value) {
     if constexpr (kind == Kind::NUMBER) {
-        return OptionalInt32{true, value};
+        return value;
     } else if constexpr (kind == Kind::TEXT) {
-        return OptionalString{true, {}};
+        return ::android::hardware::hidl_string();
     } else {
-        return OptionalBool{true, value != 0};
+        return value != 0;
     }
 }
 
@@ -55,10 +57,10 @@ MlkFrameworkConfigs::MlkFrameworkConfigs() {
     }
 }
 
-#define MLK_DEFINE_GETTER(getter, kind, property)                      \
-    Return<void> MlkFrameworkConfigs::getter(getter##_cb _hidl_cb) {   \
-        _hidl_cb(answerOf<Kind::kind>(mCache[FrameworkItem::getter])); \
-        return Void();                                                 \
+#define MLK_DEFINE_GETTER(getter, kind, property)                                       \
+    Return<void> MlkFrameworkConfigs::getter(getter##_cb _hidl_cb) {                    \
+        answerWith(_hidl_cb, true, valueOf<Kind::kind>(mCache[FrameworkItem::getter])); \
+        return Void();                                                                  \
     }
 MLK_FRAMEWORK_ITEMS(MLK_DEFINE_GETTER)
 #undef MLK_DEFINE_GETTER

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <system_error>
 
+#include "common/Answer.h"
 #include "common/Decimal.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -147,12 +148,12 @@ bool MlkProjectConfigs::SetProjectIdInternalWithPid(int32_t id, const hidl_strin
 }
 
 Return<void> MlkProjectConfigs::getProjectId(getProjectId_cb _hidl_cb) {
-    _hidl_cb({true, static_cast<int32_t>(mProjectID->Get())});
+    answerWith(_hidl_cb, true, static_cast<int32_t>(mProjectID->Get()));
     return {};
 }
 
 Return<void> MlkProjectConfigs::getProjectMaxIdx(getProjectMaxIdx_cb _hidl_cb) {
-    _hidl_cb({true, static_cast<int32_t>(mProjectParser->getProjectMaxIdx())});
+    answerWith(_hidl_cb, true, static_cast<int32_t>(mProjectParser->getProjectMaxIdx()));
     return {};
 }
 

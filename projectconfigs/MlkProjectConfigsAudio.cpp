@@ -5,6 +5,7 @@
 
 #include <mutex>
 
+#include "common/Answer.h"
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "projectconfigs/MlkProjectConfigs.h"
@@ -171,7 +172,7 @@ Return<void> MlkProjectConfigs::getAudioDelay(const ProjectConfigKey& key,
                                               getAudioDelay_cb _hidl_cb) {
     const bool isArc = avrName.c_str() != nullptr && avrName == "ARC";
     const int32_t delay = audioDelay(key, isArc);
-    _hidl_cb({true, std::to_string(delay)});
+    answerWith(_hidl_cb, true, std::to_string(delay));
     return {};
 }
 

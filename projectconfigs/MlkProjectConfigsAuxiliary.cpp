@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/Answer.h"
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "projectconfigs/MlkProjectConfigs.h"
@@ -78,7 +79,7 @@ Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
     const std::string text = mKaraokeIniParser->getInfo(mKarakeName.data(), nameOf(key));
     const int32_t number = parseDecimal(text);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %i", __func__, text.c_str(), number);
-    _hidl_cb({true, number});
+    answerWith(_hidl_cb, true, number);
     return {};
 }
 
@@ -87,7 +88,7 @@ Return<void> MlkProjectConfigs::getGlobalKeyConfig(const ProjectConfigKey& key,
     const std::string text = mGlobalKeyIniParser->getInfo(mGlobalKeyName.data(), nameOf(key));
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %s: %s", __func__, key.category.c_str(),
                         key.key.c_str(), text.c_str());
-    _hidl_cb({true, text});
+    answerWith(_hidl_cb, true, text);
     return {};
 }
 
@@ -101,7 +102,7 @@ Return<void> MlkProjectConfigs::getCustomerDdcciConfigInt(const ProjectConfigKey
     const int32_t number = parseDecimal(text);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s, %d", __func__,
                         key.category.c_str(), key.key.c_str(), text.c_str(), number);
-    _hidl_cb({true, number});
+    answerWith(_hidl_cb, true, number);
     return {};
 }
 
@@ -111,7 +112,7 @@ Return<void> MlkProjectConfigs::getCustomerDdcciConfigString(
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s", __func__,
                         key.category.c_str(), key.key.c_str(), text.c_str());
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s", text.c_str());
-    _hidl_cb({true, text});
+    answerWith(_hidl_cb, true, text);
     return {};
 }
 

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "common/Answer.h"
 #include "projectconfigs/ClientDescriptor.h"
 #include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/MlkProjectConfigs.h"
@@ -126,7 +127,7 @@ Return<void> MlkProjectConfigs::isFileExist(const hidl_string& path, isFileExist
         return {};
     }
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist, path:%s", path.c_str());
-    _hidl_cb({true, ProjectParser::isFileExist(path.c_str()) ? 1 : 0});
+    answerWith(_hidl_cb, true, ProjectParser::isFileExist(path.c_str()) ? 1 : 0);
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "common/Answer.h"
 #include "common/Decimal.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 
@@ -16,6 +17,7 @@ void MlkProjectConfigs::answerValue(const char* category, const char* key,
                                     const TextCallback& callback) const {
     const std::string value = mProjectParser->getInfo(ConfigKey(category, key));
     OptionalString answer{};
+    clearPadding(answer);
     answer.success = true;
     // The value outlives the answer: a second copy would be for nothing.
     answer.value.setToExternal(value.c_str(), value.size());
@@ -43,13 +45,13 @@ Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
     return answer<projectItem("getPowerOnMode")>(TextCallback([&](const OptionalString& text) {
         const int32_t mode = parseDecimal(text.value.c_str());
         if (mode >= 0 && mode <= kHighestMode) {
-            _hidl_cb({true, mode});
+            answerWith(_hidl_cb, true, mode);
         }
     }));
 }
 
 Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
-    _hidl_cb({true, mProjectParser->getCustomerId()});
+    answerWith(_hidl_cb, true, mProjectParser->getCustomerId());
     return {};
 }
 
@@ -74,17 +76,17 @@ Return<void> MlkProjectConfigs::getConfigsByCategory(const hidl_string& category
 }
 
 Return<void> MlkProjectConfigs::getTvconfigsPath(getTvconfigsPath_cb _hidl_cb) {
-    _hidl_cb({true, mTvconfigsPath});
+    answerWith(_hidl_cb, true, mTvconfigsPath);
     return {};
 }
 
 Return<void> MlkProjectConfigs::getTvdataPath(getTvdataPath_cb _hidl_cb) {
-    _hidl_cb({true, mTvdataPath});
+    answerWith(_hidl_cb, true, mTvdataPath);
     return {};
 }
 
 Return<void> MlkProjectConfigs::getImpdataPath(getImpdataPath_cb _hidl_cb) {
-    _hidl_cb({true, mImpdataPath});
+    answerWith(_hidl_cb, true, mImpdataPath);
     return {};
 }
 

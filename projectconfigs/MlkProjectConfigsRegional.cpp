@@ -3,6 +3,9 @@
 
 #include <android/log.h>
 
+#include <algorithm>
+#include <cstdint>
+
 #include "projectconfigs/MlkProjectConfigs.h"
 #include "regional/CountryListParser.h"
 #include "regional/FreqTableParser.h"
@@ -85,7 +88,20 @@ Return<void> MlkProjectConfigs::getFreqTableList(int32_t country, FreqTableType 
                                           _tv_country{country}, type, cableType, items);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "getfreqTable,sucess %d: size: %d", found ? 1 : 0,
                         static_cast<int>(items.size()));
-    _hidl_cb(hidl_vec<HidlFreqListItem>(items));  // none when no table was found
+    // The list travels as it lies in memory: all of it is cleared, and then the fields are filled
+    // one by one.
+    hidl_vec<HidlFreqListItem> answer;
+    answer.resize(items.size());
+    std::fill_n(reinterpret_cast<uint8_t*>(answer.data()), items.size() * sizeof(HidlFreqListItem),
+                uint8_t{0});
+    for (size_t i = 0; i < items.size(); ++i) {
+        answer[i].channel = items[i].channel;
+        answer[i].frequency = items[i].frequency;
+        answer[i].bandwidth = items[i].bandwidth;
+        answer[i].label = items[i].label;
+        answer[i].modulation = items[i].modulation;
+    }
+    _hidl_cb(answer);  // none when no table was found
     return {};
 }
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <utility>
 
+#include "common/Answer.h"
 #include "common/Decimal.h"
 #include "tvconfigs/LogTag.h"
 #include "tvconfigs/PropConfigEditor.h"
@@ -202,11 +203,12 @@ OptionalBool MlkTvConfigs::SetFlag(const FlagRow& row, bool enabled) {
 
 #define MLK_DEFINE_SYSTEM(Name, ...)                                                \
     Return<void> MlkTvConfigs::get##Name(get##Name##_cb _hidl_cb) {                 \
-        _hidl_cb({true, Cached(k##Name.field)});                                    \
+        answerWith(_hidl_cb, true, Cached(k##Name.field));                          \
         return Void();                                                              \
     }                                                                               \
     Return<void> MlkTvConfigs::set##Name(int32_t system, set##Name##_cb _hidl_cb) { \
-        _hidl_cb(SetSystem(k##Name, system));                                       \
+        const OptionalInt32 answer = SetSystem(k##Name, system);                    \
+        answerWith(_hidl_cb, answer.success, answer.value);                         \
         return Void();                                                              \
     }
 MLK_TV_SYSTEMS(MLK_DEFINE_SYSTEM)
