@@ -37,9 +37,9 @@ milliseconds stallLimit() {
 }
 
 milliseconds callLimit() {
+    if (!ThreadPool::ownsThisThread()) return kForever;
     static const milliseconds set = limitIn("MLK_CALL_LIMIT_MS");
-    if (set != kUnset) return set;
-    return ThreadPool::ownsThisThread() ? kCallLimitOfPool : kForever;
+    return set != kUnset ? set : kCallLimitOfPool;
 }
 
 bool repliesAreLimitedAsOnADevice() {

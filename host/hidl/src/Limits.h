@@ -10,8 +10,8 @@ namespace android::hardware::transport {
 // closed: MLK_STALL_LIMIT_MS, 30 seconds unless that is set.
 std::chrono::milliseconds stallLimit();
 
-// How long a call that this thread makes as a client may take altogether: MLK_CALL_LIMIT_MS; unless
-// that is set, five seconds on a thread of the RPC pool, whose own clients wait meanwhile, and
+// How long a call that this thread makes as a client may take altogether: on a thread of the RPC
+// pool, whose own clients wait meanwhile, MLK_CALL_LIMIT_MS, five seconds unless that is set;
 // kForever on any other.
 std::chrono::milliseconds callLimit();
 

@@ -68,12 +68,26 @@ TEST_F(NamesTest, InstancesAreApart) {
     EXPECT_EQ(nullptr, IEverything::getService("default"));
 }
 
+TEST_F(NamesTest, NameOfTheDeadIsTakenWithoutALine) {
+    Server first;
+    first.kill();
+    const Server later;
+    EXPECT_EQ(later.pid(), pidOf(IEverything::getService()));
+    EXPECT_EQ("", later.err());
+}
+
 TEST_F(NamesTest, LaterServerTakesTheName) {
     const Server first;
     const sp<IEverything> toFirst = first.service();
     std::optional<Server> later(std::in_place);
     EXPECT_EQ(later->pid(), pidOf(IEverything::getService()));
     EXPECT_EQ(first.pid(), pidOf(toFirst));
+    // Both say so.
+    EXPECT_TRUE(later->says("this process takes the name from process " +
+                            std::to_string(first.pid()) + ", which still has it\n"));
+    EXPECT_TRUE(first.says("process " + std::to_string(later->pid()) +
+                           " has taken the name over; new clients do not reach this process\n"));
+    EXPECT_THAT(first.err(), ::testing::HasSubstr(" E "));
     // The name goes with its last owner; the one before it does not get it back.
     later->kill();
     EXPECT_EQ(nullptr, IEverything::getService());

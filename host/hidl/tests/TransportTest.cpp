@@ -142,6 +142,40 @@ TEST_F(TransportTest, MessagesCarryNothingOfEarlierOnes) {
     EXPECT_EQ(sizeof(Header), message.sending().left());
 }
 
+TEST_F(TransportTest, MessagesCarryNoAddressesAndNoDescriptorNumbers) {
+    // Structs with a pointer in their middle, sent as a copy and from where they stand.
+    for (const size_t length : {24U, 40'000U}) {
+        std::string parent(length, 'p');
+        const std::string child = "child";
+        const unique_fd file = fileWith("x");
+        native_handle_t* const native = native_handle_create(1, 600);
+        native->data[0] = file.get();
+        Parcel parcel;
+        size_t handle;
+        size_t embedded;
+        ASSERT_EQ(OK, parcel.writeBuffer(parent.data(), length, &handle));
+        ASSERT_EQ(OK, parcel.writeEmbeddedBuffer(child.data(), child.size(), &embedded, handle, 8));
+        ASSERT_EQ(OK, parcel.writeEmbeddedNativeHandle(native, handle, 16));
+        OutgoingMessage message;
+        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
+        std::string bytes;
+        for (const iovec& piece : message.sending().pieces) {
+            bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
+        }
+        std::string expected = parent;
+        expected.replace(8, 16, 16, '\0');
+        const size_t start = sizeof(Header) + 3 * sizeof(WireObject);
+        EXPECT_EQ(expected, bytes.substr(start, length)) << length;
+        EXPECT_EQ(child, bytes.substr(start + length, child.size()));
+        const size_t number = start + length + 8 + sizeof(native_handle_t);
+        EXPECT_EQ(std::string(4, '\0'), bytes.substr(number, 4));
+        EXPECT_EQ(std::string(length, 'p'), parent) << "the sender's own is as it was";
+        EXPECT_EQ(file.get(), native->data[0]);
+        EXPECT_EQ(message.bodySize() + sizeof(Header), bytes.size());
+        (void)native_handle_delete(native);
+    }
+}
+
 TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
     fill();
     std::string text = "first";
