@@ -24,8 +24,10 @@ class Delivery : public ::testing::Test {
         writeProject(mSet);
         mAllocator = startAllocator();
         // Its memory is measured: the address sanitizer is not to keep what is freed.
-        mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
-                {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}});
+        std::map<std::string, std::string> environment{
+                {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}};
+        environment.insert(mVariables.begin(), mVariables.end());
+        mServer = std::make_unique<ServiceProcess>(environment);
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
         mService = IMlkProjectConfigs::getService();
     }
@@ -96,6 +98,7 @@ class Delivery : public ::testing::Test {
     pid_t pid() const { return mServer->process().pid(); }
 
     ::mlk::testing::HostSet mSet;
+    std::map<std::string, std::string> mVariables;  ///< of the service, beside the test's
     std::unique_ptr<::mlk::testing::Process> mAllocator;
     std::unique_ptr<ServiceProcess> mServer;
     ::android::sp<IMlkProjectConfigs> mService;

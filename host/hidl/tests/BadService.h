@@ -65,11 +65,12 @@ class BadServer {
 class BadService {
   public:
     explicit BadService(std::function<void(const BadServer&)> work,
-                        const std::string& interface = IEverything::descriptor)
+                        const std::string& interface = IEverything::descriptor,
+                        const std::string& instance = "default")
         : mWork(std::move(work)) {
         const ::android::hardware::transport::RuntimeFolder folder =
                 ::android::hardware::transport::findRuntimeFolder();
-        EXPECT_EQ(0, ::android::hardware::transport::listenOn(folder, interface + ".default",
+        EXPECT_EQ(0, ::android::hardware::transport::listenOn(folder, interface + "." + instance,
                                                               &mListener));
         mThread = std::thread([this] { run(); });
     }
