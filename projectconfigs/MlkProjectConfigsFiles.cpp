@@ -85,6 +85,25 @@ class MappedBlock {
     sp<IMemory> mMapped;
 };
 
+void logDump(const Written& written) {
+    switch (written.outcome) {
+        case WriteOutcome::COMPLETE:
+            __android_log_print(ANDROID_LOG_INFO, kTag, "debug -- dumping succeeded");
+            return;
+        case WriteOutcome::FAILED:
+            __android_log_print(ANDROID_LOG_WARN, kTag, "debug -- dumping failed -- write()");
+            return;
+        case WriteOutcome::UNREAD:
+        case WriteOutcome::CROWDED:
+            break;
+    }
+    __android_log_print(ANDROID_LOG_WARN, kTag,
+                        "debug -- dumping failed -- write() given up after %zu bytes, %s",
+                        written.size,
+                        written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
+                                                                : "too many dumps wait already");
+}
+
 }  // namespace
 
 Return<void> MlkProjectConfigs::getTvFile(const hidl_string& path, getTvFile_cb _hidl_cb) {
@@ -144,20 +163,7 @@ Return<void> MlkProjectConfigs::debug(const hidl_handle& handle,
     text << "Audio configuration file: " << std::endl;
     mAudioIniParser->dump(text);
 
-    const std::string dump = text.str();
-    const Written written = writeToClient(handle->data[0], dump);
-    if (written.outcome == WriteOutcome::COMPLETE) {
-        __android_log_print(ANDROID_LOG_INFO, kTag, "debug -- dumping succeeded");
-    } else if (written.outcome == WriteOutcome::FAILED) {
-        __android_log_print(ANDROID_LOG_WARN, kTag, "debug -- dumping failed -- write()");
-    } else {
-        __android_log_print(
-                ANDROID_LOG_WARN, kTag,
-                "debug -- dumping failed -- write() of %zu bytes given up after %zu, %s",
-                dump.size(), written.size,
-                written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
-                                                        : "too many dumps wait already");
-    }
+    writeToClient(handle->data[0], text.str(), logDump);
     return {};
 }
 

@@ -1,30 +1,26 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
 #include <mutex>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** So many places, for what only so many threads may do at once. For any number of threads. */
+/** As many places as threads may do something at once. For any number of threads. */
 class Places {
   public:
     explicit Places(int count) : mFree(count) {}
 
-    /** A place that one thread has taken, or has not got; it is given back with the object. */
+    /** A place if one was free; it is given back with the object. Nobody waits for a place. */
     class Taken {
       public:
-        /** Takes a place of `places`, for which it waits at most `patience`. */
-        Taken(Places& places, std::chrono::milliseconds patience) : mPlaces(places) {
-            std::unique_lock<std::mutex> lock(places.mMutex);
-            mHas = places.mFreed.wait_for(lock, patience, [&] { return places.mFree > 0; });
+        explicit Taken(Places& places) : mPlaces(places) {
+            const std::lock_guard<std::mutex> lock(places.mMutex);
+            mHas = places.mFree > 0;
             places.mFree -= mHas ? 1 : 0;
         }
         ~Taken() {
             if (mHas) {
                 const std::lock_guard<std::mutex> lock(mPlaces.mMutex);
                 ++mPlaces.mFree;
-                mPlaces.mFreed.notify_one();
             }
         }
         Taken(const Taken&) = delete;
@@ -39,7 +35,6 @@ class Places {
 
   private:
     std::mutex mMutex;
-    std::condition_variable mFreed;
     int mFree;
 };
 

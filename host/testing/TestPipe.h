@@ -2,6 +2,7 @@
 
 #include <android-base/unique_fd.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -37,6 +38,13 @@ class TestPipe {
         const ssize_t got = ::read(mRead.get(), text.data(), text.size());
         text.resize(got > 0 ? static_cast<size_t>(got) : 0);
         return text;
+    }
+
+    /// Whether there is something to read, or nobody is left who could write, within half a minute.
+    bool isReadable() const {
+        constexpr int kLimit = 30'000;
+        pollfd input{mRead.get(), POLLIN, 0};
+        return poll(&input, 1, kLimit) == 1;
     }
 
     /// The end that is written to; stays this pipe's.

@@ -8,10 +8,13 @@
 #include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <climits>
 #include <future>
 #include <memory>
 #include <string>
@@ -56,17 +59,40 @@ Written complete(const std::string& text) {
     return {WriteOutcome::COMPLETE, text.size()};
 }
 
+// What becomes of a text; its writer may be waiting for it still.
 std::future<Written> writing(int descriptor, const std::string& text) {
-    return std::async(std::launch::async, writeToClient, descriptor, text);
+    const auto outcome = std::make_shared<std::promise<Written>>();
+    std::thread([outcome, descriptor = dup(descriptor), text] {
+        const unique_fd own(descriptor);
+        writeToClient(own.get(), text,
+                      [outcome](const Written& written) { outcome->set_value(written); });
+    }).detach();
+    return outcome->get_future();
+}
+
+// A text that is done, or given up, before the caller is let go.
+Written written(int descriptor, const std::string& text) {
+    const auto outcome = std::make_shared<std::promise<Written>>();
+    writeToClient(descriptor, text, [outcome](const Written& given) { outcome->set_value(given); });
+    return outcome->get_future().get();
 }
 
 bool isDone(const std::future<Written>& result) {
     return result.wait_for(milliseconds(0)) == std::future_status::ready;
 }
 
+// What becomes of it within half a minute; afterwards it counts as failed.
+Written outcomeOf(std::future<Written>& result) {
+    if (result.wait_for(std::chrono::seconds(30)) != std::future_status::ready) {
+        ADD_FAILURE() << "it has not ended";
+        return {WriteOutcome::FAILED, 0};
+    }
+    return result.get();
+}
+
 std::string readAll(const TestPipe& pipe, size_t size) {
     std::string text;
-    while (text.size() < size) {
+    while (text.size() < size && pipe.isReadable()) {
         text += pipe.read();
     }
     return text;
@@ -78,6 +104,8 @@ struct Sockets {
     unique_fd theirs;
     explicit Sockets(int type) {
         EXPECT_TRUE(::android::base::Socketpair(AF_UNIX, type, 0, &ours, &theirs));
+        const timeval limit{30, 0};
+        EXPECT_EQ(setsockopt(ours.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit)), 0);
     }
     std::string read(size_t size) const {
         std::string text(size, '\0');
@@ -92,7 +120,7 @@ TEST(ClientDescriptor, ReaderOfPipeGetsEverything) {
     TestPipe pipe;
     auto result = writing(pipe.writeEnd(), text);
     EXPECT_EQ(readAll(pipe, text.size()), text);
-    EXPECT_EQ(result.get(), complete(text));
+    EXPECT_EQ(outcomeOf(result), complete(text));
     EXPECT_EQ(fcntl(pipe.writeEnd(), F_GETFL), O_WRONLY) << "the flags are the client's";
 }
 
@@ -102,7 +130,7 @@ TEST(ClientDescriptor, PipeThatDoesNotWaitIsWaitedFor) {
     ASSERT_EQ(fcntl(pipe.writeEnd(), F_SETFL, O_NONBLOCK), 0);
     auto result = writing(pipe.writeEnd(), text);
     EXPECT_EQ(readAll(pipe, text.size()), text);
-    EXPECT_EQ(result.get(), complete(text));
+    EXPECT_EQ(outcomeOf(result), complete(text));
 }
 
 TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
@@ -113,21 +141,21 @@ TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
     const auto begin = steady_clock::now();
     std::string got;
     while (steady_clock::now() - begin < 2 * kReaderPatience) {
-        got += pipe.read(100);
+        got += pipe.isReadable() ? pipe.read(100) : "";
         (void)poll(nullptr, 0, 100);
     }
     EXPECT_LT(got.size(), TestPipe::kSize);
     EXPECT_FALSE(isDone(result));
     got += readAll(pipe, text.size() - got.size());
-    EXPECT_EQ(result.get(), complete(text));
+    EXPECT_EQ(outcomeOf(result), complete(text));
     EXPECT_EQ(got, text);
 }
 
 TEST(ClientDescriptor, PipeThatNobodyReadsIsGivenUp) {
     TestPipe pipe;
     const auto begin = steady_clock::now();
-    EXPECT_EQ(writeToClient(pipe.writeEnd(), longText()),
-              (Written{WriteOutcome::UNREAD, TestPipe::kSize}));
+    auto result = writing(pipe.writeEnd(), longText());
+    EXPECT_EQ(outcomeOf(result), (Written{WriteOutcome::UNREAD, TestPipe::kSize}));
     EXPECT_GE(steady_clock::now() - begin, kReaderPatience);
 }
 
@@ -152,13 +180,13 @@ TEST(ClientDescriptor, PipeThatItsClientFillsAsWellHoldsNobody) {
     stop = true;
     client.join();
     pipe.closeRead();
-    (void)result.get();
+    (void)outcomeOf(result);
 }
 
 TEST(ClientDescriptor, PipeWithoutReaderFails) {
     TestPipe pipe;
     pipe.closeRead();
-    EXPECT_EQ(writeToClient(pipe.writeEnd(), "x"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(pipe.writeEnd(), "x"), (Written{WriteOutcome::FAILED, 0}));
     sigset_t pending;
     ASSERT_EQ(sigpending(&pending), 0);
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0) << "nothing is left for later";
@@ -169,7 +197,7 @@ TEST(ClientDescriptor, ReaderThatLeavesEndsIt) {
     auto result = writing(pipe.writeEnd(), longText());
     (void)pipe.read();
     pipe.closeRead();
-    EXPECT_EQ(result.get().outcome, WriteOutcome::FAILED);
+    EXPECT_EQ(outcomeOf(result).outcome, WriteOutcome::FAILED);
 }
 
 TEST(ClientDescriptor, ReaderOfSocketGetsEverything) {
@@ -177,24 +205,56 @@ TEST(ClientDescriptor, ReaderOfSocketGetsEverything) {
     const Sockets sockets(SOCK_STREAM);
     auto result = writing(sockets.theirs.get(), text);
     std::string got;
-    while (got.size() < text.size()) {
-        got += sockets.read(1000);
+    std::string more;
+    while (got.size() < text.size() && !(more = sockets.read(1000)).empty()) {
+        got += more;
     }
-    EXPECT_EQ(result.get(), complete(text));
+    EXPECT_EQ(outcomeOf(result), complete(text));
     EXPECT_EQ(got, text);
 }
 
 TEST(ClientDescriptor, SocketThatNobodyReadsIsGivenUp) {
     const Sockets sockets(SOCK_STREAM);
-    const Written written = writeToClient(sockets.theirs.get(), longText());
-    EXPECT_EQ(written.outcome, WriteOutcome::UNREAD);
-    EXPECT_GT(written.size, 0U);
+    auto result = writing(sockets.theirs.get(), longText());
+    const Written outcome = outcomeOf(result);
+    EXPECT_EQ(outcome.outcome, WriteOutcome::UNREAD);
+    EXPECT_GT(outcome.size, 0U);
+}
+
+// What the other end sends says nothing about what it reads.
+TEST(ClientDescriptor, SocketWhoseOtherEndOnlyTalksIsGivenUp) {
+    const Sockets sockets(SOCK_STREAM);
+    auto result = writing(sockets.theirs.get(), longText());
+    EXPECT_TRUE(eventually([&] {
+        (void)!send(sockets.ours.get(), "x", 1, MSG_DONTWAIT);
+        return isDone(result);
+    }));
+    EXPECT_EQ(outcomeOf(result).outcome, WriteOutcome::UNREAD);
+}
+
+TEST(ClientDescriptor, SlowReaderOfSocketGetsEverything) {
+    const std::string text = longText();
+    const Sockets sockets(SOCK_STREAM);
+    auto result = writing(sockets.theirs.get(), text);
+    std::string got;
+    const auto begin = steady_clock::now();
+    while (steady_clock::now() - begin < 2 * kReaderPatience) {
+        got += sockets.read(PIPE_BUF);
+        (void)poll(nullptr, 0, 100);
+    }
+    EXPECT_FALSE(isDone(result));
+    std::string more;
+    while (got.size() < text.size() && !(more = sockets.read(text.size())).empty()) {
+        got += more;
+    }
+    EXPECT_EQ(outcomeOf(result), complete(text));
+    EXPECT_EQ(got, text);
 }
 
 TEST(ClientDescriptor, SocketWithoutReaderFails) {
     Sockets sockets(SOCK_STREAM);
     sockets.ours.reset();
-    EXPECT_EQ(writeToClient(sockets.theirs.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(sockets.theirs.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
 }
 
 TEST(ClientDescriptor, FileIsWrittenAtItsPosition) {
@@ -202,40 +262,93 @@ TEST(ClientDescriptor, FileIsWrittenAtItsPosition) {
     const std::string text = longText();
     const std::string path = dir.write("dump", "before ");
     const unique_fd file(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
-    EXPECT_EQ(writeToClient(file.get(), text), complete(text));
+    EXPECT_EQ(written(file.get(), text), complete(text));
     EXPECT_EQ(dir.read("dump"), "before " + text);
 }
 
-TEST(ClientDescriptor, FilesTakeTurns) {
+TEST(ClientDescriptor, ManyFilesAreWrittenAtOnce) {
     const TempDir dir;
     const std::string text = longText();
     std::vector<unique_fd> files;
     std::vector<std::future<Written>> results;
-    for (int i = 0; i < 2 * kWriters; ++i) {
+    for (int i = 0; i < kWriters; ++i) {
         const std::string path = dir.write("dump" + std::to_string(i), "");
         files.emplace_back(open(path.c_str(), O_WRONLY | O_CLOEXEC));
         results.push_back(writing(files.back().get(), text));
     }
     for (auto& result : results) {
-        EXPECT_EQ(result.get(), complete(text));
+        EXPECT_EQ(outcomeOf(result), complete(text));
     }
+}
+
+// Whatever holds a writer, the caller is let go, and so is one who comes when all are held.
+TEST(ClientDescriptor, CallersAreLetGo) {
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    const TempDir dir;
+    const unique_fd file(open(dir.write("dump", "").c_str(), O_WRONLY | O_CLOEXEC));
+    std::atomic<int> held{0};
+    std::atomic<int> letGo{0};
+    std::vector<std::thread> callers;
+    callers.reserve(kWriters);
+    for (int i = 0; i < kWriters; ++i) {
+        callers.emplace_back([&] {
+            writeToClient(file.get(), "x", [&held, released](const Written&) {
+                ++held;
+                released.wait();
+            });
+            ++letGo;
+        });
+    }
+    EXPECT_TRUE(eventually([&] { return held == kWriters; }));
+    EXPECT_EQ(written(file.get(), "x"), (Written{WriteOutcome::CROWDED, 0}));
+    EXPECT_TRUE(eventually([&] { return letGo == kWriters; }));
+    release.set_value();
+    for (std::thread& caller : callers) {
+        caller.join();
+    }
+    EXPECT_TRUE(eventually([&] { return written(file.get(), "x") == complete("x"); }));
+}
+
+// The caller leaves, its reader stays and gets the rest.
+TEST(ClientDescriptor, WritingGoesOnWithoutTheCaller) {
+    const std::string text(3 * TestPipe::kSize, 'x');
+    TestPipe pipe;
+    const auto outcome = std::make_shared<std::promise<Written>>();
+    auto result = outcome->get_future();
+    std::atomic<bool> stop{false};
+    std::string got;
+    std::thread reader([&] {
+        while (!stop) {
+            got += pipe.isReadable() ? pipe.read(10) : "";
+            (void)poll(nullptr, 0, 50);
+        }
+    });
+    writeToClient(pipe.writeEnd(), text,
+                  [outcome](const Written& written) { outcome->set_value(written); });
+    EXPECT_FALSE(isDone(result));
+    stop = true;
+    reader.join();
+    got += readAll(pipe, text.size() - got.size());
+    EXPECT_EQ(got, text);
+    EXPECT_EQ(outcomeOf(result), complete(text));
 }
 
 TEST(ClientDescriptor, WhatCannotBeWrittenFails) {
     const TempDir dir;
     const unique_fd file(open(dir.write("dump", "").c_str(), O_RDONLY | O_CLOEXEC));
-    EXPECT_EQ(writeToClient(file.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
-    EXPECT_EQ(writeToClient(-1, "x"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(file.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(-1, "x"), (Written{WriteOutcome::FAILED, 0}));
     // It may wait for ever to add one number to another.
     const unique_fd counter(eventfd(0, EFD_CLOEXEC));
-    EXPECT_EQ(writeToClient(counter.get(), "12345678"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(counter.get(), "12345678"), (Written{WriteOutcome::FAILED, 0}));
     const unique_fd folder(open(dir.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_EQ(writeToClient(folder.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(written(folder.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
 }
 
 TEST(ClientDescriptor, NothingIsSoonWritten) {
     TestPipe pipe;
-    EXPECT_EQ(writeToClient(pipe.fill().writeEnd(), ""), complete(""));
+    EXPECT_EQ(written(pipe.fill().writeEnd(), ""), complete(""));
 }
 
 TEST(ClientDescriptor, PipeFailsWithoutDescriptorsForOurOwn) {
@@ -244,25 +357,41 @@ TEST(ClientDescriptor, PipeFailsWithoutDescriptorsForOurOwn) {
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const rlimit none{0, limit.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const Written written = writeToClient(pipe.writeEnd(), "x");
+    const Written outcome = written(pipe.writeEnd(), "x");
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_EQ(written, (Written{WriteOutcome::FAILED, 0}));
+    EXPECT_EQ(outcome, (Written{WriteOutcome::FAILED, 0}));
 }
 
-TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
-    std::vector<TestPipe> held(kWaitForReaders);
-    std::vector<std::future<Written>> waiting;
-    std::atomic<bool> stop{false};
-    for (TestPipe& pipe : held) {
-        pipe.fill();
-        waiting.push_back(std::async(std::launch::async, [&pipe] {
-            Written written{};
-            do {
-                written = writeToClient(pipe.writeEnd(), "x");
-            } while (written.outcome == WriteOutcome::CROWDED);
-            return written;
-        }));
+// Pipes that hold all places for readers, and what becomes of the texts that are written to them.
+struct Waiting {
+    std::vector<TestPipe> pipes;
+    std::vector<std::future<Written>> results;
+
+    explicit Waiting(const std::string& text) {
+        do {
+            pipes = std::vector<TestPipe>(kWaitForReaders);
+            results.clear();
+            for (TestPipe& pipe : pipes) {
+                results.push_back(writing(pipe.fill().writeEnd(), text));
+            }
+            // The probe may have come first, and taken the place of one of them.
+        } while (!eventually([&] { return anyDone() || probeIsCrowded(); }) || anyDone());
     }
+
+  private:
+    bool anyDone() const { return std::any_of(results.begin(), results.end(), isDone); }
+    static bool probeIsCrowded() {
+        TestPipe pipe;
+        auto result = writing(pipe.fill().writeEnd(), "x");
+        pipe.closeRead();
+        return outcomeOf(result).outcome == WriteOutcome::CROWDED;
+    }
+};
+
+TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
+    Waiting waiting("x");
+    std::vector<TestPipe>& held = waiting.pipes;
+    std::atomic<bool> stop{false};
     // These read on, a byte at a time: they keep their places.
     std::thread readers([&] {
         while (!stop) {
@@ -274,64 +403,122 @@ TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
     });
     TestPipe pipe;
     pipe.fill();
-    EXPECT_TRUE(eventually([&] {
-        return writeToClient(pipe.writeEnd(), "x") == Written{WriteOutcome::CROWDED, 0};
-    }));
     const auto begin = steady_clock::now();
     for (int i = 0; i < 20; ++i) {
-        EXPECT_EQ(writeToClient(pipe.writeEnd(), "x"), (Written{WriteOutcome::CROWDED, 0}));
+        EXPECT_EQ(written(pipe.writeEnd(), "x"), (Written{WriteOutcome::CROWDED, 0}));
     }
-    EXPECT_LT(steady_clock::now() - begin, kReaderPatience) << "they do not wait";
+    EXPECT_LT(steady_clock::now() - begin, 20 * kReaderPatience) << "they do not wait";
     // A reader that is there needs no place.
     TestPipe prompt;
-    EXPECT_EQ(writeToClient(prompt.writeEnd(), "x"), complete("x"));
+    EXPECT_EQ(written(prompt.writeEnd(), "x"), complete("x"));
     stop = true;
     readers.join();
     for (TestPipe& one : held) {
         (void)one.read();
     }
-    for (auto& result : waiting) {
-        EXPECT_EQ(result.get(), complete("x"));
+    for (auto& result : waiting.results) {
+        EXPECT_EQ(outcomeOf(result), complete("x"));
     }
     // The places are free again.
-    EXPECT_EQ(writeToClient(pipe.writeEnd(), "x").outcome, WriteOutcome::UNREAD);
+    auto result = writing(pipe.writeEnd(), "x");
+    EXPECT_EQ(outcomeOf(result).outcome, WriteOutcome::UNREAD);
 }
 
-// A terminal that takes nothing holds all that write to it, and no more than may.
-TEST(ClientDescriptor, OnlyAFewAreHeldByATerminal) {
-    unique_fd master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-    ASSERT_TRUE(master.ok());
-    ASSERT_EQ(grantpt(master.get()), 0);
-    ASSERT_EQ(unlockpt(master.get()), 0);
-    const unique_fd terminal(open(ptsname(master.get()), O_WRONLY | O_NOCTTY | O_CLOEXEC));
-    ASSERT_TRUE(terminal.ok());
-    std::vector<std::future<Written>> held;
-    held.reserve(kWriters);
-    for (int i = 0; i < kWriters; ++i) {
-        held.push_back(writing(terminal.get(), longText()));
+// A reader that crawls keeps its place from its first pause to its end, whoever else wants one.
+TEST(ClientDescriptor, PlaceOfAReaderThatCrawlsIsNotGivenAway) {
+    constexpr size_t kPages = 200;
+    const std::string text(kPages * TestPipe::kSize, 'x');
+    Waiting waiting(text);
+    TestPipe full;
+    full.fill();
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> rivals;
+    for (int i = kWaitForReaders; i < kWriters; ++i) {
+        rivals.emplace_back([&] {
+            while (!stop) {
+                (void)written(full.writeEnd(), "x");
+            }
+        });
     }
-    EXPECT_TRUE(eventually([&] {
-        TestPipe pipe;
-        return writeToClient(pipe.writeEnd(), "x") == Written{WriteOutcome::CROWDED, 0};
-    }));
-    master.reset();
-    for (auto& result : held) {
-        EXPECT_EQ(result.get().outcome, WriteOutcome::FAILED);
+    for (size_t page = 0; page < kPages + 1; ++page) {
+        for (TestPipe& pipe : waiting.pipes) {
+            EXPECT_FALSE((pipe.isReadable() ? pipe.read() : "").empty());
+        }
+    }
+    for (auto& result : waiting.results) {
+        EXPECT_EQ(outcomeOf(result), complete(text));
+    }
+    // Nobody need wait for a pipe that is read now.
+    stop = true;
+    full.closeRead();
+    for (std::thread& rival : rivals) {
+        rival.join();
+    }
+}
+
+struct Terminal {
+    unique_fd master{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
+    unique_fd slave;
+    Terminal() {
+        EXPECT_EQ(grantpt(master.get()), 0);
+        EXPECT_EQ(unlockpt(master.get()), 0);
+        slave.reset(open(ptsname(master.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        EXPECT_TRUE(slave.ok());
+    }
+};
+
+TEST(ClientDescriptor, ReaderOfTerminalGetsEverything) {
+    std::string text;
+    while (text.size() < 100'000) {
+        text += std::to_string(text.size()) + (text.size() % 7 == 0 ? "\n" : "\t");
+    }
+    const Terminal terminal;
+    auto result = writing(terminal.slave.get(), text);
+    std::string got;
+    while (got.size() < text.size()) {
+        pollfd input{terminal.master.get(), POLLIN, 0};
+        ASSERT_EQ(poll(&input, 1, 30'000), 1);
+        std::string piece(4096, '\0');
+        const ssize_t size = read(terminal.master.get(), piece.data(), piece.size());
+        ASSERT_GT(size, 0);
+        for (const char byte : piece.substr(0, static_cast<size_t>(size))) {
+            got += byte == '\r' ? "" : std::string(1, byte);
+        }
+    }
+    EXPECT_EQ(outcomeOf(result), complete(text));
+    EXPECT_EQ(got, text);
+}
+
+// Terminals that take nothing hold nobody, however many there are.
+TEST(ClientDescriptor, TerminalsThatNobodyReadsAreGivenUp) {
+    const std::vector<Terminal> terminals(kWriters);
+    EXPECT_EQ(tcflow(terminals.front().slave.get(), TCOOFF), 0);
+    std::vector<std::future<Written>> results;
+    for (const Terminal& terminal : terminals) {
+        results.push_back(writing(terminal.slave.get(), longText()));
+    }
+    for (auto& result : results) {
+        const WriteOutcome outcome = outcomeOf(result).outcome;
+        EXPECT_TRUE(outcome == WriteOutcome::UNREAD || outcome == WriteOutcome::CROWDED);
     }
     TestPipe pipe;
-    EXPECT_EQ(writeToClient(pipe.writeEnd(), "x"), complete("x")) << "the places are free again";
+    EXPECT_TRUE(eventually([&] { return written(pipe.writeEnd(), "x") == complete("x"); }));
+}
+
+TEST(ClientDescriptor, TerminalThatIsClosedFails) {
+    Terminal terminal;
+    terminal.master.reset();
+    EXPECT_EQ(written(terminal.slave.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
 }
 
 TEST(Places, AreTakenAndGivenBack) {
     Places places(1);
-    auto first = std::make_unique<Places::Taken>(places, milliseconds(0));
+    auto first = std::make_unique<Places::Taken>(places);
     EXPECT_TRUE(*first);
-    EXPECT_FALSE(Places::Taken(places, milliseconds(0)));
-    EXPECT_FALSE(Places::Taken(places, milliseconds(1)));
-    std::thread leaving([&] { first.reset(); });
-    EXPECT_TRUE(Places::Taken(places, std::chrono::seconds(30)));
-    leaving.join();
-    EXPECT_TRUE(Places::Taken(places, milliseconds(0)));
+    EXPECT_FALSE(Places::Taken(places));
+    first.reset();
+    EXPECT_TRUE(Places::Taken(places));
+    EXPECT_TRUE(Places::Taken(places)) << "each is given back once";
 }
 
 }  // namespace

@@ -3,11 +3,15 @@
 //
 // MLK_SOAK in the environment has each test run for so many seconds instead of a moment.
 
+#include <android-base/unique_fd.h>
 #include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <memory>
@@ -97,7 +101,7 @@ class LoadTest : public ::testing::Test {
     /// The process is as it was: alive, no larger, with the descriptors it had.
     void expectAsBefore(size_t resident) {
         EXPECT_TRUE(mServer->process().running());
-        EXPECT_LE(threadsOf(pid()), kPoolThreads);
+        EXPECT_TRUE(eventually([&] { return threadsOf(pid()) <= kPoolThreads; }));
         EXPECT_TRUE(eventually([&] { return descriptorsOf(pid()) <= mDescriptors; }))
                 << descriptorsOf(pid()) << " descriptors instead of " << mDescriptors;
         // What the allocators keep for the next call; the sanitizers keep more.
@@ -259,6 +263,59 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
     honest.join();
     EXPECT_GT(mHonestCalls, 100U);
     expectAsBefore(before);
+}
+
+/// A terminal whose screen nobody looks at: it takes what fits and nothing more.
+class StoppedTerminal {
+  public:
+    StoppedTerminal() : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        EXPECT_EQ(grantpt(mMaster.get()), 0);
+        EXPECT_EQ(unlockpt(mMaster.get()), 0);
+        mTerminal.reset(open(ptsname(mMaster.get()), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+        EXPECT_EQ(tcflow(mTerminal.get(), TCOOFF), 0);
+    }
+    hidl_handle handle() const {
+        native_handle_t* const native = native_handle_create(1, 0);
+        native->data[0] = dup(mTerminal.get());
+        hidl_handle handle;
+        handle.setTo(native, true);
+        return handle;
+    }
+
+  private:
+    ::android::base::unique_fd mMaster;
+    ::android::base::unique_fd mTerminal;
+};
+
+// Who finds no thread to write a dump is refused at once, so the others wait for nobody.
+TEST_F(LoadTest, DumpsToStoppedTerminalsDelayNobody) {
+    constexpr int kTerminals = 6;
+    constexpr int kAskers = 60;
+    // A second, and what a busy machine adds.
+    constexpr auto kLongest = std::chrono::seconds(8);
+    const std::vector<StoppedTerminal> terminals(kTerminals);
+    std::atomic<int> asking{kAskers};
+    std::thread askers([&] {
+        ::mlk::testing::inThreads(kAskers, [&](int i) {
+            const auto service = IMlkProjectConfigs::getService();
+            const hidl_handle handle = terminals[static_cast<size_t>(i) % kTerminals].handle();
+            for (int round = 0; round < 5; ++round) {
+                EXPECT_TRUE(service->debug(handle, {}).isOk());
+            }
+            --asking;
+        });
+    });
+    const auto service = IMlkProjectConfigs::getService();
+    auto longest = steady_clock::duration(0);
+    do {
+        const auto begin = steady_clock::now();
+        EXPECT_TRUE(service->ping().isOk());
+        longest = std::max(longest, steady_clock::now() - begin);
+    } while (asking > 0);
+    askers.join();
+    EXPECT_LT(longest, kLongest);
+    EXPECT_TRUE(eventually([&] { return threadsOf(pid()) <= kPoolThreads; }))
+            << "nothing goes on for a terminal that takes nothing";
 }
 
 TEST_F(LoadTest, DumpsThatNobodyReadsHoldNobody) {
