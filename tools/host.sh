@@ -5,17 +5,17 @@
 packages=(
     android-libbase-dev android-libcutils-dev android-liblog-dev android-libutils-dev
     cmake g++ hidl-gen libcli11-dev libgmock-dev libgtest-dev libtinyxml2-dev ninja-build
-    nlohmann-json3-dev
+    nlohmann-json3-dev python3
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 # For what the tests cover: llvm-cov and llvm-profdata.
-coverage_packages=(llvm python3)
+coverage_packages=(llvm)
 # For the tests of scripts, and of what only a device has: tests/device.
-device_packages=(blueprint-tools checkpolicy lld m4 python3)
+device_packages=(blueprint-tools checkpolicy lld m4)
 # For ./run bench.
 bench_packages=(
-    libbenchmark-dev python3
+    libbenchmark-dev
     # What it is measured beside.
     capnproto dbus-daemon libboost-dev libcapnp-dev libglib2.0-dev libgrpc++-dev libinih-dev
     libprotobuf-dev libsimpleini-dev libsystemd-dev pkgconf protobuf-compiler-grpc

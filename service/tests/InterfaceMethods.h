@@ -24,7 +24,7 @@ struct MethodRow {
     std::function<bool(Interface& object, RandomArguments& arguments)> callAnyhow;
 };
 
-/// All methods of the interface in their declared order.
+/// All methods of the interface in their declared order. Generated: service/interfaces/methods.
 template <typename Interface>
 const std::vector<MethodRow<Interface>>& methodRows();
 

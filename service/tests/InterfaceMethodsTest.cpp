@@ -6,7 +6,10 @@
 #include <vendor/morlak/mlkconfigs/1.0/BpHwMlkProjectConfigs.h>
 #include <vendor/morlak/mlkconfigs/1.0/BpHwMlkTvConfigs.h>
 
+#include <cstdlib>
+#include <fstream>
 #include <string>
+#include <vector>
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
@@ -32,11 +35,35 @@ class NotingRemote : public IBinder {
     std::vector<uint32_t> mCodes;
 };
 
+/// The methods of an interface in the order of their codes, from the list of what clients that were
+/// built earlier send: a line "IMlkTvConfigs 27 getFlag(ConfigType) OptionalBool" each.
+std::vector<std::string> committedMethods(const std::string& interface) {
+    const char* tree = getenv("MLK_SOURCE_DIR");
+    std::ifstream list((tree == nullptr ? "." : tree) +
+                       std::string("/service/tests/method_codes.txt"));
+    std::vector<std::string> names;
+    std::string name;
+    std::string method;
+    std::string rest;
+    uint32_t code = 0;
+    while (list >> name >> code >> method && std::getline(list, rest)) {
+        if (name == interface) {
+            names.push_back(method.substr(0, method.find('(')));
+            EXPECT_EQ(code, names.size()) << method;
+        }
+    }
+    return names;
+}
+
 template <typename Proxy, size_t count>
 void expectCodes() {
     using Interface = typename Proxy::Pure;
     const auto& rows = methodRows<Interface>();
     EXPECT_THAT(rows, SizeIs(count));
+    const std::string descriptor = Interface::descriptor;
+    std::vector<std::string> names;
+    for (const auto& row : rows) names.emplace_back(row.name);
+    EXPECT_EQ(names, committedMethods(descriptor.substr(descriptor.rfind(':') + 1)));
     uint32_t position = 0;
     for (const auto& row : rows) {
         EXPECT_EQ(row.code, ++position) << row.name;

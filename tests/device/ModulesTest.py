@@ -46,12 +46,30 @@ class Modules(unittest.TestCase):
     def test_every_target_has_its_module(self):
         folders = {self.modules[name][0] for name in TARGETS}
         for target, (folder, sources) in self.cmake.items():
-            only_tests = all(source.startswith("tests/") for source in sources)
+            only_tests = all(source.startswith("tests/") or Path(source).parent.name == "tests" for source in sources)
             if folder in folders and not only_tests:
                 self.assertIn(target, TARGETS.values())
 
     def test_nothing_is_wrong_with_them(self):
         self.assertEqual(rules.findings(self.modules, self.cmake), [])
+
+    def test_generated_sources_are_those_of_the_target(self):
+        for name, target in TARGETS.items():
+            folder, sources = self.cmake[target]
+            with self.subTest(module=name), tempfile.TemporaryDirectory() as out:
+                for file in bp.generated(self.modules, name, out):
+                    built = [s for s in sources if Path(s).name == file.name]
+                    self.assertEqual(len(built), 1)
+                    if Path(built[0]).exists():
+                        self.assertEqual(file.read_text(encoding="utf-8"), Path(built[0]).read_text(encoding="utf-8"))
+                    self.assertGreater(file.stat().st_size, 0)
+
+    def test_tools_have_their_files(self):
+        for name, (folder, kind, properties) in self.modules.items():
+            if kind == "python_binary_host":
+                scripts = [path.name for path in (tree.ROOT / folder).glob("*.py")]
+                self.assertEqual(sorted(properties["srcs"]), sorted(scripts), name)
+                self.assertIn(properties["main"], scripts)
 
     def test_rooms_without_a_test_module_have_no_test_for_it(self):
         with_module = set(TARGETS.values())

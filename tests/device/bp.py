@@ -92,3 +92,34 @@ def merge(first, second):
     for key, value in second.items():
         merged[key] = merged[key] + value if isinstance(merged.get(key), list) else value
     return merged
+
+
+def files_of(modules_by_name, word):
+    """The files that a word of a srcs list stands for, by their names in the tree."""
+    folder, _, properties = modules_by_name[word[1:]]
+    return [f"{folder}/{name}" for name in properties["srcs"]]
+
+
+def generated_names(modules_by_name, name):
+    """The file names of a module's generated sources."""
+    rules = modules_by_name[name][2].get("generated_sources", [])
+    return [file for rule in rules for file in modules_by_name[rule][2]["out"]]
+
+
+def generated(modules_by_name, name, out):
+    """Has a module's generated sources written below a folder, as a build does; their paths."""
+    written = []
+    for rule in modules_by_name[name][2].get("generated_sources", []):
+        _, _, properties = modules_by_name[rule]
+        words = {"$(in)": [], "$(out)": [Path(out) / file for file in properties["out"]]}
+        for source in properties["srcs"]:
+            words["$(in)"] += [tree.ROOT / file for file in files_of(modules_by_name, source)]
+        for tool in properties["tools"]:
+            folder, _, script = modules_by_name[tool]
+            words[f"$(location {tool})"] = ["python3", "-B", tree.ROOT / folder / script["main"]]
+        parts = re.findall(r"\$\([^)]*\)|\S+", properties["cmd"])
+        status, said = tree.run(*(word for part in parts for word in words.get(part, [part])))
+        if status != 0:
+            raise ValueError(f"{rule}: {said}")
+        written += words["$(out)"]
+    return written

@@ -75,6 +75,19 @@ class DeviceBuild:
     def object_of(self, name, source):
         return self.out / "obj" / name / f"{source}.o"
 
+    def sources_of(self, name):
+        """The names of a module's sources, each with its path; generated ones lie in the build's folder."""
+        folder = tree.ROOT / self.modules[name][0]
+        return [
+            *((source, folder / source) for source in bp.whole(self.modules, name)["srcs"]),
+            *((file, self.out / "gen" / name / file) for file in bp.generated_names(self.modules, name)),
+        ]
+
+    def objects_of(self, modules, name):
+        """The objects that a module is made of, by these definitions."""
+        sources = bp.whole(modules, name)["srcs"] + bp.generated_names(modules, name)
+        return [str(self.object_of(name, source)) for source in sources]
+
     def archive_of(self, name):
         return self.out / "lib" / f"{name}.a"
 
@@ -87,12 +100,10 @@ class DeviceBuild:
         The objects of a static library stand here one by one, as the linker sees an archive's.
         """
         whole = bp.whole(modules, name)
-        words = [str(self.object_of(name, source)) for source in whole["srcs"]]
+        words = self.objects_of(modules, name)
         for library in whole.get("static_libs", []):
             if library in modules:
-                words += ["-Wl,--start-lib",
-                          *(str(self.object_of(library, source)) for source in bp.whole(modules, library)["srcs"]),
-                          "-Wl,--end-lib"]
+                words += ["-Wl,--start-lib", *self.objects_of(modules, library), "-Wl,--end-lib"]
         words += [str(self.stub_of(library)) for library in whole.get("shared_libs", []) if library in self.libraries]
         words += [GTEST[library] for library in sorted(rules.named(modules, name)) if library in GTEST]
         return words
@@ -112,14 +123,17 @@ class DeviceBuild:
                 lines.append(f"build {self.stub_of(name)}: stub {' '.join(libraries)}\n name = {name}")
         for name in rules.with_sources(self.modules):
             compiler = " ".join(self.compiler(name))
-            for source in bp.whole(self.modules, name)["srcs"]:
-                there = tree.ROOT / self.modules[name][0] / source
+            for source, there in self.sources_of(name):
                 lines.append(f"build {self.object_of(name, source)}: cc {there}\n compiler = {compiler}")
         return "\n".join(lines).replace("$$", "$") + "\n"
 
     def make(self):
         """Compiles everything; the compiler's words, empty when it succeeds."""
         self.out.mkdir(parents=True, exist_ok=True)
+        for name in rules.with_sources(self.modules):
+            folder = self.out / "gen" / name
+            folder.mkdir(parents=True, exist_ok=True)
+            bp.generated(self.modules, name, folder)
         file = self.out / "build.ninja"
         file.write_text(self.ninja(), encoding="utf-8")
         status, said = tree.run("ninja", "-C", self.out, "-k", "0")

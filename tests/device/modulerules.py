@@ -2,6 +2,7 @@
 
 import functools
 import re
+from pathlib import Path
 
 import bp
 import platform_modules
@@ -95,6 +96,11 @@ def sources_differ(modules, cmake):
                 yield f"{name}: no target has its sources"
             continue
         where, sources = cmake[TARGETS[name]]
+        # What is written at build time stands outside of the sources.
+        written = [Path(source).name for source in sources if Path(source).is_absolute()]
+        if bp.generated_names(modules, name) != written:
+            yield f"{name}: generated_sources are not those of {TARGETS[name]}"
+        sources = [source for source in sources if not Path(source).is_absolute()]
         if kind == "cc_test":
             sources = [source for source in sources if stands_alone(f"{folder}/{source}")]
         if (folder, sorted(properties["srcs"])) != (where, sorted(sources)):

@@ -22,7 +22,7 @@ struct Interface {
     std::vector<std::string_view> methodNames() const;
 };
 
-/// The table of each interface, made at the first call.
+/// The table of each interface, made at the first call. Generated: service/interfaces/methods.
 const Interface& projectInterface();
 const Interface& tvInterface();
 const Interface& frameworkInterface();

@@ -16,11 +16,13 @@
 #include "tools/mlkctl/Answer.h"
 #include "tools/mlkctl/Argument.h"
 #include "tools/mlkctl/Failure.h"
+#include "tools/mlkctl/MethodDescription.h"
 #include "tools/mlkctl/Parameter.h"
 
-/// A method of an interface as a row of a table:
+/// A method of an interface as a row of a table, which is generated from the interface's
+/// definition:
 ///
-///     {"getHDMIEdidPath", method(&IMlkProjectConfigs::getHDMIEdidPath, "port", "version")},
+///     {"getEQPath", method(&IMlkProjectConfigs::getEQPath, "index"), &kIMlkProjectConfigs[13]},
 ///
 /// The member function's own type says what its arguments and its answer are; the overloads of
 /// Parameter.h and Answer.h do the rest.
@@ -51,6 +53,7 @@ struct Call {
 struct Method {
     std::string_view name;
     Call call;
+    const MethodDescription* description;  ///< What the interface's definition says about it.
 };
 
 /// What became of a call that has returned, as a Failure unless it was answered.
