@@ -3,8 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string_view>
+
+#include "common/RowOf.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -55,13 +56,9 @@ inline constexpr ProjectItemRow kProjectItems[] = {
         {"getIRFilter", {"[IRFilter]"}, {"IR_Filter"}},
 };
 
-/** Number of a method's row. As a constant: a method that has no row does not compile. */
+/** Number of a method's row. */
 constexpr size_t projectItem(std::string_view method) {
-    size_t row = 0;
-    while (row < std::size(kProjectItems) && method != kProjectItems[row].method) {
-        ++row;
-    }
-    return row < std::size(kProjectItems) ? row : throw "no such row";
+    return rowOf(kProjectItems, method);
 }
 
 /** Section that a selector chooses; null for one that is out of range. */

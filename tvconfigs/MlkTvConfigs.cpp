@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 
-#include "common/Answer.h"
 #include "common/Decimal.h"
 #include "tvconfigs/LogTag.h"
 #include "tvconfigs/PropConfigEditor.h"
@@ -20,45 +20,55 @@ using ::android::hardware::Void;
 
 namespace {
 
+/// The row of a flag's getter.
+constexpr const TvFlagRow* flag(std::string_view method) {
+    return &kTvFlags[tvFlagItem(method)];
+}
+
+constexpr const TvSystemRow& kAtvSystem = kTvSystems[tvSystemItem("getAtvSystem")];
+constexpr const TvSystemRow& kDtvSystem = kTvSystems[tvSystemItem("getDtvSystem")];
+
 // Properties are asked for in a fixed order, which is not quite the record's; masters come before
 // what is below them.
-constexpr const FlagRow* kAtvFlags[] = {&kAtvEnabled, &kAtvAntennaEnabled, &kAtvCableEnabled};
-constexpr const FlagRow* kOtherFlags[] = {&kDtvEnabled,
-                                          &kDtvAntennaEnabled,
-                                          &kDtvCableEnabled,
-                                          &kDtvSatelliteEnabled,
-                                          &kPvrEnabled,
-                                          &kLivepauseEnabled,
-                                          &kVgaEnabled,
-                                          &kAvEnabled,
-                                          &kYppEnabled,
-                                          &kHdmiEnabled,
-                                          &kCiEnabled,
-                                          &kPipEnabled,
-                                          &kMheg5Enabled,
-                                          &kGingaEnabled,
-                                          &kHbbtvEnabled,
-                                          &kTeltexEnabled,
-                                          &kCloseCaptionEnabled,
-                                          &kAtscCloseCaptionEnabled,
-                                          &kNtscCloseCaptionEnabled,
-                                          &kIsdbCloseCaptionEnabled,
-                                          &kWOWEnabled};
+constexpr const TvFlagRow* kAtvFlags[] = {flag("atvEnabled"), flag("atvAntennaEnabled"),
+                                          flag("atvCableEnabled")};
+constexpr const TvFlagRow* kOtherFlags[] = {flag("dtvEnabled"),
+                                            flag("dtvAntennaEnabled"),
+                                            flag("dtvCableEnabled"),
+                                            flag("dtvSatelliteEnabled"),
+                                            flag("pvrEnabled"),
+                                            flag("livepauseEnabled"),
+                                            flag("vgaEnabled"),
+                                            flag("avEnabled"),
+                                            flag("yppEnabled"),
+                                            flag("hdmiEnabled"),
+                                            flag("ciEnabled"),
+                                            flag("pipEnabled"),
+                                            flag("mheg5Enabled"),
+                                            flag("gingaEnabled"),
+                                            flag("hbbtvEnabled"),
+                                            flag("teltexEnabled"),
+                                            flag("closeCaptionEnabled"),
+                                            flag("atscCloseCaptionEnabled"),
+                                            flag("ntscCloseCaptionEnabled"),
+                                            flag("isdbCloseCaptionEnabled"),
+                                            flag("getWOWEnabled")};
 static_assert(std::size(kAtvFlags) + std::size(kOtherFlags) == std::size(kTvFlags));
 
 // The order in which they are written when their master goes.
-constexpr const FlagRow* kCaptions[] = {&kAtscCloseCaptionEnabled, &kIsdbCloseCaptionEnabled,
-                                        &kNtscCloseCaptionEnabled};
+constexpr const TvFlagRow* kCaptions[] = {flag("atscCloseCaptionEnabled"),
+                                          flag("isdbCloseCaptionEnabled"),
+                                          flag("ntscCloseCaptionEnabled")};
 
 /// The flag that has to be true for this one to be loaded; null when there is none.
-bool TvConfigInfo::*masterOf(const FlagRow& row) {
+bool TvConfigInfo::*masterOf(const TvFlagRow& row) {
     switch (row.rule) {
         case FlagRule::UNDER_ATV:
-            return kAtvEnabled.field;
+            return &TvConfigInfo::mAtvEnabled;
         case FlagRule::UNDER_DTV:
-            return kDtvEnabled.field;
+            return &TvConfigInfo::mDtvEnabled;
         case FlagRule::CAPTION:
-            return kCloseCaptionEnabled.field;
+            return &TvConfigInfo::mCloseCaptionEnabled;
         case FlagRule::PLAIN:
         case FlagRule::CAPTION_MASTER:
             break;
@@ -94,12 +104,12 @@ MlkTvConfigs::MlkTvConfigs(std::unique_ptr<FileConfigEditor> fileEditor, EditorL
 void MlkTvConfigs::InitDefaultValue() {
     TvConfigInfo info;
     Load(info, kAtvSystem);
-    for (const FlagRow* row : kAtvFlags) {
+    for (const TvFlagRow* row : kAtvFlags) {
         Load(info, *row);
     }
     Load(info, kDtvSystem);
     Write(info, kDtvSystem);
-    for (const FlagRow* row : kOtherFlags) {
+    for (const TvFlagRow* row : kOtherFlags) {
         Load(info, *row);
     }
     Publish(info);
@@ -110,11 +120,11 @@ void MlkTvConfigs::Publish(const TvConfigInfo& info) {
     mConfigInfo = info;
 }
 
-void MlkTvConfigs::Load(TvConfigInfo& info, const SystemRow& row) const {
+void MlkTvConfigs::Load(TvConfigInfo& info, const TvSystemRow& row) const {
     info.*row.field = GetInt32(row.key, 0);
 }
 
-void MlkTvConfigs::Load(TvConfigInfo& info, const FlagRow& row) const {
+void MlkTvConfigs::Load(TvConfigInfo& info, const TvFlagRow& row) const {
     bool TvConfigInfo::*const master = masterOf(row);
     info.*row.field = (master == nullptr || info.*master) && GetBool(row.key, false);
 }
@@ -143,11 +153,11 @@ bool MlkTvConfigs::GetBool(const char* key, bool defaultValue) const {
     return strcmp(text, "true") == 0 || parseDecimal(text) > 0;
 }
 
-void MlkTvConfigs::Write(const TvConfigInfo& info, const SystemRow& row) {
+void MlkTvConfigs::Write(const TvConfigInfo& info, const TvSystemRow& row) {
     WriteText(row.key, std::to_string(info.*row.field));
 }
 
-void MlkTvConfigs::Write(const TvConfigInfo& info, const FlagRow& row) {
+void MlkTvConfigs::Write(const TvConfigInfo& info, const TvFlagRow& row) {
     WriteText(row.key, info.*row.field ? "true" : "false");
 }
 
@@ -158,13 +168,7 @@ void MlkTvConfigs::WriteText(const char* key, const std::string& text) {
     }
 }
 
-template <typename Value>
-Value MlkTvConfigs::Cached(Value TvConfigInfo::*field) const {
-    const std::lock_guard<std::mutex> guard(mInfoLock);
-    return mConfigInfo.*field;
-}
-
-OptionalInt32 MlkTvConfigs::SetSystem(const SystemRow& row, int32_t system) {
+OptionalInt32 MlkTvConfigs::Set(const TvSystemRow& row, int32_t system) {
     if (system < row.least || system > row.most) {
         return {false, system};
     }
@@ -178,13 +182,13 @@ OptionalInt32 MlkTvConfigs::SetSystem(const SystemRow& row, int32_t system) {
     return {true, system};
 }
 
-OptionalBool MlkTvConfigs::SetFlag(const FlagRow& row, bool enabled) {
+OptionalBool MlkTvConfigs::Set(const TvFlagRow& row, bool enabled) {
     const std::lock_guard<std::mutex> guard(mChangeLock);
     const bool forced = row.rule == FlagRule::CAPTION && !mConfigInfo.mCloseCaptionEnabled;
     const bool clearing = row.rule == FlagRule::CAPTION_MASTER && !enabled;
     TvConfigInfo info = mConfigInfo;
     info.*row.field = enabled && !forced;
-    for (const FlagRow* caption : kCaptions) {
+    for (const TvFlagRow* caption : kCaptions) {
         info.*caption->field = info.*caption->field && !clearing;
     }
     const bool changed = info.*row.field != mConfigInfo.*row.field;
@@ -194,40 +198,15 @@ OptionalBool MlkTvConfigs::SetFlag(const FlagRow& row, bool enabled) {
         Write(info, row);
     }
     if (clearing) {
-        for (const FlagRow* caption : kCaptions) {
+        for (const TvFlagRow* caption : kCaptions) {
             Write(info, *caption);
         }
     }
     return {true, info.*row.field};
 }
 
-#define MLK_DEFINE_SYSTEM(Name, ...)                                                \
-    Return<void> MlkTvConfigs::get##Name(get##Name##_cb _hidl_cb) {                 \
-        answerWith(_hidl_cb, true, Cached(k##Name.field));                          \
-        return Void();                                                              \
-    }                                                                               \
-    Return<void> MlkTvConfigs::set##Name(int32_t system, set##Name##_cb _hidl_cb) { \
-        const OptionalInt32 answer = SetSystem(k##Name, system);                    \
-        answerWith(_hidl_cb, answer.success, answer.value);                         \
-        return Void();                                                              \
-    }
-MLK_TV_SYSTEMS(MLK_DEFINE_SYSTEM)
-#undef MLK_DEFINE_SYSTEM
-
-#define MLK_DEFINE_FLAG(type, Name, getter, ...)                                  \
-    Return<void> MlkTvConfigs::getter(getter##_cb _hidl_cb) {                     \
-        _hidl_cb({true, Cached(k##Name.field)});                                  \
-        return Void();                                                            \
-    }                                                                             \
-    Return<void> MlkTvConfigs::set##Name(bool enabled, set##Name##_cb _hidl_cb) { \
-        _hidl_cb(SetFlag(k##Name, enabled));                                      \
-        return Void();                                                            \
-    }
-MLK_TV_FLAGS(MLK_DEFINE_FLAG)
-#undef MLK_DEFINE_FLAG
-
 Return<void> MlkTvConfigs::getFlag(ConfigType type, getFlag_cb _hidl_cb) {
-    const FlagRow* row = findFlag(type);
+    const TvFlagRow* row = findFlag(type);
     if (row == nullptr) {
         __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "unknown config type, return false");
         _hidl_cb({false, false});
@@ -238,7 +217,7 @@ Return<void> MlkTvConfigs::getFlag(ConfigType type, getFlag_cb _hidl_cb) {
 }
 
 Return<void> MlkTvConfigs::setFlag(ConfigType type, bool enabled, setFlag_cb _hidl_cb) {
-    const FlagRow* row = findFlag(type);
+    const TvFlagRow* row = findFlag(type);
     if (row != nullptr) {
         return (this->*row->setter)(enabled, std::move(_hidl_cb));
     }

@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "common/Answer.h"
 #include "tvconfigs/ConfigEditor.h"
 #include "tvconfigs/FileConfigEditor.h"
 #include "tvconfigs/TvConfigInfo.h"
+#include "tvconfigs/TvConfigItems.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -38,16 +40,48 @@ class MlkTvConfigs : public IMlkTvConfigs {
     // stored; one that changes nothing writes nothing. The captions, though: with the master,
     // setCloseCaptionEnabled, at false, the three flags below are false, are set to false by
     // whatever is asked for, and are written at every call.
-#define MLK_DECLARE_SYSTEM(Name, ...)                                              \
-    ::android::hardware::Return<void> get##Name(get##Name##_cb _hidl_cb) override; \
-    ::android::hardware::Return<void> set##Name(int32_t system, set##Name##_cb _hidl_cb) override;
-    MLK_TV_SYSTEMS(MLK_DECLARE_SYSTEM)
-#undef MLK_DECLARE_SYSTEM
-#define MLK_DECLARE_FLAG(type, Name, getter, ...)                            \
-    ::android::hardware::Return<void> getter(getter##_cb _hidl_cb) override; \
-    ::android::hardware::Return<void> set##Name(bool enabled, set##Name##_cb _hidl_cb) override;
-    MLK_TV_FLAGS(MLK_DECLARE_FLAG)
-#undef MLK_DECLARE_FLAG
+#define MLK_SYSTEM(getter, setter)                                                            \
+    ::android::hardware::Return<void> getter(getter##_cb _hidl_cb) override {                 \
+        return answer<tvSystemItem(#getter)>(kTvSystems, _hidl_cb);                           \
+    }                                                                                         \
+    ::android::hardware::Return<void> setter(int32_t system, setter##_cb _hidl_cb) override { \
+        return change<tvSystemItem(#getter)>(kTvSystems, system, _hidl_cb);                   \
+    }
+    MLK_SYSTEM(getAtvSystem, setAtvSystem)
+    MLK_SYSTEM(getDtvSystem, setDtvSystem)
+#undef MLK_SYSTEM
+#define MLK_FLAG(getter, setter)                                                            \
+    ::android::hardware::Return<void> getter(getter##_cb _hidl_cb) override {               \
+        return answer<tvFlagItem(#getter)>(kTvFlags, _hidl_cb);                             \
+    }                                                                                       \
+    ::android::hardware::Return<void> setter(bool enabled, setter##_cb _hidl_cb) override { \
+        return change<tvFlagItem(#getter)>(kTvFlags, enabled, _hidl_cb);                    \
+    }
+    MLK_FLAG(atvEnabled, setAtvEnabled)
+    MLK_FLAG(atvAntennaEnabled, setAtvAntennaEnabled)
+    MLK_FLAG(atvCableEnabled, setAtvCableEnabled)
+    MLK_FLAG(dtvEnabled, setDtvEnabled)
+    MLK_FLAG(dtvAntennaEnabled, setDtvAntennaEnabled)
+    MLK_FLAG(dtvCableEnabled, setDtvCableEnabled)
+    MLK_FLAG(dtvSatelliteEnabled, setDtvSatelliteEnabled)
+    MLK_FLAG(pvrEnabled, setPvrEnabled)
+    MLK_FLAG(livepauseEnabled, setLivepauseEnabled)
+    MLK_FLAG(hdmiEnabled, setHdmiEnabled)
+    MLK_FLAG(vgaEnabled, setVgaEnabled)
+    MLK_FLAG(avEnabled, setAvEnabled)
+    MLK_FLAG(yppEnabled, setYppEnabled)
+    MLK_FLAG(ciEnabled, setCiEnabled)
+    MLK_FLAG(pipEnabled, setPipEnabled)
+    MLK_FLAG(mheg5Enabled, setMheg5Enabled)
+    MLK_FLAG(gingaEnabled, setGingaEnabled)
+    MLK_FLAG(hbbtvEnabled, setHbbtvEnabled)
+    MLK_FLAG(teltexEnabled, setTeltexEnabled)
+    MLK_FLAG(closeCaptionEnabled, setCloseCaptionEnabled)
+    MLK_FLAG(atscCloseCaptionEnabled, setAtscCloseCaptionEnabled)
+    MLK_FLAG(ntscCloseCaptionEnabled, setNtscCloseCaptionEnabled)
+    MLK_FLAG(isdbCloseCaptionEnabled, setIsdbCloseCaptionEnabled)
+    MLK_FLAG(getWOWEnabled, setWOWEnabled)
+#undef MLK_FLAG
 
     /// The value of the flag of that type; success and value false for a type without a flag.
     ::android::hardware::Return<void> getFlag(ConfigType type, getFlag_cb _hidl_cb) override;
@@ -76,18 +110,34 @@ class MlkTvConfigs : public IMlkTvConfigs {
     int32_t GetInt32(const char* key, int32_t defaultValue) const;
     bool GetBool(const char* key, bool defaultValue) const;
     bool GetText(const char* key, char* text) const;
-    void Load(TvConfigInfo& info, const SystemRow& row) const;
-    void Load(TvConfigInfo& info, const FlagRow& row) const;
-    void Write(const TvConfigInfo& info, const SystemRow& row);
-    void Write(const TvConfigInfo& info, const FlagRow& row);
+    void Load(TvConfigInfo& info, const TvSystemRow& row) const;
+    void Load(TvConfigInfo& info, const TvFlagRow& row) const;
+    void Write(const TvConfigInfo& info, const TvSystemRow& row);
+    void Write(const TvConfigInfo& info, const TvFlagRow& row);
     void WriteText(const char* key, const std::string& text);
     void InitDefaultValue();
     void Publish(const TvConfigInfo& info);
 
     template <typename Value>
-    Value Cached(Value TvConfigInfo::*field) const;
-    OptionalInt32 SetSystem(const SystemRow& row, int32_t system);
-    OptionalBool SetFlag(const FlagRow& row, bool enabled);
+    Value Cached(Value TvConfigInfo::*field) const {
+        const std::lock_guard<std::mutex> guard(mInfoLock);
+        return mConfigInfo.*field;
+    }
+    OptionalInt32 Set(const TvSystemRow& row, int32_t system);
+    OptionalBool Set(const TvFlagRow& row, bool enabled);
+
+    template <size_t kRow, typename Table, typename Callback>
+    ::android::hardware::Return<void> answer(const Table& rows, const Callback& callback) const {
+        answerWith(callback, true, Cached(rows[kRow].field));
+        return {};
+    }
+    template <size_t kRow, typename Table, typename Value, typename Callback>
+    ::android::hardware::Return<void> change(const Table& rows, Value value,
+                                             const Callback& callback) {
+        const auto answer = Set(rows[kRow], value);
+        answerWith(callback, answer.success, answer.value);
+        return {};
+    }
 
     /// Held by setters and reloads from beginning to end, and by nobody else; covers the editors.
     std::mutex mChangeLock;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tvconfigs/LogTag.h"
+#include "tvconfigs/TvConfigItems.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -15,11 +16,11 @@ void TvConfigInfo::Dump() const {
         text += name;
         text += ':' + value;
     };
-    for (const SystemRow* row : kTvSystems) {
-        add(row->name, std::to_string(this->*row->field));
+    for (const TvSystemRow& row : kTvSystems) {
+        add(row.name, std::to_string(this->*row.field));
     }
-    for (const FlagRow* row : kTvFlags) {
-        add(row->name, this->*row->field ? "true" : "false");
+    for (const TvFlagRow& row : kTvFlags) {
+        add(row.name, this->*row.field ? "true" : "false");
     }
     __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "%s\n", text.c_str());
 }

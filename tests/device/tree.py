@@ -80,13 +80,18 @@ def properties():
     }
 
 
+def framework_items():
+    """(getter, kind, property) of every switch that is read from a property."""
+    return re.findall(
+        r'\{"(\w+)",\s*FrameworkItemKind::(\w+),\s*"([^"]+)"\}', code("frameworkconfigs/FrameworkItems.h")
+    )
+
+
 def written_properties():
     """Those of them that it sets: the features, and the switches that have a setter."""
     features = {text for text in literals("tvconfigs/TvConfigItems.h") if text in properties()}
-    items = dict(
-        re.findall(r'ITEM\((\w+), \w+, "([^"]+)"\)', code("frameworkconfigs/FrameworkItems.h"))
-    )
-    setters = re.findall(r"write\(FrameworkItem::(\w+),", code("frameworkconfigs/MlkFrameworkConfigs.cpp"))
+    items = {method: name for method, _, name in framework_items()}
+    setters = re.findall(r'write\(frameworkItem\("(\w+)"\),', code("frameworkconfigs/MlkFrameworkConfigs.cpp"))
     return features | {items[setter] for setter in setters}
 
 

@@ -8,22 +8,24 @@
 #include <cinttypes>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <limits>
+#include <string>
 
 #include "frameworkconfigs/FrameworkItems.h"
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
+#include "frameworkconfigs/tests/Ask.h"
 #include "host/properties/PropertyStore.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/fuzz/Fuzzing.h"
 #include "tvconfigs/MlkTvConfigs.h"
-#include "tvconfigs/TvConfigInfo.h"
+#include "tvconfigs/TvConfigItems.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace fuzzing = mlk::fuzzing;
 using android::sp;
 using vendor::morlak::mlkconfigs::V1_0::OptionalBool;
 using vendor::morlak::mlkconfigs::V1_0::OptionalInt32;
-using vendor::morlak::mlkconfigs::V1_0::OptionalString;
 
 namespace {
 
@@ -32,17 +34,16 @@ constexpr const char* kDtvSystem = "persist.vendor.mlk.tv.dtv_system";
 
 std::vector<std::string> keys() {
     std::vector<std::string> result = {kKey};
-#define KEY_OF_ITEM(getter, kind, property) \
-    if (const char* const key = property) { \
-        result.emplace_back(key);           \
+    for (const FrameworkItemRow& row : kFrameworkItems) {
+        if (row.property != nullptr) {
+            result.emplace_back(row.property);
+        }
     }
-    MLK_FRAMEWORK_ITEMS(KEY_OF_ITEM)
-#undef KEY_OF_ITEM
-    for (const SystemRow* row : kTvSystems) {
-        result.emplace_back(row->key);
+    for (const TvSystemRow& row : kTvSystems) {
+        result.emplace_back(row.key);
     }
-    for (const FlagRow* row : kTvFlags) {
-        result.emplace_back(row->key);
+    for (const TvFlagRow& row : kTvFlags) {
+        result.emplace_back(row.key);
     }
     return result;
 }
@@ -117,38 +118,38 @@ void expectAnswer(const OptionalBool& answer, bool expected, const char* name) {
     fuzzing::require(answer.success && answer.value == expected, name);
 }
 
-// What an item of the framework service answers, by its kind.
-enum class Kind { FLAG, NUMBER, INVERTED, TEXT };
-
-template <Kind kind>
-auto expectedOf(const std::string& value) {
-    if constexpr (kind == Kind::NUMBER) {
-        return OptionalInt32{true, asNumber<int32_t>(value, 0)};
-    } else if constexpr (kind == Kind::TEXT) {
-        return OptionalString{true, ""};
-    } else {
-        return OptionalBool{true, kind == Kind::FLAG ? asBool(value, 0) != 0
-                                                     : asNumber<int32_t>(value, 0) == 0};
+// What an item of the framework service answers, as getterRows prints it.
+std::string expectedOf(FrameworkItemKind kind, const std::string& value) {
+    switch (kind) {
+        case FrameworkItemKind::FLAG:
+            return asBool(value, 0) != 0 ? "true" : "false";
+        case FrameworkItemKind::NUMBER:
+            return std::to_string(asNumber<int32_t>(value, 0));
+        case FrameworkItemKind::INVERTED:
+            return asNumber<int32_t>(value, 0) == 0 ? "true" : "false";
+        case FrameworkItemKind::TEXT:
+            break;
     }
+    return "\"\"";
 }
 
 void compareFramework(const std::string& value) {
     const sp<MlkFrameworkConfigs> service = new MlkFrameworkConfigs;
-#define COMPARE_ITEM(getter, kind, property)                                                       \
-    service->getter([&](const auto& answer) {                                                      \
-        fuzzing::requireEqual(#getter, toString(answer), toString(expectedOf<Kind::kind>(value))); \
-    });
-    MLK_FRAMEWORK_ITEMS(COMPARE_ITEM)
-#undef COMPARE_ITEM
+    fuzzing::require(getterRows().size() == std::size(kFrameworkItems), "a row for each item");
+    for (const GetterRow& row : getterRows()) {
+        const FrameworkItemKind kind = kFrameworkItems[frameworkItem(row.name)].kind;
+        fuzzing::requireEqual(row.name, row.get(*service), expectedOf(kind, value));
+    }
+    fuzzing::require(!::testing::Test::HasFailure(), "each getter answers once, with success");
 }
 
 void compareTv(const std::string& value) {
     const sp<MlkTvConfigs> service = new MlkTvConfigs("");
     // All masters have the same value.
     const bool expected = value == "true" || atoi(value.c_str()) > 0;
-    for (const FlagRow* row : kTvFlags) {
-        service->getFlag(row->type, [&](const OptionalBool& answer) {
-            expectAnswer(answer, expected, row->name);
+    for (const TvFlagRow& row : kTvFlags) {
+        service->getFlag(row.type, [&](const OptionalBool& answer) {
+            expectAnswer(answer, expected, row.name);
         });
     }
     const auto expectSystem = [&](const OptionalInt32& answer) {
