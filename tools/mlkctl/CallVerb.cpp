@@ -59,7 +59,7 @@ Examples:
 std::string methodsHelp(const Interface& interface) {
     Table table;
     for (const Method& method : interface.methods)
-        table.push_back({"  " + std::string(method.name), synopsis(method)});
+        table.push_back({"  " + std::string(method.name), synopsis(method), limits(method)});
     return "Methods of " + std::string(interface.name) + " and their arguments:\n" + aligned(table);
 }
 

@@ -80,6 +80,19 @@ std::string synopsis(const Method& method) {
     return out;
 }
 
+std::string limits(const Method& method) {
+    std::string out;
+    size_t word = 0;
+    for (const ArgumentDescription& argument : method.description->arguments) {
+        if (!argument.range.empty())
+            out += (out.empty() ? "" : ", ") + method.call.words[word].name + " is " +
+                   std::string(argument.range);
+        // An item is written as two words.
+        word += argument.type == "ProjectConfigKey" ? 2 : 1;
+    }
+    return out;
+}
+
 BoundCall bind(const Interface& interface, const Method& method,
                const std::vector<Argument>& arguments, Form form) {
     try {

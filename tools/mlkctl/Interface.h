@@ -36,6 +36,10 @@ const Interface& interfaceOf(std::string_view name);
 /// The arguments as a manual writes them: "PORT VERSION"; empty for none.
 std::string synopsis(const Method& method);
 
+/// Which values the method serves of those arguments that are limited: "PORT is 0 to 3"; empty if
+/// none is.
+std::string limits(const Method& method);
+
 /// The call of a method with arguments of any number. Throws Failure USAGE for what is wrong with
 /// them, Form::RAW of an answer that is no bytes included; the message names interface and method.
 BoundCall bind(const Interface& interface, const Method& method,

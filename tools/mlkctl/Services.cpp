@@ -2,6 +2,17 @@
 
 namespace mlk::ctl {
 
+namespace {
+
+/// The failure, with when the method gives no answer, if that is what it is about.
+Failure explained(const Failure& failure, const MethodDescription& description) {
+    if (failure.status() != ExitStatus::NO_ANSWER || description.noAnswer.empty()) return failure;
+    return {failure.status(), std::string(failure.what()) + "; there is none if " +
+                                      std::string(description.noAnswer)};
+}
+
+}  // namespace
+
 Services::Services() : mFinder([](const Interface& interface) { return interface.find(); }) {}
 
 IBase& Services::object(const Interface& interface) {
@@ -24,7 +35,7 @@ std::string Services::call(const Interface& interface, const Method& method,
         return bound(target);
     } catch (const Failure& failure) {
         if (failure.status() == ExitStatus::UNREACHABLE) mObjects.erase(&interface);
-        throw about(interface, method, failure);
+        throw about(interface, method, explained(failure, *method.description));
     }
 }
 

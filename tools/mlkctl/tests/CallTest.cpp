@@ -156,10 +156,12 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
     script.failing = {"getPowerOnMode"};
     script.dying = {"getPanelName"};
     expectFailure({"IMlkProjectConfigs", "getEQPath", "2"}, script, 3,
-                  "IMlkProjectConfigs getEQPath: no answer");
+                  "IMlkProjectConfigs getEQPath: no answer; there is none if the index is not 0 or "
+                  "1");
     expectFailure(
             {"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
-            "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not now'");
+            "IMlkProjectConfigs getPowerOnMode: no answer: EX_ILLEGAL_STATE: not now; there is "
+            "none if the item is a number other than 0, 1 and 2");
     expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
                   "IMlkProjectConfigs getPanelName: the service died during the call");
 }
@@ -209,9 +211,17 @@ TEST(CallTest, AnInterfacesHelpListsItsMethods) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.out,
                 StartsWith("Methods of IMlkProjectConfigs and their arguments:\n"
-                           "  setProjectId                  PROJECT_ID\n"
-                           "  setProjectIdWithPid           PROJECT_ID PROCESS_NAME PID\n"
+                           "  setProjectId                  PROJECT_ID                   "
+                           "PROJECT_ID is 1 or more\n"
+                           "  setProjectIdWithPid           PROJECT_ID PROCESS_NAME PID  "
+                           "PROJECT_ID is 1 or more\n"
                            "  getProjectId\n"));
+    EXPECT_THAT(outcome.out,
+                AllOf(HasSubstr("\n  getConfig                     CATEGORY KEY\n"),
+                      HasSubstr("\n  getHDMIEdidPath               PORT VERSION                 "
+                                "PORT is 0 to 3\n"),
+                      HasSubstr("\n  setAvrVendorId                VENDOR_ID                    "
+                                "VENDOR_ID is at most 128 bytes\n")));
 }
 
 }  // namespace
