@@ -100,6 +100,18 @@ class Names(unittest.TestCase):
         sections = {text for text in tree.all_literals() if re.fullmatch(r"\[\w+\]", text)}
         self.assertEqual({category for category, _ in items_of_the_guide()}, sections)
 
+    def test_items_of_the_methods_are_in_the_reference(self):
+        methods = "".join(
+            path.read_text(encoding="utf-8")
+            for path in (tree.ROOT / "service/interfaces/mlkconfigs/1.0").glob("I*.hal")
+        )
+        items = {(category, key) for category, keys in re.findall(r"@item (\[\w+\])((?:[ *\n]+\w+)+)", methods)
+                 for key in re.findall(r"\w+", keys)}
+        self.assertGreater(len(items), 40)
+        self.assertEqual(items - items_of_the_guide(), set())
+        # The features' file is for the process that starts the services: no method names it.
+        self.assertEqual(items_of_the_code() - items, {("[LiveTV]", "TvConfig")})
+
     def test_no_row_stands_twice(self):
         rows = [tuple(row[:3]) for row in reference()]
         self.assertEqual(len(rows), len(set(rows)))
