@@ -160,8 +160,8 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
                   "1");
     expectFailure(
             {"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
-            "IMlkProjectConfigs getPowerOnMode: no answer: EX_ILLEGAL_STATE: not now; there is "
-            "none if the item is a number other than 0, 1 and 2");
+            "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not now'; there "
+            "is none if the item is a number other than 0, 1 and 2");
     expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
                   "IMlkProjectConfigs getPanelName: the service died during the call");
 }
