@@ -1,4 +1,4 @@
-#include "projectconfigs/tests/PlainRules.h"
+#include "projectconfigs/testing/PlainRules.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <future>
 #include <string>
 
-#include "frameworkconfigs/tests/Ask.h"
+#include "frameworkconfigs/testing/Ask.h"
 #include "host/testing/HostSet.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"

@@ -21,7 +21,7 @@
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
 #include "tvconfigs/tests/EditorTexts.h"
-#include "tvconfigs/tests/SlowEditor.h"
+#include "tvconfigs/testing/SlowEditor.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {

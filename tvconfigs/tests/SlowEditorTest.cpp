@@ -1,4 +1,4 @@
-#include "tvconfigs/tests/SlowEditor.h"
+#include "tvconfigs/testing/SlowEditor.h"
 
 #include <gmock/gmock.h>
 

@@ -12,6 +12,8 @@
 #include <cstring>
 #include <memory>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "Listener.h"
 #include "RemoteBinder.h"
@@ -86,6 +88,20 @@ void raiseDescriptorLimit() {
 sp<IServiceManager> defaultServiceManager() {
     static const auto* manager = new sp<IServiceManager>(new HostServiceManager);
     return *manager;
+}
+
+std::vector<std::string> getAllHalInstanceNames(const std::string& descriptor) {
+    std::vector<std::string> instances;
+    const std::string start = descriptor + "/";
+    const auto listed = defaultServiceManager()->list([&](const auto& names) {
+        for (const std::string name : names) {
+            if (name.compare(0, start.size(), start) == 0) {
+                instances.push_back(name.substr(start.size()));
+            }
+        }
+    });
+    if (!listed.isOk()) instances.clear();
+    return instances;
 }
 
 namespace details {

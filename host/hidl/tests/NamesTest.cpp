@@ -116,6 +116,16 @@ TEST_F(NamesTest, FileOfADeadServerIsNoHindrance) {
     EXPECT_EQ(server->pid(), pidOf(IEverything::getService()));
 }
 
+TEST_F(NamesTest, InstancesOfAnInterfaceAreListedByTheirNames) {
+    EXPECT_THAT(::android::hardware::getAllHalInstanceNames(IEverything::descriptor), IsEmpty());
+    const Server b({"b", "4", ""});
+    const Server a({"a", "4", ""});
+    EXPECT_THAT(::android::hardware::getAllHalInstanceNames(IEverything::descriptor),
+                ElementsAre("a", "b"));
+    EXPECT_THAT(::android::hardware::getAllHalInstanceNames("mlk.test.everything@1.0::IEvery"),
+                IsEmpty());
+}
+
 TEST_F(NamesTest, ListIsSortedAndWithoutTheDead) {
     EXPECT_THAT(listed(), IsEmpty());
     const Server b({"b", "4", ""});

@@ -6,7 +6,7 @@
 #include "host/testing/TempDir.h"
 #include "host/testing/fuzz/Fuzzing.h"
 #include "projectconfigs/IniProjectParser.h"
-#include "projectconfigs/tests/PlainRules.h"
+#include "projectconfigs/testing/PlainRules.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace fuzzing = mlk::fuzzing;

@@ -10,7 +10,7 @@
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/ProjectID.h"
 #include "projectconfigs/ProjectParser.h"
-#include "projectconfigs/tests/PlainChain.h"
+#include "projectconfigs/testing/PlainChain.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace fuzzing = mlk::fuzzing;

@@ -3,7 +3,7 @@
 #include "host/testing/TempDir.h"
 #include "host/testing/fuzz/Fuzzing.h"
 #include "regional/FreqTableParser.h"
-#include "regional/tests/PlainRegional.h"
+#include "regional/testing/PlainRegional.h"
 #include "regional/tests/RegionalFiles.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;

@@ -4,7 +4,7 @@
 #include "host/testing/fuzz/Fuzzing.h"
 #include "regional/CountryListParser.h"
 #include "regional/LanguageListParser.h"
-#include "regional/tests/PlainRegional.h"
+#include "regional/testing/PlainRegional.h"
 #include "regional/tests/RegionalFiles.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;

@@ -7,7 +7,7 @@
 #include "host/testing/HostSet.h"
 #include "host/testing/fuzz/Fuzzing.h"
 #include "regional/TvSysMapCfgHolder.h"
-#include "regional/tests/PlainRegional.h"
+#include "regional/testing/PlainRegional.h"
 #include "regional/tests/RegionalFiles.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;

@@ -8,7 +8,7 @@
 #include "host/testing/TempDir.h"
 #include "host/testing/fuzz/Fuzzing.h"
 #include "tvconfigs/FileConfigEditor.h"
-#include "tvconfigs/tests/SlowEditor.h"
+#include "tvconfigs/testing/SlowEditor.h"
 
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace fuzzing = mlk::fuzzing;

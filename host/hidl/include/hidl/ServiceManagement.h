@@ -9,11 +9,16 @@
 #include <hidl/HidlBinderSupport.h>
 
 #include <string>
+#include <vector>
 
 namespace android::hardware {
 
 // What knows which services are registered; never null on a host.
 sp<::android::hidl::manager::V1_0::IServiceManager> defaultServiceManager();
+
+// Instances of that interface which the set has, in ascending order. A device lists what its
+// manifest declares; a host declares nothing in advance and lists what is served.
+std::vector<std::string> getAllHalInstanceNames(const std::string& descriptor);
 
 namespace details {
 

@@ -1,10 +1,7 @@
-#include "projectconfigs/tests/PlainChain.h"
+#include "projectconfigs/testing/PlainChain.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
@@ -19,16 +16,6 @@ bool has(const std::string& line, const char* word) {
 
 std::string behind(const std::string& line, const std::string& mark) {
     return line.substr(line.find(mark) + mark.size());
-}
-
-// The content of a regular file; empty for all that is none.
-std::string contentOf(const std::string& path) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
-        return {};
-    }
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace
@@ -99,6 +86,13 @@ void Chain::update(const std::string& customerPath, int projectId, const std::st
 void Chain::readProjectFile(const std::string& path) {
     for (const auto& [name, value] : projectItems(contentOf(path))) {
         mItems[name] = patched(value);
+    }
+}
+
+void Chain::setInfo(const Items::key_type& name, const std::string& value) {
+    const auto item = mItems.find(name);
+    if (item != mItems.end()) {
+        item->second = value;
     }
 }
 

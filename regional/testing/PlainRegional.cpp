@@ -1,4 +1,4 @@
-#include "regional/tests/PlainRegional.h"
+#include "regional/testing/PlainRegional.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -132,6 +132,21 @@ std::vector<HidlFreqListItem> channels(const std::string& text, Names& modulatio
         }
     }
     return items;
+}
+
+int32_t countryIdOf(const std::string& text) {
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t end = std::min(text.find('\n', start), text.size());
+        std::string line = text.substr(start, std::min<size_t>(end - start, 255));
+        line = line.c_str();
+        if (line.find("COUNTRY_ID") != std::string::npos) {
+            const size_t equals = line.find('=');
+            return equals != std::string::npos ? atoi(line.c_str() + equals + 1) : -1;
+        }
+        start = end + 1;
+    }
+    return -1;
 }
 
 std::string TvSystems::mapFile() const {

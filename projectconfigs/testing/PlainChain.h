@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "projectconfigs/tests/PlainRules.h"
+#include "projectconfigs/testing/PlainRules.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
@@ -25,6 +25,9 @@ class Chain {
     Chain(std::string tvdata, std::string tvconfigs, std::string impdata);
 
     void update(const std::string& customerPath, int projectId, const std::string& boardId);
+
+    /** Gives an item another value; one that is not there is not added. */
+    void setInfo(const Items::key_type& name, const std::string& value);
 
     /** As ProjectParser's stream form. */
     std::string dump() const;

@@ -1,7 +1,11 @@
-#include "projectconfigs/tests/PlainRules.h"
+#include "projectconfigs/testing/PlainRules.h"
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <tuple>
 #include <vector>
@@ -57,6 +61,15 @@ void takeOutWithFollowers(std::string& text, char unwanted) {
 }
 
 }  // namespace
+
+std::string contentOf(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return {};
+    }
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 std::vector<std::string> linesOf(const std::string& text, size_t most) {
     std::vector<std::string> lines(1);

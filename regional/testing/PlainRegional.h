@@ -30,6 +30,9 @@ std::vector<HidlFreqListItem> channels(const std::string& text, Names& modulatio
 /** Category and key, then value. */
 using Items = std::map<std::pair<std::string, std::string>, std::string>;
 
+/** The country that a "country_id.bin" of that text holds; -1 without one. */
+int32_t countryIdOf(const std::string& text);
+
 /** A TV system file and a country map as they are on disk. */
 struct TvSystems {
     /** Names of XML files, and the mount points that stand in for "/tvconfigs" and "/tvdata". */

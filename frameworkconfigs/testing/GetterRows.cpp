@@ -1,4 +1,4 @@
-#include "frameworkconfigs/tests/Ask.h"
+#include "frameworkconfigs/testing/Ask.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 

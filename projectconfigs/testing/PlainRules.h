@@ -11,6 +11,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 /** Category and key, then value, in no special order of ours. */
 using Items = std::map<std::pair<std::string, std::string>, std::string>;
 
+/** The content of a regular file; empty for everything else. */
+std::string contentOf(const std::string& path);
+
 /** The lines of a text as all readers see them: cut to `most` bytes, and at a NUL. */
 std::vector<std::string> linesOf(const std::string& text, size_t most);
 
