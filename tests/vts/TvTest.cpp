@@ -153,6 +153,8 @@ TEST_P(TvWrites, CaptionsFollowTheirMaster) {
         }
     }
     ASSERT_EQ(captions.size(), 3U);
+    // Off first: a setter that changes nothing writes nothing.
+    EXPECT_EQ(setFlag(master, false), "false");
     EXPECT_EQ(setFlag(master, true), "true");
     for (const TvFlagRow& row : captions) {
         EXPECT_EQ(setFlag(row, true), "true") << row.setterName;
