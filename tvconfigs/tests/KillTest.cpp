@@ -20,8 +20,8 @@
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
-#include "tvconfigs/tests/EditorTexts.h"
 #include "tvconfigs/testing/SlowEditor.h"
+#include "tvconfigs/tests/EditorTexts.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
