@@ -3,7 +3,8 @@
 
 #include <hidl/HidlTransportSupport.h>
 #include <malloc.h>
-#include <signal.h>
+
+#include <csignal>
 
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
 #include "projectconfigs/MlkProjectConfigs.h"

@@ -102,7 +102,7 @@ class InitFile(unittest.TestCase):
         self.assertIn("kFolderMode = 0700", country)
         project = tree.code("projectconfigs/ProjectID.cpp")
         self.assertIn('"/project_id.bin"', project)
-        self.assertIn("kMode = 0644", project)
+        self.assertIn("kMode = 0644", tree.code("common/SaveFile.cpp"))
 
 
 class Manifest(unittest.TestCase):
