@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
+#include "host/testing/TimeLimit.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"
 
@@ -33,6 +35,12 @@ std::vector<std::string> listNames() {
                         })
                         .isOk());
     return names;
+}
+
+/// How it ends by itself: as Process::wait() says.
+int endOf(ServiceProcess& service) {
+    const ::mlk::testing::TimeLimit limit([&] { ::kill(service.process().pid(), SIGKILL); });
+    return service.process().wait();
 }
 
 TEST(Start, RegistersAllThreeAndKeepsRunning) {
@@ -64,6 +72,25 @@ TEST(Start, LimitOnTheSizeOfFilesIsAFailedWrite) {
             << service.process().err();
     EXPECT_TRUE(service.process().waitForErr("ERROR: Set property"));
     EXPECT_EQ(set.dir().read("tvconfigs/one/tv.config"), content);
+}
+
+TEST(Start, GivesBackWhatReadingTook) {
+    const HostSet set;
+    writeProject(set);
+    const std::string calls = set.dir().path("calls");
+    ServiceProcess service(
+            {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
+             {"MLK_FAULT_BELOW", set.tvconfigs()},
+             {"MLK_FAULT_LOG", calls},
+             // A sanitizer's runtime takes part in the program and does not mind who else does.
+             {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}});
+    ASSERT_TRUE(service.waitUntilRegistered()) << service.process().err();
+    EXPECT_TRUE(::mlk::testing::eventually([&] {
+        const std::string log = set.dir().read("calls");
+        // After the last file.
+        return log.rfind("trim\n") != std::string::npos &&
+               log.rfind("trim\n") > log.rfind("open\n");
+    })) << set.dir().read("calls");
 }
 
 TEST(Start, NeedsNoFileAtAll) {
@@ -101,7 +128,7 @@ TEST_P(StartFailure, AbortsTheProcessWithTheInterfacesName) {
     writeProject(set);
     blockName(set, GetParam().blocked);
     ServiceProcess service;
-    EXPECT_EQ(service.process().wait(), 128 + SIGABRT);
+    EXPECT_EQ(endOf(service), 128 + SIGABRT);
     const std::string err = service.process().err();
     EXPECT_THAT(err, HasSubstr("F/vendor.morlak.mlconfigs@1.0-service("));
     EXPECT_THAT(err, HasSubstr("): Could not register " + std::string(GetParam().blocked) + "\n"));
@@ -129,7 +156,7 @@ TEST(Start, AbortsWhenTheRuntimeFolderCannotBeUsed) {
     fs::remove(set.runtime());
     set.dir().write("run", "no folder");
     ServiceProcess service;
-    EXPECT_EQ(service.process().wait(), 128 + SIGABRT);
+    EXPECT_EQ(endOf(service), 128 + SIGABRT);
     EXPECT_THAT(service.process().err(), HasSubstr("Could not register IMlkProjectConfigs\n"));
 }
 

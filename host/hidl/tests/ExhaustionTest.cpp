@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "RawClient.h"
@@ -48,6 +49,16 @@ class ExhaustionTest : public ::testing::Test {
         return mHogs.size();
     }
 
+    static constexpr const char* kLine = "no descriptors are left: refusing clients";
+    size_t linesSaid() const {
+        const std::string said = mServer.err();
+        size_t count = 0;
+        for (size_t at = said.find(kLine); at != std::string::npos; at = said.find(kLine, at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+
     testing::HostSet mSet;
     Server mServer{{"default", "4", "64"}};
     const sp<IEverything> mHonest = mServer.service();
@@ -63,11 +74,17 @@ TEST_F(ExhaustionTest, RefusesAndRecovers) {
     const auto before = timeOf(mServer.pid());
     (void)poll(nullptr, 0, 300);
     EXPECT_LT(timeOf(mServer.pid()) - before, std::chrono::milliseconds(100));
-    EXPECT_TRUE(mServer.says("no descriptors are left: refusing clients"));
+    EXPECT_TRUE(mServer.says(kLine));
+    // One line for all of them.
+    EXPECT_EQ(1U, linesSaid());
     mHogs.clear();
     ASSERT_TRUE(eventually([&] { return mServer.service() != nullptr; }));
     EXPECT_TRUE(mServer.service()->ping().isOk());
+    const size_t lines = linesSaid();
     EXPECT_TRUE(eventually([&] { return exhaust() == most; }));
+    // The next time is told again.
+    EXPECT_EQ(nullptr, mServer.service());
+    EXPECT_TRUE(eventually([&] { return linesSaid() > lines; }));
 }
 
 TEST_F(ExhaustionTest, CallsWithDescriptorsFailAndNothingElse) {

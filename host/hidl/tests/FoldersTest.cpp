@@ -60,7 +60,7 @@ class FoldersTest : public ::testing::Test {
 
 TEST_F(FoldersTest, IsMadeForItsUserOnly) {
     const mode_t former = umask(0);
-    for (const char* name : {"/new", "/slash/at/end/", "/deep/er"}) {
+    for (const char* name : {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er"}) {
         use(mBase + name);
         EXPECT_TRUE(works()) << name;
         EXPECT_EQ(0700U, modeOf(mBase + name)) << name;

@@ -2,13 +2,16 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "RawClient.h"
 #include "Server.h"
 #include "host/testing/HostSet.h"
 
@@ -247,6 +250,50 @@ TEST_F(HandlesTest, HandleWithNegativeCountsIsRefusedHere) {
     (void)native_handle_delete(broken);
     EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", called.description());
     EXPECT_TRUE(mService->ping().isOk());
+}
+
+// Whether every writing end of the pipe is closed, here and elsewhere, while connections stay open.
+bool ends(const Pipe& pipe) {
+    pollfd state{pipe.out.get(), POLLIN, 0};
+    return poll(&state, 1, 20 * 1000) == 1 && (state.revents & POLLHUP) != 0;
+}
+
+TEST_F(HandlesTest, DescriptorsOfACallEndWithIt) {
+    Pipe pipe;
+    std::vector<unique_fd> writers;
+    writers.push_back(std::move(pipe.in));
+    {
+        const hidl_handle sent = handleOf(std::move(writers));
+        ASSERT_EQ(0, static_cast<int>(mService->sign(sent, "")));
+        // Answered with it as well: that copy ends with the answer.
+        ASSERT_TRUE(mService->fd(sent, [](const hidl_handle&) {}).isOk());
+    }
+    EXPECT_TRUE(ends(pipe));
+    EXPECT_TRUE(mService->ping().isOk());
+}
+
+TEST_F(HandlesTest, DescriptorsOfARefusedCallEndWithIt) {
+    Pipe pipe;
+    RawClient client(mSet.runtime());
+    ASSERT_TRUE(client.hello());
+    RawMessage call = fdCall({pipe.in.get()});
+    call.objects.clear();  // it belongs to nothing
+    ASSERT_TRUE(client.send(call));
+    EXPECT_EQ(::android::BAD_VALUE, client.replyStatus());
+    pipe.in.reset();
+    EXPECT_TRUE(ends(pipe));
+}
+
+TEST_F(HandlesTest, EndOfAnObjectThatWasHandedOutIsTheReceivers) {
+    const size_t before = testing::descriptorsOf(getpid());
+    const sp<Listener> listener = new Listener;
+    ASSERT_TRUE(mService->listen(listener, "text").isOk());
+    // This process keeps its own end, which ends with the server's.
+    EXPECT_TRUE(eventually([&] { return testing::descriptorsOf(getpid()) <= before + 3; }));
+    ASSERT_TRUE(mService->dropKept().isOk());
+    EXPECT_TRUE(eventually([&] { return listener->getStrongCount() <= 2; }));
+    // What the pool and its timer took once stays.
+    EXPECT_TRUE(eventually([&] { return testing::descriptorsOf(getpid()) <= before + 2; }));
 }
 
 }  // namespace

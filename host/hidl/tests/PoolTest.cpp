@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -14,6 +16,7 @@
 #include "Server.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Threads.h"
+#include "host/testing/TimeLimit.h"
 
 namespace mlk::test {
 namespace {
@@ -64,8 +67,22 @@ TEST_F(PoolTest, OneThreadThatJoins) {
     EXPECT_TRUE(server.service()->ping().isOk());
 }
 
+TEST_F(PoolTest, OneProxyHasThirtyTwoConnectionsAtMost) {
+    const Server server({"default", "40", ""});
+    const sp<IEverything> proxy = server.service();
+    const size_t before = descriptorsOf(getpid());
+    HeldCalls held(std::vector<sp<IEverything>>(36, proxy));
+    const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
+    ASSERT_TRUE(held.arrived(32));
+    EXPECT_FALSE(held.moreArrive());
+    // The first connection was there; a call has two descriptors and its pipes here.
+    EXPECT_LE(descriptorsOf(getpid()), before + 31 + 2 * 36 + 4);
+    EXPECT_EQ(36U, held.release());
+}
+
 TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
     const Server server;
+    const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
     const sp<IEverything> proxy = server.service();
     std::atomic<int> good{0};
     testing::inThreads(50, [&](int) {
@@ -105,6 +122,7 @@ class HotClientsTest : public PoolTest, public ::testing::WithParamInterface<siz
 
 TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
     const Server server({"default", "10+join", ""});
+    const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
     std::atomic<bool> stop{false};
     std::atomic<int> failures{0};
     std::vector<std::thread> hot;
@@ -119,8 +137,8 @@ TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
     for (int i = 0; i < 50; ++i) {
         const auto start = std::chrono::steady_clock::now();
         const sp<IEverything> fresh = server.service();
-        ASSERT_NE(nullptr, fresh);
-        EXPECT_TRUE(fresh->ping().isOk());
+        EXPECT_TRUE(fresh != nullptr && fresh->ping().isOk());
+        if (limit.isOver()) break;
         longest = std::max(longest, std::chrono::steady_clock::now() - start);
     }
     stop = true;
@@ -149,6 +167,7 @@ TEST_F(PoolTest, HotClientsOnAPoolOfOne) {
 // forgotten when the thread goes on to others.
 TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
     const Server server({"default", "1+join", ""});
+    const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
     RawClient client(mSet.runtime());
     ASSERT_TRUE(client.hello());
     std::vector<uint8_t> both;

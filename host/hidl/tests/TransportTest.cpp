@@ -3,12 +3,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +22,7 @@
 #include "host/hidl/src/MessageReader.h"
 #include "host/hidl/src/Socket.h"
 #include "host/hidl/src/Wire.h"
+#include "host/testing/TimeLimit.h"
 
 namespace mlk::test {
 namespace {
@@ -221,6 +227,89 @@ TEST_F(TransportTest, KindsOfDescriptors) {
     EXPECT_FALSE(peerIsTrusted(pipe.out.get()));
     EXPECT_FALSE(waitFor(mThere.get(), POLLIN, milliseconds(1)));
     EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));
+}
+
+// How often a signal has interrupted this process.
+std::atomic<int> sInterruptions{0};
+
+TEST_F(TransportTest, ReceivingGoesOnAfterASignal) {
+    constexpr int kSignals = 50;
+    struct sigaction action {};
+    struct sigaction former {};
+    action.sa_handler = [](int) { ++sInterruptions; };  // without SA_RESTART
+    ASSERT_EQ(0, sigaction(SIGUSR1, &action, &former));
+    std::atomic<bool> done{false};
+    ssize_t got = 0;
+    char byte = 0;
+    std::thread receiver([&] {
+        std::vector<unique_fd> descriptors;
+        got = receiveBytes(mThere.get(), &byte, 1, &descriptors, 0);
+        done = true;
+    });
+    const testing::TimeLimit limit([&] { (void)shutdown(mHere.get(), SHUT_RDWR); });
+    for (int i = 0; i < kSignals && !done; ++i) {
+        const int before = sInterruptions;
+        ASSERT_EQ(0, pthread_kill(receiver.native_handle(), SIGUSR1));
+        while (sInterruptions == before && !done) std::this_thread::yield();
+        // It goes back to waiting meanwhile, where it does.
+        (void)poll(nullptr, 0, 1);
+    }
+    EXPECT_FALSE(done);
+    send({'x'});
+    receiver.join();
+    EXPECT_EQ(1, got);
+    EXPECT_EQ('x', byte);
+    (void)sigaction(SIGUSR1, &former, nullptr);
+}
+
+// A thread's memory for the next message, or the next parcel.
+TEST(SpareMemoryTest, LargeMessagesAreGivenBack) {
+    constexpr size_t kMostKept = size_t{64} * 1024;
+    for (const size_t size : {size_t{5000}, kMostKept, kMostKept + 1, size_t{1} << 20U}) {
+        const uint8_t* bytes = nullptr;
+        {
+            IncomingMessage message;
+            ASSERT_TRUE(message.reserve(size, 0));
+            bytes = message.bytes.get();
+        }
+        IncomingMessage next;
+        ASSERT_TRUE(next.reserve(1, 0));
+        EXPECT_LE(next.capacity, kMostKept) << size;
+        // A usual one goes on to the next without being allocated again.
+        EXPECT_EQ(size <= kMostKept, bytes == next.bytes.get()) << size;
+    }
+}
+
+TEST(SpareMemoryTest, LargeParcelsAreGivenBack) {
+    constexpr size_t kMostKept = size_t{16} * 1024;
+    const std::string block(1, 'b');
+    size_t handle = 0;
+    {
+        Parcel parcel;
+        for (size_t i = 0; i < kMostKept; ++i) (void)parcel.writeInt32(1);
+    }
+    EXPECT_LE(Parcel().data().capacity(), kMostKept);
+    {
+        Parcel parcel;
+        for (int i = 0; i < 1000; ++i) (void)parcel.writeBuffer(block.data(), 1, &handle);
+    }
+    EXPECT_LE(Parcel().objects().capacity() * sizeof(Parcel::Object), kMostKept);
+}
+
+TEST(SpareMemoryTest, FewParcelsAreKept) {
+    constexpr size_t kMostKept = 4;
+    constexpr size_t kSize = 4000;
+    const auto parcels = [] {
+        std::vector<std::unique_ptr<Parcel>> made;
+        for (size_t i = 0; i < 3 * kMostKept; ++i) made.push_back(std::make_unique<Parcel>());
+        return made;
+    };
+    for (const auto& parcel : parcels()) {
+        for (size_t i = 0; i < kSize / 4; ++i) (void)parcel->writeInt32(1);
+    }
+    size_t used = 0;
+    for (const auto& parcel : parcels()) used += parcel->data().capacity() >= kSize ? 1 : 0;
+    EXPECT_EQ(kMostKept, used);
 }
 
 }  // namespace

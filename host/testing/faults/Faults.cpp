@@ -10,7 +10,8 @@
 //                     NUMBER may be "3+": that call and all later ones. NAME may be "any", or
 //                     "change": what changes files or folders.
 //
-// "memory" is a call too: each allocation by operator new. An open() that may write is "openw".
+// "memory" is a call too: each allocation by operator new; so is "trim", malloc_trim(). An open()
+// that may write is "openw".
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -109,7 +110,8 @@ bool isMeant(const char* call, const char* name) {
             }
         }
     }
-    return strcmp(name, "any") == 0 && strcmp(call, "memory") != 0;
+    const bool isOnFiles = strcmp(call, "memory") != 0 && strcmp(call, "trim") != 0;
+    return strcmp(name, "any") == 0 && isOnFiles;
 }
 
 // Opening it waits until another process has the other end open.
@@ -288,6 +290,14 @@ int mkdir(const char* path, mode_t mode) {
 int rename(const char* from, const char* to) {
     return pass<int>("rename", isBelow(to),
                      [&] { return next<decltype(rename)>("rename")(from, to); });
+}
+
+int malloc_trim(size_t padding) {
+    if (fateOf("trim") > 0) {
+        return 0;
+    }
+    using Trim = int(size_t);
+    return next<Trim>("malloc_trim")(padding);
 }
 
 int unlink(const char* path) {
