@@ -2,9 +2,6 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-ConfigKey::ConfigKey(std::string_view categoryText, std::string_view keyText)
-    : category(categoryText), key(keyText) {}
-
 bool ConfigKey::operator<(const ConfigKey& other) const {
     if (category == other.category) {
         return CompareStr(key, other.key);

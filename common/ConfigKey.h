@@ -18,7 +18,8 @@ struct ConfigKey {
      * @param categoryText  the section name as it stands in the file, brackets included: "[AUDIO]"
      * @param keyText       the item's key inside that section
      */
-    ConfigKey(std::string_view categoryText, std::string_view keyText);
+    constexpr ConfigKey(std::string_view categoryText, std::string_view keyText)
+        : category(categoryText), key(keyText) {}
 
     /** Orders by category, then by key. Two keys are equal when neither is less than the other. */
     bool operator<(const ConfigKey& other) const;

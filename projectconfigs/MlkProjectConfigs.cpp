@@ -1,121 +1,71 @@
 #include "projectconfigs/MlkProjectConfigs.h"
 
-#include <TvPartitionPath.h>
 #include <android/log.h>
-#include <cutils/properties.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include "common/Answer.h"
 #include "common/Decimal.h"
+#include "platform/Platform.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
+using ::android::hardware::Void;
 
 namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
 constexpr unsigned int kDefaultProject = 1;
-constexpr int32_t kSavedCountry = -1;
-constexpr const char* kSameBoard = "";
 
 // One line for each partition that is of no use, instead of many about what is missing.
-void checkPartition(const char* path, int wanted) {
-    if (access(path, wanted) != 0) {
+void checkPartition(const std::string& path, int wanted) {
+    if (access(path.c_str(), wanted) != 0) {
         const int error = errno;
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "partition %s cannot be %s: %s", path,
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "partition %s cannot be %s: %s", path.c_str(),
                             (wanted & W_OK) != 0 ? "read and written" : "read",
                             std::generic_category().message(error).c_str());
     }
 }
 
+Partitions checkedPartitions() {
+    Partitions partitions = systemPartitions();
+    checkPartition(partitions.tvconfigs, R_OK | X_OK);
+    checkPartition(partitions.tvdata, R_OK | W_OK | X_OK);
+    checkPartition(partitions.impdata, R_OK | W_OK | X_OK);
+    return partitions;
+}
+
+hidl_vec<uint32_t> numbersOf(const std::vector<_tv_country>& countries) {
+    return hidl_vec<uint32_t>(countries.begin(), countries.end());
+}
+
 }  // namespace
 
-MlkProjectConfigs::MlkProjectConfigs() {
-    InitPartitionPath();
-    mProjectParser = std::make_unique<ProjectParser>(mTvdataPath, mTvconfigsPath, mImpdataPath);
-    mProjectID = std::make_unique<ProjectID>(mImpdataPath, kDefaultProject);
-    mBoardID = std::make_unique<BoardID>(mImpdataPath);
-    mProjectParser->update(mCustomerIniPath.c_str(), static_cast<int>(mProjectID->Get()),
-                           mBoardID->Get());
-    mProjectMaxIdx = static_cast<int32_t>(mProjectParser->getProjectMaxIdx());
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "mProjectMaxIdx:%d", mProjectMaxIdx);
-    DumpConfigInfo();
-
-    mAudioIniParser = std::make_unique<IniProjectParser>();
-    GetAudioConfigPathInternal();
-    mKaraokeIniParser = std::make_unique<IniProjectParser>();
-    GetKaraokeConfigPathInternal();
-    mGlobalKeyIniParser = std::make_unique<IniProjectParser>();
-    GetGlobalKeyConfigPathInternal();
-    mCustomerDdcciIniParser = std::make_unique<IniProjectParser>();
-    GetCustomerDdcciConfigPathInternal();
-
-    InitTvSysMapInfo(kSavedCountry);
-}
-
-void MlkProjectConfigs::InitPartitionPath() {
-    const TvPartitionPath* const partitions = TvPartitionPath::GetInstance();
-    mImpdataPath = partitions->GetImpdataPath();
-    mTvdataPath = partitions->GetTvdataPath();
-    mTvconfigsPath = partitions->GetTvconfigsPath();
-    checkPartition(mTvconfigsPath, R_OK | X_OK);
-    checkPartition(mTvdataPath, R_OK | W_OK | X_OK);
-    checkPartition(mImpdataPath, R_OK | W_OK | X_OK);
-    mCustomerIniPath = std::string(mTvconfigsPath) + "/customer.ini";
-    static_assert(sizeof(Name) >= PROPERTY_VALUE_MAX);
-    property_get("ro.hardware", mHardwareName.data(), "");
-    snprintf(mHwAudioConfigName.data(), mHwAudioConfigName.size(), "audio_%.*s.ini",
-             PROPERTY_VALUE_MAX - 1, mHardwareName.data());
-}
-
-void MlkProjectConfigs::DumpConfigInfo() const {
-    char detail[PROPERTY_VALUE_MAX];
-    property_get("persist.vendor.mlk.configs.debug", detail, "0");
-    if (parseDecimal(detail) < 1) {
-        mProjectParser->dump();
-    } else {
-        mProjectParser->dumpDetail();
-    }
-}
+MlkProjectConfigs::MlkProjectConfigs()
+    : mPartitions(checkedPartitions()),
+      mProjectID(mPartitions.impdata, kDefaultProject),
+      mBoardID(mPartitions.impdata),
+      mSet(mPartitions, systemProperties(), RegionalData::GetInstance(),
+           {static_cast<int32_t>(mProjectID.Get()), mBoardID.Get(), kNoCountry}),
+      mChanges(mSet, mProjectID, mBoardID) {}
 
 Return<void> MlkProjectConfigs::setProjectId(int32_t projectId, setProjectId_cb _hidl_cb) {
     char trace[64];
     snprintf(trace, sizeof trace, "## setProjectId, id=%d", projectId);
     ProjectID::WriteTestLog(trace);
-    const bool accepted = SetProjectIdInternal(projectId);
-    DumpConfigInfo();
-    _hidl_cb({true, accepted});
-    return {};
-}
-
-bool MlkProjectConfigs::SetProjectIdInternal(int32_t id) {
-    const std::lock_guard<std::mutex> lock(mProjectChange);
-    if (id > 0 && id > mProjectMaxIdx) {
-        // 522 is what the tools that read this log know the message by.
-        __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                            "[%s:%d] Update and check Max ID again for the case of USB update",
-                            __func__, 522);
-        mProjectParser->update(mCustomerIniPath.c_str(), static_cast<int>(mProjectID->Get()),
-                               mBoardID->Get());
-        mProjectMaxIdx = static_cast<int32_t>(mProjectParser->getProjectMaxIdx());
-    }
-    if (id <= 0 || id > mProjectMaxIdx) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!",
-                            mProjectMaxIdx, id);
-        return false;
-    }
-    // The files first: a model that cannot be read is not changed to.
-    if (!mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard)) {
-        return false;
-    }
-    // An index that cannot be stored still holds until the next start.
-    mProjectID->Set(static_cast<unsigned int>(id));
-    return true;
+    const bool accepted = mChanges.setProject(projectId);
+    mSet.store().logItems();
+    answerWith(_hidl_cb, true, accepted);
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::setProjectIdWithPid(int32_t projectId,
@@ -125,43 +75,135 @@ Return<void> MlkProjectConfigs::setProjectIdWithPid(int32_t projectId,
     snprintf(trace, sizeof trace, "setProjectIdWithPid, id=%d, processName = %s, pid = %d",
              projectId, processName.c_str(), pid);
     ProjectID::WriteTestLog(trace);
-    const bool accepted = SetProjectIdInternalWithPid(projectId, processName, pid);
-    DumpConfigInfo();
-    _hidl_cb({true, accepted});
-    return {};
-}
-
-bool MlkProjectConfigs::SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName,
-                                                    int32_t pid) {
-    const std::lock_guard<std::mutex> lock(mProjectChange);
-    if (id <= 0 || id > mProjectMaxIdx) {
-        // Two exclamation marks tell this refusal from that of SetProjectIdInternal.
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!!",
-                            mProjectMaxIdx, id);
-        return false;
-    }
-    if (!mProjectParser->update(mCustomerIniPath.c_str(), id, kSameBoard)) {
-        return false;
-    }
-    mProjectID->SetId(static_cast<unsigned int>(id), processName.c_str(), pid);
-    return true;
+    const bool accepted = mChanges.setProject(projectId, processName.c_str(), pid);
+    mSet.store().logItems();
+    answerWith(_hidl_cb, true, accepted);
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getProjectId(getProjectId_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, static_cast<int32_t>(mProjectID->Get()));
-    return {};
+    answerWith(_hidl_cb, true, static_cast<int32_t>(mProjectID.Get()));
+    return Void();
 }
 
-Return<void> MlkProjectConfigs::getProjectMaxIdx(getProjectMaxIdx_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, static_cast<int32_t>(mProjectParser->getProjectMaxIdx()));
-    return {};
+Return<void> MlkProjectConfigs::getAudioDelay(const ProjectConfigKey& key,
+                                              const hidl_string& avrName,
+                                              getAudioDelay_cb _hidl_cb) {
+    const bool isArc = avrName.c_str() != nullptr && avrName == "ARC";
+    answerWith(_hidl_cb, true, std::to_string(mSet.sounds().delay(nameOf(key), isArc)));
+    return Void();
 }
 
-Return<void> MlkProjectConfigs::getProjectIniList(getProjectIniList_cb _hidl_cb) {
-    std::vector<std::string> list;
-    mProjectParser->getProjectIniList(list);
-    _hidl_cb(hidl_vec<hidl_string>(list.begin(), list.end()));
-    return {};
+bool MlkProjectConfigs::trySetAvrVendorId(const hidl_string& vendorId) {
+    return mSet.sounds().trySetAvrVendorId({vendorId.c_str(), vendorId.size()});
+}
+
+bool MlkProjectConfigs::trySetAvrOSDName(const hidl_string& osdName) {
+    return mSet.sounds().trySetAvrOSDName({osdName.c_str(), osdName.size()});
+}
+
+Return<void> MlkProjectConfigs::setAvrVendorId(const hidl_string& vendorId,
+                                               setAvrVendorId_cb _hidl_cb) {
+    if (!trySetAvrVendorId(vendorId)) {
+        __android_log_assert("trySetAvrVendorId", kTag, "the vendor id of the AVR does not fit");
+    }
+    answerWith(_hidl_cb, true, true);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::setAvrOSDName(const hidl_string& osdName,
+                                              setAvrOSDName_cb _hidl_cb) {
+    if (!trySetAvrOSDName(osdName)) {
+        __android_log_assert("trySetAvrOSDName", kTag, "the OSD name of the AVR does not fit");
+    }
+    answerWith(_hidl_cb, true, true);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
+                                                 getKaraokeConfig_cb _hidl_cb) {
+    const std::string text = mSet.karaoke().lookUp(nameOf(key));
+    const int32_t number = parseDecimal(text);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %i", __func__, text.c_str(), number);
+    answerWith(_hidl_cb, true, number);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getGlobalKeyConfig(const ProjectConfigKey& key,
+                                                   getGlobalKeyConfig_cb _hidl_cb) {
+    const std::string text = mSet.globalKeys().lookUp(nameOf(key));
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %s: %s", __func__, key.category.c_str(),
+                        key.key.c_str(), text.c_str());
+    answerWith(_hidl_cb, true, text);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getCustomerDdcciConfigInt(const ProjectConfigKey& key,
+                                                          getCustomerDdcciConfigInt_cb _hidl_cb) {
+    const std::string text = mSet.customerDdcci().lookUp(nameOf(key));
+    const int32_t number = parseDecimal(text);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s, %d", __func__,
+                        key.category.c_str(), key.key.c_str(), text.c_str(), number);
+    answerWith(_hidl_cb, true, number);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getCustomerDdcciConfigString(
+        const ProjectConfigKey& key, getCustomerDdcciConfigString_cb _hidl_cb) {
+    const std::string text = mSet.customerDdcci().lookUp(nameOf(key));
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s", __func__,
+                        key.category.c_str(), key.key.c_str(), text.c_str());
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s", text.c_str());
+    answerWith(_hidl_cb, true, text);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getCountryList(getCountryList_cb _hidl_cb) {
+    _hidl_cb(numbersOf(mSet.region().countries()));
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getCLTVCountryList(getCLTVCountryList_cb _hidl_cb) {
+    _hidl_cb(numbersOf(mSet.region().cltvCountries()));
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getLanguageList(getLanguageList_cb _hidl_cb) {
+    const std::vector<std::string> languages = mSet.region().languages();
+    _hidl_cb(hidl_vec<hidl_string>(languages.begin(), languages.end()));
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getFreqTableList(int32_t country, FreqTableType type,
+                                                 AtscCableType cableType,
+                                                 getFreqTableList_cb _hidl_cb) {
+    const std::vector<HidlFreqListItem> channels =
+            mSet.region().plan(_tv_country{country}, type, cableType);
+    // The list travels as it lies in memory: all of it is cleared, and then the fields are filled
+    // one by one.
+    hidl_vec<HidlFreqListItem> answer;
+    answer.resize(channels.size());
+    std::fill_n(reinterpret_cast<uint8_t*>(answer.data()),
+                channels.size() * sizeof(HidlFreqListItem), uint8_t{0});
+    for (size_t i = 0; i < channels.size(); ++i) {
+        answer[i].channel = channels[i].channel;
+        answer[i].frequency = channels[i].frequency;
+        answer[i].bandwidth = channels[i].bandwidth;
+        answer[i].label = channels[i].label;
+        answer[i].modulation = channels[i].modulation;
+    }
+    _hidl_cb(answer);
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::isSupportTvSysReload(isSupportTvSysReload_cb _hidl_cb) {
+    answerWith(_hidl_cb, true, mSet.region().hasTvSystems());
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::setCountryId(int32_t country, setCountryId_cb _hidl_cb) {
+    answerWith(_hidl_cb, true, mChanges.setCountry(_tv_country{country}));
+    return Void();
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

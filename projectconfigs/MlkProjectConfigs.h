@@ -2,35 +2,31 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <string_view>
 
+#include "common/ConfigKey.h"
+#include "common/Partitions.h"
 #include "projectconfigs/BoardID.h"
-#include "projectconfigs/IniProjectParser.h"
 #include "projectconfigs/ProjectID.h"
 #include "projectconfigs/ProjectItems.h"
-#include "projectconfigs/ProjectParser.h"
+#include "projectconfigs/ProjectSet.h"
+#include "projectconfigs/SetChanges.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * What this set is: project, board, panel, audio hardware, region and customer files, read from the
- * configuration partitions.
+ * Answers what this set is: project, board, panel, audio hardware, region and customer files.
  *
  * The process entry creates one object, which reads everything in its constructor, and registers it
- * as "default". No method fails: each answers with success true, and what is missing is an empty
- * text, false or 0. A few methods do not answer at all where an argument is out of range: see their
- * comments, and MlkProjectConfigsStub for what a client sees then.
+ * as "default". Each method turns its arguments into a question to ProjectSet or SetChanges and the
+ * result into an answer. No method fails: each answers with success true, and what is missing is an
+ * empty text, false or 0. A few methods do not answer at all if an argument is out of range: see
+ * their comments, and MlkProjectConfigsStub for what a client sees then.
  *
- * Calls may come from any number of threads. The project store and the auxiliary parsers have locks
- * of their own. mProjectChange is held while project or country change, around those locks; no lock
- * is held while an answer is given. Log tag: "MlkProjectConfigs".
+ * Calls may come from any number of threads; no lock is held while an answer is given. Log tag:
+ * "MlkProjectConfigs".
  */
 class MlkProjectConfigs : public IMlkProjectConfigs {
   public:
@@ -173,7 +169,7 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     /** 1 or 0. No answer to a path without text. */
     Return<void> isFileExist(const hidl_string& path, isFileExist_cb _hidl_cb) override;
 
-    // Audio files (MlkProjectConfigsAudio.cpp).
+    // Audio files: SoundDelays.
 
     /**
      * The sum, as decimal text, of what the files of the panel, the audio IC and the hardware say
@@ -192,8 +188,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     bool trySetAvrVendorId(const hidl_string& vendorId);
     bool trySetAvrOSDName(const hidl_string& osdName);
 
-    // Karaoke, key and DDC/CI files (MlkProjectConfigsAuxiliary.cpp): the item of the key, empty or
-    // 0 when there is none or, for a number, when it does not begin with one.
+    // Karaoke, key and DDC/CI files: the item of the key, empty or 0 if the file does not have it,
+    // 0 also if it does not begin with a number.
 
     Return<void> getKaraokeConfig(const ProjectConfigKey& key,
                                   getKaraokeConfig_cb _hidl_cb) override;
@@ -204,8 +200,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     Return<void> getCustomerDdcciConfigString(const ProjectConfigKey& key,
                                               getCustomerDdcciConfigString_cb _hidl_cb) override;
 
-    // Countries, languages, frequencies and TV systems (MlkProjectConfigsRegional.cpp). A list
-    // whose file is not named or cannot be read is empty.
+    // Countries, languages, frequencies and TV systems: Region. A list whose file is not named or
+    // cannot be read is empty.
 
     /** Numbers of the countries that the set offers; see CountryListParser. */
     Return<void> getCountryList(getCountryList_cb _hidl_cb) override;
@@ -217,12 +213,7 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
                                   getFreqTableList_cb _hidl_cb) override;
     /** True when the project names a TV system file. */
     Return<void> isSupportTvSysReload(isSupportTvSysReload_cb _hidl_cb) override;
-    /**
-     * Puts what belongs to the country into the store, and saves the country for the next start;
-     * the value tells whether it was saved. -1 puts in what belongs to the saved country, and is
-     * not saved. Takes turns with changes of the project (mProjectChange): another one later
-     * takes the country's items out again, until the next start.
-     */
+    /** The value tells whether the country was saved; see SetChanges::setCountry. */
     Return<void> setCountryId(int32_t country, setCountryId_cb _hidl_cb) override;
 
     /**
@@ -233,64 +224,14 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& arguments) override;
 
   private:
-    friend struct MlkProjectConfigsPeer;  // tests
-
-    /**
-     * A text of bounded length, filled up with NULs. Only the names of an AVR can be so long that
-     * no NUL is left.
-     */
-    using Name = std::array<char, 128>;
-
-    /** Where an auxiliary file is named, which members it goes to and what is logged. */
-    struct AuxiliaryFile {
-        const char* category;
-        const char* key;
-        std::unique_ptr<IniProjectParser> MlkProjectConfigs::*parser;
-        Name MlkProjectConfigs::*name;
-        const char* nameLabel;            // before the file's name
-        const char* missing;              // the error when the item is empty
-        const char* pathLabel = nullptr;  // before the item, where it is logged
-    };
-
     using TextCallback = std::function<void(const OptionalString&)>;
     using FlagCallback = std::function<void(const OptionalBool&)>;
 
-    void InitPartitionPath();
-    void DumpConfigInfo() const;
     static ConfigKey nameOf(const ProjectConfigKey& key) {
         return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
     }
-    hidl_string GetValue(const char* category, const char* key) const;
-    /** Answers with the value of GetValue. */
+    /** Answers with the value of an item. */
     void answerValue(const char* category, const char* key, const TextCallback& callback) const;
-    bool SetProjectIdInternal(int32_t id);
-    bool SetProjectIdInternalWithPid(int32_t id, const hidl_string& processName, int32_t pid);
-
-    /** False, and nothing changed, when the text is longer than the buffer. */
-    static bool assign(Name& name, std::string_view text);
-    static std::string textOf(const Name& name);
-
-    /**
-     * Loads an auxiliary file and takes its name, by which later lookups go. The name is not taken
-     * from a path without a "/", nor when it leaves no room for a NUL: the member keeps what it
-     * had, at start nothing, and no line about the name is logged. The file is loaded all the same.
-     */
-    void loadAuxiliaryFile(const AuxiliaryFile& file);
-
-    // Each loads its files into the parser that was made just before.
-    void GetAudioConfigPathInternal();
-    void GetKaraokeConfigPathInternal();
-    void GetGlobalKeyConfigPathInternal();
-    void GetCustomerDdcciConfigPathInternal();
-
-    bool trySetAvrText(Name& member, const char* label, const hidl_string& text);
-    /** Names and loads the file of the AVR; false when its name or path does not fit. */
-    bool updateAudioConfig();
-    int32_t audioDelay(const ProjectConfigKey& key, bool isArc) const;
-    std::string customerDdcciConfig(const ProjectConfigKey& key) const;
-
-    /** Puts what belongs to a country into the store; -1 is the saved country. */
-    void InitTvSysMapInfo(int32_t country);
 
     /** Answers with an item of the table; with nothing where a selector is out of range. */
     template <size_t kRow, typename Callback>
@@ -303,32 +244,11 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     void answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
                     const FlagCallback& callback) const;
 
-    std::unique_ptr<ProjectParser> mProjectParser;
-    std::unique_ptr<ProjectID> mProjectID;
-    std::unique_ptr<BoardID> mBoardID;
-    std::unique_ptr<IniProjectParser> mAudioIniParser;
-    const char* mImpdataPath = nullptr;  // these three belong to TvPartitionPath
-    const char* mTvdataPath = nullptr;
-    const char* mTvconfigsPath = nullptr;
-    std::string mCustomerIniPath;
-    // Names of the files that the audio parser holds, and what they are made from. Those of the AVR
-    // change while the service runs, under a mutex of MlkProjectConfigsAudio.cpp.
-    Name mPanelName{};
-    Name mICName{};
-    Name mHardwareName{};
-    Name mHwAudioConfigName{};
-    Name mAvrVendorId{};
-    Name mAvrOSDName{};
-    Name mAvrName{};
-    Name mAvrDefaultName{};
-    std::unique_ptr<IniProjectParser> mKaraokeIniParser;
-    std::unique_ptr<IniProjectParser> mGlobalKeyIniParser;
-    std::unique_ptr<IniProjectParser> mCustomerDdcciIniParser;
-    Name mKarakeName{};
-    Name mGlobalKeyName{};
-    Name mCustomerDdcciName{};
-    int32_t mProjectMaxIdx = 0;  // guarded by mProjectChange
-    std::mutex mProjectChange;
+    const Partitions mPartitions;
+    ProjectID mProjectID;
+    const BoardID mBoardID;
+    ProjectSet mSet;
+    SetChanges mChanges;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

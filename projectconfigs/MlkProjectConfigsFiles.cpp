@@ -159,9 +159,9 @@ Return<void> MlkProjectConfigs::debug(const hidl_handle& handle,
     }
     std::ostringstream text;
     text << "ProjectConfigs:" << std::endl;
-    mProjectParser->dump(text);
+    mSet.items().dump(text);
     text << "Audio configuration file: " << std::endl;
-    mAudioIniParser->dump(text);
+    mSet.sounds().dump(text);
 
     writeToClient(handle->data[0], text.str(), logDump);
     return {};

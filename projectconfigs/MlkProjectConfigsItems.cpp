@@ -1,4 +1,6 @@
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "common/Answer.h"
 #include "common/Decimal.h"
@@ -6,16 +8,14 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
-
-::android::hardware::hidl_string MlkProjectConfigs::GetValue(const char* category,
-                                                             const char* key) const {
-    return mProjectParser->getInfo(ConfigKey(category, key));
-}
+using ::android::hardware::Void;
 
 void MlkProjectConfigs::answerValue(const char* category, const char* key,
                                     const TextCallback& callback) const {
-    const std::string value = mProjectParser->getInfo(ConfigKey(category, key));
+    const std::string value = mSet.items().getInfo(ConfigKey(category, key));
     OptionalString answer{};
     clearPadding(answer);
     answer.success = true;
@@ -50,21 +50,33 @@ Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
     }));
 }
 
+Return<void> MlkProjectConfigs::getProjectMaxIdx(getProjectMaxIdx_cb _hidl_cb) {
+    answerWith(_hidl_cb, true, static_cast<int32_t>(mSet.items().getProjectMaxIdx()));
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::getProjectIniList(getProjectIniList_cb _hidl_cb) {
+    std::vector<std::string> list;
+    mSet.items().getProjectIniList(list);
+    _hidl_cb(hidl_vec<hidl_string>(list.begin(), list.end()));
+    return Void();
+}
+
 Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, mProjectParser->getCustomerId());
-    return {};
+    answerWith(_hidl_cb, true, mSet.items().getCustomerId());
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
     answerValue(key.category.c_str(), key.key.c_str(), _hidl_cb);
-    return {};
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getConfigsByCategory(const hidl_string& category,
                                                      getConfigsByCategory_cb _hidl_cb) {
     hidl_vec<ConfigKeyValue> answer;
     if (category.c_str() != nullptr) {
-        const auto infos = mProjectParser->getInfosByCategory(category.c_str());
+        const auto infos = mSet.items().getInfosByCategory(category.c_str());
         answer.resize(infos.size());
         size_t i = 0;
         for (const auto& [key, value] : infos) {
@@ -72,22 +84,22 @@ Return<void> MlkProjectConfigs::getConfigsByCategory(const hidl_string& category
         }
     }
     _hidl_cb(answer);
-    return {};
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getTvconfigsPath(getTvconfigsPath_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, mTvconfigsPath);
-    return {};
+    answerWith(_hidl_cb, true, mPartitions.tvconfigs);
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getTvdataPath(getTvdataPath_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, mTvdataPath);
-    return {};
+    answerWith(_hidl_cb, true, mPartitions.tvdata);
+    return Void();
 }
 
 Return<void> MlkProjectConfigs::getImpdataPath(getImpdataPath_cb _hidl_cb) {
-    answerWith(_hidl_cb, true, mImpdataPath);
-    return {};
+    answerWith(_hidl_cb, true, mPartitions.impdata);
+    return Void();
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,6 +1,5 @@
 #include "regional/CountryFreqMapParse.h"
 
-#include <TvPartitionPath.h>
 #include <android/log.h>
 
 #include <algorithm>
@@ -89,10 +88,9 @@ const std::string* tableOf(const CountryFreqMapEntry& entry, FreqTableType type,
 
 }  // namespace
 
-CountryFreqMapParse& CountryFreqMapParse::GetInstance() {
-    static CountryFreqMapParse instance;
-    return instance;
-}
+CountryFreqMapParse::CountryFreqMapParse(std::function<Partitions()> partitions,
+                                         const CountryListParser& countries)
+    : mPartitions(std::move(partitions)), mCountries(countries) {}
 
 std::string CountryFreqMapParse::GetTvConfigPath() {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -109,7 +107,7 @@ bool CountryFreqMapParse::GetFreqTableNameByCountry(const std::string& path, _tv
         mTvConfigPath = path;
     }
     std::string countryName;
-    const bool known = CountryListParser::GetInstance().getCountryName(country, countryName);
+    const bool known = mCountries.getCountryName(country, countryName);
     __android_log_print(ANDROID_LOG_DEBUG, kTag,
                         "CountryFreqMapParse country index %d, success %d, name %s",
                         static_cast<int>(country), known ? 1 : 0, countryName.c_str());
@@ -130,8 +128,7 @@ bool CountryFreqMapParse::loadCountryFreqMapXML() {
 
 const std::string& CountryFreqMapParse::tvConfigPathLocked() {
     if (mTvConfigPath.empty()) {
-        mTvConfigPath =
-                std::string(TvPartitionPath::GetInstance()->GetTvconfigsPath()) + "/freqtables";
+        mTvConfigPath = mPartitions().tvconfigs + "/freqtables";
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTvConfigPath from TvPartitionPath: %s",
                             mTvConfigPath.c_str());
     }

@@ -2,11 +2,13 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/types.h>
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "common/Partitions.h"
 #include "regional/CountryTable.h"
 
 namespace tinyxml2 {
@@ -14,6 +16,8 @@ class XMLElement;
 }
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+class CountryListParser;
 
 /** What the map file says of one country: names of its frequency tables, empty for none. */
 struct CountryFreqMapEntry {
@@ -44,11 +48,18 @@ struct CountryFreqMapEntry {
  * countries built into the code, which would answer for a missing file, does not exist, because no
  * television is sold without its own map and a default would only hide that it is missing.
  *
- * One for the process, called from RPC threads; each operation takes mMutex for its whole run, so
- * that loading, looking up and changing the folder are one step. Log tag: "MlkProjectConfigs".
+ * A service has one object for the process, see RegionalData. Called from RPC threads; each
+ * operation takes mMutex for its whole run, so that loading, looking up and changing the folder are
+ * one step. Log tag: "MlkProjectConfigs".
  */
 class CountryFreqMapParse {
   public:
+    /**
+     * @param partitions  gives the mount points; asked each time the default folder is needed
+     * @param countries   knows the countries' names; must outlive the object
+     */
+    CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries);
+    /** That of the process. */
     static CountryFreqMapParse& GetInstance();
     virtual ~CountryFreqMapParse() = default;
     CountryFreqMapParse(const CountryFreqMapParse&) = delete;
@@ -94,8 +105,6 @@ class CountryFreqMapParse {
   private:
     friend struct RegionalPeer;  // tests
 
-    CountryFreqMapParse() = default;
-
     // These run with mMutex held.
     const std::string& tvConfigPathLocked();
     bool lookUpLocked(const std::string& countryName, FreqTableType type, AtscCableType cableType,
@@ -103,6 +112,8 @@ class CountryFreqMapParse {
     bool loadLocked();
     void addBlockLocked(const tinyxml2::XMLElement& block);
 
+    const std::function<Partitions()> mPartitions;
+    const CountryListParser& mCountries;
     std::mutex mMutex;
     std::vector<CountryFreqMapEntry> mCoutryFreqMap;  // in file order
     std::string mTvConfigPath;

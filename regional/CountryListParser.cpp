@@ -12,15 +12,10 @@ constexpr const char* kTag = "MlkProjectConfigs";
 
 }  // namespace
 
-CountryListParser& CountryListParser::GetInstance() {
-    static CountryListParser instance;
-    return instance;
-}
-
-std::vector<_tv_country> CountryListParser::getCountryList(const std::string& path) const {
+std::vector<_tv_country> CountryListParser::getCountryList(const std::string& path) {
     std::vector<_tv_country> countries;
-    const ReadResult result = readListFile(path, [&countries](std::string_view name) {
-        countries.push_back(_tv_country{names().valueOf(name)});
+    const ReadResult result = readListFile(path, [&](std::string_view name) {
+        countries.push_back(_tv_country{mNames.valueOf(name)});
     });
     if (result == ReadResult::UNREADABLE) {
         countries.clear();
@@ -32,13 +27,8 @@ std::vector<_tv_country> CountryListParser::getCountryList(const std::string& pa
     return countries;
 }
 
-NameTable& CountryListParser::names() {
-    static NameTable table = countryNames();
-    return table;
-}
-
 bool CountryListParser::getCountryName(_tv_country country, std::string& name) const {
-    return names().firstNameOf(country, name);
+    return mNames.firstNameOf(country, name);
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

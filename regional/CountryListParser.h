@@ -10,11 +10,14 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * Reads lists of countries and knows the countries' names.
  *
- * One for the process. It shares one table of names with all its callers, to which a list's unknown
- * names are added. Called from RPC threads, any number at a time. Log tag: "MlkProjectConfigs".
+ * Each object has one table of names, to which a list's unknown names are added. A service has one
+ * object for the process, see RegionalData. Called from RPC threads, any number at a time. Log tag:
+ * "MlkProjectConfigs".
  */
 class CountryListParser {
   public:
+    CountryListParser() = default;
+    /** That of the process. */
     static CountryListParser& GetInstance();
     virtual ~CountryListParser() = default;
     CountryListParser(const CountryListParser&) = delete;
@@ -28,7 +31,7 @@ class CountryListParser {
      * @return the countries in file order, one a line, repetitions kept; empty when there is no
      *         such file or it cannot be read
      */
-    std::vector<_tv_country> getCountryList(const std::string& path) const;
+    std::vector<_tv_country> getCountryList(const std::string& path);
 
     /**
      * Name of a country. Country 0 has many once unknown names were read; the alphabetically first
@@ -42,8 +45,7 @@ class CountryListParser {
   private:
     friend struct RegionalPeer;  // tests
 
-    CountryListParser() = default;
-    static NameTable& names();
+    NameTable mNames = countryNames();
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

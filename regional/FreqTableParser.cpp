@@ -9,7 +9,7 @@
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
-#include "regional/CountryFreqMapParse.h"
+#include "regional/RegionalData.h"
 #include "regional/TextFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -68,8 +68,8 @@ bool FreqTableParser::GetTableList(const std::string& directory, _tv_country cou
                                    FreqTableType type, AtscCableType cableType,
                                    std::vector<HidlFreqListItem>& items) {
     std::string name;
-    const bool known = CountryFreqMapParse::GetInstance().GetFreqTableNameByCountry(
-            directory, country, type, cableType, name);
+    const bool known =
+            mData.plans.GetFreqTableNameByCountry(directory, country, type, cableType, name);
     if (!known || name.empty()) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTableList sucess %d freqName: %s",
                             known ? 1 : 0, name.c_str());
@@ -96,7 +96,7 @@ bool FreqTableParser::GetFreqTablePath(FreqTableType type, const std::string& na
     if (name.empty()) {
         return false;
     }
-    path = CountryFreqMapParse::GetInstance().GetTvConfigPath();
+    path = mData.plans.GetTvConfigPath();
     path += folderOf(type);
     path += name;
     return pathExists(path);
@@ -127,9 +127,8 @@ bool FreqTableParser::ParseFreqTable(const std::string& path,
     return true;
 }
 
-NameTable& FreqTableParser::modulations() {
-    static NameTable table(kModulations);
-    return table;
+NameTable FreqTableParser::knownModulations() {
+    return NameTable(kModulations);
 }
 
 HidlFreqListItem FreqTableParser::parsePiece(std::string_view piece) {
@@ -148,14 +147,14 @@ HidlFreqListItem FreqTableParser::parsePiece(std::string_view piece) {
     if (column = nextColumn(piece); column.empty()) {
         return item;
     }
-    if (const std::optional<int32_t> modulation = modulations().find(column)) {
+    if (const std::optional<int32_t> modulation = mData.modulations.find(column)) {
         item.modulation = *modulation;
     } else {
         const size_t length = std::min(column.size(), item.label.size() - 1);
         std::copy_n(column.begin(), length, item.label.data());
     }
     if (column = nextColumn(piece); !column.empty()) {
-        item.modulation = modulations().valueOf(column);
+        item.modulation = mData.modulations.valueOf(column);
     }
     return item;
 }

@@ -11,6 +11,8 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+class RegionalData;
+
 /**
  * Reads the list of channels that a scan goes through in a country.
  *
@@ -30,6 +32,12 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class FreqTableParser {
   public:
+    /** A parser that uses, and adds to, what the set's regional files share. */
+    explicit FreqTableParser(RegionalData& data) : mData(data) {}
+
+    /** The modulations that this software knows, as a table of their own. */
+    static NameTable knownModulations();
+
     /**
      * Finds and reads a country's table.
      *
@@ -40,8 +48,8 @@ class FreqTableParser {
      * @param items      set to the channels, in file order; untouched when there is no table
      * @return false when the country has no such table or its file cannot be read
      */
-    static bool GetTableList(const std::string& directory, _tv_country country, FreqTableType type,
-                             AtscCableType cableType, std::vector<HidlFreqListItem>& items);
+    bool GetTableList(const std::string& directory, _tv_country country, FreqTableType type,
+                      AtscCableType cableType, std::vector<HidlFreqListItem>& items);
 
     /**
      * Builds the path of a table: folder, sub-folder of the kind, name as it stands.
@@ -49,7 +57,7 @@ class FreqTableParser {
      * @param path  set to the path; untouched when the name is empty
      * @return true when something exists there
      */
-    static bool GetFreqTablePath(FreqTableType type, const std::string& name, std::string& path);
+    bool GetFreqTablePath(FreqTableType type, const std::string& name, std::string& path);
 
     /**
      * Reads a table. A modulation that is not known counts as 0, "UNKNOW".
@@ -57,13 +65,12 @@ class FreqTableParser {
      * @param items  set to the channels, in file order; untouched when the file cannot be read
      * @return false when the path is empty or the file cannot be read
      */
-    static bool ParseFreqTable(const std::string& path, std::vector<HidlFreqListItem>& items);
+    bool ParseFreqTable(const std::string& path, std::vector<HidlFreqListItem>& items);
 
   private:
-    friend struct RegionalPeer;  // tests
+    HidlFreqListItem parsePiece(std::string_view piece);
 
-    static NameTable& modulations();
-    static HidlFreqListItem parsePiece(std::string_view piece);
+    RegionalData& mData;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,7 +1,6 @@
 #include "regional/TvSysMapCfgHolder.h"
 
 #include <android/log.h>
-#include <cutils/properties.h>
 
 #include <utility>
 
@@ -14,16 +13,17 @@ namespace {
 
 constexpr const char* kTag = "MlkProjectConfigs";
 
-bool dumpsAreOn() {
-    char value[PROPERTY_VALUE_MAX] = {};
-    property_get("persist.vendor.mlk.tvsysmap.debug", value, "0");
-    return parseDecimal(value) >= 1;
-}
-
 }  // namespace
 
+TvSysMapCfgHolder::TvSysMapCfgHolder(Partitions partitions, const Properties& properties,
+                                     RegionalData& data)
+    : mPartitions(std::move(partitions)), mProperties(properties), mData(data) {}
+
+bool TvSysMapCfgHolder::dumpsAreOn() const {
+    return parseDecimal(mProperties.get("persist.vendor.mlk.tvsysmap.debug")) >= 1;
+}
+
 ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country country) {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     ItemStore configs;
     if (mTvSysToConfigMap.empty()) {
         if (!loadConfigXmlFile(xmlFile)) {
@@ -67,13 +67,11 @@ ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country 
 }
 
 std::string TvSysMapCfgHolder::getTvSysName(_tv_country country) const {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     const CoutryTvConfigMap* const record = recordOf(country);
     return record != nullptr ? record->tvSysName : std::string();
 }
 
 std::string TvSysMapCfgHolder::getTvConfigName(_tv_country country) const {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     const CoutryTvConfigMap* const record = recordOf(country);
     return record != nullptr ? record->tvConfigName : std::string();
 }
@@ -98,7 +96,6 @@ bool TvSysMapCfgHolder::isFileExist(const std::string& path) {
 }
 
 void TvSysMapCfgHolder::dumpConfigXmlFile() const {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     if (!dumpsAreOn()) {
         return;
     }
@@ -110,7 +107,6 @@ void TvSysMapCfgHolder::dumpConfigXmlFile() const {
 }
 
 void TvSysMapCfgHolder::dumpTvConfigMap() const {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     if (!dumpsAreOn()) {
         return;
     }
@@ -135,7 +131,6 @@ void TvSysMapCfgHolder::dumpTvConfigMap() const {
 }
 
 _tv_country TvSysMapCfgHolder::currentCountry() const {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     return mCountryIdx;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "common/ItemStore.h"
+#include "common/Partitions.h"
+#include "common/Properties.h"
 #include "regional/CountryTable.h"
+#include "regional/RegionalData.h"
 
 namespace tinyxml2 {
 class XMLElement;
@@ -56,13 +58,19 @@ struct CoutryTvConfigMap {
  * partition. That file is overwritten in place (see saveFile): a set that loses power has the old
  * country or the new one.
  *
- * Made for one call and dropped after it, so that changed files are seen. An operation takes mMutex
- * for its whole run, and all holders of the process take turns at the file. Log tag:
- * "MlkProjectConfigs"; the line numbers in messages are fixed.
+ * Made for one call and dropped after it, so that changed files are seen: one thread at a time. All
+ * holders of the process take turns at the saved country's file. Log tag: "MlkProjectConfigs"; the
+ * line numbers in messages are fixed.
  */
 class TvSysMapCfgHolder {
   public:
-    TvSysMapCfgHolder() = default;
+    /**
+     * @param partitions  the set's mount points
+     * @param properties  decide whether what is loaded is dumped; must outlive the holder
+     * @param data        has the names of countries, to which unknown ones are added; must outlive
+     *                    the holder
+     */
+    TvSysMapCfgHolder(Partitions partitions, const Properties& properties, RegionalData& data);
     virtual ~TvSysMapCfgHolder() = default;
     TvSysMapCfgHolder(const TvSysMapCfgHolder&) = delete;
     TvSysMapCfgHolder& operator=(const TvSysMapCfgHolder&) = delete;
@@ -115,13 +123,13 @@ class TvSysMapCfgHolder {
     std::string getTvConfigFilePath(_tv_country country) const;
 
     /** Name of a country; empty for a value without one. */
-    static std::string getCountryName(_tv_country country);
+    std::string getCountryName(_tv_country country) const;
 
     /** The folder of "country_id.bin", no "/" at its end. */
-    static std::string getCountryBinFolderPath();
+    std::string getCountryBinFolderPath() const;
 
     /** The value with a leading "/tvconfigs" or "/tvdata" replaced by that partition's path. */
-    static std::string patchToTargetBoardPath(const std::string& value);
+    std::string patchToTargetBoardPath(const std::string& value) const;
 
     /** True when something has that path; logged when not. */
     static bool isFileExist(const std::string& path);
@@ -137,19 +145,17 @@ class TvSysMapCfgHolder {
     _tv_country currentCountry() const;
 
   private:
-    friend struct RegionalPeer;  // tests
-
-    static NameTable& names();
-    static bool moveToTvconfigs(std::string& path);
+    bool dumpsAreOn() const;
+    bool moveToTvconfigs(std::string& path) const;
     const CoutryTvConfigMap* recordOf(_tv_country country) const;
-    static void addTvSystem(const std::string& file, const tinyxml2::XMLElement& element,
-                            std::vector<TvSysToConfigMap>& systems);
+    void addTvSystem(const std::string& file, const tinyxml2::XMLElement& element);
     void addCountry(const tinyxml2::XMLElement& block);
     void readCountryId(const std::string& path);
-    void writeFirstCountryId();
+    void writeFirstCountryId(const std::string& path);
 
-    // Recursive: getConfigs is made of operations that can be called by themselves as well.
-    mutable std::recursive_mutex mMutex;
+    const Partitions mPartitions;
+    const Properties& mProperties;
+    RegionalData& mData;
     std::string mCountryTvConfigMapFile;  // as written in the TV system file
     std::vector<TvSysToConfigMap> mTvSysToConfigMap;
     std::vector<CoutryTvConfigMap> mCoutryTvConfigMap;

@@ -1,10 +1,10 @@
 // The saved country of TvSysMapCfgHolder.
 
-#include <TvPartitionPath.h>
 #include <android/log.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <mutex>
 #include <string_view>
 #include <system_error>
 
@@ -28,13 +28,12 @@ std::mutex& fileMutex() {
     return mutex;
 }
 
-std::string filePath() {
-    return TvSysMapCfgHolder::getCountryBinFolderPath() + "/country_id.bin";
+std::string filePath(const std::string& folder) {
+    return folder + "/country_id.bin";
 }
 
 // Makes sure that the folder is there; function and line belong to the message.
-void createFolder(const char* function, int line) {
-    const std::string folder = TvSysMapCfgHolder::getCountryBinFolderPath();
+void createFolder(const std::string& folder, const char* function, int line) {
     if (TvSysMapCfgHolder::isFileExist(folder)) {
         return;
     }
@@ -52,28 +51,28 @@ std::string lineOf(_tv_country country) {
 
 // Logs what became of the file; function and line belong to the message of one that cannot be
 // opened.
-void complain(Saved saved, const char* function, int line) {
+void complain(const std::string& path, Saved saved, const char* function, int line) {
     const std::string reason = std::generic_category().message(errno);
     if (saved == Saved::NOT_OPENED) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", function, line,
-                            filePath().c_str());
+                            path.c_str());
     } else if (saved == Saved::NOT_WRITTEN) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s",
-                            filePath().c_str(), reason.c_str());
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", path.c_str(),
+                            reason.c_str());
     }
 }
 
 }  // namespace
 
-std::string TvSysMapCfgHolder::getCountryBinFolderPath() {
-    return std::string(TvPartitionPath::GetInstance()->GetTvdataPath()) + "/tvsysmap";
+std::string TvSysMapCfgHolder::getCountryBinFolderPath() const {
+    return mPartitions.tvdata + "/tvsysmap";
 }
 
 void TvSysMapCfgHolder::parseCountryId() {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     const std::lock_guard<std::mutex> fileLock(fileMutex());
-    createFolder(__func__, 484);
-    const std::string path = filePath();
+    const std::string folder = getCountryBinFolderPath();
+    createFolder(folder, __func__, 484);
+    const std::string path = filePath(folder);
     const bool exists = isFileExist(path);
     __android_log_print(ANDROID_LOG_DEBUG, kTag,
                         "[%s:%d] country_id.bin=%s (isRead=%d, isWrite=%d)", __func__, 500,
@@ -82,7 +81,7 @@ void TvSysMapCfgHolder::parseCountryId() {
     if (exists) {
         readCountryId(path);
     } else {
-        writeFirstCountryId();
+        writeFirstCountryId(path);
     }
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCountryIdx=%d", __func__, 538,
                         static_cast<int>(mCountryIdx));
@@ -107,31 +106,32 @@ void TvSysMapCfgHolder::readCountryId(const std::string& path) {
     }
 }
 
-void TvSysMapCfgHolder::writeFirstCountryId() {
+void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
     // Without a country to save the file stays away, so that a later start, with its map, saves
     // one.
     if (mCountryList.empty()) {
         return;
     }
     // Not saveFile: a file that merely cannot be seen now holds the country of this set.
-    const Saved saved = createFile(filePath(), lineOf(mCountryList.front()));
-    complain(saved, "parseCountryId", 524);
+    const Saved saved = createFile(path, lineOf(mCountryList.front()));
+    complain(path, saved, "parseCountryId", 524);
     if (saved != Saved::NOT_OPENED) {
         mCountryIdx = mCountryList.front();
     }
 }
 
 bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     const std::lock_guard<std::mutex> fileLock(fileMutex());
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] id=%d", __func__, 133,
                         static_cast<int>(country));
     if (country == kNoCountry) {
         return false;
     }
-    createFolder(__func__, 142);
-    const Saved saved = saveFile(filePath(), lineOf(country));
-    complain(saved, __func__, 153);
+    const std::string folder = getCountryBinFolderPath();
+    createFolder(folder, __func__, 142);
+    const std::string path = filePath(folder);
+    const Saved saved = saveFile(path, lineOf(country));
+    complain(path, saved, __func__, 153);
     return saved == Saved::DONE;
 }
 

@@ -1,6 +1,5 @@
 // The two XML files of TvSysMapCfgHolder, and the paths in them.
 
-#include <TvPartitionPath.h>
 #include <android/log.h>
 
 #include <string_view>
@@ -34,7 +33,6 @@ std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* eleme
 }  // namespace
 
 bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] xmlFile=%s", __func__, 224,
                         xmlFile.c_str());
     if (xmlFile.empty()) {
@@ -56,14 +54,13 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
     if (const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration")) {
         for (const auto* element = section->FirstChildElement("TvSystem"); element != nullptr;
              element = element->NextSiblingElement()) {
-            addTvSystem(xmlFile, *element, mTvSysToConfigMap);
+            addTvSystem(xmlFile, *element);
         }
     }
     return true;
 }
 
-void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XMLElement& element,
-                                    std::vector<TvSysToConfigMap>& systems) {
+void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XMLElement& element) {
     const char* const type = element.Attribute("type");
     if (type == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "%s:%d: TV system without type, skipped",
@@ -85,11 +82,10 @@ void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XML
         }
         system.configs.insert(system.configs.section(category), key, patchToTargetBoardPath(value));
     }
-    systems.push_back(std::move(system));
+    mTvSysToConfigMap.push_back(std::move(system));
 }
 
 bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
-    const std::lock_guard<std::recursive_mutex> lock(mMutex);
     std::string path = mCountryTvConfigMapFile;
     if (path.empty()) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] countryTvSysMapXML is empty!!",
@@ -131,7 +127,7 @@ void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
                             432);
         return;
     }
-    mCountryList.push_back(_tv_country{names().valueOf(countryName)});
+    mCountryList.push_back(_tv_country{mData.tvSystemCountries.valueOf(countryName)});
     CoutryTvConfigMap record;
     record.countryName = countryName;
     record.tvSysName = textOrComplaint(block, "TV_SYSTEM", kFunction, 417, "tvSysName");
@@ -139,36 +135,30 @@ void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
     mCoutryTvConfigMap.push_back(std::move(record));
 }
 
-NameTable& TvSysMapCfgHolder::names() {
-    static NameTable table = countryNames();
-    return table;
-}
-
-std::string TvSysMapCfgHolder::getCountryName(_tv_country country) {
+std::string TvSysMapCfgHolder::getCountryName(_tv_country country) const {
     std::string name;
-    names().firstNameOf(country, name);
+    mData.tvSystemCountries.firstNameOf(country, name);
     return name;
 }
 
-std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) {
-    const TvPartitionPath& paths = *TvPartitionPath::GetInstance();
+std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) const {
     if (startsWith(value, kTvconfigs)) {
-        return paths.GetTvconfigsPath() + value.substr(kTvconfigs.size());
+        return mPartitions.tvconfigs + value.substr(kTvconfigs.size());
     }
     if (startsWith(value, kTvdata)) {
-        return paths.GetTvdataPath() + value.substr(kTvdata.size());
+        return mPartitions.tvdata + value.substr(kTvdata.size());
     }
     return value;
 }
 
 // Replaces everything up to "/tvconfigs" and that by the partition's path: files are moved between
 // products whose partitions lie elsewhere. False when the path does not contain it.
-bool TvSysMapCfgHolder::moveToTvconfigs(std::string& path) {
+bool TvSysMapCfgHolder::moveToTvconfigs(std::string& path) const {
     const size_t at = path.find(kTvconfigs);
     if (at == std::string::npos) {
         return false;
     }
-    path.replace(0, at + kTvconfigs.size(), TvPartitionPath::GetInstance()->GetTvconfigsPath());
+    path.replace(0, at + kTvconfigs.size(), mPartitions.tvconfigs);
     return true;
 }
 

@@ -15,13 +15,6 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** What only MlkProjectConfigs itself sees so far. */
-struct MlkProjectConfigsPeer {
-    static std::string hardwareAudioFile(const MlkProjectConfigs& service) {
-        return service.mHwAudioConfigName.data();
-    }
-};
-
 template <typename Answer>
 Answer answerOf(const std::function<void(const Answer&)>&);
 

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <thread>
 
+#include "platform/Platform.h"
+#include "projectconfigs/ProjectSet.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -16,7 +18,12 @@ using ::testing::Not;
 
 class StartUpTest : public ServiceOnSet {
   protected:
-    std::string hardwareAudioFile() { return MlkProjectConfigsPeer::hardwareAudioFile(start()); }
+    static std::string hardwareAudioFile() {
+        return ProjectSet(systemPartitions(), systemProperties(), RegionalData::GetInstance(),
+                          {1, "", kNoCountry})
+                .sounds()
+                .hardwareName();
+    }
 };
 
 TEST_F(StartUpTest, ReadsTheSetAndLogsWhereItComesFrom) {

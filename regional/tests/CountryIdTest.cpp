@@ -67,11 +67,11 @@ class CountryIdTest : public ::testing::Test, protected TvSysMapFiles {
     void blockFolder() const { set().dir().write("tvdata/tvsysmap", "a file"); }
 
     const mode_t mFormerMask;
-    TvSysMapCfgHolder mHolder;
+    TvSysMapCfgHolder mHolder = processHolder();
 };
 
 TEST_F(CountryIdTest, SavesACountry) {
-    EXPECT_EQ(TvSysMapCfgHolder::getCountryBinFolderPath(), folder());
+    EXPECT_EQ(processHolder().getCountryBinFolderPath(), folder());
     EXPECT_TRUE(mHolder.saveCountryId(kGermany));
     EXPECT_EQ(countryId(), "COUNTRY_ID=14\n");
     EXPECT_EQ(modeOf(folder()), 0700U);
@@ -289,7 +289,7 @@ TEST_F(CountryIdTest, AFileWithoutCountryGivesNothing) {
     const std::string xml = writeBoth();
     for (const char* const text : {"COUNTRY_ID=-1\n", "nothing\n", "", "COUNTRY_ID\n"}) {
         writeCountryId(text);
-        TvSysMapCfgHolder holder;
+        TvSysMapCfgHolder holder = processHolder();
         log().clear();
         EXPECT_THAT(holder.getConfigs(xml, kNoCountry), IsEmpty()) << text;
         EXPECT_EQ(errors().back(), "[getConfigs] chkchk mCountryIdx=-1") << text;

@@ -33,7 +33,7 @@ class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
     }
     static std::vector<std::string> parseIn(const std::string& path) {
         std::vector<HidlFreqListItem> items(1);
-        if (!FreqTableParser::ParseFreqTable(path, items)) {
+        if (!processParser().ParseFreqTable(path, items)) {
             EXPECT_EQ(items.size(), 1U) << "a failure leaves the items alone";
             return {"failed"};
         }
@@ -48,7 +48,7 @@ class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
                      "</DTV_ANTENA><ATV_ANTENA>ntsc</ATV_ANTENA></COUNTRY_FREQ_MAP>");
     }
     static bool list(FreqTableType type, std::vector<HidlFreqListItem>& items) {
-        return FreqTableParser::GetTableList("", kUsa, type, AtscCableType::AUTO, items);
+        return processParser().GetTableList("", kUsa, type, AtscCableType::AUTO, items);
     }
     // The lines of the log behind those of the country map, each with its level.
     std::vector<std::string> parserLines() const {
@@ -115,7 +115,7 @@ TEST_F(FreqTableParserTest, ALabelHasFourCharacters) {
     EXPECT_THAT(parse("1 2 3 ABCDEF\n1 2 3 ABCD\n1 2 3 A QAM64\n"),
                 ElementsAre("1/2/3/ABCD/0", "1/2/3/ABCD/0", "1/2/3/A/9"));
     std::vector<HidlFreqListItem> items;
-    ASSERT_TRUE(FreqTableParser::ParseFreqTable(write("t", "1 2 3 ABCDEF\n"), items));
+    ASSERT_TRUE(processParser().ParseFreqTable(write("t", "1 2 3 ABCDEF\n"), items));
     EXPECT_EQ(items[0].label[3], 'D');
     EXPECT_EQ(items[0].label[4], 0);
 }
@@ -185,18 +185,18 @@ TEST_F(FreqTableParserTest, PathsByKind) {
     write("freqtables/t", "");
     const std::string folder = set().tvconfigs() + "/freqtables";
     std::string path;
-    EXPECT_TRUE(FreqTableParser::GetFreqTablePath(FreqTableType::DTV_ANTENNA, "t", path));
+    EXPECT_TRUE(processParser().GetFreqTablePath(FreqTableType::DTV_ANTENNA, "t", path));
     EXPECT_EQ(path, folder + "/dtv/t");
-    EXPECT_TRUE(FreqTableParser::GetFreqTablePath(FreqTableType::DTV_CABLE, "t", path));
+    EXPECT_TRUE(processParser().GetFreqTablePath(FreqTableType::DTV_CABLE, "t", path));
     EXPECT_EQ(path, folder + "/dtv/t");
-    EXPECT_FALSE(FreqTableParser::GetFreqTablePath(FreqTableType::ATV_ANTENNA, "t", path));
+    EXPECT_FALSE(processParser().GetFreqTablePath(FreqTableType::ATV_ANTENNA, "t", path));
     EXPECT_EQ(path, folder + "/atv/t");
-    EXPECT_FALSE(FreqTableParser::GetFreqTablePath(FreqTableType::ATV_CABLE, "t", path));
+    EXPECT_FALSE(processParser().GetFreqTablePath(FreqTableType::ATV_CABLE, "t", path));
     EXPECT_EQ(path, folder + "/atv/t");
-    EXPECT_TRUE(FreqTableParser::GetFreqTablePath(static_cast<FreqTableType>(9), "/t", path));
+    EXPECT_TRUE(processParser().GetFreqTablePath(static_cast<FreqTableType>(9), "/t", path));
     EXPECT_EQ(path, folder + "/t");
     path = "before";
-    EXPECT_FALSE(FreqTableParser::GetFreqTablePath(FreqTableType::DTV_ANTENNA, "", path));
+    EXPECT_FALSE(processParser().GetFreqTablePath(FreqTableType::DTV_ANTENNA, "", path));
     EXPECT_EQ(path, "before");
 }
 
@@ -218,9 +218,9 @@ TEST_F(FreqTableParserTest, AnotherFolderMayBeGiven) {
           "<DTV_ANTENA>t</DTV_ANTENA></COUNTRY_FREQ_MAP>");
     write("other/dtv/t", "2 6000000 57000\n");
     std::vector<HidlFreqListItem> items;
-    EXPECT_TRUE(FreqTableParser::GetTableList(set().tvconfigs() + "/other", kUsa,
-                                              FreqTableType::DTV_ANTENNA, AtscCableType::AUTO,
-                                              items));
+    EXPECT_TRUE(processParser().GetTableList(set().tvconfigs() + "/other", kUsa,
+                                             FreqTableType::DTV_ANTENNA, AtscCableType::AUTO,
+                                             items));
     EXPECT_EQ(items.size(), 1U);
 }
 

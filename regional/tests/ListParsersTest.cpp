@@ -81,7 +81,7 @@ TEST_F(ListParsersTest, TheSameUnknownNamesAreTakenInOnce) {
 }
 
 TEST_F(ListParsersTest, CountryNames) {
-    const CountryListParser& parser = CountryListParser::GetInstance();
+    CountryListParser& parser = CountryListParser::GetInstance();
     std::string name;
     EXPECT_TRUE(parser.getCountryName(kNoCountry, name));
     EXPECT_EQ(name, "DEFAULT");

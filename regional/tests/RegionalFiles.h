@@ -10,9 +10,11 @@
 
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
+#include "platform/Platform.h"
 #include "regional/CountryFreqMapParse.h"
 #include "regional/CountryListParser.h"
 #include "regional/FreqTableParser.h"
+#include "regional/RegionalData.h"
 #include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -47,10 +49,20 @@ struct RegionalPeer {
 
   private:
     static std::array<NameTable*, 3> tables() {
-        return {&CountryListParser::names(), &TvSysMapCfgHolder::names(),
-                &FreqTableParser::modulations()};
+        RegionalData& data = RegionalData::GetInstance();
+        return {&data.countries.mNames, &data.tvSystemCountries, &data.modulations};
     }
 };
+
+/** A holder on the set of the process. */
+inline TvSysMapCfgHolder processHolder() {
+    return {systemPartitions(), systemProperties(), RegionalData::GetInstance()};
+}
+
+/** A parser on what the process has read. */
+inline FreqTableParser processParser() {
+    return FreqTableParser(RegionalData::GetInstance());
+}
 
 /** A set of its own with regional files, and what is logged while they are read. */
 class RegionalFiles {

@@ -100,7 +100,7 @@ class SampleMapsTest : public ::testing::Test, protected TvSysMapFiles {
 
     size_t channels(const std::string& country, FreqTableType type, AtscCableType cableType) const {
         std::vector<HidlFreqListItem> items;
-        return FreqTableParser::GetTableList("", valueOf(country), type, cableType, items)
+        return processParser().GetTableList("", valueOf(country), type, cableType, items)
                        ? items.size()
                        : 0;
     }
@@ -157,7 +157,7 @@ TEST_F(SampleMapsTest, TheUnitedStatesHaveAllCablePlans) {
         for (const AtscCableType cable :
              {AtscCableType::AUTO, AtscCableType::STD, AtscCableType::HRC, AtscCableType::IRC}) {
             std::vector<HidlFreqListItem> items;
-            EXPECT_TRUE(FreqTableParser::GetTableList("", valueOf("USA"), type, cable, items));
+            EXPECT_TRUE(processParser().GetTableList("", valueOf("USA"), type, cable, items));
             std::vector<int32_t> frequencies;
             for (const HidlFreqListItem& item : items) {
                 frequencies.push_back(item.frequency);
@@ -171,13 +171,13 @@ TEST_F(SampleMapsTest, TheUnitedStatesHaveAllCablePlans) {
 TEST_F(SampleMapsTest, ANewSetStartsInTheCountryOfItsModel) {
     for (const Region& region : kRegions) {
         std::filesystem::remove_all(folder());
-        TvSysMapCfgHolder holder;
+        TvSysMapCfgHolder holder = processHolder();
         EXPECT_THAT(holder.getConfigs(path("tvsysmap/tvsys_" + std::string(region.name) + ".xml"),
                                       kNoCountry),
                     Not(IsEmpty()));
         for (const std::string& model : region.models) {
             const auto items = modelItems(model);
-            EXPECT_EQ(TvSysMapCfgHolder::getCountryName(holder.currentCountry()),
+            EXPECT_EQ(processHolder().getCountryName(holder.currentCountry()),
                       items.at("[COUNTRY] COUNTRY_DEFAULT"));
             EXPECT_EQ(items.at("[COUNTRY] tvSysMap"),
                       "\"/tvconfigs/tvsysmap/tvsys_" + std::string(region.name) + ".xml\"");
@@ -194,7 +194,7 @@ TEST_F(SampleMapsTest, ANewSetStartsInTheCountryOfItsModel) {
 TEST_F(SampleMapsTest, EveryCountryFindsItsOwnRecord) {
     for (const Region& region : kRegions) {
         const std::string name = region.name;
-        TvSysMapCfgHolder holder;
+        TvSysMapCfgHolder holder = processHolder();
         ASSERT_TRUE(holder.loadConfigXmlFile(path("tvsysmap/tvsys_" + name + ".xml")));
         ASSERT_TRUE(holder.loadCountryTvConfigMapXML());
         const auto countries = textsOf("tvsysmap/countries_" + name + ".xml", "COUNTRY_NAME");
@@ -234,7 +234,7 @@ TEST_F(SampleMapsTest, TheSystemsOfARegionHaveTheSameItemsAndTheModelsKnowThem) 
                 ofSystem.insert(std::string(item->Attribute("category")) + " " +
                                 item->Attribute("key"));
                 const std::string value =
-                        TvSysMapCfgHolder::patchToTargetBoardPath(item->Attribute("value"));
+                        processHolder().patchToTargetBoardPath(item->Attribute("value"));
                 EXPECT_TRUE(value.front() != '/' || std::filesystem::is_regular_file(value))
                         << value;
             }

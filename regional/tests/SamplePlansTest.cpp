@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "regional/FreqTableParser.h"
+#include "regional/tests/RegionalFiles.h"
 #include "regional/tests/SamplePlanRules.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -24,7 +25,7 @@ const std::filesystem::path kFolder =
 
 std::vector<std::string> readPlan(const std::string& name) {
     std::vector<HidlFreqListItem> items;
-    EXPECT_TRUE(FreqTableParser::ParseFreqTable(kFolder / name, items)) << name;
+    EXPECT_TRUE(processParser().ParseFreqTable(kFolder / name, items)) << name;
     std::vector<std::string> lines;
     for (const HidlFreqListItem& item : items) {
         lines.push_back(lineOf(item.channel, item.bandwidth, item.frequency * int64_t{1000},

@@ -32,7 +32,7 @@ class TvSysMapCfgHolderTest : public ::testing::Test, protected TvSysMapFiles {
         return "[LiveTV]:TvConfig=" + set().tvconfigs() + "/tv/" + name + ".config;";
     }
 
-    TvSysMapCfgHolder mHolder;
+    TvSysMapCfgHolder mHolder = processHolder();
 };
 
 TEST_F(TvSysMapCfgHolderTest, ACountryHasItsSystemsItemsAndItsOwnFile) {
@@ -224,7 +224,7 @@ TEST_F(TvSysMapCfgHolderTest, TheCountrysFileLiesBelowTvconfigsToo) {
 
 TEST_F(TvSysMapCfgHolderTest, OnlyALeadingMarkerIsABoardPath) {
     const auto patched = [](const char* value) {
-        return TvSysMapCfgHolder::patchToTargetBoardPath(value);
+        return processHolder().patchToTargetBoardPath(value);
     };
     EXPECT_EQ(patched("/tvconfigs/a"), set().tvconfigs() + "/a");
     EXPECT_EQ(patched("/tvdata/a"), set().tvdata() + "/a");
@@ -243,23 +243,23 @@ TEST_F(TvSysMapCfgHolderTest, AnUnknownCountryCountsAsTheFirst) {
     mHolder.parseCountryId();
     EXPECT_EQ(mHolder.currentCountry(), _tv_country{0});
     EXPECT_EQ(countryId(), "COUNTRY_ID=0\n");
-    EXPECT_EQ(TvSysMapCfgHolder::getCountryName(_tv_country{0}), "ANDORRA");
+    EXPECT_EQ(processHolder().getCountryName(_tv_country{0}), "ANDORRA");
     writeCountries(country("AMERICA", "A", "/tvconfigs/a"));
     ASSERT_TRUE(mHolder.loadCountryTvConfigMapXML());
-    EXPECT_EQ(TvSysMapCfgHolder::getCountryName(_tv_country{0}), "AMERICA")
+    EXPECT_EQ(processHolder().getCountryName(_tv_country{0}), "AMERICA")
             << "of the names of one value the first counts";
     std::string name;
     CountryListParser::GetInstance().getCountryName(_tv_country{0}, name);
     EXPECT_EQ(name, "ANDORRA") << "the list readers have names of their own";
-    EXPECT_EQ(TvSysMapCfgHolder::getCountryName(_tv_country{161}), "");
-    EXPECT_EQ(TvSysMapCfgHolder::getCountryName(kNoCountry), "DEFAULT");
+    EXPECT_EQ(processHolder().getCountryName(_tv_country{161}), "");
+    EXPECT_EQ(processHolder().getCountryName(kNoCountry), "DEFAULT");
 }
 
 TEST_F(TvSysMapCfgHolderTest, DumpsOnlyWhenAskedTo) {
     const std::string xml = writeBoth();
     for (const char* const off : {"", "0", "-1", "on", "true"}) {
         set().setProperty("persist.vendor.mlk.tvsysmap.debug", off);
-        TvSysMapCfgHolder holder;
+        TvSysMapCfgHolder holder = processHolder();
         log().clear();
         holder.getConfigs(xml, kUsa);
         EXPECT_EQ(debugLines().size(), 4U) << off;

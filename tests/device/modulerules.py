@@ -15,6 +15,7 @@ INTERFACE = "vendor.morlak.mlkconfigs@1.0"
 # Each module of our own sources, and CMake's target for the same.
 TARGETS = {
     "libmlkconfigs_common": "common",
+    "libmlkconfigs_platform": "platform",
     "libmlkconfigs_regional": "regional",
     "libmlkconfigs_projectconfigs": "projectconfigs",
     "libmlkconfigs_frameworkconfigs": "frameworkconfigs",

@@ -12,10 +12,11 @@ ROOT = Path(__file__).resolve().parents[2]
 # The rooms of the product, each with those that it may use.
 ARROWS = {
     "common": set(),
-    "regional": {"common"},
-    "projectconfigs": {"common", "regional"},
-    "frameworkconfigs": {"common", "regional"},
-    "tvconfigs": {"common", "regional"},
+    "platform": {"common"},
+    "regional": {"common", "platform"},
+    "projectconfigs": {"common", "platform", "regional"},
+    "frameworkconfigs": {"common", "platform", "regional"},
+    "tvconfigs": {"common", "platform", "regional"},
     "service": {"common", "frameworkconfigs", "projectconfigs", "tvconfigs"},
 }
 

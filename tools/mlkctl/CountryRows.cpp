@@ -6,6 +6,9 @@
 #include <sstream>
 
 #include "common/Decimal.h"
+#include "platform/Platform.h"
+#include "regional/CountryListParser.h"
+#include "regional/RegionalData.h"
 #include "regional/TvSysMapCfgHolder.h"
 #include "tools/mlkctl/Ask.h"
 
@@ -49,7 +52,9 @@ ShowQuestion ofCountry(std::function<ShowValue(IBase&, _tv_country)> answer) {
 ShowValue tvSystemOf(IBase& object, _tv_country country) {
     const V1_0::ProjectConfigKey item{"[COUNTRY]", "tvSysMap"};
     const std::string file = ask(object, &IMlkProjectConfigs::getConfig, item).value;
-    TvSysMapCfgHolder maps;
+    implementation::RegionalData data(implementation::systemPartitions);
+    TvSysMapCfgHolder maps(implementation::systemPartitions(), implementation::systemProperties(),
+                           data);
     if (file.empty()) return std::string();
     if (!maps.loadConfigXmlFile(file) || !maps.loadCountryTvConfigMapXML())
         return NoValue{"(not readable)"};
@@ -77,9 +82,9 @@ ShowValue channelsOf(IBase& object, _tv_country country) {
 
 ShowQuestion countryName() {
     return ofCountry([](IBase&, _tv_country country) -> ShowValue {
-        std::string name = TvSysMapCfgHolder::getCountryName(country);
-        if (name.empty()) return NoValue{"(unknown)"};
-        return name;
+        std::string name;
+        const bool known = implementation::CountryListParser().getCountryName(country, name);
+        return known ? ShowValue(name) : ShowValue(NoValue{"(unknown)"});
     });
 }
 

@@ -53,13 +53,13 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<HidlFreqListItem> items;
     // Twice: unknown modulations of the first reading are known to the second.
     for (int round = 0; round < 2; ++round) {
-        fuzzing::require(FreqTableParser::ParseFreqTable(path, items), "any file is a table");
+        fuzzing::require(processParser().ParseFreqTable(path, items), "any file is a table");
         fuzzing::requireEqual("the channels", textOf(items), textOf(plain::channels(text, names)));
     }
     RegionalPeer::forget();
     fuzzing::writeFile(path, tableOf(items));
     std::vector<HidlFreqListItem> again;
-    FreqTableParser::ParseFreqTable(path, again);
+    processParser().ParseFreqTable(path, again);
     fuzzing::requireEqual("the channels, written and read again", textOf(again), textOf(items));
     return 0;
 }

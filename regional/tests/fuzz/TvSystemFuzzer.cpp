@@ -58,7 +58,7 @@ int32_t savedCountry(std::string text) {
 
 void compare(const plain::TvSystems& plainly, int32_t asked, int32_t meant, plain::Names& names,
              const std::string& file) {
-    TvSysMapCfgHolder holder;
+    TvSysMapCfgHolder holder = processHolder();
     const plain::Items items = itemsOf(holder.getConfigs(file, _tv_country{asked}));
     const plain::Items expected = meant == -1 ? plain::Items{} : plainly.itemsOf(meant, names);
     fuzzing::requireEqual("the items of a country", textOf(items), textOf(expected));
@@ -78,7 +78,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const int32_t country : {14, 0, 170}) {
         compare(plainly, country, country, names, set.systems);
     }
-    const bool isLoaded = TvSysMapCfgHolder().loadConfigXmlFile(set.systems);
+    const bool isLoaded = processHolder().loadConfigXmlFile(set.systems);
     const bool isSaved = files.has(2);
     const int32_t saved = isSaved ? savedCountry(files.text(2)) : plainly.firstCountry(names);
     compare(plainly, -1, saved, names, set.systems);
@@ -86,7 +86,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzzing::requireEqual("the country of a new set", fuzzing::readFile(set.countryId),
                               "COUNTRY_ID=" + std::to_string(saved) + "\n");
     }
-    TvSysMapCfgHolder holder;
+    TvSysMapCfgHolder holder = processHolder();
     fuzzing::require(holder.saveCountryId(_tv_country{44}), "a country can be saved");
     holder.parseCountryId();
     fuzzing::require(holder.currentCountry() == 44, "a saved country is read again");

@@ -1,0 +1,38 @@
+#include "projectconfigs/ProjectStore.h"
+
+#include <android/log.h>
+
+#include "common/Decimal.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+}  // namespace
+
+ProjectStore::ProjectStore(const Partitions& partitions, const Properties& properties,
+                           int projectId, const std::string& boardId)
+    : mProperties(properties),
+      mCustomerIniPath(partitions.tvconfigs + "/customer.ini"),
+      mItems(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str()) {
+    load(projectId, boardId);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "mProjectMaxIdx:%d",
+                        static_cast<int>(mItems.getProjectMaxIdx()));
+    logItems();
+}
+
+bool ProjectStore::load(int projectId, const std::string& boardId) {
+    return mItems.update(mCustomerIniPath.c_str(), projectId, boardId);
+}
+
+void ProjectStore::logItems() const {
+    if (parseDecimal(mProperties.get("persist.vendor.mlk.configs.debug")) < 1) {
+        mItems.dump();
+    } else {
+        mItems.dumpDetail();
+    }
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "common/Partitions.h"
+#include "common/Properties.h"
+#include "projectconfigs/ProjectParser.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * The project items of a set, loaded for one model and board.
+ *
+ * Calls may come from any number of threads, but for load(): its callers take turns. Log tag:
+ * "MlkProjectConfigs".
+ */
+class ProjectStore {
+  public:
+    /**
+     * Loads the items and logs where they come from.
+     *
+     * @param partitions  the set's mount points; must outlive the object
+     * @param properties  decide how much is logged; must outlive the object
+     * @param projectId   the model, the number after "Model_" in the system file
+     * @param boardId     path of the board file; "DEFAULT_BOARD_ID" for none
+     */
+    ProjectStore(const Partitions& partitions, const Properties& properties, int projectId,
+                 const std::string& boardId);
+
+    /**
+     * Loads the items of another model.
+     *
+     * @param boardId  empty for the board file in use
+     * @return false, with the items as they were, if a file exists but cannot be read
+     */
+    bool load(int projectId, const std::string& boardId);
+
+    /**
+     * Logs where the items come from; each item, too, if the property
+     * "persist.vendor.mlk.configs.debug" is a number of at least 1.
+     */
+    void logItems() const;
+
+    ProjectParser& items() { return mItems; }
+    const ProjectParser& items() const { return mItems; }
+
+  private:
+    const Properties& mProperties;
+    const std::string mCustomerIniPath;
+    ProjectParser mItems;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,77 @@
+#include "projectconfigs/Region.h"
+
+#include <android/log.h>
+
+#include "regional/FreqTableParser.h"
+#include "regional/LanguageListParser.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+
+// The items that name the files.
+constexpr ConfigKey kTvSysMap("[COUNTRY]", "tvSysMap");
+constexpr ConfigKey kCountryList("[COUNTRY]", "COUNTRY_PATH");
+constexpr ConfigKey kCLTVCountryList("[LiveTV]", "LaunchCLTVByCountry");
+constexpr ConfigKey kLanguageList("[TV_LANGUAGE]", "LANGUAGE_PATH");
+constexpr ConfigKey kFreqTables("[FREQTABLE]", "FREQ_TABLE_PATH");
+
+}  // namespace
+
+std::vector<_tv_country> Region::countries() const {
+    return mData.countries.getCountryList(mItems.getInfo(kCountryList));
+}
+
+std::vector<_tv_country> Region::cltvCountries() const {
+    return mData.countries.getCountryList(mItems.getInfo(kCLTVCountryList));
+}
+
+std::vector<std::string> Region::languages() const {
+    std::vector<std::string> languages;
+    LanguageListParser::GetInstance().getLanguageList(mItems.getInfo(kLanguageList), languages);
+    return languages;
+}
+
+std::vector<HidlFreqListItem> Region::plan(_tv_country country, FreqTableType type,
+                                           AtscCableType cableType) const {
+    std::vector<HidlFreqListItem> channels;
+    const bool found = FreqTableParser(mData).GetTableList(mItems.getInfo(kFreqTables), country,
+                                                           type, cableType, channels);
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getfreqTable,sucess %d: size: %d", found ? 1 : 0,
+                        static_cast<int>(channels.size()));
+    return channels;
+}
+
+bool Region::hasTvSystems() const {
+    return !mItems.getInfo(kTvSysMap).empty();
+}
+
+TvSysMapCfgHolder Region::holder() const {
+    return {mPartitions, mProperties, mData};
+}
+
+void Region::apply(_tv_country country) {
+    const std::string file = mItems.getInfo(kTvSysMap);
+    // Method and number are what the tools that read this log know the message by.
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo",
+                        875, file.c_str());
+    if (file.empty()) {
+        return;
+    }
+    const ItemStore items = holder().getConfigs(file, country);
+    for (const ItemStore::Item item : items.inOrder()) {
+        const ConfigKey key(items.sectionOf(item), items.keyOf(item));
+        mItems.setInfo(key, items.valueOf(item));
+        // The value that is read back shows which items the project does not have.
+        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.data(),
+                            key.key.data(), mItems.getInfo(key).c_str());
+    }
+}
+
+bool Region::save(_tv_country country) {
+    return holder().saveCountryId(country);
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <vendor/morlak/mlkconfigs/1.0/types.h>
+
+#include <string>
+#include <vector>
+
+#include "common/Partitions.h"
+#include "common/Properties.h"
+#include "projectconfigs/ProjectParser.h"
+#include "regional/CountryTable.h"
+#include "regional/RegionalData.h"
+#include "regional/TvSysMapCfgHolder.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * Countries, languages, channel plans and TV systems of a set. The project's items name the files;
+ * the regional classes read them, at each call anew but for the frequency map.
+ *
+ * A list whose file is not named or cannot be read is empty. Calls may come from any number of
+ * threads, but for apply() and save(): their callers take turns. Log tag: "MlkProjectConfigs".
+ */
+class Region {
+  public:
+    /** All but the partitions, which are copied, must outlive the object. */
+    Region(ProjectParser& items, const Partitions& partitions, const Properties& properties,
+           RegionalData& data)
+        : mItems(items), mPartitions(partitions), mProperties(properties), mData(data) {}
+
+    /** The countries that the set offers. */
+    std::vector<_tv_country> countries() const;
+    /** The countries that the live-TV launcher starts in. */
+    std::vector<_tv_country> cltvCountries() const;
+    std::vector<std::string> languages() const;
+
+    /** The channels of a country's plan; empty if the country has no such plan. */
+    std::vector<HidlFreqListItem> plan(_tv_country country, FreqTableType type,
+                                       AtscCableType cableType) const;
+
+    /** True if the project names a TV system file. */
+    bool hasTvSystems() const;
+
+    /**
+     * Puts what belongs to a country into the project's items; an item that the project does not
+     * have is not added.
+     *
+     * @param country  kNoCountry for the saved one
+     */
+    void apply(_tv_country country);
+
+    /** Saves the country for the next start. @return false for kNoCountry, or on failure */
+    bool save(_tv_country country);
+
+  private:
+    TvSysMapCfgHolder holder() const;
+
+    ProjectParser& mItems;
+    const Partitions mPartitions;
+    const Properties& mProperties;
+    RegionalData& mData;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,66 @@
+#include "projectconfigs/SetChanges.h"
+
+#include <android/log.h>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr const char* kSameBoard = "";
+
+int32_t highestIndex(const ProjectSet& set) {
+    return static_cast<int32_t>(set.items().getProjectMaxIdx());
+}
+
+}  // namespace
+
+SetChanges::SetChanges(ProjectSet& set, ProjectID& projectId, const BoardID& boardId)
+    : mSet(set), mProjectID(projectId), mBoardID(boardId), mProjectMaxIdx(highestIndex(set)) {}
+
+bool SetChanges::setProject(int32_t id) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (id > 0 && id > mProjectMaxIdx) {
+        // Function and number are what the tools that read this log know the message by.
+        __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                            "[%s:%d] Update and check Max ID again for the case of USB update",
+                            "SetProjectIdInternal", 522);
+        mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
+        mProjectMaxIdx = highestIndex(mSet);
+    }
+    if (id <= 0 || id > mProjectMaxIdx) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!",
+                            mProjectMaxIdx, id);
+        return false;
+    }
+    // The files first: a model that cannot be read is not changed to.
+    if (!mSet.store().load(id, kSameBoard)) {
+        return false;
+    }
+    // An index that cannot be stored still holds until the next start.
+    mProjectID.Set(static_cast<unsigned int>(id));
+    return true;
+}
+
+bool SetChanges::setProject(int32_t id, const std::string& processName, int32_t pid) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (id <= 0 || id > mProjectMaxIdx) {
+        // Two exclamation marks tell this refusal from the other.
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!!",
+                            mProjectMaxIdx, id);
+        return false;
+    }
+    if (!mSet.store().load(id, kSameBoard)) {
+        return false;
+    }
+    mProjectID.SetId(static_cast<unsigned int>(id), processName, pid);
+    return true;
+}
+
+bool SetChanges::setCountry(_tv_country country) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSet.region().apply(country);
+    return mSet.region().save(country);
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,147 @@
+#include "projectconfigs/SoundDelays.h"
+
+#include <android/log.h>
+
+#include "common/Decimal.h"
+#include "common/Paths.h"
+#include "projectconfigs/AuxiliaryFile.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr const char* kTag = "MlkProjectConfigs";
+constexpr const char* kCategory = "[AUDIO]";
+constexpr const char* kAvrPathKey = "AUDIO_CONFIG_AVR_PATH";
+/** Bytes of the buffer that holds the path of an AVR's file. */
+constexpr size_t kAvrPathSize = 128;
+
+constexpr AuxiliaryFileSource kPanel = {kCategory, "AUDIO_CONFIG_PATH",
+                                        "mPanelName:", "Can't get audio config path!"};
+constexpr AuxiliaryFileSource kIC = {kCategory, "AUDIO_CONFIG_IC_PATH",
+                                     "mICName:", "Can't get audio config IC path!"};
+constexpr AuxiliaryFileSource kAvrDefault = {
+        kCategory, kAvrPathKey, "mAvrDefaultName:", "Can't get audio config AVR path!"};
+
+// Delays are added as the 32-bit numbers they are; a sum out of range wraps.
+int32_t add(int32_t a, int32_t b) {
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+}  // namespace
+
+SoundDelays::SoundDelays(const ProjectParser& items, const Partitions& partitions,
+                         const std::string& hardware)
+    : mItems(items),
+      mPanelName(loadAuxiliaryFile(items, kPanel, mFiles)),
+      mICName(loadAuxiliaryFile(items, kIC, mFiles)),
+      mAvrDefaultName(loadAuxiliaryFile(items, kAvrDefault, mFiles)),
+      mHardwareName("audio_" + hardware + ".ini") {
+    mFiles.update((partitions.tvconfigs + "/audio/" + mHardwareName).c_str());
+    mFiles.dumpDetail();
+}
+
+bool SoundDelays::trySetAvrVendorId(std::string_view vendorId) {
+    return trySetAvrText(mAvrVendorId, "mAvrVendorId", vendorId);
+}
+
+bool SoundDelays::trySetAvrOSDName(std::string_view osdName) {
+    return trySetAvrText(mAvrOSDName, "mAvrOSDName", osdName);
+}
+
+bool SoundDelays::trySetAvrText(std::string& member, const char* label, std::string_view text) {
+    if (text.size() > kFileNameSize) {
+        return false;
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::string formerText = member;
+    const std::string formerName = mAvrName;
+    // A client's text may hold a NUL, which ends it.
+    member = text.substr(0, text.find('\0'));
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s:%s", label, member.c_str());
+    if (!updateAudioConfig()) {
+        member = formerText;
+        mAvrName = formerName;
+        return false;
+    }
+    return true;
+}
+
+// Names and loads the file of the AVR. False if its name or path does not fit. Runs with mMutex
+// held.
+bool SoundDelays::updateAudioConfig() {
+    if (mAvrVendorId.empty() || mAvrOSDName.empty()) {
+        return true;
+    }
+    const std::string name = "AVR_" + mAvrVendorId + "_" + mAvrOSDName + ".ini";
+    if (name.size() > kFileNameSize) {
+        return false;
+    }
+    mAvrName = name;
+    __android_log_print(ANDROID_LOG_DEBUG, kTag, "mAvrName:%s", name.c_str());
+    if (mFiles.findItem(name.c_str())) {
+        return true;
+    }
+    const std::string defaultPath = mItems.getInfo({kCategory, kAvrPathKey});
+    if (defaultPath.empty()) {
+        return true;
+    }
+    const size_t folder = defaultPath.size() - fileNameOf(defaultPath).size();
+    if (folder == 0) {
+        // 780 is what the tools that read this log know the message by.
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "MlErr : [%s %d], strrchr return null",
+                            __func__, 780);
+        return true;
+    }
+    const std::string path = defaultPath.substr(0, folder) + name;
+    if (path.size() >= kAvrPathSize) {
+        return false;
+    }
+    mFiles.update(path.c_str());
+    mFiles.dumpDetail();
+    return true;
+}
+
+int32_t SoundDelays::delay(const ConfigKey& key, bool isArc) const {
+    const auto lookUp = [&](const std::string& fileName) {
+        return mFiles.getInfo(fileName.c_str(), key);
+    };
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::string panel = lookUp(mPanelName);
+    const std::string ic = lookUp(mICName);
+    const std::string avrDefault = lookUp(mAvrDefaultName);
+    const std::string hardware = lookUp(mHardwareName);
+    // The messages carry the name of the interface's method.
+    constexpr const char* kMethod = "getAudioDelay";
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "%s: Category:%s, Key:%s, mPanelName:%s, mICName:%s, mAvrDefaultName:%s, "
+                        "mHwAudioConfigName:%s",
+                        kMethod, std::string(key.category).c_str(), std::string(key.key).c_str(),
+                        mPanelName.c_str(), mICName.c_str(), mAvrDefaultName.c_str(),
+                        mHardwareName.c_str());
+    int32_t delay = add(add(parseDecimal(panel), parseDecimal(ic)), parseDecimal(hardware));
+    if (!isArc) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                            "%s: panel:%s, IC:%s, hwAudioConfig:%s, audioDelay:%i", kMethod,
+                            panel.c_str(), ic.c_str(), hardware.c_str(), delay);
+        return delay;
+    }
+    delay = add(delay, parseDecimal(avrDefault));
+    if (mAvrName.empty()) {
+        __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                            "%s: panel:%s, IC:%s, avrDefault:%s, hwAudioConfig:%s, audioDelay:%i",
+                            kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(),
+                            hardware.c_str(), delay);
+        return delay;
+    }
+    const std::string avr = lookUp(mAvrName);
+    delay = add(delay, parseDecimal(avr));
+    __android_log_print(ANDROID_LOG_DEBUG, kTag,
+                        "%s: panel:%s, IC:%s, avrDefault:%s, avr[%s]:%s, hwAudioConfig:%s, "
+                        "audioDelay:%i",
+                        kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(), mAvrName.c_str(),
+                        avr.c_str(), hardware.c_str(), delay);
+    return delay;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

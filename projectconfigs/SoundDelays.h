@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "common/ConfigKey.h"
+#include "common/Partitions.h"
+#include "projectconfigs/IniProjectParser.h"
+#include "projectconfigs/ProjectParser.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * The audio files of a set and the sound delays that they add up to.
+ *
+ * There is a file for the panel, the audio IC, the default AVR (audio/video receiver) and the
+ * hardware, loaded by the constructor, and one for each AVR that was ever set. The files of AVRs
+ * lie beside that of the default AVR and are called "AVR_<vendor id>_<OSD name>.ini".
+ *
+ * Calls may come from any number of threads: mMutex guards the names of the AVR, so that a delay is
+ * that of one AVR, whichever is set meanwhile. Log tag: "MlkProjectConfigs".
+ */
+class SoundDelays {
+  public:
+    /**
+     * Loads the files that the project's "[AUDIO]" items name, and that of the hardware:
+     * "audio/audio_<hardware>.ini" of the tvconfigs partition.
+     *
+     * @param items     the project's items; must outlive the object
+     * @param hardware  the property "ro.hardware"
+     */
+    SoundDelays(const ProjectParser& items, const Partitions& partitions,
+                const std::string& hardware);
+
+    /**
+     * Sets one of the two texts that tell which AVR is in use. Once both are known, the AVR's file
+     * is loaded, unless it is already.
+     *
+     * @return false, with nothing changed, if the text, the file's name or its path does not fit:
+     *         a text and a name have at most kFileNameSize bytes, a path has fewer
+     */
+    bool trySetAvrVendorId(std::string_view vendorId);
+    bool trySetAvrOSDName(std::string_view osdName);
+
+    /**
+     * The sum of what the files of the panel, the audio IC and the hardware say for the key. A sum
+     * out of the range of 32 bits wraps; what is no number counts 0.
+     *
+     * @param isArc  adds what the files of the default AVR and of the AVR in use say
+     */
+    int32_t delay(const ConfigKey& key, bool isArc) const;
+
+    /** Name of the hardware's file. */
+    const std::string& hardwareName() const { return mHardwareName; }
+
+    /** Writes every audio file with its items. */
+    void dump(std::ostream& out) const { mFiles.dump(out); }
+
+  private:
+    bool trySetAvrText(std::string& member, const char* label, std::string_view text);
+    bool updateAudioConfig();
+
+    const ProjectParser& mItems;
+    IniProjectParser mFiles;
+    // Names of the files that mFiles holds.
+    std::string mPanelName;
+    std::string mICName;
+    std::string mAvrDefaultName;
+    std::string mHardwareName;
+    mutable std::mutex mMutex;  // guards the three below
+    std::string mAvrVendorId;
+    std::string mAvrOSDName;
+    std::string mAvrName;
+};
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
