@@ -79,6 +79,28 @@ class Includes(unittest.TestCase):
                     self.assertIn(name.strip('"').split("/")[0], allowed, f"{source}: {name}")
                     self.assertTrue((tree.ROOT / name.strip('"')).is_file(), f"{source}: {name}")
 
+    def test_arrows_run_one_way(self):
+        self.assertGreater(len(tree.ARROWS), 6)
+        below = dict(tree.ARROWS)
+        for _ in below:
+            below = {
+                folder: others.union(*(below[other] for other in others))
+                for folder, others in below.items()
+            }
+        for folder, others in below.items():
+            self.assertNotIn(folder, others)
+
+    def test_only_the_adaptors_know_hidl(self):
+        rows = tree.table("docs/architecture.md", "What a set is knows no HIDL.")
+        listed = sorted(file for (file,), *_ in rows)
+        hidl = re.compile(r"<(hidl|hwbinder|hidlmemory|android/hidl|vendor/morlak/mlkconfigs)/")
+        including = sorted(
+            source
+            for source in tree.product_sources()
+            if any(hidl.match(name) for name in tree.includes(source))
+        )
+        self.assertEqual(including, listed)
+
     def test_nothing_names_the_host(self):
         for source in tree.product_sources():
             self.assertNotRegex(tree.code(source), r"\bhost/|MLK_ROOT|MLK_RUNTIME_DIR", source)

@@ -1,5 +1,6 @@
 """What the device's tests know of the source tree: its rooms, its sources and what they say."""
 
+import itertools
 import os
 import re
 import subprocess
@@ -8,17 +9,6 @@ import unittest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-
-# The rooms of the product, each with those that it may use.
-ARROWS = {
-    "common": set(),
-    "platform": {"common"},
-    "regional": {"common", "platform"},
-    "projectconfigs": {"common", "platform", "regional"},
-    "frameworkconfigs": {"common", "platform", "regional"},
-    "tvconfigs": {"common", "platform", "regional"},
-    "service": {"common", "frameworkconfigs", "projectconfigs", "tvconfigs"},
-}
 
 TOKEN = re.compile(
     r"""//[^\n]*|/\*.*?\*/                        # a comment
@@ -34,6 +24,20 @@ def read(name):
     return (ROOT / name).read_text(encoding="utf-8")
 
 
+def table(document, heading):
+    """The first table after a text at the start of a line, a list of rows, each a list of the texts in backquotes."""
+    lines = read(document).split(f"\n{heading}", maxsplit=1)[1].splitlines()
+    start = next(number for number, line in enumerate(lines) if line.startswith("|--"))
+    rows = itertools.takewhile(lambda line: line.startswith("|"), lines[start + 1 :])
+    return [[re.findall(r"`([^`]+)`", cell) for cell in row.split("|")[1:-1]] for row in rows]
+
+
+def arrows():
+    """The folders of the product, each with those that it may include."""
+    rows = table("docs/architecture.md", "## Who may include whom")
+    return {folder[0]: set(others) for folder, others in rows}
+
+
 def product_sources():
     """Every source and header of the product, tests left out, by its name in the tree."""
     return sorted(
@@ -42,6 +46,9 @@ def product_sources():
         for path in (ROOT / room).glob("*")
         if path.suffix in {".cpp", ".h"}
     )
+
+
+ARROWS = arrows()
 
 
 def includes(name):
