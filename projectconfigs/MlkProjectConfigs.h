@@ -60,24 +60,16 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
 
     // Items with a getter of their own: ProjectItems.h has their names.
 
-    Return<void> getClientType(getClientType_cb _hidl_cb) override {
-        return answer<projectItem("getClientType")>(_hidl_cb);
+#define MLK_GETTER(method)                               \
+    Return<void> method(method##_cb _hidl_cb) override { \
+        return answer<projectItem(#method)>(_hidl_cb);   \
     }
-    Return<void> getProjectName(getProjectName_cb _hidl_cb) override {
-        return answer<projectItem("getProjectName")>(_hidl_cb);
-    }
-    Return<void> getPanelName(getPanelName_cb _hidl_cb) override {
-        return answer<projectItem("getPanelName")>(_hidl_cb);
-    }
-    Return<void> getOverscanPath(getOverscanPath_cb _hidl_cb) override {
-        return answer<projectItem("getOverscanPath")>(_hidl_cb);
-    }
-    Return<void> getSSCPath(getSSCPath_cb _hidl_cb) override {
-        return answer<projectItem("getSSCPath")>(_hidl_cb);
-    }
-    Return<void> getPQPath(getPQPath_cb _hidl_cb) override {
-        return answer<projectItem("getPQPath")>(_hidl_cb);
-    }
+    MLK_GETTER(getClientType)
+    MLK_GETTER(getProjectName)
+    MLK_GETTER(getPanelName)
+    MLK_GETTER(getOverscanPath)
+    MLK_GETTER(getSSCPath)
+    MLK_GETTER(getPQPath)
     /** No answer unless index is 0 or 1. */
     Return<void> getEQPath(int32_t index, getEQPath_cb _hidl_cb) override {
         return answer<projectItem("getEQPath")>(_hidl_cb, 0, static_cast<uint32_t>(index));
@@ -90,12 +82,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     Return<void> getAMPAddr(int32_t index, getAMPAddr_cb _hidl_cb) override {
         return answer<projectItem("getAMPAddr")>(_hidl_cb, 0, static_cast<uint32_t>(index));
     }
-    Return<void> getVolumeCurve(getVolumeCurve_cb _hidl_cb) override {
-        return answer<projectItem("getVolumeCurve")>(_hidl_cb);
-    }
-    Return<void> getAQPath(getAQPath_cb _hidl_cb) override {
-        return answer<projectItem("getAQPath")>(_hidl_cb);
-    }
+    MLK_GETTER(getVolumeCurve)
+    MLK_GETTER(getAQPath)
     /** No answer unless port is 0 to 3; an unknown version asks for the item with the empty key. */
     Return<void> getHDMIEdidPath(int32_t port, EdidVer version,
                                  getHDMIEdidPath_cb _hidl_cb) override {
@@ -108,42 +96,23 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     }
     /** The item as a number; no answer unless that is 0, 1 or 2. */
     Return<void> getPowerOnMode(getPowerOnMode_cb _hidl_cb) override;
-    Return<void> getPowerLogoPath(getPowerLogoPath_cb _hidl_cb) override {
-        return answer<projectItem("getPowerLogoPath")>(_hidl_cb);
-    }
-    Return<void> getBootAnimationPath(getBootAnimationPath_cb _hidl_cb) override {
-        return answer<projectItem("getBootAnimationPath")>(_hidl_cb);
-    }
-    Return<void> getInputSource(getInputSource_cb _hidl_cb) override {
-        return answer<projectItem("getInputSource")>(_hidl_cb);
-    }
-    Return<void> getTunerType(getTunerType_cb _hidl_cb) override {
-        return answer<projectItem("getTunerType")>(_hidl_cb);
-    }
+    MLK_GETTER(getPowerLogoPath)
+    MLK_GETTER(getBootAnimationPath)
+    MLK_GETTER(getInputSource)
+    MLK_GETTER(getTunerType)
     /** True when the item is exactly "true". */
-    Return<void> getDPVREnabled(getDPVREnabled_cb _hidl_cb) override {
-        return answer<projectItem("getDPVREnabled")>(_hidl_cb);
-    }
+    MLK_GETTER(getDPVREnabled)
     /** True when the item is exactly "true". */
-    Return<void> getHBBTVEnabled(getHBBTVEnabled_cb _hidl_cb) override {
-        return answer<projectItem("getHBBTVEnabled")>(_hidl_cb);
-    }
-    Return<void> getIRConfig(getIRConfig_cb _hidl_cb) override {
-        return answer<projectItem("getIRConfig")>(_hidl_cb);
-    }
-    Return<void> getRegionName(getRegionName_cb _hidl_cb) override {
-        return answer<projectItem("getRegionName")>(_hidl_cb);
-    }
+    MLK_GETTER(getHBBTVEnabled)
+    MLK_GETTER(getIRConfig)
+    MLK_GETTER(getRegionName)
     /** No answer unless tuner is 0 or 1. */
     Return<void> getTunerConfig(int32_t tuner, getTunerConfig_cb _hidl_cb) override {
         return answer<projectItem("getTunerConfig")>(_hidl_cb, 0, static_cast<uint32_t>(tuner));
     }
-    Return<void> getTvChannelDatabasePath(getTvChannelDatabasePath_cb _hidl_cb) override {
-        return answer<projectItem("getTvChannelDatabasePath")>(_hidl_cb);
-    }
-    Return<void> getIRFilter(getIRFilter_cb _hidl_cb) override {
-        return answer<projectItem("getIRFilter")>(_hidl_cb);
-    }
+    MLK_GETTER(getTvChannelDatabasePath)
+    MLK_GETTER(getIRFilter)
+#undef MLK_GETTER
 
     // Mount points of the partitions.
 
