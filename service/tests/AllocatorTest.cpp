@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/wait.h>
 
 #include <atomic>
 #include <string>
@@ -25,6 +26,13 @@ class AllocatorTest : public Delivery {
         mAllocator = std::make_unique<::mlk::testing::Process>(
                 std::vector<std::string>{SERVICE_FAKE_ALLOCATOR, std::to_string(difference)});
         ASSERT_TRUE(mAllocator->waitForErr("registered")) << mAllocator->err();
+    }
+    /// Stops it; it has the sockets of its clients, and reads nothing from them.
+    void silenceAllocator() {
+        mAllocator->kill(SIGSTOP);
+        siginfo_t info{};
+        ASSERT_EQ(waitid(P_PID, static_cast<id_t>(mAllocator->pid()), &info, WSTOPPED | WNOWAIT),
+                  0);
     }
     std::string panel() {
         std::string panel = "no answer";
@@ -87,7 +95,7 @@ TEST_F(AllocatorTest, NothingIsSharedWhereTheAllocatorHasNoMemory) {
 TEST_F(AllocatorTest, SilentAllocatorHoldsThreeCallsAndNoMore) {
     const std::string path = file(5);
     EXPECT_EQ(shared(path), "5 bytes of ashmem");
-    mAllocator->kill(SIGSTOP);
+    silenceAllocator();
     {
         Askers askers(4, [&] { return shared(path); });
         EXPECT_TRUE(eventually([&] { return logged(kNoPlace) > 0; }));
@@ -101,7 +109,7 @@ TEST_F(AllocatorTest, SilentAllocatorHoldsThreeCallsAndNoMore) {
 TEST_F(AllocatorTest, OthersAreAnsweredWhileTheAllocatorIsSilent) {
     constexpr int kMoreThanThePoolHas = 12;
     const std::string path = file(5);
-    mAllocator->kill(SIGSTOP);
+    silenceAllocator();
     {
         Askers askers(kMoreThanThePoolHas, [&] { return shared(path); });
         Askers other(1, [&] {
