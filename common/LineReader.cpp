@@ -114,8 +114,8 @@ void LineReader::complain(const std::string& problem) const {
                         problem.c_str());
 }
 
-// Reads more behind what is not handed out yet. False at the end of the file and when that fails:
-// then all is dropped that is not handed out.
+// Appends more of the file to what is not handed out yet. False at the end of the file, and on a
+// failure, which drops all that is not handed out.
 bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
@@ -137,7 +137,7 @@ bool LineReader::fill() {
         fail(": cannot be read: " + largerThan(mMostBytes));
         return false;
     }
-    // No need to ask again for what is behind the last byte that the file had.
+    // No need to ask again for what follows the last byte that the file had.
     mAtEnd = count == 0 || (count < room && mRead == mFile.size());
     // Files of text have none: not every line needs to be searched for one.
     const std::string_view added(mBuffer.get() + mEnd, count);

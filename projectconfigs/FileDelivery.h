@@ -30,9 +30,9 @@ constexpr size_t kMostReplyBytesOnDevice = 1'040'000;
  * meanwhile may be the old ones or the new ones. From any thread.
  *
  * @param path      the file, possibly in double quotes
- * @param placeFor  called before each reading with the size of the file, which is not 0; gives the
- *                  place for so many bytes, or null, and says why, when there is none
- * @return how many bytes the last place now begins with; 0 when there are none to deliver
+ * @param placeFor  called before each reading with the size of the file, which is not 0; gives a
+ *                  place for that number of bytes, or logs why it cannot and gives null
+ * @return the number of bytes in the last place; 0 when nothing is to be delivered
  */
 size_t readForClient(const std::string& path, const std::function<uint8_t*(size_t)>& placeFor);
 

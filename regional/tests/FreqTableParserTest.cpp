@@ -50,7 +50,7 @@ class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
     static bool list(FreqTableType type, std::vector<HidlFreqListItem>& items) {
         return processParser().GetTableList("", kUsa, type, AtscCableType::AUTO, items);
     }
-    // The lines of the log behind those of the country map, each with its level.
+    // The lines of the log after those of the country map, each with its level.
     std::vector<std::string> parserLines() const {
         std::vector<std::string> lines;
         for (const mlk::testing::LogLine& line : logged()) {

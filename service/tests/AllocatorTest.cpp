@@ -20,7 +20,7 @@ using ::mlk::testing::eventually;
 
 class AllocatorTest : public Delivery {
   protected:
-    /// In place of the real one: its blocks differ from what was asked by so many bytes.
+    /// In place of the real one: its blocks differ from what was asked by that number of bytes.
     void startFake(int difference) {
         stopAllocator();
         mAllocator = std::make_unique<::mlk::testing::Process>(
