@@ -1,7 +1,7 @@
 // An allocator of shared memory for tests.
 //
-//   service_fake_allocator DIFFERENCE   gives blocks with so many bytes more than were asked for,
-//   or
+//   service_fake_allocator DIFFERENCE   gives blocks with that number of bytes more than were asked
+//                                       for, or fewer
 //                                       fewer
 
 #include <android/hidl/allocator/1.0/IAllocator.h>
