@@ -2,7 +2,6 @@
 //
 //   service_fake_allocator DIFFERENCE   gives blocks with that number of bytes more than were asked
 //                                       for, or fewer
-//                                       fewer
 
 #include <android/hidl/allocator/1.0/IAllocator.h>
 #include <cutils/native_handle.h>
