@@ -9,6 +9,7 @@ import os
 import re
 import shutil
 import subprocess
+import tempfile
 from pathlib import Path
 
 import bp
@@ -108,9 +109,12 @@ class DeviceBuild:
         words += [GTEST[library] for library in sorted(rules.named(modules, name)) if library in GTEST]
         return words
 
-    def link(self, modules, name, out="/dev/null"):
+    def link(self, modules, name):
         """Links a program as these definitions say; the linker's words, empty when it succeeds."""
-        status, said = tree.run(*LINK, *self.linker_inputs(modules, name), "-o", out)
+        # To a file of its own: the compiler removes what it was to write when the linker fails, and
+        # root's would remove /dev/null.
+        with tempfile.TemporaryDirectory(dir=self.out) as folder:
+            status, said = tree.run(*LINK, *self.linker_inputs(modules, name), "-o", f"{folder}/program")
         return said if status else ""
 
     def ninja(self):
