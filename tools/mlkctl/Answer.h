@@ -45,7 +45,7 @@ void print(std::string& out, const hidl_vec<T>& values) {
         print(out, value);
         separator = ",";
     }
-    out += values.empty() ? "[]" : "]";
+    out += values.size() == 0 ? "[]" : "]";
 }
 
 /// The bytes of an answer that is bytes, for --raw.

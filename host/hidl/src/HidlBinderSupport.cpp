@@ -16,13 +16,13 @@ status_t readEmbeddedFromParcel(const hidl_handle&, const Parcel& parcel, size_t
                                 size_t parentOffset) {
     const native_handle_t* handle;
     return parcel.readNullableEmbeddedNativeHandle(
-            parentHandle, parentOffset + hidl_handle::kOffsetOfHandle, &handle);
+            parentHandle, parentOffset + hidl_handle::kOffsetOfNativeHandle, &handle);
 }
 
 status_t writeEmbeddedToParcel(const hidl_handle& handle, Parcel* parcel, size_t parentHandle,
                                size_t parentOffset) {
     return parcel->writeEmbeddedNativeHandle(handle.getNativeHandle(), parentHandle,
-                                             parentOffset + hidl_handle::kOffsetOfHandle);
+                                             parentOffset + hidl_handle::kOffsetOfNativeHandle);
 }
 
 status_t readEmbeddedFromParcel(const hidl_string& text, const Parcel& parcel, size_t parentHandle,

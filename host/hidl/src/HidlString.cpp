@@ -82,7 +82,7 @@ void hidl_string::setToExternal(const char* text, size_t length, bool shouldOwn)
 }
 
 std::ostream& operator<<(std::ostream& stream, const hidl_string& text) {
-    return stream << std::string_view(text);
+    return stream << details::viewOf(text);
 }
 
 }  // namespace android::hardware

@@ -1,6 +1,8 @@
 // ConcurrentMap: the runtime's process-wide tables.
 #pragma once
 
+#include <hidl/HostTransport.h>
+
 #include <map>
 #include <mutex>
 #include <utility>
@@ -35,6 +37,8 @@ class ConcurrentMap {
         mMap.erase(it);
         return 1;
     }
+
+    MLK_HOST_TRANSPORT_ONLY
     // The value of the key as usable() gives it, or what make() makes and this keeps when there is
     // none or usable() gives nothing. make() runs without the lock, so it may use the map; of what
     // two threads make at once one is kept, and both have it.

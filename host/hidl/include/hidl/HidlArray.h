@@ -47,20 +47,21 @@ class array_row<T, Only> {
 // An array whose elements stand in row order without gaps. Indices are not checked.
 template <typename T, size_t First, size_t... Rest>
 struct hidl_array {
-    using nested = typename details::nested_array<T, First, Rest...>::type;
+    using std_array_type = typename details::nested_array<T, First, Rest...>::type;
 
     // Elements that are zero, or made without arguments.
     hidl_array() = default;
     // Copies elementCount() elements in row order.
     hidl_array(const T* source) { std::copy(source, source + elementCount(), data()); }
-    hidl_array(const nested& source) : hidl_array(reinterpret_cast<const T*>(source.data())) {}
+    hidl_array(const std_array_type& source)
+        : hidl_array(reinterpret_cast<const T*>(source.data())) {}
 
     hidl_array& operator=(const T* source) {
         std::copy(source, source + elementCount(), data());
         return *this;
     }
-    operator nested() const {
-        nested copy;
+    operator std_array_type() const {
+        std_array_type copy;
         std::copy(data(), data() + elementCount(), reinterpret_cast<T*>(copy.data()));
         return copy;
     }

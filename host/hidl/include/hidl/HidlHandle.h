@@ -38,7 +38,7 @@ class hidl_handle {
     operator const native_handle_t*() const { return mHandle; }
 
     // Where the pointer to the handle stands inside the object, for the transport.
-    static constexpr size_t kOffsetOfHandle = 0;
+    static constexpr size_t kOffsetOfNativeHandle = 0;
 
   private:
     void release();

@@ -35,9 +35,8 @@ class hidl_string {
     hidl_string& operator=(const char* text);
     hidl_string& operator=(const std::string& text);
 
-    // A copy, and a view that is good while this text is.
+    // A copy.
     operator std::string() const { return {c_str(), size()}; }
-    operator std::string_view() const { return {c_str(), size()}; }
 
     // The text with its NUL, never null; its bytes without it.
     const char* c_str() const { return mBuffer; }
@@ -63,21 +62,28 @@ class hidl_string {
 };
 static_assert(sizeof(hidl_string) == 16);
 
+namespace details {
+// Good while the text is.
+inline std::string_view viewOf(const hidl_string& text) {
+    return {text.c_str(), text.size()};
+}
+}  // namespace details
+
 // Byte for byte, NUL bytes among them.
 inline bool operator==(const hidl_string& a, const hidl_string& b) {
-    return std::string_view(a) == std::string_view(b);
+    return details::viewOf(a) == details::viewOf(b);
 }
 inline bool operator!=(const hidl_string& a, const hidl_string& b) {
     return !(a == b);
 }
 inline bool operator<(const hidl_string& a, const hidl_string& b) {
-    return std::string_view(a) < std::string_view(b);
+    return details::viewOf(a) < details::viewOf(b);
 }
 inline bool operator==(const hidl_string& a, const char* b) {
-    return std::string_view(a) == b;
+    return details::viewOf(a) == b;
 }
 inline bool operator!=(const hidl_string& a, const char* b) {
-    return std::string_view(a) != b;
+    return details::viewOf(a) != b;
 }
 
 // Writes the bytes as they are.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <hidl/HidlInternal.h>
+#include <hidl/HostTransport.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -66,7 +67,6 @@ class hidl_vec {
     operator std::vector<T>() const { return {begin(), end()}; }
 
     size_t size() const { return mSize; }
-    bool empty() const { return mSize == 0; }
     // The first element; null when there is none.
     T* data() { return mBuffer; }
     const T* data() const { return mBuffer; }
@@ -102,6 +102,7 @@ class hidl_vec {
     // Where the pointer to the elements stands inside the object, for the transport.
     static constexpr size_t kOffsetOfBuffer = 0;
 
+    MLK_HOST_TRANSPORT_ONLY
     // Bytes of the elements of a vector that is resized: what the largest message holds.
     static constexpr size_t kMostBytes = size_t{256} << 20U;
 

@@ -105,6 +105,7 @@ class return_status {
     // Aborts the process when a result is taken from a call that gave none.
     void onValueRetrieval() const;
 
+  private:
     Status mStatus;
     mutable bool mChecked = false;
 };

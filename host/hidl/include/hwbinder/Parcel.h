@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cutils/native_handle.h>
+#include <hidl/HostTransport.h>
 #include <hwbinder/IBinder.h>
 #include <utils/Errors.h>
 
@@ -29,7 +30,7 @@ struct IncomingMessage;
 // What a parcel took of memory goes to the next one that is made on the thread where it ended,
 // unless that is large: a call usually takes none.
 class Parcel {
-  public:
+    MLK_HOST_TRANSPORT_ONLY
     // What travels beside the numbers.
     enum class ObjectKind : uint32_t { BUFFER = 1, HANDLE = 2, BINDER = 3 };
     struct Object {
@@ -43,6 +44,7 @@ class Parcel {
         sp<IBinder> binder;
     };
 
+  public:
     Parcel();
     ~Parcel();
     Parcel(const Parcel&) = delete;
@@ -111,6 +113,7 @@ class Parcel {
     // The next object, which must be an interface, or null: BAD_VALUE when it is not.
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
+    MLK_HOST_TRANSPORT_ONLY
     // For the transport: what was written so far, and the first error of writing: generated code
     // looks at none while it writes an answer, and a parcel with a gap must not travel.
     const std::vector<uint8_t>& data() const;
