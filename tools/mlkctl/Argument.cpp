@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <limits>
+#include <system_error>
 
 #include "tools/mlkctl/Failure.h"
 #include "tools/mlkctl/Suggest.h"

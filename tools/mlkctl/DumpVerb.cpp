@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <new>
 #include <system_error>
 
 #include "tools/mlkctl/Verb.h"

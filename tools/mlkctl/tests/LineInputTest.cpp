@@ -7,6 +7,7 @@
 
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include "tools/mlkctl/Output.h"
 
