@@ -103,6 +103,8 @@ class Faults(Modules):
         for entry in ("android.hidl.manager@1.0", "android.hidl.base@1.0", "libhidltransport", "libhwbinder"):
             changed = with_entry(self.modules, "mlkctl_defaults", "shared_libs", entry)
             self.assertIn(f"mlkctl: no module {entry} on each of Android 11 to 14", self.findings(changed))
+        changed = with_entry(self.modules, "mlkctl", "defaults", "no_such_defaults")
+        self.assertIn("mlkctl: no module no_such_defaults on each of Android 11 to 14", self.findings(changed))
 
     def test_client_without_the_libraries_that_its_country_rows_use(self):
         changed = copy.copy(self.modules)

@@ -6,6 +6,7 @@ import re
 import subprocess
 import tempfile
 import unittest
+import xml.etree.ElementTree as xml
 from pathlib import Path
 
 import bp
@@ -205,6 +206,18 @@ class Device(unittest.TestCase):
             self.assertTrue((tree.ROOT / path).exists(), path)
         shared = set(bp.whole(bp.modules(), "vendor.morlak.mlconfigs@1.0-service")["shared_libs"])
         self.assertEqual({name for name in shared if f"`{name}`" not in text}, set())
+
+    def test_framework_manifest_has_what_the_service_asks_for(self):
+        example = section("### From Android 13 on")
+        manifest = xml.fromstring(re.search(r"```xml\n(.*?)```", example, re.DOTALL)[1])
+        self.assertEqual((manifest.tag, manifest.get("type")), ("manifest", "framework"))
+        hals = {hal.findtext("name"): (hal.get("format"), hal.findtext("fqname")) for hal in manifest.findall("hal")}
+        self.assertEqual(hals, {
+            "android.hidl.manager": ("hidl", "@1.2::IServiceManager/default"),
+            "android.hidl.allocator": ("hidl", "@1.0::IAllocator/ashmem"),
+            "android.hidl.memory": ("hidl", "@1.0::IMapper/ashmem"),
+        })
+        self.assertIn("ashmem", tree.literals("projectconfigs/MlkProjectConfigsFiles.cpp"))
 
     def test_types_that_are_named_are_declared(self):
         policy = "".join(path.read_text(encoding="utf-8") for path in (tree.ROOT / "sepolicy").glob("*"))

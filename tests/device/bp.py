@@ -79,10 +79,10 @@ def modules():
 
 
 def whole(modules_by_name, name):
-    """A module's properties together with those of its defaults."""
+    """A module's properties together with those of its defaults, as far as these are of this tree."""
     _, _, own = modules_by_name[name]
     merged = {}
-    for default in own.get("defaults", []):
+    for default in (default for default in own.get("defaults", []) if default in modules_by_name):
         merged = merge(merged, whole(modules_by_name, default))
     return merge(merged, own)
 

@@ -109,10 +109,11 @@ def sources_differ(modules, cmake):
 
 
 def unknown_names(modules):
-    """Libraries that neither this tree nor a device's has."""
+    """Libraries and defaults that neither this tree nor a device's has."""
     table = platform_modules.table()
-    for name in with_sources(modules):
-        for library in named(modules, name):
+    for name, (_, kind, properties) in modules.items():
+        libraries = named(modules, name) if kind.startswith("cc_") else set()
+        for library in libraries | set(properties.get("defaults", [])):
             releases = table[library].releases if library in table else set()
             if library not in modules and releases != platform_modules.RELEASES:
                 yield f"{name}: no module {library} on each of Android 11 to 14"
