@@ -88,7 +88,7 @@ void TvSysMapCfgHolder::parseCountryId() {
 }
 
 void TvSysMapCfgHolder::readCountryId(const std::string& path) {
-    LineReader reader(path, kBufferSize, kTag);
+    LineReader reader(path, kBufferSize, kTag, kMostIdentityBytes);
     if (!reader.isOpen()) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", "parseCountryId",
                             505, path.c_str());

@@ -43,6 +43,24 @@ std::string lineOf(const std::string& key, const std::string& value) {
     return line;
 }
 
+/// Whether a file that may be written has exactly this text.
+bool holds(const char* path, const std::string& text) {
+    File file(path, O_RDWR);
+    if (!file.isOpen() || file.size() != text.size()) {
+        return false;
+    }
+    std::string content(text.size(), '\0');
+    size_t end = 0;
+    while (end < content.size()) {
+        const ssize_t count = file.read(content.data() + end, content.size() - end);
+        if (count <= 0) {
+            return false;
+        }
+        end += static_cast<size_t>(count);
+    }
+    return content == text;
+}
+
 /// The entry of that key that counts, or the end.
 template <typename Items>
 auto firstOf(Items& items, const char* key) {
@@ -173,7 +191,12 @@ bool FileConfigEditor::Save(const char* path) {
     for (const auto& [key, value] : mItems) {
         text += lineOf(key, value);
     }
+    // Each start sets an entry to what it is: that wears no flash, and waits for none.
+    if (mIsStored && holds(path, text)) {
+        return true;
+    }
     const Saved saved = saveFile(path, std::move(text));
+    mIsStored = saved == Saved::DONE;
     if (saved == Saved::NOT_WRITTEN) {
         const std::string reason = std::generic_category().message(errno);
         __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Write %s fail! %s", path,

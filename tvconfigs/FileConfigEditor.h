@@ -23,9 +23,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 ///
 /// The entries are kept in the order of the file, and a key may occur more than once: its first
 /// entry is the one that counts. Each Set writes the whole file anew, nothing but the entries, one
-/// a line. A line of more than 1023 characters, line feed included, is then written cut to these,
-/// with a NUL byte in place of the rest: whoever reads the file next finds neither it nor the
-/// entries behind it.
+/// a line, unless the file holds just that. A line of more than 1023 characters, line feed
+/// included, is then written cut to these, with a NUL byte in place of the rest: whoever reads the
+/// file next finds neither it nor the entries behind it.
 class FileConfigEditor : public ConfigEditor {
   public:
     /// Reads the file, as Update does. At most 127 characters of `path` are used, for this and for
@@ -44,9 +44,9 @@ class FileConfigEditor : public ConfigEditor {
     /// Gives the first entry of that key another value. False when there is none, or for null.
     bool UpdateValue(const char* key, const char* value);
 
-    /// Writes all entries to a file, over what it held. False when it cannot be opened; when it
-    /// can but does not take all of them, a log line says so and the answer is true. See saveFile
-    /// for what a crash leaves.
+    /// Writes all entries to a file, over what it held, unless it holds just these already. False
+    /// when it cannot be opened; when it can but does not take all of them, a log line says so and
+    /// the answer is true. See saveFile for what a crash leaves.
     bool Save(const char* path);
 
     /// Changes an entry and writes the file. Never adds one: false when the key has none, and the
@@ -67,6 +67,7 @@ class FileConfigEditor : public ConfigEditor {
 
     const std::string mPath;
     Items mItems;
+    bool mIsStored = true;  ///< false after a Save that failed, which may have reached the file
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -6,11 +6,13 @@ import re
 READ, REWRITE = {"open", "read"}, {"open", "read", "write"}
 MAKE = REWRITE | {"create", "setattr"}
 WRITERS = {
-    # Overwrites the TV feature files and the two below; makes these two, from a ".new".
-    "common/SaveFile.cpp": {
+    # For the others.
+    "common/SaveFile.cpp": {},
+    "tvconfigs/FileConfigEditor.cpp": {
         "/tvconfigs/tv.config": ("mlkconfigs_features_file", REWRITE),
         "/tvconfigs/tv/tv_eu.config": ("mlkconfigs_features_file", REWRITE),
     },
+    # These two are made from a ".new" when they are missing.
     "projectconfigs/ProjectID.cpp": {
         "/impdata/project_id.bin": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
         "/impdata/project_id.bin.new": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),

@@ -1,12 +1,15 @@
 // What a change leaves of the TV configuration file: on a full disk, and at any moment.
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <string>
 
 #include "host/testing/FileCalls.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/OtherUser.h"
 #include "host/testing/SmallDisk.h"
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
@@ -15,6 +18,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
+using ::mlk::testing::asOtherUser;
 using ::mlk::testing::failing;
 using ::mlk::testing::FileCall;
 using ::mlk::testing::FileCalls;
@@ -24,6 +28,7 @@ using ::mlk::testing::SmallDisk;
 using ::mlk::testing::TempDir;
 using ::testing::AnyOf;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST(SavingTest, WhatCannotBeWrittenIsToldWithItsReason) {
     const TempDir dir;
@@ -36,6 +41,62 @@ TEST(SavingTest, WhatCannotBeWrittenIsToldWithItsReason) {
                 ElementsAre("ERROR: Write " + path + " fail! No space left on device"));
     EXPECT_EQ(valueOf(editor, "a"), "2");
     EXPECT_EQ(dir.read("file"), "a=1\n");
+}
+
+TEST(SavingTest, WhatTheFileHoldsIsNotWrittenAgain) {
+    const TempDir dir;
+    const std::string path = dir.write("file", "a=1\nb=2\n");
+    const LogCapture quiet;
+    FileConfigEditor editor(path.c_str());
+    {
+        const FileCalls calls;
+        EXPECT_TRUE(editor.Set("b", "2"));
+        EXPECT_THAT(calls.calls(), IsEmpty());
+    }
+    for (const char* const other : {"a=1\nb=3\n", "a=1\nb=2\n#\n", "a=1\n"}) {
+        dir.write("file", other);
+        EXPECT_TRUE(editor.Set("b", "2"));
+        EXPECT_EQ(dir.read("file"), "a=1\nb=2\n") << "whoever changed it meanwhile";
+    }
+    {
+        const FileCalls calls(failing(FileCall::FSYNC, EIO));
+        EXPECT_TRUE(editor.Set("b", "3"));
+    }
+    EXPECT_EQ(dir.read("file"), "a=1\nb=3\n");
+    const FileCalls calls;
+    EXPECT_TRUE(editor.Set("b", "3"));
+    EXPECT_THAT(calls.calls(), ElementsAre(FileCall::PWRITE, FileCall::FSYNC))
+            << "it is there, but perhaps not on storage";
+}
+
+TEST(SavingTest, AFileThatMayNotBeWrittenIsToldAllTheSame) {
+    const TempDir dir;
+    const std::string path = dir.write("file", "a=1\n");
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    EXPECT_TRUE(asOtherUser(dir.path(), [&] {
+        const LogCapture quiet;
+        FileConfigEditor editor(path.c_str());
+        return valueOf(editor, "a") == "1" && !editor.Set("a", "1") && !editor.Set("a", "2");
+    }));
+    EXPECT_EQ(dir.read("file"), "a=1\n");
+}
+
+TEST(SavingTest, AFileKeepsWhatItIs) {
+    const TempDir dir;
+    const LogCapture quiet;
+    dir.write("target", "a=1\n");
+    ASSERT_EQ(symlink("target", dir.path("file").c_str()), 0);
+    ASSERT_EQ(chmod(dir.path("target").c_str(), 0666), 0);
+    const mode_t former = umask(077);
+    FileConfigEditor editor(dir.path("file").c_str());
+    EXPECT_TRUE(editor.Set("a", "22"));
+    umask(former);
+    struct stat about {};
+    ASSERT_EQ(lstat(dir.path("file").c_str(), &about), 0);
+    EXPECT_TRUE(S_ISLNK(about.st_mode));
+    ASSERT_EQ(lstat(dir.path("target").c_str(), &about), 0);
+    EXPECT_EQ(about.st_mode & ALLPERMS, 0666U);
+    EXPECT_EQ(dir.read("target"), "a=22\n");
 }
 
 TEST(SavingTest, GrowthOnAFullDiskLosesNoEntry) {
