@@ -118,7 +118,8 @@ TEST_F(FlagsTest, AValueThatCannotBeStoredIsServedNevertheless) {
     mSet.log().clear();
     EXPECT_EQ(tvFlag(kPvr).set(*service, true), "true");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
-    EXPECT_THAT(mSet.log().texts(), ElementsAre());
+    EXPECT_THAT(mSet.log().texts(),
+                ElementsAre("ERROR: Set property persist.vendor.mlk.tv.enable_pvr fail!"));
 }
 
 TEST_F(FlagsTest, GetFlagIsTheGetterOfItsType) {
