@@ -160,6 +160,9 @@ TEST_F(ProjectIndexTest, IndexThatCannotBeStoredStillHolds) {
     EXPECT_EQ(projectId(), "2");
     EXPECT_THAT(logged(ANDROID_LOG_DEBUG),
                 Contains("Open " + mSet.impdata() + "/project_id.bin fail!"));
+    ASSERT_EQ(remove((mSet.impdata() + "/project_id.bin").c_str()), 0);
+    EXPECT_EQ(set(2), "true");
+    EXPECT_EQ(projectFile(), "PROJECT_ID=2\n") << "now it can be stored";
 }
 
 TEST_F(ProjectIndexTest, LongProcessNameIsHarmless) {
