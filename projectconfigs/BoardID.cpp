@@ -19,7 +19,7 @@ constexpr size_t kBufferSize = 256;
 
 BoardID::BoardID(std::string directory)
     : mDirectory(std::move(directory)), mFilePath(mDirectory + "/board_id.bin") {
-    LineReader reader(mFilePath, kBufferSize, kTag);
+    LineReader reader(mFilePath, kBufferSize, kTag, kMostIdentityBytes);
     if (!reader.isOpen()) {
         __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
         return;

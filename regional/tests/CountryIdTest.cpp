@@ -229,8 +229,8 @@ TEST_F(CountryIdTest, AKilledFirstStartSavesTheFirstCountryAtTheNext) {
     size_t number = 0;
     for (bool killed = true; killed; ++number) {
         unlink(file().c_str());
-        killed = isKilledAt(number, [&] { TvSysMapCfgHolder().getConfigs(xml, kNoCountry); });
-        EXPECT_THAT(textOf(TvSysMapCfgHolder().getConfigs(xml, kNoCountry)), HasSubstr("eu.config"))
+        killed = isKilledAt(number, [&] { processHolder().getConfigs(xml, kNoCountry); });
+        EXPECT_THAT(textOf(processHolder().getConfigs(xml, kNoCountry)), HasSubstr("eu.config"))
                 << number;
         EXPECT_EQ(countryId(), "COUNTRY_ID=14\n") << number;
     }
