@@ -194,7 +194,7 @@ void listMethods() {
 
 void EveryMethod::TearDown() {
     const auto& run = *::testing::UnitTest::GetInstance();
-    if (run.failed_test_count() != 0 || ::testing::GTEST_FLAG(filter) != "*") {
+    if (run.failed_test_count() != 0 || run.test_to_run_count() != run.total_test_count()) {
         return;
     }
     const std::lock_guard<std::mutex> lock(gMutex);
