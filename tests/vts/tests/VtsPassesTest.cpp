@@ -75,6 +75,24 @@ TEST_F(Vts, PassesOnASetWithoutAnyFile) {
     }
 }
 
+// The service writes its own spelling of each; the program puts back what stood there.
+TEST_F(Vts, LeavesEverySpellingAsItWas) {
+    edit("tvconfigs/tv/tv_eu.config", "enable_atv=true", "enable_atv=1");
+    edit("tvconfigs/tv/tv_eu.config", "enable_vga=false", "enable_vga= no");
+    edit("tvconfigs/tv/tv_eu.config", "atv_system=0", "atv_system=00");
+    mSet.dir().write("impdata/project_id.bin", "# of this set\r\nPROJECT_ID = 2\r\n");
+    mSet.dir().write("tvdata/tvsysmap/country_id.bin", "# of this set\r\nCOUNTRY_ID = 14\r\n");
+    mSet.setProperty("persist.vendor.mlk.forcestr", "0x2");
+    mSet.setProperty("persist.vendor.mlk.enable_wow", "on");
+    mSet.setProperty("persist.vendor.mlk.tv.enable_pip", "7");
+    start();
+    const auto before = files();
+    const Outcome outcome = run({"--writes"});
+    EXPECT_EQ(outcome.status, 0) << outcome.out;
+    EXPECT_EQ(files(), before);
+    EXPECT_EQ(before.at("impdata/project_id.bin"), "# of this set\r\nPROJECT_ID = 2\r\n");
+}
+
 TEST_F(Vts, PassesWithBrokenFiles) {
     edit("tvconfigs/model/TRQ43_M2_EU.ini", "ModeStatus       = 0", "ModeStatus = 3");
     edit("tvconfigs/model/TRQ43_M2_EU.ini", "[IRFilter]", "[IRFilter] # = \n==\n = x\n[\n#\n;");
