@@ -1,77 +1,57 @@
 #include "host/log/HostLog.h"
 
 #include <android/log.h>
-#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <ctime>
-#include <mutex>
+#include <chrono>
 #include <string>
 #include <vector>
 
+#include "host/log/ClientLimits.h"
+#include "host/log/LogClient.h"
 #include "host/log/LogFilter.h"
 #include "host/log/LogFormat.h"
+#include "host/log/LogOutput.h"
 
 namespace mlk::host {
 
 namespace {
 
-/// Keeps the SIGPIPE of a write to a closed pipe from this thread, without touching what the
-/// process does with the signal: programs under a log must not inherit an ignored one.
-class NoBrokenPipe {
-  public:
-    NoBrokenPipe() {
-        sigset_t pending;
-        sigemptyset(&mSignal);
-        sigaddset(&mSignal, SIGPIPE);
-        sigpending(&pending);
-        mWasPending = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &mSignal, &mFormer);
-    }
-    ~NoBrokenPipe() {
-        if (mBroken && !mWasPending) {
-            const timespec noTime{};
-            while (sigtimedwait(&mSignal, nullptr, &noTime) < 0 && errno == EINTR) {
-            }
-        }
-        pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
-    }
-    NoBrokenPipe(const NoBrokenPipe&) = delete;
-    NoBrokenPipe& operator=(const NoBrokenPipe&) = delete;
+// Never freed: threads may log until the very end of the process.
+LogOutput& output() {
+    static LogOutput& theOutput = *new LogOutput(STDERR_FILENO);
+    return theOutput;
+}
 
-    void broken() { mBroken = true; }
-
-  private:
-    sigset_t mSignal{};
-    sigset_t mFormer{};
-    bool mWasPending = false;
-    bool mBroken = false;
-};
-
-void writeAll(const std::string& text) {
-    // A pipe may take a long message in pieces; the lock keeps other threads' out from between
-    // them.
-    static std::mutex lock;
-    const std::lock_guard<std::mutex> guard(lock);
-    NoBrokenPipe noBrokenPipe;
-    size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t written = write(STDERR_FILENO, text.data() + done, text.size() - done);
-        if (written >= 0) {
-            done += static_cast<size_t>(written);
-        } else if (errno != EINTR) {
-            if (errno == EPIPE) {
-                noBrokenPipe.broken();
-            }
-            return;
-        }
-    }
+ClientLimits& limits() {
+    static ClientLimits& theLimits = *new ClientLimits;
+    return theLimits;
 }
 
 void show(int priority, const char* tag, const std::string& message) {
-    writeAll(formatBrief(priority, tag, getpid(), message));
+    output().write(formatBrief(priority, tag, getpid(), message));
+}
+
+/// The same for what a client has the process say.
+void showFor(int client, int priority, const char* tag, const std::string& message) {
+    const std::string text = formatBrief(priority, tag, getpid(), message);
+    const auto lines = static_cast<uint64_t>(std::count(text.begin(), text.end(), '\n'));
+    if (limits().take(client, text.size(), lines, std::chrono::steady_clock::now())) {
+        output().write(text);
+    }
+}
+
+/// Says what was left out of clients that have been quiet for long enough since.
+void showLeftOut() {
+    const auto now = std::chrono::steady_clock::now();
+    while (const auto leftOut = limits().leftOut(now)) {
+        show(ANDROID_LOG_WARN, "log",
+             std::to_string(leftOut->lines) + " lines left out: process " +
+                     std::to_string(leftOut->client) + " had more written than one client may");
+    }
 }
 
 LogFilter readFilter() {
@@ -98,7 +78,11 @@ void logger(const __android_logger_data* data, const char* message) {
     const int error = errno;
     const char* tag = data->tag == nullptr ? "" : data->tag;
     if (filter().shows(data->priority, tag)) {
-        show(data->priority, tag, message == nullptr ? "" : message);
+        showLeftOut();
+        const std::string text = message == nullptr ? "" : message;
+        const int client = logClient();
+        client == kNoClient ? show(data->priority, tag, text)
+                            : showFor(client, data->priority, tag, text);
     }
     errno = error;
 }

@@ -3,6 +3,8 @@
 #include <android/log.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 
 namespace mlk::host {
 
@@ -28,7 +30,53 @@ std::string prefixOf(int priority, std::string_view tag, pid_t pid) {
     return prefix.append(process).append("): ");
 }
 
+/// How many bytes the character of UTF-8 at the beginning has; 0 when there is none. Overlong forms
+/// of two bytes are told apart because they could hide controls; other oddities harm no terminal.
+size_t characterLength(std::string_view text) {
+    const auto lead = static_cast<uint8_t>(text[0]);
+    const size_t length = lead < 0x80   ? 1
+                          : lead < 0xc2 ? 0
+                          : lead < 0xe0 ? 2
+                          : lead < 0xf0 ? 3
+                          : lead < 0xf5 ? 4
+                                        : 0;
+    if (length > text.size()) return 0;
+    const auto continues = [](char byte) { return (static_cast<uint8_t>(byte) & 0xc0U) == 0x80U; };
+    const auto second = text.begin() + 1;
+    if (length > 1 && !std::all_of(second, second + static_cast<ptrdiff_t>(length - 1), continues))
+        return 0;
+    const bool isOverlong = length > 2 && (lead == 0xe0 || lead == 0xf0) &&
+                            static_cast<uint8_t>(text[1]) < (lead == 0xe0 ? 0xa0 : 0x90);
+    return isOverlong ? 0 : length;
+}
+
+void appendHex(std::string& out, std::string_view prefix, char byte) {
+    static constexpr std::string_view kDigits = "0123456789abcdef";
+    const auto value = static_cast<uint8_t>(byte);
+    out.append(prefix).append(1, kDigits[value >> 4U]).append(1, kDigits[value & 0xfU]);
+}
+
 }  // namespace
+
+std::string escapeControls(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    while (!text.empty()) {
+        const size_t length = characterLength(text);
+        const auto lead = static_cast<uint8_t>(text[0]);
+        const bool isC0 = lead < 0x20 && lead != '\n' && lead != '\t';
+        const bool isC1 = length == 2 && lead == 0xc2 && static_cast<uint8_t>(text[1]) < 0xa0;
+        if (length == 0) {
+            appendHex(out, "\\x", text[0]);
+        } else if (isC0 || lead == 0x7f || isC1) {
+            appendHex(out, "\\u00", text[length - 1]);
+        } else {
+            out.append(text.substr(0, length));
+        }
+        text.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return out;
+}
 
 std::string formatBrief(int priority, std::string_view tag, pid_t pid, std::string_view message) {
     const std::string prefix = prefixOf(priority, tag, pid);

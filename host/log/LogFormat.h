@@ -13,4 +13,8 @@ namespace mlk::host {
 /// no line.
 std::string formatBrief(int priority, std::string_view tag, pid_t pid, std::string_view message);
 
+/// A text for a terminal. What would be a command to it is escaped: control characters but newline
+/// and tab are \u001b (C1 controls and DEL among them), bytes that are not UTF-8 are \x9b.
+std::string escapeControls(std::string_view text);
+
 }  // namespace mlk::host

@@ -18,6 +18,7 @@
 
 #include "Limits.h"
 #include "Socket.h"
+#include "host/log/LogClient.h"
 
 #undef LOG_TAG
 #define LOG_TAG "hidl"
@@ -47,6 +48,7 @@ std::string nameOf(const sp<BHwBinder>& object) {
 ServerConnection::ServerConnection(unique_fd socket, const sp<BHwBinder>& object)
     : mSocket(std::move(socket)),
       mObject(object),
+      mClient(peerProcess(mSocket.get())),
       mUnsent(mSocket.get()),
       mUnfinished(Stall::Kind::MESSAGE, mSocket.get()) {
     (void)setsockopt(mSocket.get(), SOL_SOCKET, SO_RCVTIMEO, &kStay, sizeof(kStay));
@@ -64,6 +66,7 @@ status_t ServerConnection::open(BHwBinder* object, unique_fd* end) {
 }
 
 EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
+    const ::mlk::host::LogClient saidForClient(mClient);
     if (!mUnsent.flush()) return Next::DROP;
     if (!mUnsent.empty()) return waitForSpace();
     // The first call is there. After its answer the thread stays for the next one, unless others

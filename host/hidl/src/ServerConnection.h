@@ -48,6 +48,7 @@ class ServerConnection : public EventSource {
 
     const unique_fd mSocket;
     const sp<BHwBinder> mObject;
+    const pid_t mClient;  // whose log lines they are that a call causes
     MessageReader mReader{kMaxCallBody};
     OutgoingMessage mReply;
     UnsentReply mUnsent;

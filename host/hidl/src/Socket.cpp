@@ -22,6 +22,13 @@ uid_t peerUser(int socket) {
     return got == 0 ? peer.uid : static_cast<uid_t>(-1);
 }
 
+pid_t peerProcess(int socket) {
+    ucred peer{};
+    socklen_t size = sizeof(peer);
+    const int got = getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+    return got == 0 ? peer.pid : -1;
+}
+
 bool peerIsTrusted(int socket) {
     const uid_t user = peerUser(socket);
     return user == geteuid() || user == 0;

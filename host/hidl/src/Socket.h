@@ -18,6 +18,8 @@ using ::android::base::unique_fd;
 bool peerIsTrusted(int socket);
 // The user of the process at the other end; -1 when it cannot be told.
 uid_t peerUser(int socket);
+// Its process id when it connected; -1 when it cannot be told.
+pid_t peerProcess(int socket);
 
 // Two connected sockets.
 status_t connectedPair(unique_fd* first, unique_fd* second);

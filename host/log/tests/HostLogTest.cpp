@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,9 +13,11 @@
 #include <sstream>
 #include <thread>
 
+#include "host/log/ClientLimits.h"
 #include "host/log/LogFormat.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/Process.h"
+#include "host/testing/TempDir.h"
 
 namespace mlk::host {
 namespace {
@@ -111,6 +114,25 @@ TEST(HostLog, ABrokenStandardErrorHarmsNobody) {
     Process full({"/bin/sh", "-c", "exec \"$0\" 4 tag hello 2>/dev/full", WRITER_PROGRAM});
     EXPECT_EQ(full.wait(), 0);
     EXPECT_EQ(full.out(), "logged 1 0\n");
+}
+
+TEST(HostLog, AStandardErrorThatNobodyReadsStopsNobody) {
+    const ::mlk::testing::TempDir dir;
+    ASSERT_EQ(mkfifo(dir.path("errors").c_str(), 0600), 0);
+    // Without O_RDWR it would wait for a writer.
+    const unique_fd reader(open(dir.path("errors").c_str(), O_RDWR | O_CLOEXEC));
+    Process writer({"/bin/sh", "-c", "\"$0\" threads 8 100 2> \"$1\"; echo $?", WRITER_PROGRAM,
+                    dir.path("errors")});
+    EXPECT_TRUE(writer.waitForOut("0\n"));
+}
+
+TEST(HostLog, WhatOneClientHasWrittenIsLimited) {
+    constexpr int kLines = 60'000;
+    const std::string err = runWriter("", {"client", "4711", std::to_string(kLines)}).err;
+    const auto lines = std::count(err.begin(), err.end(), '\n');
+    EXPECT_GT(lines, ClientLimits::kBurst / 130);
+    EXPECT_LT(lines, kLines);
+    EXPECT_THAT(err, HasSubstr("): the last line\n")) << "that is not the client's";
 }
 
 /// Standard error is this descriptor while it lives.

@@ -46,5 +46,20 @@ TEST(LogFormat, AnEmptyMessageIsALine) {
     EXPECT_EQ(formatBrief(ANDROID_LOG_WARN, "a", 1, "\n"), "W/a       (    1): \n");
 }
 
+TEST(LogFormat, EscapesWhatATerminalWouldObey) {
+    EXPECT_EQ(escapeControls(""), "");
+    EXPECT_EQ(escapeControls("plain \\ \"text\"\tand\n"), "plain \\ \"text\"\tand\n");
+    EXPECT_EQ(escapeControls(std::string_view("\0\r\x1b]0;x\a\x7f", 9)),
+              "\\u0000\\u000d\\u001b]0;x\\u0007\\u007f");
+    EXPECT_EQ(escapeControls("\xc2\x80\xc2\x9f\xc2\xa0"), "\\u0080\\u009f\xc2\xa0");
+    EXPECT_EQ(escapeControls("\xe2\x82\xac\xf0\x9f\x93\xba"), "\xe2\x82\xac\xf0\x9f\x93\xba");
+    // No characters: cut, overlong, beyond the last, a lone one.
+    EXPECT_EQ(escapeControls("\xe2\x82"), "\\xe2\\x82");
+    EXPECT_EQ(escapeControls("\xe2\x82x"), "\\xe2\\x82x");
+    EXPECT_EQ(escapeControls("\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b"),
+              "\\xc0\\x9b\\xe0\\x82\\x9b\\xf0\\x80\\x82\\x9b");
+    EXPECT_EQ(escapeControls("\xf5\x80\x80\x80\x9b"), "\\xf5\\x80\\x80\\x80\\x9b");
+}
+
 }  // namespace
 }  // namespace mlk::host

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/log/LogClient.h"
 #include "host/testing/Threads.h"
 
 namespace {
@@ -28,6 +29,17 @@ void logFromThreads(int count, int lines) {
     });
 }
 
+// Lines of a hundred characters for a client, then one that is nobody's.
+void logForClient(int process, int lines) {
+    {
+        const mlk::host::LogClient client(process);
+        for (int line = 0; line < lines; ++line) {
+            __android_log_write(ANDROID_LOG_INFO, "client", std::string(100, 'x').c_str());
+        }
+    }
+    __android_log_write(ANDROID_LOG_INFO, "own", "the last line");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -40,6 +52,10 @@ int main(int argc, char** argv) {
     }
     if (command == "threads") {
         logFromThreads(std::atoi(argv[2]), std::atoi(argv[3]));
+        return 0;
+    }
+    if (command == "client") {
+        logForClient(std::atoi(argv[2]), std::atoi(argv[3]));
         return 0;
     }
     const int result = __android_log_write(std::atoi(argv[1]), argv[2], argv[3]);

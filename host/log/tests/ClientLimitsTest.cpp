@@ -1,0 +1,81 @@
+#include "host/log/ClientLimits.h"
+
+#include <gtest/gtest.h>
+
+namespace mlk::host {
+namespace {
+
+using std::chrono::seconds;
+
+const ClientLimits::Time kStart = ClientLimits::Time() + seconds(1000);
+constexpr size_t kAll = ClientLimits::kBurst;
+
+TEST(ClientLimits, AClientMayHaveABurstWritten) {
+    ClientLimits limits;
+    EXPECT_TRUE(limits.take(1, kAll - 10, 1, kStart));
+    EXPECT_TRUE(limits.take(1, 10, 1, kStart));
+    EXPECT_FALSE(limits.leftOut(kStart).has_value());
+    EXPECT_FALSE(limits.take(1, 1, 1, kStart));
+}
+
+TEST(ClientLimits, OneThatIsOverItsLimitCostsNobodyElse) {
+    ClientLimits limits;
+    EXPECT_FALSE(limits.take(1, kAll + 1, 1, kStart));
+    EXPECT_TRUE(limits.take(2, kAll, 1, kStart));
+}
+
+TEST(ClientLimits, WhatWasLeftOutIsToldOnceItIsHeardAgain) {
+    ClientLimits limits;
+    EXPECT_TRUE(limits.take(1, kAll, 1, kStart));
+    EXPECT_FALSE(limits.take(1, 100, 3, kStart));
+    EXPECT_FALSE(limits.take(1, 100, 0, kStart));
+    // There would be room, but not for long.
+    const auto soon = kStart + std::chrono::milliseconds(900);
+    EXPECT_FALSE(limits.take(1, 1, 1, soon));
+    EXPECT_FALSE(limits.leftOut(soon).has_value());
+    const auto told = limits.leftOut(kStart + seconds(1));
+    ASSERT_TRUE(told.has_value());
+    EXPECT_EQ(told->client, 1);
+    EXPECT_EQ(told->lines, 5U);
+    EXPECT_FALSE(limits.leftOut(kStart + seconds(1)).has_value());
+    EXPECT_TRUE(limits.take(1, ClientLimits::kEachSecond, 1, kStart + seconds(1)));
+    EXPECT_FALSE(limits.take(1, 1, 1, kStart + seconds(1)));
+}
+
+TEST(ClientLimits, AnAccountIsFilledOverTime) {
+    ClientLimits limits;
+    EXPECT_TRUE(limits.take(1, kAll, 1, kStart));
+    // A millisecond at a time, and no further than to the brim.
+    auto now = kStart;
+    for (int i = 0; i < 10'000; ++i) {
+        now += std::chrono::microseconds(100);
+        (void)limits.take(1, 0, 1, now);
+    }
+    EXPECT_TRUE(limits.take(1, ClientLimits::kEachSecond, 1, now));
+    EXPECT_FALSE(limits.take(1, 1, 1, now));
+    now += seconds(1'000'000);
+    EXPECT_TRUE(limits.leftOut(now).has_value());
+    EXPECT_TRUE(limits.take(1, kAll, 1, now));
+    EXPECT_FALSE(limits.take(1, 1, 1, now));
+}
+
+TEST(ClientLimits, OneClientTooManyTakesTheRichestPlace) {
+    ClientLimits limits;
+    EXPECT_FALSE(limits.take(1, kAll + 1, 1, kStart));
+    EXPECT_TRUE(limits.take(1000, kAll, 1, kStart));
+    for (int client = 0; client < 1000; ++client) {
+        EXPECT_EQ(limits.take(client, 100, 1, kStart), client != 1) << client;
+    }
+    EXPECT_FALSE(limits.take(1000, 1, 1, kStart)) << "its account is the poorest, and was kept";
+    // When all are poor, one of them goes, and what it left out with it.
+    for (int client = 0; client < 200; ++client) {
+        EXPECT_FALSE(limits.take(client, kAll + 1, 1, kStart));
+    }
+    size_t told = 0;
+    while (limits.leftOut(kStart + seconds(1000)).has_value()) ++told;
+    EXPECT_LE(told, ClientLimits::kMost);
+    EXPECT_GT(told, 0U);
+}
+
+}  // namespace
+}  // namespace mlk::host

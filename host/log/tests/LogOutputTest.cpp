@@ -1,0 +1,217 @@
+#include "host/log/LogOutput.h"
+
+#include <android-base/unique_fd.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "host/testing/TempDir.h"
+#include "host/testing/Threads.h"
+
+namespace mlk::host {
+namespace {
+
+using ::android::base::unique_fd;
+using ::mlk::testing::TempDir;
+using std::chrono::steady_clock;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+constexpr int kLines = 5000;
+
+std::string line(int number) {
+    return "line " + std::to_string(number) + ' ' + std::string(100, 'x') + '\n';
+}
+
+/// What there is to read within a moment.
+std::string readNow(int descriptor) {
+    std::string all;
+    pollfd input{descriptor, POLLIN, 0};
+    while (poll(&input, 1, 0) == 1) {
+        std::string piece(65536, '\0');
+        const ssize_t got = read(descriptor, piece.data(), piece.size());
+        if (got <= 0) break;
+        all.append(piece, 0, static_cast<size_t>(got));
+    }
+    return all;
+}
+
+/// Writes many more lines than fit, all within a bounded time, and then reads: the first of them
+/// are there, each of them whole, and the number of the others is told.
+void expectLinesAreDropped(int written, int read) {
+    LogOutput output(written);
+    const auto begin = steady_clock::now();
+    for (int i = 0; i < kLines; ++i) output.write(line(i));
+    // A hundred lines would have waited as long if each waited.
+    EXPECT_LT(steady_clock::now() - begin, 30 * LogOutput::kPatience);
+    std::string got = readNow(read);
+    output.write("after\n");
+    got += readNow(read);
+    got.erase(std::remove(got.begin(), got.end(), '\r'), got.end());
+    int known = 0;
+    std::string all;
+    while (got.compare(all.size(), line(known).size(), line(known)) == 0) all += line(known++);
+    EXPECT_GT(known, 10);
+    EXPECT_LT(known, kLines);
+    got.erase(0, all.size());
+    EXPECT_THAT(got, StartsWith("W/log     ("));
+    EXPECT_THAT(got, EndsWith("): " + std::to_string(kLines - known) +
+                              " lines dropped: nobody read standard error in time\nafter\n"));
+    EXPECT_EQ(fcntl(written, F_GETFL) & O_NONBLOCK, 0) << "the flags are others' as well";
+}
+
+struct Ends {
+    unique_fd read;
+    unique_fd write;
+};
+
+Ends pipeEnds() {
+    Ends ends;
+    EXPECT_TRUE(::android::base::Pipe(&ends.read, &ends.write));
+    return ends;
+}
+
+Ends terminalEnds() {
+    Ends ends;
+    ends.read.reset(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    EXPECT_EQ(grantpt(ends.read.get()), 0);
+    EXPECT_EQ(unlockpt(ends.read.get()), 0);
+    ends.write.reset(open(ptsname(ends.read.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    return ends;
+}
+
+TEST(LogOutput, APipeThatNobodyReadsCostsLinesNotTime) {
+    const Ends ends = pipeEnds();
+    expectLinesAreDropped(ends.write.get(), ends.read.get());
+}
+
+TEST(LogOutput, ASocketThatNobodyReadsCostsLinesNotTime) {
+    Ends ends;
+    ASSERT_TRUE(::android::base::Socketpair(AF_UNIX, SOCK_STREAM, 0, &ends.read, &ends.write));
+    expectLinesAreDropped(ends.write.get(), ends.read.get());
+}
+
+TEST(LogOutput, ATerminalThatNobodyReadsCostsLinesNotTime) {
+    const Ends ends = terminalEnds();
+    expectLinesAreDropped(ends.write.get(), ends.read.get());
+}
+
+TEST(LogOutput, AStoppedTerminalStopsNobody) {
+    const Ends ends = terminalEnds();
+    ASSERT_EQ(tcflow(ends.write.get(), TCOOFF), 0);
+    LogOutput output(ends.write.get());
+    const auto begin = steady_clock::now();
+    for (int i = 0; i < kLines; ++i) output.write(line(i));
+    EXPECT_LT(steady_clock::now() - begin, 30 * LogOutput::kPatience);
+    ASSERT_EQ(tcflow(ends.write.get(), TCOON), 0);
+    output.write("after\n");
+    EXPECT_THAT(readNow(ends.read.get()), HasSubstr(std::to_string(kLines) + " lines dropped"));
+}
+
+// Without a descriptor to open the pipe again by, it is asked for room.
+TEST(LogOutput, APipeThatCannotBeOpenedAgainStopsNobodyEither) {
+    const Ends ends = pipeEnds();
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none{1, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    expectLinesAreDropped(ends.write.get(), ends.read.get());
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+}
+
+TEST(LogOutput, AReaderThatReadsGetsEverything) {
+    Ends ends = pipeEnds();
+    constexpr int kThreads = 4;
+    std::string got;
+    std::thread reader([&] {
+        std::string piece(1000, '\0');
+        ssize_t size = 0;
+        while ((size = read(ends.read.get(), piece.data(), piece.size())) > 0) {
+            got.append(piece, 0, static_cast<size_t>(size));
+        }
+    });
+    LogOutput output(ends.write.get());
+    ::mlk::testing::inThreads(kThreads, [&](int) {
+        for (int i = 0; i < kLines; ++i) output.write(line(i));
+    });
+    ends.write.reset();
+    reader.join();
+    size_t size = 0;
+    for (int i = 0; i < kLines; ++i) size += kThreads * line(i).size();
+    EXPECT_EQ(got.size(), size);
+}
+
+// One that is asleep for a moment, again and again, is waited for.
+TEST(LogOutput, AReaderThatRestsGetsEverything) {
+    const Ends ends = pipeEnds();
+    LogOutput output(ends.write.get());
+    std::string got;
+    std::thread writer([&] {
+        for (int i = 0; i < kLines; ++i) output.write(line(i));
+    });
+    size_t size = 0;
+    for (int i = 0; i < kLines; ++i) size += line(i).size();
+    pollfd input{ends.read.get(), POLLIN, 0};
+    while (got.size() < size && poll(&input, 1, 10'000) == 1) {
+        got += readNow(ends.read.get());
+        (void)poll(nullptr, 0, 50);
+    }
+    writer.join();
+    EXPECT_EQ(got.size(), size);
+}
+
+TEST(LogOutput, AMessageThatIsBegunIsFinishedFirst) {
+    const Ends ends = pipeEnds();
+    LogOutput output(ends.write.get());
+    const std::string longer = std::string(150'000, 'x') + '\n';
+    output.write(longer);
+    output.write("dropped\n");
+    std::string got;
+    while (got.size() < longer.size()) {
+        const std::string more = readNow(ends.read.get());
+        ASSERT_FALSE(more.empty());
+        got += more;
+        output.write("dropped\n");
+    }
+    got += readNow(ends.read.get());
+    output.write("after\n");
+    got += readNow(ends.read.get());
+    EXPECT_EQ(got.substr(0, longer.size()), longer);
+    EXPECT_THAT(got.substr(longer.size()), StartsWith("W/log"));
+    EXPECT_THAT(got, EndsWith("after\n"));
+}
+
+TEST(LogOutput, AnotherFileGetsNothingOfTheLastOnes) {
+    const TempDir dir;
+    const Ends first = pipeEnds();
+    const Ends second = pipeEnds();
+    const unique_fd error(dup(first.write.get()));
+    LogOutput output(error.get());
+    output.write(std::string(1'000'000, 'x') + '\n');
+    output.write("dropped\n");
+    ASSERT_EQ(dup2(second.write.get(), error.get()), error.get());
+    output.write("new\n");
+    EXPECT_EQ(readNow(second.read.get()), "new\n");
+    const unique_fd file(open(dir.write("log", "").c_str(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(dup2(file.get(), error.get()), error.get());
+    output.write("\x1b[31m\n");
+    EXPECT_EQ(dir.read("log"), "\x1b[31m\n") << "a file holds it as it is";
+}
+
+TEST(LogOutput, ATerminalGetsNoCommands) {
+    const Ends ends = terminalEnds();
+    LogOutput output(ends.write.get());
+    output.write("a\x1b[31m\tb\x9b\xc2\x9b\x7f\xc3\xa4\n");
+    EXPECT_EQ(readNow(ends.read.get()), "a\\u001b[31m\tb\\x9b\\u009b\\u007f\xc3\xa4\r\n");
+}
+
+}  // namespace
+}  // namespace mlk::host
