@@ -1,8 +1,9 @@
 #include "tools/mlkctl/Answer.h"
 
-#include <algorithm>
+#include <cstring>
 #include <string_view>
 
+#include "tools/mlkctl/Failure.h"
 #include "tools/mlkctl/SharedMemory.h"
 #include "tools/mlkctl/Text.h"
 
@@ -23,7 +24,29 @@ void printBytes(std::string& out, const uint8_t* bytes, size_t size) {
     out += R"({"size":)" + std::to_string(size) + R"(,"base64":")" + base64(bytes, size) + R"("})";
 }
 
+void checkFlag(const bool& flag) {
+    uint8_t byte = 0;
+    std::memcpy(&byte, &flag, sizeof(byte));
+    if (byte > 1) {
+        throw Failure(ExitStatus::NO_ANSWER,
+                      "no answer: the service sent a truth value of " + std::to_string(byte));
+    }
+}
+
 }  // namespace
+
+void checkSound(const V1_0::OptionalBool& answer) {
+    checkFlag(answer.success);
+    checkFlag(answer.value);
+}
+
+void checkSound(const V1_0::OptionalInt32& answer) {
+    checkFlag(answer.success);
+}
+
+void checkSound(const V1_0::OptionalString& answer) {
+    checkFlag(answer.success);
+}
 
 void print(std::string& out, bool value) {
     out += value ? "true" : "false";

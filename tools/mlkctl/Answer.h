@@ -36,6 +36,15 @@ void print(std::string& out, const V1_0::HidlFreqListItem& value);
 void print(std::string& out, const hidl_vec<uint8_t>& bytes);
 void print(std::string& out, const hidl_memory& memory);
 
+/// Throws Failure NO_ANSWER when a truth value of the answer is neither true nor false: whoever
+/// sent it may have sent anything, and such a bool must not be read or copied.
+void checkSound(const V1_0::OptionalBool& answer);
+void checkSound(const V1_0::OptionalInt32& answer);
+void checkSound(const V1_0::OptionalString& answer);
+/// Other answers hold no truth values.
+template <typename T>
+void checkSound(const T& /* answer */) {}
+
 /// [...]
 template <typename T>
 void print(std::string& out, const hidl_vec<T>& values) {

@@ -13,8 +13,17 @@ template <typename I, typename... Params, typename... Arguments>
 auto ask(IBase& object, Return<void> (I::*pointer)(Params...), const Arguments&... arguments) {
     using Callback = std::tuple_element_t<sizeof...(Arguments), std::tuple<Params...>>;
     std::optional<typename details::AnswerOf<std::decay_t<Callback>>::Type> answer;
-    const auto outcome = (static_cast<I&>(object).*pointer)(
-            arguments..., [&](const auto& given) { answer = given; });
+    std::optional<Failure> failure;
+    const auto outcome = (static_cast<I&>(object).*pointer)(arguments..., [&](const auto& given) {
+        // Nothing may be thrown through the transport.
+        try {
+            checkSound(given);
+            answer = given;
+        } catch (const Failure& thrown) {
+            failure = thrown;
+        }
+    });
+    if (failure) throw Failure(*failure);
     checkOutcome(outcome, answer.has_value());
     return std::move(*answer);
 }

@@ -30,7 +30,7 @@ _mlkctl_call() {
         [[ ${#words[@]} -eq 0 && ${COMP_WORDS[i]} == -* ]] || words+=("${COMP_WORDS[i]}")
     done
     case ${#words[@]} in
-        0) _mlkctl_offer "$_mlkctl_interfaces --raw --help" ;;
+        0) _mlkctl_offer "$_mlkctl_interfaces --raw --timeout --help" ;;
         1) _mlkctl_offer "$(_mlkctl_methods "${words[0]}") --help" ;;
         *) _mlkctl_argument "${words[0]} ${words[1]} $((${#words[@]} - 1))" ;;
     esac

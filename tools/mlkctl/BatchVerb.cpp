@@ -1,6 +1,7 @@
 #include "tools/mlkctl/BatchLine.h"
 #include "tools/mlkctl/LineInput.h"
 #include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -9,7 +10,7 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl batch - make many calls, a line each
 
-Usage: mlkctl batch
+Usage: mlkctl batch [--timeout SECONDS]
 
 Reads lines from standard input, each a JSON array that names interface and method and gives the
 arguments as JSON has them: texts, numbers, true and false. An enumerator may be its name or its
@@ -22,11 +23,13 @@ empty one included, is answered too, and the batch goes on. So it does when the 
 call under way is "unreachable", the next line looks for the service again.
 
 Options:
-  -h, --help  this text
+  --timeout SECONDS  how long the service may take for a line, 0 to 86400, fractions allowed;
+                     default 30
+  -h, --help         this text
 
 Output:
   A line as mlkctl call prints it (mlkctl call --help), or one of
-  {"error":"unreachable","message":"..."}   the service cannot be reached, or died
+  {"error":"unreachable","message":"..."}   the service cannot be reached, died, or hangs
   {"error":"usage","message":"..."}         the line is wrong; the message says what would be right
   {"error":"no-answer","message":"..."}     the method gave no answer
 
@@ -72,7 +75,10 @@ class BatchVerb : public Verb {
     std::string_view name() const override { return "batch"; }
     std::string help() const override { return kHelp; }
 
+    void addOptions(CLI::App& app) override { addTimeout(app, &mSeconds); }
+
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
+        environment.services.setLimit(limitOf(mSeconds));
         LineInput input(environment.input, kLongestLine);
         std::string_view line;
         while (true) {
@@ -82,6 +88,9 @@ class BatchVerb : public Verb {
             environment.output.line(answerTo(kind, line, environment.services));
         }
     }
+
+  private:
+    std::string mSeconds = kDefaultTimeout;
 };
 
 }  // namespace

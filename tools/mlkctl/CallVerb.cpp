@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -9,7 +10,7 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl call - call one method
 
-Usage: mlkctl call [--raw] INTERFACE METHOD [ARGUMENT]...
+Usage: mlkctl call [OPTION]... INTERFACE METHOD [ARGUMENT]...
        mlkctl call INTERFACE --help
 
 INTERFACE is IMlkProjectConfigs, IMlkTvConfigs or IMlkFrameworkConfigs. With --help as METHOD, the
@@ -28,8 +29,12 @@ never an option: -3 and --foo are values, and so is an empty word.
   item          two words, category and key, the category with its brackets: '[LiveTV]' TvConfig
 
 Options:
-  --raw       print the bytes of an answer as they are. Also as the very last word, behind all the
-              arguments of getTvFile or getVendorPartitionFile.
+  --raw       print the bytes of an answer as they are; on a terminal, with control characters
+              but newline and tab escaped. Also as the very last word, behind all the arguments of
+              getTvFile or getVendorPartitionFile.
+  --timeout SECONDS
+              how long the service may take to be found, and how long to answer: 0 to 86400,
+              fractions allowed; default 30
   -h, --help  this text
 
 Output:
@@ -40,11 +45,12 @@ Output:
                    [{"channel":21,"frequency":474000,"bandwidth":8000000,"label":"E21",
                    "modulation":18}]
   bytes, memory    {"size":3,"base64":"..."}
-  A byte XX of a text that is no part of valid UTF-8 is printed as \udcXX.
+  A byte XX of a text that is no part of valid UTF-8 is printed as \udcXX, a control character
+  as its escape.
 
 Exit status:
   0  answered (also with success false)
-  1  the service cannot be reached, or died during the call
+  1  the service cannot be reached, died during the call, or gave no answer in time
   2  the command line is wrong; nothing was called
   3  the method gave no answer: an argument it does not serve, or too much data
 
@@ -67,7 +73,11 @@ class CallVerb : public Verb {
   public:
     std::string_view name() const override { return "call"; }
     std::string help() const override { return kHelp; }
-    void addOptions(CLI::App& app) override { app.add_flag("--raw", mRaw); }
+    void addOptions(CLI::App& app) override {
+        app.add_flag("--raw", mRaw);
+        addTimeout(app, &mSeconds);
+    }
+    bool hasValue(std::string_view option) const override { return option == "--timeout"; }
     bool takesWords() const override { return true; }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
@@ -89,14 +99,16 @@ class CallVerb : public Verb {
             mRaw = true;
             arguments.pop_back();
         }
+        environment.services.setLimit(limitOf(mSeconds));
         const Form form = mRaw ? Form::RAW : Form::JSON;
         const std::string answer = environment.services.call(interface, method, arguments, form);
-        mRaw ? environment.output.write(answer) : environment.output.line(answer);
+        mRaw ? environment.output.bytes(answer) : environment.output.line(answer);
         return ExitStatus::ANSWERED;
     }
 
   private:
     bool mRaw = false;
+    std::string mSeconds = kDefaultTimeout;
 };
 
 }  // namespace

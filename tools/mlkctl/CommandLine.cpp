@@ -25,7 +25,9 @@ Commands:
 )";
 
 constexpr const char* kHelpEnd = R"(
-Answers stand on standard output, messages on standard error.
+Answers stand on standard output, messages on standard error. No byte of a service, a file or a
+property is a command to a terminal: JSON, tables and messages have control characters escaped
+always, what is printed as bytes (dump, prop get, call --raw) on a terminal.
 
 Exit status:
   0  answered
@@ -82,11 +84,14 @@ struct Split {
 
 Split split(const Verb& verb, const std::vector<std::string>& rest) {
     if (!verb.takesWords()) return {rest, {}};
-    // No verb with words has an option with a value.
     const auto isWord = [](const std::string& word) {
         return word.size() < 2 || word.front() != '-' || word == "--";
     };
-    auto begin = std::find_if(rest.begin(), rest.end(), isWord);
+    auto begin = rest.begin();
+    while (begin != rest.end() && !isWord(*begin)) {
+        const bool valueFollows = verb.hasValue(*begin) && begin + 1 != rest.end();
+        begin += valueFollows ? 2 : 1;
+    }
     Split result{{rest.begin(), begin}, {}};
     if (begin != rest.end() && *begin == "--") ++begin;
     result.words.assign(begin, rest.end());
@@ -155,7 +160,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& en
         try {
             status = run(words, environment);
         } catch (const Failure& failure) {
-            environment.errors << "mlkctl: " << failure.what() << std::endl;
+            environment.errors << "mlkctl: " << printable(failure.what()) << std::endl;
             status = failure.status();
         }
         // What was written before a failure is still an answer.

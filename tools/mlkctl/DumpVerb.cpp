@@ -5,9 +5,12 @@
 
 #include <array>
 #include <cerrno>
+#include <memory>
 #include <new>
+#include <string>
 #include <system_error>
 
+#include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -18,20 +21,22 @@ using ::android::base::unique_fd;
 
 constexpr const char* kHelp = R"(mlkctl dump - the diagnostic dump
 
-Usage: mlkctl dump
+Usage: mlkctl dump [--timeout SECONDS]
 
 Asks IMlkProjectConfigs for its diagnostic dump: the items of the selected project as the service
 has them in memory, and the audio configuration files it has read.
 
 Options:
-  -h, --help  this text
+  --timeout SECONDS  how long the service may take, 0 to 86400, fractions allowed; default 30
+  -h, --help         this text
 
 Output:
-  The dump, byte for byte as the service wrote it.
+  The dump, byte for byte as the service wrote it; on a terminal, with control characters but
+  newline and tab escaped.
 
 Exit status:
   0  done
-  1  the service cannot be reached, or died while it wrote
+  1  the service cannot be reached, died while it wrote, or took too long
   3  the service wrote nothing
 
 Example:
@@ -64,15 +69,21 @@ void askForDump(IBase& object, int file) {
 size_t copy(int file, Output& output) {
     std::array<char, 64UL * 1024> piece;
     size_t done = 0;
+    std::string shown;  // for a terminal, which gets no halves of a character
     while (true) {
         // The descriptor's own position is the service's, where it stopped writing.
         const ssize_t got = pread(file, piece.data(), piece.size(), static_cast<off_t>(done));
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) throwErrno("the dump");
-        if (got == 0) return done;
-        output.write({piece.data(), static_cast<size_t>(got)});
+        if (got == 0) break;
+        if (output.isTerminal())
+            shown.append(piece.data(), static_cast<size_t>(got));
+        else
+            output.bytes({piece.data(), static_cast<size_t>(got)});
         done += static_cast<size_t>(got);
     }
+    output.bytes(shown);
+    return done;
 }
 
 class DumpVerb : public Verb {
@@ -80,13 +91,22 @@ class DumpVerb : public Verb {
     std::string_view name() const override { return "dump"; }
     std::string help() const override { return kHelp; }
 
+    void addOptions(CLI::App& app) override { addTimeout(app, &mSeconds); }
+
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
-        const unique_fd file = memoryFile();
-        askForDump(environment.services.object(projectInterface()), file.get());
-        if (copy(file.get(), environment.output) == 0)
+        environment.services.setLimit(limitOf(mSeconds));
+        const auto file = std::make_shared<const unique_fd>(memoryFile());
+        environment.services.ask(projectInterface(), [file](IBase& object) {
+            askForDump(object, file->get());
+            return true;
+        });
+        if (copy(file->get(), environment.output) == 0)
             throw Failure(ExitStatus::NO_ANSWER, "the service wrote no dump");
         return ExitStatus::ANSWERED;
     }
+
+  private:
+    std::string mSeconds = kDefaultTimeout;
 };
 
 }  // namespace

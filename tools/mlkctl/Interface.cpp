@@ -105,6 +105,10 @@ BoundCall bind(const Interface& interface, const Method& method,
     }
 }
 
+Failure about(const Interface& interface, const Failure& failure) {
+    return {failure.status(), std::string(interface.name) + ": " + failure.what()};
+}
+
 Failure about(const Interface& interface, const Method& method, const Failure& failure) {
     return {failure.status(),
             std::string(interface.name) + ' ' + std::string(method.name) + ": " + failure.what()};

@@ -45,6 +45,9 @@ std::string limits(const Method& method);
 BoundCall bind(const Interface& interface, const Method& method,
                const std::vector<Argument>& arguments, Form form);
 
+/// The failure with the interface in front of its message.
+Failure about(const Interface& interface, const Failure& failure);
+
 /// The failure with interface and method in front of its message.
 Failure about(const Interface& interface, const Method& method, const Failure& failure);
 

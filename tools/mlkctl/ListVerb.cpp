@@ -13,9 +13,14 @@ constexpr const char* kHelp = R"(mlkctl list - what is registered
 
 Usage: mlkctl list [--json]
 
-Lists every service that answers: its interface with the package, its instance, the process it
-lives in and how many threads that process has now. A service that is connected to but does not
-tell its process within two seconds hangs: it has "-" there.
+Lists every name that is registered: its interface with the package, its instance, the process it
+lives in and how many threads that process has now. Where there is no process id, its column says
+why:
+
+  hangs   the service gives no answer within two seconds
+  untold  it answers, but does not tell its process. On a device these are the rows of the runtime
+          itself, and services whose runtime tells it on debuggable builds only
+  absent  there is a name, but no service is given for it: it has gone, or this user may not have it
 
 Options:
   --json      one JSON array of objects instead of a table
@@ -26,8 +31,8 @@ Output:
   vendor.morlak.mlkconfigs@1.0::IMlkFrameworkConfigs  default   4711  3
 
   With --json, one line:
-  [{"interface":"...","instance":"default","pid":4711,"threads":3}]
-  where pid and threads are null when they are not known.
+  [{"interface":"...","instance":"default","state":"told","pid":4711,"threads":3}]
+  where state is told, hangs, untold or absent; pid and threads are null when not known.
 
 Exit status:
   0  done, even when nothing is registered
@@ -37,6 +42,20 @@ Examples:
   mlkctl list
   mlkctl list --json | jq -r '.[].pid'
 )";
+
+const char* nameOf(Answering answering) {
+    switch (answering) {
+        case Answering::TOLD:
+            return "told";
+        case Answering::UNTOLD:
+            return "untold";
+        case Answering::ABSENT:
+            return "absent";
+        case Answering::HANGS:
+            break;
+    }
+    return "hangs";
+}
 
 std::string numberOr(const std::optional<int>& number, const char* otherwise) {
     return number ? std::to_string(*number) : otherwise;
@@ -48,6 +67,7 @@ void writeJson(const std::vector<Registration>& rows, Output& output) {
         if (text.size() > 1) text += ',';
         text += R"({"interface":)" + jsonString(row.interface);
         text += R"(,"instance":)" + jsonString(row.instance);
+        text += R"(,"state":)" + jsonString(nameOf(row.answering));
         text += R"(,"pid":)" + numberOr(row.pid, "null");
         text += R"(,"threads":)" + numberOr(row.threads, "null") + '}';
     }
@@ -58,8 +78,8 @@ void writeTable(const std::vector<Registration>& rows, Output& output) {
     Table table;
     table.push_back({"INTERFACE", "INSTANCE", "PID", "THREADS"});
     for (const Registration& row : rows) {
-        table.push_back({printable(row.interface), printable(row.instance), numberOr(row.pid, "-"),
-                         numberOr(row.threads, "-")});
+        table.push_back({printable(row.interface), printable(row.instance),
+                         numberOr(row.pid, nameOf(row.answering)), numberOr(row.threads, "-")});
     }
     output.write(aligned(table));
 }

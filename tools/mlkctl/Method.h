@@ -87,6 +87,7 @@ std::string answerOf(Form form, const Caller& caller) {
     const auto outcome = caller([&](const Answer& answer) {
         // Nothing may be thrown through the transport.
         try {
+            checkSound(answer);
             text = printed(answer, form);
         } catch (const Failure& thrown) {
             failure = thrown;

@@ -6,7 +6,15 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tools/mlkctl/Text.h"
+
 namespace mlk::ctl {
+
+Output::Output(int descriptor) : mDescriptor(descriptor), mIsTerminal(isatty(descriptor) != 0) {}
+
+void Output::bytes(std::string_view text) {
+    mIsTerminal ? write(forTerminal(text)) : write(text);
+}
 
 void Output::write(std::string_view text) {
     constexpr size_t kPiece = size_t{64} * 1024;

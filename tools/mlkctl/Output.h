@@ -10,7 +10,7 @@ namespace mlk::ctl {
 /// flushed when the object goes is lost, for its destructor could not tell of a failure.
 class Output {
   public:
-    explicit Output(int descriptor) : mDescriptor(descriptor) {}
+    explicit Output(int descriptor);
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
@@ -19,8 +19,14 @@ class Output {
     void line(std::string_view text);
     void flush();
 
+    /// Bytes of a service or a file as they are; on a terminal, what it would obey is escaped.
+    void bytes(std::string_view text);
+    /// Whether a person looks at it, and no program reads it.
+    bool isTerminal() const { return mIsTerminal; }
+
   private:
     int mDescriptor;
+    bool mIsTerminal;
     std::string mPending;
 };
 

@@ -35,7 +35,7 @@ Output:
   list  a line KEY=VALUE for each property, in ascending order of the keys; control characters and
         bytes that are not UTF-8 are escaped. With --json: {"KEY":"VALUE",...}
   get   the value and a newline; an empty line for a property that does not exist, which is the
-        same as an empty one
+        same as an empty one. On a terminal it is escaped as by list; a program gets its bytes
   set   nothing
 
 Exit status:
@@ -76,7 +76,7 @@ void get(const std::vector<std::string>& words, Output& output) {
     if (words.size() != 1) throw usage("prop get takes one argument: KEY");
     std::array<char, PROPERTY_VALUE_MAX> value{};
     property_get(words[0].c_str(), value.data(), "");
-    output.line(value.data());
+    output.line(output.isTerminal() ? printable(value.data()) : value.data());
 }
 
 /// The likeliest reason why a property could not be set. The store's interface tells none.

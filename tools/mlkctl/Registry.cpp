@@ -3,8 +3,10 @@
 #include <android/hidl/manager/1.0/IServiceManager.h>
 #include <hidl/ServiceManagement.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <variant>
 
 #include "tools/mlkctl/Argument.h"
 #include "tools/mlkctl/Failure.h"
@@ -17,34 +19,54 @@ namespace {
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 
-std::vector<Registration> registeredNames() {
+// The service manager's own limit; on a host it asks whether somebody listens at each name.
+constexpr std::chrono::seconds kManagerLimit{5};
+
+struct Name {
+    std::string interface;
+    std::string instance;
+};
+
+/// The names, or why there are none.
+using Names = std::variant<std::vector<Name>, std::string>;
+
+Names askForNames() {
     const auto manager = ::android::hardware::defaultServiceManager();
-    if (manager == nullptr) throw Failure(ExitStatus::UNREACHABLE, "there is no service manager");
-    std::vector<Registration> rows;
-    const auto outcome = manager->list([&](const hidl_vec<hidl_string>& names) {
-        for (const hidl_string& name : names) {
+    if (manager == nullptr) return "there is no service manager";
+    std::vector<Name> names;
+    const auto outcome = manager->list([&](const hidl_vec<hidl_string>& list) {
+        for (const hidl_string& name : list) {
             const std::string text(name.c_str(), name.size());
             const size_t slash = text.find('/');
             if (slash == std::string::npos) continue;
-            rows.push_back({text.substr(0, slash), text.substr(slash + 1), {}, {}});
+            names.push_back({text.substr(0, slash), text.substr(slash + 1)});
         }
     });
-    if (!outcome.isOk()) {
-        throw Failure(ExitStatus::UNREACHABLE,
-                      "the service manager does not answer: " + outcome.description());
-    }
-    return rows;
+    if (!outcome.isOk()) return "the service manager does not answer: " + outcome.description();
+    return names;
 }
 
-std::optional<int> pidOf(const std::string& interface, const std::string& instance) {
+Names registeredNames() {
+    const Pending<Names> question(askForNames);
+    return question.waitUntil(Pending<Names>::Clock::now() + kManagerLimit)
+            .value_or("the service manager hangs");
+}
+
+struct Process {
+    Answering answering;
+    std::optional<int> pid;
+};
+
+Process processOf(const std::string& interface, const std::string& instance) {
     const auto service =
             ::android::hardware::details::getRawServiceInternal(interface, instance, false, false);
-    if (service == nullptr) return {};
+    if (service == nullptr) return {Answering::ABSENT, {}};
     std::optional<int> pid;
     const auto outcome = service->getDebugInfo([&](const auto& info) { pid = info.pid; });
+    if (outcome.isDeadObject()) return {Answering::ABSENT, {}};
     // A service that must not tell says -1.
-    if (!outcome.isOk() || pid.value_or(-1) <= 0) return {};
-    return pid;
+    if (!outcome.isOk() || pid.value_or(-1) <= 0) return {Answering::UNTOLD, {}};
+    return {Answering::TOLD, pid};
 }
 
 std::optional<int> threadsOf(int pid) {
@@ -66,20 +88,36 @@ std::optional<int> threadsIn(const std::string& status) {
 }
 
 std::vector<Registration> registrations(std::chrono::milliseconds limit) {
-    using Question = Pending<std::optional<int>>;
+    using Question = Pending<Process>;
+    const Names names = registeredNames();
+    if (const auto* failure = std::get_if<std::string>(&names))
+        throw Failure(ExitStatus::UNREACHABLE, *failure);
     const auto deadline = Question::Clock::now() + limit;
-    std::vector<Registration> rows = registeredNames();
+    std::vector<Registration> rows;
     std::vector<Question> questions;
-    for (const Registration& row : rows) {
-        questions.emplace_back([interface = row.interface, instance = row.instance] {
-            return pidOf(interface, instance);
-        });
+    for (const Name& name : std::get<std::vector<Name>>(names)) {
+        rows.push_back({name.interface, name.instance, Answering::HANGS, {}, {}});
+        questions.emplace_back([name] { return processOf(name.interface, name.instance); });
     }
     for (size_t i = 0; i < rows.size(); ++i) {
-        rows[i].pid = questions[i].waitUntil(deadline).value_or(std::nullopt);
-        if (rows[i].pid) rows[i].threads = threadsOf(*rows[i].pid);
+        const auto process = questions[i].waitUntil(deadline);
+        if (!process) continue;
+        rows[i].answering = process->answering;
+        rows[i].pid = process->pid;
+        if (process->pid) rows[i].threads = threadsOf(*process->pid);
     }
     return rows;
+}
+
+bool isRegistered(std::string_view interface) {
+    const Names names = registeredNames();
+    const auto* list = std::get_if<std::vector<Name>>(&names);
+    const std::string end = "::" + std::string(interface);
+    return list != nullptr && std::any_of(list->begin(), list->end(), [&](const Name& name) {
+               return name.instance == "default" && name.interface.size() > end.size() &&
+                      name.interface.compare(name.interface.size() - end.size(), end.size(), end) ==
+                              0;
+           });
 }
 
 }  // namespace mlk::ctl

@@ -1,8 +1,38 @@
 #include "tools/mlkctl/Services.h"
 
+#include "tools/mlkctl/Pending.h"
+#include "tools/mlkctl/Registry.h"
+
 namespace mlk::ctl {
 
 namespace {
+
+using Clock = Worker::Clock;
+
+/// Why there is no object of an interface. A runtime that gives up a service that hangs gives none
+/// either; the service manager still has its name.
+Failure noObject(const Interface& interface) {
+    return {ExitStatus::UNREACHABLE,
+            std::string(interface.name) + (isRegistered(interface.name)
+                                                   ? ": registered, but it does not answer"
+                                                   : ": not registered; is the service running?")};
+}
+
+std::string shownSeconds(std::chrono::duration<double> limit) {
+    std::string text = std::to_string(limit.count());
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+    return text;
+}
+
+Failure tooLate(std::chrono::duration<double> limit) {
+    return {ExitStatus::UNREACHABLE,
+            "the service gave no answer within " + shownSeconds(limit) + " s; it hangs"};
+}
+
+Clock::time_point after(std::chrono::duration<double> limit) {
+    return Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
+}
 
 /// The failure, with when the method gives no answer, if that is what it is about.
 Failure explained(const Failure& failure, const MethodDescription& description) {
@@ -15,26 +45,65 @@ Failure explained(const Failure& failure, const MethodDescription& description) 
 
 Services::Services() : mFinder([](const Interface& interface) { return interface.find(); }) {}
 
-IBase& Services::object(const Interface& interface) {
-    ::android::sp<IBase>& kept = mObjects[&interface];
-    if (kept == nullptr) kept = mFinder(interface);
-    if (kept == nullptr) {
-        throw Failure(ExitStatus::UNREACHABLE,
-                      std::string(interface.name) +
-                              ": not registered, or it hangs; is the service running?");
+void Services::within(const Interface& interface, std::function<void()> work) {
+    if (mWorker == nullptr) mWorker = std::make_unique<Worker>();
+    if (mWorker->run(std::move(work), after(mLimit))) return;
+    mWorker = nullptr;
+    mObjects.erase(&interface);
+    throw tooLate(mLimit);
+}
+
+::android::sp<IBase> Services::object(const Interface& interface) {
+    const auto kept = mObjects.find(&interface);
+    if (kept != mObjects.end()) return kept->second;
+    const auto found = std::make_shared<::android::sp<IBase>>();
+    try {
+        within(interface,
+               [found, finder = mFinder, asked = &interface] { *found = finder(*asked); });
+    } catch (const Failure& failure) {
+        throw about(interface, failure);
     }
-    return *kept;
+    if (*found == nullptr) throw noObject(interface);
+    return mObjects[&interface] = *found;
+}
+
+void Services::askForNothing(const Interface& interface, std::function<void(IBase&)> question) {
+    const ::android::sp<IBase> target = object(interface);
+    try {
+        within(interface, [target, question = std::move(question)] { question(*target); });
+    } catch (const Failure& failure) {
+        if (failure.status() == ExitStatus::UNREACHABLE) mObjects.erase(&interface);
+        throw;
+    }
+}
+
+std::map<const Interface*, Failure> Services::findAll() {
+    const auto deadline = after(mLimit);
+    std::vector<Pending<::android::sp<IBase>>> questions;
+    for (const Interface* interface : interfaces()) {
+        questions.emplace_back([finder = mFinder, interface] { return finder(*interface); });
+    }
+    std::map<const Interface*, Failure> failures;
+    for (size_t i = 0; i < questions.size(); ++i) {
+        const Interface* interface = interfaces()[i];
+        const auto found = questions[i].waitUntil(deadline);
+        if (found.has_value() && *found != nullptr)
+            mObjects[interface] = *found;
+        else
+            failures.emplace(interface, found.has_value() ? noObject(*interface)
+                                                          : about(*interface, tooLate(mLimit)));
+    }
+    return failures;
 }
 
 std::string Services::call(const Interface& interface, const Method& method,
                            const std::vector<Argument>& arguments, Form form) {
     // A call that is wrong is told so whether there is a service or not.
     const BoundCall bound = bind(interface, method, arguments, form);
-    IBase& target = object(interface);
+    (void)object(interface);
     try {
-        return bound(target);
+        return ask(interface, bound);
     } catch (const Failure& failure) {
-        if (failure.status() == ExitStatus::UNREACHABLE) mObjects.erase(&interface);
         throw about(interface, method, explained(failure, *method.description));
     }
 }

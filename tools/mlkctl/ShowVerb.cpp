@@ -1,12 +1,14 @@
 #include <CLI/CLI.hpp>
 
 #include <cctype>
+#include <map>
 #include <ostream>
-#include <set>
+#include <string>
 
 #include "tools/mlkctl/ShowRows.h"
 #include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -15,7 +17,7 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl show - what this set is
 
-Usage: mlkctl show [--json]
+Usage: mlkctl show [--json] [--timeout SECONDS]
 
 Shows, for a person to read, what the service makes of the partitions: which project is selected
 and which there are, panel, sound, inputs and tuners, the country and what it decides, power, remote
@@ -26,8 +28,10 @@ channels in each of its plans. The features are those of the file that the servi
 after a change of the country they follow at the next start.
 
 Options:
-  --json      one JSON object of objects instead of the table
-  -h, --help  this text
+  --json             one JSON object of objects instead of the table
+  --timeout SECONDS  how long the service may take to be found, and for each fact, 0 to 86400,
+                     fractions allowed; default 5
+  -h, --help         this text
 
 Output:
   Lines under headings. "-" stands for an empty value. Where there is none, the reason stands in
@@ -55,18 +59,21 @@ struct Overloaded : Cases... {
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-/// Asks every row. An interface that cannot be reached goes to the set and is not asked again.
-Answers askAll(Services& services, std::set<const Interface*>* unreachable) {
+/// Why interfaces cannot be reached.
+using Unreachable = std::map<const Interface*, Failure>;
+
+/// Asks every row. An interface that cannot be reached is not asked again.
+Answers askAll(Services& services, Unreachable* unreachable) {
     Answers answers;
     for (const ShowRow& row : showRows()) {
         const Interface* interface = row.question.interface;
         ShowValue value = NoValue{"(not reachable)"};
         try {
             if (unreachable->count(interface) == 0)
-                value = row.question.ask(services.object(*interface));
+                value = services.ask(*interface, row.question.ask);
         } catch (const Failure& failure) {
             if (failure.status() == ExitStatus::UNREACHABLE)
-                unreachable->insert(interface);
+                unreachable->emplace(interface, about(*interface, failure));
             else
                 value = NoValue{"(no answer)"};
         }
@@ -162,25 +169,31 @@ class ShowVerb : public Verb {
   public:
     std::string_view name() const override { return "show"; }
     std::string help() const override { return kHelp; }
-    void addOptions(CLI::App& app) override { app.add_flag("--json", mJson); }
+    void addOptions(CLI::App& app) override {
+        app.add_flag("--json", mJson);
+        addTimeout(app, &mSeconds);
+    }
 
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
-        std::set<const Interface*> unreachable;
-        const Answers answers = askAll(environment.services, &unreachable);
-        if (unreachable.size() == interfaces().size())
-            throw Failure(ExitStatus::UNREACHABLE,
-                          "nothing is registered; is the service running?");
-        environment.output.write(mJson ? objectOf(answers) : tableOf(answers));
+        environment.services.setLimit(limitOf(mSeconds));
+        Unreachable unreachable = environment.services.findAll();
+        if (unreachable.size() < interfaces().size()) {
+            const Answers answers = askAll(environment.services, &unreachable);
+            environment.output.write(mJson ? objectOf(answers) : tableOf(answers));
+        }
         if (unreachable.empty()) return ExitStatus::ANSWERED;
         environment.output.flush();
-        for (const Interface* interface : unreachable)
-            environment.errors << "mlkctl: " << interface->name << " cannot be reached"
-                               << std::endl;
+        for (const Interface* interface : interfaces()) {
+            const auto failure = unreachable.find(interface);
+            if (failure == unreachable.end()) continue;
+            environment.errors << "mlkctl: " << printable(failure->second.what()) << std::endl;
+        }
         return ExitStatus::UNREACHABLE;
     }
 
   private:
     bool mJson = false;
+    std::string mSeconds = "5";
 };
 
 }  // namespace

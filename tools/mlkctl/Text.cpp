@@ -1,5 +1,6 @@
 #include "tools/mlkctl/Text.h"
 
+#include <algorithm>
 #include <array>
 
 namespace mlk::ctl {
@@ -73,8 +74,8 @@ void appendControl(std::string& out, uint8_t byte) {
     }
 }
 
-/// inQuotes: what would end or change a JSON string is escaped, too. Otherwise it is for a
-/// terminal, to which DEL and the C1 controls are commands.
+/// inQuotes: what would end or change a JSON string is escaped, too. DEL and the C1 controls are
+/// commands to a terminal.
 void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
     size_t position = 0;
     while (position < text.size()) {
@@ -91,7 +92,7 @@ void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
         } else if (inQuotes && (byte == '"' || byte == '\\')) {
             out += '\\';
             out += text[position];
-        } else if (!inQuotes && (byte == 0x7f || isC1)) {
+        } else if (byte == 0x7f || isC1) {
             appendHexByte(out, "\\u00", byteAt(text, position + length - 1));
         } else {
             out += text.substr(position, length);
@@ -130,6 +131,18 @@ std::string excerpt(std::string_view text) {
 std::string printable(std::string_view text) {
     std::string out;
     appendEscaped(out, text, false);
+    return out;
+}
+
+std::string forTerminal(std::string_view text) {
+    std::string out;
+    size_t begin = 0;
+    while (begin < text.size()) {
+        const size_t end = std::min(text.find_first_of("\n\t", begin), text.size());
+        appendEscaped(out, text.substr(begin, end - begin), false);
+        if (end < text.size()) out += text[end];
+        begin = end + 1;
+    }
     return out;
 }
 

@@ -11,8 +11,8 @@
 namespace mlk::ctl {
 
 /// Appends a text as a JSON string, with its quotes. Valid UTF-8 stands as it is; quotes, backslash
-/// and control characters are escaped, other bytes are \udcXX. Surrogates, overlong forms and
-/// what is beyond U+10FFFF are not valid.
+/// and control characters (DEL and C1 among them) are escaped, other bytes are \udcXX. Surrogates,
+/// overlong forms and what is beyond U+10FFFF are not valid.
 void appendJsonString(std::string& out, std::string_view text);
 
 /// The same as a text of its own.
@@ -24,6 +24,9 @@ std::string excerpt(std::string_view text);
 /// A text for a terminal: as in JSON, but without quotes, and with quotes and backslashes as they
 /// are. It cannot move the cursor or start a line.
 std::string printable(std::string_view text);
+
+/// A text of several lines for a terminal: as printable(), but newlines and tabs stay.
+std::string forTerminal(std::string_view text);
 
 /// The bytes in base64 with padding (RFC 4648).
 std::string base64(const uint8_t* bytes, size_t size);

@@ -44,6 +44,9 @@ class Verb {
     /// behind it is a word, too.
     virtual bool takesWords() const { return false; }
 
+    /// Whether the option is followed by its value. Only asked where words may follow.
+    virtual bool hasValue(std::string_view /* option */) const { return false; }
+
     /// Does the work; what it wrote need not be flushed. Throws Failure, or std::system_error
     /// where the system refuses.
     virtual ExitStatus run(const std::vector<std::string>& words, Environment& environment) = 0;

@@ -1,12 +1,9 @@
-#include <CLI/CLI.hpp>
-
 #include <chrono>
-#include <optional>
-#include <stdexcept>
 #include <thread>
 
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Text.h"
+#include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -71,34 +68,14 @@ std::vector<std::string> missingAt(Clock::time_point deadline, const Services::F
     return missing;
 }
 
-/// Digits with at most one point among them, and not too many seconds.
-std::optional<double> secondsFrom(const std::string& text) {
-    if (text.find_first_not_of("0123456789.") != std::string::npos) return {};
-    size_t used = 0;
-    try {
-        const double seconds = std::stod(text, &used);
-        if (used == text.size() && seconds <= 86400) return seconds;
-    } catch (const std::logic_error&) {  // no number, or out of range
-    }
-    return {};
-}
-
 class WaitVerb : public Verb {
   public:
     std::string_view name() const override { return "wait"; }
     std::string help() const override { return kHelp; }
-    void addOptions(CLI::App& app) override {
-        app.add_option("--timeout", mSeconds)
-                ->type_name("SECONDS")
-                ->check([](const std::string& text) {
-                    return secondsFrom(text)
-                                   ? ""
-                                   : "SECONDS is a number from 0 to 86400, not " + excerpt(text);
-                });
-    }
+    void addOptions(CLI::App& app) override { addTimeout(app, &mSeconds); }
 
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
-        const std::chrono::duration<double> limit(secondsFrom(mSeconds).value_or(0));
+        const auto limit = limitOf(mSeconds);
         const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
         const auto missing = missingAt(deadline, environment.services.finder());
         if (missing.empty()) return ExitStatus::ANSWERED;

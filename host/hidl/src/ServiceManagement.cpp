@@ -34,7 +34,7 @@ namespace {
 
 // How long all services together are waited for, and each of those behind a silent one.
 constexpr std::chrono::milliseconds kListLimit{1000};
-constexpr std::chrono::milliseconds kListLeast{20};
+constexpr std::chrono::milliseconds kListLeast{1};
 
 std::set<std::string> filesOf(const std::string& folder) {
     std::set<std::string> files;

@@ -1,5 +1,8 @@
 #include "tools/mlkctl/Answer.h"
 
+#include <cstddef>
+#include <cstring>
+
 #include <android/log.h>
 #include <cutils/native_handle.h>
 #include <fcntl.h>
@@ -122,6 +125,32 @@ TEST(AnswerTest, MemoryThatLiesKillsNobody) {
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidlmemory"),
                 ::testing::ElementsAre(::testing::HasSubstr("only 6 bytes behind its descriptor"),
                                        ::testing::HasSubstr("it is empty")));
+}
+
+/// An answer with a byte that is no truth value, at a place of its own.
+template <typename Answer>
+std::string refusalOf(size_t place, uint8_t byte) {
+    Answer answer{};
+    std::memcpy(reinterpret_cast<char*>(&answer) + place, &byte, 1);
+    try {
+        checkSound(answer);
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.status(), ExitStatus::NO_ANSWER);
+        return failure.what();
+    }
+    return "";
+}
+
+TEST(AnswerTest, ATruthValueThatIsNoneIsNoAnswer) {
+    using V1_0::OptionalBool;
+    EXPECT_EQ(refusalOf<OptionalBool>(offsetof(OptionalBool, success), 1), "");
+    EXPECT_EQ(refusalOf<OptionalBool>(offsetof(OptionalBool, value), 1), "");
+    EXPECT_EQ(refusalOf<OptionalBool>(offsetof(OptionalBool, success), 2),
+              "no answer: the service sent a truth value of 2");
+    EXPECT_EQ(refusalOf<OptionalBool>(offsetof(OptionalBool, value), 255),
+              "no answer: the service sent a truth value of 255");
+    EXPECT_NE(refusalOf<V1_0::OptionalInt32>(0, 77), "");
+    EXPECT_NE(refusalOf<V1_0::OptionalString>(0, 77), "");
 }
 
 }  // namespace

@@ -39,8 +39,9 @@ TEST(CommandLineTest, NamesWhatWouldBeRight) {
     expectUsage({"--jason"}, R"(there is no option "--jason"; there are --help, --version)");
     expectUsage({"list", "--jsn"},
                 R"(there is no option "--jsn"; did you mean --json? (see mlkctl list --help))");
-    expectUsage({"dump", "--all"},
-                R"(there is no option "--all"; there are --help (see mlkctl dump --help))");
+    expectUsage(
+            {"dump", "--all"},
+            R"(there is no option "--all"; there are --help, --timeout (see mlkctl dump --help))");
     expectUsage({"show", "panel"},
                 R"(it takes no argument "panel"; its options are --help, --json )"
                 "(see mlkctl show --help)");

@@ -57,8 +57,9 @@ TEST(CompletionTest, CompletesCommandsAndOptions) {
 }
 
 TEST(CompletionTest, CompletesInterfacesAndTheirMethods) {
-    EXPECT_THAT(completions({"call", ""}), ElementsAre("--help", "--raw", "IMlkFrameworkConfigs",
-                                                       "IMlkProjectConfigs", "IMlkTvConfigs"));
+    EXPECT_THAT(completions({"call", ""}),
+                ElementsAre("--help", "--raw", "--timeout", "IMlkFrameworkConfigs",
+                            "IMlkProjectConfigs", "IMlkTvConfigs"));
     EXPECT_THAT(completions({"call", "IMlkTvConfigs", "getW"}), ElementsAre("getWOWEnabled"));
     EXPECT_THAT(completions({"call", "IMlkFrameworkConfigs", "getW"}),
                 ElementsAre("getWowEnabled"));

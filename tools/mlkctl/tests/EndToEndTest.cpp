@@ -66,7 +66,7 @@ TEST_F(EndToEndTest, ListsWhatIsRegistered) {
     const Outcome json = run({"list", "--json"});
     const std::string first =
             R"([{"interface":"vendor.morlak.mlkconfigs@1.0::IMlkFrameworkConfigs",)"
-            R"("instance":"default","pid":)" +
+            R"("instance":"default","state":"told","pid":)" +
             pid + R"(,"threads":)";
     EXPECT_THAT(json.out, StartsWith(first));
 }
@@ -133,7 +133,14 @@ TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
               "IMlkFrameworkConfigs\n");
     const Outcome list = run({"list"});
     EXPECT_EQ(list.status, 0);
-    EXPECT_THAT(list.out, MatchesRegex("INTERFACE.*\n(vendor[^ ]+ +default +- +-\n){3}"));
+    EXPECT_THAT(list.out, MatchesRegex("INTERFACE.*\n(vendor[^ ]+ +default +hangs +-\n){3}"));
+    const Outcome call = run({"call", "--timeout=0.5", "IMlkProjectConfigs", "getPanelName"});
+    EXPECT_EQ(call.status, 1);
+    EXPECT_EQ(call.err,
+              "mlkctl: IMlkProjectConfigs: the service gave no answer within 0.5 s; it hangs\n");
+    const Outcome show = run({"show", "--timeout=0.5"});
+    EXPECT_EQ(show.status, 1);
+    EXPECT_THAT(show.err, StartsWith("mlkctl: IMlkProjectConfigs: the service gave no answer"));
     mService->kill(SIGCONT);
     EXPECT_EQ(run({"wait"}).status, 0);
 }

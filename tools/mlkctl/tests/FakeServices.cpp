@@ -54,7 +54,7 @@ Return<void> take(Script& script, const char* method, const Callback& callback,
         script.calls.push_back(words);
     }
     if (script.failing.count(method) != 0)
-        return Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, "not now");
+        return Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, script.failure.c_str());
     if (script.dying.count(method) != 0) return Status::fromStatusT(::android::DEAD_OBJECT);
     using Answer = typename AnswerOf<Callback>::Type;
     if (script.silent.count(method) == 0)

@@ -45,6 +45,8 @@ struct Script {
     /// Methods that fail with EX_ILLEGAL_STATE, and those that fail like dead objects.
     std::set<std::string> failing;
     std::set<std::string> dying;
+    /// What the failing ones say.
+    std::string failure = "not now";
 
     /// A call with this text as its last argument ends the process.
     std::string exitFile;

@@ -2,20 +2,24 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <fstream>
 #include <system_error>
 #include <thread>
 #include <vector>
 
+#include "host/testing/Eventually.h"
 #include "tools/mlkctl/Output.h"
 
 namespace mlk::ctl {
 
 namespace {
 
-using testing::ElementsAre;
+using ::testing::ElementsAre;
 
 /// A pipe whose writing end the test holds.
 class Pipe {
@@ -125,6 +129,37 @@ TEST(LineInputTest, WaitsAtAPipeThatDoesNot) {
     EXPECT_EQ(input.next(&line), LineInput::Next::LINE);
     EXPECT_EQ(line, "a");
     writer.join();
+}
+
+/// The state of a thread of this process as the kernel has it: 'S' while it sleeps.
+char stateOf(pid_t thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const size_t end = text.rfind(") ");
+    return end == std::string::npos ? '?' : text[end + 2];
+}
+
+// It sleeps until there is something: one that asked again and again would run.
+TEST(LineInputTest, SleepsAtAPipeThatDoesNotWait) {
+    Pipe pipe;
+    ASSERT_EQ(fcntl(pipe.reader(), F_SETFL, O_NONBLOCK), 0);
+    std::atomic<pid_t> thread{0};
+    std::thread reader([&] {
+        thread = gettid();
+        LineInput input(pipe.reader(), 10);
+        std::string_view line;
+        EXPECT_EQ(input.next(&line), LineInput::Next::LINE);
+    });
+    EXPECT_TRUE(mlk::testing::eventually([&] { return thread != 0 && stateOf(thread) == 'S'; }));
+    int asleep = 0;
+    for (int i = 0; i < 100; ++i) {
+        asleep += stateOf(thread) == 'S' ? 1 : 0;
+        (void)poll(nullptr, 0, 1);
+    }
+    EXPECT_GE(asleep, 90);
+    pipe.write("a\n");
+    reader.join();
 }
 
 TEST(OutputTest, WaitsAtAPipeThatDoesNot) {

@@ -25,12 +25,12 @@ TEST(JsonStringTest, ShowsPlainText) {
                 {"[LiveTV]", "[LiveTV]"},
                 {R"(a"b\c/d)", R"(a\"b\\c/d)"},
                 {"\b\f\n\r\t", R"(\b\f\n\r\t)"},
-                {"\x01\x1f\x7f", "\\u0001\\u001f\x7f"},
+                {"\x01\x1f\x7f", "\\u0001\\u001f\\u007f"},
                 {"a\0b"s, R"(a\u0000b)"}});
 }
 
 TEST(JsonStringTest, ShowsValidUtf8) {
-    expectJson({{"\xc2\x80", "\xc2\x80"},
+    expectJson({{"\xc2\x80\xc2\x9f\xc2\xa0", "\\u0080\\u009f\xc2\xa0"},
                 {"\xdf\xbf", "\xdf\xbf"},
                 {"\xe0\xa0\x80", "\xe0\xa0\x80"},
                 {"\xed\x9f\xbf", "\xed\x9f\xbf"},

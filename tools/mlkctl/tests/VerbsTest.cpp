@@ -1,16 +1,23 @@
 // The commands that show something: list, show, dump, prop; and wait. In this process, on fakes.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <future>
 #include <memory>
+#include <sstream>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
+#include "tools/mlkctl/CommandLine.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Registry.h"
 #include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/Worker.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {
@@ -86,6 +93,55 @@ TEST(WaitTest, RefusesWhatIsNoTime) {
     EXPECT_EQ(runMlkctl({"wait", "--timeout", "abc"}, script).err,
               "mlkctl: --timeout: SECONDS is a number from 0 to 86400, not \"abc\" "
               "(see mlkctl wait --help)\n");
+}
+
+TEST(WorkerTest, DoesOnePieceOfWorkAfterTheOther) {
+    const auto later = Worker::Clock::now() + std::chrono::minutes(1);
+    Worker worker;
+    int done = 0;
+    for (int i = 0; i < 100; ++i) EXPECT_TRUE(worker.run([&done] { ++done; }, later));
+    EXPECT_EQ(done, 100);
+    EXPECT_THROW(worker.run([] { throw usage("no"); }, later), Failure);
+    EXPECT_TRUE(worker.run([&done] { ++done; }, later));
+    EXPECT_FALSE(anyPending());
+}
+
+TEST(WorkerTest, IsLeftBehindWhenItsWorkTakesTooLong) {
+    auto release = std::make_shared<std::promise<void>>();
+    const std::shared_future<void> released = release->get_future();
+    {
+        Worker worker;
+        EXPECT_FALSE(worker.run([released] { released.wait(); }, Worker::Clock::now()));
+    }
+    EXPECT_TRUE(anyPending());
+    release->set_value();
+    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
+}
+
+// A look-up that never comes back, of one interface of three.
+TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
+    Script script;
+    const auto release = std::make_shared<std::promise<void>>();
+    const std::shared_future<void> released = release->get_future();
+    Services services([&script, released](const Interface& interface) -> ::android::sp<IBase> {
+        if (&interface == &tvInterface()) released.wait();
+        if (&interface != &projectInterface()) return nullptr;
+        return finderOf(script)(interface);
+    });
+    const Outcome show = runMlkctl({"show", "--timeout", "0.2"}, services);
+    EXPECT_EQ(show.status, 1);
+    EXPECT_EQ(show.err,
+              "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n"
+              "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
+    EXPECT_THAT(show.out, AllOf(HasSubstr("  Panel             getPanelName\n"),
+                                HasSubstr("  Features on       (not reachable)\n")));
+    const Outcome call =
+            runMlkctl({"call", "--timeout", "0.2", "IMlkTvConfigs", "getAtvSystem"}, services);
+    EXPECT_EQ(call.status, 1);
+    EXPECT_EQ(call.err,
+              "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n");
+    release->set_value();
+    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
 }
 
 TEST(PendingTest, LeavesBehindWhatTakesTooLong) {
@@ -184,14 +240,15 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
     Script script;
     Outcome outcome = runMlkctl({"show"}, script, "", {"IMlkFrameworkConfigs"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "mlkctl: IMlkFrameworkConfigs cannot be reached\n");
+    EXPECT_EQ(outcome.err,
+              "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Suspend forced    (not reachable)\n"),
                                    HasSubstr("  Panel             getPanelName\n")));
     // One that dies meanwhile.
     script.dying = {"getPanelName"};
     outcome = runMlkctl({"show"}, script);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs cannot be reached\n");
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs: the service died during the call\n");
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Name              getProjectName\n"),
                                    HasSubstr("  Panel             (not reachable)\n"),
                                    HasSubstr("  Overscan          (not reachable)\n"),
@@ -200,7 +257,8 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
                         {"IMlkProjectConfigs", "IMlkTvConfigs", "IMlkFrameworkConfigs"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "mlkctl: nothing is registered; is the service running?\n");
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 3);
+    EXPECT_THAT(outcome.err, HasSubstr("IMlkTvConfigs: not registered; is the service running?\n"));
 }
 
 TEST(DumpTest, PrintsWhatTheServiceWrites) {
@@ -224,8 +282,67 @@ TEST(DumpTest, SaysWhenThereIsNone) {
     EXPECT_EQ(runMlkctl({"dump"}, script).status, 1);
     outcome = runMlkctl({"dump"}, script, "", {"IMlkProjectConfigs"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "mlkctl: IMlkProjectConfigs: not registered, or it hangs; is the service running?\n");
+    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
+}
+
+/// What mlkctl writes to a terminal, or to a pipe.
+std::string shownOn(bool terminal, const std::vector<std::string>& words, Script& script) {
+    int reader = -1;
+    int writer = -1;
+    if (terminal) {
+        reader = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        EXPECT_EQ(grantpt(reader), 0);
+        EXPECT_EQ(unlockpt(reader), 0);
+        writer = open(ptsname(reader), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    } else {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        reader = ends[0];
+        writer = ends[1];
+    }
+    Services services(finderOf(script));
+    std::ostringstream errors;
+    Output output(writer);
+    Environment environment{-1, output, errors, services};
+    EXPECT_EQ(runCommandLine(words, environment), ExitStatus::ANSWERED) << errors.str();
+    std::string text(4096, '\0');
+    const ssize_t got = ::read(reader, text.data(), text.size());
+    text.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    close(writer);
+    close(reader);
+    return text;
+}
+
+TEST(TerminalTest, GetsNoCommandsAndAProgramGetsTheBytes) {
+    const std::string odd = "a\x1b[31m\tb\x7f\xc2\x9b\x9b";
+    const std::string escaped = "a\\u001b[31m\tb\\u007f\\u009b\\udc9b";
+    HostSet set;
+    set.setProperty("odd", odd);
+    Script script;
+    script.dump = odd + '\n';
+    script.bytes.assign(odd.begin(), odd.end());
+    script.text = odd;
+    const std::vector<std::string> raw = {"call", "--raw", "IMlkProjectConfigs", "getTvFile", "x"};
+    EXPECT_EQ(shownOn(true, {"dump"}, script), escaped + "\r\n");
+    EXPECT_EQ(shownOn(false, {"dump"}, script), odd + '\n');
+    EXPECT_EQ(shownOn(true, raw, script), escaped);
+    EXPECT_EQ(shownOn(false, raw, script), odd);
+    EXPECT_EQ(shownOn(true, {"prop", "get", "odd"}, script),
+              "a\\u001b[31m\\tb\\u007f\\u009b\\udc9b\r\n");
+    EXPECT_EQ(shownOn(false, {"prop", "get", "odd"}, script), odd + '\n');
+    for (const bool terminal : {true, false}) {
+        EXPECT_THAT(shownOn(terminal, {"call", "IMlkProjectConfigs", "getPanelName"}, script),
+                    StartsWith(R"({"success":true,"value":"a\u001b[31m\tb\u007f\u009b\udc9b"})"));
+    }
+}
+
+TEST(TerminalTest, MessagesHoldNoCommands) {
+    Script script;
+    script.failing = {"getPanelName"};
+    script.failure = "not\x1b[31m\x9b now";
+    const Outcome outcome = runMlkctl({"call", "IMlkProjectConfigs", "getPanelName"}, script);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.err, HasSubstr("not\\u001b[31m\\udc9b now"));
 }
 
 TEST(PropTest, SetsGetsAndLists) {
