@@ -43,7 +43,7 @@ TEST(CommandLineTest, NamesWhatWouldBeRight) {
             {"dump", "--all"},
             R"(there is no option "--all"; there are --help, --timeout (see mlkctl dump --help))");
     expectUsage({"show", "panel"},
-                R"(it takes no argument "panel"; its options are --help, --json )"
+                R"(it takes no argument "panel"; its options are --help, --json, --timeout )"
                 "(see mlkctl show --help)");
 }
 
