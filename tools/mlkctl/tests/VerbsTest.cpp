@@ -7,17 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <future>
-#include <memory>
 #include <sstream>
 
-#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "tools/mlkctl/CommandLine.h"
-#include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Registry.h"
 #include "tools/mlkctl/Table.h"
-#include "tools/mlkctl/Worker.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {
@@ -93,70 +88,6 @@ TEST(WaitTest, RefusesWhatIsNoTime) {
     EXPECT_EQ(runMlkctl({"wait", "--timeout", "abc"}, script).err,
               "mlkctl: --timeout: SECONDS is a number from 0 to 86400, not \"abc\" "
               "(see mlkctl wait --help)\n");
-}
-
-TEST(WorkerTest, DoesOnePieceOfWorkAfterTheOther) {
-    const auto later = Worker::Clock::now() + std::chrono::minutes(1);
-    Worker worker;
-    int done = 0;
-    for (int i = 0; i < 100; ++i) EXPECT_TRUE(worker.run([&done] { ++done; }, later));
-    EXPECT_EQ(done, 100);
-    EXPECT_THROW(worker.run([] { throw usage("no"); }, later), Failure);
-    EXPECT_TRUE(worker.run([&done] { ++done; }, later));
-    EXPECT_FALSE(anyPending());
-}
-
-TEST(WorkerTest, IsLeftBehindWhenItsWorkTakesTooLong) {
-    auto release = std::make_shared<std::promise<void>>();
-    const std::shared_future<void> released = release->get_future();
-    {
-        Worker worker;
-        EXPECT_FALSE(worker.run([released] { released.wait(); }, Worker::Clock::now()));
-    }
-    EXPECT_TRUE(anyPending());
-    release->set_value();
-    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
-}
-
-// A look-up that never comes back, of one interface of three.
-TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
-    Script script;
-    const auto release = std::make_shared<std::promise<void>>();
-    const std::shared_future<void> released = release->get_future();
-    Services services([&script, released](const Interface& interface) -> ::android::sp<IBase> {
-        if (&interface == &tvInterface()) released.wait();
-        if (&interface != &projectInterface()) return nullptr;
-        return finderOf(script)(interface);
-    });
-    const Outcome show = runMlkctl({"show", "--timeout", "0.2"}, services);
-    EXPECT_EQ(show.status, 1);
-    EXPECT_EQ(show.err,
-              "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n"
-              "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
-    EXPECT_THAT(show.out, AllOf(HasSubstr("  Panel             getPanelName\n"),
-                                HasSubstr("  Features on       (not reachable)\n")));
-    const Outcome call =
-            runMlkctl({"call", "--timeout", "0.2", "IMlkTvConfigs", "getAtvSystem"}, services);
-    EXPECT_EQ(call.status, 1);
-    EXPECT_EQ(call.err,
-              "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n");
-    release->set_value();
-    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
-}
-
-TEST(PendingTest, LeavesBehindWhatTakesTooLong) {
-    auto release = std::make_shared<std::promise<void>>();
-    auto released = std::make_shared<std::shared_future<void>>(release->get_future());
-    const Pending<int> stuck([released] {
-        released->wait();
-        return 7;
-    });
-    const auto now = Pending<int>::Clock::now();
-    EXPECT_EQ(stuck.waitUntil(now), std::nullopt);
-    EXPECT_TRUE(anyPending());
-    release->set_value();
-    EXPECT_EQ(stuck.waitUntil(now + std::chrono::minutes(1)), 7);
-    EXPECT_FALSE(anyPending());
 }
 
 TEST(ShowTest, ShowsTheSet) {

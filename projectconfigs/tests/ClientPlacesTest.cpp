@@ -1,0 +1,224 @@
+// How many texts for clients, and readers, may hold how much at once.
+
+#include "projectconfigs/tests/ClientWriting.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+// Whatever holds a writer, the caller is let go, and so is one who comes when all are held.
+TEST(ClientDescriptor, CallersAreLetGo) {
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    const TempDir dir;
+    const unique_fd file(open(dir.write("dump", "").c_str(), O_WRONLY | O_CLOEXEC));
+    std::atomic<int> held{0};
+    std::atomic<int> letGo{0};
+    std::vector<std::thread> callers;
+    callers.reserve(kWriters);
+    for (int i = 0; i < kWriters; ++i) {
+        callers.emplace_back([&] {
+            writeToClient(file.get(), "x", [&held, released](const Written&) {
+                ++held;
+                released.wait();
+            });
+            ++letGo;
+        });
+    }
+    EXPECT_TRUE(eventually([&] { return held == kWriters; }));
+    EXPECT_EQ(written(file.get(), "x"), (Written{WriteOutcome::CROWDED, 0}));
+    EXPECT_TRUE(eventually([&] { return letGo == kWriters; }));
+    release.set_value();
+    for (std::thread& caller : callers) {
+        caller.join();
+    }
+    EXPECT_TRUE(eventually([&] { return written(file.get(), "x") == complete("x"); }));
+}
+
+// The caller leaves, its reader stays and gets the rest.
+TEST(ClientDescriptor, WritingGoesOnWithoutTheCaller) {
+    const std::string text(3 * TestPipe::kSize, 'x');
+    TestPipe pipe;
+    const auto outcome = std::make_shared<std::promise<Written>>();
+    auto result = outcome->get_future();
+    std::atomic<bool> stop{false};
+    std::string got;
+    std::thread reader([&] {
+        while (!stop) {
+            got += pipe.isReadable() ? pipe.read(10) : "";
+            (void)poll(nullptr, 0, 50);
+        }
+    });
+    writeToClient(pipe.writeEnd(), text,
+                  [outcome](const Written& written) { outcome->set_value(written); });
+    EXPECT_FALSE(isDone(result));
+    stop = true;
+    reader.join();
+    got += readAll(pipe, text.size() - got.size());
+    EXPECT_EQ(got, text);
+    EXPECT_EQ(outcomeOf(result), complete(text));
+}
+
+// Pipes that hold all places for readers, and what becomes of the texts that are written to them.
+struct Waiting {
+    std::vector<TestPipe> pipes;
+    std::vector<std::future<Written>> results;
+
+    explicit Waiting(const std::string& text) {
+        do {
+            pipes = std::vector<TestPipe>(kWaitForReaders);
+            results.clear();
+            for (TestPipe& pipe : pipes) {
+                results.push_back(writing(pipe.fill().writeEnd(), text));
+            }
+            // The probe may have come first, and taken the place of one of them.
+        } while (!eventually([&] { return anyDone() || probeIsCrowded(); }) || anyDone());
+    }
+
+  private:
+    bool anyDone() const { return std::any_of(results.begin(), results.end(), isDone); }
+    static bool probeIsCrowded() {
+        TestPipe pipe;
+        auto result = writing(pipe.fill().writeEnd(), "x");
+        pipe.closeRead();
+        return outcomeOf(result).outcome == WriteOutcome::CROWDED;
+    }
+};
+
+TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
+    Waiting waiting("x");
+    std::vector<TestPipe>& held = waiting.pipes;
+    std::atomic<bool> stop{false};
+    // These read on, a byte at a time: they keep their places.
+    std::thread readers([&] {
+        while (!stop) {
+            for (const TestPipe& pipe : held) {
+                (void)pipe.read(1);
+            }
+            (void)poll(nullptr, 0, 50);
+        }
+    });
+    TestPipe pipe;
+    pipe.fill();
+    const auto begin = steady_clock::now();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(written(pipe.writeEnd(), "x"), (Written{WriteOutcome::CROWDED, 0}));
+    }
+    EXPECT_LT(steady_clock::now() - begin, 20 * kReaderPatience) << "they do not wait";
+    // A reader that is there needs no place.
+    TestPipe prompt;
+    EXPECT_EQ(written(prompt.writeEnd(), "x"), complete("x"));
+    stop = true;
+    readers.join();
+    for (TestPipe& one : held) {
+        (void)one.read();
+    }
+    for (auto& result : waiting.results) {
+        EXPECT_EQ(outcomeOf(result), complete("x"));
+    }
+    // The places are free again.
+    auto result = writing(pipe.writeEnd(), "x");
+    EXPECT_EQ(outcomeOf(result).outcome, WriteOutcome::UNREAD);
+}
+
+// A reader that crawls keeps its place from its first pause to its end, whoever else wants one.
+TEST(ClientDescriptor, PlaceOfAReaderThatCrawlsIsNotGivenAway) {
+    constexpr size_t kPages = 200;
+    const std::string text(kPages * TestPipe::kSize, 'x');
+    Waiting waiting(text);
+    TestPipe full;
+    full.fill();
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> rivals;
+    for (int i = kWaitForReaders; i < kWriters; ++i) {
+        rivals.emplace_back([&] {
+            while (!stop) {
+                (void)written(full.writeEnd(), "x");
+            }
+        });
+    }
+    bool readable = true;
+    for (size_t page = 0; readable && page < kPages + 1; ++page) {
+        for (const TestPipe& pipe : waiting.pipes) {
+            readable = readable && pipe.isReadable() && !pipe.read().empty();
+        }
+    }
+    EXPECT_TRUE(readable);
+    for (auto& result : waiting.results) {
+        EXPECT_EQ(outcomeOf(result), complete(text));
+    }
+    // Nobody need wait for a pipe that is read now.
+    stop = true;
+    full.closeRead();
+    for (std::thread& rival : rivals) {
+        rival.join();
+    }
+}
+
+struct Terminal {
+    unique_fd master{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};
+    unique_fd slave;
+    Terminal() {
+        EXPECT_EQ(grantpt(master.get()), 0);
+        EXPECT_EQ(unlockpt(master.get()), 0);
+        slave.reset(open(ptsname(master.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        EXPECT_TRUE(slave.ok());
+    }
+};
+
+TEST(ClientDescriptor, ReaderOfTerminalGetsEverything) {
+    std::string text;
+    while (text.size() < 100'000) {
+        text += std::to_string(text.size()) + (text.size() % 7 == 0 ? "\n" : "\t");
+    }
+    const Terminal terminal;
+    auto result = writing(terminal.slave.get(), text);
+    std::string got;
+    while (got.size() < text.size()) {
+        pollfd input{terminal.master.get(), POLLIN, 0};
+        ASSERT_EQ(poll(&input, 1, 30'000), 1);
+        std::string piece(4096, '\0');
+        const ssize_t size = read(terminal.master.get(), piece.data(), piece.size());
+        ASSERT_GT(size, 0);
+        for (const char byte : piece.substr(0, static_cast<size_t>(size))) {
+            got += byte == '\r' ? "" : std::string(1, byte);
+        }
+    }
+    EXPECT_EQ(outcomeOf(result), complete(text));
+    EXPECT_EQ(got, text);
+}
+
+// Terminals that take nothing hold nobody, however many there are.
+TEST(ClientDescriptor, TerminalsThatNobodyReadsAreGivenUp) {
+    const std::vector<Terminal> terminals(kWriters);
+    EXPECT_EQ(tcflow(terminals.front().slave.get(), TCOOFF), 0);
+    std::vector<std::future<Written>> results;
+    for (const Terminal& terminal : terminals) {
+        results.push_back(writing(terminal.slave.get(), longText()));
+    }
+    ASSERT_TRUE(eventually([&] { return std::all_of(results.begin(), results.end(), isDone); }));
+    for (auto& result : results) {
+        const WriteOutcome outcome = outcomeOf(result).outcome;
+        EXPECT_TRUE(outcome == WriteOutcome::UNREAD || outcome == WriteOutcome::CROWDED);
+    }
+    TestPipe pipe;
+    EXPECT_TRUE(eventually([&] { return written(pipe.writeEnd(), "x") == complete("x"); }));
+}
+
+TEST(ClientDescriptor, TerminalThatIsClosedFails) {
+    Terminal terminal;
+    terminal.master.reset();
+    EXPECT_EQ(written(terminal.slave.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
+}
+
+TEST(Places, AreTakenAndGivenBack) {
+    Places places(1);
+    auto first = std::make_unique<Places::Taken>(places);
+    EXPECT_TRUE(*first);
+    EXPECT_FALSE(Places::Taken(places));
+    first.reset();
+    EXPECT_TRUE(Places::Taken(places));
+    EXPECT_TRUE(Places::Taken(places)) << "each is given back once";
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
