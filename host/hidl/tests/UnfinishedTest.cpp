@@ -103,8 +103,11 @@ TEST_F(UnfinishedTest, MoreDescriptorsThanTheMessageSays) {
     std::vector<uint8_t> half = fdCall({file.get()}).bytes();
     half.resize(half.size() / 2);
     const auto attacker = connect();
+    const auto start = std::chrono::steady_clock::now();
     ASSERT_TRUE(attacker->send(half, {file.get(), file.get()}));
     EXPECT_TRUE(attacker->ends());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20))
+            << "not for its time being over";
     attacker->close();
     expectUnharmed();
 }
