@@ -15,6 +15,7 @@
 #include "RuntimeFolder.h"
 #include "ServerConnection.h"
 #include "Socket.h"
+#include "Stalls.h"
 #include "Wire.h"
 
 #undef LOG_TAG
@@ -48,7 +49,10 @@ Listener::Listener(unique_fd socket, std::string path, const sp<BHwBinder>& obje
       mFile(inodeOf(mPath)),
       mObject(object),
       mServer(randomNumber()),
-      mSpare(anyDescriptor()) {}
+      mSpare(anyDescriptor()) {
+    // What the first connection would make: clients find the process as it stays.
+    (void)Stalls::instance();
+}
 
 EventSource::Next Listener::onEvents(uint32_t, ThreadPool& pool) {
     for (int i = 0; i < kAtOnce; ++i) {
