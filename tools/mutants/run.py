@@ -1,0 +1,255 @@
+#!/usr/bin/env python3
+"""Plants bugs and tells which of them no test notices.
+
+    ./test --mutants [FOLDER]... [--list] [--only ID]... [--jobs N] [--verbose]
+
+Each row of tools/mutants/bugs/*.txt is a bug. A copy of the tree, in build/mutants, has all of them,
+each asleep until the environment variable MLK_MUTANT has its number. It is built once; then the
+tests of a bug's folder run with that bug, and if they pass those of the folders above it. A bug is
+noticed when a test fails, ends its process or hangs, and does so again when it runs alone. What
+noticed it is kept in build/mutants/learned.json, to be tried first the next time.
+"""
+
+import argparse
+import concurrent.futures
+import json
+import os
+import subprocess
+import sys
+import threading
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TREE = os.path.dirname(os.path.dirname(HERE))
+BUILD = os.path.join(TREE, "build", "mutants")
+sys.path.insert(0, HERE)
+
+import planting  # noqa: E402
+import programs  # noqa: E402
+import table  # noqa: E402
+
+# Tests up to this many seconds come before the longer ones.
+QUICK = 0.25
+
+
+def copy_tree(bugs):
+    """Brings the copy up to date; files that stay the same are not touched, for the build's sake."""
+    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=TREE,
+                            check=True, capture_output=True).stdout.decode().split("\0")
+    source = os.path.join(BUILD, "source")
+    by_file = {}
+    for bug in bugs:
+        by_file.setdefault(bug.file, []).append(bug)
+    wanted = set()
+    for file in filter(None, listed):
+        path = os.path.join(TREE, file)
+        if not os.path.isfile(path):
+            continue
+        wanted.add(file)
+        with open(path, "rb") as stream:
+            content = stream.read()
+        if file in by_file:
+            planted = planting.plant(content.decode(), by_file[file],
+                                     os.path.join(HERE, "mutant.h"))
+            content = planted.encode()
+        put(os.path.join(source, file), content, os.stat(path).st_mode)
+    for folder, _, files in os.walk(source):
+        for name in files:
+            path = os.path.join(folder, name)
+            if os.path.relpath(path, source) not in wanted:
+                os.unlink(path)
+    return source
+
+
+def put(path, content, mode):
+    """Writes a file unless it has that content."""
+    try:
+        with open(path, "rb") as stream:
+            if stream.read() == content:
+                return
+    except FileNotFoundError:
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "wb") as stream:
+        stream.write(content)
+    os.chmod(path, mode & 0o777)
+
+
+def build(source, preset, targets):
+    """Builds test programs of the copy; ends this program when that fails."""
+    folder = os.path.join(BUILD, preset)
+    if not os.path.exists(os.path.join(folder, "build.ninja")):
+        with open(os.path.join(TREE, "CMakePresets.json"), encoding="utf-8") as file:
+            flags = next(one["cacheVariables"]["CMAKE_CXX_FLAGS"]
+                         for one in json.load(file)["configurePresets"] if one["name"] == preset)
+        # What is planted may warn.
+        subprocess.run(["cmake", "--preset", preset, "-B", folder, f"-DCMAKE_CXX_FLAGS={flags} -w"],
+                       cwd=source, check=True, stdout=sys.stderr)
+    if subprocess.run(["cmake", "--build", folder, "--target", *sorted(targets)],
+                      stdout=sys.stderr, check=False).returncode != 0:
+        sys.exit("mutants: the tree with the planted bugs does not build")
+    environment = {
+        "MLK_BIN_DIR": os.path.join(folder, "bin"),
+        "MLK_SOURCE_DIR": source,
+        "TSAN_OPTIONS": f"suppressions={source}/cmake/tsan.supp",
+    }
+    return {name: programs.Program(os.path.join(folder, "tests", name), environment)
+            for name in targets}
+
+
+class Run:
+    """The bugs that are tried, by several threads, and what they came to."""
+
+    def __init__(self, built, learned, verbose):
+        self._built = built  # by preset, then by name
+        self._learned = learned
+        self._verbose = verbose
+        self._lock = threading.Lock()
+        self.noticed = {}
+        self.missed = []
+
+    def attempt(self, bug):
+        """Tries one bug and tells what came of it."""
+        start = time.monotonic()
+        preset = "tsan" if bug.threads else "default"
+        by = self._noticed_by(bug, preset)
+        with self._lock:
+            if by:
+                self.noticed[bug.id] = by
+                self._learned[bug.id] = by[:2]
+            else:
+                self.missed.append(bug)
+            if self._verbose or not by:
+                seconds = time.monotonic() - start
+                text = f"{by[0]} {by[1]} {by[2]}" if by else "NOT NOTICED"
+                print(f"{bug.id}: {text} ({seconds:.1f} s): {bug.what}", flush=True)
+
+    def _noticed_by(self, bug, preset):
+        own, above = programs.PROGRAMS[bug.folder]
+        learned = self._learned.get(bug.id)
+        if learned and learned[0] in self._built[preset]:
+            by = self._attempt(bug, preset, learned[0], [learned[1]])
+            if by:
+                return by
+        for name in own if bug.threads else own + above:
+            program = self._built[preset][name]
+            tests = [test for test in program.seconds if test not in program.excluded]
+            if bug.threads:
+                tests = program.tests(bug.threads)
+            # The short ones first.
+            for wanted in (True, False):
+                group = [test for test in tests if (program.seconds.get(test, 0) <= QUICK) == wanted]
+                by = group and self._attempt(bug, preset, name, group)
+                if by:
+                    return by
+        return None
+
+    def _attempt(self, bug, preset, name, tests):
+        """What noticed the bug: program, test, how; None when nothing did."""
+        program = self._built[preset][name]
+        while tests:
+            outcome = program.outcome(bug.number, tests, program.limit(tests))
+            if not outcome.failed:
+                return None
+            alone = [outcome.failed]
+            again = outcome if len(tests) == 1 and outcome.how == "hangs" else program.outcome(
+                bug.number, alone, program.limit(alone))
+            if again.failed:
+                return name, outcome.failed, outcome.how
+            # It passes alone: go on behind it.
+            tests = tests[tests.index(outcome.failed) + 1:] if outcome.failed in tests else []
+        return None
+
+
+def report(bugs, run, seconds):
+    """Prints a line a folder, the missed, and those that nobody can notice."""
+    print(f"\n{'folder':<18}{'planted':>8}{'noticed':>9}{'not':>5}{'unseen':>8}")
+    rows = [(folder, [bug for bug in bugs if bug.folder == folder])
+            for folder in sorted({bug.folder for bug in bugs})]
+    for folder, some in rows + [("all", bugs)]:
+        unseen = [bug for bug in some if bug.unseen]
+        noticed = [bug for bug in some if bug.id in run.noticed]
+        missed = [bug for bug in some if bug in run.missed]
+        print(f"{folder:<18}{len(some):>8}{len(noticed):>9}{len(missed):>5}{len(unseen):>8}")
+    elsewhere = [bug for bug in bugs if bug.id in run.noticed
+                 and run.noticed[bug.id][0] not in programs.PROGRAMS[bug.folder][0]]
+    print(f"\nNoticed only by a folder above: {len(elsewhere)}")
+    for bug in elsewhere:
+        print(f"  {bug.id}: {' '.join(run.noticed[bug.id])}")
+    print(f"\nNot noticed: {len(run.missed)}")
+    for bug in run.missed:
+        print(f"  {bug.id}: {bug.what} ({bug.file})")
+    unseen = [bug for bug in bugs if bug.unseen]
+    print(f"\nCannot be observed: {len(unseen)}")
+    for bug in unseen:
+        print(f"  {bug.id}: {bug.what}: {bug.unseen}")
+    print(f"\n{seconds / 60:.1f} minutes")
+
+
+def arguments():
+    parser = argparse.ArgumentParser(
+        prog="./test --mutants", formatter_class=argparse.RawDescriptionHelpFormatter,
+        description="Plants bugs, one at a time, and tells which of them no test notices.")
+    parser.add_argument("folders", nargs="*", metavar="FOLDER", help="only the bugs of that folder")
+    parser.add_argument("--only", action="append", default=[], metavar="ID", help="only that bug")
+    parser.add_argument("--list", action="store_true", help="print the bugs and end")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="bugs at once")
+    parser.add_argument("--verbose", action="store_true", help="what noticed each bug")
+    return parser.parse_args()
+
+
+def chosen(bugs, options):
+    """Of all bugs those that the command line means."""
+    for folder in options.folders:
+        if folder.rstrip("/") not in programs.PROGRAMS:
+            sys.exit(f"mutants: no folder {folder}: {', '.join(programs.PROGRAMS)}")
+    for only in options.only:
+        if all(bug.id != only for bug in bugs):
+            sys.exit(f"mutants: no bug {only}; --list has them all")
+    folders = {folder.rstrip("/") for folder in options.folders}
+    return [bug for bug in bugs if (not folders or bug.folder in folders)
+            and (not options.only or bug.id in options.only)]
+
+
+def main():
+    options = arguments()
+    every = table.read_tables(os.path.join(HERE, "bugs"))
+    bugs = chosen(every, options)
+    if options.list:
+        for bug in bugs:
+            print(f"{bug.id}: {bug.what} ({bug.file})")
+        return 0
+    start = time.monotonic()
+    tried = [bug for bug in bugs if not bug.unseen or options.only]
+    source = copy_tree(every)
+    targets = {"default": set(), "tsan": set()}
+    for bug in tried:
+        own, above = programs.PROGRAMS[bug.folder]
+        targets["tsan" if bug.threads else "default"].update(own if bug.threads else own + above)
+    built = {preset: build(source, preset, names) for preset, names in targets.items() if names}
+    print(f"built after {time.monotonic() - start:.0f} s", flush=True)
+    learned_path = os.path.join(BUILD, "learned.json")
+    learned = {}
+    if os.path.exists(learned_path):
+        with open(learned_path, encoding="utf-8") as file:
+            learned = json.load(file)
+    run = Run(built, learned, options.verbose)
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        # Not those for the thread sanitizer: they run only for bugs that it alone shows.
+        list(pool.map(lambda program: program.measure(), built.get("default", {}).values()))
+        for program in built.get("default", {}).values():
+            for name in program.excluded:
+                print(f"left out, fails without a bug: {program.name} {name}", flush=True)
+        try:
+            list(pool.map(run.attempt, tried))
+        finally:
+            with open(learned_path, "w", encoding="utf-8") as file:
+                json.dump(learned, file, indent=1)
+    report(bugs, run, time.monotonic() - start)
+    return 1 if run.missed else 0
+
+
+if __name__ == "__main__":
+    try:
+        sys.exit(main())
+    except table.TableError as error:
+        sys.exit(f"mutants: {error}")

@@ -1,0 +1,150 @@
+"""The tables of planted bugs, and how bugs are planted."""
+
+import os
+import sys
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+ROOM = os.path.dirname(HERE)
+TREE = os.path.dirname(os.path.dirname(ROOM))
+sys.path.insert(0, ROOM)
+
+import planting  # noqa: E402
+import programs  # noqa: E402
+import table  # noqa: E402
+
+
+def read(text, folder="common"):
+    return table.read_table(folder, text, "t.txt")
+
+
+def planted(source, *rows):
+    """The source with bugs that these rows, without their names, plant, numbered from 1 on."""
+    text = "== common/F.cpp\n"
+    for number, row in enumerate(rows):
+        text += f"row-{number}: a bug\n" + "".join(f"    {line}\n" for line in row.split("\n"))
+    bugs = read(text)
+    for number, bug in enumerate(bugs, 1):
+        bug.number = number
+    result = planting.plant(source, bugs, "mutant.h")
+    head = '#include "mutant.h"\n#line 1\n'
+    assert result.startswith(head)
+    return result[len(head):].replace("mlk_mutants::acts", "acts")
+
+
+class TreeTest(unittest.TestCase):
+    def setUp(self):
+        self.bugs = table.read_tables(os.path.join(ROOM, "bugs"))
+
+    def test_every_bug_fits_its_place_and_can_be_planted(self):
+        by_file = {}
+        for bug in self.bugs:
+            by_file.setdefault(bug.file, []).append(bug)
+        wrong = []
+        for file, bugs in by_file.items():
+            with open(os.path.join(TREE, file), encoding="utf-8") as stream:
+                text = stream.read()
+            for bug in bugs:
+                try:
+                    bug.place(text)
+                except table.TableError as error:
+                    wrong.append(str(error))
+            if not wrong:
+                planting.plant(text, bugs, "mutant.h")
+        self.assertEqual([], wrong)
+
+    def test_there_are_enough_and_each_folder_has_some(self):
+        self.assertGreaterEqual(len(self.bugs), 150)
+        self.assertEqual(set(programs.PROGRAMS), {bug.folder for bug in self.bugs})
+        for bug in self.bugs:
+            self.assertTrue(bug.file.startswith(bug.folder + "/"), bug.id)
+
+
+class TableTest(unittest.TestCase):
+    def test_a_row(self):
+        bug = read("# a remark\n\n== common/F.cpp\n\nless: a \"what\"\n"
+                   "    @unseen why not\n    if ([[a < b => a <= b]]) {\n        c();\n")[0]
+        self.assertEqual(("common:less", 'a "what"', "why not"), (bug.id, bug.what, bug.unseen))
+        self.assertEqual(("if (", "a < b", "a <= b", ") {\nc();"),
+                         (bug.before, bug.old, bug.new, bug.after))
+
+    def test_white_space_of_any_kind_fits(self):
+        bug = read("== common/F.cpp\nx: x\n    f(a, [[b => c]]);\n    g();\n")[0]
+        self.assertEqual((7, 8), bug.place("  f(a, b);\n\n\tg();"))
+        self.assertEqual((8, 9), bug.place("  f(a,\n b); \\\n g();"))
+
+    def test_a_place_has_to_be_the_only_one(self):
+        bug = read("== common/F.cpp\nx: x\n    f([[a => b]]);\n")[0]
+        for text in ("f(c);", "f(a); f(a);"):
+            with self.assertRaisesRegex(table.TableError, "x: fits [02] places of common/F.cpp"):
+                bug.place(text)
+
+    def test_what_is_wrong_is_told_with_its_line(self):
+        for text in ("x: x\n", "== common/F.cpp\nNo: x\n", "    code\n",
+                     "== common/F.cpp\nx: x\n    f(a);\n", "== common/F.cpp\nx: x\ny: y\n",
+                     "== common/F.cpp\nx: x\n    [[a => a]]\n",
+                     "== common/F.cpp\nx: x\n    @unseen\n    [[a => b]]\n"):
+            with self.assertRaisesRegex(table.TableError, "t.txt:[123]: "):
+                read(text)
+
+
+class PlantingTest(unittest.TestCase):
+    def test_an_expression(self):
+        self.assertEqual("f((acts(1) ? (c) : (a)));", planted("f(a);", "f([[a => c]]);"))
+
+    def test_a_part_stands_for_the_expression_it_is_in(self):
+        self.assertEqual("if ((acts(1) ? (a(')', x)) : (a(')', x) && b == c))) {",
+                         planted("if (a(')', x) && b == c) {", "[[&& b == c => ]]"))
+        self.assertEqual("int x = (acts(1) ? (y <= 3) : (y < 3));",
+                         planted("int x = y < 3;", "y [[< 3 => <= 3]];"))
+        self.assertEqual("return p ? (acts(1) ? (s. rfind(c)) : (s.find(c))) : 0;",
+                         planted("return p ? s.find(c) : 0;", "s.[[find(c) => rfind(c)]]"))
+
+    def test_a_statement_and_one_that_is_left_out(self):
+        self.assertEqual("if (acts(1)) { g(); } else { f(); }",
+                         planted("f();", "[[f(); => g();]]"))
+        self.assertEqual("a(); if (acts(1)) {  } else { f(); }",
+                         planted("a(); f();", "[[f(); => ]]"))
+
+    def test_a_lock(self):
+        self.assertEqual("const mlk_mutants::MaybeLock<std::mutex, false> lock(m, !acts(1));",
+                         planted("const std::lock_guard<std::mutex> lock(m);",
+                                 "[[const std::lock_guard<std::mutex> lock(m); => ]]"))
+
+    def test_a_constant_is_no_constexpr(self):
+        self.assertEqual("static const int k = (acts(1) ? (2) : (1));",
+                         planted("constexpr int k = 1;", "@constant\nint k = [[1 => 2]];"))
+        self.assertEqual("static const char* k = (acts(1) ? (\"b\") : (\"a\"));",
+                         planted("constexpr const char* k = \"a\";",
+                                 "@constant\nk = [[\"a\" => \"b\"]];"))
+
+    def test_two_in_one_place_and_one_within_the_other(self):
+        self.assertEqual("f((acts(1) ? (b) : ((acts(2) ? (c) : (a)))));",
+                         planted("f(a);", "f([[a => b]]);", "f([[a => c]]);"))
+        self.assertEqual("if (acts(2)) {  } else { f((acts(1) ? (b) : (a))); }",
+                         planted("f(a);", "f([[a => b]]);", "[[f(a); => ]]"))
+
+    def test_places_that_overlap_are_refused(self):
+        with self.assertRaisesRegex(table.TableError, "overlap"):
+            planted("a(); b(); c();", "[[a(); b(); => ]]", "[[b(); c(); => ]]")
+
+
+class OutcomeTest(unittest.TestCase):
+    def explained(self, status, text):
+        outcome = programs.Program("p", {})._explained(status, text, ["S.first"])
+        return outcome.failed, outcome.how
+
+    def test_which_test_noticed_it_and_how(self):
+        run = "[ RUN      ] S.a\n[       OK ] S.a (0 ms)\n[ RUN      ] S.b/0\n"
+        self.assertEqual(("S.b/0", "fails"), self.explained(
+            1, run + "[  FAILED  ] S.b/0, where GetParam() = 1 (3 ms)\n"))
+        self.assertEqual(("S.b/0", "ends its process"), self.explained(-11, run))
+        self.assertEqual(("S.b/0", "hangs"), self.explained(None, run))
+        self.assertEqual(("S.b/0", "races"), self.explained(
+            66, run + "WARNING: ThreadSanitizer: data race\n[       OK ] S.b/0 (0 ms)\n"
+            "[ RUN      ] S.c\n[       OK ] S.c (0 ms)\n"))
+        self.assertEqual(("S.first", "ends its process"), self.explained(-6, ""))
+
+
+if __name__ == "__main__":
+    unittest.main()
