@@ -55,6 +55,16 @@ std::vector<LogLine> LogCapture::lines() const {
     return mLines;
 }
 
+std::vector<std::string> LogCapture::brief() const {
+    constexpr std::string_view kLetters = "??VDIWEFS";
+    std::vector<std::string> result;
+    for (const LogLine& line : lines()) {
+        const auto priority = static_cast<size_t>(line.priority);
+        result.push_back(std::string(1, kLetters.at(priority)) + '/' + line.text);
+    }
+    return result;
+}
+
 std::vector<std::string> LogCapture::texts() const {
     std::vector<std::string> result;
     for (LogLine& line : lines()) {

@@ -27,7 +27,11 @@ class LogCapture {
     /// All lines so far, oldest first.
     std::vector<LogLine> lines() const;
 
-    /// The texts of all lines so far, oldest first.
+    /// All lines so far, oldest first: the letter of the priority, a slash and the text, as in
+    /// "E/Open x fail!". What a test expects of a line is both.
+    std::vector<std::string> brief() const;
+
+    /// The texts of all lines so far, oldest first; for what says something about every line.
     std::vector<std::string> texts() const;
 
     /// The texts of the lines with exactly this android_LogPriority and this tag, oldest first.

@@ -7,6 +7,7 @@
 
 #include <limits>
 
+#include "host/testing/QuietLog.h"
 #include "host/testing/Threads.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
 
@@ -304,6 +305,10 @@ TEST_F(AudioTest, LongestAvrPathIsTaken) {
     setAvr("v", osdName);
     EXPECT_EQ(delay("ARC"), "54321");
     EXPECT_FALSE(mService->trySetAvrOSDName(osdName + "n"));
+    EXPECT_EQ(delay("ARC"), "54321") << "the AVR before is still there";
+    mLog.clear();
+    EXPECT_TRUE(mService->trySetAvrVendorId("v"));
+    EXPECT_THAT(logged(ANDROID_LOG_DEBUG), Contains("mAvrName:AVR_v_" + osdName + ".ini"));
 }
 
 TEST_F(AudioDeathTest, TextLongerThanItsBufferEndsTheProcess) {
@@ -328,16 +333,18 @@ TEST_F(AudioDeathTest, NameOrPathThatDoesNotFitEndsTheProcess) {
             << "128 bytes of a path";
 }
 
-// Meant for the thread sanitizer, and for a delay that mixes two AVRs.
+// Meant for the thread sanitizer, and for a delay that mixes two AVRs. Half of the threads set, so
+// that two setters meet as well.
 TEST_F(AudioTest, QueriesBesideSettersSeeOneAvr) {
     startWithAllFiles();
     audioFile("avr/AVR_X_Y.ini", "50000");
     audioFile("avr/AVR_LONGER_Y.ini", "60000");
     setAvr("X", "Y");
     std::atomic<int> odd{0};
+    const mlk::testing::QuietLog quiet;
     mlk::testing::inThreads(4, [&](int thread) {
-        for (int i = 0; i < 200; ++i) {
-            if (thread == 0) {
+        for (int i = 0; i < 500; ++i) {
+            if (thread % 2 == 0) {
                 mService->setAvrVendorId(i % 2 == 0 ? "LONGER" : "X", [](const auto&) {});
             } else {
                 mService->getAudioDelay(kKey, "ARC", [&](const OptionalString& answer) {

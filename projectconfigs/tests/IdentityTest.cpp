@@ -81,6 +81,11 @@ TEST_F(IdentityTest, ProjectIdIsLookedForChunkByChunk) {
     const std::string first = "PROJECT_ID=3\n";
     EXPECT_EQ(projectOf(first + std::string(256 - first.size(), ' ') + "PROJECT_ID=4\n"), 3U)
             << "the first one counts";
+    const std::string withoutSign = "PROJECT_ID 3\n";
+    EXPECT_EQ(
+            projectOf(withoutSign + std::string(256 - withoutSign.size(), ' ') + "PROJECT_ID=4\n"),
+            0U)
+            << "the first one counts without its sign, too";
     // The number runs into what the longer chunk before left in the buffer.
     EXPECT_EQ(projectOf(std::string(256, '9') + "PROJECT_ID=5"), static_cast<unsigned int>(-1));
     EXPECT_EQ(projectOf(std::string(12, 'x') + "67" + std::string(242, 'x') + "PROJECT_ID=5"),

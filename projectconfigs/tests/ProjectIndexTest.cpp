@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
-#include <thread>
 
+#include "host/testing/QuietLog.h"
+#include "host/testing/Threads.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -178,32 +179,27 @@ TEST_F(ProjectIndexTest, ListHasTheProjectFilesInFileOrder) {
 }
 
 TEST_F(ProjectIndexTest, ChangesFromManyThreadsDoNotMix) {
-    std::vector<std::thread> threads;
-    threads.reserve(5);
-    std::atomic<int> changing = 4;
-    for (int32_t thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([this, thread, &changing] {
+    constexpr int kChanging = 4;
+    std::atomic<int> changing = kChanging;
+    const mlk::testing::QuietLog quiet;
+    mlk::testing::inThreads(kChanging + 1, [&](int thread) {
+        if (thread < kChanging) {
             for (int32_t round = 0; round < 40; ++round) {
                 const int32_t id = 1 + (thread + round) % 2;
                 EXPECT_EQ(round % 2 == 0 ? set(id) : setWithPid(id), "true");
                 EXPECT_EQ(set(7), "false");
             }
             --changing;
-        });
-    }
-    threads.emplace_back([&] {
+            return;
+        }
         while (changing > 0) {
             EXPECT_THAT(panel(), StartsWith("panel "));
             EXPECT_THAT(projectId(), AnyOf("1", "2"));
             EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
             EXPECT_EQ(asked(&IMlkProjectConfigs::getProjectIniList)->size(), 2U);
             EXPECT_EQ(asked(&IMlkProjectConfigs::getConfigsByCategory, "[PANEL]")->size(), 1U);
-            mLog.clear();
         }
     });
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
     // Whoever came last, all three agree.
     EXPECT_EQ(projectFile(), "PROJECT_ID=" + projectId() + "\n");
     EXPECT_EQ(panel(), projectId() == "1" ? "panel A" : "panel B");

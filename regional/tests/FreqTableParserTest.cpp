@@ -53,15 +53,12 @@ class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
     // The lines of the log after those of the country map, each with its level.
     std::vector<std::string> parserLines() const {
         std::vector<std::string> lines;
-        for (const mlk::testing::LogLine& line : logged()) {
-            if (line.text.rfind("GetTableList", 0) == 0) {
-                lines.push_back((line.priority == ANDROID_LOG_ERROR ? "E " : "D ") + line.text);
+        for (const std::string& line : log().brief()) {
+            if (line.substr(2).rfind("GetTableList", 0) == 0) {
+                lines.push_back(line);
             }
         }
         return lines;
-    }
-    std::vector<mlk::testing::LogLine> logged() const {
-        return const_cast<FreqTableParserTest*>(this)->log().lines();
     }
 };
 
@@ -74,11 +71,14 @@ TEST_F(FreqTableParserTest, ColumnsStandApartByBlanksOrCommas) {
                             "22/8000000/482000/E22/18", "23/8000000/490000/E23/0"));
 }
 
-TEST_F(FreqTableParserTest, LinesMayEndInACarriageReturn) {
-    EXPECT_THAT(parse("21 8000000 474000 E21\r\n22 8000000 482000 QAM64\r\n"
-                      "23 8000000 490000 E\r23\n\r\n"),
-                ElementsAre("21/8000000/474000/E21/0", "22/8000000/482000//9",
-                            "23/8000000/490000/E/0"));
+// A file that was written on another system has one at every end of a line.
+TEST_F(FreqTableParserTest, CarriageReturnsPartColumns) {
+    EXPECT_THAT(parse("21,8000000,474000\r\n"
+                      "22,8000000,482000,E22\r\n"
+                      "23,8000000,490000,E23,DVB_AUTO\r\n"
+                      "24\r8000000\r498000\rE24\rDVB_AUTO\n"),
+                ElementsAre("21/8000000/474000//0", "22/8000000/482000/E22/0",
+                            "23/8000000/490000/E23/18", "24/8000000/498000/E24/18"));
 }
 
 TEST_F(FreqTableParserTest, NumbersAreReadAsFarAsTheyGo) {
@@ -169,7 +169,7 @@ TEST_F(FreqTableParserTest, ANulByteHidesTheRestOfItsPiece) {
 
 TEST_F(FreqTableParserTest, WhatCannotBeReadFails) {
     EXPECT_THAT(parseIn(""), ElementsAre("failed"));
-    EXPECT_THAT(logged(), IsEmpty());
+    EXPECT_THAT(log().lines(), IsEmpty());
     const std::string missing = set().tvconfigs() + "/missing";
     EXPECT_THAT(parseIn(missing), ElementsAre("failed"));
     EXPECT_THAT(errors(), ElementsAre("[ParseFreqTable 92] fd is null, " + missing));
@@ -207,9 +207,9 @@ TEST_F(FreqTableParserTest, FindsACountrysTable) {
     EXPECT_TRUE(list(FreqTableType::DTV_ANTENNA, items));
     ASSERT_EQ(items.size(), 1U);
     EXPECT_EQ(textOf(items[0]), "2/6000000/57000//3");
-    EXPECT_THAT(parserLines(), ElementsAre("D GetTableList country index 44 type 0, freqName: air",
-                                           "D GetTableList full freq path,sucess 1: " + path,
-                                           "D GetTableList get freq ,sucess 1: size: 1"));
+    EXPECT_THAT(parserLines(), ElementsAre("D/GetTableList country index 44 type 0, freqName: air",
+                                           "D/GetTableList full freq path,sucess 1: " + path,
+                                           "D/GetTableList get freq ,sucess 1: size: 1"));
 }
 
 TEST_F(FreqTableParserTest, AnotherFolderMayBeGiven) {
@@ -230,7 +230,7 @@ TEST_F(FreqTableParserTest, ATableOfRemarksIsAnEmptyList) {
     std::vector<HidlFreqListItem> items(3);
     EXPECT_TRUE(list(FreqTableType::DTV_ANTENNA, items));
     EXPECT_THAT(items, IsEmpty());
-    EXPECT_EQ(parserLines().back(), "D GetTableList get freq ,sucess 1: size: 0");
+    EXPECT_EQ(parserLines().back(), "D/GetTableList get freq ,sucess 1: size: 0");
 }
 
 TEST_F(FreqTableParserTest, NoTableForTheCountry) {
@@ -238,8 +238,8 @@ TEST_F(FreqTableParserTest, NoTableForTheCountry) {
     std::vector<HidlFreqListItem> items(1);
     EXPECT_FALSE(list(FreqTableType::DTV_CABLE, items));
     EXPECT_FALSE(list(FreqTableType::DTV_ANTENNA, items));
-    EXPECT_THAT(parserLines(), ElementsAre("D GetTableList sucess 0 freqName: ",
-                                           "D GetTableList sucess 1 freqName: "));
+    EXPECT_THAT(parserLines(), ElementsAre("D/GetTableList sucess 0 freqName: ",
+                                           "D/GetTableList sucess 1 freqName: "));
     EXPECT_EQ(items.size(), 1U);
 }
 
@@ -248,11 +248,11 @@ TEST_F(FreqTableParserTest, ATableThatIsNotThere) {
     write("freqtables/dtv/air", "2 6000000 57000\n");
     std::vector<HidlFreqListItem> items;
     EXPECT_FALSE(list(FreqTableType::DTV_ANTENNA, items));
-    EXPECT_THAT(parserLines(), ElementsAre("D GetTableList country index 44 type 0, freqName:  air",
-                                           "E GetTableList full freq path,sucess 0: " +
+    EXPECT_THAT(parserLines(), ElementsAre("D/GetTableList country index 44 type 0, freqName:  air",
+                                           "E/GetTableList full freq path,sucess 0: " +
                                                    set().tvconfigs() + "/freqtables/dtv/ air"));
     EXPECT_FALSE(list(FreqTableType::ATV_ANTENNA, items));
-    EXPECT_EQ(parserLines().back(), "E GetTableList full freq path,sucess 0: " + set().tvconfigs() +
+    EXPECT_EQ(parserLines().back(), "E/GetTableList full freq path,sucess 0: " + set().tvconfigs() +
                                             "/freqtables/atv/ntsc");
 }
 
@@ -261,7 +261,12 @@ TEST_F(FreqTableParserTest, ATableThatCannotBeRead) {
     set().dir().mkdir("tvconfigs/freqtables/dtv/air");
     std::vector<HidlFreqListItem> items;
     EXPECT_FALSE(list(FreqTableType::DTV_ANTENNA, items));
-    EXPECT_EQ(parserLines().back(), "D GetTableList get freq ,sucess 0: size: 0");
+    EXPECT_EQ(parserLines().back(), "D/GetTableList get freq ,sucess 0: size: 0");
+    EXPECT_THAT(errors(),
+                ElementsAre(set().tvconfigs() +
+                                    "/freqtables/dtv/air: cannot be read: not a regular file",
+                            "[ParseFreqTable 92] fd is null, " + set().tvconfigs() +
+                                    "/freqtables/dtv/air"));
 }
 
 }  // namespace

@@ -83,6 +83,7 @@ class RegionalFiles {
     mlk::testing::HostSet& set() { return mSet; }
     const mlk::testing::HostSet& set() const { return mSet; }
     mlk::testing::LogCapture& log() { return mLog; }
+    const mlk::testing::LogCapture& log() const { return mLog; }
     std::vector<std::string> debugLines() const {
         return mLog.texts(ANDROID_LOG_DEBUG, "MlkProjectConfigs");
     }

@@ -2,6 +2,7 @@
 """Plants bugs and tells which of them no test notices.
 
     ./test --mutants [FOLDER]... [--list] [--only ID]... [--jobs N] [--verbose]
+                   [--own] [--no-threads]
 
 Each row of tools/mutants/bugs/*.txt is a bug. A copy of the tree, in build/mutants, has all of them,
 each asleep until the environment variable MLK_MUTANT has its number. It is built once; then the
@@ -99,8 +100,9 @@ def build(source, preset, targets):
 class Run:
     """The bugs that are tried, by several threads, and what they came to."""
 
-    def __init__(self, built, learned, verbose):
+    def __init__(self, built, learned, own, verbose):
         self._built = built  # by preset, then by name
+        self._own = own
         self._learned = learned
         self._verbose = verbose
         self._lock = threading.Lock()
@@ -130,7 +132,7 @@ class Run:
             by = self._attempt(bug, preset, learned[0], [learned[1]])
             if by:
                 return by
-        for name in own if bug.threads else own + above:
+        for name in own if bug.threads or self._own else own + above:
             program = self._built[preset][name]
             tests = [test for test in program.seconds if test not in program.excluded]
             if bug.threads:
@@ -192,6 +194,9 @@ def arguments():
     parser.add_argument("folders", nargs="*", metavar="FOLDER", help="only the bugs of that folder")
     parser.add_argument("--only", action="append", default=[], metavar="ID", help="only that bug")
     parser.add_argument("--list", action="store_true", help="print the bugs and end")
+    parser.add_argument("--no-threads", action="store_true",
+                        help="leave out the bugs for the thread sanitizer, which is a second build")
+    parser.add_argument("--own", action="store_true", help="only the tests of a bug's own folder")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="bugs at once")
     parser.add_argument("--verbose", action="store_true", help="what noticed each bug")
     return parser.parse_args()
@@ -207,7 +212,8 @@ def chosen(bugs, options):
             sys.exit(f"mutants: no bug {only}; --list has them all")
     folders = {folder.rstrip("/") for folder in options.folders}
     return [bug for bug in bugs if (not folders or bug.folder in folders)
-            and (not options.only or bug.id in options.only)]
+            and (not options.only or bug.id in options.only)
+            and not (options.no_threads and bug.threads)]
 
 
 def main():
@@ -224,7 +230,8 @@ def main():
     targets = {"default": set(), "tsan": set()}
     for bug in tried:
         own, above = programs.PROGRAMS[bug.folder]
-        targets["tsan" if bug.threads else "default"].update(own if bug.threads else own + above)
+        targets["tsan" if bug.threads else "default"].update(
+            own if bug.threads or options.own else own + above)
     built = {preset: build(source, preset, names) for preset, names in targets.items() if names}
     print(f"built after {time.monotonic() - start:.0f} s", flush=True)
     learned_path = os.path.join(BUILD, "learned.json")
@@ -232,7 +239,7 @@ def main():
     if os.path.exists(learned_path):
         with open(learned_path, encoding="utf-8") as file:
             learned = json.load(file)
-    run = Run(built, learned, options.verbose)
+    run = Run(built, learned, options.own, options.verbose)
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         # Not those for the thread sanitizer: they run only for bugs that it alone shows.
         list(pool.map(lambda program: program.measure(), built.get("default", {}).values()))
@@ -241,6 +248,9 @@ def main():
                 print(f"left out, fails without a bug: {program.name} {name}", flush=True)
         try:
             list(pool.map(run.attempt, tried))
+        except BaseException:
+            pool.shutdown(cancel_futures=True)
+            raise
         finally:
             with open(learned_path, "w", encoding="utf-8") as file:
                 json.dump(learned, file, indent=1)

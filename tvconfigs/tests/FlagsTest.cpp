@@ -221,12 +221,17 @@ TEST_F(FlagsTest, GettersDoNotWaitForAWrite) {
             answers.push_back(tvFlag(kPvr).get(*service));
             answers.push_back(getFlag(*service, ConfigType::PVR));
             answers.push_back(tvSystems()[0].get(*service));
+            answers.push_back(tvSystems()[1].get(*service));
         }
     }));
     const sp<IMlkTvConfigs> owner = new TvConfigsWithEditors(nullptr, std::move(editors));
     service = owner.get();
     EXPECT_EQ(tvFlag(kPvr).set(*service, true), "true");
-    EXPECT_THAT(answers, ElementsAre("true", "true", "0"));
+    EXPECT_THAT(answers, ElementsAre("true", "true", "0", "0"));
+    answers.clear();
+    EXPECT_EQ(tvSystems()[1].set(*service, 3), "3");
+    EXPECT_THAT(answers, ElementsAre("true", "true", "0", "3"))
+            << "a value is answered before it is written";
 }
 
 }  // namespace

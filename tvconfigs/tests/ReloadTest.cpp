@@ -37,8 +37,8 @@ TEST_F(ReloadTest, TakesAnotherFilesValues) {
     EXPECT_EQ(reload(*service, other), "true");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "false");
     EXPECT_EQ(tvFlag(kHdmi).get(*service), "true");
-    EXPECT_THAT(mSet.log().texts(), ElementsAre("Open " + other + " success!",
-                                                StartsWith("MlkTvConfigs:\n\tmAtvSystem:0")));
+    EXPECT_THAT(mSet.log().brief(), ElementsAre("E/Open " + other + " success!",
+                                                StartsWith("D/MlkTvConfigs:\n\tmAtvSystem:0")));
 }
 
 TEST_F(ReloadTest, SeesPropertiesThatSomebodyElseChanged) {

@@ -235,10 +235,10 @@ TEST_F(StartTest, UsesTheGivenFileWhereItCanBeRead) {
     EXPECT_EQ(tvFlag(kAtv).get(*service), "false");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
     // The choice is told by nothing but what was opened.
-    const auto lines = mSet.log().texts();
+    const auto lines = mSet.log().brief();
     ASSERT_EQ(lines.size(), 2U);
-    EXPECT_EQ(lines[0], "Open " + given + " success!");
-    EXPECT_EQ(lines[1].substr(0, 13), "MlkTvConfigs:");
+    EXPECT_EQ(lines[0], "E/Open " + given + " success!");
+    EXPECT_EQ(lines[1].substr(0, 15), "D/MlkTvConfigs:");
 }
 
 TEST_F(StartTest, UsesTheDefaultFileOtherwise) {
@@ -248,8 +248,8 @@ TEST_F(StartTest, UsesTheDefaultFileOtherwise) {
         mSet.log().clear();
         const sp<IMlkTvConfigs> service = new MlkTvConfigs(path);
         EXPECT_EQ(tvFlag(kAtv).get(*service), "true");
-        ASSERT_FALSE(mSet.log().texts().empty());
-        EXPECT_EQ(mSet.log().texts()[0], "Open " + mSet.path() + " success!");
+        ASSERT_FALSE(mSet.log().brief().empty());
+        EXPECT_EQ(mSet.log().brief()[0], "E/Open " + mSet.path() + " success!");
     }
 }
 
@@ -258,7 +258,7 @@ TEST_F(StartTest, AFolderCanBeReadButNotOpened) {
     mSet.setProperty(kPvr, "true");
     const std::string folder = mSet.dir().path("tvconfigs");
     const sp<IMlkTvConfigs> service = new MlkTvConfigs(folder.c_str());
-    EXPECT_EQ(mSet.log().texts()[0], "ERROR: Open " + folder + " fail!");
+    EXPECT_EQ(mSet.log().brief()[0], "E/ERROR: Open " + folder + " fail!");
     EXPECT_EQ(tvFlag(kAtv).get(*service), "false");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
 }

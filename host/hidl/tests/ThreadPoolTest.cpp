@@ -108,7 +108,7 @@ TEST_F(ThreadPoolTest, ExceptionEndsItsSourceOnly) {
     ASSERT_NE(0U, mPool.add(source, true));
     source->write();
     EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
-    EXPECT_THAT(log.texts(), ::testing::ElementsAre("a connection ends: thrown by the test"));
+    EXPECT_THAT(log.brief(), ::testing::ElementsAre("E/a connection ends: thrown by the test"));
     const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
     ASSERT_NE(0U, mPool.add(other, true));
     other->write();
@@ -154,8 +154,8 @@ TEST_F(ThreadPoolTest, NothingToWaitOn) {
         int descriptor() const override { return -1; }
     };
     EXPECT_EQ(0U, mPool.add(std::make_shared<NoDescriptor>(), true));
-    EXPECT_THAT(log.texts(),
-                ::testing::ElementsAre("cannot wait on a connection: Bad file descriptor"));
+    EXPECT_THAT(log.brief(),
+                ::testing::ElementsAre("E/cannot wait on a connection: Bad file descriptor"));
 }
 
 TEST_F(ThreadPoolTest, ManySourcesComeAndGoWhileTheyAreServed) {

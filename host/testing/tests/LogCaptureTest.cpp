@@ -19,6 +19,7 @@ TEST(LogCapture, TakesEveryLineOfItsLifeTime) {
     __android_log_write(ANDROID_LOG_ERROR, "other", "two");
     __android_log_write(ANDROID_LOG_ERROR, "tag", "three");
     EXPECT_THAT(log.texts(), ElementsAre("one\n", "two", "three"));
+    EXPECT_THAT(log.brief(), ElementsAre("V/one\n", "E/two", "E/three"));
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "tag"), ElementsAre("three"));
     EXPECT_THAT(log.texts(ANDROID_LOG_WARN, "tag"), IsEmpty());
     ASSERT_THAT(log.lines(), SizeIs(3));

@@ -8,6 +8,7 @@ namespace mlk::ctl {
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 
 const Word kText{"PATH", Word::Kind::TEXT};
@@ -138,6 +139,9 @@ TEST(ArgumentTest, ANumberMayHaveNames) {
 
 TEST(ArgumentTest, LongOnesAreCutInMessages) {
     EXPECT_LT(refusedNumber(word(std::string(100'000, 'x'))).size(), 200U);
+    const std::string digits(60, '1');
+    EXPECT_THAT(refusedNumber(Argument::ofOther(digits)), EndsWith(", not " + digits));
+    EXPECT_THAT(refusedNumber(Argument::ofOther(digits + "2")), EndsWith(", not " + digits));
     EXPECT_LT(refusedNumber(Argument::ofOther(std::string(100'000, '1'))).size(), 200U);
 }
 

@@ -63,6 +63,7 @@ TEST(JsonStringTest, ShowsOtherBytes) {
 
 TEST(PrintableTest, EscapesWhatATerminalWouldObey) {
     EXPECT_EQ(printable("a\x1b[31m\n\x7f\xc2\x9b\xff"), R"(a\u001b[31m\n\u007f\u009b\udcff)");
+    EXPECT_EQ(printable("\x1f\xc2\x80\xc2\x9f\xc2\xa0 "), "\\u001f\\u0080\\u009f\xc2\xa0 ");
     EXPECT_EQ(printable("say \"\\\" \xc3\xa4"), "say \"\\\" \xc3\xa4");
 }
 

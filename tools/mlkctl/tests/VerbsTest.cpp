@@ -59,6 +59,12 @@ TEST(WaitTest, ReturnsWhenAllAnswer) {
     EXPECT_EQ(outcome.out + outcome.err, "");
 }
 
+TEST(WaitTest, TakesADayAndNoMore) {
+    Script script;
+    EXPECT_EQ(runMlkctl({"wait", "--timeout", "86400"}, script).status, 0);
+    EXPECT_EQ(runMlkctl({"wait", "--timeout", "86400.0001"}, script).status, 2);
+}
+
 TEST(WaitTest, AsksUntilTheyDo) {
     Script script;
     std::atomic<int> asked{0};
