@@ -97,6 +97,41 @@ def build(source, preset, targets):
             for name in targets}
 
 
+def load(name):
+    """What a run before has left in build/mutants; empty when there was none."""
+    path = os.path.join(BUILD, name)
+    if not os.path.exists(path):
+        return {}
+    with open(path, encoding="utf-8") as file:
+        return json.load(file)
+
+
+def save(name, content):
+    with open(os.path.join(BUILD, name), "w", encoding="utf-8") as file:
+        json.dump(content, file, indent=1)
+
+
+def measure(pool, built):
+    """Runs all programs without a bug, unless that was done since they were built."""
+    former = load("measured.json")
+    stamps = {}
+    for name, program in built.items():
+        folder = program.environment["MLK_BIN_DIR"]
+        files = [program.path] + [os.path.join(folder, file) for file in sorted(os.listdir(folder))]
+        stamps[name] = [os.stat(file).st_mtime_ns for file in files]
+        known = former.get(name)
+        if known and known["stamp"] == stamps[name]:
+            program.seconds, program.excluded = known["seconds"], known["excluded"]
+    missing = [program for program in built.values() if not program.seconds]
+    list(pool.map(lambda program: program.measure(), missing))
+    for name, program in built.items():
+        former[name] = {"stamp": stamps[name], "seconds": program.seconds,
+                        "excluded": program.excluded}
+        for test in program.excluded:
+            print(f"left out, fails without a bug: {name} {test}", flush=True)
+    save("measured.json", former)
+
+
 class Run:
     """The bugs that are tried, by several threads, and what they came to."""
 
@@ -234,26 +269,18 @@ def main():
             own if bug.threads or options.own else own + above)
     built = {preset: build(source, preset, names) for preset, names in targets.items() if names}
     print(f"built after {time.monotonic() - start:.0f} s", flush=True)
-    learned_path = os.path.join(BUILD, "learned.json")
-    learned = {}
-    if os.path.exists(learned_path):
-        with open(learned_path, encoding="utf-8") as file:
-            learned = json.load(file)
+    learned = load("learned.json")
     run = Run(built, learned, options.own, options.verbose)
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         # Not those for the thread sanitizer: they run only for bugs that it alone shows.
-        list(pool.map(lambda program: program.measure(), built.get("default", {}).values()))
-        for program in built.get("default", {}).values():
-            for name in program.excluded:
-                print(f"left out, fails without a bug: {program.name} {name}", flush=True)
+        measure(pool, built.get("default", {}))
         try:
             list(pool.map(run.attempt, tried))
         except BaseException:
             pool.shutdown(cancel_futures=True)
             raise
         finally:
-            with open(learned_path, "w", encoding="utf-8") as file:
-                json.dump(learned, file, indent=1)
+            save("learned.json", learned)
     report(bugs, run, time.monotonic() - start)
     return 1 if run.missed else 0
 

@@ -19,6 +19,7 @@ with "@" between the two say more:
 
 import os
 import re
+import zlib
 from dataclasses import dataclass
 
 _ROW = re.compile(r"([a-z0-9][a-z0-9-]*): (\S.*)")
@@ -30,7 +31,7 @@ class TableError(Exception):
 
 @dataclass
 class Bug:
-    """One row. `number` is its place among all rows, from 1 on; it is not kept anywhere."""
+    """One row. `number` is what MLK_MUTANT names it by, never 0."""
 
     folder: str
     file: str
@@ -118,17 +119,17 @@ def read_table(folder, text, name):
 
 
 def read_tables(folder):
-    """Reads all tables of a folder, numbered in the order of their names."""
+    """Reads all tables of a folder. A bug's number stays when others come or go."""
     bugs = []
     for name in sorted(os.listdir(folder)):
         if name.endswith(".txt"):
             with open(os.path.join(folder, name), encoding="utf-8") as file:
                 # "host-hidl.txt" is the table of host/hidl.
                 bugs += read_table(name[:-4].replace("-", "/"), file.read(), name)
-    names = set()
-    for number, bug in enumerate(bugs, 1):
-        if bug.id in names:
-            raise TableError(f"{bug.where}: {bug.id} is there twice")
-        names.add(bug.id)
-        bug.number = number
+    numbers = set()
+    for bug in bugs:
+        bug.number = zlib.crc32(bug.id.encode()) >> 4 | 1
+        if bug.number in numbers:
+            raise TableError(f"{bug.where}: {bug.id} is there twice, or needs another name")
+        numbers.add(bug.number)
     return bugs

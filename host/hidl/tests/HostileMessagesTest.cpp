@@ -193,6 +193,26 @@ const Row kRows[] = {
         withSize("SizeOneLess", 3),
         withSize("SizeHuge", 0xffffffff),
         changed("ObjectNobodyReads", OK, [](RawMessage& m) { (void)m.buffer({1, 2, 3}); }),
+        // What nobody reads is refused by the transport or not at all.
+        changed("BytesBehindTheLastObject", BAD_VALUE,
+                [](RawMessage& m) { m.objects[1].bytes.resize(16); }),
+        changed("NullWithLengthThatNobodyReads", BAD_VALUE,
+                [](RawMessage& m) {
+                    auto& null = m.objects[m.buffer({1, 2, 3})];
+                    null.record.flags = WireObject::kIsNull;
+                    null.bytes.clear();
+                }),
+        changed("PartOfNullThatNobodyReads", BAD_VALUE,
+                [](RawMessage& m) {
+                    const size_t parent = m.buffer({});
+                    m.objects[parent].record.flags = WireObject::kIsNull;
+                    (void)m.embedded({1}, static_cast<uint32_t>(parent), 0);
+                }),
+        changed("PartAtAnOddPlaceThatNobodyReads", BAD_VALUE,
+                [](RawMessage& m) {
+                    const size_t parent = m.buffer(std::vector<uint8_t>(16));
+                    (void)m.embedded({1}, static_cast<uint32_t>(parent), 4);
+                }),
 
         // Handles.
         withCount("HandleOfAnotherVersion", 0, 13),

@@ -193,5 +193,11 @@ TEST(ParcelErrorsTest, WritingFailsForGood) {
     }
 }
 
+TEST(ParcelErrorsTest, TheLargestHandlesAreWritten) {
+    Parcel parcel;
+    EXPECT_EQ(OK, writeHandle(kVersion, 1024, 0, &parcel));
+    EXPECT_EQ(OK, writeHandle(kVersion, 0, 1024, &parcel));
+}
+
 }  // namespace
 }  // namespace mlk::test

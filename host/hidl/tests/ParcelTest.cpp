@@ -247,6 +247,18 @@ TEST(ParcelReuseTest, DescriptorsAreClosed) {
     EXPECT_EQ(0, read(pipe.out.get(), &byte, 1));  // no writer is left
 }
 
+TEST(ParcelErrorTest, AStatusArrivesWithItsMessage) {
+    using ::android::hardware::Status;
+    Parcel sent;
+    const Status status = Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, "not now");
+    EXPECT_EQ(OK, ::android::hardware::writeToParcel(status, &sent));
+    Parcel arrived;
+    ASSERT_EQ(OK, travel(sent, &arrived));
+    Status read;
+    EXPECT_EQ(OK, ::android::hardware::readFromParcel(&read, arrived));
+    EXPECT_EQ("EX_ILLEGAL_STATE: not now", read.description());
+}
+
 TEST(ParcelErrorTest, RemoteObjectIsRefused) {
     class Remote : public IBinder {
         ::android::status_t transact(uint32_t, const Parcel&, Parcel*, uint32_t,
@@ -261,6 +273,9 @@ TEST(ParcelErrorTest, RemoteObjectIsRefused) {
     Parcel parcel;
     EXPECT_EQ(INVALID_OPERATION, parcel.writeStrongBinder(new Remote));
     EXPECT_EQ(INVALID_OPERATION, parcel.writeError());
+    size_t handle;
+    EXPECT_NE(INVALID_OPERATION, parcel.writeEmbeddedBuffer("", 1, &handle, 7, 0));
+    EXPECT_EQ(INVALID_OPERATION, parcel.writeError()) << "the first error counts";
 }
 
 // Takes part in the end of a process after the main thread's own things have gone.

@@ -32,6 +32,8 @@ TEST(StatusTest, Descriptions) {
              "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '"},
             {Status::fromStatusT(::android::UNKNOWN_TRANSACTION),
              "Status(EX_TRANSACTION_FAILED): 'UNKNOWN_TRANSACTION: '"},
+            {Status::fromStatusT(::android::NO_INIT),
+             "Status(EX_TRANSACTION_FAILED): 'NO_INIT: '"},
             {Status::fromStatusT(-4711),
              "Status(EX_TRANSACTION_FAILED): '-4711 Unknown error 4711: '"},
             {Status::fromExceptionCode(Status::EX_ILLEGAL_ARGUMENT),

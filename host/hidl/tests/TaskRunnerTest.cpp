@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/Threads.h"
 
 namespace mlk::test {
@@ -49,6 +50,17 @@ TEST(TaskRunnerTest, HasALimit) {
         gate.set_value();
     }
     EXPECT_EQ(2, ran);
+}
+
+// Between two tasks the thread waits, and has to be told of the second.
+TEST(TaskRunnerTest, RunsATaskThatComesLater) {
+    std::atomic<int> ran{0};
+    TaskRunner runner;
+    runner.start(1);
+    for (int task = 1; task <= 20; ++task) {
+        EXPECT_TRUE(testing::eventually([&] { return runner.push([&] { ++ran; }); }));
+        ASSERT_TRUE(testing::eventually([&] { return ran == task; })) << task;
+    }
 }
 
 TEST(TaskRunnerTest, TaskMayEndItsRunner) {

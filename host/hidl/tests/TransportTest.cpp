@@ -202,6 +202,22 @@ TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
     EXPECT_EQ(5, recv(mThere.get(), room.data(), room.size(), 0));
 }
 
+TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
+    std::string text(1000, 'x');  // more pieces than the kernel takes at once
+    Sending sending;
+    for (char& letter : text) sending.pieces.push_back({&letter, 1});
+    sending.descriptors = {STDERR_FILENO};
+    EXPECT_EQ(0, sendPieces(mHere.get(), &sending, 0));
+    std::vector<char> room(text.size());
+    std::vector<unique_fd> descriptors;
+    for (size_t filled = 0; filled < text.size();) {
+        const ssize_t got = receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0);
+        ASSERT_GT(got, 0);
+        filled += static_cast<size_t>(got);
+    }
+    EXPECT_EQ(1U, descriptors.size());
+}
+
 TEST_F(TransportTest, SendingToNobody) {
     mThere.reset();
     char byte = 'x';

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <ctime>
 #include <sstream>
 #include <thread>
@@ -179,6 +180,24 @@ TEST(HostLog, ASignalThatWaitedAlreadyGoesOnWaiting) {
     }
     const timespec now{};
     EXPECT_EQ(sigtimedwait(&brokenPipe, nullptr, &now), SIGPIPE);
+}
+
+TEST(HostLog, LoggingChangesNeitherErrnoNorTheSignalMask) {
+    sigset_t brokenPipe;
+    sigemptyset(&brokenPipe);
+    sigaddset(&brokenPipe, SIGPIPE);
+    ASSERT_EQ(pthread_sigmask(SIG_UNBLOCK, &brokenPipe, nullptr), 0);
+    const unique_fd full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    ASSERT_TRUE(full.ok());
+    {
+        const ErrorsTo nobody(full.get());
+        errno = EXDEV;
+        __android_log_write(ANDROID_LOG_ERROR, "tag", "lost");
+    }
+    EXPECT_EQ(errno, EXDEV);
+    sigset_t now;
+    ASSERT_EQ(pthread_sigmask(SIG_BLOCK, nullptr, &now), 0);
+    EXPECT_EQ(sigismember(&now, SIGPIPE), 0);
 }
 
 TEST(HostLog, AnInterruptedMessageIsWhole) {

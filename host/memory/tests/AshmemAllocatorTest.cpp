@@ -143,9 +143,38 @@ TEST(AshmemAllocator, RefusesWhatTheSystemDoesNotGive) {
     EXPECT_FALSE(allocate(*allocator, 8192));
     EXPECT_FALSE(batchAllocate(*allocator, 8192, 3));
     EXPECT_TRUE(allocate(*allocator, 8191));
+    // The most bytes that may be asked for are not refused before the system does.
+    const sp<AshmemAllocator> ofALargeSystem =
+            new AshmemAllocator([] { return 4 * AshmemAllocator::kMaxBytes; });
+    EXPECT_FALSE(allocate(*ofALargeSystem, AshmemAllocator::kMaxBytes));
     EXPECT_THAT(errors(log), ElementsAre("refused 1 block(s) of 8192 bytes: File too large",
-                                         "refused 3 block(s) of 8192 bytes: File too large"));
+                                         "refused 3 block(s) of 8192 bytes: File too large",
+                                         "refused 1 block(s) of 1073741824 bytes: File too large"));
     EXPECT_EQ(::mlk::testing::descriptorsOf(getpid()), before);
+}
+
+TEST(AshmemAllocator, ABatchThatFailsHalfWayGivesNothing) {
+    const LogCapture log;
+    const sp<AshmemAllocator> allocator = new AshmemAllocator;
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    const int next = dup(STDIN_FILENO);
+    ASSERT_GE(next, 0);
+    close(next);
+    const rlimit two{static_cast<rlim_t>(next) + 2, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &two), 0);
+    bool answered = false;
+    const auto call = allocator->batchAllocate(4096, 3, [&](bool success, const auto& batch) {
+        answered = true;
+        EXPECT_FALSE(success);
+        EXPECT_EQ(batch.size(), 0U);
+    });
+    EXPECT_TRUE(call.isOk());
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_TRUE(answered);
+    EXPECT_THAT(errors(log), ElementsAre("refused 3 block(s) of 4096 bytes: Too many open files"));
+    EXPECT_EQ(dup(STDIN_FILENO), next) << "no block is left open";
+    close(next);
 }
 
 TEST(AshmemAllocator, LeavesHalfOfTheSystemsMemory) {
