@@ -57,7 +57,6 @@ class File {
     /** As read(), with fewer than size bytes only at the end of the file. */
     ssize_t readUpTo(char* buffer, size_t size);
 
-
   private:
     int mFd = -1;
     int mError = 0;  // errno of the failed opening

@@ -2,7 +2,6 @@
 
 #include <cutils/properties.h>
 
-
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::android::hardware::Return;

@@ -32,7 +32,8 @@ TEST_P(ReplyLimitTest, WhatADeviceDelivers) {
 TEST_P(ReplyLimitTest, WhatADeviceDoesNotDeliver) {
     const std::string path = file(1'044'000);
     if (likeADevice()) {
-        const auto status = mService->getTvFile(path, [](const ::android::hardware::hidl_vec<uint8_t>&) { FAIL(); });
+        const auto status = mService->getTvFile(
+                path, [](const ::android::hardware::hidl_vec<uint8_t>&) { FAIL(); });
         EXPECT_EQ(status.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     } else {
         EXPECT_TRUE(isSentWhole(path));

@@ -84,9 +84,9 @@ void expectWhole(Scenario& scenario, bool canRead = true) {
 }
 
 TEST(FaultsTest, RunWithoutFaults) {
-    EXPECT_THAT(reference().answers, ::testing::ElementsAre("started", "1 1", "1 1", "1 1", "1 1",
-                                                            "1 0", "1 0", "1 2", "1 DVB", "1 1",
-                                                            "GERMANY\nNORWAY\n"));
+    EXPECT_THAT(reference().answers,
+                ::testing::ElementsAre("started", "1 1", "1 1", "1 1", "1 1", "1 0", "1 0", "1 2",
+                                       "1 DVB", "1 1", "GERMANY\nNORWAY\n"));
     for (const char* call : {"open", "read", "write", "fsync", "close", "ftruncate", "fallocate",
                              "mkdir", "rename", "unlink"}) {
         EXPECT_GT(reference().calls.count(call), 0U) << call;

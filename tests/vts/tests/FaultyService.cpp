@@ -156,15 +156,39 @@ class FaultyTv : public MlkTvConfigs {
 
   public:
     using MlkTvConfigs::MlkTvConfigs;
-#define SYSTEM(Name, ...)                                  \
-    ANSWER(get##Name, (get##Name##_cb callback), (faulty)) \
-    CHANGE(set##Name, (int32_t a, set##Name##_cb callback), (a, faulty), (OptionalInt32{true, a}))
-    MLK_TV_SYSTEMS(SYSTEM)
-#undef SYSTEM
-#define FLAG(type, Name, getter, ...)                \
+#define SYSTEM(getter, setter)                       \
     ANSWER(getter, (getter##_cb callback), (faulty)) \
-    CHANGE(set##Name, (bool a, set##Name##_cb callback), (a, faulty), (OptionalBool{true, a}))
-    MLK_TV_FLAGS(FLAG)
+    CHANGE(setter, (int32_t a, setter##_cb callback), (a, faulty), (OptionalInt32{true, a}))
+    SYSTEM(getAtvSystem, setAtvSystem)
+    SYSTEM(getDtvSystem, setDtvSystem)
+#undef SYSTEM
+#define FLAG(getter, setter)                         \
+    ANSWER(getter, (getter##_cb callback), (faulty)) \
+    CHANGE(setter, (bool a, setter##_cb callback), (a, faulty), (OptionalBool{true, a}))
+    FLAG(atvEnabled, setAtvEnabled)
+    FLAG(atvAntennaEnabled, setAtvAntennaEnabled)
+    FLAG(atvCableEnabled, setAtvCableEnabled)
+    FLAG(dtvEnabled, setDtvEnabled)
+    FLAG(dtvAntennaEnabled, setDtvAntennaEnabled)
+    FLAG(dtvCableEnabled, setDtvCableEnabled)
+    FLAG(dtvSatelliteEnabled, setDtvSatelliteEnabled)
+    FLAG(pvrEnabled, setPvrEnabled)
+    FLAG(livepauseEnabled, setLivepauseEnabled)
+    FLAG(hdmiEnabled, setHdmiEnabled)
+    FLAG(vgaEnabled, setVgaEnabled)
+    FLAG(avEnabled, setAvEnabled)
+    FLAG(yppEnabled, setYppEnabled)
+    FLAG(ciEnabled, setCiEnabled)
+    FLAG(pipEnabled, setPipEnabled)
+    FLAG(mheg5Enabled, setMheg5Enabled)
+    FLAG(gingaEnabled, setGingaEnabled)
+    FLAG(hbbtvEnabled, setHbbtvEnabled)
+    FLAG(teltexEnabled, setTeltexEnabled)
+    FLAG(closeCaptionEnabled, setCloseCaptionEnabled)
+    FLAG(atscCloseCaptionEnabled, setAtscCloseCaptionEnabled)
+    FLAG(ntscCloseCaptionEnabled, setNtscCloseCaptionEnabled)
+    FLAG(isdbCloseCaptionEnabled, setIsdbCloseCaptionEnabled)
+    FLAG(getWOWEnabled, setWOWEnabled)
 #undef FLAG
     ANSWER(getFlag, (ConfigType a, getFlag_cb callback), (a, faulty))
     CHANGE(setFlag, (ConfigType a, bool b, setFlag_cb callback), (a, b, faulty),
@@ -178,8 +202,30 @@ class FaultyFramework : public MlkFrameworkConfigs {
     static constexpr const char* kInterface = "IMlkFrameworkConfigs";
 
   public:
-#define ITEM(getter, ...) ANSWER(getter, (getter##_cb callback), (faulty))
-    MLK_FRAMEWORK_ITEMS(ITEM)
+#define ITEM(getter) ANSWER(getter, (getter##_cb callback), (faulty))
+    ITEM(inputMp4PtsDebugEnabled)
+    ITEM(inputMp4AvsyncDebuEnabledg)
+    ITEM(inputMp4FwptsDebugEnabled)
+    ITEM(inputMp4DumpesEnabled)
+    ITEM(inputMp4PerformanceDebugEnabled)
+    ITEM(inputMKVDebugEnabled)
+    ITEM(mediaDebugEnabled)
+    ITEM(isMediaFreeRun)
+    ITEM(isMediaAudioMaster)
+    ITEM(isMediaNoVideoDemux)
+    ITEM(isMediaNoAudioDemux)
+    ITEM(mlkPlayerAdaptiveStreamEnabled)
+    ITEM(getTvserviceDumpLevel)
+    ITEM(strEnabled)
+    ITEM(getForceStrEnabled)
+    ITEM(getWowEnabled)
+    ITEM(getMediaDebugCmd)
+    ITEM(getResumePowerKey)
+    ITEM(getMediaVdecInfo)
+    ITEM(getBtA2DPAoutID)
+    ITEM(argb4444Enabled)
+    ITEM(hbbtvEnabled)
+    ITEM(moduleTestEnabled)
 #undef ITEM
     CHANGE(setForceStrEnabled, (bool a, setForceStrEnabled_cb callback), (a, faulty),
            (OptionalBool{true, a}))

@@ -157,10 +157,10 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
     expectFailure({"IMlkProjectConfigs", "getEQPath", "2"}, script, 3,
                   "IMlkProjectConfigs getEQPath: no answer; there is none if the index is not 0 or "
                   "1");
-    expectFailure(
-            {"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
-            "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not now'; there "
-            "is none if the item is a number other than 0, 1 and 2");
+    expectFailure({"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
+                  "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not "
+                  "now'; there "
+                  "is none if the item is a number other than 0, 1 and 2");
     expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
                   "IMlkProjectConfigs getPanelName: the service died during the call");
 }
