@@ -205,5 +205,16 @@ TEST_F(ProjectIndexTest, ChangesFromManyThreadsDoNotMix) {
     EXPECT_EQ(panel(), projectId() == "1" ? "panel A" : "panel B");
 }
 
+// Each refusal reads the highest index, which every second of them has just looked up anew.
+TEST_F(ProjectIndexTest, RefusedIndicesFromManyThreads) {
+    const mlk::testing::QuietLog quiet;
+    mlk::testing::inThreads(4, [&](int thread) {
+        for (int round = 0; round < 200; ++round) {
+            EXPECT_EQ(thread % 2 == 0 ? set(7) : setWithPid(7), "false");
+        }
+    });
+    EXPECT_EQ(projectId(), "1");
+}
+
 }  // namespace
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 
 #include "platform/Platform.h"
@@ -25,6 +26,14 @@ class StartUpTest : public ServiceOnSet {
                 .hardwareName();
     }
 };
+
+TEST_F(StartUpTest, AMissingPartitionIsToldWithItsReason) {
+    std::filesystem::remove_all(mSet.tvdata());
+    start();
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR),
+                Contains("partition " + mSet.tvdata() +
+                         " cannot be read and written: No such file or directory"));
+}
 
 TEST_F(StartUpTest, ReadsTheSetAndLogsWhereItComesFrom) {
     start();

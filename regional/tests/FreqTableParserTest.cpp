@@ -81,6 +81,10 @@ TEST_F(FreqTableParserTest, CarriageReturnsPartColumns) {
                             "23/8000000/490000/E23/18", "24/8000000/498000/E24/18"));
 }
 
+TEST_F(FreqTableParserTest, ATabBelongsToItsColumn) {
+    EXPECT_THAT(parse("1 2 3 A\tB DVB_AUTO\n"), ElementsAre("1/2/3/A\tB/18"));
+}
+
 TEST_F(FreqTableParserTest, NumbersAreReadAsFarAsTheyGo) {
     EXPECT_THAT(parse("+5x 7e6 -0 E5\n"
                       "a 8000000 1\n"

@@ -96,7 +96,7 @@ TEST_F(ListParsersTest, CountryNames) {
 }
 
 TEST_F(ListParsersTest, LanguagesComeAsTheyStand) {
-    EXPECT_THAT(languagesOf("eng,English\n\n ger \ndeu\r\n,fre,French\neng\n"),
+    EXPECT_THAT(languagesOf("eng,English,more\n\n ger \ndeu\r\n,fre,French\neng\n"),
                 ElementsAre("eng", " ger ", "deu\r", "fre", "eng"));
     EXPECT_THAT(debugLines(), ElementsAre("filePath:" + mDir.path("list.txt")));
     EXPECT_THAT(errors(), IsEmpty());

@@ -122,5 +122,24 @@ TEST(NameTableTest, ThreadsAddAndLookUpAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
+// Half of the threads only look up: nothing but the lock keeps them from what the others add.
+TEST(NameTableTest, SomeThreadsAddWhileOthersLookUp) {
+    NameTable table(kRows);
+    std::atomic<int> wrong = 0;
+    mlk::testing::inThreads(4, [&](int id) {
+        for (int number = 0; number < 1000; ++number) {
+            const std::string name = "n" + std::to_string(number) + (id < 2 ? "a" : "b");
+            if (id % 2 == 0) {
+                wrong += table.valueOf(name) != 0 ? 1 : 0;
+            } else {
+                wrong += table.find(name).value_or(0) != 0 ? 1 : 0;
+            }
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(table.find("n999a"), 0);
+    EXPECT_EQ(table.find("n999b"), 0);
+}
+
 }  // namespace
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -54,6 +54,20 @@ TEST_F(TvSysMapCfgHolderTest, ACountryHasItsSystemsItemsAndItsOwnFile) {
             << "a holder reads its files once";
 }
 
+TEST_F(TvSysMapCfgHolderTest, ASecondLoadingForgetsTheFirst) {
+    const std::string xml = writeBoth();
+    ASSERT_TRUE(mHolder.loadConfigXmlFile(xml));
+    ASSERT_TRUE(mHolder.loadCountryTvConfigMapXML());
+    writeSystems(system("DVB", item("[A]", "k", "second")));
+    writeCountries(country("USA", "DVB", ""));
+    ASSERT_TRUE(mHolder.loadConfigXmlFile(xml));
+    ASSERT_TRUE(mHolder.loadCountryTvConfigMapXML());
+    EXPECT_EQ(textOf(mHolder.getConfigs(xml, kUsa)), "[A]:k=second;");
+    EXPECT_EQ(mHolder.getTvSysName(kGermany), "");
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kUsa) << "the first country of the map in use";
+}
+
 TEST_F(TvSysMapCfgHolderTest, OfAKeyThatComesTwiceTheFirstValueCounts) {
     writeCountries(country("USA", "A", ""));
     EXPECT_EQ(configs(writeSystems(system("A", item("[S]", "k", "1") + item("[S]", "k", "2")) +

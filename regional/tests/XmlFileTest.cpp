@@ -118,6 +118,9 @@ TEST_F(XmlFileTest, ManyAttributesInOneElementAreRefused) {
     EXPECT_EQ(errorOf("<A" + most + "/>"), "none");
     EXPECT_THAT(errors(), IsEmpty());
     EXPECT_EQ(errorOf("<A" + most + " b='1'/>"), "XML_ERROR_PARSING");
+    EXPECT_EQ(errorOf("<R><A" + most + " b='1'/><B c='1'/></R>"), "XML_ERROR_PARSING");
+    mLog.clear();
+    EXPECT_EQ(errorOf("<A" + most + " b='1'/>"), "XML_ERROR_PARSING");
     EXPECT_THAT(errors(), ElementsAre(mDir.path("file.xml") +
                                       ": more than 256 attributes in an element or 4096 "
                                       "character references in all"));

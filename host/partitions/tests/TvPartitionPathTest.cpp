@@ -47,4 +47,15 @@ TEST(TvPartitionPath, MayBeAskedByManyThreads) {
     });
 }
 
+TEST(TvPartitionPath, MayBeAskedForTheFirstTimeByManyThreads) {
+    const HostSet set;  // puts the variable back
+    for (int round = 0; round < 20; ++round) {
+        const std::string root = "/round-" + std::to_string(round);
+        ASSERT_EQ(setenv("MLK_ROOT", root.c_str(), 1), 0);
+        inThreads(4, [&](int) {
+            ASSERT_EQ(TvPartitionPath::GetInstance()->GetImpdataPath(), root + "/impdata");
+        });
+    }
+}
+
 }  // namespace

@@ -61,6 +61,10 @@ TEST(JsonStringTest, ShowsOtherBytes) {
                 {"\xc3\"", R"(\udcc3\")"}});
 }
 
+TEST(JsonStringTest, DoesNotLookBehindTheText) {
+    EXPECT_EQ(jsonString(std::string_view("\xc3\xa4", 1)), R"("\udcc3")");
+}
+
 TEST(PrintableTest, EscapesWhatATerminalWouldObey) {
     EXPECT_EQ(printable("a\x1b[31m\n\x7f\xc2\x9b\xff"), R"(a\u001b[31m\n\u007f\u009b\udcff)");
     EXPECT_EQ(printable("\x1f\xc2\x80\xc2\x9f\xc2\xa0 "), "\\u001f\\u0080\\u009f\xc2\xa0 ");
