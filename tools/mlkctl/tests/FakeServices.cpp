@@ -159,6 +159,11 @@ class FakeTv : public IMlkTvConfigs {
   public:
     explicit FakeTv(Script& script) : mScript(script) {}
 
+    Return<void> ping() override {
+        if (mScript.dying.count("ping") == 0) return IMlkTvConfigs::ping();
+        return Status::fromStatusT(::android::DEAD_OBJECT);
+    }
+
     // clang-format off
     METHOD0(getAtvSystem)
     METHOD0(getDtvSystem)

@@ -84,6 +84,14 @@ TEST(WaitTest, NamesWhatDoesNotAnswer) {
               "mlkctl: no answer within 0.05 s from IMlkTvConfigs, IMlkFrameworkConfigs\n");
 }
 
+TEST(WaitTest, WhatIsRegisteredButDeadDoesNotAnswer) {
+    Script script;
+    script.dying = {"ping"};
+    const Outcome outcome = runMlkctl({"wait", "--timeout", "0"}, script);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "mlkctl: no answer within 0 s from IMlkTvConfigs\n");
+}
+
 TEST(WaitTest, RefusesWhatIsNoTime) {
     Script script;
     for (const char* text : {"", "-1", "nan", "inf", "1e3", "0x10", "86401", "1s", "1.2.3", "."}) {
