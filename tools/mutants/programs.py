@@ -45,7 +45,7 @@ class Outcome:
     """How a run ended. `failed` names the first test that did, empty when all passed."""
 
     failed: str = ""
-    how: str = ""  # "fails", "ends its process", "hangs"
+    how: str = ""  # "fails", "ends its process", "hangs", "races"
 
 
 @dataclass
