@@ -6,6 +6,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <system_error>
 #include <vector>
 
 #include "projectconfigs/tests/ServiceOnSet.h"
@@ -67,6 +69,12 @@ class ProjectReloadTest : public ServiceOnSet {
 };
 
 TEST_F(ProjectReloadTest, WithoutDescriptorsTheModelStays) {
+    // A sanitizer needs descriptors for what it meets for the first time.
+    EXPECT_EQ(set(2), "true");
+    EXPECT_EQ(setWithPid(1), "true");
+    EXPECT_EQ(set(3), "false");
+    EXPECT_NE(std::generic_category().message(EMFILE), "");
+    mLog.clear();
     {
         const NoDescriptors none;
         EXPECT_EQ(set(2), "false");

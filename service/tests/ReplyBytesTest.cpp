@@ -59,6 +59,10 @@ class AddressSpace {
     explicit AddressSpace(pid_t process) {
         std::ifstream maps("/proc/" + std::to_string(process) + "/maps");
         for (std::string line; std::getline(maps, line);) {
+            // What cannot be read has no addresses of anything; a sanitizer reserves much of that.
+            if (line.find(" r") == std::string::npos) {
+                continue;
+            }
             const size_t dash = line.find('-');
             mRanges.emplace_back(std::stoull(line.substr(0, dash), nullptr, 16),
                                  std::stoull(line.substr(dash + 1), nullptr, 16));

@@ -47,6 +47,20 @@ const std::vector<std::string> kWithoutHugeFiles = {"prlimit", "--fsize=10737418
     return ::testing::AssertionSuccess();
 }
 
+// The descriptors of an allocator, once they have not changed for a while: it closes connections
+// some time after its clients do.
+size_t settledDescriptors(IAllocator& allocator, pid_t process) {
+    constexpr int kUnchanged = 200;
+    size_t descriptors = descriptorsOf(process);
+    for (int unchanged = 0; unchanged < kUnchanged; ++unchanged) {
+        EXPECT_TRUE(allocator.ping().isOk());
+        const size_t now = descriptorsOf(process);
+        unchanged = now == descriptors ? unchanged : 0;
+        descriptors = now;
+    }
+    return descriptors;
+}
+
 void useOneBlock(const AllocatorProcess& process, uint64_t size) {
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
@@ -62,10 +76,10 @@ TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
     const AllocatorProcess process;
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
-    const auto theirs = descriptorsOf(process.pid());
     for (int i = 0; i < 50; ++i) {
         useOneBlock(process, kSize);
     }
+    const size_t theirs = settledDescriptors(*allocator, process.pid());
     const auto ours = descriptorsOf(getpid());
     const size_t ourMemory = residentOf(getpid());
     const size_t theirMemory = residentOf(process.pid());

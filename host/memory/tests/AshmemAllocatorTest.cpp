@@ -156,6 +156,8 @@ TEST(AshmemAllocator, RefusesWhatTheSystemDoesNotGive) {
 TEST(AshmemAllocator, ABatchThatFailsHalfWayGivesNothing) {
     const LogCapture log;
     const sp<AshmemAllocator> allocator = new AshmemAllocator;
+    // A sanitizer needs descriptors for what it meets for the first time.
+    EXPECT_TRUE(batchAllocate(*allocator, 4096, 3));
     rlimit former{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
     const int next = dup(STDIN_FILENO);
