@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <vendor/morlak/mlkconfigs/1.0/IMlkFrameworkConfigs.h>
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 #include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
@@ -92,6 +93,9 @@ class Scenario {
             server.process().wait();  // its clients hear of the end before it is over
         }
         mRuns = server.process().running();
+        // Only of a process that has ended is everything here that it wrote.
+        server.process().kill(SIGKILL);
+        server.process().wait();
         mLog = server.process().err();
         return answers;
     }
