@@ -78,13 +78,14 @@ class Promises(unittest.TestCase):
         self.cannot("mlkconfigs", label("/tvconfigs/features/tv.config"), "file", *CHANGING)
 
     def test_model(self):
-        self.promised("`project_id.bin.new` is written, synced and renamed over it")
+        self.promised("overwritten in place and synced; a missing one is made as `project_id.bin.new`, mode 0644, "
+                      "and renamed")
         for path in MODEL:
             self.can("mlkconfigs", label(path), "file", "create", "write", "rename", "unlink")
         self.can("mlkconfigs", label("/impdata"), "dir", "search", "write", "add_name", "remove_name")
 
     def test_country(self):
-        self.promised("`country_id.bin.new`, synced and put in its place")
+        self.promised("| the same, as `country_id.bin.new` |")
         for path in COUNTRY:
             self.can("mlkconfigs", label(path), "file", "create", "write", "rename", "unlink")
         self.can("mlkconfigs", label("/tvdata/tvsysmap"), "dir", "search", "write", "add_name", "remove_name")

@@ -9,9 +9,9 @@ import tree
 
 # Names of the standard library, by the headers that have them; any one of several will do.
 NAMES = {
-    "algorithm": """all_of any_of binary_search clamp copy copy_if copy_n count_if equal fill find find_first_of find_if
-        for_each lexicographical_compare lower_bound max_element min_element none_of remove_if replace reverse search
-        sort stable_sort transform unique upper_bound""",
+    "algorithm": """all_of any_of binary_search clamp copy copy_if copy_n count count_if equal fill fill_n find
+        find_first_of find_if for_each lexicographical_compare lower_bound max_element min_element mismatch none_of
+        remove_if replace reverse search shuffle sort stable_sort transform unique upper_bound""",
     "algorithm string_view string": "max min",
     "array": "array",
     "atomic": "atomic atomic_bool atomic_int",
@@ -19,18 +19,20 @@ NAMES = {
     "condition_variable": "condition_variable",
     "csignal": "signal",
     "cstdio algorithm": "remove",
+    "cstddef": "nullptr_t",
     "cstdlib": "abort exit strtol strtoll strtoul",
     "cstring": "memchr memcmp memcpy memmove memset strchr strcmp strlen",
     "deque": "deque",
+    "exception": "current_exception exception_ptr rethrow_exception",
     "exception stdexcept new": "exception",
     "fstream": "ifstream ofstream",
     "functional": "function hash",
     "functional map set": "less",
-    "future": "promise",
+    "future": "future future_status promise",
     "initializer_list string string_view vector": "initializer_list",
     "iomanip": "setw setfill",
     "iostream": "cin cout cerr",
-    "iterator": "back_inserter distance istreambuf_iterator make_move_iterator next prev",
+    "iterator": "back_inserter distance istreambuf_iterator make_move_iterator make_reverse_iterator next prev",
     "iterator array deque map set string string_view vector": "begin end size",
     "limits": "numeric_limits",
     "list": "list",
@@ -53,8 +55,8 @@ NAMES = {
     "system_error": "error_code errc generic_category system_error",
     "thread": "thread this_thread",
     "tuple": "make_tuple tie tuple",
-    "type_traits": """conditional_t decay_t enable_if_t is_arithmetic_v is_enum_v is_integral_v is_same_v remove_reference_t
-        underlying_type_t void_t""",
+    "type_traits": """conditional_t decay_t enable_if_t invoke_result_t is_arithmetic_v is_enum_v is_integral_v is_same_v
+        remove_reference_t underlying_type_t void_t""",
     "unordered_map": "unordered_map",
     "unordered_set": "unordered_set",
     "tuple utility array": "tuple_element_t",

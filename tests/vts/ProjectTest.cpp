@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <thread>
 
 #include "tests/vts/Hal.h"
