@@ -1,6 +1,8 @@
 """Reads Android.bp files."""
 
 import re
+import shutil
+import tempfile
 from pathlib import Path
 
 import tree
@@ -106,8 +108,21 @@ def generated_names(modules_by_name, name):
     return [file for rule in rules for file in modules_by_name[rule][2]["out"]]
 
 
+def script_of(modules_by_name, tool, where):
+    """A script in a folder that holds what it is made of, and nothing else, as a build makes it."""
+    folder, _, properties = modules_by_name[tool]
+    for source in properties["srcs"]:
+        shutil.copy(tree.ROOT / folder / source, where)
+    return Path(where) / properties["main"]
+
+
 def generated(modules_by_name, name, out):
     """Has a module's generated sources written below a folder, as a build does; their paths."""
+    with tempfile.TemporaryDirectory() as tools:
+        return generated_by(modules_by_name, name, out, tools)
+
+
+def generated_by(modules_by_name, name, out, tools):
     written = []
     for rule in modules_by_name[name][2].get("generated_sources", []):
         _, _, properties = modules_by_name[rule]
@@ -115,8 +130,7 @@ def generated(modules_by_name, name, out):
         for source in properties["srcs"]:
             words["$(in)"] += [tree.ROOT / file for file in files_of(modules_by_name, source)]
         for tool in properties["tools"]:
-            folder, _, script = modules_by_name[tool]
-            words[f"$(location {tool})"] = ["python3", "-B", tree.ROOT / folder / script["main"]]
+            words[f"$(location {tool})"] = ["python3", "-B", script_of(modules_by_name, tool, tools)]
         parts = re.findall(r"\$\([^)]*\)|\S+", properties["cmd"])
         status, said = tree.run(*(word for part in parts for word in words.get(part, [part])))
         if status != 0:

@@ -82,6 +82,7 @@ def included(source):
     return seen
 
 
+@functools.cache
 def stands_alone(source):
     """Whether a test runs anywhere: no host around it, no file, no program, no fixture."""
     if not source.endswith("Test.cpp"):
@@ -119,15 +120,17 @@ def unknown_names(modules):
                 yield f"{name}: no module {library} on each of Android 11 to 14"
 
 
-def owner_of(modules, header):
+def libraries_by_folder(modules):
+    """The static library that is made of the sources of a folder."""
+    return {source.rpartition("/")[0]: name for name in with_sources(modules)
+            if modules[name][1] == "cc_library_static" for source in sources_of(modules, name)}
+
+
+def owner_of(libraries, header):
     """The module that a header belongs to, by the name under which it is included."""
     if header.startswith(PACKAGE):
         return INTERFACE
-    folder = header.rpartition("/")[0]
-    for name, (where, kind, _) in modules.items():
-        if kind == "cc_library_static" and where == folder:
-            return name
-    return platform_modules.owner_of(header)
+    return libraries.get(header.rpartition("/")[0]) or platform_modules.owner_of(header)
 
 
 def unnamed_libraries(modules):
@@ -135,6 +138,7 @@ def unnamed_libraries(modules):
 
     Another library may pass the headers on today; what a module uses, it names itself.
     """
+    by_folder = libraries_by_folder(modules)
     for name in with_sources(modules):
         own_folder = modules[name][0]
         sources = sources_of(modules, name)
@@ -143,8 +147,8 @@ def unnamed_libraries(modules):
         libraries = named(modules, name) | {name}
         for file in sorted(files):
             for header in (header.strip('<>"') for header in tree.includes(file)):
-                owner = owner_of(modules, header)
-                if owner and owner not in libraries and modules.get(owner, ("",))[0] != own_folder:
+                owner = owner_of(by_folder, header)
+                if owner and owner not in libraries:
                     yield f"{name}: {file} includes {header}, and {owner} is not named"
                 if header.startswith(tuple(f"{where}/" for where, _, _ in modules.values() if where != ".")) and \
                         (tree.ROOT / header).is_file() and "mlkconfigs_headers" not in libraries:

@@ -1,5 +1,7 @@
 """The platform's modules: tests/device/platform/modules."""
 
+import functools
+
 import tree
 
 RELEASES = {11, 12, 13, 14}
@@ -17,6 +19,7 @@ class Module:
         self.releases = set(range(first, last + 1))
 
 
+@functools.cache
 def table():
     """Every module by its name."""
     lines = (line.split("#")[0].strip() for line in tree.read("tests/device/platform/modules").splitlines())
@@ -25,6 +28,7 @@ def table():
     return {module.name: module for module in modules}
 
 
+@functools.cache
 def owner_of(header):
     """The module that has a header of this name; None for those of the compiler and the C library."""
     for module in table().values():

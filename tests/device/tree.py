@@ -1,5 +1,6 @@
 """What the device's tests know of the source tree: its rooms, its sources and what they say."""
 
+import functools
 import itertools
 import os
 import re
@@ -51,6 +52,7 @@ def product_sources():
 ARROWS = arrows()
 
 
+@functools.cache
 def includes(name):
     return [match["name"] for match in INCLUDE.finditer(read(name))]
 
