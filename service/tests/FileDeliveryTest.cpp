@@ -109,10 +109,10 @@ TEST_F(FileDeliveryTest, FileThatADeviceCannotReplyWithIsWarnedOf) {
             " has 1040001 bytes, but a reply can be no larger than 1040000 bytes on a device: use "
             "getVendorPartitionFile for this file\n";
     EXPECT_TRUE(mService->getTvFile(path, ignore).isOk());
-    EXPECT_EQ(logged("on a device"), 0U);
+    EXPECT_EQ(logged("use getVendorPartitionFile"), 0U);
     sparse(mSet, kMostReplyBytesOnDevice + 1);
     EXPECT_EQ(shared(path), "1040001 bytes of ashmem");
-    EXPECT_EQ(logged("on a device"), 0U) << "this way is the one for it";
+    EXPECT_EQ(logged("use getVendorPartitionFile"), 0U) << "this way is the one for it";
     mService->getTvFile(path, ignore).isOk();
     EXPECT_TRUE(isLogged(warning, 1)) << mServer->process().err();
 }

@@ -256,7 +256,7 @@ TEST(ParcelErrorTest, AStatusArrivesWithItsMessage) {
     ASSERT_EQ(OK, travel(sent, &arrived));
     Status read;
     EXPECT_EQ(OK, ::android::hardware::readFromParcel(&read, arrived));
-    EXPECT_EQ("EX_ILLEGAL_STATE: not now", read.description());
+    EXPECT_EQ(read.description(), "Status(EX_ILLEGAL_STATE): 'not now'");
 }
 
 TEST(ParcelErrorTest, RemoteObjectIsRefused) {
