@@ -1,3 +1,6 @@
+#include <optional>
+#include <variant>
+
 #include "tools/mlkctl/BatchLine.h"
 #include "tools/mlkctl/LineInput.h"
 #include "tools/mlkctl/Text.h"
@@ -57,18 +60,63 @@ const char* nameOf(ExitStatus status) {
     return "no-answer";
 }
 
-std::string answerTo(LineInput::Next kind, std::string_view text, Services& services) {
-    try {
-        if (kind == LineInput::Next::TOO_LONG)
-            throw usage("a line has at most " + std::to_string(kLongestLine) + " bytes");
-        const BatchLine line = parseBatchLine(text);
-        const Interface& interface = interfaceOf(line.interface);
-        return services.call(interface, interface.method(line.method), line.arguments, Form::JSON);
-    } catch (const Failure& failure) {
-        return R"({"error":")" + std::string(nameOf(failure.status())) + R"(","message":)" +
-               jsonString(failure.what()) + '}';
-    }
+std::string messageOf(const Failure& failure) {
+    return R"({"error":")" + std::string(nameOf(failure.status())) + R"(","message":)" +
+           jsonString(failure.what()) + '}';
 }
+
+/// Lines that were read, until they are answered. For one thread.
+class Group {
+  public:
+    bool isFull() const { return mAnswers.size() == kMostLines; }
+
+    void add(LineInput::Next kind, std::string_view text) {
+        try {
+            if (kind == LineInput::Next::TOO_LONG) {
+                throw usage("a line has at most " + std::to_string(kLongestLine) + " bytes");
+            }
+            const BatchLine line = parseBatchLine(text);
+            const Interface& interface = interfaceOf(line.interface);
+            const Method& method = interface.method(line.method);
+            mRequests.push_back(
+                    {&interface, &method, bind(interface, method, line.arguments, Form::JSON)});
+            mAnswers.emplace_back();
+        } catch (const Failure& failure) {
+            mAnswers.emplace_back(messageOf(failure));
+        }
+    }
+
+    /// Makes the calls and answers each line, in the order of the lines.
+    void answer(Environment& environment) {
+        size_t line = 0;
+        const auto writeKnown = [&] {
+            for (; line < mAnswers.size() && mAnswers[line]; ++line) {
+                environment.output.line(*mAnswers[line]);
+            }
+        };
+        environment.services.callAll(mRequests, [&](Services::Result&& result) {
+            writeKnown();
+            environment.output.line(std::visit(Shown(), std::move(result)));
+            ++line;
+        });
+        writeKnown();
+        mRequests.clear();
+        mAnswers.clear();
+    }
+
+  private:
+    // Enough that handing a group to another thread costs little, few enough that their answers
+    // need little memory.
+    static constexpr size_t kMostLines = 64;
+
+    struct Shown {
+        std::string operator()(std::string&& text) const { return std::move(text); }
+        std::string operator()(const Failure& failure) const { return messageOf(failure); }
+    };
+
+    std::vector<Services::Request> mRequests;
+    std::vector<std::optional<std::string>> mAnswers;  // empty: that of the next request
+};
 
 class BatchVerb : public Verb {
   public:
@@ -81,11 +129,21 @@ class BatchVerb : public Verb {
         environment.services.setLimit(limitOf(mSeconds));
         LineInput input(environment.input, kLongestLine);
         std::string_view line;
+        Group group;
         while (true) {
-            if (!input.hasLine()) environment.output.flush();
+            // What is waited for may come only after the answers: they are written first.
+            if (!input.hasLine()) {
+                group.answer(environment);
+                environment.output.flush();
+            }
             const LineInput::Next kind = input.next(&line);
-            if (kind == LineInput::Next::END) return ExitStatus::ANSWERED;
-            environment.output.line(answerTo(kind, line, environment.services));
+            if (kind == LineInput::Next::END) {
+                return ExitStatus::ANSWERED;
+            }
+            group.add(kind, line);
+            if (group.isFull()) {
+                group.answer(environment);
+            }
         }
     }
 

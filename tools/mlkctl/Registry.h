@@ -25,9 +25,10 @@ struct Registration {
     std::optional<int> threads;  ///< How many the process has now; nothing when that is unknown.
 };
 
-/// Every name that is registered, in the service manager's order. The services are asked at once,
-/// and have the limit to answer. Throws Failure UNREACHABLE when the service manager does not
-/// answer.
+/// Every name that is registered, in the service manager's order. The services are asked at once.
+/// Together with the manager's answer that takes the limit, unless the manager needs more than half
+/// of it: the services have half of it at least. Throws Failure UNREACHABLE when the service
+/// manager does not answer.
 std::vector<Registration> registrations(std::chrono::milliseconds limit);
 
 /// Whether the service manager has the name of the interface (without its package), instance

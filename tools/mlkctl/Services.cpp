@@ -47,7 +47,9 @@ Services::Services() : mFinder([](const Interface& interface) { return interface
 
 void Services::within(const Interface& interface, std::function<void()> work) {
     if (mWorker == nullptr) mWorker = std::make_unique<Worker>();
-    if (mWorker->run(std::move(work), after(mLimit))) return;
+    if (mWorker->run(std::move(work), mLimit)) {
+        return;
+    }
     mWorker = nullptr;
     mObjects.erase(&interface);
     throw tooLate(mLimit);
@@ -98,14 +100,87 @@ std::map<const Interface*, Failure> Services::findAll() {
 
 std::string Services::call(const Interface& interface, const Method& method,
                            const std::vector<Argument>& arguments, Form form) {
-    // A call that is wrong is told so whether there is a service or not.
-    const BoundCall bound = bind(interface, method, arguments, form);
-    (void)object(interface);
-    try {
-        return ask(interface, bound);
-    } catch (const Failure& failure) {
-        throw about(interface, method, explained(failure, *method.description));
+    Result result;
+    callAll({{&interface, &method, bind(interface, method, arguments, form)}},
+            [&result](Result&& given) { result = std::move(given); });
+    if (const auto* failure = std::get_if<Failure>(&result)) {
+        throw Failure(*failure);
     }
+    return std::get<std::string>(std::move(result));
+}
+
+void Services::callAll(const std::vector<Request>& requests, const Receiver& receive) {
+    size_t done = 0;
+    while (done < requests.size()) {
+        try {
+            (void)object(*requests[done].interface);
+        } catch (const Failure& failure) {
+            receive(failure);
+            ++done;
+            continue;
+        }
+        done += callSome(requests, done, receive);
+    }
+}
+
+size_t Services::callSome(const std::vector<Request>& requests, size_t first,
+                          const Receiver& receive) {
+    // The thread's, which may be left behind with it: of a piece that has ended, this has the
+    // result.
+    struct Shared {
+        std::vector<Result> results;
+        size_t bytes = 0;
+    };
+    const auto shared = std::make_shared<Shared>();
+    shared->results.resize(requests.size() - first);
+    std::vector<Worker::Piece> pieces;
+    for (size_t i = first; i < requests.size(); ++i) {
+        const auto kept = mObjects.find(requests[i].interface);
+        // An object that is not known yet is looked up when its call is the next, not before: a
+        // call ahead of it may change which one it is.
+        if (kept == mObjects.end()) {
+            break;
+        }
+        pieces.emplace_back(
+                [shared, target = kept->second, question = requests[i].call, index = i - first] {
+                    // What is kept until all are done is bounded, but for the last answer.
+                    constexpr size_t kMostBytes = size_t{64} * 1024;
+                    try {
+                        std::string text = question(*target);
+                        shared->bytes += text.size();
+                        shared->results[index] = std::move(text);
+                    } catch (const Failure& failure) {
+                        shared->results[index] = failure;
+                        return failure.status() != ExitStatus::UNREACHABLE;
+                    }
+                    return shared->bytes < kMostBytes;
+                });
+    }
+    if (mWorker == nullptr) {
+        mWorker = std::make_unique<Worker>();
+    }
+    const Worker::Outcome outcome = mWorker->runAll(std::move(pieces), mLimit);
+    const auto fail = [&](const Request& request, const Failure& failure) {
+        if (failure.status() == ExitStatus::UNREACHABLE) {
+            mObjects.erase(request.interface);
+        }
+        const MethodDescription& description = *request.method->description;
+        receive(about(*request.interface, *request.method, explained(failure, description)));
+    };
+    for (size_t i = 0; i < outcome.ended; ++i) {
+        Result& result = shared->results[i];
+        if (const auto* failure = std::get_if<Failure>(&result)) {
+            fail(requests[first + i], *failure);
+        } else {
+            receive(std::move(result));
+        }
+    }
+    if (!outcome.hangs) {
+        return outcome.ended;
+    }
+    mWorker = nullptr;
+    fail(requests[first + outcome.ended], tooLate(mLimit));
+    return outcome.ended + 1;
 }
 
 }  // namespace mlk::ctl

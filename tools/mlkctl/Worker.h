@@ -4,24 +4,47 @@
 #include <functional>
 #include <memory>
 #include <thread>
+#include <vector>
 
 namespace mlk::ctl {
 
-/// A thread that does one piece of work after the other for its owner, who can give up waiting. A
-/// worker that is at work when it is destroyed is left behind; anyPending() (Pending.h) counts it
-/// until its work ends. For one thread.
+/**
+ * A thread that does work for its owner, who can give up waiting. A worker that is at work when it
+ * is destroyed is left behind; anyPending() (Pending.h) counts it until its work ends. For one
+ * thread.
+ */
 class Worker {
   public:
     using Clock = std::chrono::steady_clock;
+    using Duration = std::chrono::duration<double>;
+
+    /** A piece of a group: false when the pieces after it must not begin. */
+    using Piece = std::function<bool()>;
+
+    /** How a group ended. */
+    struct Outcome {
+        size_t ended;  ///< So many pieces, from the first, have ended.
+        bool hangs;    ///< The next one took longer than its limit.
+    };
 
     Worker();
     ~Worker();
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
 
-    /// Does the work and throws what it throws. False when it has not ended by the deadline: then
-    /// the worker can only be destroyed, and the work must not refer to anything that may go.
-    bool run(std::function<void()> work, Clock::time_point deadline);
+    /**
+     * Does the work and throws what it throws. False when it takes longer than the limit: then the
+     * worker can only be destroyed, and the work must not refer to anything that may go.
+     */
+    bool run(std::function<void()> work, Duration limit);
+
+    /**
+     * Does the pieces one after the other, each within the limit. That hands over to the thread
+     * once, which costs more than a quick piece. A piece that throws ends the group, and this
+     * throws the same. After a piece that hangs the worker can only be destroyed, and the pieces
+     * must not refer to anything that may go.
+     */
+    Outcome runAll(std::vector<Piece> pieces, Duration limit);
 
   private:
     struct State;

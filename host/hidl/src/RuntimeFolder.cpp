@@ -186,14 +186,19 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     return isOurs ? Heard::HELLO : Heard::NONSENSE;
 }
 
-// A connection to a server whom this user trusts, which has not said anything yet.
-unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name,
-                          const Deadline& end) {
+// A connection to a server whom this user trusts, which has not said anything yet. `isFull` is set
+// when there is none because all places of the server's queue are taken until the end.
+unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, const Deadline& end,
+                          bool* isFull) {
+    *isFull = false;
     unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (!socket.ok() || !folder.descriptor.ok()) return {};
     // Without any time left there would be no limit.
     limitSending(socket.get(), std::max(end.left(), kLeast));
-    if (connectSocket(socket.get(), folder, name) != 0) return {};
+    if (connectSocket(socket.get(), folder, name) != 0) {
+        *isFull = errno == EAGAIN;
+        return {};
+    }
     limitSending(socket.get(), kNoLimit);
     const bool rootVisits = geteuid() == 0 && peerUser(socket.get()) == folder.owner;
     return rootVisits || peerIsTrusted(socket.get()) ? std::move(socket) : unique_fd();
@@ -242,7 +247,8 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
 unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server,
                     const Deadline& end) {
     const Deadline hello(end.isNever() ? kHelloLimit : std::min(kHelloLimit, end.left()));
-    unique_fd socket = connectTrusting(folder, name, hello);
+    bool isFull = false;
+    unique_fd socket = connectTrusting(folder, name, hello, &isFull);
     if (!socket.ok() || receiveHello(socket.get(), hello, server) != Heard::HELLO) return {};
     return socket;
 }
@@ -251,7 +257,11 @@ bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit) {
     uint64_t server = 0;
     const Deadline end(limit);
-    const unique_fd socket = connectTrusting(folder, name, end);
+    bool isFull = false;
+    const unique_fd socket = connectTrusting(folder, name, end, &isFull);
+    if (isFull) {
+        return true;
+    }
     return socket.ok() && receiveHello(socket.get(), end, &server) != Heard::NONSENSE;
 }
 

@@ -47,7 +47,7 @@ unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64
                     const Deadline& end);
 
 // Whether a server whom this user trusts has that name: one that says its hello, or that says
-// nothing within the limit.
+// nothing within the limit, or takes no connection within it because its queue is full.
 bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit);
 

@@ -32,8 +32,8 @@ using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace {
 
-// How long all services together are waited for, and each of those behind a silent one.
-constexpr std::chrono::milliseconds kListLimit{1000};
+// How long the hellos of all services together are waited for, and each of those after the limit.
+constexpr std::chrono::milliseconds kListLimit{300};
 constexpr std::chrono::milliseconds kListLeast{1};
 
 std::set<std::string> filesOf(const std::string& folder) {

@@ -13,6 +13,7 @@ namespace {
 using testing::ElementsAre;
 using testing::MatchesRegex;
 using testing::SizeIs;
+using testing::StartsWith;
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
@@ -125,6 +126,37 @@ TEST(BatchTest, LooksAgainForAServiceThatHasDied) {
     // One proxy for the first three lines, none for the fourth, one for the rest.
     EXPECT_EQ(found, 3);
     EXPECT_EQ(outcome.status, 0);
+}
+
+// More lines than are called in one go, of two interfaces, with lines that are wrong between them.
+TEST(BatchTest, ManyLinesKeepTheirOrder) {
+    Script script;
+    std::string input;
+    std::vector<std::string> expected;
+    for (int i = 0; i < 500; ++i) {
+        const std::string number = std::to_string(i);
+        if (i % 7 == 3) {
+            input += "[\"Unknown" + number + "\"]\n";
+            expected.push_back("error");
+        } else if (i % 3 == 0) {
+            input += "[\"IMlkTvConfigs\",\"setAtvSystem\"," + number + "]\n";
+            expected.push_back("success");
+        } else {
+            input += "[\"IMlkProjectConfigs\",\"setProjectId\"," + number + "]\n";
+            expected.push_back("success");
+        }
+    }
+    const std::vector<std::string> answers = linesOf(runMlkctl({"batch"}, script, input).out);
+    ASSERT_THAT(answers, SizeIs(expected.size()));
+    for (size_t i = 0; i < answers.size(); ++i) {
+        EXPECT_THAT(answers[i], StartsWith("{\"" + expected[i])) << i;
+    }
+    int last = -1;
+    for (const std::vector<std::string>& call : script.calls) {
+        EXPECT_GT(std::stoi(call[1]), last);
+        last = std::stoi(call[1]);
+    }
+    EXPECT_EQ(last, 499);
 }
 
 TEST(BatchTest, TakesNoWords) {

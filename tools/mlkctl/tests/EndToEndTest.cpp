@@ -1,9 +1,16 @@
 // The program against a service in another process.
 
+#include <android-base/unique_fd.h>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
@@ -143,6 +150,40 @@ TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
     EXPECT_THAT(show.err, StartsWith("mlkctl: IMlkProjectConfigs: the service gave no answer"));
     mService->kill(SIGCONT);
     EXPECT_EQ(run({"wait"}).status, 0);
+}
+
+// Names whose servers take connections and say nothing, and some that do not even take one.
+TEST_F(EndToEndTest, HundredsOfSilentNamesAreListedSoon) {
+    constexpr size_t kNames = 300;
+    constexpr size_t kFull = 3;
+    std::vector<::android::base::unique_fd> sockets;
+    for (size_t i = 0; i < kNames; ++i) {
+        const bool isFull = i < kFull;
+        const std::string path = mSet.runtime() + "/silent@1.0::I" + std::to_string(i) + ".default";
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        ASSERT_LT(path.size(), sizeof(address.sun_path));
+        path.copy(address.sun_path, path.size());
+        sockets.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        ASSERT_EQ(
+                bind(sockets.back().get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)),
+                0);
+        ASSERT_EQ(listen(sockets.back().get(), isFull ? 0 : 10), 0);
+        if (isFull) {
+            sockets.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+            ASSERT_EQ(connect(sockets.back().get(), reinterpret_cast<sockaddr*>(&address),
+                              sizeof(address)),
+                      0);
+        }
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const Outcome list = run({"list"});
+    const auto taken = std::chrono::steady_clock::now() - start;
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), kNames + 1);
+    EXPECT_THAT(list.out, MatchesRegex("INTERFACE.*\n(silent@1[^ ]+ +default +hangs +-\n)+"));
+    // It takes two; one after the other they would take minutes.
+    EXPECT_LT(taken, std::chrono::seconds(20));
 }
 
 TEST_F(EndToEndTest, ABatchIsAConversation) {

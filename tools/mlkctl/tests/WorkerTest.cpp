@@ -6,6 +6,7 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <vector>
 
 #include "host/testing/Eventually.h"
 #include "tools/mlkctl/Pending.h"
@@ -16,10 +17,11 @@ namespace mlk::ctl {
 namespace {
 
 using ::testing::AllOf;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 TEST(WorkerTest, DoesOnePieceOfWorkAfterTheOther) {
-    const auto later = Worker::Clock::now() + std::chrono::minutes(1);
+    const std::chrono::minutes later(1);
     Worker worker;
     int done = 0;
     for (int i = 0; i < 100; ++i) EXPECT_TRUE(worker.run([&done] { ++done; }, later));
@@ -34,8 +36,56 @@ TEST(WorkerTest, IsLeftBehindWhenItsWorkTakesTooLong) {
     const std::shared_future<void> released = release->get_future();
     {
         Worker worker;
-        EXPECT_FALSE(worker.run([released] { released.wait(); }, Worker::Clock::now()));
+        EXPECT_FALSE(worker.run([released] { released.wait(); }, std::chrono::seconds(0)));
     }
+    EXPECT_TRUE(anyPending());
+    release->set_value();
+    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
+}
+
+TEST(WorkerTest, DoesAGroupUntilAPieceSaysNo) {
+    const std::chrono::minutes later(1);
+    Worker worker;
+    std::vector<int> done;
+    std::vector<Worker::Piece> pieces;
+    for (int i = 0; i < 10; ++i) {
+        pieces.emplace_back([&done, i] {
+            done.push_back(i);
+            return i != 4;
+        });
+    }
+    const Worker::Outcome stopped = worker.runAll(pieces, later);
+    EXPECT_EQ(stopped.ended, 5U);
+    EXPECT_FALSE(stopped.hangs);
+    EXPECT_THAT(done, ElementsAre(0, 1, 2, 3, 4));
+    pieces[1] = []() -> bool { throw usage("no"); };
+    EXPECT_THROW((void)worker.runAll(pieces, later), Failure);
+    EXPECT_THAT(done, ElementsAre(0, 1, 2, 3, 4, 0));
+    EXPECT_EQ(worker.runAll({}, later).ended, 0U);
+    EXPECT_FALSE(anyPending());
+}
+
+// Three pieces of 0.4 s do not exceed a limit of 1 s; a further one that never ends does.
+TEST(WorkerTest, GivesEachPieceOfAGroupTheLimit) {
+    const auto release = std::make_shared<std::promise<void>>();
+    const std::shared_future<void> released = release->get_future();
+    const auto start = Worker::Clock::now();
+    {
+        Worker worker;
+        const auto wait = [released](std::chrono::milliseconds time) {
+            return [released, time] {
+                released.wait_for(time);
+                return true;
+            };
+        };
+        constexpr std::chrono::milliseconds kShort(400);
+        const Worker::Outcome outcome = worker.runAll(
+                {wait(kShort), wait(kShort), wait(kShort), wait(std::chrono::hours(1))},
+                std::chrono::seconds(1));
+        EXPECT_EQ(outcome.ended, 3U);
+        EXPECT_TRUE(outcome.hangs);
+    }
+    EXPECT_GE(Worker::Clock::now() - start, std::chrono::milliseconds(2200));
     EXPECT_TRUE(anyPending());
     release->set_value();
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
