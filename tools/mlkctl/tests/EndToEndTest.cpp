@@ -105,6 +105,23 @@ TEST_F(EndToEndTest, ARefusedCallIsNoAnswerAndTheServiceLivesOn) {
     EXPECT_TRUE(mService->running());
 }
 
+// Each way of asking looks at a truth value's byte before it takes it for one.
+TEST_F(EndToEndTest, ATruthValueThatIsNoneIsNoAnswer) {
+    startService({"--unsound", "IMlkProjectConfigs", "IMlkTvConfigs", "IMlkFrameworkConfigs"});
+    ASSERT_EQ(run({"wait", "--timeout", "60"}).status, 0);
+    for (const char* method : {"getProjectId", "getHBBTVEnabled"}) {
+        const Outcome call = run({"call", "IMlkProjectConfigs", method});
+        EXPECT_EQ(call.status, 3) << method;
+        EXPECT_EQ(call.out, "");
+        EXPECT_EQ(call.err, std::string("mlkctl: IMlkProjectConfigs ") + method +
+                                    ": no answer: the service sent a truth value of 2\n");
+    }
+    const Outcome batch = run({"batch"}, "[\"IMlkProjectConfigs\",\"getProjectId\"]\n");
+    EXPECT_THAT(batch.out, HasSubstr("no answer: the service sent a truth value of 2"));
+    const Outcome show = run({"show"});
+    EXPECT_THAT(show.out, MatchesRegex("(.*\n)*  [^\n]+\\(no answer\\)\n(.*\n)*"));
+}
+
 TEST_F(EndToEndTest, ADeathDuringTheCallIsUnreachable) {
     startService();
     const Outcome outcome = run({"call", "IMlkProjectConfigs", "getTvFile", "/die"});

@@ -1,8 +1,9 @@
 // A service of fakes for the end-to-end tests.
 //
-//   mlkctl_test_server [INTERFACE]...   registers these, or all three, and serves them
+//   mlkctl_test_server [--unsound] [INTERFACE]...   registers these, or all three, and serves them
 //
 // IMlkProjectConfigs::getPowerOnMode is refused by the stub; a file named "/die" kills the process.
+// With --unsound, getProjectId and getHBBTVEnabled answer with truth values of 2.
 
 #include <hidl/HidlBinderSupport.h>
 #include <hidl/HidlTransportSupport.h>
@@ -11,6 +12,9 @@
 #include <vendor/morlak/mlkconfigs/1.0/BnHwMlkProjectConfigs.h>
 
 #include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "tools/mlkctl/tests/FakeServices.h"
 
@@ -19,7 +23,28 @@ namespace {
 using ::android::hardware::Parcel;
 using namespace mlk::ctl;  // the fakes
 
+constexpr uint32_t kGetProjectId = 3;
 constexpr uint32_t kGetPowerOnMode = 21;
+constexpr uint32_t kGetHbbtvEnabled = 27;
+
+bool gUnsound = false;
+
+// An answer whose bytes are all 2, as only a hostile server sends it.
+template <typename Answer>
+::android::status_t sendUnsound(Parcel* reply,
+                                const ::android::hardware::IBinder::TransactCallback& callback) {
+    static const std::vector<uint8_t> bytes(sizeof(Answer), 2);
+    size_t handle = 0;
+    ::android::status_t status =
+            ::android::hardware::writeToParcel(::android::hardware::Status::ok(), reply);
+    if (status == ::android::OK) {
+        status = reply->writeBuffer(bytes.data(), bytes.size(), &handle);
+    }
+    if (status == ::android::OK) {
+        callback(*reply);
+    }
+    return status;
+}
 
 class Stub : public V1_0::BnHwMlkProjectConfigs {
   public:
@@ -27,7 +52,15 @@ class Stub : public V1_0::BnHwMlkProjectConfigs {
 
     ::android::status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                                    TransactCallback callback) override {
-        if (code == kGetPowerOnMode) return ::android::BAD_VALUE;
+        if (code == kGetPowerOnMode) {
+            return ::android::BAD_VALUE;
+        }
+        if (gUnsound && code == kGetProjectId) {
+            return sendUnsound<V1_0::OptionalInt32>(reply, callback);
+        }
+        if (gUnsound && code == kGetHbbtvEnabled) {
+            return sendUnsound<V1_0::OptionalBool>(reply, callback);
+        }
         return BnHwMlkProjectConfigs::onTransact(code, data, reply, flags, callback);
     }
 };
@@ -48,7 +81,8 @@ int main(int argc, char** argv) {
                 new Stub(static_cast<V1_0::IMlkProjectConfigs*>(implementation)));
     });
 
-    const std::set<std::string> names(argv + 1, argv + argc);
+    std::set<std::string> names(argv + 1, argv + argc);
+    gUnsound = names.erase("--unsound") != 0;
     const auto wanted = [&](const char* name) { return names.empty() || names.count(name) != 0; };
     Script script;
     script.memory = "in shared memory";
