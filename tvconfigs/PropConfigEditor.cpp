@@ -1,27 +1,32 @@
+#define LOG_TAG "MlkTvConfigs"
+
 #include "tvconfigs/PropConfigEditor.h"
 
-#include <android/log.h>
-#include <cutils/properties.h>
+#include <log/log.h>
 
-#include "tvconfigs/LogTag.h"
+#include <cstdio>
+#include <string>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-static_assert(ConfigEditor::kValueSize == PROPERTY_VALUE_MAX);
 
 bool PropConfigEditor::Set(const char* key, const char* value) {
     if (key == nullptr || value == nullptr) {
         return false;
     }
-    if (property_set(key, value) != 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Set property %s fail!", key);
+    if (!mProperties.set(key, value)) {
+        ALOGE("ERROR: Set property %s fail!", key);
         return false;
     }
     return true;
 }
 
 bool PropConfigEditor::Get(const char* key, char* value) const {
-    return key != nullptr && value != nullptr && property_get(key, value, nullptr) > 0;
+    if (key == nullptr || value == nullptr) {
+        return false;
+    }
+    const std::string text = mProperties.get(key);
+    snprintf(value, kValueSize, "%s", text.c_str());
+    return !text.empty();
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

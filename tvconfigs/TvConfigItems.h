@@ -1,10 +1,7 @@
 #pragma once
 
-#include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string_view>
 
 #include "common/RowOf.h"
@@ -12,40 +9,36 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// What a flag has to do with a master, which is another flag above it.
+/** How a flag depends on its master, another flag. */
 enum class FlagRule {
-    PLAIN,           ///< nothing
-    UNDER_ATV,       ///< loaded as false while its master, ATV, is false; can be set nevertheless
+    PLAIN,           ///< has no master
+    UNDER_ATV,       ///< loaded as false if its master, ATV, is false; can be set nevertheless
     UNDER_DTV,       ///< the same with DTV
-    CAPTION_MASTER,  ///< is the master of the captions, which go false when it is set to false
-    CAPTION          ///< false as long as its master, CLOSE_CAPTION, is
+    CAPTION_MASTER,  ///< the master of the captions: setting it to false sets them to false
+    CAPTION          ///< false while its master, CLOSE_CAPTION, is false
 };
 
-/// One of the systems. What a file or a property holds is not held to the range.
+/** One of the systems. A value from a file or a property may be outside of the range. */
 struct TvSystemRow {
     const char* method;  ///< the interface's getter
     const char* name;    ///< as dumped
     int32_t TvConfigInfo::*field;
     const char* key;
-    int32_t least;  ///< that a client may set
-    int32_t most;   ///< that a client may set
+    int32_t least;  ///< lowest value that a client may set
+    int32_t most;   ///< highest value that a client may set
 };
 
-/// One of the flags.
+/** One of the flags. */
 struct TvFlagRow {
-    using Setter = ::android::hardware::Return<void> (IMlkTvConfigs::*)(
-            bool, std::function<void(const OptionalBool&)>);
-
     const char* method;  ///< the interface's getter
-    ConfigType type;
-    const char* name;  ///< as dumped
+    uint32_t type;       ///< the interface's number of the flag
+    const char* name;    ///< as dumped
     bool TvConfigInfo::*field;
-    Setter setter;
     const char* key;
     FlagRule rule;
 };
 
-/// All systems, in the order of the record.
+/** All systems, in the order of the record. */
 inline constexpr TvSystemRow kTvSystems[] = {
         {"getAtvSystem", "mAtvSystem", &TvConfigInfo::mAtvSystem,
          "persist.vendor.mlk.tv.atv_system", 0, 1},
@@ -53,81 +46,76 @@ inline constexpr TvSystemRow kTvSystems[] = {
          "persist.vendor.mlk.tv.dtv_system", 1, 4},
 };
 
-/// All flags, in the order of the record. The last key has no ".tv" in it: the framework service
-/// has the same property.
+/**
+ * All flags, in the order of the record. The last key has no ".tv" in it: the framework service
+ * uses the same property.
+ */
 inline constexpr TvFlagRow kTvFlags[] = {
-        {"atvEnabled", ConfigType::ATV, "mAtvEnabled", &TvConfigInfo::mAtvEnabled,
-         &IMlkTvConfigs::setAtvEnabled, "persist.vendor.mlk.tv.enable_atv", FlagRule::PLAIN},
-        {"atvAntennaEnabled", ConfigType::ATV_ANTENNA, "mAtvAntennaEnabled",
-         &TvConfigInfo::mAtvAntennaEnabled, &IMlkTvConfigs::setAtvAntennaEnabled,
+        {"atvEnabled", 1, "mAtvEnabled", &TvConfigInfo::mAtvEnabled,
+         "persist.vendor.mlk.tv.enable_atv", FlagRule::PLAIN},
+        {"atvAntennaEnabled", 2, "mAtvAntennaEnabled", &TvConfigInfo::mAtvAntennaEnabled,
          "persist.vendor.mlk.tv.atv_antenna", FlagRule::UNDER_ATV},
-        {"atvCableEnabled", ConfigType::ATV_CABLE, "mAtvCableEnabled",
-         &TvConfigInfo::mAtvCableEnabled, &IMlkTvConfigs::setAtvCableEnabled,
+        {"atvCableEnabled", 3, "mAtvCableEnabled", &TvConfigInfo::mAtvCableEnabled,
          "persist.vendor.mlk.tv.atv_cable", FlagRule::UNDER_ATV},
-        {"dtvEnabled", ConfigType::DTV, "mDtvEnabled", &TvConfigInfo::mDtvEnabled,
-         &IMlkTvConfigs::setDtvEnabled, "persist.vendor.mlk.tv.enable_dtv", FlagRule::PLAIN},
-        {"dtvAntennaEnabled", ConfigType::DTV_ANTENNA, "mDtvAntennaEnabled",
-         &TvConfigInfo::mDtvAntennaEnabled, &IMlkTvConfigs::setDtvAntennaEnabled,
+        {"dtvEnabled", 5, "mDtvEnabled", &TvConfigInfo::mDtvEnabled,
+         "persist.vendor.mlk.tv.enable_dtv", FlagRule::PLAIN},
+        {"dtvAntennaEnabled", 6, "mDtvAntennaEnabled", &TvConfigInfo::mDtvAntennaEnabled,
          "persist.vendor.mlk.tv.dtv_antenna", FlagRule::UNDER_DTV},
-        {"dtvCableEnabled", ConfigType::DTV_CABLE, "mDtvCableEnabled",
-         &TvConfigInfo::mDtvCableEnabled, &IMlkTvConfigs::setDtvCableEnabled,
+        {"dtvCableEnabled", 7, "mDtvCableEnabled", &TvConfigInfo::mDtvCableEnabled,
          "persist.vendor.mlk.tv.dtv_cable", FlagRule::UNDER_DTV},
-        {"dtvSatelliteEnabled", ConfigType::DTV_SATELLITE, "mDtvSatelliteEnabled",
-         &TvConfigInfo::mDtvSatelliteEnabled, &IMlkTvConfigs::setDtvSatelliteEnabled,
+        {"dtvSatelliteEnabled", 8, "mDtvSatelliteEnabled", &TvConfigInfo::mDtvSatelliteEnabled,
          "persist.vendor.mlk.tv.dtv_satellite", FlagRule::UNDER_DTV},
-        {"pvrEnabled", ConfigType::PVR, "mPvrEnabled", &TvConfigInfo::mPvrEnabled,
-         &IMlkTvConfigs::setPvrEnabled, "persist.vendor.mlk.tv.enable_pvr", FlagRule::PLAIN},
-        {"livepauseEnabled", ConfigType::LIVEPAUSE, "mLivepauseEnabled",
-         &TvConfigInfo::mLivepauseEnabled, &IMlkTvConfigs::setLivepauseEnabled,
+        {"pvrEnabled", 9, "mPvrEnabled", &TvConfigInfo::mPvrEnabled,
+         "persist.vendor.mlk.tv.enable_pvr", FlagRule::PLAIN},
+        {"livepauseEnabled", 10, "mLivepauseEnabled", &TvConfigInfo::mLivepauseEnabled,
          "persist.vendor.mlk.tv.enable_livepause", FlagRule::PLAIN},
-        {"hdmiEnabled", ConfigType::HDMI, "mHdmiEnabled", &TvConfigInfo::mHdmiEnabled,
-         &IMlkTvConfigs::setHdmiEnabled, "persist.vendor.mlk.tv.enable_hdmi", FlagRule::PLAIN},
-        {"vgaEnabled", ConfigType::VGA, "mVgaEnabled", &TvConfigInfo::mVgaEnabled,
-         &IMlkTvConfigs::setVgaEnabled, "persist.vendor.mlk.tv.enable_vga", FlagRule::PLAIN},
-        {"avEnabled", ConfigType::AV, "mAvEnabled", &TvConfigInfo::mAvEnabled,
-         &IMlkTvConfigs::setAvEnabled, "persist.vendor.mlk.tv.enable_av", FlagRule::PLAIN},
-        {"yppEnabled", ConfigType::YPP, "mYppEnabled", &TvConfigInfo::mYppEnabled,
-         &IMlkTvConfigs::setYppEnabled, "persist.vendor.mlk.tv.enable_ypp", FlagRule::PLAIN},
-        {"ciEnabled", ConfigType::CI, "mCiEnabled", &TvConfigInfo::mCiEnabled,
-         &IMlkTvConfigs::setCiEnabled, "persist.vendor.mlk.tv.enable_ci", FlagRule::PLAIN},
-        {"pipEnabled", ConfigType::PIP, "mPipEnabled", &TvConfigInfo::mPipEnabled,
-         &IMlkTvConfigs::setPipEnabled, "persist.vendor.mlk.tv.enable_pip", FlagRule::PLAIN},
-        {"mheg5Enabled", ConfigType::MHEG5, "mMheg5Enabled", &TvConfigInfo::mMheg5Enabled,
-         &IMlkTvConfigs::setMheg5Enabled, "persist.vendor.mlk.tv.enable_mheg5", FlagRule::PLAIN},
-        {"gingaEnabled", ConfigType::GINGA, "mGingaEnabled", &TvConfigInfo::mGingaEnabled,
-         &IMlkTvConfigs::setGingaEnabled, "persist.vendor.mlk.tv.enable_ginga", FlagRule::PLAIN},
-        {"hbbtvEnabled", ConfigType::HBBTV, "mHbbtvEnabled", &TvConfigInfo::mHbbtvEnabled,
-         &IMlkTvConfigs::setHbbtvEnabled, "persist.vendor.mlk.tv.enable_hbbtv", FlagRule::PLAIN},
-        {"teltexEnabled", ConfigType::TELTEX, "mTeltexEnabled", &TvConfigInfo::mTeltexEnabled,
-         &IMlkTvConfigs::setTeltexEnabled, "persist.vendor.mlk.tv.enable_tt", FlagRule::PLAIN},
-        {"closeCaptionEnabled", ConfigType::CLOSE_CAPTION, "mCloseCaptionEnabled",
-         &TvConfigInfo::mCloseCaptionEnabled, &IMlkTvConfigs::setCloseCaptionEnabled,
+        {"hdmiEnabled", 11, "mHdmiEnabled", &TvConfigInfo::mHdmiEnabled,
+         "persist.vendor.mlk.tv.enable_hdmi", FlagRule::PLAIN},
+        {"vgaEnabled", 12, "mVgaEnabled", &TvConfigInfo::mVgaEnabled,
+         "persist.vendor.mlk.tv.enable_vga", FlagRule::PLAIN},
+        {"avEnabled", 13, "mAvEnabled", &TvConfigInfo::mAvEnabled,
+         "persist.vendor.mlk.tv.enable_av", FlagRule::PLAIN},
+        {"yppEnabled", 14, "mYppEnabled", &TvConfigInfo::mYppEnabled,
+         "persist.vendor.mlk.tv.enable_ypp", FlagRule::PLAIN},
+        {"ciEnabled", 15, "mCiEnabled", &TvConfigInfo::mCiEnabled,
+         "persist.vendor.mlk.tv.enable_ci", FlagRule::PLAIN},
+        {"pipEnabled", 16, "mPipEnabled", &TvConfigInfo::mPipEnabled,
+         "persist.vendor.mlk.tv.enable_pip", FlagRule::PLAIN},
+        {"mheg5Enabled", 17, "mMheg5Enabled", &TvConfigInfo::mMheg5Enabled,
+         "persist.vendor.mlk.tv.enable_mheg5", FlagRule::PLAIN},
+        {"gingaEnabled", 18, "mGingaEnabled", &TvConfigInfo::mGingaEnabled,
+         "persist.vendor.mlk.tv.enable_ginga", FlagRule::PLAIN},
+        {"hbbtvEnabled", 19, "mHbbtvEnabled", &TvConfigInfo::mHbbtvEnabled,
+         "persist.vendor.mlk.tv.enable_hbbtv", FlagRule::PLAIN},
+        {"teltexEnabled", 20, "mTeltexEnabled", &TvConfigInfo::mTeltexEnabled,
+         "persist.vendor.mlk.tv.enable_tt", FlagRule::PLAIN},
+        {"closeCaptionEnabled", 21, "mCloseCaptionEnabled", &TvConfigInfo::mCloseCaptionEnabled,
          "persist.vendor.mlk.tv.enable_cc", FlagRule::CAPTION_MASTER},
-        {"atscCloseCaptionEnabled", ConfigType::ATSC_CLOSE_CAPTION, "mAtscCloseCaptionEnabled",
-         &TvConfigInfo::mAtscCloseCaptionEnabled, &IMlkTvConfigs::setAtscCloseCaptionEnabled,
-         "persist.vendor.mlk.tv.enable_atsc_cc", FlagRule::CAPTION},
-        {"ntscCloseCaptionEnabled", ConfigType::NTSC_CLOSE_CAPTION, "mNtscCloseCaptionEnabled",
-         &TvConfigInfo::mNtscCloseCaptionEnabled, &IMlkTvConfigs::setNtscCloseCaptionEnabled,
-         "persist.vendor.mlk.tv.enable_ntsc_cc", FlagRule::CAPTION},
-        {"isdbCloseCaptionEnabled", ConfigType::ISDB_CLOSE_CAPTION, "mIsdbCloseCaptionEnabled",
-         &TvConfigInfo::mIsdbCloseCaptionEnabled, &IMlkTvConfigs::setIsdbCloseCaptionEnabled,
-         "persist.vendor.mlk.tv.enable_isdb_cc", FlagRule::CAPTION},
-        {"getWOWEnabled", ConfigType::WOW, "mWOWEnabled", &TvConfigInfo::mWOWEnabled,
-         &IMlkTvConfigs::setWOWEnabled, "persist.vendor.mlk.enable_wow", FlagRule::PLAIN},
+        {"atscCloseCaptionEnabled", 22, "mAtscCloseCaptionEnabled",
+         &TvConfigInfo::mAtscCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_atsc_cc",
+         FlagRule::CAPTION},
+        {"ntscCloseCaptionEnabled", 23, "mNtscCloseCaptionEnabled",
+         &TvConfigInfo::mNtscCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_ntsc_cc",
+         FlagRule::CAPTION},
+        {"isdbCloseCaptionEnabled", 24, "mIsdbCloseCaptionEnabled",
+         &TvConfigInfo::mIsdbCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_isdb_cc",
+         FlagRule::CAPTION},
+        {"getWOWEnabled", 25, "mWOWEnabled", &TvConfigInfo::mWOWEnabled,
+         "persist.vendor.mlk.enable_wow", FlagRule::PLAIN},
 };
 
-/// Number of the row of a system's getter.
+/** Number of the row of a system's getter. */
 constexpr size_t tvSystemItem(std::string_view method) {
     return rowOf(kTvSystems, method);
 }
 
-/// Number of the row of a flag's getter.
+/** Number of the row of a flag's getter. */
 constexpr size_t tvFlagItem(std::string_view method) {
     return rowOf(kTvFlags, method);
 }
 
-/// The flag of that type; null when the type is none, such as 0 and 4.
-constexpr const TvFlagRow* findFlag(ConfigType type) {
+/** The flag of that type; null if no flag has it, as with 0 and 4. */
+constexpr const TvFlagRow* findFlag(uint32_t type) {
     for (const TvFlagRow& row : kTvFlags) {
         if (row.type == type) {
             return &row;

@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <map>
 #include <string>
 
-#include "common/Decimal.h"
+#include "common/testing/FixedProperties.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
 
@@ -18,30 +17,6 @@ using ::testing::ElementsAre;
 
 constexpr _tv_country kGermany{14};
 constexpr _tv_country kUsa{44};
-
-/** Properties that a test sets. */
-class FixedProperties : public Properties {
-  public:
-    std::string get(const char* key) const override {
-        const auto found = mValues.find(key);
-        return found != mValues.end() ? found->second : "";
-    }
-    bool getBool(const char* key, bool defaultValue) const override {
-        const std::string value = get(key);
-        return value.empty() ? defaultValue : value == "true";
-    }
-    int32_t getInt32(const char* key, int32_t defaultValue) const override {
-        const std::string value = get(key);
-        return value.empty() ? defaultValue : parseDecimal(value);
-    }
-    bool set(const char* key, const char* value) override {
-        mValues[key] = value;
-        return true;
-    }
-
-  private:
-    std::map<std::string, std::string> mValues;
-};
 
 std::string country(const std::string& name, const std::string& system) {
     return "<COUNTRY_TVCONFIG_MAP><COUNTRY_NAME>" + name + "</COUNTRY_NAME><TV_SYSTEM>" + system +

@@ -28,6 +28,7 @@ PLATFORM = {
     "hidl/Static.h",
     "hidl/Status.h",
     "hidlmemory/mapping.h",
+    "log/log.h",
     "malloc.h",
     "tinyxml2.h",
     "utils/Errors.h",

@@ -144,7 +144,7 @@ class Properties(unittest.TestCase):
         arguments = {
             argument
             for source in tree.product_sources()
-            for argument in re.findall(r"\bproperty_(?:get|set)\w*\(\s*([^,)]+)", tree.code(source))
+            for argument in re.findall(r"(?:\bproperty_|[pP]roperties\.)(?:get|set)\w*\(\s*([^,)]+)", tree.code(source))
         }
         others = {argument for argument in arguments if not argument.startswith('"')}
         self.assertEqual(others, {"key", "row.property", "kFrameworkItems[row].property"})

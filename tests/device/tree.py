@@ -61,7 +61,7 @@ def code(name):
     """A source without comments, includes and log messages: what is left, does something."""
     text = INCLUDE.sub("", read(name))
     text = TOKEN.sub(lambda m: m[0] if m["text"] is not None or m[0][0] in "'R" else " ", text)
-    return re.sub(r'__android_log_\w+\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
+    return re.sub(r'(?:__android_log_\w+|ALOG[VDIWE])\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
 
 
 def literals_in(text):
@@ -101,7 +101,7 @@ def written_properties():
     """Those of them that it sets: the features, and the switches that have a setter."""
     features = {text for text in literals("tvconfigs/TvConfigItems.h") if text in properties()}
     items = {method: name for method, _, name in framework_items()}
-    setters = re.findall(r'write\(frameworkItem\("(\w+)"\),', code("frameworkconfigs/MlkFrameworkConfigs.cpp"))
+    setters = re.findall(r'write\(frameworkItem\("(\w+)"\),', code("frameworkconfigs/FrameworkSwitches.cpp"))
     return features | {items[setter] for setter in setters}
 
 

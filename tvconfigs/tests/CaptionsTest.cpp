@@ -28,14 +28,14 @@ class CaptionsTest : public ::testing::Test {
 
     /// With all four flags at these values, unless their master turns three of them off.
     void start(const char* master, const char* captions) {
-        TvConfigsWithEditors::EditorList editors;
+        TvFeatures::EditorList editors;
         editors.push_back(std::make_unique<RecordingEditor>(
                 "1", mCalls,
                 std::map<std::string, std::string>{{kMaster, master},
                                                    {kAtsc, captions},
                                                    {kNtsc, captions},
                                                    {kIsdb, captions}}));
-        mService = new TvConfigsWithEditors(nullptr, std::move(editors));
+        mService = serviceWith(nullptr, std::move(editors));
         mCalls.clear();
     }
 

@@ -98,11 +98,11 @@ TEST_F(FlagsTest, AMasterLeavesTheReceptionPathsAlone) {
 
 TEST_F(FlagsTest, WritesThroughAllEditorsInOrder) {
     RecordingEditor::Calls calls;
-    TvConfigsWithEditors::EditorList editors;
+    TvFeatures::EditorList editors;
     // Neither stores anything, which stops nobody.
     editors.push_back(std::make_unique<RecordingEditor>("1", calls));
     editors.push_back(std::make_unique<RecordingEditor>("2", calls));
-    const sp<IMlkTvConfigs> service = new TvConfigsWithEditors(nullptr, std::move(editors));
+    const sp<IMlkTvConfigs> service = serviceWith(nullptr, std::move(editors));
     calls.clear();
     EXPECT_EQ(tvFlag(kPvr).set(*service, true), "true");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
@@ -215,7 +215,7 @@ class AskingEditor : public ConfigEditor {
 TEST_F(FlagsTest, GettersDoNotWaitForAWrite) {
     IMlkTvConfigs* service = nullptr;
     std::vector<std::string> answers;
-    TvConfigsWithEditors::EditorList editors;
+    TvFeatures::EditorList editors;
     editors.push_back(std::make_unique<AskingEditor>([&] {
         if (service != nullptr) {
             answers.push_back(tvFlag(kPvr).get(*service));
@@ -224,7 +224,7 @@ TEST_F(FlagsTest, GettersDoNotWaitForAWrite) {
             answers.push_back(tvSystems()[1].get(*service));
         }
     }));
-    const sp<IMlkTvConfigs> owner = new TvConfigsWithEditors(nullptr, std::move(editors));
+    const sp<IMlkTvConfigs> owner = serviceWith(nullptr, std::move(editors));
     service = owner.get();
     EXPECT_EQ(tvFlag(kPvr).set(*service, true), "true");
     EXPECT_THAT(answers, ElementsAre("true", "true", "0", "0"));

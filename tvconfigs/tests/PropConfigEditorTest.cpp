@@ -1,6 +1,7 @@
 #include "tvconfigs/PropConfigEditor.h"
 
 #include <android/log.h>
+#include <cutils/properties.h>
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -8,6 +9,7 @@
 
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
+#include "platform/Platform.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
@@ -15,12 +17,14 @@ namespace {
 using ::mlk::testing::HostSet;
 using ::mlk::testing::LogCapture;
 
+static_assert(ConfigEditor::kValueSize == PROPERTY_VALUE_MAX);
+
 constexpr char kKey[] = "persist.vendor.mlk.tv.enable_atv";
 
 class PropConfigEditorTest : public ::testing::Test {
   protected:
     HostSet mSet;
-    PropConfigEditor mEditor;
+    PropConfigEditor mEditor{systemProperties()};
     char mValue[ConfigEditor::kValueSize] = "untouched";
 
     std::string stored() const { return mSet.dir().read(std::string("data/property/") + kKey); }

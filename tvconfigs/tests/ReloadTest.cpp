@@ -118,17 +118,17 @@ TEST_F(ReloadTest, AFileWithALineTooLongCountsUpToIt) {
 TEST_F(ReloadTest, ANullPathIsRefused) {
     auto file = std::make_unique<FileConfigEditor>(
             mSet.dir().write("tvconfigs/tv.config", line(kPvr, "true")).c_str());
-    const sp<TvConfigsWithEditors> service = new TvConfigsWithEditors(std::move(file), {});
+    TvFeatures features(std::move(file), {});
     mSet.log().clear();
-    EXPECT_FALSE(service->Reload(nullptr));
+    EXPECT_FALSE(features.reload(nullptr));
     EXPECT_THAT(errors(), ElementsAre(MatchesRegex("\\[reloadTvConfig:[0-9]+\\] invalid paramter "
                                                    "\\(path is null\\)")));
     EXPECT_EQ(mSet.log().lines().size(), 1U);
-    EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
+    EXPECT_TRUE(features.get(kTvFlags[tvFlagItem("pvrEnabled")]));
 }
 
 TEST_F(ReloadTest, WithoutEditorsThereIsNothingToReload) {
-    const sp<IMlkTvConfigs> service = new TvConfigsWithEditors(nullptr, {});
+    const sp<IMlkTvConfigs> service = serviceWith(nullptr, {});
     mSet.log().clear();
     EXPECT_EQ(reload(*service, mSet.dir().write("tvdata/other.config", line(kPvr, "1"))), "false");
     EXPECT_THAT(errors(), ElementsAre(MatchesRegex("\\[reloadTvConfig:[0-9]+\\] invalid paramter "

@@ -168,9 +168,9 @@ std::vector<std::string> callsOfStart(const std::vector<std::string>& enabled) {
         values[key] = "true";
     }
     RecordingEditor::Calls calls;
-    TvConfigsWithEditors::EditorList editors;
+    TvFeatures::EditorList editors;
     editors.push_back(std::make_unique<RecordingEditor>("1", calls, values));
-    const sp<IMlkTvConfigs> service = new TvConfigsWithEditors(nullptr, std::move(editors));
+    const sp<IMlkTvConfigs> service = serviceWith(nullptr, std::move(editors));
     return calls;
 }
 
@@ -212,13 +212,13 @@ TEST_F(StartTest, DoesNotReadWhatIsBelowAMasterThatIsOff) {
 
 TEST_F(StartTest, AsksTheEditorsInOrderUntilOneKnows) {
     RecordingEditor::Calls calls;
-    TvConfigsWithEditors::EditorList editors;
+    TvFeatures::EditorList editors;
     editors.push_back(std::make_unique<RecordingEditor>("1", calls));
     editors.push_back(std::make_unique<RecordingEditor>(
             "2", calls, std::map<std::string, std::string>{{kAtvSystem, "1"}}));
     editors.push_back(std::make_unique<RecordingEditor>(
             "3", calls, std::map<std::string, std::string>{{kAtvSystem, "0"}, {kAtv, "1"}}));
-    const sp<IMlkTvConfigs> service = new TvConfigsWithEditors(nullptr, std::move(editors));
+    const sp<IMlkTvConfigs> service = serviceWith(nullptr, std::move(editors));
     ASSERT_GE(calls.size(), 5U);
     calls.resize(5);
     EXPECT_THAT(calls, ElementsAre(std::string("1 get ") + kAtvSystem,

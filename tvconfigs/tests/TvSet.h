@@ -11,7 +11,7 @@
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
 #include "tvconfigs/MlkTvConfigs.h"
-#include "tvconfigs/PropConfigEditor.h"
+#include "tvconfigs/TvFeatures.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -83,14 +83,10 @@ class RecordingEditor : public ConfigEditor {
     const std::map<std::string, std::string> mValues;
 };
 
-/// The service with editors of the test's choice.
-class TvConfigsWithEditors : public MlkTvConfigs {
-  public:
-    using MlkTvConfigs::EditorList;
-    using MlkTvConfigs::Reload;
-
-    TvConfigsWithEditors(std::unique_ptr<FileConfigEditor> file, EditorList others)
-        : MlkTvConfigs(std::move(file), std::move(others)) {}
-};
+/** The service with editors of the test's choice: the file's, null for none, and those after it. */
+inline ::android::sp<MlkTvConfigs> serviceWith(std::unique_ptr<FileConfigEditor> file,
+                                               TvFeatures::EditorList others) {
+    return new MlkTvConfigs(std::make_unique<TvFeatures>(std::move(file), std::move(others)));
+}
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

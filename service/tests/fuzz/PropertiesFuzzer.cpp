@@ -24,6 +24,7 @@
 using namespace vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace fuzzing = mlk::fuzzing;
 using android::sp;
+using vendor::morlak::mlkconfigs::V1_0::ConfigType;
 using vendor::morlak::mlkconfigs::V1_0::OptionalBool;
 using vendor::morlak::mlkconfigs::V1_0::OptionalInt32;
 
@@ -148,7 +149,7 @@ void compareTv(const std::string& value) {
     // All masters have the same value.
     const bool expected = value == "true" || atoi(value.c_str()) > 0;
     for (const TvFlagRow& row : kTvFlags) {
-        service->getFlag(row.type, [&](const OptionalBool& answer) {
+        service->getFlag(static_cast<ConfigType>(row.type), [&](const OptionalBool& answer) {
             expectAnswer(answer, expected, row.name);
         });
     }
