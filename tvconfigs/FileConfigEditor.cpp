@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkTvConfigs"
+
 #include "tvconfigs/FileConfigEditor.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,16 +14,15 @@
 #include <system_error>
 
 #include "common/SaveFile.h"
-#include "tvconfigs/LogTag.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kPathSize = 128;   // the NUL at its end included
-constexpr size_t kLineSize = 1024;  // the same
+constexpr size_t kPathSize = 128;   // with the final NUL
+constexpr size_t kLineSize = 1024;  // with the final NUL
 constexpr size_t kBlockSize = size_t{1} << 14U;
-// A real file has 2 KiB and 28 entries. Clients may name any file.
+// Clients may name any file. A real one has 2 KiB and 28 entries.
 constexpr size_t kFileSize = size_t{1} << 22U;
 constexpr size_t kEntries = size_t{1} << 16U;
 
@@ -29,8 +30,8 @@ std::string pathOf(const char* path) {
     return path == nullptr ? std::string() : std::string(path, strnlen(path, kPathSize - 1));
 }
 
-/// An entry as the file has it. Formatted into a line buffer and written up to its first line feed:
-/// one that does not fit is the buffer's whole content.
+// An entry as it is written: the content of a line buffer up to its first line feed, or all of it
+// if the line feed does not fit.
 std::string lineOf(const std::string& key, const std::string& value) {
     std::string line = key + '=' + value + '\n';
     line.resize(std::min(line.size(), kLineSize - 1));
@@ -43,7 +44,7 @@ std::string lineOf(const std::string& key, const std::string& value) {
     return line;
 }
 
-/// Whether a file that may be written has exactly this text.
+// Whether a file holds exactly this text and may be written.
 bool holds(const char* path, const std::string& text) {
     File file(path, O_RDWR);
     if (!file.isOpen() || file.size() != text.size()) {
@@ -61,20 +62,19 @@ bool holds(const char* path, const std::string& text) {
     return content == text;
 }
 
-/// The entry of that key that counts, or the end.
+// The first entry of the key, or the end.
 template <typename Items>
 auto firstOf(Items& items, const char* key) {
     return std::find_if(items.begin(), items.end(),
                         [&](const auto& item) { return item.first == key; });
 }
 
-/// Whether the line buffer takes another character; the log says so when it does not.
+// Whether the line buffer takes another character. Logs it if not.
 bool hasRoom(const std::string& line) {
     if (line.size() < kLineSize) {
         return true;
     }
-    __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: line out of buf size=%d",
-                        static_cast<int>(kLineSize));
+    ALOGE("ERROR: line out of buf size=%d", static_cast<int>(kLineSize));
     return false;
 }
 
@@ -88,11 +88,11 @@ bool FileConfigEditor::Update(const char* path) {
     const std::string name = path == nullptr ? "" : path;
     File file(name);
     if (!file.isOpen()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Open %s fail!", name.c_str());
+        ALOGE("ERROR: Open %s fail!", name.c_str());
         return false;
     }
-    // An error line on purpose: which file counts is seen with every filter.
-    __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "Open %s success!", name.c_str());
+    // An error line on purpose: every filter shows which file is in use.
+    ALOGE("Open %s success!", name.c_str());
     Items items;
     std::string problem;
     try {
@@ -101,15 +101,14 @@ bool FileConfigEditor::Update(const char* path) {
         problem = "out of memory";
     }
     if (!problem.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Read %s fail! %s",
-                            name.c_str(), problem.c_str());
+        ALOGE("ERROR: Read %s fail! %s", name.c_str(), problem.c_str());
         return false;
     }
     mItems = std::move(items);
     return true;
 }
 
-// Gives what kept the file from being read whole, or nothing.
+// Returns what kept the file from being read whole, or an empty text.
 std::string FileConfigEditor::ReadItems(File& file, Items& items) {
     const auto block = std::make_unique<char[]>(kBlockSize);
     std::string line;
@@ -137,12 +136,12 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items) {
             }
         }
     }
-    hasRoom(line);  // at the end of the file too, a full line is one that is too long
+    hasRoom(line);  // a full line is too long at the end of the file, too
     return {};
 }
 
 bool FileConfigEditor::TakeByte(char byte, std::string& line, Items& items) {
-    // In this order: a NUL byte behind a full line is no error, while a carriage return, a line
+    // The order matters: after a full line, a NUL byte is no error, but a carriage return, a line
     // feed or the end of the file is one.
     if (byte == '\0' || !hasRoom(line)) {
         return false;
@@ -191,7 +190,7 @@ bool FileConfigEditor::Save(const char* path) {
     for (const auto& [key, value] : mItems) {
         text += lineOf(key, value);
     }
-    // Each start sets an entry to what it is: that wears no flash, and waits for none.
+    // Each start sets an entry to its present value. That need not write to flash, or wait for it.
     if (mIsStored && holds(path, text)) {
         return true;
     }
@@ -199,8 +198,7 @@ bool FileConfigEditor::Save(const char* path) {
     mIsStored = saved == Saved::DONE;
     if (saved == Saved::NOT_WRITTEN) {
         const std::string reason = std::generic_category().message(errno);
-        __android_log_print(ANDROID_LOG_ERROR, kTvConfigsTag, "ERROR: Write %s fail! %s", path,
-                            reason.c_str());
+        ALOGE("ERROR: Write %s fail! %s", path, reason.c_str());
     }
     return saved != Saved::NOT_OPENED;
 }

@@ -9,56 +9,77 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// The TV configuration file as a store: lines of key=value.
-///
-/// - A line ends with a line feed; text after the last one does not count. Carriage returns are
-///   dropped wherever they stand. A NUL byte ends the file.
-/// - A line that begins with "#" is a comment, a line without "=" is nothing. All other lines are
-///   entries: the key is what stands before the last "=", the value what stands after it. Nothing
-///   is trimmed; both may be empty.
-/// - A line, a comment too, has at most 1023 characters; a longer one ends the reading, with a log
-///   line, and what stands before it counts.
-/// - A file of more than 4 MiB, or with more than 65,536 entries, is refused as a whole, with a log
-///   line: clients may name any file to be read.
-///
-/// The entries are kept in the order of the file, and a key may occur more than once: its first
-/// entry is the one that counts. Each Set writes the whole file anew, nothing but the entries, one
-/// a line, unless the file holds just that. A line of more than 1023 characters, line feed
-/// included, is then written cut to these, with a NUL byte in place of the rest: whoever reads the
-/// file next finds neither it nor the entries behind it.
+/**
+ * The TV configuration file as a store: lines of key=value.
+ *
+ * - A line ends with a line feed; text after the last line feed does not count. Carriage returns
+ *   are dropped wherever they are. A NUL byte ends the file.
+ * - A line that begins with "#" is a comment. A line without "=" is ignored. All other lines are
+ *   entries: the key is the text before the last "=", the value the text after it. Nothing is
+ *   trimmed; both may be empty.
+ * - A line, or a comment, has at most 1023 characters. A longer one ends the reading with a log
+ *   line; the entries before it count.
+ * - A file of more than 4 MiB, or with more than 65,536 entries, is refused with a log line:
+ *   clients may name any file to be read.
+ *
+ * The entries keep the order of the file. A key may occur more than once: its first entry counts.
+ * Each Set() writes the entries, and nothing else, one a line, unless the file holds just that. An
+ * entry of more than 1023 characters, line feed included, is cut to these when it is written, and a
+ * NUL byte takes the place of the rest: the next reader finds neither it nor the entries after it.
+ */
 class FileConfigEditor : public ConfigEditor {
   public:
-    /// Reads the file, as Update does. At most 127 characters of `path` are used, for this and for
-    /// all later writing; null is the empty path.
+    /**
+     * Reads the file, as Update() does.
+     *
+     * @param path  the file that is read and later written. At most 127 characters of it are used;
+     *              null is the empty path
+     */
     explicit FileConfigEditor(const char* path);
 
-    /// Reads a file and has its entries replace the present ones; where Set writes does not change.
-    /// Only a regular file is opened. False when it cannot be opened, or not be read to its end (an
-    /// error, too large, no memory), which the log tells: the present entries stay.
+    /**
+     * Replaces the entries by those of a file. Set() goes on writing to the file of the
+     * constructor.
+     *
+     * @param path  a regular file; null is the empty path
+     * @return false, with the entries unchanged and the reason in the log, if the file cannot be
+     *         opened or not be read to its end: after an error, if it is too large, or if memory
+     *         runs out
+     */
     bool Update(const char* path);
 
-    /// Takes one line, without its line feed, as the last entry. False, and nothing happens, when
-    /// it has no "=" or is null.
+    /**
+     * Appends the entry of one line, which has no line feed.
+     *
+     * @return false, with nothing changed, if the line has no "=" or is null
+     */
     bool UpdateList(const char* line);
 
-    /// Gives the first entry of that key another value. False when there is none, or for null.
+    /** Changes the first entry of the key. @return false if no entry has the key, or for null */
     bool UpdateValue(const char* key, const char* value);
 
-    /// Writes all entries to a file, over what it held, unless it holds just these already. False
-    /// when it cannot be opened; when it can but does not take all of them, a log line says so and
-    /// the answer is true. See saveFile for what a crash leaves.
+    /**
+     * Overwrites a file with all entries, unless it already holds just these. See saveFile() for
+     * what a crash leaves.
+     *
+     * @return false if the file cannot be opened. A file that can be opened but not written whole
+     *         gives true and a log line
+     */
     bool Save(const char* path);
 
-    /// Changes an entry and writes the file. Never adds one: false when the key has none, and the
-    /// file is not touched. False too when the file cannot be written; the entry has changed then.
+    /**
+     * Changes an entry and writes the file. Never adds an entry.
+     *
+     * @return false if the key has no entry, with the file untouched; false, too, if the file
+     * cannot be opened, but with the entry changed
+     */
     bool Set(const char* key, const char* value) override;
 
-    /// At most the first 91 characters of the value.
+    /** Copies at most the first 91 characters of the value. */
     bool Get(const char* key, char* value) const override;
 
   private:
     using Item = std::pair<std::string, std::string>;
-
     using Items = std::vector<Item>;
 
     static std::string ReadItems(File& file, Items& items);
@@ -67,7 +88,7 @@ class FileConfigEditor : public ConfigEditor {
 
     const std::string mPath;
     Items mItems;
-    bool mIsStored = true;  ///< false after a Save that failed, which may have reached the file
+    bool mIsStored = true;  // false after a Save() that failed: the file may hold part of it
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

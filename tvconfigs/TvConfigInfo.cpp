@@ -1,10 +1,11 @@
+#define LOG_TAG "MlkTvConfigs"
+
 #include "tvconfigs/TvConfigInfo.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <string>
 
-#include "tvconfigs/LogTag.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -22,7 +23,7 @@ void TvConfigInfo::Dump() const {
     for (const TvFlagRow& row : kTvFlags) {
         add(row.name, this->*row.field ? "true" : "false");
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTvConfigsTag, "%s\n", text.c_str());
+    ALOGD("%s\n", text.c_str());
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -4,7 +4,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// The values of all items, in the order of the dump. A plain record; its owner guards it.
+/** The values of all items, in the order of the dump. A plain record: its owner guards it. */
 struct TvConfigInfo {
     int32_t mAtvSystem = 1;
     int32_t mDtvSystem = 1;
@@ -33,7 +33,7 @@ struct TvConfigInfo {
     bool mIsdbCloseCaptionEnabled = true;
     bool mWOWEnabled = true;
 
-    /// Logs the whole record, one item a line, as one message of debug priority.
+    /** Logs the whole record as one message of debug priority, one item a line. */
     void Dump() const;
 };
 

@@ -146,7 +146,7 @@ class Names(unittest.TestCase):
 
     def test_numbers_whose_base_is_inferred(self):
         """Those that the framework's switches read as integers, and no others."""
-        items = re.findall(r'FrameworkItemKind::(\w+),\s*"([^"]+)"\}', tree.code("frameworkconfigs/FrameworkItems.h"))
+        items = [(kind, name) for _, kind, name in tree.framework_items()]
         self.assertGreater(len(items), 15)
         integers = {name for kind, name in items if kind != "FLAG"}
         inferred = {words(row[2])[0] for row in reference() if "base is inferred" in row[3]}

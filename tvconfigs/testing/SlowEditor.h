@@ -6,16 +6,19 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// The rules of the TV configuration file in the plainest way, a byte at a time: what the editor is
-/// compared with.
+/**
+ * The rules of the TV configuration file in the plainest way, a byte at a time. Tests compare the
+ * editor with it.
+ */
 struct SlowEditor {
     std::vector<std::pair<std::string, std::string>> items;
     int linesTooLong = 0;
 
-    /// Reads the file; throws std::runtime_error when it cannot be opened.
+    /** Reads the file. Throws std::runtime_error if it cannot be opened. */
     void update(const std::string& path);
+    /** Changes the first entry of the key. @return false if no entry has the key */
     bool updateValue(const std::string& key, const std::string& value);
-    /// Empties the file, then writes it.
+    /** Empties the file, then writes it. Throws std::runtime_error if it cannot be opened. */
     void save(const std::string& path) const;
 
   private:

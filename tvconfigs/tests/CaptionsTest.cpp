@@ -19,14 +19,14 @@ std::string written(const std::string& key, const std::string& value) {
     return "1 set " + key + '=' + value;
 }
 
-/// The service, and what it writes.
+/** A service whose writes are recorded. */
 class CaptionsTest : public ::testing::Test {
   protected:
     TvSet mSet;
     RecordingEditor::Calls mCalls;
     sp<IMlkTvConfigs> mService;
 
-    /// With all four flags at these values, unless their master turns three of them off.
+    /** Starts with these values of the master and of the three captions. */
     void start(const char* master, const char* captions) {
         TvFeatures::EditorList editors;
         editors.push_back(std::make_unique<RecordingEditor>(

@@ -8,7 +8,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// What the editor answers for the key; nothing when it has no such entry.
+/** The value that the editor has for the key; nullopt if it has no such entry. */
 inline std::optional<std::string> valueOf(const ConfigEditor& editor, const std::string& key) {
     char value[ConfigEditor::kValueSize] = {};
     if (!editor.Get(key.c_str(), value)) {
@@ -17,7 +17,7 @@ inline std::optional<std::string> valueOf(const ConfigEditor& editor, const std:
     return value;
 }
 
-/// All entries of the editor, one a line, as it writes them.
+/** All entries of the editor, one a line, as it writes them. */
 inline std::string entriesOf(FileConfigEditor& editor) {
     const ::mlk::testing::TempDir dir;
     return editor.Save(dir.path("entries").c_str()) ? dir.read("entries") : "not written";

@@ -33,13 +33,13 @@ class FileConfigEditorReadTest : public ::testing::Test {
     const LogCapture mLog;
     const TempDir mDir;
 
-    /// The entries that are read from a file of that content.
+    /** The entries that are read from a file of that content. */
     std::string read(const std::string& content) const {
         FileConfigEditor editor(mDir.write("tv.config", content).c_str());
         return entriesOf(editor);
     }
 
-    /// The error lines, but the one that tells that the file was opened.
+    /** The error lines except the one that says that the file was opened. */
     std::vector<std::string> complaints() const {
         std::vector<std::string> result;
         for (std::string& text : mLog.texts(ANDROID_LOG_ERROR, "MlkTvConfigs")) {
@@ -130,7 +130,7 @@ TEST_F(FileConfigEditorReadTest, AFullBufferIsJudgedBeforeWhatFollows) {
     const std::string full(1024, 'x');
     EXPECT_EQ(read(full), "");
     EXPECT_THAT(complaints(), ElementsAre(kTooLong));
-    // The end that a NUL byte makes comes first.
+    // The NUL byte ends the file before the line is found to be too long.
     EXPECT_EQ(read(full + std::string(1, '\0')), "");
     EXPECT_THAT(complaints(), ElementsAre(kTooLong));
     EXPECT_EQ(read(std::string(1023, 'x')), "");
@@ -190,7 +190,7 @@ TEST_F(FileConfigEditorReadTest, WhatFollowsTheEndDoesNotCount) {
 
 TEST_F(FileConfigEditorReadTest, AnErrorInTheMiddleLeavesTheEntries) {
     FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
-    // It can be opened, but not be read from its start on.
+    // The file can be opened, but its start cannot be read.
     const std::string path = "/proc/self/mem";
     EXPECT_FALSE(editor.Update(path.c_str()));
     EXPECT_EQ(entriesOf(editor), "a=1\n");
@@ -254,7 +254,7 @@ TEST_F(FileConfigEditorReadTest, SingleLinesAreAppended) {
     EXPECT_FALSE(editor.UpdateList("c"));
     EXPECT_FALSE(editor.UpdateList(""));
     EXPECT_FALSE(editor.UpdateList(nullptr));
-    // It is the reading of a file that knows comments.
+    // Only the reading of a file skips comments.
     EXPECT_TRUE(editor.UpdateList("#d=4"));
     EXPECT_EQ(entriesOf(editor), "a=1\nb=2=3\n#d=4\n");
 }

@@ -85,7 +85,7 @@ TEST_F(FileConfigEditorWriteTest, GetGivesAtMost91Characters) {
     FileConfigEditor editor(write("a=" + value.substr(0, 91) + "\nb=" + value + '\n').c_str());
     EXPECT_EQ(valueOf(editor, "a"), value.substr(0, 91));
     EXPECT_EQ(valueOf(editor, "b"), value.substr(0, 91));
-    // Shortened for the reader only.
+    // Only Get() shortens the value.
     EXPECT_TRUE(editor.Set("a", "1"));
     EXPECT_EQ(file(), "a=1\nb=" + value + '\n');
 }
@@ -105,7 +105,7 @@ TEST_F(FileConfigEditorWriteTest, ALongerLineIsCutAndHidesWhatFollows) {
         FileConfigEditor next(mDir.path("tv.config").c_str());
         EXPECT_EQ(entriesOf(next), "a=1\n");
     }
-    // Nothing is lost yet for the editor that has the entries.
+    // The editor that wrote the file still has all entries.
     EXPECT_TRUE(editor.Set("b", "2"));
     EXPECT_EQ(file(), "a=1\nb=2\nc=3\n");
 }
@@ -142,7 +142,7 @@ TEST_F(FileConfigEditorWriteTest, UsesAtMost127CharactersOfItsPath) {
     EXPECT_TRUE(editor.Set("a", "2"));
     EXPECT_EQ(mDir.read(path.substr(mDir.path().size() + 1)), "a=2\n");
     EXPECT_FALSE(std::filesystem::exists(path + "rest"));
-    // What Update is given is used as it is.
+    // Update() uses the whole path.
     mDir.write(path.substr(mDir.path().size() + 1) + "rest", "b=1\n");
     EXPECT_TRUE(editor.Update((path + "rest").c_str()));
     EXPECT_EQ(valueOf(editor, "b"), "1");

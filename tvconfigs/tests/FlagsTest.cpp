@@ -16,7 +16,7 @@ constexpr char kPvr[] = "persist.vendor.mlk.tv.enable_pvr";
 constexpr char kHdmi[] = "persist.vendor.mlk.tv.enable_hdmi";
 constexpr char kCaption[] = "persist.vendor.mlk.tv.enable_cc";
 
-/// A file in which every flag has that value.
+/** A file in which every flag has that value. */
 std::string allFlags(const std::string& value) {
     std::string content;
     for (const TvFlag& flag : tvFlags()) {
@@ -43,7 +43,7 @@ TEST_F(FlagsTest, ASetterChangesItsValuePropertyAndFile) {
         EXPECT_EQ(flag.set(*service, false), "false") << flag.name;
         EXPECT_EQ(set.property(flag.key), "false") << flag.name;
         if (flag.key == std::string(kCaption)) {
-            continue;  // CaptionsTest
+            continue;  // see CaptionsTest
         }
         EXPECT_EQ(set.file(), withValue(content, flag.key, "false"));
         for (const TvFlag& other : tvFlags()) {
@@ -89,7 +89,7 @@ TEST_F(FlagsTest, AMasterLeavesTheReceptionPathsAlone) {
         }
         EXPECT_EQ(mSet.file(), withValue(allFlags("true"), master, "false"));
     }
-    // And they can be set while it is off.
+    // The paths can be set while their master is off.
     const TvFlag& cable = tvFlag("persist.vendor.mlk.tv.atv_cable");
     const auto service = mSet.start(allFlags("false"));
     EXPECT_EQ(cable.set(*service, true), "true");
@@ -99,7 +99,7 @@ TEST_F(FlagsTest, AMasterLeavesTheReceptionPathsAlone) {
 TEST_F(FlagsTest, WritesThroughAllEditorsInOrder) {
     RecordingEditor::Calls calls;
     TvFeatures::EditorList editors;
-    // Neither stores anything, which stops nobody.
+    // Neither of them stores anything; the change counts nevertheless.
     editors.push_back(std::make_unique<RecordingEditor>("1", calls));
     editors.push_back(std::make_unique<RecordingEditor>("2", calls));
     const sp<IMlkTvConfigs> service = serviceWith(nullptr, std::move(editors));
@@ -198,7 +198,7 @@ TEST_F(FlagsTest, AnAnswerMayCallTheService) {
     EXPECT_EQ(tvFlag(kHdmi).get(*service), "true");
 }
 
-/// Has the service asked while it writes.
+/** Asks the service while it writes. */
 class AskingEditor : public ConfigEditor {
   public:
     explicit AskingEditor(std::function<void()> ask) : mAsk(std::move(ask)) {}

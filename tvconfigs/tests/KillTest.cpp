@@ -1,5 +1,5 @@
-// What a SIGKILL at any moment leaves of the TV configuration file. The test prints what it found;
-// docs/tvconfigs.md shows it.
+// What a SIGKILL at any moment leaves of the TV configuration file. docs/tvconfigs.md shows what
+// these tests print.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -30,8 +30,10 @@ using ::mlk::testing::LogCapture;
 using ::mlk::testing::TempDir;
 using Count = std::atomic<uint64_t>;
 
-/// A sequence of changes to a file of that many entries, which have the first value: one after the
-/// other gets the second, then one after the other the first, and so on.
+/**
+ * A sequence of changes to a file. All entries start with the first value. The changes give them
+ * the second value, one after the other, then the first value again, and so on.
+ */
 struct Changes {
     size_t entries;
     const char* first;
@@ -53,7 +55,7 @@ struct Changes {
     }
 };
 
-/// Counts the changes made by a process that is killed meanwhile.
+/** Counts the changes of another process; survives that process. */
 class SharedCount {
   public:
     SharedCount()
@@ -70,13 +72,13 @@ class SharedCount {
     Count* mCount;
 };
 
-/// How often what was found.
+/** How often each outcome was found. */
 struct Found {
-    int before = 0;   ///< all entries, as they were before the change that was going on
-    int after = 0;    ///< all entries, as they were to be after it
+    int before = 0;   ///< all entries, as before the change that the kill interrupted
+    int after = 0;    ///< all entries, as after that change
     int neither = 0;  ///< something else
-    int damaged = 0;  ///< of these: more than two of the lines that stay the same are lost
-    int empty = 0;    ///< of these: no entry at all
+    int damaged = 0;  ///< of these: more than two unchanged lines are lost
+    int empty = 0;    ///< of these: without any entry
 };
 
 std::set<std::string> linesOf(const std::string& text) {
@@ -88,7 +90,7 @@ std::set<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-/// How many of the lines that stay the same through a change are not there.
+/** The number of lines that the change leaves alone and that were not found. */
 size_t lostLines(const std::string& found, const std::string& before, const std::string& after) {
     const std::set<std::string> lines = linesOf(found);
     const std::set<std::string> old = linesOf(before);
@@ -99,7 +101,7 @@ size_t lostLines(const std::string& found, const std::string& before, const std:
     return lost;
 }
 
-/// Has a process make changes until it is killed at some moment; rounds times.
+/** Starts a process that makes changes and kills it at a random moment, `rounds` times. */
 Found killSome(int rounds, const Changes& changes, bool slow) {
     Found found;
     std::mt19937 random(1);
@@ -160,7 +162,7 @@ void tell(const char* what, const Changes& changes, const Found& found) {
 }
 
 constexpr int kRounds = 100;
-// 1 KiB and 80 KiB. The second kind's lines keep their lengths.
+// Files of 1 KiB and of 80 KiB. The values "1" and "0" have the same length.
 constexpr Changes kUsual[] = {{28, "true", "false"}, {28, "1", "0"}};
 constexpr Changes kHuge[] = {{2000, "true", "false"}, {2000, "1", "0"}};
 
@@ -180,7 +182,7 @@ TEST(KillTest, OfAHugeFileLeavesAMixture) {
     }
 }
 
-// What the writing avoids, and that this test would see it.
+// Shows what overwriting in place avoids, and that this test would notice it.
 TEST(KillTest, HadTheFileBeenEmptiedFirst) {
     const Found usual = killSome(kRounds, kUsual[0], true);
     tell("a file of 1 KiB, emptied and written", kUsual[0], usual);

@@ -135,7 +135,7 @@ TEST_F(ReloadTest, WithoutEditorsThereIsNothingToReload) {
                                                    "\\(mEditorLst's size is 0\\)")));
     EXPECT_EQ(mSet.log().lines().size(), 1U);
     EXPECT_EQ(tvFlag(kPvr).get(*service), "false");
-    // A setter has nowhere to write to.
+    // A value that no editor stores is served nevertheless.
     EXPECT_EQ(tvFlag(kPvr).set(*service, true), "true");
 }
 

@@ -104,7 +104,7 @@ TEST(SavingTest, GrowthOnAFullDiskLosesNoEntry) {
     if (!disk.isMounted()) {
         GTEST_SKIP() << disk.problem();
     }
-    // The last of its entries ends where its block does.
+    // The last entry ends at the end of a block of the disk.
     std::string content = "a=1\n";
     while (content.size() < 4096) {
         content +=
@@ -128,7 +128,7 @@ TEST(SavingTest, GrowthOnAFullDiskLosesNoEntry) {
     EXPECT_EQ(disk.dir().read("file"), "a=44" + content.substr(3));
 }
 
-/// A file that grew, and was then not written.
+// A crash may leave a file that has grown but has not been written.
 TEST(SavingTest, SizeWithoutItsBytesReadsAsBefore) {
     const TempDir dir;
     FileConfigEditor editor(dir.write("file", std::string("a=1\nb=2\n\0\0\0", 11)).c_str());

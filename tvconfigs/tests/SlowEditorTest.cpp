@@ -21,7 +21,7 @@ using ::mlk::testing::FileCalls;
 using ::mlk::testing::LogCapture;
 using ::mlk::testing::TempDir;
 
-/// Texts that the file's rules have something to say about.
+/** Makes random texts from the characters that the rules of the file treat specially. */
 class Texts {
   public:
     explicit Texts(unsigned seed) : mRandom(seed) {}
@@ -39,7 +39,7 @@ class Texts {
         const bool isLong = below(8) == 0;
         const int size = isLong ? 1015 + below(16) : below(12);
         std::string result;
-        // Few carriage returns in a long line, so that many are around the limit.
+        // A long line has few carriage returns, so that many lines have about 1023 characters.
         while (static_cast<int>(result.size()) < size) {
             result += isLong && below(400) != 0 ? (below(300) == 0 ? "=" : "x") : character();
         }
@@ -68,7 +68,7 @@ class SlowEditorTest : public ::testing::TestWithParam<unsigned> {};
 
 TEST_P(SlowEditorTest, AgreesWithTheEditor) {
     const TempDir dir;
-    // Emptying a file, and a folder for each round, would take most of the time.
+    // Removing a file takes less time than emptying it, or than a folder for each round.
     const auto fresh = [&](const char* name) {
         std::filesystem::remove(dir.path(name));
         return dir.path(name);

@@ -72,7 +72,7 @@ TEST_F(StartTest, TheFileIsAskedFirst) {
     const auto service = mSet.start(line(kAtv, "1") + line(kPvr, ""));
     EXPECT_EQ(tvFlag(kAtv).get(*service), "true");
     EXPECT_EQ(tvFlag("persist.vendor.mlk.tv.atv_antenna").get(*service), "true");
-    // An empty value in the file is a value, and no flag that is on.
+    // An empty value in the file counts, and means false.
     EXPECT_EQ(tvFlag(kPvr).get(*service), "false");
 }
 
@@ -134,7 +134,7 @@ TEST_F(StartTest, WhatIsBelowAMasterNeedsIt) {
     for (const TvFlag& flag : tvFlags()) {
         EXPECT_EQ(flag.get(*service), "false") << flag.name;
     }
-    // What they hold stays.
+    // The properties keep their values.
     EXPECT_EQ(mSet.file(), content);
 }
 
@@ -161,7 +161,7 @@ TEST_F(StartTest, TheAbsentDigitalSystemBecomesTheProperty) {
     EXPECT_EQ(mSet.property(kAtvSystem), std::nullopt);
 }
 
-/// What is asked and written at a start, with flags that are true for these keys only.
+/** The calls of the editor at a start with only these flags true. */
 std::vector<std::string> callsOfStart(const std::vector<std::string>& enabled) {
     std::map<std::string, std::string> values = {{kDtvSystem, "2"}};
     for (const std::string& key : enabled) {
@@ -234,7 +234,7 @@ TEST_F(StartTest, UsesTheGivenFileWhereItCanBeRead) {
     const sp<IMlkTvConfigs> service = new MlkTvConfigs(given.c_str());
     EXPECT_EQ(tvFlag(kAtv).get(*service), "false");
     EXPECT_EQ(tvFlag(kPvr).get(*service), "true");
-    // The choice is told by nothing but what was opened.
+    // No log line tells the choice, except the one about the file that was opened.
     const auto lines = mSet.log().brief();
     ASSERT_EQ(lines.size(), 2U);
     EXPECT_EQ(lines[0], "E/Open " + given + " success!");

@@ -19,14 +19,14 @@ using ::mlk::testing::inThreads;
 
 constexpr char kCaption[] = "persist.vendor.mlk.tv.enable_cc";
 
-/// Calls one method with arguments of its own choice; gives the answer.
+/** Calls one method with random arguments; gives the answer. */
 using Call = std::function<std::string(IMlkTvConfigs& service, std::mt19937& random)>;
 
 bool coin(std::mt19937& random) {
     return random() % 2 == 0;
 }
 
-/// All methods but reloadTvConfig.
+/** All methods except reloadTvConfig. */
 std::vector<Call> callsWithoutReload() {
     std::vector<Call> calls;
     for (const TvFlag& flag : tvFlags()) {
@@ -76,7 +76,7 @@ class ThreadsTest : public ::testing::Test {
     static constexpr int kRounds = 5;
 
     TvSet mSet;
-    // Nobody has to wait for a disk.
+    // No thread waits for a disk.
     const ::mlk::testing::FileCalls mCalls{::mlk::testing::withoutWaiting()};
 
     static void callAll(const std::vector<Call>& calls, IMlkTvConfigs& service) {
@@ -123,8 +123,7 @@ TEST_F(ThreadsTest, ReloadsMayComeBetween) {
     ASSERT_EQ(calls.size(), 55U);
     callAll(calls, *service);
     EXPECT_EQ(mSet.dir().read("tvdata/other.config"), fileWith("false", "2"));
-    // Both files have the digital system, so that a reload makes the first the image of the
-    // entries.
+    // Both files have the digital system, so that a reload writes all entries to the first file.
     FileConfigEditor file(mSet.path().c_str());
     EXPECT_EQ(reload(*service, mSet.path()), "true");
     EXPECT_EQ(entriesOf(file), mSet.file());
@@ -133,7 +132,7 @@ TEST_F(ThreadsTest, ReloadsMayComeBetween) {
     }
 }
 
-/// A reload replaces all values at once: nobody sees some of the old and some of the new.
+// A reload replaces all values at once: no getter sees a mixture of old and new ones.
 TEST_F(ThreadsTest, AReloadIsSeenAsAWhole) {
     const auto service = mSet.start(fileWith("true", "1"));
     const std::string other = mSet.dir().write("tvdata/other.config", fileWith("true", "1"));

@@ -64,7 +64,7 @@ TEST_F(TvFeaturesTest, TwoSetsSideBySideHaveFilesAndPropertiesOfTheirOwn) {
     EXPECT_TRUE(b.get(kHdmi));
     EXPECT_EQ(a.get(kDtvSystem), 2);
     EXPECT_EQ(b.get(kDtvSystem), 4);
-    // The start of A has written its property, and not B's.
+    // Each start has written the property of its own set.
     EXPECT_EQ(mA.properties.get(kDtvSystemKey), "2");
     EXPECT_EQ(mB.properties.get(kDtvSystemKey), "4");
 }
@@ -111,7 +111,7 @@ TEST_F(TvFeaturesTest, AReloadOfOneSetLeavesTheOtherAlone) {
 }
 
 TEST_F(TvFeaturesTest, APropertyOfASetMayBeLongerThanABuffer) {
-    // 91 characters are read: the "1" after them would make the number another one.
+    // Only 91 characters are read. The "1" after them would change the number.
     mA.properties.set(kDtvSystemKey, (std::string(90, '0') + "41").c_str());
     const TvFeatures a(nullptr, mA.partitions(), mA.properties);
     EXPECT_EQ(a.get(kDtvSystem), 4);

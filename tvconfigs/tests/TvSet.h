@@ -15,21 +15,22 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// A set with a TV service; the log is captured.
+/** A set with a TV service; the log is captured. */
 class TvSet {
   public:
-    /// The service on the set's own file, "tvconfigs/tv.config", which gets that content before.
+    /** Writes the set's own file, "tvconfigs/tv.config", and starts the service on it. */
     ::android::sp<IMlkTvConfigs> start(const std::string& content) {
         mSet.dir().write("tvconfigs/tv.config", content);
         return start();
     }
+    /** Starts the service on the set's own file as it is. */
     static ::android::sp<IMlkTvConfigs> start() { return new MlkTvConfigs(nullptr); }
 
     std::string path() const { return mSet.tvconfigs() + "/tv.config"; }
     std::string file() const { return mSet.dir().read("tvconfigs/tv.config"); }
     const ::mlk::testing::TempDir& dir() const { return mSet.dir(); }
 
-    /// What the property store holds; nothing when there is no such property.
+    /** The value in the property store; nullopt if there is no such property. */
     std::optional<std::string> property(const std::string& key) const {
         const std::string name = "data/property/" + key;
         if (!std::filesystem::exists(mSet.dir().path(name))) {
@@ -51,12 +52,12 @@ class TvSet {
     ::mlk::testing::LogCapture mLog;
 };
 
-/// Tells what reaches an editor: "get KEY", "set KEY=VALUE". Stores nothing; answers as told.
+/** Records the calls of an editor: "get KEY", "set KEY=VALUE". Has fixed values and stores none. */
 class RecordingEditor : public ConfigEditor {
   public:
     using Calls = std::vector<std::string>;
 
-    /// `name` stands before each call.
+    /** @param name  is put before each call in `calls`, which must outlive the object */
     RecordingEditor(std::string name, Calls& calls, std::map<std::string, std::string> values = {})
         : mName(std::move(name)), mCalls(calls), mValues(std::move(values)) {}
 
@@ -66,7 +67,7 @@ class RecordingEditor : public ConfigEditor {
     }
     bool Get(const char* key, char* value) const override {
         mCalls.push_back(mName + " get " + key);
-        // Whoever asks gives a buffer full of zeros each time.
+        // The caller clears the buffer each time.
         EXPECT_EQ(std::string(value, kValueSize), std::string(kValueSize, '\0'));
         const auto found = mValues.find(key);
         if (found == mValues.end()) {

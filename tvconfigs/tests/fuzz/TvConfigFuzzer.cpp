@@ -1,5 +1,5 @@
-// The TV configuration file: what is in it, then what clients set, a line "key=value" each, and
-// what a reader finds after each of them.
+// Fuzzes the TV configuration file: first its content, then the changes that clients make, one line
+// "key=value" each. After each change a reader must find what the plain rules say.
 
 #include <unistd.h>
 
@@ -64,10 +64,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     slow.update(set().file);
     fuzzing::requireEqual("what was read", savedBy(editor), savedBy(slow));
     for (const std::string& line : fuzzing::split(files.text(1), "\n", 8)) {
-        // A key, and a value, end at a NUL: they come from C.
+        // Keys and values are C strings: they end at a NUL.
         setOne(editor, slow, line.c_str());
     }
-    // Read again, by both and by one that reads another file first.
+    // Read the file again, and then another file with the same editor.
     FileConfigEditor again(set().file.c_str());
     slow.update(set().file);
     fuzzing::requireEqual("what was read again", savedBy(again), savedBy(slow));
