@@ -108,7 +108,7 @@ class TvFeatures {
         return mConfigInfo.*field;
     }
 
-    // Held by setters and reloads from beginning to end, and by nobody else; guards the editors.
+    // Held by setters and reloads from beginning to end, and nowhere else; guards the editors.
     std::mutex mChangeLock;
     // Held to change mConfigInfo, inside mChangeLock, and to read it without mChangeLock; only for
     // a copy.
