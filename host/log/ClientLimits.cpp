@@ -6,9 +6,11 @@ namespace mlk::host {
 
 void ClientLimits::pay(Account& account, Time now) {
     using std::chrono::milliseconds;
-    // In whole milliseconds, so that many small steps lose nothing.
+    // Counts whole milliseconds, so that many small steps lose nothing.
     const auto passed = std::chrono::floor<milliseconds>(now - account.paid);
-    if (passed <= milliseconds(0)) return;
+    if (passed <= milliseconds(0)) {
+        return;
+    }
     constexpr milliseconds kFull(1000 * kBurst / kEachSecond);
     const int64_t bytes = std::min(passed, kFull).count() * kEachSecond / 1000;
     account.bytes = std::min(account.bytes + bytes, kBurst);
@@ -22,7 +24,9 @@ ClientLimits::Account& ClientLimits::accountOf(int client, Time now) {
         return found->second;
     }
     if (mAccounts.size() >= kMost) {
-        for (auto& each : mAccounts) pay(each.second, now);
+        for (auto& each : mAccounts) {
+            pay(each.second, now);
+        }
         const auto richest = std::max_element(
                 mAccounts.begin(), mAccounts.end(),
                 [](const auto& a, const auto& b) { return a.second.bytes < b.second.bytes; });
@@ -48,11 +52,17 @@ bool ClientLimits::take(int client, size_t bytes, uint64_t lines, Time now) {
 
 std::optional<ClientLimits::LeftOut> ClientLimits::leftOut(Time now) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (mUnheard == 0) return {};
+    if (mUnheard == 0) {
+        return {};
+    }
     for (auto& [client, account] : mAccounts) {
-        if (account.leftOut == 0) continue;
+        if (account.leftOut == 0) {
+            continue;
+        }
         pay(account, now);
-        if (account.bytes < kHeardAgain) continue;
+        if (account.bytes < kHeardAgain) {
+            continue;
+        }
         const LeftOut result{client, account.leftOut};
         account.leftOut = 0;
         --mUnheard;

@@ -9,31 +9,37 @@
 
 namespace mlk::host {
 
-/// How much each client may have a service write to its log: an account a client, so that one that
-/// is over its limit costs nobody else a line. May be called from any thread.
+/**
+ * Limits how much each client can make a service write to its log. Each client has an account, so
+ * that a client over its limit costs no other client a line. Thread-safe.
+ */
 class ClientLimits {
   public:
     using Time = std::chrono::steady_clock::time_point;
 
-    /// Bytes that an account holds at first, and at most.
+    /** Bytes that an account holds at first, and at most. */
     static constexpr int64_t kBurst = int64_t{4} << 20U;
-    /// Bytes that are paid into it each second.
+    /** Bytes that are added to an account each second. */
     static constexpr int64_t kEachSecond = 64'000;
-    /// A client that has used up its account is heard again when there are that many in it.
+    /**
+     * A client that has used up its account is heard again when the account holds this many bytes.
+     */
     static constexpr int64_t kHeardAgain = 64'000;
-    /// How many clients have accounts. One more takes the place of the one with the most in it.
+    /** The number of accounts. A new client beyond it replaces the one with the fullest account. */
     static constexpr size_t kMost = 64;
 
-    /// Takes bytes from the client's account. False when they are more than is there, or the client
-    /// has not been heard since they were: the lines are left out and counted.
+    /**
+     * Takes bytes from the client's account. False when the account holds fewer, or the client has
+     * not been heard since it ran out; then the lines are left out and counted.
+     */
     bool take(int client, size_t bytes, uint64_t lines, Time now);
 
-    /// Lines of a client that were left out, and have not been told of yet.
+    /** Lines of a client that were left out and have not been reported yet. */
     struct LeftOut {
         int client;
         uint64_t lines;
     };
-    /// Those of a client that is heard again now; nothing when there is none.
+    /** Returns those of a client that is heard again now, if there is one. */
     std::optional<LeftOut> leftOut(Time now);
 
   private:

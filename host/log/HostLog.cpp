@@ -35,7 +35,7 @@ void show(int priority, const char* tag, const std::string& message) {
     output().write(formatBrief(priority, tag, getpid(), message));
 }
 
-/// The same for what a client has the process say.
+// The same for what a client makes the process log.
 void showFor(int client, int priority, const char* tag, const std::string& message) {
     const std::string text = formatBrief(priority, tag, getpid(), message);
     const auto lines = static_cast<uint64_t>(std::count(text.begin(), text.end(), '\n'));
@@ -44,7 +44,7 @@ void showFor(int client, int priority, const char* tag, const std::string& messa
     }
 }
 
-/// Says what was left out of clients that have been quiet for long enough since.
+// Reports the lines left out of clients that have been quiet for long enough since.
 void showLeftOut() {
     const auto now = std::chrono::steady_clock::now();
     while (const auto leftOut = limits().leftOut(now)) {

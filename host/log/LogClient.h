@@ -2,14 +2,16 @@
 
 namespace mlk::host {
 
-/// Not the number of a process.
+/** Not a valid process id. */
 inline constexpr int kNoClient = -1;
 
-/// While it lives, what this thread logs is said for the client with this process id, and counts
-/// towards its limit. They nest: what a client has another client's call say counts for the last.
+/**
+ * Attributes what this thread logs to the client with this process id and counts it towards the
+ * client's limit, while the object lives. Objects nest; the innermost one counts.
+ */
 class LogClient {
   public:
-    /// kNoClient: nobody's limit counts.
+    /** kNoClient: no limit applies. */
     explicit LogClient(int process);
     ~LogClient();
     LogClient(const LogClient&) = delete;
@@ -19,7 +21,7 @@ class LogClient {
     const int mFormer;
 };
 
-/// The client that this thread speaks for, or kNoClient.
+/** The client that this thread logs for, or kNoClient. */
 int logClient();
 
 }  // namespace mlk::host

@@ -38,7 +38,7 @@ LogFilter::LogFilter(std::string_view text, std::vector<std::string>* unknown)
 }
 
 bool LogFilter::addRule(std::string_view rule) {
-    // The last colon: tags of their own may hold one ("package::Interface").
+    // The last colon: tags may contain colons ("package::Interface").
     const size_t colon = rule.rfind(':');
     const std::string_view tag = rule.substr(0, colon);
     int priority = tag == "*" ? ANDROID_LOG_DEBUG : ANDROID_LOG_VERBOSE;

@@ -30,8 +30,9 @@ std::string prefixOf(int priority, std::string_view tag, pid_t pid) {
     return prefix.append(process).append("): ");
 }
 
-/// How many bytes the character of UTF-8 at the beginning has; 0 when there is none. Overlong forms
-/// of two bytes are told apart because they could hide controls; other oddities harm no terminal.
+// The length in bytes of the first UTF-8 character; 0 when it is malformed. Overlong forms of two
+// bytes are rejected because they could hide control characters; other deviations do not harm a
+// terminal.
 size_t characterLength(std::string_view text) {
     const auto lead = static_cast<uint8_t>(text[0]);
     const size_t length = lead < 0x80   ? 1
@@ -40,11 +41,15 @@ size_t characterLength(std::string_view text) {
                           : lead < 0xf0 ? 3
                           : lead < 0xf5 ? 4
                                         : 0;
-    if (length > text.size()) return 0;
+    if (length > text.size()) {
+        return 0;
+    }
     const auto continues = [](char byte) { return (static_cast<uint8_t>(byte) & 0xc0U) == 0x80U; };
     const auto second = text.begin() + 1;
-    if (length > 1 && !std::all_of(second, second + static_cast<ptrdiff_t>(length - 1), continues))
+    if (length > 1 &&
+        !std::all_of(second, second + static_cast<ptrdiff_t>(length - 1), continues)) {
         return 0;
+    }
     const bool isOverlong = length > 2 && (lead == 0xe0 || lead == 0xf0) &&
                             static_cast<uint8_t>(text[1]) < (lead == 0xe0 ? 0xa0 : 0x90);
     return isOverlong ? 0 : length;

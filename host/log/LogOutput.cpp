@@ -25,8 +25,8 @@ using std::chrono::steady_clock;
 
 namespace {
 
-/// Keeps the SIGPIPE of a write to a closed pipe from this thread, without touching what the
-/// process does with the signal: programs under a log must not inherit an ignored one.
+// Suppresses the SIGPIPE of this thread's write to a closed pipe. Leaves the process's handling of
+// the signal unchanged, because started programs must not inherit an ignored signal.
 class NoBrokenPipe {
   public:
     NoBrokenPipe() {
@@ -54,8 +54,8 @@ class NoBrokenPipe {
     bool mWasPending = false;
 };
 
-/// Whether the file can be opened again by its descriptor: that is the same pipe or terminal, with
-/// flags of its own. (Terminals of major number 5 are others for each process that opens them.)
+// Whether opening the descriptor's path again gives the same pipe or terminal, with separate flags.
+// (Terminals of major number 5 are different for each process that opens them.)
 bool canBeOpenedAgain(const struct stat& status) {
     constexpr unsigned kOtherForEach = 5;
     return S_ISFIFO(status.st_mode) ||
@@ -77,21 +77,25 @@ uint64_t linesOf(std::string_view text) {
 
 }  // namespace
 
-/// The descriptor for the time of one message, asked not to wait.
+// The descriptor during one message, without waiting.
 class LogOutput::Target {
   public:
     Target(int descriptor, const struct stat& status)
         : mDescriptor(descriptor), mIsSocket(S_ISSOCK(status.st_mode)) {
-        if (canBeOpenedAgain(status)) mOwn = openedAgain(descriptor);
+        if (canBeOpenedAgain(status)) {
+            mOwn = openedAgain(descriptor);
+        }
     }
 
-    /// How many bytes it takes now; -1 with EAGAIN when there is no room.
+    // Writes as many bytes as fit now and returns their number; -1 with EAGAIN when none do.
     ssize_t takeNow(std::string_view text) const {
-        if (mOwn.ok()) return ::write(mOwn.get(), text.data(), text.size());
+        if (mOwn.ok()) {
+            return ::write(mOwn.get(), text.data(), text.size());
+        }
         if (mIsSocket) {
             return send(mDescriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
         }
-        // Waits only where another process takes the room that is seen here.
+        // May still wait if another process fills the space between poll and write.
         if (!hasRoom(0)) {
             errno = EAGAIN;
             return -1;
@@ -110,8 +114,8 @@ class LogOutput::Target {
     unique_fd mOwn;
 };
 
-/// Writes what is taken within the patience that is left and keeps the rest. False when nothing of
-/// it was taken.
+// Writes as much as the remaining patience allows and keeps the rest. False when nothing was
+// written.
 bool LogOutput::put(Target& target, std::string_view text) {
     size_t done = 0;
     while (done < text.size()) {
@@ -120,7 +124,9 @@ bool LogOutput::put(Target& target, std::string_view text) {
             done += static_cast<size_t>(written);
             mPatience = std::min<nanoseconds>(mPatience + written * kPatienceForByte, kPatience);
         } else if (errno == EAGAIN) {
-            if (mPatience <= nanoseconds(0)) break;
+            if (mPatience <= nanoseconds(0)) {
+                break;
+            }
             const auto begin = steady_clock::now();
             (void)target.hasRoom(millisecondsOf(mPatience));
             mPatience -= steady_clock::now() - begin;
@@ -129,7 +135,9 @@ bool LogOutput::put(Target& target, std::string_view text) {
         }
     }
     mRest = text.substr(done);
-    if (done == 0) mRest.clear();
+    if (done == 0) {
+        mRest.clear();
+    }
     return done > 0 || text.empty();
 }
 
@@ -137,13 +145,17 @@ void LogOutput::writeToFile(std::string_view text) const {
     size_t done = 0;
     while (done < text.size()) {
         const ssize_t written = ::write(mDescriptor, text.data() + done, text.size() - done);
-        if (written < 0 && errno != EINTR) return;
+        if (written < 0 && errno != EINTR) {
+            return;
+        }
         done += written < 0 ? 0 : static_cast<size_t>(written);
     }
 }
 
 void LogOutput::forgetUnless(const File& file) {
-    if (file.device == mFile.device && file.number == mFile.number) return;
+    if (file.device == mFile.device && file.number == mFile.number) {
+        return;
+    }
     mFile = file;
     mRest.clear();
     mDropped = 0;
@@ -154,7 +166,9 @@ void LogOutput::write(std::string_view message) {
     const std::lock_guard<std::mutex> lock(mMutex);
     const NoBrokenPipe noBrokenPipe;
     struct stat status {};
-    if (fstat(mDescriptor, &status) != 0) return;
+    if (fstat(mDescriptor, &status) != 0) {
+        return;
+    }
     const bool isDevice = S_ISCHR(status.st_mode);
     const bool isTerminal = isDevice && isatty(mDescriptor) != 0;
     if (!isTerminal && (isDevice || S_ISREG(status.st_mode))) {
@@ -163,20 +177,28 @@ void LogOutput::write(std::string_view message) {
     }
     forgetUnless({status.st_dev, status.st_ino});
     const std::string escaped = isTerminal ? escapeControls(message) : std::string();
-    if (isTerminal) message = escaped;
+    if (isTerminal) {
+        message = escaped;
+    }
 
     Target target(mDescriptor, status);
     if (!mRest.empty()) {
         const std::string rest = std::move(mRest);
-        if (!put(target, rest)) mRest = rest;
+        if (!put(target, rest)) {
+            mRest = rest;
+        }
     }
     if (mRest.empty() && mDropped != 0) {
         const std::string notice = formatBrief(
                 ANDROID_LOG_WARN, "log", getpid(),
                 std::to_string(mDropped) + " lines dropped: nobody read standard error in time");
-        if (put(target, notice)) mDropped = 0;
+        if (put(target, notice)) {
+            mDropped = 0;
+        }
     }
-    if (!mRest.empty() || mDropped != 0 || !put(target, message)) mDropped += linesOf(message);
+    if (!mRest.empty() || mDropped != 0 || !put(target, message)) {
+        mDropped += linesOf(message);
+    }
 }
 
 }  // namespace mlk::host

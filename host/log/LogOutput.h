@@ -10,26 +10,30 @@
 
 namespace mlk::host {
 
-/// Where log messages are written: a descriptor whose file, and whose flags, other processes share.
-/// A reader that reads gets every line; a pipe, socket or terminal that nobody reads costs lines,
-/// not time: how long all messages together have waited is held to an account. May be called from
-/// any thread; messages of different threads do not mix.
+/**
+ * The destination of log messages: a descriptor whose file and flags other processes share. A
+ * reader that reads gets every line. A pipe, socket or terminal without a reader costs lines, not
+ * time: an account bounds how long all messages together wait. Thread-safe; messages of different
+ * threads do not mix.
+ */
 class LogOutput {
   public:
-    /// What the account holds at most, and at first.
+    /** The initial and largest balance of the account. */
     static constexpr std::chrono::milliseconds kPatience{1000};
-    /// What is paid into it for each byte that is taken: a second for 64 KiB.
+    /** Credited for each byte that is written: a second for 64 KiB. */
     static constexpr std::chrono::nanoseconds kPatienceForByte{1'000'000'000 / (64 * 1024)};
 
-    /// The descriptor stays the caller's; it may be closed, or become another file, at any time.
+    /** The descriptor stays the caller's; it may be closed or become another file at any time. */
     explicit LogOutput(int descriptor) : mDescriptor(descriptor) {}
     LogOutput(const LogOutput&) = delete;
     LogOutput& operator=(const LogOutput&) = delete;
 
-    /// Writes a message of whole lines, or drops it when there is no room and no patience left.
-    /// A message that is begun is finished before the next one. Before the first message after some
-    /// were dropped a line says how many lines those had. On a terminal, what would be a command to
-    /// it is escaped (escapeControls). A descriptor that takes nothing any more loses the message.
+    /**
+     * Writes a message of whole lines, or drops it when neither space nor patience is left. A
+     * partly written message is finished before the next one. After dropped messages, a line with
+     * their number precedes the next message. On a terminal, commands to it are escaped
+     * (escapeControls). A descriptor that takes nothing any more loses the message.
+     */
     void write(std::string_view message);
 
   private:
@@ -46,9 +50,9 @@ class LogOutput {
     const int mDescriptor;
     std::mutex mMutex;
     // All under the mutex.
-    File mFile{};                                   // what the rest belongs to
-    std::string mRest;                              // of a message that is begun
-    uint64_t mDropped = 0;                          // lines that nobody has been told of
+    File mFile{};                                   // the file that mRest belongs to
+    std::string mRest;                              // the rest of a partly written message
+    uint64_t mDropped = 0;                          // lines not yet reported
     std::chrono::nanoseconds mPatience{kPatience};  // the account
 };
 

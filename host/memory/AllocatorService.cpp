@@ -1,4 +1,4 @@
-// The process of the "ashmem" allocator. It has no command line and no configuration of its own.
+// The process of the "ashmem" allocator. It has neither a command line nor a configuration.
 
 #include <android/log.h>
 #include <hidl/HidlTransportSupport.h>
@@ -15,14 +15,15 @@ using ::android::hidl::allocator::V1_0::IAllocator;
 
 namespace {
 
-// A block takes microseconds; the second thread is there while the first gives a large reply.
+// Allocating a block takes microseconds; the second thread works while the first sends a large
+// reply.
 constexpr size_t kThreads = 2;  // the main thread among them
 
 }  // namespace
 
 int main() {
-    // Where the size of files is limited (ulimit -f), a block beyond the limit is an error of that
-    // request. By default the signal would end the process for it.
+    // Where the size of files is limited (ulimit -f), a block beyond the limit fails only its
+    // request. The default action of the signal would end the process.
     (void)signal(SIGXFSZ, SIG_IGN);
     android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     const sp<IAllocator> allocator = new mlk::host::AshmemAllocator;

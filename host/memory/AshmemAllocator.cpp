@@ -75,7 +75,7 @@ Return<void> AshmemAllocator::batchAllocate(uint64_t size, uint64_t count,
                                             batchAllocate_cb answer) {
     Blocks blocks;
     const bool success = make(size, count, &blocks);
-    // Moved, and not copied, into the vector: a copy would duplicate each descriptor.
+    // Move the blocks into the vector: copying would duplicate each descriptor.
     hidl_vec<hidl_memory> batch(blocks.size());
     for (size_t i = 0; i < blocks.size(); ++i) {
         batch[i] = hidl_memory(kAshmem, blocks[i], size);

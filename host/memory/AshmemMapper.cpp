@@ -21,7 +21,7 @@ using ::android::hidl::memory::V1_0::IMemory;
 
 namespace {
 
-/// Why the memory is not safe to map; empty when it is.
+// Returns why the memory is not safe to map; empty when it is safe.
 std::string findObstacle(const hidl_memory& memory) {
     const native_handle_t* handle = memory.handle();
     const int descriptors = handle == nullptr ? 0 : handle->numFds;
@@ -36,7 +36,7 @@ std::string findObstacle(const hidl_memory& memory) {
     if (seals < 0) {
         return std::string("its descriptor is no shared memory: ") + strerror(errno);
     }
-    // Before the size is looked at: only then does what is seen stay true.
+    // Check the seals before the size: only sealed memory keeps its size.
     if ((seals & F_SEAL_SHRINK) == 0) {
         return "it is not sealed: its owner could shrink it";
     }

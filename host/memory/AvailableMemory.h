@@ -5,9 +5,11 @@
 
 namespace mlk::host {
 
-/// How many bytes of memory the system can give out before it has to take them from somebody, as
-/// the kernel estimates it in its table of memory ("MemAvailable:  1234 kB"). The largest number
-/// there is when the table cannot be read or does not tell. Any thread may call it.
+/**
+ * Returns the number of bytes that the system can allocate without reclaiming used memory, as the
+ * kernel estimates it in /proc/meminfo ("MemAvailable:  1234 kB"). The largest possible number when
+ * the table cannot be read or lacks the line. Thread-safe.
+ */
 uint64_t availableMemory(const std::string& table = "/proc/meminfo");
 
 }  // namespace mlk::host

@@ -7,14 +7,15 @@
 
 namespace mlk::host {
 
-/// A mapped block of shared memory, unmapped when the last reference to this goes. All processes
-/// have the same pages: there is nothing to bring up to date, so the announcements only check that
-/// what is announced lies in the block, and answer EX_ILLEGAL_ARGUMENT when it does not. It never
-/// changes: any thread may use it. Ordering the accesses of several threads and processes is the
-/// callers' business.
+/**
+ * A mapped block of shared memory, unmapped when the last reference is dropped. All processes share
+ * the same pages, so the announcements need no synchronisation: they only check that the range lies
+ * in the block, and otherwise answer EX_ILLEGAL_ARGUMENT. Immutable and thread-safe. Callers order
+ * the accesses of several threads and processes themselves.
+ */
 class MappedMemory : public ::android::hidl::memory::V1_0::IMemory {
   public:
-    /// Takes over the mapping of `size` bytes, at least 1, at `address`.
+    /** Takes over the mapping of `size` bytes, at least 1, at `address`. */
     MappedMemory(void* address, size_t size) : mAddress(address), mSize(size) {}
     ~MappedMemory() override;
 
@@ -24,7 +25,7 @@ class MappedMemory : public ::android::hidl::memory::V1_0::IMemory {
     ::android::hardware::Return<void> readRange(uint64_t start, uint64_t length) override;
     ::android::hardware::Return<void> commit() override;
 
-    /// Address of the first byte, never null. Good while the object lives.
+    /** The address of the first byte, never null. Valid while the object lives. */
     ::android::hardware::Return<void*> getPointer() override;
     ::android::hardware::Return<uint64_t> getSize() override;
 

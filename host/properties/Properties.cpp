@@ -1,5 +1,6 @@
-// The functions of <cutils/properties.h>, documented there, over the store of this process's set.
-// The set is looked up at every call: it is one environment variable, and tests have several sets.
+// Implements the functions of <cutils/properties.h>, which documents them, over the property store
+// of this process's set. Every call looks the set up: that is one environment variable, and tests
+// have several sets.
 
 #include <cutils/properties.h>
 
@@ -73,7 +74,7 @@ int property_set(const char* key, const char* value) {
 int property_list(void (*propfn)(const char* key, const char* value, void* cookie), void* cookie) {
     const PropertyStore store = PropertyStore::ofThisSet();
     for (const std::string& key : store.keys()) {
-        // One may have gone since its name was read.
+        // A property may be removed after its name was read.
         if (const auto value = store.get(key)) {
             propfn(key.c_str(), value->c_str(), cookie);
         }

@@ -39,7 +39,7 @@ int openFile(const std::string& path, int flags) {
 }
 
 unique_fd openRegular(const std::string& path) {
-    // Not to be held up by a pipe that lies where a value should.
+    // A pipe in the place of a value must not block the reader.
     unique_fd fd(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY));
     struct stat info {};
     if (!fd.ok() || fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -99,8 +99,8 @@ std::optional<std::string> PropertyStore::get(std::string_view key) const {
 }
 
 int PropertyStore::createTemporary(std::string* path) const {
-    // No key begins with a dot, so that nobody takes the file for a property. One left behind by a
-    // process of this number that was killed half-way is passed over.
+    // Keys do not begin with a dot, so nobody takes the file for a property. If a killed process of
+    // the same id left its file, the next number is tried.
     static std::atomic<unsigned> count{0};
     int fd = -1;
     do {
@@ -127,7 +127,7 @@ bool PropertyStore::set(std::string_view key, std::string_view value) const {
     }
     bool done = writeAll(fd.get(), value);
     if (done && key.substr(0, kSetOnce.size()) == kSetOnce) {
-        // Unlike a rename, of two links to one name only the first succeeds.
+        // Unlike rename(2), link(2) fails if the name exists.
         done = link(temporary.c_str(), pathOf(key).c_str()) == 0;
     } else if (done) {
         done = rename(temporary.c_str(), pathOf(key).c_str()) == 0;

@@ -6,9 +6,11 @@
 
 namespace mlk::testing {
 
-/// Calls a method of a HIDL interface whose last argument is its answer's callback. Every other
-/// argument starts at its type's default, zero or empty, and is given to `fill` to be changed.
-/// `answered` is called with each answer; gives what the method returns.
+/**
+ * Calls a method of a HIDL interface whose last argument is the callback for its answer. All other
+ * arguments are value-initialised; `fill` may change them. `answered` is called with each answer.
+ * Returns what the method returns.
+ */
 template <typename Interface, typename Result, typename... Arguments, typename Fill,
           typename Answered>
 Result callWith(Interface& object, Result (Interface::*method)(Arguments...), const Fill& fill,
@@ -30,7 +32,7 @@ Result callWith(Interface& object, Result (Interface::*method)(Arguments...), co
             arguments);
 }
 
-/// The same with every argument at its type's default.
+/** The same with value-initialised arguments. */
 template <typename Interface, typename Result, typename... Arguments, typename Answered>
 Result callWithDefaults(Interface& object, Result (Interface::*method)(Arguments...),
                         const Answered& answered) {

@@ -6,8 +6,10 @@
 
 namespace mlk::testing {
 
-/// Whether the condition comes true within half a minute. For what another process does in its own
-/// time and tells nobody: that it noticed a closed connection.
+/**
+ * Whether the condition becomes true within half a minute. For events in another process that are
+ * not signalled, such as noticing a closed connection.
+ */
 template <typename Condition>
 bool eventually(const Condition& condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);

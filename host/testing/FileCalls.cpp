@@ -17,7 +17,7 @@ namespace {
 
 std::atomic<FileCalls*> gCalls{nullptr};
 
-// The call, unless its fate is an error.
+// Makes the call, unless it is to fail.
 template <typename Call>
 auto pass(FileCall name, const Call& call) -> decltype(call(FileCallFate{})) {
     const FileCallFate fate = FileCalls::ask(name);
@@ -53,7 +53,7 @@ FileCalls::Judge failing(FileCall call, int error) {
 }
 
 FileCalls::Judge withoutWaiting() {
-    return failing(FileCall::FSYNC, EINVAL);  // as where a file system does not offer it
+    return failing(FileCall::FSYNC, EINVAL);  // like a file system that does not support it
 }
 
 bool isKilledAt(size_t number, const std::function<void()>& function) {
@@ -79,7 +79,7 @@ bool isKilledAt(size_t number, const std::function<void()>& function) {
 
 }  // namespace mlk::testing
 
-// The linker turns calls of NAME into calls of __wrap_NAME, and __real_NAME into NAME.
+// The linker replaces calls of NAME by __wrap_NAME, and __real_NAME by NAME.
 extern "C" {
 
 using ::mlk::testing::FileCall;

@@ -8,18 +8,22 @@
 
 namespace mlk::testing {
 
-/// The calls by which this process changes files. They pass by here in a test program that is
-/// linked with host_file_calls.
+/**
+ * The calls by which this process changes files. A test program that is linked with host_file_calls
+ * intercepts them.
+ */
 enum class FileCall { FALLOCATE, FCHMOD, FSYNC, FTRUNCATE, PWRITE, RENAME, UNLINK };
 
-/// What becomes of a call.
+/** The fate of one call. */
 struct FileCallFate {
-    int error = 0;           ///< an errno: it fails with that
-    size_t most = SIZE_MAX;  ///< of a write: as many bytes are written
+    int error = 0;           // an errno with which the call fails
+    size_t most = SIZE_MAX;  // of a write: the most bytes that are written
 };
 
-/// While it lives, it is asked about each call, with the number of calls before, and records them.
-/// One at a time; the calls may come from any thread.
+/**
+ * Asks a function about the fate of each call, by its number, and records the calls, while the
+ * object lives. Only one at a time; the calls may come from any thread.
+ */
 class FileCalls {
   public:
     using Judge = std::function<FileCallFate(FileCall call, size_t number)>;
@@ -31,23 +35,25 @@ class FileCalls {
 
     const std::vector<FileCall>& calls() const { return mCalls; }
 
-    /// For the functions that the calls pass by.
+    /** For the intercepting functions. */
     static FileCallFate ask(FileCall call);
 
   private:
     Judge mJudge;
-    std::mutex mMutex;  ///< for mCalls while calls are made
+    std::mutex mMutex;  // guards mCalls
     std::vector<FileCall> mCalls;
 };
 
-/// Has every call of one kind fail with this errno.
+/** A judge that makes every call of one kind fail with this errno. */
 FileCalls::Judge failing(FileCall call, int error);
 
-/// No call waits for a disk: the tests have many files, and no power cut.
+/** A judge that skips waiting for the disk: tests have many files and survive without it. */
 FileCalls::Judge withoutWaiting();
 
-/// Runs the function in a child process that is killed (SIGKILL) before its call of that number,
-/// from 0 on. Gives true when it was killed, false when it made fewer calls and so came to its end.
+/**
+ * Runs the function in a child process that is killed (SIGKILL) before its call of that number,
+ * counted from 0. True when it was killed; false when it made fewer calls and ended normally.
+ */
 bool isKilledAt(size_t number, const std::function<void()>& function);
 
 }  // namespace mlk::testing

@@ -7,11 +7,13 @@
 
 namespace mlk::testing {
 
-/// A television set of its own for one test: a temporary folder with the partitions "tvconfigs",
-/// "tvdata" and "impdata", the property store "data/property" and "run" for the services' sockets.
-/// While it lives, MLK_ROOT and MLK_RUNTIME_DIR name it in this process's environment, which
-/// programs started by the test inherit; they are put back when it goes. Environments are not safe
-/// to change while other threads run: create it before them and let it go after them.
+/**
+ * A separate television set for one test: a temporary folder with the partitions "tvconfigs",
+ * "tvdata" and "impdata", the property store "data/property", and "run" for the services' sockets.
+ * While the object lives, MLK_ROOT and MLK_RUNTIME_DIR name it in this process's environment, which
+ * started programs inherit; the destructor restores them. Changing the environment is not
+ * thread-safe: create the object before any threads and destroy it after them.
+ */
 class HostSet {
   public:
     HostSet();
@@ -19,26 +21,28 @@ class HostSet {
     HostSet(const HostSet&) = delete;
     HostSet& operator=(const HostSet&) = delete;
 
-    /// Mount points of the three partitions, full paths.
+    /** Mount points of the three partitions, full paths. */
     std::string tvconfigs() const { return mDir.path("tvconfigs"); }
     std::string tvdata() const { return mDir.path("tvdata"); }
     std::string impdata() const { return mDir.path("impdata"); }
 
-    /// Folder of the services' sockets, mode 0700, full path.
+    /** Folder of the services' sockets, mode 0700, full path. */
     std::string runtime() const { return mDir.path("run"); }
 
-    /// The folder of the set: `dir().write("tvconfigs/customer.ini", "...")`.
+    /** The folder of the set: `dir().write("tvconfigs/customer.ini", "...")`. */
     const TempDir& dir() const { return mDir; }
 
-    /// Puts a property into the set's store; throws std::runtime_error when the store refuses it.
+    /** Sets a property in the set's store; throws std::runtime_error when the store refuses it. */
     void setProperty(const std::string& key, const std::string& value);
 
-    /// Copies a folder that is laid out like the set's own (tvconfigs/, tvdata/, ...) over it; what
-    /// the set already holds under the same names is replaced.
+    /**
+     * Copies a folder with the layout of the set (tvconfigs/, tvdata/, ...) into the set, replacing
+     * files of the same names.
+     */
     void copyFrom(const std::string& partitionsRoot);
 
   private:
-    /// Sets a variable for the life of the object.
+    // Sets a variable while the object lives.
     class Variable {
       public:
         Variable(const char* name, const std::string& value);

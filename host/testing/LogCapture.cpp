@@ -28,7 +28,7 @@ void capture(const __android_logger_data* data, const char* message) {
 
 LogCapture::LogCapture() {
     {
-        // Not held any longer: liblog calls the logger under a lock of its own.
+        // Release the lock first: liblog calls the logger under a lock of its own.
         const std::lock_guard<std::mutex> guard(gLock);
         gCaptures.emplace(this, &mLines);
     }
@@ -44,7 +44,7 @@ LogCapture::~LogCapture() {
         last = gCaptures.empty();
     }
     if (last) {
-        // liblog does not tell which logger it had; on a host it is this one.
+        // liblog does not reveal the previous logger; on a host it is this one.
         mlk_host_log_install();
     }
     __android_log_set_minimum_priority(mFormerPriority);

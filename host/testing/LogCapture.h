@@ -6,17 +6,18 @@
 
 namespace mlk::testing {
 
-/// One message that this process gave to the Android log.
+/** A message that this process logged. */
 struct LogLine {
-    int priority;      ///< an android_LogPriority
-    std::string tag;   ///< the tag as given
-    std::string text;  ///< the message as given, newlines included
+    int priority;      // an android_LogPriority
+    std::string tag;   // as given
+    std::string text;  // as given, newlines included
 };
 
-/// Takes every line that this process gives to the Android log while the object lives, instead of
-/// standard error; nothing is filtered out. Afterwards the log goes where it went before. Captures
-/// may nest: each has all lines of its own life time. Lines may come from any thread; the methods
-/// may be called from any thread.
+/**
+ * Captures every line that this process logs while the object lives, unfiltered, instead of writing
+ * it to standard error. The destructor restores the log. Captures may nest: each has all lines of
+ * its own lifetime. Thread-safe.
+ */
 class LogCapture {
   public:
     LogCapture();
@@ -24,24 +25,26 @@ class LogCapture {
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    /// All lines so far, oldest first.
+    /** All lines so far, oldest first. */
     std::vector<LogLine> lines() const;
 
-    /// All lines so far, oldest first: the letter of the priority, a slash and the text, as in
-    /// "E/Open x fail!". What a test expects of a line is both.
+    /**
+     * All lines so far, oldest first: the letter of the priority, a slash and the text, as in
+     * "E/Open x fail!". Tests compare both.
+     */
     std::vector<std::string> brief() const;
 
-    /// The texts of all lines so far, oldest first; for what says something about every line.
+    /** The texts of all lines so far, oldest first; for checks of every line. */
     std::vector<std::string> texts() const;
 
-    /// The texts of the lines with exactly this android_LogPriority and this tag, oldest first.
+    /** The texts of the lines with exactly this android_LogPriority and this tag, oldest first. */
     std::vector<std::string> texts(int priority, std::string_view tag) const;
 
-    /// Forgets the lines so far.
+    /** Forgets the lines so far. */
     void clear();
 
   private:
-    std::vector<LogLine> mLines;  ///< Guarded by the lock of all captures (LogCapture.cpp).
+    std::vector<LogLine> mLines;  // guarded by the lock of all captures (LogCapture.cpp)
     int mFormerPriority;
 };
 

@@ -5,9 +5,11 @@
 
 namespace mlk::testing {
 
-/// Runs the function in a child process that is not root: as the user 65534 when this one is root,
-/// else as the same user. Gives what it returned; false, too, when it did not return. `folder` is a
-/// TempDir's, which only root can enter before.
+/**
+ * Runs the function in a child process that is not root: as the user 65534 when this process is
+ * root, otherwise as the same user. Returns the function's result; false when it did not return.
+ * `folder` is a TempDir, which is made accessible to the child.
+ */
 bool asOtherUser(const std::string& folder, const std::function<bool()>& function);
 
 }  // namespace mlk::testing

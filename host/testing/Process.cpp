@@ -25,7 +25,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// Both ends of a pipe, none of them inherited by any program but the one it is for.
+// Both ends of a pipe; only the intended program inherits its end.
 struct PipeEnds {
     unique_fd read;
     unique_fd write;
@@ -81,8 +81,8 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-/// What the child needs; all memory is allocated before the fork, because the child of a process
-/// with threads may call async-signal-safe functions only.
+// Everything the child needs. The memory is allocated before the fork, because the child of a
+// process with threads may call only async-signal-safe functions.
 struct Child {
     const char* program;
     char** argv;

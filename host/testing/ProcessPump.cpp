@@ -73,12 +73,12 @@ void ProcessPump::finish() {
 
 void ProcessPump::wake() {
     const uint64_t one = 1;
-    // Fails only when the counter is full, and then the thread is awake anyway.
+    // Fails only when the counter is full; then the thread is awake anyway.
     [[maybe_unused]] const ssize_t written = write(mWake.get(), &one, sizeof(one));
 }
 
 void ProcessPump::run() {
-    // A program that does not read its input must not cost the test its life.
+    // A program that does not read its input must not kill the test by SIGPIPE.
     sigset_t broken;
     sigemptyset(&broken);
     sigaddset(&broken, SIGPIPE);
@@ -91,7 +91,7 @@ void ProcessPump::run() {
         for (const Stream stream : {OUT, ERR}) {
             moved = collect(stream) || moved;
         }
-        // Only a round that began after the child's end has seen all that it wrote.
+        // Only a round that began after the child's end has read its whole output.
         if (finishing && !moved) {
             break;
         }

@@ -12,32 +12,38 @@
 
 namespace mlk::testing {
 
-/// Moves a child's standard streams: one thread that feeds its input and collects its output and
-/// errors. Every method may be called from any thread. Private to Process.
+/**
+ * Feeds a child's standard input and collects its output and errors on one thread. Thread-safe.
+ * Private to Process.
+ */
 class ProcessPump {
   public:
     enum Stream : unsigned { OUT = 0, ERR = 1 };
 
-    /// Takes the test's ends of the three pipes. The input pipe is closed as soon as `input` is
-    /// written, unless `keepOpen`.
+    /**
+     * Takes the test's ends of the three pipes. Closes the input pipe after writing `input`, unless
+     * `keepOpen`.
+     */
     ProcessPump(android::base::unique_fd in, android::base::unique_fd out,
                 android::base::unique_fd err, std::string input, bool keepOpen);
     ~ProcessPump();
     ProcessPump(const ProcessPump&) = delete;
     ProcessPump& operator=(const ProcessPump&) = delete;
 
-    /// What came so far.
+    /** The output so far. */
     std::string text(Stream stream) const;
 
-    /// Waits until `wanted` has come, at most `limit`; false when it cannot come any more.
+    /** Waits at most `limit` until `wanted` has arrived; false when it cannot arrive any more. */
     bool waitFor(Stream stream, std::string_view wanted, std::chrono::seconds limit) const;
 
-    /// Queues more input, or its end.
+    /** Queues more input, or its end. */
     void send(std::string_view input);
     void closeInput();
 
-    /// To be called when the child has ended: takes what is left in the pipes and returns. A
-    /// grandchild that holds them open is not waited for.
+    /**
+     * Call it when the child has ended: reads the rest of the pipes and returns. It does not wait
+     * for a grandchild that holds them open.
+     */
     void finish();
 
   private:
@@ -52,7 +58,7 @@ class ProcessPump {
 
     mutable std::mutex mLock;
     mutable std::condition_variable mChanged;
-    std::array<std::string, 2> mTexts;  ///< Guarded by mLock, like all below.
+    std::array<std::string, 2> mTexts;  // guarded by mLock, as all members below
     std::string mInput;
     bool mKeepOpen;
     bool mFinishing = false;

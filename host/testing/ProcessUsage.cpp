@@ -39,7 +39,7 @@ size_t statusBytes(pid_t process, const std::string& field) {
 }  // namespace
 
 size_t descriptorsOf(pid_t process) {
-    // One's own listing holds the descriptor that it is read with.
+    // Listing this process's own descriptors opens another one.
     return entriesOf(fileOf(process, "fd")) - (process == getpid() ? 1 : 0);
 }
 
@@ -65,10 +65,13 @@ std::chrono::milliseconds timeOf(pid_t process) {
     std::ifstream file(fileOf(process, "stat"));
     std::string text;
     (void)std::getline(file, text);
-    // Behind the program's name, which may hold anything, come the numbers; two of them are it.
+    // The numbers follow the program's name, which may contain any character; two of them are the
+    // times.
     std::istringstream numbers(text.substr(text.rfind(')') + 2));
     std::string skipped;
-    for (int i = 0; i < 11; ++i) numbers >> skipped;
+    for (int i = 0; i < 11; ++i) {
+        numbers >> skipped;
+    }
     long user = 0;
     long system = 0;
     numbers >> user >> system;

@@ -7,22 +7,22 @@
 
 namespace mlk::testing {
 
-// What a process takes of the machine, as /proc tells it; for any process of this user.
+// The resources that a process uses, from /proc; for any process of this user.
 
-/// How many descriptors it has open.
+/** The number of open descriptors. */
 size_t descriptorsOf(pid_t process);
 
-/// How many threads of its own it has: the thread sanitizer's is left out.
+/** The number of the program's own threads, without the thread sanitizer's. */
 size_t threadsOf(pid_t process);
 
-/// Bytes of its memory that are resident, shared pages among them.
+/** Resident memory in bytes, including shared pages. */
 size_t residentOf(pid_t process);
 
-/// The most that residentOf has been since the process started, or since forgetPeakOf.
+/** The peak of residentOf since the process started, or since forgetPeakOf. */
 size_t peakOf(pid_t process);
 void forgetPeakOf(pid_t process);
 
-/// Processor time that all its threads have had.
+/** The processor time of all its threads. */
 std::chrono::milliseconds timeOf(pid_t process);
 
 }  // namespace mlk::testing

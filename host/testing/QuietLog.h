@@ -4,9 +4,11 @@
 
 namespace mlk::testing {
 
-/// While it lives this process logs nothing, not even to a LogCapture. For tests in which threads
-/// meet: the log takes a lock for each line, which puts them in order and hides from the thread
-/// sanitizer that they would meet without it.
+/**
+ * Discards everything this process logs while the object lives, even for a LogCapture. For tests in
+ * which threads meet: the log takes a lock for each line, which would order the threads and hide a
+ * missing lock from the thread sanitizer.
+ */
 class QuietLog {
   public:
     QuietLog() : mFormer(__android_log_set_minimum_priority(ANDROID_LOG_SILENT)) {}

@@ -40,7 +40,7 @@ ssize_t ReadHook::fail(int error) {
 
 }  // namespace mlk::testing
 
-// Takes the place of the C library's in a program that uses a hook.
+// Replaces the C library's function in a program that uses a hook.
 extern "C" ssize_t read(int descriptor, void* bytes, size_t size) {
     using namespace mlk::testing;
     if (sRead == nullptr || sInside) {

@@ -7,15 +7,17 @@
 
 namespace mlk::testing {
 
-/// While it lives, each read(2) of the thread that made it comes to a function of the test, which
-/// can give less than was asked, fail, or change the file in between:
-///
-///     ReadHook hook([](int descriptor, void* bytes, size_t size) {
-///         return ReadHook::calls() == 2 ? ReadHook::fail(EIO)
-///                                       : ReadHook::read(descriptor, bytes, size);
-///     });
-///
-/// For tests of code that is part of the test program. Only one at a time in a thread.
+/**
+ * While it lives, each read(2) of the thread that made it comes to a function of the test, which
+ * can give less than was asked, fail, or change the file in between:
+ *
+ *     ReadHook hook([](int descriptor, void* bytes, size_t size) {
+ *         return ReadHook::calls() == 2 ? ReadHook::fail(EIO)
+ *                                       : ReadHook::read(descriptor, bytes, size);
+ *     });
+ *
+ * For tests of code that is part of the test program. Only one at a time in a thread.
+ */
 class ReadHook {
   public:
     using Read = std::function<ssize_t(int descriptor, void* bytes, size_t size)>;
@@ -25,13 +27,13 @@ class ReadHook {
     ReadHook(const ReadHook&) = delete;
     ReadHook& operator=(const ReadHook&) = delete;
 
-    /// How many reads there were so far, the one in the function among them.
+    /** The number of reads so far, including the one that the function handles. */
     static int calls();
 
-    /// What read(2) does.
+    /** Calls read(2). */
     static ssize_t read(int descriptor, void* bytes, size_t size);
 
-    /// A read that fails with this errno.
+    /** A read that fails with this errno. */
     static ssize_t fail(int error);
 };
 

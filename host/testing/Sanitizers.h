@@ -1,4 +1,4 @@
-// What a test has to know of the sanitizers it may be built with (by clang).
+// The sanitizers that a test is built with (by clang).
 #pragma once
 
 namespace mlk::testing {
@@ -9,9 +9,9 @@ namespace mlk::testing {
 #define MLK_HAS_FEATURE(name) 0
 #endif
 
-// Keeps memory that was given back for a while.
+/** It keeps freed memory for a while. */
 constexpr bool kAddressSanitizer = MLK_HAS_FEATURE(address_sanitizer);
-// Has a thread of its own in every program that has more than one.
+/** It has a thread of its own in every program with more than one thread. */
 constexpr bool kThreadSanitizer = MLK_HAS_FEATURE(thread_sanitizer);
 
 #undef MLK_HAS_FEATURE

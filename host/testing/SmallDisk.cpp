@@ -18,7 +18,7 @@ constexpr const char* kFiller = "filler";
 }  // namespace
 
 SmallDisk::SmallDisk() {
-    // Mounts of its own, so that nothing is left when the process is killed.
+    // Uses a separate mount namespace, so that no mount is left when the process is killed.
     if (succeeded(unshare(CLONE_NEWNS), "unshare") &&
         succeeded(mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), "private mounts")) {
         succeeded(mount("tmpfs", mDir.path().c_str(), "tmpfs", 0, "size=64k,mode=0755"), "mount");

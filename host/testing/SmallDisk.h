@@ -7,15 +7,17 @@
 
 namespace mlk::testing {
 
-/// A file system of 64 KiB in memory, to be filled up, for one test. Only root may mount one, and
-/// not in every container:
-///
-///     const SmallDisk disk;
-///     if (!disk.isMounted()) {
-///         GTEST_SKIP() << disk.problem();
-///     }
-///
-/// The mount is seen by this process and those that it starts, and goes with the object.
+/**
+ * A file system of 64 KiB in memory, to be filled up, for one test. Only root may mount one, and
+ * not in every container:
+ *
+ *     const SmallDisk disk;
+ *     if (!disk.isMounted()) {
+ *         GTEST_SKIP() << disk.problem();
+ *     }
+ *
+ * The mount is seen by this process and those that it starts, and goes with the object.
+ */
 class SmallDisk {
   public:
     SmallDisk();
@@ -25,20 +27,22 @@ class SmallDisk {
 
     bool isMounted() const { return mProblem.empty(); }
 
-    /// Why nothing is mounted.
+    /** Why nothing is mounted. */
     const std::string& problem() const { return mProblem; }
 
-    /// Where it is mounted.
+    /** The mount point. */
     const TempDir& dir() const { return mDir; }
 
-    /// Takes all free blocks.
+    /** Allocates all free blocks. */
     void fill() const;
 
-    /// Gives them back.
+    /** Frees them again. */
     void drain() const;
 
-    /// Makes everything read-only but one file, which has to exist. False, with problem() set, when
-    /// the system refuses that.
+    /**
+     * Makes everything read-only except one existing file. False, with problem() set, when the
+     * system refuses.
+     */
     bool keepWritableOnly(std::string_view file);
 
   private:

@@ -11,7 +11,7 @@
 
 namespace mlk::testing {
 
-/// A pipe of one page, as a client of the service brings it.
+/** A pipe of one page, as a client of the service sends it. */
 class TestPipe {
   public:
     static constexpr size_t kSize = 4096;
@@ -23,7 +23,7 @@ class TestPipe {
         }
     }
 
-    /// Leaves no room for another byte. Only for a pipe that is empty.
+    /** Fills the pipe, which must be empty. */
     TestPipe& fill() {
         const std::array<char, kSize> bytes{};
         if (write(mWrite.get(), bytes.data(), bytes.size()) != kSize) {
@@ -32,7 +32,7 @@ class TestPipe {
         return *this;
     }
 
-    /// The next bytes, at most `size`; empty when all writers have closed it.
+    /** Returns the next bytes, at most `size`; empty when all writers have closed the pipe. */
     std::string read(size_t size = kSize) const {
         std::string text(size, '\0');
         const ssize_t got = ::read(mRead.get(), text.data(), text.size());
@@ -40,14 +40,16 @@ class TestPipe {
         return text;
     }
 
-    /// Whether there is something to read, or nobody is left who could write, within half a minute.
+    /**
+     * Whether, within half a minute, the pipe has something to read or all writers have closed it.
+     */
     bool isReadable() const {
         constexpr int kLimit = 30'000;
         pollfd input{mRead.get(), POLLIN, 0};
         return poll(&input, 1, kLimit) == 1;
     }
 
-    /// The end that is written to; stays this pipe's.
+    /** The writing end; the pipe keeps owning it. */
     int writeEnd() const { return mWrite.get(); }
     void closeRead() { mRead.reset(); }
     void closeWrite() { mWrite.reset(); }

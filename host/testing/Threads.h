@@ -6,8 +6,10 @@
 
 namespace mlk::testing {
 
-/// Calls work(0) to work(count - 1), each on a thread of its own; returns when all are done. None
-/// begins before all threads are there: short work would be done by one before the next starts.
+/**
+ * Calls work(0) to work(count - 1), each on a separate thread; returns when all are done. No thread
+ * begins before all have started, because one could finish short work before the next starts.
+ */
 template <typename Work>
 void inThreads(int count, const Work& work) {
     std::vector<std::thread> threads;

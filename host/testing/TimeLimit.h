@@ -11,12 +11,14 @@
 
 namespace mlk::testing {
 
-/// Bounds how long a test may wait for what has no bound of its own: calls, an end of a process.
-/// When the time is over it does what ends the waiting, such as killing the server, and fails the
-/// test as it goes out of scope. What it does runs on a thread of its own.
+/**
+ * Bounds the waits of a test that have no time limit of their own: calls, the end of a process.
+ * When the time is over it runs an action that ends the waiting, such as killing the server, on a
+ * separate thread; the destructor then fails the test.
+ */
 class TimeLimit {
   public:
-    /// Only a test that is broken takes this long, on however busy a machine.
+    /** Only a broken test takes this long, even on a busy machine. */
     static constexpr std::chrono::seconds kUsual{20};
 
     explicit TimeLimit(std::function<void()> end, std::chrono::milliseconds limit = kUsual)
@@ -33,7 +35,7 @@ class TimeLimit {
     TimeLimit(const TimeLimit&) = delete;
     TimeLimit& operator=(const TimeLimit&) = delete;
 
-    /// Whether the time is over.
+    /** Whether the time is over. */
     bool isOver() const {
         const std::lock_guard<std::mutex> lock(mMutex);
         return mOver;
@@ -54,8 +56,8 @@ class TimeLimit {
     const std::chrono::milliseconds mLimit;
     mutable std::mutex mMutex;
     std::condition_variable mChanged;
-    bool mDone = false;  ///< under mMutex
-    bool mOver = false;  ///< under mMutex
+    bool mDone = false;  // under mMutex
+    bool mOver = false;  // under mMutex
     std::thread mThread;
 };
 

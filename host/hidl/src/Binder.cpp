@@ -14,14 +14,18 @@ namespace android::hardware {
 
 status_t BHwBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                              TransactCallback callback) {
-    // Generated stubs use both without looking.
-    if (callback == nullptr) callback = [](Parcel&) {};
-    if (reply != nullptr) return onTransact(code, data, reply, flags, std::move(callback));
+    // Generated stubs use both without checking for null.
+    if (callback == nullptr) {
+        callback = [](Parcel&) {};
+    }
+    if (reply != nullptr) {
+        return onTransact(code, data, reply, flags, std::move(callback));
+    }
     Parcel unwanted;
     return onTransact(code, data, &unwanted, flags, std::move(callback));
 }
 
-// An object of this process dies with it: there would be nobody left to tell.
+// An object of this process dies with it, so a recipient could never be called.
 status_t BHwBinder::linkToDeath(const sp<DeathRecipient>&) {
     return INVALID_OPERATION;
 }
@@ -30,7 +34,9 @@ status_t BHwBinder::unlinkToDeath(const wp<DeathRecipient>&) {
 }
 
 sp<IBinder> IInterface::asBinder(const IInterface* interface) {
-    if (interface == nullptr) return nullptr;
+    if (interface == nullptr) {
+        return nullptr;
+    }
     return const_cast<IInterface*>(interface)->onAsBinder();
 }
 
@@ -53,7 +59,9 @@ void joinRpcThreadpool() {
 }
 
 sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* interface) {
-    if (interface == nullptr) return nullptr;
+    if (interface == nullptr) {
+        return nullptr;
+    }
     if (interface->isRemote()) {
         auto* proxy = dynamic_cast<BpHwRefBase*>(interface);
         return proxy == nullptr ? nullptr : sp<IBinder>(proxy->remote());
@@ -62,7 +70,9 @@ sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* interfac
     const auto asked = interface->interfaceDescriptor(
             [&](const hidl_string& name) { descriptor = std::string(name); });
     const auto make = details::getBnConstructorMap().get(descriptor, nullptr);
-    if (!asked.isOk() || make == nullptr) return nullptr;
+    if (!asked.isOk() || make == nullptr) {
+        return nullptr;
+    }
     return details::gBnMap->getOrMake(
             interface, [](const wp<IBinder>& stub) { return stub.promote(); },
             [&] { return make(interface); });
@@ -108,16 +118,22 @@ sp<IBase> wrapPassthroughInternal(const sp<IBase>& object) {
     const auto asked = object->interfaceDescriptor(
             [&](const hidl_string& name) { descriptor = std::string(name); });
     const auto wrap = getBsConstructorMap().get(descriptor, nullptr);
-    if (!asked.isOk() || wrap == nullptr) return object;
+    if (!asked.isOk() || wrap == nullptr) {
+        return object;
+    }
     return wrap(object.get());
 }
 
 Return<bool> canCastInterface(IBase* object, const char* descriptor, bool emitError) {
     bool can = false;
     const auto asked = object->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
-        for (const hidl_string& name : chain) can = can || name == descriptor;
+        for (const hidl_string& name : chain) {
+            can = can || name == descriptor;
+        }
     });
-    if (!asked.isOk() && emitError) return Status::fromStatusT(DEAD_OBJECT);
+    if (!asked.isOk() && emitError) {
+        return Status::fromStatusT(DEAD_OBJECT);
+    }
     return can;
 }
 

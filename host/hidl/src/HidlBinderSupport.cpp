@@ -9,7 +9,9 @@ hidl_binder_death_recipient::hidl_binder_death_recipient(
 
 void hidl_binder_death_recipient::binderDied(const wp<IBinder>&) {
     const sp<hidl_death_recipient> recipient = mRecipient.promote();
-    if (recipient != nullptr) recipient->serviceDied(mCookie, mBase);
+    if (recipient != nullptr) {
+        recipient->serviceDied(mCookie, mBase);
+    }
 }
 
 status_t readEmbeddedFromParcel(const hidl_handle&, const Parcel& parcel, size_t parentHandle,
@@ -32,8 +34,10 @@ status_t readEmbeddedFromParcel(const hidl_string& text, const Parcel& parcel, s
     const status_t status =
             parcel.readEmbeddedBuffer(text.size() + 1, &handle, parentHandle,
                                       parentOffset + hidl_string::kOffsetOfBuffer, &buffer);
-    if (status != OK) return status;
-    // Whoever uses the text relies on its end.
+    if (status != OK) {
+        return status;
+    }
+    // Users of the text rely on its NUL.
     return static_cast<const char*>(buffer)[text.size()] == '\0' ? OK : BAD_VALUE;
 }
 
@@ -56,7 +60,9 @@ status_t readEmbeddedFromParcel(const hidl_memory& memory, const Parcel& parcel,
     const status_t status = readEmbeddedFromParcel(
             partOf<hidl_handle>(memory, hidl_memory::kOffsetOfHandle), parcel, parentHandle,
             parentOffset + hidl_memory::kOffsetOfHandle);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     return readEmbeddedFromParcel(partOf<hidl_string>(memory, hidl_memory::kOffsetOfName), parcel,
                                   parentHandle, parentOffset + hidl_memory::kOffsetOfName);
 }
@@ -66,28 +72,36 @@ status_t writeEmbeddedToParcel(const hidl_memory& memory, Parcel* parcel, size_t
     const status_t status =
             writeEmbeddedToParcel(partOf<hidl_handle>(memory, hidl_memory::kOffsetOfHandle), parcel,
                                   parentHandle, parentOffset + hidl_memory::kOffsetOfHandle);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     return writeEmbeddedToParcel(partOf<hidl_string>(memory, hidl_memory::kOffsetOfName), parcel,
                                  parentHandle, parentOffset + hidl_memory::kOffsetOfName);
 }
 
 status_t writeToParcel(const Status& status, Parcel* parcel) {
     const status_t written = parcel->writeInt32(status.exceptionCode());
-    // The transport's own errors travel beside the reply.
-    if (written != OK || status.isOk()) return written;
+    // The transport's own errors are sent in the message header.
+    if (written != OK || status.isOk()) {
+        return written;
+    }
     return parcel->writeCString(status.exceptionMessage());
 }
 
 status_t readFromParcel(Status* status, const Parcel& parcel) {
     int32_t exception;
     const status_t read = parcel.readInt32(&exception);
-    if (read != OK) return read;
+    if (read != OK) {
+        return read;
+    }
     if (exception == Status::EX_NONE) {
         *status = Status::ok();
         return OK;
     }
     const char* message = parcel.readCString();
-    if (message == nullptr) return NOT_ENOUGH_DATA;
+    if (message == nullptr) {
+        return NOT_ENOUGH_DATA;
+    }
     *status = Status::fromExceptionCode(exception, message);
     return OK;
 }

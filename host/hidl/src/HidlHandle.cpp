@@ -28,17 +28,25 @@ void hidl_handle::release() {
 }
 
 hidl_handle& hidl_handle::operator=(const hidl_handle& other) {
-    if (this == &other) return *this;
+    if (this == &other) {
+        return *this;
+    }
     release();
-    if (other.getNativeHandle() == nullptr) return *this;
+    if (other.getNativeHandle() == nullptr) {
+        return *this;
+    }
     mHandle = native_handle_clone(other.mHandle);
-    if (getNativeHandle() == nullptr) details::logAlwaysFatal("cannot duplicate a handle");
+    if (getNativeHandle() == nullptr) {
+        details::logAlwaysFatal("cannot duplicate a handle");
+    }
     mOwnsHandle = true;
     return *this;
 }
 
 hidl_handle& hidl_handle::operator=(hidl_handle&& other) noexcept {
-    if (this == &other) return *this;
+    if (this == &other) {
+        return *this;
+    }
     release();
     mHandle = other.getNativeHandle();
     mOwnsHandle = other.mOwnsHandle;

@@ -12,7 +12,9 @@ constexpr char kEmpty[] = "";
 
 hidl_string::hidl_string() : mBuffer(kEmpty), mSize(0), mOwnsBuffer(false), mPad{} {}
 hidl_string::~hidl_string() {
-    if (mOwnsBuffer) delete[] c_str();
+    if (mOwnsBuffer) {
+        delete[] c_str();
+    }
 }
 hidl_string::hidl_string(const char* text, size_t length) : hidl_string() {
     assign(text, length);
@@ -26,11 +28,15 @@ hidl_string::hidl_string(hidl_string&& other) noexcept : hidl_string() {
 }
 
 hidl_string& hidl_string::operator=(const hidl_string& other) {
-    if (this != &other) assign(other.c_str(), other.size());
+    if (this != &other) {
+        assign(other.c_str(), other.size());
+    }
     return *this;
 }
 hidl_string& hidl_string::operator=(hidl_string&& other) noexcept {
-    if (this != &other) moveFrom(other);
+    if (this != &other) {
+        moveFrom(other);
+    }
     return *this;
 }
 hidl_string& hidl_string::operator=(const char* text) {
@@ -50,7 +56,7 @@ void hidl_string::assign(const char* text, size_t length) {
     if (length >= std::numeric_limits<uint32_t>::max()) {
         details::logAlwaysFatal("a hidl_string holds at most 2^32-2 bytes");
     }
-    // Copied before the old text goes: it may be a part of it.
+    // Copy before freeing the old text: the new one may be a part of it.
     auto* copy = new char[length + 1];
     memcpy(copy, text, length);
     copy[length] = '\0';
@@ -75,7 +81,9 @@ void hidl_string::setToExternal(const char* text, size_t length, bool shouldOwn)
     if (length >= std::numeric_limits<uint32_t>::max()) {
         details::logAlwaysFatal("a hidl_string holds at most 2^32-2 bytes");
     }
-    if (mOwnsBuffer) delete[] c_str();
+    if (mOwnsBuffer) {
+        delete[] c_str();
+    }
     mBuffer = text == nullptr ? kEmpty : text;
     mSize = text == nullptr ? 0 : static_cast<uint32_t>(length);
     mOwnsBuffer = text != nullptr && shouldOwn;

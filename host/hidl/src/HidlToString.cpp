@@ -27,7 +27,9 @@ std::string toString(const hidl_string& text) {
 
 std::string toString(const hidl_handle& handle) {
     const native_handle_t* native = handle.getNativeHandle();
-    if (native == nullptr) return "no handle";
+    if (native == nullptr) {
+        return "no handle";
+    }
     return "handle of " + std::to_string(native->numFds) + " descriptors";
 }
 

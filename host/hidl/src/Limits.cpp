@@ -16,12 +16,14 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kStallLimit{30'000};
 constexpr milliseconds kCallLimitOfPool{5000};
-// What cannot be a limit: unset, no number, or out of range.
+// An unset variable, or one that is not a number or out of range.
 constexpr milliseconds kUnset{0};
 
 milliseconds limitIn(const char* variable) {
     const char* const text = getenv(variable);
-    if (text == nullptr || *text == '\0') return kUnset;
+    if (text == nullptr || *text == '\0') {
+        return kUnset;
+    }
     char* end = nullptr;
     errno = 0;
     const long number = strtol(text, &end, 10);
@@ -37,7 +39,9 @@ milliseconds stallLimit() {
 }
 
 milliseconds callLimit() {
-    if (!ThreadPool::ownsThisThread()) return kForever;
+    if (!ThreadPool::ownsThisThread()) {
+        return kForever;
+    }
     static const milliseconds set = limitIn("MLK_CALL_LIMIT_MS");
     return set != kUnset ? set : kCallLimitOfPool;
 }

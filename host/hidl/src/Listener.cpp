@@ -25,17 +25,17 @@ namespace android::hardware::transport {
 
 namespace {
 
-// After so many clients the thread looks what else there is to do.
+// After this many clients the thread checks for other work.
 constexpr int kAtOnce = 32;
-// How long the thread rests when a client can be neither taken nor refused: the listener would wake
-// it again at once.
+// How long the thread pauses when it can neither accept nor refuse a client; without the pause the
+// listener would wake it again at once.
 constexpr int kRestMilliseconds = 10;
 
 unique_fd anyDescriptor() {
     return unique_fd(open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
-// 0 when there is no such file.
+// 0 when the file does not exist.
 uint64_t inodeOf(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
@@ -50,7 +50,8 @@ Listener::Listener(unique_fd socket, std::string path, const sp<BHwBinder>& obje
       mObject(object),
       mServer(randomNumber()),
       mSpare(anyDescriptor()) {
-    // What the first connection would make: clients find the process as it stays.
+    // The first connection would create it; creating it now keeps the process's descriptors
+    // constant.
     (void)Stalls::instance();
 }
 
@@ -89,26 +90,36 @@ void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
 }
 
 void Listener::lookForName(int client) {
-    if (mNameIsLost || mFile == 0) return;
+    if (mNameIsLost || mFile == 0) {
+        return;
+    }
     const uint64_t file = inodeOf(mPath);
-    if (file == 0 || file == mFile) return;
+    if (file == 0 || file == mFile) {
+        return;
+    }
     mNameIsLost = true;
     ucred other{};
     socklen_t size = sizeof(other);
     (void)getsockopt(client, SOL_SOCKET, SO_PEERCRED, &other, &size);
-    if (other.pid == getpid()) return;
+    if (other.pid == getpid()) {
+        return;
+    }
     ALOGE("%s: process %d has taken the name over; new clients do not reach this process",
           mPath.c_str(), other.pid);
 }
 
 void Listener::refuseOne() {
-    // There is no descriptor left. A client that is not taken stays in the queue and wakes a thread
-    // over and over, so one is taken with the spare descriptor and sent away.
-    if (!mRefusing) ALOGE("no descriptors are left: refusing clients");
+    // No descriptor is left. A waiting client would wake a thread over and over, so the listener
+    // accepts it with the spare descriptor and closes the connection.
+    if (!mRefusing) {
+        ALOGE("no descriptors are left: refusing clients");
+    }
     mRefusing = true;
     mSpare.reset();
     unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!socket.ok()) (void)poll(nullptr, 0, kRestMilliseconds);
+    if (!socket.ok()) {
+        (void)poll(nullptr, 0, kRestMilliseconds);
+    }
     socket.reset();
     mSpare = anyDescriptor();
 }

@@ -1,4 +1,3 @@
-// Listener: a registered name.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -11,12 +10,14 @@
 
 namespace android::hardware::transport {
 
-// Takes connections from this user's and root's processes, and says hello to each. Logs an error
-// when another process has taken the name over: that process connects once more (listenOn). One
-// thread at a time has it (ThreadPool).
+/**
+ * The listening socket of a registered name. Accepts connections from processes of this user and of
+ * root, and sends each a hello. Logs an error when another process has taken the name over: that
+ * process connects once more (listenOn). Only one thread at a time uses it (ThreadPool).
+ */
 class Listener : public EventSource {
   public:
-    // path: the socket's file.
+    /** path: the socket's file. */
     Listener(::android::base::unique_fd socket, std::string path, const sp<BHwBinder>& object);
 
     Next onEvents(uint32_t events, ThreadPool& pool) override;
@@ -29,12 +30,12 @@ class Listener : public EventSource {
 
     const ::android::base::unique_fd mSocket;
     const std::string mPath;
-    const uint64_t mFile;  // the inode of the socket's file; 0 when it cannot be told
+    const uint64_t mFile;  // the inode of the socket's file; 0 when unknown
     const sp<BHwBinder> mObject;
-    const uint64_t mServer;             // names this registration
-    ::android::base::unique_fd mSpare;  // given up for a moment when descriptors run out
+    const uint64_t mServer;             // identifies this registration
+    ::android::base::unique_fd mSpare;  // closed for a moment when descriptors run out
     bool mNameIsLost = false;           // whether another process has the name
-    bool mRefusing = false;             // whether the last client was refused for want of one
+    bool mRefusing = false;  // whether the last client was refused because descriptors had run out
 };
 
 }  // namespace android::hardware::transport

@@ -1,4 +1,3 @@
-// MessageReader: messages out of a stream of bytes.
 #pragma once
 
 #include <cstddef>
@@ -8,38 +7,48 @@
 
 namespace android::hardware::transport {
 
-// Collects one message after the other from a socket. What it holds between messages is bounded: a
-// buffer for the message under way and the descriptors that came with it. Used by one thread at a
-// time.
+/**
+ * Collects messages from a socket, one after the other. Its memory between messages is bounded: a
+ * buffer for the current message and the descriptors that came with it. Only one thread at a time
+ * may use it.
+ */
 class MessageReader {
   public:
-    // bodyLimit: what a message may hold; a longer one is rubbish.
+    /** bodyLimit: the largest body of a message; a longer one is RUBBISH. */
     explicit MessageReader(uint64_t bodyLimit) : mBodyLimit(bodyLimit) {}
 
     enum class Result {
-        MESSAGE,  // a whole one is there: take it
+        MESSAGE,  // a whole message has arrived: take it
         AGAIN,    // nothing more has arrived for now
-        CLOSED,   // the other end is gone
-        RUBBISH,  // this is no message; nothing after it can be understood
+        CLOSED,   // the other end is closed
+        RUBBISH,  // malformed message; the rest of the stream is unusable
     };
-    // Reads until a whole message is there. Waits for its first bytes, and for the others, as the
-    // flags (MSG_DONTWAIT) and the socket's own receive time-out say.
+    /**
+     * Reads until a whole message has arrived. The flags (MSG_DONTWAIT) and the socket's receive
+     * time-out say whether and how long it waits for the first bytes and for the rest.
+     */
     Result read(int socket, int flagsFirst, int flagsRest);
-    // Whether the bytes that have arrived already give a result other than AGAIN: several messages
-    // may arrive at once, and nothing more has to arrive behind them.
+    /**
+     * Whether the bytes that have already arrived give a result other than AGAIN. Several messages
+     * may arrive at once without any event for the later ones.
+     */
     bool hasResult();
 
-    // Whether a part of a message, or messages, are here that were not taken.
+    /** Whether it holds a partial message or messages that were not taken. */
     bool hasBegun() const { return mFilled != 0; }
-    // For when nobody reads for a while: gives back what memory is not needed for the message under
-    // way.
+    /**
+     * Frees the memory that the current message does not need. Call it when nobody will read for a
+     * while.
+     */
     void trim();
-    // What it keeps of this process: bytes, descriptors.
+    /** The bytes and the descriptors that it keeps. */
     size_t keptBytes() const { return mMessage.capacity; }
     size_t keptDescriptors() const { return mMessage.descriptors.size(); }
 
-    // The message, with the descriptors that belong to it: as many as its header says, or fewer
-    // when they were not sent or there was no room for them in this process.
+    /**
+     * Returns the message with its descriptors: as many as its header declares, or fewer when they
+     * were not sent or this process could not receive them.
+     */
     IncomingMessage take();
 
   private:
@@ -48,7 +57,7 @@ class MessageReader {
     const uint64_t mBodyLimit;
     IncomingMessage mMessage;  // its descriptors may include those of later messages
     size_t mFilled = 0;
-    size_t mTotal = 0;  // of the message under way; 0 while its header is incomplete
+    size_t mTotal = 0;  // size of the current message; 0 while its header is incomplete
 };
 
 }  // namespace android::hardware::transport

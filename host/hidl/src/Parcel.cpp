@@ -11,7 +11,7 @@ namespace android::hardware {
 
 namespace {
 
-// Numbers stand at multiples of this, as on a device.
+// Numbers lie at multiples of this, as on a device.
 constexpr size_t kAlignment = 4;
 
 size_t padded(size_t length) {
@@ -32,7 +32,7 @@ const std::vector<Parcel::Object>& Parcel::objects() const {
     return mContents->objects;
 }
 
-// Room for so many bytes more; what they are padded with is zero.
+// Adds `length` bytes; their padding is zero.
 uint8_t* Parcel::addNumbers(size_t length) {
     std::vector<uint8_t>& data = mContents->data;
     const size_t start = data.size();
@@ -50,7 +50,9 @@ status_t Parcel::writeAligned(T value) {
 
 template <typename T>
 status_t Parcel::readAligned(T* value) const {
-    if (mSize - mPosition < padded(sizeof(T))) return NOT_ENOUGH_DATA;
+    if (mSize - mPosition < padded(sizeof(T))) {
+        return NOT_ENOUGH_DATA;
+    }
     memcpy(value, mBytes + mPosition, sizeof(T));
     mPosition += padded(sizeof(T));
     return OK;
@@ -62,11 +64,13 @@ status_t Parcel::writeBool(bool value) {
 status_t Parcel::readBool(bool* value) const {
     int8_t number;
     const status_t status = readInt8(&number);
-    if (status == OK) *value = number != 0;
+    if (status == OK) {
+        *value = number != 0;
+    }
     return status;
 }
 
-// Small numbers travel as 32-bit ones.
+// Small numbers are sent as 32-bit ones.
 status_t Parcel::writeInt8(int8_t value) {
     return writeAligned(int32_t{value});
 }
@@ -101,7 +105,9 @@ status_t Parcel::writeDouble(double value) {
 namespace {
 template <typename Wide, typename Narrow>
 status_t narrow(status_t status, Wide wide, Narrow* value) {
-    if (status == OK) *value = static_cast<Narrow>(wide);
+    if (status == OK) {
+        *value = static_cast<Narrow>(wide);
+    }
     return status;
 }
 }  // namespace
@@ -152,10 +158,14 @@ status_t Parcel::writeCString(const char* text) {
 }
 
 const char* Parcel::readCString() const {
-    if (mPosition == mSize) return nullptr;
+    if (mPosition == mSize) {
+        return nullptr;
+    }
     const auto* text = reinterpret_cast<const char*>(mBytes + mPosition);
     const size_t length = strnlen(text, mSize - mPosition);
-    if (padded(length + 1) > mSize - mPosition) return nullptr;
+    if (padded(length + 1) > mSize - mPosition) {
+        return nullptr;
+    }
     mPosition += padded(length + 1);
     return text;
 }
@@ -170,19 +180,25 @@ bool Parcel::enforceInterface(const char* descriptor) const {
 }
 
 status_t Parcel::refuse(status_t status) {
-    if (mWriteError == OK) mWriteError = status;
+    if (mWriteError == OK) {
+        mWriteError = status;
+    }
     return status;
 }
 
 status_t Parcel::addObject(Object&& object, size_t* handle) {
-    if (handle != nullptr) *handle = mContents->objects.size();
+    if (handle != nullptr) {
+        *handle = mContents->objects.size();
+    }
     mContents->objects.push_back(std::move(object));
     return OK;
 }
 
 status_t Parcel::addEmbedded(Object&& object, size_t* handle, size_t parentHandle,
                              size_t parentOffset) {
-    if (parentHandle >= mContents->objects.size()) return refuse(BAD_VALUE);
+    if (parentHandle >= mContents->objects.size()) {
+        return refuse(BAD_VALUE);
+    }
     const Object& parent = mContents->objects[parentHandle];
     if (parent.kind != ObjectKind::BUFFER || parent.length < sizeof(uint64_t) ||
         parentOffset > parent.length - sizeof(uint64_t)) {
@@ -239,18 +255,24 @@ Parcel::Object handleObject(const native_handle_t* handle) {
 }  // namespace
 
 status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
-    if (handle != nullptr && !handleIsSound(handle)) return refuse(BAD_VALUE);
+    if (handle != nullptr && !handleIsSound(handle)) {
+        return refuse(BAD_VALUE);
+    }
     return addObject(handleObject(handle), nullptr);
 }
 
 status_t Parcel::writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
                                            size_t parentOffset) {
-    if (handle != nullptr && !handleIsSound(handle)) return refuse(BAD_VALUE);
+    if (handle != nullptr && !handleIsSound(handle)) {
+        return refuse(BAD_VALUE);
+    }
     return addEmbedded(handleObject(handle), nullptr, parentHandle, parentOffset);
 }
 
 status_t Parcel::writeStrongBinder(const sp<IBinder>& binder) {
-    if (binder != nullptr && binder->localBinder() == nullptr) return refuse(INVALID_OPERATION);
+    if (binder != nullptr && binder->localBinder() == nullptr) {
+        return refuse(INVALID_OPERATION);
+    }
     Object object{};
     object.kind = ObjectKind::BINDER;
     object.isNull = binder == nullptr;
@@ -277,8 +299,11 @@ const Parcel::Object* Parcel::nextEmbedded(ObjectKind kind, size_t parentHandle,
 }
 
 void Parcel::putAddress(const Object& object, const void* address) const {
-    // In a parcel that is still being written the address stands there, and the buffer is not ours.
-    if (!mContents->arrived) return;
+    // In a parcel that is still being written the address is already there, and the buffer is the
+    // caller's.
+    if (!mContents->arrived) {
+        return;
+    }
     auto* parent = static_cast<uint8_t*>(mContents->objects[object.parent].bytes);
     const auto wide = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(address));
     memcpy(parent + object.parentOffset, &wide, sizeof(wide));
@@ -304,7 +329,9 @@ status_t Parcel::readEmbeddedBuffer(size_t length, size_t* handle, size_t parent
 status_t Parcel::readNullableEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                             size_t parentOffset, const void** buffer) const {
     const Object* object = nextEmbedded(ObjectKind::BUFFER, parentHandle, parentOffset);
-    if (object == nullptr || object->length != length) return BAD_VALUE;
+    if (object == nullptr || object->length != length) {
+        return BAD_VALUE;
+    }
     const void* address = length == 0 ? nullptr : object->bytes;
     putAddress(*object, address);
     *handle = mObjectPosition - 1;
@@ -314,7 +341,9 @@ status_t Parcel::readNullableEmbeddedBuffer(size_t length, size_t* handle, size_
 
 status_t Parcel::readNullableNativeHandleNoDup(const native_handle_t** handle) const {
     const Object* object = nextObject(ObjectKind::HANDLE);
-    if (object == nullptr || object->hasParent) return BAD_VALUE;
+    if (object == nullptr || object->hasParent) {
+        return BAD_VALUE;
+    }
     *handle = static_cast<const native_handle_t*>(object->bytes);
     return OK;
 }
@@ -322,7 +351,9 @@ status_t Parcel::readNullableNativeHandleNoDup(const native_handle_t** handle) c
 status_t Parcel::readNullableEmbeddedNativeHandle(size_t parentHandle, size_t parentOffset,
                                                   const native_handle_t** handle) const {
     const Object* object = nextEmbedded(ObjectKind::HANDLE, parentHandle, parentOffset);
-    if (object == nullptr) return BAD_VALUE;
+    if (object == nullptr) {
+        return BAD_VALUE;
+    }
     putAddress(*object, object->bytes);
     *handle = static_cast<const native_handle_t*>(object->bytes);
     return OK;
@@ -330,7 +361,9 @@ status_t Parcel::readNullableEmbeddedNativeHandle(size_t parentHandle, size_t pa
 
 status_t Parcel::readNullableStrongBinder(sp<IBinder>* binder) const {
     const Object* object = nextObject(ObjectKind::BINDER);
-    if (object == nullptr) return BAD_VALUE;
+    if (object == nullptr) {
+        return BAD_VALUE;
+    }
     *binder = object->binder;
     return OK;
 }
@@ -340,7 +373,7 @@ status_t Parcel::adopt(transport::IncomingMessage&& message) try {
     const status_t status = transport::decodeObjects(&message, &objects);
     if (status != OK) {
         objects.clear();
-        const transport::IncomingMessage gone = std::move(message);  // with its descriptors
+        const transport::IncomingMessage gone = std::move(message);  // closes its descriptors
         return status;
     }
     mContents->message = std::move(message);

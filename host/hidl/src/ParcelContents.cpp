@@ -7,15 +7,15 @@ namespace android::hardware {
 
 namespace {
 
-// Holds the numbers of nearly every call.
+// Large enough for the numbers of nearly every call.
 constexpr size_t kUsualSize = 128;
-// What a parcel took beyond this is not kept for the next.
+// Memory beyond this size is not kept for the next parcel.
 constexpr size_t kKeptBytes = size_t{16} * 1024;
-// A call out of a method that is being called takes two more parcels.
+// A call made from within a method needs two more parcels.
 constexpr size_t kMostSpares = 4;
 
-// A thread's spares end before static objects do, and these may make calls when they end. This has
-// no destructor, so that it can be asked even then.
+// A thread's spares are destroyed before static objects, whose destructors may still make calls.
+// This flag has no destructor, so it can be read even then.
 thread_local bool tSparesAreGone = false;
 
 }  // namespace
@@ -24,7 +24,7 @@ Parcel::Contents::Contents() {
     data.reserve(kUsualSize);
 }
 
-// The emptied contents of parcels that are gone.
+// The emptied contents of destroyed parcels.
 struct Parcel::Spares {
     std::array<std::unique_ptr<Contents>, kMostSpares> spares;
     size_t count = 0;
@@ -35,22 +35,28 @@ struct Parcel::Spares {
 thread_local Parcel::Spares Parcel::Spares::own;
 
 std::unique_ptr<Parcel::Contents> Parcel::Contents::take() {
-    if (tSparesAreGone) return std::make_unique<Contents>();
+    if (tSparesAreGone) {
+        return std::make_unique<Contents>();
+    }
     Spares& own = Spares::own;
-    if (own.count == 0) return std::make_unique<Contents>();
+    if (own.count == 0) {
+        return std::make_unique<Contents>();
+    }
     return std::move(own.spares[--own.count]);
 }
 
 void Parcel::Contents::give(std::unique_ptr<Contents> contents) {
-    // What goes here may be the last of an object that ends with parcels of its own: only then are
-    // the spares looked at.
+    // Clearing may destroy an object that destroys parcels of its own, so check the spares only
+    // afterwards.
     if (contents->arrived) {
         const transport::IncomingMessage gone = std::move(contents->message);
         contents->arrived = false;
     }
     contents->objects.clear();
     contents->data.clear();
-    if (tSparesAreGone) return;
+    if (tSparesAreGone) {
+        return;
+    }
     Spares& own = Spares::own;
     if (own.count == kMostSpares || contents->data.capacity() > kKeptBytes ||
         contents->objects.capacity() * sizeof(Object) > kKeptBytes) {

@@ -1,4 +1,4 @@
-// What a parcel consists of, and how its memory goes from one parcel to the next.
+// The contents of a parcel, and how their memory passes from one parcel to the next.
 #pragma once
 
 #include <hwbinder/Parcel.h>
@@ -18,10 +18,15 @@ struct Parcel::Contents {
     bool arrived = false;
     transport::IncomingMessage message;  // what arrived; owns all its bytes
 
-    // Empty ones for a new parcel: those of a parcel that ended on this thread, if there are any.
+    /**
+     * Returns empty contents for a new parcel, reusing those of a parcel that was destroyed on this
+     * thread if possible.
+     */
     static std::unique_ptr<Contents> take();
-    // Empties them, and keeps them for the next take() on this thread unless they are large or
-    // there are enough.
+    /**
+     * Empties the contents and keeps them for the next take() on this thread, unless they are large
+     * or enough are kept already.
+     */
     static void give(std::unique_ptr<Contents> contents);
 };
 

@@ -21,22 +21,25 @@ namespace android::hardware::transport {
 
 namespace {
 
-// A server answers at most its pool's threads at once; more connections than this only queue there.
+// A server answers at most as many calls at once as its pool has threads; more connections than
+// this would only queue.
 constexpr size_t kMaxConnections = 32;
-// How long a one-way call waits for room before it fails: its caller is not to wait for a server
-// that does not read.
+// How long a one-way call waits for space in the socket before it fails: its caller must not wait
+// for a server that does not read.
 constexpr std::chrono::milliseconds kOnewayPatience{1000};
 
-// Waits in the pool for the other end of a connection to go.
+// Waits in the pool until the other end of a connection closes.
 class DeathWatch : public EventSource {
   public:
-    // A descriptor of its own for the connection, so that the object may go before the watch.
+    // Duplicates the descriptor, so that the object may be destroyed before the watch.
     DeathWatch(const wp<RemoteBinder>& object, int connection)
         : mObject(object), mConnection(fcntl(connection, F_DUPFD_CLOEXEC, 0)) {}
 
     Next onEvents(uint32_t, ThreadPool&) override {
         const sp<RemoteBinder> object = mObject.promote();
-        if (object != nullptr) object->hearOfDeath();
+        if (object != nullptr) {
+            object->hearOfDeath();
+        }
         return Next::DROP;
     }
     int descriptor() const override { return mConnection.get(); }
@@ -51,7 +54,9 @@ class DeathWatch : public EventSource {
 sp<RemoteBinder> RemoteBinder::connect(const std::string& name) {
     uint64_t server = 0;
     unique_fd connection = connectTo(findRuntimeFolder(), name, &server, Deadline(callLimit()));
-    if (!connection.ok()) return nullptr;
+    if (!connection.ok()) {
+        return nullptr;
+    }
     return sp<RemoteBinder>(new RemoteBinder(name, server, std::move(connection)));
 }
 
@@ -71,7 +76,9 @@ RemoteBinder::~RemoteBinder() {
         std::lock_guard<std::mutex> lock(mMutex);
         watch = mWatch;
     }
-    if (watch != 0) ThreadPool::instance().remove(watch);
+    if (watch != 0) {
+        ThreadPool::instance().remove(watch);
+    }
 }
 
 RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
@@ -83,8 +90,8 @@ RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
         unique_fd more = connectTo(findRuntimeFolder(), mName, &server, end);
         lock.lock();
         --mOpening;
-        // A server that took the name over is not ours; one that has no descriptor left for another
-        // connection still answers on those there are.
+        // A server that took the name over is a different one. A server that has no descriptor for
+        // another connection still answers on the existing ones.
         if (more.ok() && server == mServer && !mDead) {
             mLinks.push_back(std::make_unique<Link>(std::move(more)));
             return mLinks.back().get();
@@ -96,7 +103,9 @@ RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
     } else {
         (void)mFreed.wait_until(lock, end.time(), isOver);
     }
-    if (mDead || mFree.empty()) return nullptr;
+    if (mDead || mFree.empty()) {
+        return nullptr;
+    }
     Link* const link = mFree.back();
     mFree.pop_back();
     return link;
@@ -119,27 +128,37 @@ void RemoteBinder::markDead() {
 }
 
 void RemoteBinder::markDeadLocked() {
-    if (mDead) return;
+    if (mDead) {
+        return;
+    }
     mDead = true;
     mFreed.notify_all();
-    // A server may live on that answered with rubbish; nobody waits for it any longer, and the
+    // A server that answered with rubbish may live on. Nobody waits for it any longer, and the
     // watch, if there is one, sees its connection end.
-    for (const auto& link : mLinks) (void)shutdown(link->socket.get(), SHUT_RDWR);
+    for (const auto& link : mLinks) {
+        (void)shutdown(link->socket.get(), SHUT_RDWR);
+    }
 }
 
 namespace {
 
-// The next message on a connection: MESSAGE; AGAIN when it does not come in time; any other result
-// when there will be none.
+// Receives the next message of a connection: MESSAGE; AGAIN when it does not arrive in time; any
+// other result when none will follow.
 MessageReader::Result receiveMessage(int connection, MessageReader* reader,
                                      IncomingMessage* message, const Deadline& end) {
     const int flags = end.isNever() ? 0 : MSG_DONTWAIT;
     while (true) {
         const MessageReader::Result result = reader->read(connection, flags, flags);
-        if (result == MessageReader::Result::MESSAGE) *message = reader->take();
-        if (result != MessageReader::Result::AGAIN) return result;
-        // A connection that came from another process may be set not to wait.
-        if (!waitFor(connection, POLLIN, end.left())) return result;
+        if (result == MessageReader::Result::MESSAGE) {
+            *message = reader->take();
+        }
+        if (result != MessageReader::Result::AGAIN) {
+            return result;
+        }
+        // A connection that came from another process may be non-blocking.
+        if (!waitFor(connection, POLLIN, end.left())) {
+            return result;
+        }
     }
 }
 
@@ -159,9 +178,11 @@ status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const De
     const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : end.left());
     const bool whole = !sending.begun;
     link->call.finish();
-    // A call that the kernel does not take, for a descriptor in it that is none, say, has left the
-    // connection as it was.
-    if (error == EAGAIN && !oneway) return timedOut();
+    // When the kernel refuses the call, for example because of an invalid descriptor in it, the
+    // connection is unchanged.
+    if (error == EAGAIN && !oneway) {
+        return timedOut();
+    }
     if (error != 0) {
         *lost = !whole || endsConnection(error);
         return *lost ? DEAD_OBJECT : FAILED_TRANSACTION;
@@ -172,12 +193,20 @@ status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const De
     }
     IncomingMessage message;
     const MessageReader::Result result = receiveMessage(connection, &link->replies, &message, end);
-    if (result == MessageReader::Result::AGAIN) return timedOut();
-    if (result != MessageReader::Result::MESSAGE) return DEAD_OBJECT;
-    if (message.header().type != MessageType::REPLY) return DEAD_OBJECT;
+    if (result == MessageReader::Result::AGAIN) {
+        return timedOut();
+    }
+    if (result != MessageReader::Result::MESSAGE) {
+        return DEAD_OBJECT;
+    }
+    if (message.header().type != MessageType::REPLY) {
+        return DEAD_OBJECT;
+    }
     *lost = false;
     const auto status = static_cast<status_t>(message.header().code);
-    if (status == OK) return reply->adopt(std::move(message));
+    if (status == OK) {
+        return reply->adopt(std::move(message));
+    }
     // Only the end of the connection means death.
     return status == DEAD_OBJECT ? FAILED_TRANSACTION : status;
 }
@@ -187,7 +216,9 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
     const bool oneway = (flags & FLAG_ONEWAY) != 0;
     const Deadline end(callLimit());
     Link* const link = acquire(end);
-    if (link == nullptr) return isDead() ? DEAD_OBJECT : timedOut();
+    if (link == nullptr) {
+        return isDead() ? DEAD_OBJECT : timedOut();
+    }
     status_t status = DEAD_OBJECT;
     bool lost = true;
     try {
@@ -200,7 +231,7 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
         }
         status = exchange(link, oneway, reply, end, &lost);
     } catch (const std::bad_alloc&) {
-        // What the connection was left with is unknown: the object counts as dead.
+        // The state of the connection is unknown: the object counts as dead.
         link->call.finish();
         status = DEAD_OBJECT;
         lost = true;
@@ -210,18 +241,26 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
         return status;
     }
     release(link);
-    if (status == OK && callback != nullptr && !oneway) callback(*reply);
+    if (status == OK && callback != nullptr && !oneway) {
+        callback(*reply);
+    }
     return status;
 }
 
 status_t RemoteBinder::linkToDeath(const sp<DeathRecipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (isHungUp(mLinks.front()->socket.get())) markDeadLocked();
-    if (mDead) return DEAD_OBJECT;
+    if (isHungUp(mLinks.front()->socket.get())) {
+        markDeadLocked();
+    }
+    if (mDead) {
+        return DEAD_OBJECT;
+    }
     if (mWatch == 0) {
         auto watch = std::make_shared<DeathWatch>(this, mLinks.front()->socket.get());
         mWatch = ThreadPool::instance().add(std::move(watch), false);
-        if (mWatch == 0) return NO_MEMORY;
+        if (mWatch == 0) {
+            return NO_MEMORY;
+        }
     }
     mRecipients.push_back(recipient);
     return OK;
@@ -231,7 +270,9 @@ status_t RemoteBinder::unlinkToDeath(const wp<DeathRecipient>& recipient) {
     std::lock_guard<std::mutex> lock(mMutex);
     const auto it = std::find_if(mRecipients.begin(), mRecipients.end(),
                                  [&](const sp<DeathRecipient>& one) { return recipient == one; });
-    if (it == mRecipients.end()) return NAME_NOT_FOUND;
+    if (it == mRecipients.end()) {
+        return NAME_NOT_FOUND;
+    }
     mRecipients.erase(it);
     return OK;
 }
@@ -244,7 +285,9 @@ void RemoteBinder::hearOfDeath() {
         mWatch = 0;
         recipients.swap(mRecipients);
     }
-    for (const sp<DeathRecipient>& recipient : recipients) recipient->binderDied(this);
+    for (const sp<DeathRecipient>& recipient : recipients) {
+        recipient->binderDied(this);
+    }
 }
 
 }  // namespace android::hardware::transport

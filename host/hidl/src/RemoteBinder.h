@@ -1,4 +1,3 @@
-// RemoteBinder: an object in another process.
 #pragma once
 
 #include <hwbinder/IBinder.h>
@@ -16,26 +15,28 @@
 
 namespace android::hardware::transport {
 
-// Carries calls over as many connections as threads call at once: one to begin with, more by the
-// service's name as they are needed. An object that was handed over as an argument has no name and
-// its one connection; calls to it take turns.
-//
-// A call may take as long as callLimit() says, with all that it waits for. One that takes longer
-// fails with TIMED_OUT. When its request was sent already, the object counts as dead from then on:
-// what would arrive next on that connection is unknown.
-//
-// It stays the object of the server that it was made for: when that process is gone it is dead for
-// good, even when another server has taken the name.
-//
-// Calls of one thread, one-way ones among them, arrive in their order as long as no other thread
-// calls through the same object. A call that leads back to its caller, through an argument, is
-// answered by another thread of the caller's pool; if it in turn calls an object without a name
-// that waits for it, both wait for ever. Thread-safe.
+/**
+ * An object in another process. Keeps one connection for each concurrent call: one at first, more
+ * by the service's name as needed. An object that arrived as an argument has no name and only one
+ * connection; calls to it take turns.
+ *
+ * callLimit() bounds a call including all its waiting. A call that takes longer fails with
+ * TIMED_OUT. If its request was already sent, the object counts as dead from then on, because the
+ * connection's next message is unknown.
+ *
+ * The object belongs to one server process. When that process is gone the object stays dead, even
+ * when another server takes the name.
+ *
+ * Calls of one thread, one-way calls included, arrive in order as long as no other thread calls
+ * through the same object. When a call leads back to its caller through an argument, another thread
+ * of the caller's pool answers it. If that one calls an object without a name that waits for it,
+ * both wait for ever. Thread-safe.
+ */
 class RemoteBinder : public IBinder {
   public:
-    // The service of that name, or null when nobody answers.
+    /** Connects to the service of that name; null when no server answers. */
     static sp<RemoteBinder> connect(const std::string& name);
-    // The object at the other end of a connection that arrived in a parcel.
+    /** Makes the object for a connection that arrived in a parcel. */
     static sp<RemoteBinder> fromConnection(unique_fd connection);
     ~RemoteBinder() override;
 
@@ -44,13 +45,13 @@ class RemoteBinder : public IBinder {
     status_t linkToDeath(const sp<DeathRecipient>& recipient) override;
     status_t unlinkToDeath(const wp<DeathRecipient>& recipient) override;
 
-    // Called by the pool when the other end of the first connection is gone.
+    /** The pool calls it when the other end of the first connection closes. */
     void hearOfDeath();
 
   private:
     RemoteBinder(std::string name, uint64_t server, unique_fd first);
 
-    // A connection, and what its calls leave to be used by the next.
+    // A connection, with buffers that its calls reuse.
     struct Link {
         explicit Link(unique_fd connection) : socket(std::move(connection)) {}
         const unique_fd socket;
@@ -58,13 +59,13 @@ class RemoteBinder : public IBinder {
         MessageReader replies{kMaxReplyBody};
     };
 
-    // Null when the object is dead, or the time is over.
+    // Null when the object is dead or the time is over.
     Link* acquire(const Deadline& end);
     void release(Link* link);
     bool isDead();
     void markDead();
     void markDeadLocked();
-    // lost: set when nothing more can come over that connection.
+    // lost: set when the connection is no longer usable.
     status_t exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end, bool* lost);
     status_t timedOut() const;
 
@@ -73,12 +74,12 @@ class RemoteBinder : public IBinder {
 
     std::mutex mMutex;
     std::condition_variable mFreed;
-    std::vector<std::unique_ptr<Link>> mLinks;    // under mMutex; the first is the one watched
-    std::vector<Link*> mFree;                     // under mMutex: those that no call uses
-    size_t mOpening = 0;                          // under mMutex: connections being made
+    std::vector<std::unique_ptr<Link>> mLinks;    // under mMutex; the death watch uses the first
+    std::vector<Link*> mFree;                     // under mMutex: the links that no call uses
+    size_t mOpening = 0;                          // under mMutex: connections being opened
     bool mDead = false;                           // under mMutex
     std::vector<sp<DeathRecipient>> mRecipients;  // under mMutex
-    uint64_t mWatch = 0;                          // under mMutex: the pool's number of the watch
+    uint64_t mWatch = 0;                          // under mMutex: the pool's id of the watch
 };
 
 }  // namespace android::hardware::transport

@@ -37,22 +37,28 @@ constexpr std::chrono::milliseconds kLeast{1};
 std::string runtimePath() {
     const char* own = getenv("MLK_RUNTIME_DIR");
     if (own != nullptr && *own != '\0') {
-        // With a slash at its end the folder itself would pass for its parent.
+        // With a slash at its end the folder would be its own parent.
         std::string path = own;
-        while (path.size() > 1 && path.back() == '/') path.pop_back();
+        while (path.size() > 1 && path.back() == '/') {
+            path.pop_back();
+        }
         return path;
     }
     const char* session = getenv("XDG_RUNTIME_DIR");
-    if (session != nullptr && *session != '\0') return std::string(session) + "/mlkconfigs";
+    if (session != nullptr && *session != '\0') {
+        return std::string(session) + "/mlkconfigs";
+    }
     return "/run/mlkconfigs";
 }
 
-// The folder as it is; 0 or an errno.
+// Opens the existing folder; 0 or an errno.
 int openFolder(RuntimeFolder* folder) {
     folder->path = runtimePath();
     unique_fd descriptor(open(folder->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat status {};
-    if (!descriptor.ok() || fstat(descriptor.get(), &status) != 0) return errno;
+    if (!descriptor.ok() || fstat(descriptor.get(), &status) != 0) {
+        return errno;
+    }
     folder->owner = status.st_uid;
     folder->descriptor = std::move(descriptor);
     return 0;
@@ -68,7 +74,9 @@ RuntimeFolder makeRuntimeFolder() {
     RuntimeFolder folder;
     const std::filesystem::path path(runtimePath());
     std::error_code ignored;
-    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), ignored);
+    if (path.has_parent_path()) {
+        std::filesystem::create_directories(path.parent_path(), ignored);
+    }
     (void)mkdir(path.c_str(), 0700);
     const int error = openFolder(&folder);
     if (error != 0) {
@@ -90,18 +98,28 @@ RuntimeFolder findRuntimeFolder() {
 }
 
 std::string socketName(const std::string& descriptor, const std::string& instance) {
-    if (descriptor.empty() || instance.empty()) return {};
+    if (descriptor.empty() || instance.empty()) {
+        return {};
+    }
     std::string name = descriptor + "." + instance;
-    if (name.find('/') != std::string::npos || name.find('\0') != std::string::npos) return {};
-    if (name.size() > NAME_MAX) return {};
+    if (name.find('/') != std::string::npos || name.find('\0') != std::string::npos) {
+        return {};
+    }
+    if (name.size() > NAME_MAX) {
+        return {};
+    }
     return name;
 }
 
 bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance) {
     const size_t name = file.find("::");
-    if (file.empty() || file.front() == '.' || name == std::string::npos) return false;
+    if (file.empty() || file.front() == '.' || name == std::string::npos) {
+        return false;
+    }
     const size_t dot = file.find('.', name);
-    if (dot == std::string::npos) return false;
+    if (dot == std::string::npos) {
+        return false;
+    }
     *descriptor = file.substr(0, dot);
     *instance = file.substr(dot + 1);
     return !instance->empty();
@@ -117,16 +135,18 @@ uint64_t randomNumber() {
 
 namespace {
 
-// The address of a path; false when it is too long for one.
+// The address of a path; false when the path is too long.
 bool makeAddress(const std::string& path, sockaddr_un* address) {
     *address = {};
     address->sun_family = AF_UNIX;
-    if (path.size() >= sizeof(address->sun_path)) return false;
+    if (path.size() >= sizeof(address->sun_path)) {
+        return false;
+    }
     memcpy(address->sun_path, path.data(), path.size());
     return true;
 }
 
-// Where the kernel shows what a descriptor refers to.
+// The path under which the kernel shows the file of a descriptor.
 std::string pathOf(int descriptor) {
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
@@ -135,10 +155,12 @@ const sockaddr* generic(const sockaddr_un& address) {
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
-// A connection to the socket that this descriptor names.
+// Connects to the socket that the descriptor `file` names.
 int connectFile(int socket, int file) {
     sockaddr_un address;
-    if (!makeAddress(pathOf(file), &address)) return -1;
+    if (!makeAddress(pathOf(file), &address)) {
+        return -1;
+    }
     int result;
     do {
         result = connect(socket, generic(address), sizeof(address));
@@ -159,7 +181,7 @@ int connectSocket(int socket, const RuntimeFolder& folder, const std::string& na
     return result;
 }
 
-// Connecting waits, as sending does, for a server that takes nobody.
+// Like sending, connecting waits for a server that accepts nobody.
 void limitSending(int socket, std::chrono::milliseconds time) {
     const timeval limit = {time.count() / 1000, time.count() % 1000 * 1000};
     (void)setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
@@ -173,12 +195,18 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     while (filled < sizeof(hello)) {
         const ssize_t got = recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
                                  sizeof(hello) - filled, MSG_DONTWAIT);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0 && errno == EAGAIN) {
-            if (!waitFor(socket, POLLIN, end.left())) return Heard::NOTHING;
+        if (got < 0 && errno == EINTR) {
             continue;
         }
-        if (got <= 0) return Heard::NONSENSE;
+        if (got < 0 && errno == EAGAIN) {
+            if (!waitFor(socket, POLLIN, end.left())) {
+                return Heard::NOTHING;
+            }
+            continue;
+        }
+        if (got <= 0) {
+            return Heard::NONSENSE;
+        }
         filled += static_cast<size_t>(got);
     }
     *server = hello.server;
@@ -186,14 +214,16 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     return isOurs ? Heard::HELLO : Heard::NONSENSE;
 }
 
-// A connection to a server whom this user trusts, which has not said anything yet. `isFull` is set
-// when there is none because all places of the server's queue are taken until the end.
+// Connects to a server that this user trusts, without reading its hello. Sets `isFull` if there is
+// no connection because the server's queue is full until the end.
 unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, const Deadline& end,
                           bool* isFull) {
     *isFull = false;
     unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!socket.ok() || !folder.descriptor.ok()) return {};
-    // Without any time left there would be no limit.
+    if (!socket.ok() || !folder.descriptor.ok()) {
+        return {};
+    }
+    // A zero time-out would mean no limit.
     limitSending(socket.get(), std::max(end.left(), kLeast));
     if (connectSocket(socket.get(), folder, name) != 0) {
         *isFull = errno == EAGAIN;
@@ -204,15 +234,19 @@ unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, 
     return rootVisits || peerIsTrusted(socket.get()) ? std::move(socket) : unique_fd();
 }
 
-// Tells the process that had a name, and the log, that it has it no more.
+// Logs that this process takes the name over, and tells the former owner.
 void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int former) {
     const unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (connectFile(socket.get(), former) != 0 && errno != EAGAIN) return;  // it is gone
+    if (connectFile(socket.get(), former) != 0 && errno != EAGAIN) {
+        return;  // it is gone
+    }
     ucred owner{};
     socklen_t size = sizeof(owner);
     (void)getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &owner, &size);
-    // EAGAIN: so many wait for it that it can neither be told nor asked.
-    if (owner.pid == getpid()) return;
+    // EAGAIN: its queue of clients is full, so it can be neither told nor asked.
+    if (owner.pid == getpid()) {
+        return;
+    }
     ALOGE("%s/%s: this process takes the name from process %d, which still has it",
           folder.path.c_str(), name.c_str(), owner.pid);
 }
@@ -221,8 +255,10 @@ void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int 
 
 status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener) {
     unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (!socket.ok()) return -errno;
-    // Bound under a name of its own first: the service's name is never without a listener.
+    if (!socket.ok()) {
+        return -errno;
+    }
+    // Bind under a temporary name first, so that the service's name always has a listener.
     char temporary[24];
     (void)snprintf(temporary, sizeof(temporary), ".%016" PRIx64, randomNumber());
     const int directory = folder.descriptor.get();
@@ -231,7 +267,9 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
         !makeAddress(pathOf(directory) + "/" + temporary, &address)) {
         return -ENAMETOOLONG;
     }
-    if (bind(socket.get(), generic(address), sizeof(address)) != 0) return -errno;
+    if (bind(socket.get(), generic(address), sizeof(address)) != 0) {
+        return -errno;
+    }
     const unique_fd former(openat(directory, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (listen(socket.get(), kBacklog) != 0 ||
         renameat(directory, temporary, directory, name.c_str()) != 0) {
@@ -239,7 +277,9 @@ status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_f
         (void)unlinkat(directory, temporary, 0);
         return -error;
     }
-    if (former.ok()) tellOfTakingOver(folder, name, former.get());
+    if (former.ok()) {
+        tellOfTakingOver(folder, name, former.get());
+    }
     *listener = std::move(socket);
     return OK;
 }
@@ -249,7 +289,9 @@ unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64
     const Deadline hello(end.isNever() ? kHelloLimit : std::min(kHelloLimit, end.left()));
     bool isFull = false;
     unique_fd socket = connectTrusting(folder, name, hello, &isFull);
-    if (!socket.ok() || receiveHello(socket.get(), hello, server) != Heard::HELLO) return {};
+    if (!socket.ok() || receiveHello(socket.get(), hello, server) != Heard::HELLO) {
+        return {};
+    }
     return socket;
 }
 

@@ -1,4 +1,4 @@
-// Where the services' sockets lie, what they are called, and who may use them.
+// The folder of the services' sockets, the names in it, and who may use them.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -15,43 +15,55 @@ namespace android::hardware::transport {
 
 using ::android::base::unique_fd;
 
-// The folder of this set's sockets: $MLK_RUNTIME_DIR, else $XDG_RUNTIME_DIR/mlkconfigs, else
-// /run/mlkconfigs. The descriptor is -1 when the folder cannot be used.
+/**
+ * The folder of this set's sockets: $MLK_RUNTIME_DIR, else $XDG_RUNTIME_DIR/mlkconfigs, else
+ * /run/mlkconfigs. The descriptor is -1 when the folder cannot be used.
+ */
 struct RuntimeFolder {
     std::string path;
     unique_fd descriptor;
     uid_t owner = 0;
 };
 
-// For a server: makes the folder with mode 0700 when it is missing. It must be this user's or
-// root's; one log line says why it cannot be used.
+/**
+ * For a server: creates the folder with mode 0700 if it is missing. It must belong to this user or
+ * root; one log line says why it cannot be used.
+ */
 RuntimeFolder makeRuntimeFolder();
-// For a client: the folder must be there. Root may look into anybody's.
+/** For a client: opens the existing folder. Root may open any user's folder. */
 RuntimeFolder findRuntimeFolder();
 
-// The socket's file for a service: "package@1.0::IName.instance". Empty when the two make no name:
-// they must be non-empty, hold no "/" and no NUL, and not be too long for a file.
+/**
+ * Returns the name of a service's socket: "package@1.0::IName.instance". Empty when the parts are
+ * invalid: they must be non-empty, contain no "/" and no NUL, and fit into a file name.
+ */
 std::string socketName(const std::string& descriptor, const std::string& instance);
-// The reverse; false for a file that is not a service's.
+/** Splits such a name; false when the file is not a service's. */
 bool splitSocketName(const std::string& file, std::string* descriptor, std::string* instance);
 
-// Makes a listening socket of that name. A status of the errno when it cannot. When another process
-// has the name it takes it over, as on a device; that is logged as an error here, and by the other
-// one, which is given a connection to learn of it.
+/**
+ * Creates a listening socket of that name; an errno as a status when that fails. Takes the name
+ * over from another process, as on a device. Both processes log that as an error: the former owner
+ * learns of it from a connection.
+ */
 status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener);
-// Connects to that name and takes the server's hello: -1 when nobody answers there, when the server
-// is nobody whom this user trusts (itself, root; for root, the folder's owner), or speaks another
-// version. server receives the number that tells it from others of its name. Waits at most a few
-// seconds, and not longer than the deadline, for a server all of whose threads are busy.
+/**
+ * Connects to that name and reads the server's hello. -1 when no server answers, the server is not
+ * trusted (trusted are this user and root; for root, the folder's owner), or it speaks another
+ * version. server receives the number that distinguishes it from other servers of its name. Waits a
+ * few seconds at most, and never beyond the deadline, for a server whose threads are all busy.
+ */
 unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64_t* server,
                     const Deadline& end);
 
-// Whether a server whom this user trusts has that name: one that says its hello, or that says
-// nothing within the limit, or takes no connection within it because its queue is full.
+/**
+ * Whether a server that this user trusts has that name: one that sends its hello, one that sends
+ * nothing within the limit, or one that accepts no connection within it because its queue is full.
+ */
 bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit);
 
-// A number that nobody else has.
+/** A random number that is unique in practice. */
 uint64_t randomNumber();
 
 }  // namespace android::hardware::transport

@@ -27,18 +27,20 @@ namespace android::hardware::transport {
 
 namespace {
 
-// How long a thread waits for the next call of the client it has just answered before it goes back
-// to waiting for everybody.
+// How long a thread waits for the next call of the client it has just answered before it serves all
+// connections again.
 constexpr timeval kStay = {0, 10000};
-// How long a thread waits for a client to take the next part of a reply before it goes on with
-// others, for as long as these are not in need of it.
+// How long a thread waits for a client to read the next part of a reply before it serves others, as
+// long as no other connection needs the thread.
 constexpr std::chrono::milliseconds kSendPatience{10};
 
-// The interface of an object.
+// The descriptor of an object's interface.
 std::string nameOf(const sp<BHwBinder>& object) {
     std::string name = "an object";
     const auto implementation = details::implementationOf(object.get());
-    if (implementation == nullptr) return name;
+    if (implementation == nullptr) {
+        return name;
+    }
     (void)implementation->interfaceDescriptor([&](const hidl_string& text) { name = text; }).isOk();
     return name;
 }
@@ -57,20 +59,28 @@ ServerConnection::ServerConnection(unique_fd socket, const sp<BHwBinder>& object
 status_t ServerConnection::open(BHwBinder* object, unique_fd* end) {
     unique_fd own;
     const status_t status = connectedPair(&own, end);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     auto connection = std::make_shared<ServerConnection>(std::move(own), object);
     ThreadPool& pool = ThreadPool::instance();
-    if (pool.add(std::move(connection), true) == 0) return NO_MEMORY;
+    if (pool.add(std::move(connection), true) == 0) {
+        return NO_MEMORY;
+    }
     pool.start();
     return OK;
 }
 
 EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
     const ::mlk::host::LogClient saidForClient(mClient);
-    if (!mUnsent.flush()) return Next::DROP;
-    if (!mUnsent.empty()) return waitForSpace();
-    // The first call is there. After its answer the thread stays for the next one, unless others
-    // would then be without a thread.
+    if (!mUnsent.flush()) {
+        return Next::DROP;
+    }
+    if (!mUnsent.empty()) {
+        return waitForSpace();
+    }
+    // The first call has arrived. After answering it the thread stays for the next one, unless that
+    // would leave others without a thread.
     int flags = MSG_DONTWAIT;
     while (true) {
         switch (mReader.read(mSocket.get(), flags, MSG_DONTWAIT)) {
@@ -85,10 +95,15 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
                 break;
         }
         mUnfinished.end();
-        if (!dispatch(mReader.take(), pool)) return Next::DROP;
-        if (!mUnsent.empty()) return waitForSpace();
+        if (!dispatch(mReader.take(), pool)) {
+            return Next::DROP;
+        }
+        if (!mUnsent.empty()) {
+            return waitForSpace();
+        }
         if (!pool.anyThreadWaits()) {
-            // A call that came together with the last one makes no event of its own: space does.
+            // A call that arrived together with the last one causes no event of its own, so wait
+            // for space instead.
             return mReader.hasResult() ? waitForSpace() : waitForInput();
         }
         flags = 0;
@@ -97,20 +112,26 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
 
 EventSource::Next ServerConnection::waitForInput() {
     mReader.trim();
-    if (!mReader.hasBegun()) return Next::WAIT_FOR_INPUT;
+    if (!mReader.hasBegun()) {
+        return Next::WAIT_FOR_INPUT;
+    }
     const bool kept = mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors());
     return kept ? Next::WAIT_FOR_INPUT : Next::DROP;
 }
 
 EventSource::Next ServerConnection::waitForSpace() {
     mReader.trim();
-    if (!mReader.hasBegun()) return Next::WAIT_FOR_SPACE;
-    if (!mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors())) return Next::DROP;
+    if (!mReader.hasBegun()) {
+        return Next::WAIT_FOR_SPACE;
+    }
+    if (!mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors())) {
+        return Next::DROP;
+    }
     mUnfinished.stopClock();
     return Next::WAIT_FOR_SPACE;
 }
 
-// The call itself. When it comes to nothing, why.
+// Runs the call. Returns an error when the call fails.
 status_t ServerConnection::serve(IncomingMessage&& message, const IBinder::TransactCallback& answer,
                                  const bool& expected) {
     const uint32_t code = message.header().code;
@@ -118,11 +139,17 @@ status_t ServerConnection::serve(IncomingMessage&& message, const IBinder::Trans
     Parcel data;
     Parcel reply;
     status_t status = data.adopt(std::move(message));
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     status = mObject->transact(code, data, &reply, oneway ? IBinder::FLAG_ONEWAY : 0, answer);
-    if (status != OK || !expected) return status;
-    // Generated stubs leave a few base methods without an answer; it means all is well.
-    if (reply.data().empty()) (void)writeToParcel(Status::ok(), &reply);
+    if (status != OK || !expected) {
+        return status;
+    }
+    // Generated stubs leave a few base methods unanswered, which means success.
+    if (reply.data().empty()) {
+        (void)writeToParcel(Status::ok(), &reply);
+    }
     answer(reply);
     return OK;
 }
@@ -130,25 +157,31 @@ status_t ServerConnection::serve(IncomingMessage&& message, const IBinder::Trans
 bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& pool) {
     const MessageType type = message.header().type;
     const uint32_t code = message.header().code;
-    if (type != MessageType::CALL && type != MessageType::ONEWAY_CALL) return false;
+    if (type != MessageType::CALL && type != MessageType::ONEWAY_CALL) {
+        return false;
+    }
     struct {
         ServerConnection* connection;
         const ThreadPool* pool;
         bool expected;  // by the caller, and not given yet
         bool alive;
     } state{this, &pool, type == MessageType::CALL, true};
-    // A single pointer: the function, which is copied on its way to the method, holds it in itself.
+    // A single pointer fits into the function itself, so copying the function allocates nothing.
     const IBinder::TransactCallback answer = [state = &state](Parcel& parcel) {
-        if (!state->expected) return;
+        if (!state->expected) {
+            return;
+        }
         OutgoingMessage& out = state->connection->mReply;
         const status_t encoded = state->connection->encode(parcel);
-        if (encoded != OK) out.encodeStatus(encoded);
+        if (encoded != OK) {
+            out.encodeStatus(encoded);
+        }
         state->expected = false;
-        state->alive = false;  // unless sending comes to its end
+        state->alive = false;  // unless sending succeeds
         state->alive = state->connection->send(*state->pool);
     };
     status_t status = OK;
-    // An exception costs the caller its answer, not everybody the process.
+    // An exception fails only the current call, not the whole process.
     try {
         status = serve(std::move(message), answer, state.expected);
     } catch (const std::bad_alloc&) {
@@ -168,7 +201,9 @@ bool ServerConnection::dispatch(IncomingMessage&& message, const ThreadPool& poo
 status_t ServerConnection::encode(const Parcel& parcel) {
     const status_t status = mReply.encode(parcel, MessageType::REPLY, OK, kMaxReplyBody);
     const uint64_t size = status == OK ? mReply.bodySize() : 0;
-    if (size <= kDeviceReplyBody) return status;
+    if (size <= kDeviceReplyBody) {
+        return status;
+    }
     const bool refused = repliesAreLimitedAsOnADevice();
     ALOGW("%s: a reply of %" PRIu64 " bytes %s: a device delivers %" PRIu64 " at most",
           nameOf(mObject).c_str(), size, refused ? "is refused" : "would fail on a device",
@@ -179,14 +214,14 @@ status_t ServerConnection::encode(const Parcel& parcel) {
 bool ServerConnection::send(const ThreadPool& pool) {
     Sending& reply = mReply.sending();
     int error = sendPieces(mSocket.get(), &reply, MSG_DONTWAIT);
-    // The end of a large reply is not copied while its client is reading it.
+    // Does not copy the end of a large reply while its client is reading.
     while (error == EAGAIN && reply.begun && pool.anyThreadWaits() &&
            waitFor(mSocket.get(), POLLOUT, kSendPatience)) {
         error = sendPieces(mSocket.get(), &reply, MSG_DONTWAIT);
     }
     bool alive = error == 0 || (error == EAGAIN && mUnsent.keep(reply));
     if (!alive && error != EAGAIN && !reply.begun && !endsConnection(error)) {
-        // The kernel takes the reply as it is for no good: a descriptor in it is none, perhaps.
+        // The kernel refuses the reply for good, for example because of an invalid descriptor.
         ALOGE("a reply cannot be sent: %s", strerror(error));
         mReply.encodeStatus(FAILED_TRANSACTION);
         alive = sendPieces(mSocket.get(), &mReply.sending(), MSG_DONTWAIT) == 0;

@@ -32,15 +32,19 @@ using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace {
 
-// How long the hellos of all services together are waited for, and each of those after the limit.
+// The total time for the hellos of all services, and the time for each one after that.
 constexpr std::chrono::milliseconds kListLimit{300};
 constexpr std::chrono::milliseconds kListLeast{1};
 
 std::set<std::string> filesOf(const std::string& folder) {
     std::set<std::string> files;
     const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(folder.c_str()), &closedir);
-    if (directory == nullptr) return files;
-    while (const dirent* entry = readdir(directory.get())) files.insert(entry->d_name);
+    if (directory == nullptr) {
+        return files;
+    }
+    while (const dirent* entry = readdir(directory.get())) {
+        files.insert(entry->d_name);
+    }
     return files;
 }
 
@@ -75,10 +79,12 @@ class HostServiceManager : public IServiceManager {
     }
 };
 
-// Every connection is a descriptor, and the usual soft limit is a thousand.
+// Every connection needs a descriptor, and the usual soft limit is about a thousand.
 void raiseDescriptorLimit() {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max) return;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max) {
+        return;
+    }
     limit.rlim_cur = limit.rlim_max;
     (void)setrlimit(RLIMIT_NOFILE, &limit);
 }
@@ -100,7 +106,9 @@ std::vector<std::string> getAllHalInstanceNames(const std::string& descriptor) {
             }
         }
     });
-    if (!listed.isOk()) instances.clear();
+    if (!listed.isOk()) {
+        instances.clear();
+    }
     return instances;
 }
 
@@ -119,7 +127,9 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
     }
     raiseDescriptorLimit();
     const transport::RuntimeFolder folder = transport::makeRuntimeFolder();
-    if (!folder.descriptor.ok()) return PERMISSION_DENIED;
+    if (!folder.descriptor.ok()) {
+        return PERMISSION_DENIED;
+    }
     transport::unique_fd socket;
     const status_t status = transport::listenOn(folder, name, &socket);
     if (status != OK) {
@@ -129,7 +139,9 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
     auto& pool = transport::ThreadPool::instance();
     auto listener = std::make_shared<transport::Listener>(
             std::move(socket), folder.path + "/" + name, stub->localBinder());
-    if (pool.add(std::move(listener), true) == 0) return NO_MEMORY;
+    if (pool.add(std::move(listener), true) == 0) {
+        return NO_MEMORY;
+    }
     ProcessState::self()->startThreadPool();
     return OK;
 }
@@ -137,9 +149,13 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
 sp<IBase> getRawServiceInternal(const std::string& descriptor, const std::string& instance,
                                 bool /* retry */, bool getStub) {
     const std::string name = transport::socketName(descriptor, instance);
-    if (getStub || name.empty()) return nullptr;
+    if (getStub || name.empty()) {
+        return nullptr;
+    }
     const sp<transport::RemoteBinder> remote = transport::RemoteBinder::connect(name);
-    if (remote == nullptr) return nullptr;
+    if (remote == nullptr) {
+        return nullptr;
+    }
     return new BpHwBase(remote);
 }
 

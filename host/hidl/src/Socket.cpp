@@ -36,14 +36,18 @@ bool peerIsTrusted(int socket) {
 
 status_t connectedPair(unique_fd* first, unique_fd* second) {
     int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return -errno;
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        return -errno;
+    }
     first->reset(ends[0]);
     second->reset(ends[1]);
     return OK;
 }
 
 std::chrono::milliseconds Deadline::left() const {
-    if (isNever()) return kForever;
+    if (isNever()) {
+        return kForever;
+    }
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(mEnd - Clock::now());
     return std::max(rest, std::chrono::milliseconds::zero());
 }
@@ -70,9 +74,15 @@ bool waitFor(int socket, short events, std::chrono::milliseconds limit) {
     while (true) {
         pollfd state{socket, events, 0};
         const int ready = poll(&state, 1, static_cast<int>(end.left().count()));
-        if (ready > 0) return true;
-        if (ready == 0) return false;
-        if (errno != EINTR) return true;  // what the socket is asked for next tells what is wrong
+        if (ready > 0) {
+            return true;
+        }
+        if (ready == 0) {
+            return false;
+        }
+        if (errno != EINTR) {
+            return true;  // the next operation on the socket reports the error
+        }
     }
 }
 
@@ -85,26 +95,30 @@ void Sending::clear() {
 
 size_t Sending::left() const {
     size_t bytes = 0;
-    for (size_t i = next; i < pieces.size(); ++i) bytes += pieces[i].iov_len;
+    for (size_t i = next; i < pieces.size(); ++i) {
+        bytes += pieces[i].iov_len;
+    }
     return bytes;
 }
 
 namespace {
 
-// Takes bytes that were sent off the front.
+// Skips the bytes that were sent.
 void advance(Sending* sending, size_t sent) {
     sending->begun = true;
     std::vector<iovec>& pieces = sending->pieces;
     while (sending->next < pieces.size() && sent >= pieces[sending->next].iov_len) {
         sent -= pieces[sending->next++].iov_len;
     }
-    if (sent == 0) return;
+    if (sent == 0) {
+        return;
+    }
     iovec& piece = pieces[sending->next];
     piece.iov_base = static_cast<uint8_t*>(piece.iov_base) + sent;
     piece.iov_len -= sent;
 }
 
-// Room for as many descriptors as the kernel passes at once.
+// Holds the largest number of descriptors that the kernel passes at once.
 struct Control {
     alignas(cmsghdr) char bytes[CMSG_SPACE(sizeof(int) * kMaxDescriptors)];
 };
@@ -133,7 +147,7 @@ int sendPieces(int socket, Sending* sending, int flags) {
         if (!sending->begun && !sending->descriptors.empty()) {
             attach(sending->descriptors, &control, &message);
         }
-        // Most messages are one piece, which the kernel takes in fewer steps.
+        // Most messages are one piece, for which send(2) is cheaper than sendmsg(2).
         const ssize_t result = message.msg_iovlen == 1 && message.msg_controllen == 0
                                        ? send(socket, message.msg_iov->iov_base,
                                               message.msg_iov->iov_len, flags | MSG_NOSIGNAL)
@@ -149,8 +163,8 @@ int sendPieces(int socket, Sending* sending, int flags) {
 
 int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit) {
     if (limit == kForever) {
-        // A socket that came from another process may be set not to block all the same. The clock,
-        // which would have to be read for every call, has no part in this.
+        // A socket that came from another process may be non-blocking. The limit is checked only on
+        // EAGAIN, because reading the clock for every call costs time.
         int error;
         do {
             error = sendPieces(socket, sending, 0);
@@ -182,12 +196,16 @@ ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<uniqu
     do {
         result = recvmsg(socket, &message, flags | MSG_CMSG_CLOEXEC);
     } while (result < 0 && errno == EINTR);
-    if (result < 0) return result;
+    if (result < 0) {
+        return result;
+    }
     for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr;
          part = CMSG_NXTHDR(&message, part)) {
-        if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_RIGHTS) continue;
+        if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_RIGHTS) {
+            continue;
+        }
         const size_t count = (part->cmsg_len - CMSG_LEN(0)) / sizeof(int);
-        // They are this process's now, also when there is no memory for where they belong.
+        // Owns the descriptors at once, even if memory for the caller's vector runs out.
         std::array<unique_fd, kMaxDescriptors> arrived;
         for (size_t i = 0; i < count; ++i) {
             int descriptor;

@@ -25,19 +25,21 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The largest calls of a pool's worth of threads; the largest reply once.
+// The largest calls of a whole pool of threads at once; the largest reply once.
 constexpr uint64_t kMostMessageBytes = uint64_t{16} * 1024 * 1024;
 constexpr uint64_t kMostReplyBytes = kMaxReplyBody + sizeof(Header);
 constexpr size_t kMostDescriptors = 512;
-// Who has not gone on for this long makes room for others.
+// A stall without progress for this long may be closed in favour of another.
 constexpr milliseconds kFresh{1000};
-// At most one line in this time: whoever stalls must not fill the log.
+// At most one line in this time: stalled clients must not fill the log.
 constexpr milliseconds kBetweenLines{1000};
 
-// A part of what the process may open, so that clients cannot use up the rest.
+// A share of the process's descriptors, so that clients cannot use up the rest.
 size_t mostDescriptors(size_t bound) {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return bound;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return bound;
+    }
     return std::min<size_t>(bound, limit.rlim_cur / 4);
 }
 
@@ -74,7 +76,9 @@ Stalls::Stalls(const Bounds& bounds, std::function<void(milliseconds)> wake)
 Stalls& Stalls::instance() {
     static auto* stalls = [] {
         const auto timer = std::make_shared<StallTimer>();
-        if (timer->descriptor() >= 0) (void)ThreadPool::instance().add(timer, true);
+        if (timer->descriptor() >= 0) {
+            (void)ThreadPool::instance().add(timer, true);
+        }
         return new Stalls({kMostMessageBytes, kMostReplyBytes, kMostDescriptors, stallLimit()},
                           [timer](milliseconds delay) { timer->set(delay); });
     }();
@@ -91,14 +95,18 @@ bool Stalls::exceedsLocked(const Stall& wanting, bool* byDescriptors) const {
     const bool isMessage = wanting.mKind == Stall::Kind::MESSAGE;
     const uint64_t most = isMessage ? mBounds.messageBytes : mBounds.replyBytes;
     *byDescriptors = false;
-    if (wanting.mBytes > 0 && mBytes[static_cast<size_t>(wanting.mKind)] > most) return true;
+    if (wanting.mBytes > 0 && mBytes[static_cast<size_t>(wanting.mKind)] > most) {
+        return true;
+    }
     *byDescriptors = true;
     return wanting.mDescriptors > 0 && mDescriptors > mostDescriptors(mBounds.descriptors);
 }
 
 Stall* Stalls::victimLocked(const Stall& wanting, bool byDescriptors) const {
     const auto amount = [&](const Stall& stall) -> uint64_t {
-        if (byDescriptors) return stall.mDescriptors;
+        if (byDescriptors) {
+            return stall.mDescriptors;
+        }
         return stall.mKind == wanting.mKind ? stall.mBytes : 0;
     };
     const Clock::time_point fresh = Clock::now() - kFresh;
@@ -106,11 +114,17 @@ Stall* Stalls::victimLocked(const Stall& wanting, bool byDescriptors) const {
     Stall* victim = nullptr;
     for (Stall* const stall : mStalls) {
         const uint64_t kept = amount(*stall);
-        if (stall == &wanting || stall->mClosed || kept == 0) continue;
-        if (kept <= 2 * wanted && (kept < wanted || stall->mSince > fresh)) continue;
+        if (stall == &wanting || stall->mClosed || kept == 0) {
+            continue;
+        }
+        if (kept <= 2 * wanted && (kept < wanted || stall->mSince > fresh)) {
+            continue;
+        }
         const bool more = victim == nullptr || kept > amount(*victim) ||
                           (kept == amount(*victim) && stall->mSince < victim->mSince);
-        if (more) victim = stall;
+        if (more) {
+            victim = stall;
+        }
     }
     return victim;
 }
@@ -119,14 +133,16 @@ bool Stalls::makeRoomLocked(const Stall& wanting) {
     bool byDescriptors = false;
     while (exceedsLocked(wanting, &byDescriptors)) {
         Stall* const victim = victimLocked(wanting, byDescriptors);
-        if (victim == nullptr) return false;
+        if (victim == nullptr) {
+            return false;
+        }
         closeLocked(victim, "others need the room");
     }
     return true;
 }
 
 void Stalls::closeLocked(Stall* stall, const char* why) {
-    // What it keeps counts no more: the pool is about to free it.
+    // Stop counting what it keeps: the pool is about to free it.
     countLocked(*stall, -1);
     stall->mClosed = true;
     (void)shutdown(stall->mSocket, SHUT_RDWR);
@@ -144,7 +160,9 @@ void Stalls::closeLocked(Stall* stall, const char* why) {
 
 void Stalls::wakeLocked(milliseconds delay) {
     const Clock::time_point at = Clock::now() + delay;
-    if (!mWake || mWakeAt <= at) return;
+    if (!mWake || mWakeAt <= at) {
+        return;
+    }
     mWakeAt = at;
     mWake(delay);
 }
@@ -155,7 +173,9 @@ void Stalls::endOverdue() {
     mWakeAt = Clock::time_point::max();
     Clock::time_point next = Clock::time_point::max();
     for (Stall* const stall : mStalls) {
-        if (!stall->mTimed || stall->mClosed) continue;
+        if (!stall->mTimed || stall->mClosed) {
+            continue;
+        }
         const Clock::time_point end = stall->mSince + mBounds.time;
         if (end <= now) {
             closeLocked(stall, "its time is over");
@@ -163,7 +183,9 @@ void Stalls::endOverdue() {
             next = std::min(next, end);
         }
     }
-    if (next != Clock::time_point::max()) wakeLocked(std::chrono::ceil<milliseconds>(next - now));
+    if (next != Clock::time_point::max()) {
+        wakeLocked(std::chrono::ceil<milliseconds>(next - now));
+    }
 }
 
 bool Stall::keep(uint64_t bytes, size_t descriptors) {
@@ -178,35 +200,49 @@ bool Stall::keep(uint64_t bytes, size_t descriptors) {
     }
     mBytes = bytes;
     mDescriptors = descriptors;
-    if (!mClosed) mStalls.countLocked(*this, 1);
+    if (!mClosed) {
+        mStalls.countLocked(*this, 1);
+    }
     if (mClosed || !mStalls.makeRoomLocked(*this)) {
-        if (!mClosed) mStalls.countLocked(*this, -1);
+        if (!mClosed) {
+            mStalls.countLocked(*this, -1);
+        }
         mStalls.mStalls.erase(this);
         mKeeps = false;
         return false;
     }
-    if (!mTimed) mSince = Stalls::Clock::now();
+    if (!mTimed) {
+        mSince = Stalls::Clock::now();
+    }
     mTimed = true;
     mStalls.wakeLocked(mStalls.mBounds.time);
     return true;
 }
 
 void Stall::progress() {
-    if (!mKeeps) return;
+    if (!mKeeps) {
+        return;
+    }
     std::lock_guard<std::mutex> lock(mStalls.mMutex);
     mSince = Stalls::Clock::now();
 }
 
 void Stall::stopClock() {
-    if (!mKeeps) return;
+    if (!mKeeps) {
+        return;
+    }
     std::lock_guard<std::mutex> lock(mStalls.mMutex);
     mTimed = false;
 }
 
 void Stall::end() {
-    if (!mKeeps) return;
+    if (!mKeeps) {
+        return;
+    }
     std::lock_guard<std::mutex> lock(mStalls.mMutex);
-    if (!mClosed) mStalls.countLocked(*this, -1);
+    if (!mClosed) {
+        mStalls.countLocked(*this, -1);
+    }
     mStalls.mStalls.erase(this);
     mKeeps = false;
 }

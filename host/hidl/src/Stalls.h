@@ -1,4 +1,3 @@
-// Stalls: what connections keep of this process while they wait for their clients.
 #pragma once
 
 #include <sys/types.h>
@@ -14,13 +13,16 @@ namespace android::hardware::transport {
 
 class Stall;
 
-// Bounds the bytes of unfinished messages, the bytes of unsent replies, and the descriptors of
-// both, of all connections together; and the time each may take. Who would exceed a bound gets in
-// if a connection that keeps no less has made no progress for a second, or one keeps more than
-// twice as much: that one is closed instead. So a client that hoards costs nobody but itself.
-//
-// A connection is closed by shutting its socket down: the pool hears of that and frees the rest.
-// Thread-safe.
+/**
+ * Bounds what connections keep in this process while they wait for their clients: the bytes of
+ * unfinished messages, the bytes of unsent replies and the descriptors of both, over all
+ * connections, and the time that each may take. A connection that would exceed a bound is let in if
+ * another one keeps at least as much and has made no progress for a second, or keeps more than
+ * twice as much: that one is closed instead. So a client that hoards harms only itself.
+ *
+ * Stalls closes a connection by shutting its socket down; the pool notices that and frees the rest.
+ * Thread-safe.
+ */
 class Stalls {
   public:
     using Clock = std::chrono::steady_clock;
@@ -31,13 +33,13 @@ class Stalls {
         size_t descriptors;
         std::chrono::milliseconds time;
     };
-    // wake: called, with the lock held, when something has to be ended after this time.
+    /** wake: called with the lock held when endOverdue() is due after this time. */
     explicit Stalls(const Bounds& bounds, std::function<void(std::chrono::milliseconds)> wake = {});
 
-    // Those of the server's connections of this process; the pool ends them in time.
+    /** The instance for the server connections of this process; the pool closes overdue ones. */
     static Stalls& instance();
 
-    // Closes the connections whose time is over, and has itself woken for the next.
+    /** Closes the connections whose time is over, and schedules the next wake-up. */
     void endOverdue();
 
   private:
@@ -57,30 +59,32 @@ class Stalls {
     uint64_t mBytes[2] = {};                               // under mMutex: by Stall::Kind
     size_t mDescriptors = 0;                               // under mMutex
     Clock::time_point mWakeAt = Clock::time_point::max();  // under mMutex
-    Clock::time_point mLastLine{};                         // under mMutex: of the log
-    size_t mUntold = 0;                                    // under mMutex: closed without a line
+    Clock::time_point mLastLine{};  // under mMutex: the time of the last log line
+    size_t mUntold = 0;             // under mMutex: connections closed without a log line
 };
 
-// What one connection keeps for one reason. One thread at a time uses it, as it has the connection.
+/** What one connection keeps for one reason. Only the thread that serves the connection uses it. */
 class Stall {
   public:
     enum class Kind { MESSAGE, REPLY };
 
-    // The socket is that of the connection, and outlives this.
+    /** The socket is the connection's and must outlive this object. */
     Stall(Kind kind, int socket, Stalls& stalls = Stalls::instance())
         : mKind(kind), mSocket(socket), mStalls(stalls) {}
     ~Stall() { end(); }
     Stall(const Stall&) = delete;
     Stall& operator=(const Stall&) = delete;
 
-    // Counts this instead of what was counted before. False when there is no room: nothing is
-    // counted then. Its time runs from the first of these calls, or from the last progress().
+    /**
+     * Counts this amount instead of the previous one. False when it would exceed a bound; nothing
+     * is counted then. The time runs from the first such call or from the last progress().
+     */
     bool keep(uint64_t bytes, size_t descriptors);
-    // The client has gone on: its time starts anew.
+    /** The client has made progress: its time starts anew. */
     void progress();
-    // There is no limit to its time, because it is not the client that is waited for.
+    /** Removes the time limit, because the connection does not wait for its client. */
     void stopClock();
-    // Nothing is kept any more.
+    /** Nothing is kept any more. */
     void end();
 
   private:
@@ -89,7 +93,7 @@ class Stall {
     const Kind mKind;
     const int mSocket;
     Stalls& mStalls;
-    bool mKeeps = false;  // whether mStalls knows it; only the connection's thread looks
+    bool mKeeps = false;  // whether mStalls knows it; only the connection's thread reads it
     // Under the lock of mStalls.
     uint64_t mBytes = 0;
     size_t mDescriptors = 0;

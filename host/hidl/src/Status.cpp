@@ -49,11 +49,13 @@ constexpr Name kErrors[] = {
         {UNEXPECTED_NULL, "UNEXPECTED_NULL"},
 };
 
-// The name; null when it is not among them.
+// Returns the name; null when the table does not have the value.
 template <size_t N>
 const char* nameIn(const Name (&names)[N], int32_t value) {
     for (const Name& name : names) {
-        if (name.value == value) return name.text;
+        if (name.value == value) {
+            return name.text;
+        }
     }
     return nullptr;
 }
@@ -63,7 +65,7 @@ std::string exceptionName(int32_t exception) {
     return name != nullptr ? name : std::to_string(exception);
 }
 
-// What has no name of its own is an errno.
+// A status without a name is an errno.
 std::string errorName(status_t error) {
     const char* const name = nameIn(kErrors, error);
     return name != nullptr ? name : std::to_string(error) + " " + strerror(-error);
@@ -84,9 +86,13 @@ void Status::setFromStatusT(status_t status) {
 }
 
 std::string Status::description() const {
-    if (isOk()) return "No error";
+    if (isOk()) {
+        return "No error";
+    }
     std::string text = "Status(" + exceptionName(mException) + "): '";
-    if (mException == EX_TRANSACTION_FAILED) text += errorName(mError) + ": ";
+    if (mException == EX_TRANSACTION_FAILED) {
+        text += errorName(mError) + ": ";
+    }
     return text + mMessage + "'";
 }
 
@@ -99,7 +105,7 @@ namespace details {
 return_status& return_status::operator=(return_status&& other) noexcept {
     mStatus = std::move(other.mStatus);
     mChecked = other.mChecked;
-    // Whoever has the outcome now has to look at it.
+    // The new owner of the outcome has to check it.
     other.mChecked = true;
     return *this;
 }
@@ -112,12 +118,16 @@ return_status::~return_status() {
 }
 
 void return_status::assertOk() const {
-    if (isOk()) return;
+    if (isOk()) {
+        return;
+    }
     logAlwaysFatal(("a call that must not fail did: " + mStatus.description()).c_str());
 }
 
 void return_status::onValueRetrieval() const {
-    if (isOk()) return;
+    if (isOk()) {
+        return;
+    }
     logAlwaysFatal(("the result of a failed call was taken: " + mStatus.description()).c_str());
 }
 

@@ -10,7 +10,7 @@ namespace android::hardware::details {
 struct TaskRunner::Queue {
     std::mutex mutex;
     std::condition_variable wake;
-    std::deque<std::function<void()>> tasks;  // under mutex, like all below
+    std::deque<std::function<void()>> tasks;  // under mutex, as all members below
     size_t limit = 0;
     bool stopping = false;
 };
@@ -37,7 +37,9 @@ void TaskRunner::start(size_t limit) {
 
 bool TaskRunner::push(const std::function<void()>& task) {
     std::lock_guard<std::mutex> lock(mQueue->mutex);
-    if (mQueue->tasks.size() >= mQueue->limit) return false;
+    if (mQueue->tasks.size() >= mQueue->limit) {
+        return false;
+    }
     if (!mThread.joinable()) {
         try {
             mThread = std::thread([queue = mQueue] { run(queue); });
@@ -54,12 +56,14 @@ void TaskRunner::run(const std::shared_ptr<Queue>& queue) {
     std::unique_lock<std::mutex> lock(queue->mutex);
     while (true) {
         queue->wake.wait(lock, [&] { return queue->stopping || !queue->tasks.empty(); });
-        if (queue->tasks.empty()) return;
+        if (queue->tasks.empty()) {
+            return;
+        }
         std::function<void()> task = std::move(queue->tasks.front());
         queue->tasks.pop_front();
         lock.unlock();
         task();
-        task = nullptr;  // without the lock: what it held may end the runner
+        task = nullptr;  // without the lock: its captures may destroy the runner
         lock.lock();
     }
 }

@@ -43,7 +43,9 @@ void ThreadPool::configure(size_t maxThreads, bool callerWillJoin) {
 
 void ThreadPool::start() {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (mThreads == 0) startThreadLocked();
+    if (mThreads == 0) {
+        startThreadLocked();
+    }
 }
 
 void ThreadPool::join() {
@@ -51,22 +53,28 @@ void ThreadPool::join() {
         ++mWaiting;
         run();
     }
-    while (true) pause();
+    while (true) {
+        pause();
+    }
 }
 
 bool ThreadPool::takePlace() {
     std::lock_guard<std::mutex> lock(mMutex);
     mCallerWillJoin = false;
-    if (mThreads >= mMaxThreads) return false;
+    if (mThreads >= mMaxThreads) {
+        return false;
+    }
     ++mThreads;
     return true;
 }
 
 void ThreadPool::startThreadLocked() {
-    // A place is kept for the thread that has said it will join; when it is the only one allowed,
-    // calls wait for it.
+    // One thread is reserved for the caller that will join; when it is the only one allowed, calls
+    // wait for it.
     const size_t most = mMaxThreads - (mCallerWillJoin ? 1 : 0);
-    if (mThreads >= most) return;
+    if (mThreads >= most) {
+        return;
+    }
     ++mWaiting;
     ++mThreads;
     try {
@@ -79,9 +87,13 @@ void ThreadPool::startThreadLocked() {
 }
 
 void ThreadPool::startThreadIfNoneWaits() {
-    if (anyThreadWaits()) return;
+    if (anyThreadWaits()) {
+        return;
+    }
     std::lock_guard<std::mutex> lock(mMutex);
-    if (!anyThreadWaits()) startThreadLocked();
+    if (!anyThreadWaits()) {
+        startThreadLocked();
+    }
 }
 
 uint64_t ThreadPool::add(std::shared_ptr<EventSource> source, bool input) {
@@ -100,10 +112,12 @@ uint64_t ThreadPool::add(std::shared_ptr<EventSource> source, bool input) {
 }
 
 void ThreadPool::remove(uint64_t id) {
-    std::shared_ptr<EventSource> removed;  // destroyed after the lock is given back
+    std::shared_ptr<EventSource> removed;  // destroyed after the lock is released
     std::lock_guard<std::mutex> lock(mMutex);
     auto it = mSources.find(id);
-    if (it == mSources.end()) return;
+    if (it == mSources.end()) {
+        return;
+    }
     removed = std::move(it->second);
     mSources.erase(it);
     (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_DEL, removed->descriptor(), nullptr);
@@ -114,14 +128,16 @@ void ThreadPool::serve(uint64_t id, uint32_t events) {
     {
         std::lock_guard<std::mutex> lock(mMutex);
         auto it = mSources.find(id);
-        if (it == mSources.end()) return;
+        if (it == mSources.end()) {
+            return;
+        }
         source = it->second;
     }
     EventSource::Next next = EventSource::Next::DROP;
     try {
         next = source->onEvents(events, *this);
     } catch (const std::exception& exception) {
-        // One connection less is better than no process.
+        // An exception costs one connection, not the process.
         ALOGE("a connection ends: %s", exception.what());
     }
     if (next == EventSource::Next::DROP) {
@@ -147,7 +163,9 @@ void ThreadPool::run() {
     while (true) {
         epoll_event event{};
         const int count = epoll_wait(mEpoll.get(), &event, 1, -1);
-        if (count != 1) continue;
+        if (count != 1) {
+            continue;
+        }
         --mWaiting;
         startThreadIfNoneWaits();
         serve(event.data.u64, event.events);

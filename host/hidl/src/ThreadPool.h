@@ -1,4 +1,3 @@
-// ThreadPool: the threads that answer calls and hear of deaths.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -13,49 +12,56 @@ namespace android::hardware::transport {
 
 class ThreadPool;
 
-// Something with a descriptor that the pool waits on. One thread at a time has it.
+/** Something with a descriptor that the pool waits for. Only one thread at a time uses it. */
 class EventSource {
   public:
     virtual ~EventSource() = default;
 
-    // What the pool shall do with the source next.
+    /** The pool's next step for the source. */
     enum class Next {
         WAIT_FOR_INPUT,
         WAIT_FOR_SPACE,  // wait until bytes can be sent
         DROP,            // forget the source
     };
-    // events: as epoll reports them. An exception ends the source as DROP does.
+    /** events: as reported by epoll. An exception drops the source, like DROP. */
     virtual Next onEvents(uint32_t events, ThreadPool& pool) = 0;
     virtual int descriptor() const = 0;
 };
 
-// Every thread waits on all sources; the one that gets an event serves its source, and another
-// thread is started when none is left waiting and the maximum allows it. So a call never passes
-// from thread to thread, and an idle process has one thread. Threads never end.
-//
-// Thread-safe. There is one per process; it is never destroyed.
+/**
+ * The threads that answer calls and hear of deaths. Every thread waits for all sources. The thread
+ * that gets an event serves its source; the pool starts another thread when none is left waiting
+ * and the maximum allows it. So a call never passes from thread to thread, and an idle process has
+ * one thread. Threads never end.
+ *
+ * Thread-safe. A process has one pool, which is never destroyed.
+ */
 class ThreadPool {
   public:
     static ThreadPool& instance();
 
-    // maxThreads: at least 1; callerWillJoin: one of them will come by join().
+    /** maxThreads: at least 1. callerWillJoin: whether one of them will come by join(). */
     void configure(size_t maxThreads, bool callerWillJoin);
-    // Starts the first thread unless one was started.
+    /** Starts the first thread unless it has been started. */
     void start();
-    // Makes the calling thread one of the pool's. A thread that was not announced, and comes when
-    // there are as many as may be, sleeps.
+    /**
+     * Makes the calling thread a thread of the pool. An unannounced thread sleeps when the pool
+     * already has its maximum.
+     */
     [[noreturn]] void join();
 
-    // Whether the calling thread is one that answers calls.
+    /** Whether the calling thread belongs to the pool. */
     static bool ownsThisThread();
 
-    // Waits on the source from now on. input false: waits only for the other end's death. A number
-    // that names the source; 0 when the kernel refuses it.
+    /**
+     * Starts to wait for the source. With input false, waits only for the other end to close.
+     * Returns an id for the source; 0 when the kernel refuses it.
+     */
     uint64_t add(std::shared_ptr<EventSource> source, bool input);
-    // Forgets the source; a thread that has it now goes on to the end of its event.
+    /** Forgets the source. A thread that is serving it finishes its current event. */
     void remove(uint64_t id);
 
-    // Whether a thread is waiting for events: then the one that asks may stay with its source.
+    /** Whether a thread is waiting for events. Then the calling thread may stay with its source. */
     bool anyThreadWaits() const { return mWaiting.load(std::memory_order_relaxed) > 0; }
 
   private:
@@ -67,7 +73,7 @@ class ThreadPool {
     void startThreadIfNoneWaits();
 
     const ::android::base::unique_fd mEpoll;
-    std::atomic<int> mWaiting{0};  // threads in epoll_wait or on their way to it
+    std::atomic<int> mWaiting{0};  // threads in epoll_wait or on their way there
 
     std::mutex mMutex;
     std::unordered_map<uint64_t, std::shared_ptr<EventSource>> mSources;  // under mMutex

@@ -11,7 +11,9 @@ namespace android::hardware::transport {
 
 bool UnsentReply::keep(const Sending& message) {
     const size_t size = message.left();
-    if (!mStall.keep(size, message.begun ? 0 : message.descriptors.size())) return false;
+    if (!mStall.keep(size, message.begun ? 0 : message.descriptors.size())) {
+        return false;
+    }
     mSize = size;
     mBytes.reset(new (std::nothrow) uint8_t[size]);
     if (mBytes == nullptr) {
@@ -26,7 +28,9 @@ bool UnsentReply::keep(const Sending& message) {
     }
     mSending.pieces.push_back({mBytes.get(), size});
     mSending.begun = message.begun;
-    if (message.begun) return true;
+    if (message.begun) {
+        return true;
+    }
     for (const int descriptor : message.descriptors) {
         mDescriptors.emplace_back(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
         mSending.descriptors.push_back(mDescriptors.back().get());
@@ -39,19 +43,27 @@ bool UnsentReply::keep(const Sending& message) {
 }
 
 bool UnsentReply::flush() {
-    if (empty()) return true;
+    if (empty()) {
+        return true;
+    }
     const size_t before = mSending.left();
     const int error = sendPieces(mSocket, &mSending, MSG_DONTWAIT);
     if (error == 0) {
         drop();
         return true;
     }
-    if (error != EAGAIN) return false;
-    if (mSending.left() == before) return true;
-    // They went with the first byte.
+    if (error != EAGAIN) {
+        return false;
+    }
+    if (mSending.left() == before) {
+        return true;
+    }
+    // They were sent with the first byte.
     if (!mDescriptors.empty()) {
         mDescriptors.clear();
-        if (!mStall.keep(mSize, 0)) return false;
+        if (!mStall.keep(mSize, 0)) {
+            return false;
+        }
     }
     mStall.progress();
     return true;

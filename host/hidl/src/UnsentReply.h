@@ -1,4 +1,3 @@
-// UnsentReply: the end of a reply that its client has not taken yet.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -13,9 +12,12 @@
 
 namespace android::hardware::transport {
 
-// Keeps a copy of what is left of a message until the client reads on. All connections together
-// keep a bounded amount, for a bounded time without progress (Stalls): clients that ask and never
-// read cannot eat the process's memory. Used by one thread at a time.
+/**
+ * The end of a reply that its client has not read yet. Keeps a copy of it until the client reads
+ * on. Stalls bounds the amount that all connections keep, and the time without progress: clients
+ * that ask and never read cannot exhaust the process's memory. Only one thread at a time may use
+ * it.
+ */
 class UnsentReply {
   public:
     explicit UnsentReply(int socket) : UnsentReply(socket, Stalls::instance()) {}
@@ -25,11 +27,13 @@ class UnsentReply {
     UnsentReply& operator=(const UnsentReply&) = delete;
 
     bool empty() const { return mBytes == nullptr; }
-    // Takes what is left of the message, with duplicates of its descriptors when they are still to
-    // be sent. False when that would be too much, or there are no descriptors left; nothing is kept
-    // then. Must be empty before.
+    /**
+     * Copies the rest of the message, and duplicates its descriptors when they are still to be
+     * sent. False when a bound or the supply of descriptors is exhausted; nothing is kept then.
+     * Must be empty before.
+     */
     bool keep(const Sending& message);
-    // Sends what fits now. False when the client is gone.
+    /** Sends what fits now. False when the client is gone. */
     bool flush();
 
   private:

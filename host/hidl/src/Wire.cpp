@@ -12,17 +12,17 @@ namespace android::hardware::transport {
 namespace {
 
 constexpr uint8_t kZeros[8] = {};
-// Blocks up to this size are copied side by side: one large piece is sent faster than many small.
+// Blocks up to this size are copied together: one large piece is sent faster than many small ones.
 constexpr size_t kSmallBlock = 2048;
-// What a message took beyond this is not kept for the next.
+// Memory beyond this size is not kept for the next message.
 constexpr size_t kKeptCapacity = size_t{64} * 1024;
 constexpr size_t kHandleHeader = sizeof(native_handle_t);
 
-// A thread's spare ends before static objects do, and these may make calls when they end. This has
-// no destructor, so that it can be asked even then.
+// A thread's spare is destroyed before static objects, whose destructors may still make calls. This
+// flag has no destructor, so it can be read even then.
 thread_local bool tSpareIsGone = false;
 
-// The memory of a message that is done with.
+// The memory of a destroyed message.
 struct Memory {
     std::unique_ptr<uint8_t[]> bytes;
     size_t capacity = 0;
@@ -39,20 +39,32 @@ size_t handleLength(const native_handle_t* handle) {
 }  // namespace
 
 IncomingMessage::~IncomingMessage() {
-    if (bytes == nullptr || capacity > kKeptCapacity || tSpareIsGone) return;
+    if (bytes == nullptr || capacity > kKeptCapacity || tSpareIsGone) {
+        return;
+    }
     Memory& spare = tSpare;
-    if (capacity > spare.capacity) spare = {std::move(bytes), capacity};
+    if (capacity > spare.capacity) {
+        spare = {std::move(bytes), capacity};
+    }
 }
 
 bool IncomingMessage::reserve(size_t wanted, size_t filled) {
-    if (capacity >= wanted) return true;
+    if (capacity >= wanted) {
+        return true;
+    }
     Memory larger;
-    if (!tSpareIsGone) larger = std::exchange<Memory>(tSpare, {});
+    if (!tSpareIsGone) {
+        larger = std::exchange<Memory>(tSpare, {});
+    }
     if (larger.capacity < wanted) {
         larger = {std::unique_ptr<uint8_t[]>(new (std::nothrow) uint8_t[wanted]), wanted};
     }
-    if (larger.bytes == nullptr) return false;
-    if (filled != 0) memcpy(larger.bytes.get(), bytes.get(), filled);
+    if (larger.bytes == nullptr) {
+        return false;
+    }
+    if (filled != 0) {
+        memcpy(larger.bytes.get(), bytes.get(), filled);
+    }
     bytes = std::move(larger.bytes);
     capacity = larger.capacity;
     return true;
@@ -65,7 +77,9 @@ bool IncomingMessage::reserveExactly(size_t wanted) {
 }
 
 void OutgoingMessage::addPiece(const void* bytes, size_t length) {
-    if (length == 0) return;
+    if (length == 0) {
+        return;
+    }
     mSending.pieces.push_back({const_cast<void*>(bytes), length});
 }
 
@@ -76,14 +90,18 @@ void OutgoingMessage::clear() {
 
 void OutgoingMessage::finish() {
     clear();
-    if (mSmall.capacity() <= kKeptCapacity) return;
+    if (mSmall.capacity() <= kKeptCapacity) {
+        return;
+    }
     std::vector<uint8_t>().swap(mSmall);
     std::vector<Copy>().swap(mCopies);
     std::vector<iovec>().swap(mSending.pieces);
 }
 
 status_t OutgoingMessage::addDescriptors(const Parcel::Object& object) {
-    if (object.isNull || object.kind == Parcel::ObjectKind::BUFFER) return OK;
+    if (object.isNull || object.kind == Parcel::ObjectKind::BUFFER) {
+        return OK;
+    }
     if (object.kind == Parcel::ObjectKind::HANDLE) {
         const auto* handle = static_cast<const native_handle_t*>(object.bytes);
         const int* first = &handle->data[0];
@@ -92,7 +110,9 @@ status_t OutgoingMessage::addDescriptors(const Parcel::Object& object) {
     }
     unique_fd end;
     const status_t status = ServerConnection::open(object.binder->localBinder(), &end);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     mSending.descriptors.push_back(end.get());
     mHandedOut.push_back(std::move(end));
     return OK;
@@ -101,18 +121,28 @@ status_t OutgoingMessage::addDescriptors(const Parcel::Object& object) {
 status_t OutgoingMessage::encode(const Parcel& parcel, MessageType type, uint32_t code,
                                  uint64_t bodyLimit) {
     clear();
-    if (parcel.writeError() != OK) return parcel.writeError();
+    if (parcel.writeError() != OK) {
+        return parcel.writeError();
+    }
     const std::vector<uint8_t>& data = parcel.data();
     const std::vector<Parcel::Object>& objects = parcel.objects();
     uint64_t body = alignedToEight(data.size()) + objects.size() * sizeof(WireObject);
-    for (const Parcel::Object& object : objects) body += alignedToEight(object.length);
-    if (body > bodyLimit) return FAILED_TRANSACTION;
+    for (const Parcel::Object& object : objects) {
+        body += alignedToEight(object.length);
+    }
+    if (body > bodyLimit) {
+        return FAILED_TRANSACTION;
+    }
     const uint64_t apart = chooseCopies(objects);
     for (const Parcel::Object& object : objects) {
         const status_t status = addDescriptors(object);
-        if (status != OK) return status;
+        if (status != OK) {
+            return status;
+        }
     }
-    if (mSending.descriptors.size() > kMaxDescriptors) return FAILED_TRANSACTION;
+    if (mSending.descriptors.size() > kMaxDescriptors) {
+        return FAILED_TRANSACTION;
+    }
     const Header header{Header::kMagic,
                         type,
                         code,
@@ -131,9 +161,13 @@ uint64_t OutgoingMessage::chooseCopies(const std::vector<Parcel::Object>& object
         const bool large = object.length > kSmallBlock;
         const bool copied = !large || object.kind == Parcel::ObjectKind::HANDLE;
         mCopies.push_back({copied, nullptr});
-        if (!copied) apart += alignedToEight(object.length);
-        // Its parent holds its address, which has to be taken out.
-        if (!object.hasParent || mCopies[object.parent].made) continue;
+        if (!copied) {
+            apart += alignedToEight(object.length);
+        }
+        // The parent holds the object's address, which must be cleared in a copy.
+        if (!object.hasParent || mCopies[object.parent].made) {
+            continue;
+        }
         mCopies[object.parent].made = true;
         apart -= alignedToEight(objects[object.parent].length);
     }
@@ -160,7 +194,7 @@ WireObject recordOf(const Parcel::Object& object) {
             object.length};
 }
 
-// Takes the numbers of this process's descriptors out of the copy of a handle.
+// Clears this process's descriptor numbers in the copy of a handle.
 void clearDescriptors(const Parcel::Object& object, uint8_t* copy) {
     const auto* handle = static_cast<const native_handle_t*>(object.bytes);
     memset(copy + kHandleHeader, 0, sizeof(int) * static_cast<size_t>(handle->numFds));
@@ -170,14 +204,20 @@ void clearDescriptors(const Parcel::Object& object, uint8_t* copy) {
 
 void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& data,
                              const std::vector<Parcel::Object>& objects, size_t small) {
-    // Small things stand in one copy, which does not move once the first piece points into it.
-    if (mSmall.size() < small) mSmall.resize(small);
+    // Small parts share one copy, which must not move once the first piece points into it.
+    if (mSmall.size() < small) {
+        mSmall.resize(small);
+    }
     uint8_t* end = mSmall.data();
     uint8_t* pieceStart = end;
     const auto copy = [&](const void* bytes, size_t length) {
-        if (length == 0) return;
+        if (length == 0) {
+            return;
+        }
         const size_t padded = alignedToEight(length);
-        if (padded != length) memcpy(end + padded - sizeof(kZeros), kZeros, sizeof(kZeros));
+        if (padded != length) {
+            memcpy(end + padded - sizeof(kZeros), kZeros, sizeof(kZeros));
+        }
         memcpy(end, bytes, length);
         end += padded;
     };
@@ -201,7 +241,9 @@ void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& d
             mCopies[i].bytes = end;
             copy(object.bytes, object.length);
             const bool isHandle = object.kind == Parcel::ObjectKind::HANDLE && !object.isNull;
-            if (isHandle) clearDescriptors(object, mCopies[i].bytes);
+            if (isHandle) {
+                clearDescriptors(object, mCopies[i].bytes);
+            }
             continue;
         }
         endPiece();
@@ -213,13 +255,15 @@ void OutgoingMessage::layOut(const Header& header, const std::vector<uint8_t>& d
 
 namespace {
 
-// Walks the body of a message, never past its end.
+// Walks through the body of a message, never past its end.
 class BodyCursor {
   public:
     BodyCursor(uint8_t* bytes, uint64_t size) : mBytes(bytes), mLeft(size) {}
-    // The next part with its padding, or null when the body is too short for it.
+    // Returns the next part and skips its padding; null when the body is too short.
     uint8_t* take(uint64_t length) {
-        if (length > mLeft || alignedToEight(length) > mLeft) return nullptr;
+        if (length > mLeft || alignedToEight(length) > mLeft) {
+            return nullptr;
+        }
         uint8_t* part = mBytes;
         mBytes += alignedToEight(length);
         mLeft -= alignedToEight(length);
@@ -233,17 +277,21 @@ class BodyCursor {
 };
 
 bool parentIsSound(const WireObject& record, const std::vector<Parcel::Object>& earlier) {
-    if (record.parent >= earlier.size()) return false;
+    if (record.parent >= earlier.size()) {
+        return false;
+    }
     const Parcel::Object& parent = earlier[record.parent];
     return parent.kind == Parcel::ObjectKind::BUFFER && !parent.isNull &&
            record.parentOffset % alignof(void*) == 0 && parent.length >= sizeof(uint64_t) &&
            record.parentOffset <= parent.length - sizeof(uint64_t);
 }
 
-// A handle's numbers must be those of its length; its descriptors are put in place.
+// Checks that a handle's counts match its length, and stores its descriptors.
 bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descriptors,
                 size_t* nextDescriptor) {
-    if (length < kHandleHeader) return false;
+    if (length < kHandleHeader) {
+        return false;
+    }
     auto* handle = reinterpret_cast<native_handle_t*>(bytes);
     if (handle->version != static_cast<int>(kHandleHeader) || handle->numFds < 0 ||
         handle->numInts < 0 || handle->numFds > NATIVE_HANDLE_MAX_FDS ||
@@ -251,9 +299,13 @@ bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descrip
         return false;
     }
     const auto count = static_cast<size_t>(handle->numFds);
-    if (count > descriptors->size() - *nextDescriptor) return false;
+    if (count > descriptors->size() - *nextDescriptor) {
+        return false;
+    }
     int* slots = &handle->data[0];
-    for (size_t i = 0; i < count; ++i) slots[i] = (*descriptors)[(*nextDescriptor)++].get();
+    for (size_t i = 0; i < count; ++i) {
+        slots[i] = (*descriptors)[(*nextDescriptor)++].get();
+    }
     return true;
 }
 
@@ -261,19 +313,27 @@ bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descrip
 
 status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects) {
     const Header& header = message->header();
-    if (message->descriptors.size() != header.fdCount) return BAD_VALUE;
+    if (message->descriptors.size() != header.fdCount) {
+        return BAD_VALUE;
+    }
     BodyCursor body(message->body(), header.bodySize);
-    if (body.take(header.dataSize) == nullptr) return BAD_VALUE;
+    if (body.take(header.dataSize) == nullptr) {
+        return BAD_VALUE;
+    }
     const auto* records = reinterpret_cast<const WireObject*>(
             body.take(uint64_t{header.objectCount} * sizeof(WireObject)));
-    if (records == nullptr) return BAD_VALUE;
+    if (records == nullptr) {
+        return BAD_VALUE;
+    }
     objects->clear();
     objects->reserve(header.objectCount);
     size_t nextDescriptor = 0;
     for (uint32_t i = 0; i < header.objectCount; ++i) {
         const WireObject& record = records[i];
         const bool hasParent = (record.flags & WireObject::kHasParent) != 0;
-        if (hasParent && !parentIsSound(record, *objects)) return BAD_VALUE;
+        if (hasParent && !parentIsSound(record, *objects)) {
+            return BAD_VALUE;
+        }
         Parcel::Object& object = objects->emplace_back();
         object.kind = static_cast<Parcel::ObjectKind>(record.kind);
         object.isNull = (record.flags & WireObject::kIsNull) != 0;
@@ -285,11 +345,15 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
             case Parcel::ObjectKind::BUFFER:
             case Parcel::ObjectKind::HANDLE:
                 if (object.isNull) {
-                    if (object.length != 0) return BAD_VALUE;
+                    if (object.length != 0) {
+                        return BAD_VALUE;
+                    }
                     break;
                 }
                 object.bytes = body.take(object.length);
-                if (object.bytes == nullptr) return BAD_VALUE;
+                if (object.bytes == nullptr) {
+                    return BAD_VALUE;
+                }
                 if (object.kind == Parcel::ObjectKind::HANDLE &&
                     !takeHandle(static_cast<uint8_t*>(object.bytes), object.length,
                                 &message->descriptors, &nextDescriptor)) {
@@ -297,8 +361,12 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
                 }
                 break;
             case Parcel::ObjectKind::BINDER:
-                if (object.length != 0 || object.hasParent) return BAD_VALUE;
-                if (object.isNull) break;
+                if (object.length != 0 || object.hasParent) {
+                    return BAD_VALUE;
+                }
+                if (object.isNull) {
+                    break;
+                }
                 if (nextDescriptor == message->descriptors.size() ||
                     !isStreamSocket(message->descriptors[nextDescriptor].get())) {
                     return BAD_VALUE;

@@ -1,9 +1,9 @@
-// What a message looks like on a socket, and how a parcel becomes one and is made from one.
+// The format of a message on a socket, and its conversion from and to a parcel.
 //
-// A message is a Header, then its body: the parcel's numbers, a WireObject for each of its objects,
-// and the bytes of the buffers and handles in the same order, each part padded to eight bytes.
-// Descriptors travel beside the first byte, in the order of the handles and interfaces they belong
-// to. Numbers have the machine's byte order: both ends are on one machine.
+// A message is a Header and a body: the parcel's numbers, a WireObject for each of its objects, and
+// the bytes of the buffers and handles in the same order, each part padded to eight bytes.
+// Descriptors go with the first byte, in the order of the handles and interfaces that they belong
+// to. Numbers have the machine's byte order, because both ends are on one machine.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -45,7 +45,10 @@ struct WireObject {
 };
 static_assert(sizeof(WireObject) == 32);
 
-// What a server says first on every connection. The number tells two servers of one name apart.
+/**
+ * The first bytes that a server sends on every connection. `server` tells two servers of one name
+ * apart.
+ */
 struct Hello {
     static constexpr uint32_t kMagic = 0x484b4c4d;  // "MLKH"
     static constexpr uint32_t kVersion = 1;
@@ -55,21 +58,27 @@ struct Hello {
 };
 static_assert(sizeof(Hello) == 16);
 
-// A call that is larger fails with FAILED_TRANSACTION, as on a device, where both share a block of
-// one megabyte. Replies may be larger here: files are delivered in them.
+/**
+ * A larger call fails with FAILED_TRANSACTION, as on a device, where calls and replies share a
+ * block of one megabyte. Replies may be larger here because they deliver files.
+ */
 constexpr uint64_t kMaxCallBody = 1024 * 1024 - 8192;
 constexpr uint64_t kMaxReplyBody = 256ULL * 1024 * 1024;
-// The largest reply that a device delivers for certain; it answers FAILED_TRANSACTION above.
+/**
+ * The largest reply that a device is sure to deliver; above it a device answers FAILED_TRANSACTION.
+ */
 constexpr uint64_t kDeviceReplyBody = 1'040'000;
 
-// The kernel passes at most this many descriptors at once.
+/** The largest number of descriptors that the kernel passes at once. */
 constexpr size_t kMaxDescriptors = 253;
 
-// A whole message that arrived: its bytes, from the header on, and its descriptors. What it took of
-// memory goes to the next message that arrives on the same thread, unless that is large.
+/**
+ * A whole message that arrived: its bytes, beginning with the header, and its descriptors. It
+ * leaves its memory to the next message on the same thread unless it is large.
+ */
 struct IncomingMessage {
     IncomingMessage() = default;
-    // The other one is as if newly made afterwards.
+    /** Leaves the other message as if newly constructed. */
     IncomingMessage(IncomingMessage&& other) noexcept
         : bytes(std::move(other.bytes)),
           capacity(std::exchange(other.capacity, 0)),
@@ -82,10 +91,12 @@ struct IncomingMessage {
     }
     ~IncomingMessage();
 
-    // Makes room for so many bytes, of which the first `filled` are kept. False when there is no
-    // memory: a length is the other end's word, and must not cost this process its life.
+    /**
+     * Ensures a capacity of `wanted` bytes and keeps the first `filled`. False when memory runs
+     * out: the other end chooses the length, so a failure must not end this process.
+     */
     bool reserve(size_t wanted, size_t filled);
-    // Makes room for exactly so many bytes in a message that has none.
+    /** Allocates exactly `wanted` bytes for a message that has none. */
     bool reserveExactly(size_t wanted);
 
     std::unique_ptr<uint8_t[]> bytes;
@@ -96,53 +107,61 @@ struct IncomingMessage {
     uint8_t* body() const { return bytes.get() + sizeof(Header); }
 };
 
-// A message to send: it refers to the parcel it was made from and to the parcel's buffers. Where a
-// buffer points to another, and in the places of descriptors, it says zero: the receiver puts its
-// own numbers there, and those of this process are nobody's business.
+/**
+ * A message to send. It refers to the parcel it was made from and to the parcel's buffers. Pointers
+ * to buffers and descriptor numbers are zero in the message: the receiver fills in its own, and
+ * those of this process must not leak.
+ */
 class OutgoingMessage {
   public:
-    // OK; FAILED_TRANSACTION when the body exceeds the limit or there are too many descriptors; the
-    // parcel's own error when something could not be written into it; an errno as a status when an
-    // interface cannot be handed out.
+    /**
+     * OK; FAILED_TRANSACTION when the body exceeds the limit or has too many descriptors; the
+     * parcel's own error when writing it failed; an errno as a status when an interface cannot be
+     * sent.
+     */
     status_t encode(const Parcel& parcel, MessageType type, uint32_t code, uint64_t bodyLimit);
-    // A reply without a parcel.
+    /** Encodes a reply without a parcel. */
     void encodeStatus(status_t status);
 
-    // Bytes of its body.
+    /** The size of the body in bytes. */
     uint64_t bodySize() const { return mBodySize; }
-    // What is to be sent; good until the next encode or finish.
+    /** The bytes to send; valid until the next encode or finish. */
     Sending& sending() { return mSending; }
-    // To be called when it is sent, or never will be: closes the descriptors that are the message's
-    // own, for while they are open here an object that was handed out could not see its client go;
-    // and gives back what memory a large message took.
+    /**
+     * Call it when the message is sent or never will be. Closes the descriptors that the message
+     * owns: while they are open here, an object that was handed out could not see its client go.
+     * Also frees the memory of a large message.
+     */
     void finish();
 
   private:
     void clear();
     void addPiece(const void* bytes, size_t length);
     status_t addDescriptors(const Parcel::Object& object);
-    // Finds out what is copied; gives the bytes of the others, with their padding.
+    // Decides which objects are copied; returns the padded size of the others.
     uint64_t chooseCopies(const std::vector<Parcel::Object>& objects);
-    // small: the bytes of all that is not sent from where it stands.
+    // small: the size of everything that is copied.
     void layOut(const Header& header, const std::vector<uint8_t>& data,
                 const std::vector<Parcel::Object>& objects, size_t small);
 
-    std::vector<uint8_t> mSmall;  // copies of small things, with their padding; never shrinks
-    // What becomes of each object: whether it is copied, and where its copy is.
+    std::vector<uint8_t> mSmall;  // copies of small parts, with their padding; never shrinks
+    // Whether an object is copied, and where its copy is.
     struct Copy {
         bool made;
         uint8_t* bytes;
     };
     std::vector<Copy> mCopies;
     uint64_t mBodySize = 0;
-    Sending mSending;  // its descriptors are borrowed from the parcel, or from mHandedOut
+    Sending mSending;  // its descriptors are borrowed from the parcel or from mHandedOut
     std::vector<unique_fd> mHandedOut;  // ends of connections to interfaces in the parcel
 };
 
-// Takes the objects out of a message: their places, lengths and parents are those of a well-formed
-// parcel afterwards, and descriptors stand in their handles. Pointers between buffers are not made;
-// reading does that. BAD_VALUE when anything is out of bounds, when descriptors are missing or left
-// over, or when an interface's descriptor is no connection; objects is then undefined.
+/**
+ * Decodes the objects of a message. Their places, lengths and parents are then those of a
+ * well-formed parcel, and the handles contain their descriptors. Reading restores the pointers
+ * between buffers. BAD_VALUE when anything is out of bounds, descriptors are missing or left over,
+ * or an interface's descriptor is not a socket; objects is then undefined.
+ */
 status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects);
 
 constexpr uint64_t alignedToEight(uint64_t length) {

@@ -1,4 +1,4 @@
-// Values of every kind, to another process and back.
+// Sends values of every kind to another process and back.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -88,7 +88,7 @@ TEST_F(ArgumentsTest, EnumerationsTravelUnchecked) {
                                          EXPECT_EQ(bits, m);
                                      })
                             .isOk());
-        EXPECT_EQ(1, calls);
+        EXPECT_EQ(calls, 1);
     }
 }
 
@@ -103,27 +103,29 @@ TEST_F(ArgumentsTest, TextsKeepEveryByte) {
             std::string(7, 'y'),
             std::string(8, 'z'),
     };
-    for (const std::string& sent : rows) EXPECT_EQ(sent, echoed(sent));
+    for (const std::string& sent : rows) {
+        EXPECT_EQ(sent, echoed(sent));
+    }
 }
 
 TEST_F(ArgumentsTest, TextsEndInNul) {
-    ASSERT_TRUE(mService->text("four", [](const hidl_string& s) { EXPECT_EQ('\0', s.c_str()[4]); })
+    ASSERT_TRUE(mService->text("four", [](const hidl_string& s) { EXPECT_EQ(s.c_str()[4], '\0'); })
                         .isOk());
     ASSERT_TRUE(mService->text("",
                                [](const hidl_string& s) {
-                                   ASSERT_NE(nullptr, s.c_str());
-                                   EXPECT_EQ('\0', s.c_str()[0]);
+                                   ASSERT_NE(s.c_str(), nullptr);
+                                   EXPECT_EQ(s.c_str()[0], '\0');
                                })
                         .isOk());
 }
 
 TEST_F(ArgumentsTest, TextOfNullPointerIsEmpty) {
-    EXPECT_EQ("", echoed(hidl_string(static_cast<const char*>(nullptr))));
+    EXPECT_EQ(echoed(hidl_string(static_cast<const char*>(nullptr))), "");
 }
 
 TEST_F(ArgumentsTest, DirectResult) {
-    EXPECT_EQ(0U, static_cast<uint32_t>(mService->length("")));
-    EXPECT_EQ(5U, static_cast<uint32_t>(mService->length("seven")));
+    EXPECT_EQ(static_cast<uint32_t>(mService->length("")), 0U);
+    EXPECT_EQ(static_cast<uint32_t>(mService->length("seven")), 5U);
 }
 
 TEST_F(ArgumentsTest, MatrixKeepsItsPlaces) {
@@ -144,7 +146,7 @@ TEST_F(ArgumentsTest, MatrixKeepsItsPlaces) {
                                      }
                                  })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ArgumentsTest, ArrayOfTexts) {
@@ -177,7 +179,9 @@ TEST_F(ArgumentsTest, ManySmallTexts) {
     hidl_vec<hidl_vec<hidl_string>> sent(20);
     for (size_t i = 0; i < sent.size(); ++i) {
         sent[i].resize(300);
-        for (size_t j = 0; j < 300; ++j) sent[i][j] = std::to_string(i * j);
+        for (size_t j = 0; j < 300; ++j) {
+            sent[i][j] = std::to_string(i * j);
+        }
     }
     hidl_vec<hidl_vec<hidl_string>> got;
     const auto called = mService->nested(sent, [&](const auto& v) { got = v; });
@@ -204,8 +208,9 @@ Record makeRecord(const std::string& name, int number) {
     Record record;
     record.name = name;
     record.path = {{number, number + 1}, {-number, 0}};
-    for (size_t i = 0; i < 4; ++i)
+    for (size_t i = 0; i < 4; ++i) {
         record.tag[i] = static_cast<uint8_t>(number + static_cast<int>(i));
+    }
     record.notes = {"", name + " noted"};
     std::vector<unique_fd> files;
     files.push_back(fileWith(name + " in a file"));
@@ -218,24 +223,24 @@ Record makeRecord(const std::string& name, int number) {
 
 void expectRecord(const Record& got, const std::string& name, int number) {
     EXPECT_EQ(name, got.name);
-    ASSERT_EQ(2U, got.path.size());
+    ASSERT_EQ(got.path.size(), 2U);
     EXPECT_EQ((Point{number, number + 1}), got.path[0]);
     EXPECT_EQ((Point{-number, 0}), got.path[1]);
     EXPECT_EQ(static_cast<uint8_t>(number + 3), got.tag[3]);
-    ASSERT_EQ(2U, got.notes.size());
+    ASSERT_EQ(got.notes.size(), 2U);
     EXPECT_EQ(name + " noted", got.notes[1]);
-    ASSERT_NE(nullptr, got.h.getNativeHandle());
-    ASSERT_EQ(1, got.h->numFds);
-    ASSERT_EQ(1, got.h->numInts);
+    ASSERT_NE(got.h.getNativeHandle(), nullptr);
+    ASSERT_EQ(got.h->numFds, 1);
+    ASSERT_EQ(got.h->numInts, 1);
     EXPECT_EQ(name + " in a file", contentOf(got.h->data[0]));
     EXPECT_EQ(number, (&got.h->data[0])[1]);
-    EXPECT_EQ("ashmem", got.m.name());
+    EXPECT_EQ(got.m.name(), "ashmem");
     EXPECT_EQ(name.size() + 10, got.m.size());
-    ASSERT_NE(nullptr, got.m.handle());
+    ASSERT_NE(got.m.handle(), nullptr);
     EXPECT_EQ(name + " in memory", contentOf(got.m.handle()->data[0]));
     EXPECT_EQ(static_cast<float>(number) / 4, got.grid[1][2]);
-    EXPECT_EQ(0.0F, got.grid[0][0]);
-    EXPECT_EQ(Colour::BLUE, got.c);
+    EXPECT_EQ(got.grid[0][0], 0.0F);
+    EXPECT_EQ(got.c, Colour::BLUE);
 }
 
 TEST_F(ArgumentsTest, RecordWithEverything) {
@@ -246,7 +251,7 @@ TEST_F(ArgumentsTest, RecordWithEverything) {
                                      expectRecord(got, "one", 1);
                                  })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ArgumentsTest, RecordThatIsEmpty) {
@@ -254,14 +259,14 @@ TEST_F(ArgumentsTest, RecordThatIsEmpty) {
     ASSERT_TRUE(mService->record(Record{},
                                  [&](const Record& got) {
                                      ++calls;
-                                     EXPECT_EQ("", got.name);
-                                     EXPECT_EQ(0U, got.path.size());
-                                     EXPECT_EQ(nullptr, got.h.getNativeHandle());
-                                     EXPECT_EQ(nullptr, got.m.handle());
-                                     EXPECT_EQ("", got.m.name());
+                                     EXPECT_EQ(got.name, "");
+                                     EXPECT_EQ(got.path.size(), 0U);
+                                     EXPECT_EQ(got.h.getNativeHandle(), nullptr);
+                                     EXPECT_EQ(got.m.handle(), nullptr);
+                                     EXPECT_EQ(got.m.name(), "");
                                  })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ArgumentsTest, VectorsOfRecords) {
@@ -273,7 +278,7 @@ TEST_F(ArgumentsTest, VectorsOfRecords) {
     ASSERT_TRUE(mService->records(sent,
                                   [&](const hidl_vec<Record>& got) {
                                       ++calls;
-                                      ASSERT_EQ(3U, got.size());
+                                      ASSERT_EQ(got.size(), 3U);
                                       for (int i = 0; i < 3; ++i) {
                                           expectRecord(got[static_cast<size_t>(2 - i)],
                                                        "record " + std::to_string(i), i);
@@ -283,10 +288,10 @@ TEST_F(ArgumentsTest, VectorsOfRecords) {
     ASSERT_TRUE(mService->records({},
                                   [&](const hidl_vec<Record>& got) {
                                       ++calls;
-                                      EXPECT_EQ(0U, got.size());
+                                      EXPECT_EQ(got.size(), 0U);
                                   })
                         .isOk());
-    EXPECT_EQ(2, calls);
+    EXPECT_EQ(calls, 2);
 }
 
 TEST_F(ArgumentsTest, OnewayCallsKeepTheirOrderWithTheNextCall) {

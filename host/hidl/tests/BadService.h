@@ -1,4 +1,3 @@
-// A service that speaks the protocol by hand, so that it can break it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,7 +17,7 @@
 
 namespace mlk::test {
 
-// One connection of a client, as a bad server has it.
+/** One connection of a client to a bad server. */
 class BadServer {
   public:
     explicit BadServer(int socket) : mSocket(socket) {}
@@ -35,23 +34,25 @@ class BadServer {
         const auto* bytes = reinterpret_cast<const uint8_t*>(&hello);
         send({bytes, bytes + sizeof(hello)});
     }
-    // A hello that never ends as long as somebody waits for it: a byte a second.
+    /** Sends a hello that never ends: a byte a second while the client waits. */
     void helloByteByByte() const {
         const Hello hello{Hello::kMagic, Hello::kVersion, 1};
         const auto* bytes = reinterpret_cast<const uint8_t*>(&hello);
         for (size_t i = 0; i < sizeof(hello); ++i) {
             send({bytes + i, bytes + i + 1});
             pollfd state{mSocket, POLLRDHUP, 0};
-            if (poll(&state, 1, 1000) != 0) return;
+            if (poll(&state, 1, 1000) != 0) {
+                return;
+            }
         }
     }
-    // Waits for a whole call.
+    /** Waits for a whole call. */
     void takeCall() const {
         ::android::hardware::transport::MessageReader reader(
                 ::android::hardware::transport::kMaxCallBody);
         (void)reader.read(mSocket, 0, 0);
     }
-    // Waits until the client has gone.
+    /** Waits until the client has gone. */
     void waitForEnd() const {
         pollfd state{mSocket, POLLRDHUP, 0};
         (void)poll(&state, 1, 30 * 1000);
@@ -61,7 +62,10 @@ class BadServer {
     const int mSocket;
 };
 
-// Has the name and does this with each connection, which is closed then.
+/**
+ * Registers the name, runs the function for each connection, and closes the connection afterwards.
+ * Implements the protocol by hand, so that it can break it.
+ */
 class BadService {
   public:
     explicit BadService(std::function<void(const BadServer&)> work,
@@ -70,8 +74,9 @@ class BadService {
         : mWork(std::move(work)) {
         const ::android::hardware::transport::RuntimeFolder folder =
                 ::android::hardware::transport::findRuntimeFolder();
-        EXPECT_EQ(0, ::android::hardware::transport::listenOn(folder, interface + "." + instance,
-                                                              &mListener));
+        EXPECT_EQ(::android::hardware::transport::listenOn(folder, interface + "." + instance,
+                                                           &mListener),
+                  0);
         mThread = std::thread([this] { run(); });
     }
     ~BadService() {
@@ -86,9 +91,13 @@ class BadService {
         while (true) {
             pollfd events[] = {{mListener.get(), POLLIN, 0}, {mEnd.out.get(), POLLIN, 0}};
             (void)poll(events, 2, -1);
-            if (events[1].revents != 0) return;
+            if (events[1].revents != 0) {
+                return;
+            }
             const unique_fd socket(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
-            if (socket.ok()) mWork(BadServer(socket.get()));
+            if (socket.ok()) {
+                mWork(BadServer(socket.get()));
+            }
         }
     }
 

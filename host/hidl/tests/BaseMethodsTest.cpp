@@ -1,4 +1,4 @@
-// What every interface answers, over a connection.
+// The methods that every interface has, over a connection.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ TEST_F(BaseMethodsTest, InterfaceChain) {
 TEST_F(BaseMethodsTest, InterfaceDescriptor) {
     std::string name;
     ASSERT_TRUE(mService->interfaceDescriptor([&](const hidl_string& n) { name = n; }).isOk());
-    EXPECT_EQ("mlk.test.everything@1.0::IEverything", name);
+    EXPECT_EQ(name, "mlk.test.everything@1.0::IEverything");
 }
 
 TEST_F(BaseMethodsTest, HashOfAnInterfaceThatIsNotFrozenIsZero) {
@@ -49,7 +49,7 @@ TEST_F(BaseMethodsTest, HashOfAnInterfaceThatIsNotFrozenIsZero) {
                             }
                         })
                         .isOk());
-    ASSERT_EQ(2U, hashes.size());
+    ASSERT_EQ(hashes.size(), 2U);
     EXPECT_THAT(hashes[0], Each(0));
     EXPECT_THAT(hashes[0], ::testing::SizeIs(32));
 }
@@ -63,10 +63,9 @@ TEST_F(BaseMethodsTest, DebugInfo) {
     DebugInfo info{};
     ASSERT_TRUE(mService->getDebugInfo([&](const DebugInfo& i) { info = i; }).isOk());
     EXPECT_EQ(mServer.pid(), info.pid);
-    EXPECT_NE(0U, info.ptr);
-    EXPECT_EQ(sizeof(void*) == 8 ? DebugInfo::Architecture::IS_64BIT
-                                 : DebugInfo::Architecture::IS_32BIT,
-              info.arch);
+    EXPECT_NE(info.ptr, 0U);
+    EXPECT_EQ(info.arch, sizeof(void*) == 8 ? DebugInfo::Architecture::IS_64BIT
+                                            : DebugInfo::Architecture::IS_32BIT);
 }
 
 TEST_F(BaseMethodsTest, DebugWritesToTheDescriptor) {
@@ -77,8 +76,8 @@ TEST_F(BaseMethodsTest, DebugWritesToTheDescriptor) {
         const hidl_handle handle = handleOf(std::move(ends));
         ASSERT_TRUE(mService->debug(handle, {"first", "second"}).isOk());
     }
-    // To the end: the server has closed its side.
-    EXPECT_EQ("first\nsecond\n", readFrom(pipe.out.get(), 1000));
+    // Reads to the end: the server has closed its side.
+    EXPECT_EQ(readFrom(pipe.out.get(), 1000), "first\nsecond\n");
     EXPECT_TRUE(mService->debug(hidl_handle(), {"nowhere"}).isOk());
 }
 
@@ -94,18 +93,18 @@ TEST_F(BaseMethodsTest, CastToItsOwnAndToItsAncestor) {
     const sp<IBase> base = mService;
     const auto own = IEverything::castFrom(base);
     ASSERT_TRUE(own.isOk());
-    ASSERT_NE(nullptr, sp<IEverything>(own));
-    EXPECT_EQ(3U, static_cast<uint32_t>(sp<IEverything>(own)->length("abc")));
+    ASSERT_NE(sp<IEverything>(own), nullptr);
+    EXPECT_EQ(static_cast<uint32_t>(sp<IEverything>(own)->length("abc")), 3U);
 }
 
 TEST_F(BaseMethodsTest, CastToAnotherInterfaceGivesNull) {
     const sp<IBase> base = mService;
     const auto other = IListener::castFrom(base);
     ASSERT_TRUE(other.isOk());
-    EXPECT_EQ(nullptr, sp<IListener>(other));
+    EXPECT_EQ(sp<IListener>(other), nullptr);
     const auto nothing = IListener::castFrom(sp<IBase>());
     ASSERT_TRUE(nothing.isOk());
-    EXPECT_EQ(nullptr, sp<IListener>(nothing));
+    EXPECT_EQ(sp<IListener>(nothing), nullptr);
 }
 
 TEST_F(BaseMethodsTest, CastOfADeadObject) {
@@ -113,7 +112,7 @@ TEST_F(BaseMethodsTest, CastOfADeadObject) {
     mServer.kill();
     const auto quiet = IListener::castFrom(base);
     EXPECT_TRUE(quiet.isOk());
-    EXPECT_EQ(nullptr, quiet.withDefault(nullptr));
+    EXPECT_EQ(quiet.withDefault(nullptr), nullptr);
     const auto loud = IListener::castFrom(base, true);
     EXPECT_TRUE(loud.isDeadObject()) << loud.description();
 }

@@ -1,4 +1,5 @@
-// Calls that a server makes itself: whoever does not answer them holds a thread for a while only.
+// Calls that a server makes itself: a listener that does not answer blocks a thread for a limited
+// time only.
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -28,17 +29,19 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-// A listener of a server whose other end this test has.
+// A listener of a server; the test holds its other end.
 class CallLimitTest : public ::testing::Test {
   protected:
-    CallLimitTest() { EXPECT_EQ(OK, transport::connectedPair(&mOurs, &mTheirs)); }
+    CallLimitTest() { EXPECT_EQ(transport::connectedPair(&mOurs, &mTheirs), OK); }
     ~CallLimitTest() override { (void)unsetenv("MLK_CALL_LIMIT_MS"); }
 
     std::unique_ptr<Server> server(const char* limit) {
-        if (limit != nullptr) (void)setenv("MLK_CALL_LIMIT_MS", limit, 1);
+        if (limit != nullptr) {
+            (void)setenv("MLK_CALL_LIMIT_MS", limit, 1);
+        }
         return std::make_unique<Server>();
     }
-    // Hands the listener over; the server calls it at once.
+    // Sends the listener to the server, which calls it at once.
     std::unique_ptr<RawClient> listen() {
         auto client = std::make_unique<RawClient>(mSet.runtime());
         EXPECT_TRUE(client->hello());
@@ -63,8 +66,8 @@ TEST_F(CallLimitTest, OfAThreadOfThePoolIsFiveSeconds) {
     const auto bad = server(nullptr);
     const auto start = steady_clock::now();
     const auto client = listen();
-    // The server's method goes on without an answer.
-    EXPECT_EQ(OK, client->replyStatus());
+    // The server's method continues without an answer.
+    EXPECT_EQ(client->replyStatus(), OK);
     const auto taken = steady_clock::now() - start;
     EXPECT_GE(taken, milliseconds(4900));
     EXPECT_LT(taken, seconds(20));
@@ -74,16 +77,18 @@ TEST_F(CallLimitTest, OfAThreadOfThePoolIsFiveSeconds) {
 TEST_F(CallLimitTest, CountsForTheWholeAnswer) {
     const auto bad = server("500");
     const auto client = listen();
-    // A byte of it now and then does not prolong it.
+    // A byte from time to time does not extend the limit.
     const std::vector<uint8_t> bytes = answerBytes();
     size_t sent = 0;
     pollfd reply{client->socket(), POLLIN, 0};
     while (sent + 1 < bytes.size() && poll(&reply, 1, 100) == 0) {
-        if (::send(mOurs.get(), &bytes[sent], 1, MSG_NOSIGNAL) != 1) break;
+        if (::send(mOurs.get(), &bytes[sent], 1, MSG_NOSIGNAL) != 1) {
+            break;
+        }
         ++sent;
     }
     EXPECT_LT(sent, 30U);
-    EXPECT_EQ(OK, client->replyStatus());
+    EXPECT_EQ(client->replyStatus(), OK);
     EXPECT_TRUE(transport::waitFor(mOurs.get(), POLLRDHUP, seconds(20)));
 }
 
@@ -92,8 +97,8 @@ TEST_F(CallLimitTest, CountsForWaitingForAConnection) {
     const auto client = listen();
     const std::vector<uint8_t> bytes = answerBytes();
     ASSERT_EQ(static_cast<ssize_t>(bytes.size()), write(mOurs.get(), bytes.data(), bytes.size()));
-    ASSERT_EQ(OK, client->replyStatus());
-    // The listener, which is kept now, has one connection: one call is sent, the others wait.
+    ASSERT_EQ(client->replyStatus(), OK);
+    // The server keeps the listener, which has one connection: one call is sent, the others wait.
     std::vector<std::future<int32_t>> calls;
     const auto start = steady_clock::now();
     for (int i = 0; i < 3; ++i) {
@@ -101,10 +106,12 @@ TEST_F(CallLimitTest, CountsForWaitingForAConnection) {
             return service->callKept("text").withDefault(-3);
         }));
     }
-    for (auto& call : calls) EXPECT_EQ(-1, call.get());
+    for (auto& call : calls) {
+        EXPECT_EQ(call.get(), -1);
+    }
     EXPECT_LT(steady_clock::now() - start, seconds(20));
-    // It counts as dead, and costs no time again.
-    EXPECT_EQ(-1, bad->service()->callKept("text").withDefault(-3));
+    // The listener counts as dead; another call returns at once.
+    EXPECT_EQ(bad->service()->callKept("text").withDefault(-3), -1);
 }
 
 TEST_F(CallLimitTest, AnswerInTimeIsTaken) {
@@ -112,24 +119,24 @@ TEST_F(CallLimitTest, AnswerInTimeIsTaken) {
     const auto client = listen();
     const std::vector<uint8_t> bytes = answerBytes();
     for (const uint8_t byte : bytes) {
-        ASSERT_EQ(1, write(mOurs.get(), &byte, 1));
+        ASSERT_EQ(write(mOurs.get(), &byte, 1), 1);
         (void)poll(nullptr, 0, 1);
     }
-    EXPECT_EQ(OK, client->replyStatus());
-    EXPECT_EQ("", good->err());
+    EXPECT_EQ(client->replyStatus(), OK);
+    EXPECT_EQ(good->err(), "");
 }
 
 TEST_F(CallLimitTest, DoesNotConcernClientsWithoutAPool) {
-    EXPECT_EQ(transport::kForever, transport::callLimit());
-    // The server's own limit is none of its clients'.
+    EXPECT_EQ(transport::callLimit(), transport::kForever);
+    // The server's own limit does not apply to its clients.
     const auto slow = server("100");
     HeldCalls held({slow->service()});
     ASSERT_TRUE(held.arrived(1));
     (void)poll(nullptr, 0, 300);
-    EXPECT_EQ(1U, held.release());
+    EXPECT_EQ(held.release(), 1U);
 }
 
-// Tells what limit a thread of the pool has.
+// Records the limit of a thread of the pool.
 class LimitProbe : public transport::EventSource {
   public:
     Next onEvents(uint32_t, transport::ThreadPool&) override {
@@ -149,7 +156,7 @@ TEST_F(CallLimitTest, ThreadsOfThePoolHaveOne) {
     auto probe = std::make_shared<LimitProbe>();
     auto limit = probe->limit();
     transport::ThreadPool& pool = transport::ThreadPool::instance();
-    ASSERT_NE(0U, pool.add(probe, true));
+    ASSERT_NE(pool.add(probe, true), 0U);
     pool.start();
     probe->trigger();
     ASSERT_EQ(std::future_status::ready, limit.wait_for(seconds(20)));
@@ -159,13 +166,16 @@ TEST_F(CallLimitTest, ThreadsOfThePoolHaveOne) {
 TEST_F(CallLimitTest, ServerThatListensAndTakesNobody) {
     const transport::RuntimeFolder folder = transport::findRuntimeFolder();
     unique_fd listener;
-    ASSERT_EQ(OK, transport::listenOn(folder, std::string(IEverything::descriptor) + ".default",
-                                      &listener));
-    // As many as wait there; the next one would wait for ever.
+    ASSERT_EQ(transport::listenOn(folder, std::string(IEverything::descriptor) + ".default",
+                                  &listener),
+              OK);
+    // Fills the queue of connections; the next connect would wait for ever.
     std::vector<std::unique_ptr<RawClient>> waiting;
-    for (int i = 0; i < 129; ++i) waiting.push_back(std::make_unique<RawClient>(mSet.runtime()));
+    for (int i = 0; i < 129; ++i) {
+        waiting.push_back(std::make_unique<RawClient>(mSet.runtime()));
+    }
     const auto start = steady_clock::now();
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
     EXPECT_LT(steady_clock::now() - start, seconds(15));
 }
 

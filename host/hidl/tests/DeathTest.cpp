@@ -1,4 +1,4 @@
-// The death of a server, as its clients see it.
+// The death of a server, as its clients notice it.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -27,7 +27,7 @@ class Recipient : public hidl_death_recipient {
         mWho = who.promote();
         mHeard.notify_all();
     }
-    // Waits until so many deaths were heard of.
+    // Waits until `count` deaths were reported.
     bool heard(size_t count) {
         std::unique_lock<std::mutex> lock(mMutex);
         return mHeard.wait_for(lock, std::chrono::seconds(30),
@@ -61,7 +61,7 @@ TEST_F(DeathTest, RecipientHearsWithItsCookie) {
     ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 0xfeedULL << 32U)));
     mServer->kill();
     ASSERT_TRUE(mRecipient->heard(1));
-    EXPECT_EQ(std::vector<uint64_t>{0xfeedULL << 32U}, mRecipient->cookies());
+    EXPECT_EQ(mRecipient->cookies(), std::vector<uint64_t>{0xfeedULL << 32U});
     EXPECT_EQ(sp<IBase>(mService), mRecipient->who());
 }
 
@@ -73,8 +73,8 @@ TEST_F(DeathTest, EveryLinkIsHeardOfOnce) {
     mServer->kill();
     ASSERT_TRUE(mRecipient->heard(2));
     ASSERT_TRUE(other->heard(1));
-    EXPECT_EQ((std::vector<uint64_t>{1, 2}), mRecipient->cookies());
-    EXPECT_EQ(std::vector<uint64_t>{3}, other->cookies());
+    EXPECT_EQ(mRecipient->cookies(), (std::vector<uint64_t>{1, 2}));
+    EXPECT_EQ(other->cookies(), std::vector<uint64_t>{3});
 }
 
 TEST_F(DeathTest, UnlinkedRecipientHearsNothing) {
@@ -84,7 +84,8 @@ TEST_F(DeathTest, UnlinkedRecipientHearsNothing) {
     EXPECT_TRUE(static_cast<bool>(mService->unlinkToDeath(mRecipient)));
     EXPECT_FALSE(static_cast<bool>(mService->unlinkToDeath(mRecipient)));
     mServer->kill();
-    // They are told in their order: when the second has heard, the first would have.
+    // Recipients are called in order: when the second has been called, the first would have been,
+    // too.
     ASSERT_TRUE(other->heard(1));
     EXPECT_TRUE(mRecipient->cookies().empty());
 }
@@ -107,7 +108,7 @@ TEST_F(DeathTest, ProxyMayGoBeforeItsServer) {
     ASSERT_TRUE(static_cast<bool>(other->linkToDeath(mRecipient, 2)));
     mServer->kill();
     ASSERT_TRUE(mRecipient->heard(1));
-    EXPECT_EQ(std::vector<uint64_t>{2}, mRecipient->cookies());
+    EXPECT_EQ(mRecipient->cookies(), std::vector<uint64_t>{2});
 }
 
 TEST_F(DeathTest, LinkToTheDeadIsRefused) {
@@ -123,7 +124,7 @@ TEST_F(DeathTest, CallsToTheDeadSaySo) {
     const auto called = mService->length("");
     EXPECT_FALSE(called.isOk());
     EXPECT_TRUE(called.isDeadObject());
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'DEAD_OBJECT: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'DEAD_OBJECT: '");
     EXPECT_TRUE(mService->ping().isDeadObject());
     EXPECT_TRUE(mService->poke(1).isDeadObject());
 }
@@ -132,17 +133,17 @@ TEST_F(DeathTest, CallsUnderWaySaySo) {
     HeldCalls held({mService, mService, mService});
     ASSERT_TRUE(held.arrived(3));
     mServer->kill();
-    EXPECT_EQ(0U, held.release());
+    EXPECT_EQ(held.release(), 0U);
     EXPECT_TRUE(mService->ping().isDeadObject());
 }
 
 TEST_F(DeathTest, NameIsGoneAndComesBackWithANewServer) {
     mServer->kill();
-    EXPECT_EQ(nullptr, IEverything::tryGetService());
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::tryGetService(), nullptr);
+    EXPECT_EQ(IEverything::getService(), nullptr);
     mServer.emplace();
     const sp<IEverything> again = IEverything::getService();
-    ASSERT_NE(nullptr, again);
+    ASSERT_NE(again, nullptr);
     EXPECT_TRUE(again->ping().isOk());
     EXPECT_TRUE(mService->ping().isDeadObject());
 }
@@ -162,19 +163,29 @@ TEST_F(DeathTest, DeathOfAServerWhileManyLinkAndUnlink) {
         threads.emplace_back([&] {
             while (!stop) {
                 const sp<IEverything> proxy = IEverything::tryGetService();
-                if (proxy == nullptr) return;
+                if (proxy == nullptr) {
+                    return;
+                }
                 const sp<Recipient> recipient = new Recipient;
-                if (!proxy->linkToDeath(recipient, 1).withDefault(false)) return;
-                if (proxy->ping().isOk()) (void)proxy->unlinkToDeath(recipient).isOk();
+                if (!proxy->linkToDeath(recipient, 1).withDefault(false)) {
+                    return;
+                }
+                if (proxy->ping().isOk()) {
+                    (void)proxy->unlinkToDeath(recipient).isOk();
+                }
             }
         });
     }
     ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 7)));
-    for (int i = 0; i < 50; ++i) (void)mService->ping().isOk();
+    for (int i = 0; i < 50; ++i) {
+        (void)mService->ping().isOk();
+    }
     mServer->kill();
     EXPECT_TRUE(mRecipient->heard(1));
     stop = true;
-    for (std::thread& thread : threads) thread.join();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// hidl_handle, hidl_memory and MQDescriptor: who closes what.
+// hidl_handle, hidl_memory and MQDescriptor: which object closes which descriptor.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlSupport.h>
@@ -28,11 +28,11 @@ hidl_handle fileHandle(const std::string& text) {
 
 TEST(HidlHandleTest, NoHandle) {
     const hidl_handle handle;
-    EXPECT_EQ(nullptr, handle.getNativeHandle());
+    EXPECT_EQ(handle.getNativeHandle(), nullptr);
     hidl_handle copy = fileHandle("former");
     copy = handle;
-    EXPECT_EQ(nullptr, copy.getNativeHandle());
-    EXPECT_EQ("no handle", ::android::hardware::toString(handle));
+    EXPECT_EQ(copy.getNativeHandle(), nullptr);
+    EXPECT_EQ(::android::hardware::toString(handle), "no handle");
 }
 
 TEST(HidlHandleTest, OwnerClosesAndReferenceDoesNot) {
@@ -45,7 +45,7 @@ TEST(HidlHandleTest, OwnerClosesAndReferenceDoesNot) {
             EXPECT_EQ(owner.getNativeHandle(), reference.getNativeHandle());
         }
         EXPECT_TRUE(isOpen(descriptor));
-        EXPECT_EQ("handle of 1 descriptors", ::android::hardware::toString(owner));
+        EXPECT_EQ(::android::hardware::toString(owner), "handle of 1 descriptors");
     }
     EXPECT_FALSE(isOpen(descriptor));
 }
@@ -59,22 +59,22 @@ TEST(HidlHandleTest, CopyHasDescriptorsOfItsOwn) {
         const hidl_handle& itself = copy;
         copy = itself;
     }
-    EXPECT_EQ("kept", contentOf(copy->data[0]));
-    EXPECT_EQ(5, (&copy->data[0])[1]);
+    EXPECT_EQ(contentOf(copy->data[0]), "kept");
+    EXPECT_EQ((&copy->data[0])[1], 5);
     copy = fileHandle("other");
-    EXPECT_EQ("other", contentOf(copy->data[0]));
+    EXPECT_EQ(contentOf(copy->data[0]), "other");
     const int former = copy->data[0];
     copy = static_cast<const native_handle_t*>(nullptr);
     EXPECT_FALSE(isOpen(former));
 }
 
-// What is moved from is left empty, as the classes say: looking at it is what these tests are for.
+// These tests check that a moved-from object is empty, as the classes promise.
 // NOLINTBEGIN(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
 TEST(HidlHandleTest, MoveHandsTheDescriptorsOver) {
     hidl_handle source = fileHandle("moved");
     const int descriptor = source->data[0];
     hidl_handle target(std::move(source));
-    EXPECT_EQ(nullptr, source.getNativeHandle());
+    EXPECT_EQ(source.getNativeHandle(), nullptr);
     EXPECT_EQ(descriptor, target->data[0]);
     hidl_handle& itself = target;
     target = std::move(itself);
@@ -88,16 +88,16 @@ TEST(HidlMemoryTest, CopiesAndMoves) {
     const int descriptor = original.handle()->data[0];
     hidl_memory copy(original);
     EXPECT_NE(descriptor, copy.handle()->data[0]);
-    EXPECT_EQ("content", contentOf(copy.handle()->data[0]));
-    EXPECT_EQ("ashmem", copy.name());
-    EXPECT_EQ(7U, copy.size());
+    EXPECT_EQ(contentOf(copy.handle()->data[0]), "content");
+    EXPECT_EQ(copy.name(), "ashmem");
+    EXPECT_EQ(copy.size(), 7U);
     copy = std::move(original);
     EXPECT_EQ(descriptor, copy.handle()->data[0]);
     EXPECT_FALSE(original.valid());
-    EXPECT_EQ(0U, original.size());
+    EXPECT_EQ(original.size(), 0U);
     const hidl_memory moved(std::move(copy));
     EXPECT_EQ(descriptor, moved.handle()->data[0]);
-    EXPECT_EQ("memory \"ashmem\" of 7 bytes", ::android::hardware::toString(moved));
+    EXPECT_EQ(::android::hardware::toString(moved), "memory \"ashmem\" of 7 bytes");
     EXPECT_FALSE(hidl_memory().valid());
 }
 // NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
@@ -110,13 +110,13 @@ TEST(MQDescriptorTest, OwnsItsHandle) {
         const MQDescriptorSync<int> queue({GrantorDescriptor{0, 0, 8, 16}}, native, 4);
         MQDescriptorSync<int> copy(queue);
         EXPECT_NE(descriptor, copy.handle()->data[0]);
-        EXPECT_EQ("queue", contentOf(copy.handle()->data[0]));
-        EXPECT_EQ(16U, copy.grantors()[0].extent);
-        EXPECT_EQ(4U, copy.getQuantum());
+        EXPECT_EQ(contentOf(copy.handle()->data[0]), "queue");
+        EXPECT_EQ(copy.grantors()[0].extent, 16U);
+        EXPECT_EQ(copy.getQuantum(), 4U);
         copy = MQDescriptorSync<int>();
-        EXPECT_EQ(nullptr, copy.handle());
+        EXPECT_EQ(copy.handle(), nullptr);
         EXPECT_TRUE(isOpen(descriptor));
-        EXPECT_EQ("queue of 1 grantors", ::android::hardware::toString(queue));
+        EXPECT_EQ(::android::hardware::toString(queue), "queue of 1 grantors");
     }
     EXPECT_FALSE(isOpen(descriptor));
 }

@@ -57,11 +57,15 @@ Return<void> Everything::fd(const hidl_handle& h, fd_cb answer) {
     return Void();
 }
 Return<int32_t> Everything::sign(const hidl_handle& h, const hidl_string& s) {
-    if (h.getNativeHandle() == nullptr) return -1;
+    if (h.getNativeHandle() == nullptr) {
+        return -1;
+    }
     ssize_t written = 0;
     for (int i = 0; i < h->numFds; ++i) {
         const ssize_t part = write((&h->data[0])[i], s.c_str(), s.size());
-        if (part > 0) written += part;
+        if (part > 0) {
+            written += part;
+        }
     }
     return static_cast<int32_t>(written);
 }
@@ -72,7 +76,9 @@ Return<void> Everything::shared(const hidl_memory& m, shared_cb answer) {
 Return<void> Everything::matrix(const hidl_array<int16_t, 2, 3>& m, matrix_cb answer) {
     hidl_array<int16_t, 3, 2> turned;
     for (size_t row = 0; row < 2; ++row) {
-        for (size_t column = 0; column < 3; ++column) turned[column][row] = m[row][column];
+        for (size_t column = 0; column < 3; ++column) {
+            turned[column][row] = m[row][column];
+        }
     }
     answer(turned);
     return Void();
@@ -94,7 +100,9 @@ Return<void> Everything::record(const Record& r, record_cb answer) {
 }
 Return<void> Everything::records(const hidl_vec<Record>& r, records_cb answer) {
     hidl_vec<Record> turned(r.size());
-    for (size_t i = 0; i < r.size(); ++i) turned[i] = r[r.size() - 1 - i];
+    for (size_t i = 0; i < r.size(); ++i) {
+        turned[i] = r[r.size() - 1 - i];
+    }
     answer(turned);
     return Void();
 }
@@ -104,7 +112,9 @@ Return<void> Everything::choice(const Choice& c, choice_cb answer) {
 }
 Return<void> Everything::handles(const hidl_vec<hidl_handle>& c, handles_cb answer) {
     hidl_vec<hidl_handle> turned(c.size());
-    for (size_t i = 0; i < c.size(); ++i) turned[i] = c[c.size() - 1 - i];
+    for (size_t i = 0; i < c.size(); ++i) {
+        turned[i] = c[c.size() - 1 - i];
+    }
     answer(turned);
     return Void();
 }
@@ -119,9 +129,13 @@ sp<IListener> Everything::kept() const {
     return mKept;
 }
 Return<sp<IListener>> Everything::listen(const sp<IListener>& l, const hidl_string& s) {
-    if (l == nullptr) return sp<IListener>();
-    if (!l->heard(s).isOk()) return sp<IListener>();
-    sp<IListener> former;  // goes without the lock
+    if (l == nullptr) {
+        return sp<IListener>();
+    }
+    if (!l->heard(s).isOk()) {
+        return sp<IListener>();
+    }
+    sp<IListener> former;  // destroyed without the lock
     std::lock_guard<std::mutex> lock(mMutex);
     former = mKept;
     mKept = l;
@@ -145,8 +159,12 @@ Return<void> Everything::dropKept() {
 Return<void> Everything::listeners(const hidl_vec<sp<IListener>>& l, listeners_cb answer) {
     hidl_vec<sp<IListener>> ours(l.size());
     for (size_t i = 0; i < l.size(); ++i) {
-        if (l[i] == nullptr) continue;
-        if (l[i]->heard("one of several").isOk()) ours[i] = new Listener;
+        if (l[i] == nullptr) {
+            continue;
+        }
+        if (l[i]->heard("one of several").isOk()) {
+            ours[i] = new Listener;
+        }
     }
     answer(ours);
     return Void();
@@ -174,8 +192,10 @@ Return<void> Everything::poked(poked_cb answer) {
 }
 Return<void> Everything::bytes(uint32_t n, bytes_cb answer) {
     hidl_vec<uint8_t> made(n);
-    for (uint32_t i = 0; i < std::min<uint32_t>(n, 256); ++i) made[i] = static_cast<uint8_t>(i);
-    // The rest by copies of what is there: large answers are to cost the test little.
+    for (uint32_t i = 0; i < std::min<uint32_t>(n, 256); ++i) {
+        made[i] = static_cast<uint8_t>(i);
+    }
+    // Copies the pattern for the rest, so that large answers cost the test little.
     for (size_t filled = 256; filled < n; filled *= 2) {
         memcpy(&made[filled], &made[0], std::min<size_t>(filled, n - filled));
     }
@@ -183,9 +203,13 @@ Return<void> Everything::bytes(uint32_t n, bytes_cb answer) {
     return Void();
 }
 Return<void> Everything::hold(const hidl_handle& gate) {
-    if (gate.getNativeHandle() == nullptr || gate->numFds != 2) return Void();
+    if (gate.getNativeHandle() == nullptr || gate->numFds != 2) {
+        return Void();
+    }
     const int* ends = &gate->data[0];
-    if (write(ends[0], "!", 1) == 1) (void)readFrom(ends[1], 1);
+    if (write(ends[0], "!", 1) == 1) {
+        (void)readFrom(ends[1], 1);
+    }
     return Void();
 }
 Return<void> Everything::silent(silent_cb) {
@@ -204,11 +228,15 @@ Return<void> Everything::brokenHandle(brokenHandle_cb answer) {
     return Void();
 }
 Return<void> Everything::fails(bool noMemory, fails_cb) {
-    if (noMemory) throw std::bad_alloc();
+    if (noMemory) {
+        throw std::bad_alloc();
+    }
     throw std::runtime_error("on request");
 }
 Return<void> Everything::debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) {
-    for (const hidl_string& option : options) (void)sign(fd, std::string(option) + "\n").isOk();
+    for (const hidl_string& option : options) {
+        (void)sign(fd, std::string(option) + "\n").isOk();
+    }
     return Void();
 }
 

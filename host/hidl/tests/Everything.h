@@ -1,4 +1,3 @@
-// The interface of the tests, implemented.
 #pragma once
 
 #include <mlk/test/everything/1.0/IEverything.h>
@@ -27,7 +26,7 @@ using ::mlk::test::everything::V1_0::IListener;
 using ::mlk::test::everything::V1_0::Point;
 using ::mlk::test::everything::V1_0::Record;
 
-// Remembers what it hears. Thread-safe.
+/** Remembers what it hears. Thread-safe. */
 class Listener : public IListener {
   public:
     Listener() { ++sAlive; }
@@ -38,7 +37,7 @@ class Listener : public IListener {
     Return<void> all(all_cb answer) override;
 
     std::vector<std::string> texts() const;
-    // How many of them live in this process.
+    /** The number of listeners that live in this process. */
     static int alive() { return sAlive; }
 
   private:
@@ -47,7 +46,7 @@ class Listener : public IListener {
     std::vector<std::string> mTexts;  // under mMutex
 };
 
-// Does what the interface's comments say. Thread-safe.
+/** Implements the interface of the tests as its comments say. Thread-safe. */
 class Everything : public IEverything {
   public:
     Return<void> scalars(bool a, int8_t b, uint8_t c, int16_t d, uint16_t e, int32_t f, uint32_t g,
@@ -83,7 +82,7 @@ class Everything : public IEverything {
     Return<void> brokenHandle(brokenHandle_cb answer) override;
     Return<void> fails(bool noMemory, fails_cb answer) override;
 
-    // Writes its options to the descriptor, a line each.
+    /** Writes its options to the descriptor, one a line. */
     Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override;
 
   private:

@@ -18,8 +18,8 @@ namespace {
 
 class ExhaustionTest : public ::testing::Test {
   protected:
-    // All that is done later is done once before: what the sanitizer of undefined behaviour wants
-    // to know of a class it learns through a pipe, while there are descriptors for it.
+    // Runs everything once before the exhaustion: the sanitizer of undefined behaviour reads type
+    // information through a pipe, which needs descriptors.
     void SetUp() override {
         ASSERT_TRUE(mHonest->fd(handleOf(files()), [](const hidl_handle&) {}).isOk());
         ASSERT_TRUE(mHonest->listen(new Listener, "").isOk());
@@ -39,11 +39,13 @@ class ExhaustionTest : public ::testing::Test {
         return two;
     }
 
-    // Connects until the server has no descriptor left; how many connections that took.
+    // Connects until the server has no descriptor left; returns the number of connections.
     size_t exhaust() {
         while (mHogs.size() < 1000) {
             auto hog = std::make_unique<RawClient>(mSet.runtime());
-            if (!hog->hello()) return mHogs.size();
+            if (!hog->hello()) {
+                return mHogs.size();
+            }
             mHogs.push_back(std::move(hog));
         }
         return mHogs.size();
@@ -68,31 +70,33 @@ class ExhaustionTest : public ::testing::Test {
 TEST_F(ExhaustionTest, RefusesAndRecovers) {
     const size_t most = exhaust();
     EXPECT_LT(most, 64U);
-    // Again and again: a client that is refused is not left waiting.
-    for (int i = 0; i < 10; ++i) EXPECT_EQ(nullptr, mServer.service());
+    // Every time: a refused client does not wait.
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(mServer.service(), nullptr);
+    }
     EXPECT_TRUE(mHonest->ping().isOk());
     const auto before = timeOf(mServer.pid());
     (void)poll(nullptr, 0, 300);
     EXPECT_LT(timeOf(mServer.pid()) - before, std::chrono::milliseconds(100));
     EXPECT_TRUE(mServer.says(kLine));
-    // One line for all of them.
-    EXPECT_EQ(1U, linesSaid());
+    // One line covers all refusals.
+    EXPECT_EQ(linesSaid(), 1U);
     mHogs.clear();
     ASSERT_TRUE(eventually([&] { return mServer.service() != nullptr; }));
     EXPECT_TRUE(mServer.service()->ping().isOk());
     const size_t lines = linesSaid();
     EXPECT_TRUE(eventually([&] { return exhaust() == most; }));
-    // The next time is told again.
-    EXPECT_EQ(nullptr, mServer.service());
+    // The next exhaustion is logged again.
+    EXPECT_EQ(mServer.service(), nullptr);
     EXPECT_TRUE(eventually([&] { return linesSaid() > lines; }));
 }
 
 TEST_F(ExhaustionTest, CallsWithDescriptorsFailAndNothingElse) {
     (void)exhaust();
     const hidl_handle handle = handleOf(files());
-    // Nothing is left for the last of them at least: the calls fail, the object lives.
+    // At least the last service has no descriptor left: its calls fail, but the object lives.
     const auto refused = mHonest->fd(handle, [](const hidl_handle&) {});
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", refused.description());
+    EXPECT_EQ(refused.description(), "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '");
     const auto listened = mHonest->listen(new Listener, "");
     EXPECT_FALSE(listened.isOk());
     EXPECT_FALSE(listened.isDeadObject());

@@ -1,4 +1,4 @@
-// The folder that the services' sockets lie in: where it is, and who may use it.
+// The folder of the services' sockets: its place, and who may use it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -23,7 +23,7 @@ using ::testing::ElementsAre;
 class FoldersTest : public ::testing::Test {
   protected:
     ~FoldersTest() override {
-        // HostSet puts its own variables back.
+        // HostSet restores its own variables.
         if (mFormerSession.has_value()) {
             setenv("XDG_RUNTIME_DIR", mFormerSession->c_str(), 1);
         } else {
@@ -32,7 +32,7 @@ class FoldersTest : public ::testing::Test {
     }
     static void use(const std::string& path) { setenv("MLK_RUNTIME_DIR", path.c_str(), 1); }
 
-    // Registers and finds, in this process.
+    // Whether a service can be registered and found in this process.
     static ::testing::AssertionResult works() {
         const sp<IEverything> service = new Everything;
         if (service->registerAsService("default") != ::android::OK) {
@@ -46,7 +46,7 @@ class FoldersTest : public ::testing::Test {
     }
     static mode_t modeOf(const std::string& path) {
         struct stat status {};
-        EXPECT_EQ(0, stat(path.c_str(), &status)) << path;
+        EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
         return status.st_mode & 07777;
     }
 
@@ -63,14 +63,16 @@ TEST_F(FoldersTest, IsMadeForItsUserOnly) {
     for (const char* name : {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er"}) {
         use(mBase + name);
         EXPECT_TRUE(works()) << name;
-        EXPECT_EQ(0700U, modeOf(mBase + name)) << name;
+        EXPECT_EQ(modeOf(mBase + name), 0700U) << name;
     }
     umask(former);
 }
 
 TEST_F(FoldersTest, PathTooLongForASocketsAddress) {
     std::string path = mBase;
-    for (int i = 0; i < 5; ++i) path += "/" + std::string(60, 'p');
+    for (int i = 0; i < 5; ++i) {
+        path += "/" + std::string(60, 'p');
+    }
     use(path);
     EXPECT_TRUE(works());
     EXPECT_TRUE(std::filesystem::exists(path + "/mlk.test.everything@1.0::IEverything.default"));
@@ -106,12 +108,12 @@ TEST_F(FoldersTest, DefaultsWithoutTheVariable) {
         EXPECT_EQ(mBase + "/session/mlkconfigs", transport::findRuntimeFolder().path);
     }
     EXPECT_TRUE(works());
-    EXPECT_EQ(0700U, modeOf(mBase + "/session/mlkconfigs"));
+    EXPECT_EQ(modeOf(mBase + "/session/mlkconfigs"), 0700U);
     setenv("XDG_RUNTIME_DIR", "", 1);
-    EXPECT_EQ("/run/mlkconfigs", transport::findRuntimeFolder().path);
+    EXPECT_EQ(transport::findRuntimeFolder().path, "/run/mlkconfigs");
     unsetenv("XDG_RUNTIME_DIR");
-    EXPECT_EQ("/run/mlkconfigs", transport::findRuntimeFolder().path);
-    // HostSet put the other one back only if it was set: it was.
+    EXPECT_EQ(transport::findRuntimeFolder().path, "/run/mlkconfigs");
+    // HostSet restored the variable, so set it again.
     use(mSet.runtime());
 }
 
@@ -135,7 +137,7 @@ TEST_F(FoldersTest, FolderInPlaceOfTheName) {
         EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
                     ElementsAre(mSet.runtime() + "/" + name + ": cannot listen: Is a directory"));
     }
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
     // Nothing else is left.
     EXPECT_TRUE(std::filesystem::remove(mSet.runtime() + "/" + name));
     EXPECT_TRUE(std::filesystem::is_empty(mSet.runtime()));
@@ -143,8 +145,10 @@ TEST_F(FoldersTest, FolderInPlaceOfTheName) {
 }
 
 TEST_F(FoldersTest, FolderOfAnotherUser) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
-    ASSERT_EQ(0, chown(mSet.runtime().c_str(), 65534, 65534));
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    ASSERT_EQ(chown(mSet.runtime().c_str(), 65534, 65534), 0);
     const testing::LogCapture log;
     const sp<IEverything> service = new Everything;
     EXPECT_NE(::android::OK, service->registerAsService("default"));

@@ -1,4 +1,4 @@
-// Descriptors between processes: they work on the other side, and none is left behind.
+// Descriptors between processes: they work on the other side, and none leaks.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,9 @@ class HandlesTest : public ::testing::Test {
 
 std::vector<unique_fd> filesWith(const std::vector<std::string>& texts) {
     std::vector<unique_fd> files;
-    for (const std::string& text : texts) files.push_back(fileWith(text));
+    for (const std::string& text : texts) {
+        files.push_back(fileWith(text));
+    }
     return files;
 }
 
@@ -39,10 +41,10 @@ TEST_F(HandlesTest, NoHandle) {
     ASSERT_TRUE(mService->fd(hidl_handle(),
                              [&](const hidl_handle& h) {
                                  ++calls;
-                                 EXPECT_EQ(nullptr, h.getNativeHandle());
+                                 EXPECT_EQ(h.getNativeHandle(), nullptr);
                              })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(HandlesTest, HandleWithoutDescriptors) {
@@ -50,13 +52,13 @@ TEST_F(HandlesTest, HandleWithoutDescriptors) {
     ASSERT_TRUE(mService->fd(handleOf({}, {1, -2, 3}),
                              [&](const hidl_handle& h) {
                                  ++calls;
-                                 ASSERT_NE(nullptr, h.getNativeHandle());
-                                 EXPECT_EQ(0, h->numFds);
-                                 ASSERT_EQ(3, h->numInts);
-                                 EXPECT_EQ(-2, (&h->data[0])[1]);
+                                 ASSERT_NE(h.getNativeHandle(), nullptr);
+                                 EXPECT_EQ(h->numFds, 0);
+                                 ASSERT_EQ(h->numInts, 3);
+                                 EXPECT_EQ((&h->data[0])[1], -2);
                              })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(HandlesTest, SeveralDescriptorsAndNumbers) {
@@ -65,20 +67,20 @@ TEST_F(HandlesTest, SeveralDescriptorsAndNumbers) {
     ASSERT_TRUE(mService->fd(sent,
                              [&](const hidl_handle& h) {
                                  ++calls;
-                                 ASSERT_EQ(3, h->numFds);
-                                 ASSERT_EQ(2, h->numInts);
+                                 ASSERT_EQ(h->numFds, 3);
+                                 ASSERT_EQ(h->numInts, 2);
                                  const int* data = &h->data[0];
-                                 EXPECT_EQ("first", contentOf(data[0]));
-                                 EXPECT_EQ("second", contentOf(data[1]));
-                                 EXPECT_EQ("third", contentOf(data[2]));
+                                 EXPECT_EQ(contentOf(data[0]), "first");
+                                 EXPECT_EQ(contentOf(data[1]), "second");
+                                 EXPECT_EQ(contentOf(data[2]), "third");
                                  EXPECT_THAT(std::vector<int>(data + 3, data + 5),
                                              ElementsAre(7, 8));
-                                 // Another descriptor, and not for programs that are started.
+                                 // Another descriptor, which started programs do not inherit.
                                  EXPECT_NE((&sent->data[0])[0], data[0]);
-                                 EXPECT_NE(0, fcntl(data[0], F_GETFD) & FD_CLOEXEC);
+                                 EXPECT_NE(fcntl(data[0], F_GETFD) & FD_CLOEXEC, 0);
                              })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(HandlesTest, OtherSideWritesToDescriptor) {
@@ -86,8 +88,8 @@ TEST_F(HandlesTest, OtherSideWritesToDescriptor) {
     std::vector<unique_fd> ends;
     ends.push_back(std::move(pipe.in));
     const hidl_handle handle = handleOf(std::move(ends));
-    EXPECT_EQ(5, static_cast<int32_t>(mService->sign(handle, "hello")));
-    EXPECT_EQ("hello", readFrom(pipe.out.get(), 5));
+    EXPECT_EQ(static_cast<int32_t>(mService->sign(handle, "hello")), 5);
+    EXPECT_EQ(readFrom(pipe.out.get(), 5), "hello");
 }
 
 TEST_F(HandlesTest, AnswersDescriptorIsGoneAfterwardsUnlessCopied) {
@@ -99,8 +101,8 @@ TEST_F(HandlesTest, AnswersDescriptorIsGoneAfterwardsUnlessCopied) {
                                  borrowed = h->data[0];
                              })
                         .isOk());
-    EXPECT_EQ("kept", contentOf(kept->data[0]));
-    EXPECT_EQ(-1, fcntl(borrowed, F_GETFD));
+    EXPECT_EQ(contentOf(kept->data[0]), "kept");
+    EXPECT_EQ(fcntl(borrowed, F_GETFD), -1);
 }
 
 TEST_F(HandlesTest, VectorsOfHandles) {
@@ -111,15 +113,15 @@ TEST_F(HandlesTest, VectorsOfHandles) {
     ASSERT_TRUE(mService->handles(sent,
                                   [&](const hidl_vec<hidl_handle>& got) {
                                       ++calls;
-                                      ASSERT_EQ(3U, got.size());
-                                      ASSERT_NE(nullptr, got[0].getNativeHandle());
-                                      EXPECT_EQ("c", contentOf(got[0]->data[0]));
-                                      EXPECT_EQ(nullptr, got[1].getNativeHandle());
-                                      ASSERT_EQ(2, got[2]->numFds);
-                                      EXPECT_EQ("b", contentOf((&got[2]->data[0])[1]));
+                                      ASSERT_EQ(got.size(), 3U);
+                                      ASSERT_NE(got[0].getNativeHandle(), nullptr);
+                                      EXPECT_EQ(contentOf(got[0]->data[0]), "c");
+                                      EXPECT_EQ(got[1].getNativeHandle(), nullptr);
+                                      ASSERT_EQ(got[2]->numFds, 2);
+                                      EXPECT_EQ(contentOf((&got[2]->data[0])[1]), "b");
                                   })
                         .isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(HandlesTest, AsManyDescriptorsAsTheKernelPasses) {
@@ -134,9 +136,9 @@ TEST_F(HandlesTest, AsManyDescriptorsAsTheKernelPasses) {
     int got = 0;
     const auto most = mService->fd(many(253), [&](const hidl_handle& h) { got = h->numFds; });
     EXPECT_TRUE(most.isOk()) << most.description();
-    EXPECT_EQ(253, got);
+    EXPECT_EQ(got, 253);
     const auto more = mService->fd(many(254), [&](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", more.description());
+    EXPECT_EQ(more.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -146,21 +148,21 @@ TEST_F(HandlesTest, MemoryIsShared) {
     ASSERT_TRUE(mService->shared(sent,
                                  [&](const hidl_memory& m) {
                                      ++calls;
-                                     EXPECT_EQ("ashmem", m.name());
-                                     EXPECT_EQ(6U, m.size());
-                                     ASSERT_EQ(6, pwrite(m.handle()->data[0], "after!", 6, 0));
+                                     EXPECT_EQ(m.name(), "ashmem");
+                                     EXPECT_EQ(m.size(), 6U);
+                                     ASSERT_EQ(pwrite(m.handle()->data[0], "after!", 6, 0), 6);
                                  })
                         .isOk());
-    EXPECT_EQ(1, calls);
-    EXPECT_EQ("after!", contentOf(sent.handle()->data[0]));
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(contentOf(sent.handle()->data[0]), "after!");
     ASSERT_TRUE(mService->shared(hidl_memory(),
                                  [&](const hidl_memory& m) {
                                      ++calls;
                                      EXPECT_FALSE(m.valid());
-                                     EXPECT_EQ(0U, m.size());
+                                     EXPECT_EQ(m.size(), 0U);
                                  })
                         .isOk());
-    EXPECT_EQ(2, calls);
+    EXPECT_EQ(calls, 2);
 }
 
 native_handle_t* queueHandle(const std::string& text) {
@@ -180,19 +182,19 @@ TEST_F(HandlesTest, QueueDescriptors) {
     ASSERT_TRUE(mService->queue(sync, unsync,
                                 [&](const auto& q, const auto& u) {
                                     ++calls;
-                                    ASSERT_EQ(2U, q.grantors().size());
-                                    EXPECT_EQ(16U, q.grantors()[1].offset);
+                                    ASSERT_EQ(q.grantors().size(), 2U);
+                                    EXPECT_EQ(q.grantors()[1].offset, 16U);
                                     EXPECT_EQ(1ULL << 40U, q.grantors()[1].extent);
-                                    EXPECT_EQ(4U, q.getQuantum());
+                                    EXPECT_EQ(q.getQuantum(), 4U);
                                     EXPECT_EQ(sync.getFlags(), q.getFlags());
-                                    ASSERT_NE(nullptr, q.handle());
-                                    EXPECT_EQ("sync", contentOf(q.handle()->data[0]));
-                                    ASSERT_EQ(1U, u.grantors().size());
-                                    EXPECT_EQ(8U, u.getQuantum());
+                                    ASSERT_NE(q.handle(), nullptr);
+                                    EXPECT_EQ(contentOf(q.handle()->data[0]), "sync");
+                                    ASSERT_EQ(u.grantors().size(), 1U);
+                                    EXPECT_EQ(u.getQuantum(), 8U);
                                     EXPECT_EQ(unsync.getFlags(), u.getFlags());
                                     EXPECT_NE(q.getFlags(), u.getFlags());
-                                    EXPECT_EQ("unsync", contentOf(u.handle()->data[0]));
-                                    EXPECT_EQ(42, (&u.handle()->data[0])[1]);
+                                    EXPECT_EQ(contentOf(u.handle()->data[0]), "unsync");
+                                    EXPECT_EQ((&u.handle()->data[0])[1], 42);
                                 })
                         .isOk());
     const MQDescriptorSync<int32_t> noSync;
@@ -200,12 +202,12 @@ TEST_F(HandlesTest, QueueDescriptors) {
     ASSERT_TRUE(mService->queue(noSync, noUnsync,
                                 [&](const auto& q, const auto& u) {
                                     ++calls;
-                                    EXPECT_EQ(nullptr, q.handle());
-                                    EXPECT_EQ(nullptr, u.handle());
-                                    EXPECT_EQ(0U, q.grantors().size());
+                                    EXPECT_EQ(q.handle(), nullptr);
+                                    EXPECT_EQ(u.handle(), nullptr);
+                                    EXPECT_EQ(q.grantors().size(), 0U);
                                 })
                         .isOk());
-    EXPECT_EQ(2, calls);
+    EXPECT_EQ(calls, 2);
 }
 
 TEST_F(HandlesTest, ThousandCallsLeaveNoDescriptorBehind) {
@@ -216,13 +218,15 @@ TEST_F(HandlesTest, ThousandCallsLeaveNoDescriptorBehind) {
     const auto call = [&] {
         ASSERT_TRUE(mService->fd(handle, [](const hidl_handle&) {}).isOk());
         ASSERT_TRUE(mService->record(record, [](const Record&) {}).isOk());
-        // The server closes what it was given before it reads the next call.
+        // The server closes the descriptors of a call before it reads the next one.
         ASSERT_TRUE(mService->ping().isOk());
     };
     call();
     const size_t here = descriptorsOf(getpid());
     const size_t there = descriptorsOf(mServer.pid());
-    for (int i = 0; i < 500; ++i) call();
+    for (int i = 0; i < 500; ++i) {
+        call();
+    }
     EXPECT_EQ(here, descriptorsOf(getpid()));
     EXPECT_EQ(there, descriptorsOf(mServer.pid()));
 }
@@ -231,7 +235,7 @@ TEST_F(HandlesTest, DescriptorThatIsNoneFailsTheCallAndNothingElse) {
     native_handle_t* broken = native_handle_create(1, 0);
     broken->data[0] = -1;
     const auto called = mService->fd(broken, [](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_FALSE(called.isDeadObject());
     EXPECT_TRUE(mService->ping().isOk());
     (void)native_handle_delete(broken);
@@ -239,7 +243,7 @@ TEST_F(HandlesTest, DescriptorThatIsNoneFailsTheCallAndNothingElse) {
 
 TEST_F(HandlesTest, AnswersDescriptorThatIsNoneFailsTheCallAndNothingElse) {
     const auto called = mService->brokenHandle([](const hidl_handle&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -248,7 +252,7 @@ TEST_F(HandlesTest, HandleWithNegativeCountsIsRefusedHere) {
     broken->numFds = -1;
     const auto called = mService->fd(broken, [](const hidl_handle&) { FAIL(); });
     (void)native_handle_delete(broken);
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '");
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -264,8 +268,8 @@ TEST_F(HandlesTest, DescriptorsOfACallEndWithIt) {
     writers.push_back(std::move(pipe.in));
     {
         const hidl_handle sent = handleOf(std::move(writers));
-        ASSERT_EQ(0, static_cast<int>(mService->sign(sent, "")));
-        // Answered with it as well: that copy ends with the answer.
+        ASSERT_EQ(static_cast<int>(mService->sign(sent, "")), 0);
+        // The answer contains the handle, too: that copy is closed with the answer.
         ASSERT_TRUE(mService->fd(sent, [](const hidl_handle&) {}).isOk());
     }
     EXPECT_TRUE(ends(pipe));
@@ -277,7 +281,7 @@ TEST_F(HandlesTest, DescriptorsOfARefusedCallEndWithIt) {
     RawClient client(mSet.runtime());
     ASSERT_TRUE(client.hello());
     RawMessage call = fdCall({pipe.in.get()});
-    call.objects.clear();  // it belongs to nothing
+    call.objects.clear();  // it belongs to no object
     ASSERT_TRUE(client.send(call));
     EXPECT_EQ(::android::BAD_VALUE, client.replyStatus());
     pipe.in.reset();
@@ -288,11 +292,11 @@ TEST_F(HandlesTest, EndOfAnObjectThatWasHandedOutIsTheReceivers) {
     const size_t before = testing::descriptorsOf(getpid());
     const sp<Listener> listener = new Listener;
     ASSERT_TRUE(mService->listen(listener, "text").isOk());
-    // This process keeps its own end, which ends with the server's.
+    // This process keeps its own end, which closes with the server's.
     EXPECT_TRUE(eventually([&] { return testing::descriptorsOf(getpid()) <= before + 3; }));
     ASSERT_TRUE(mService->dropKept().isOk());
     EXPECT_TRUE(eventually([&] { return listener->getStrongCount() <= 2; }));
-    // What the pool and its timer took once stays.
+    // The pool and its timer keep the descriptors that they once opened.
     EXPECT_TRUE(eventually([&] { return testing::descriptorsOf(getpid()) <= before + 2; }));
 }
 

@@ -1,4 +1,4 @@
-// Clients that misbehave in time: that stall, die, never read, or take all there is.
+// Clients that stall, die, never read, or exhaust resources.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using ::android::OK;
 
 class HostileClientsTest : public HostileTest {
   protected:
-    // What the server does while nobody asks it anything.
+    // Expects that the server uses no processor time while it has no calls.
     void expectIdle() const {
         const auto before = timeOf(mServer.pid());
         (void)poll(nullptr, 0, 300);
@@ -35,8 +35,10 @@ TEST_F(HostileClientsTest, RandomBytes) {
     for (int round = 0; round < 200; ++round) {
         const auto attacker = connect();
         std::vector<uint8_t> bytes(1 + random() % 500);
-        for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-        // Half of them look like a message at first.
+        for (uint8_t& byte : bytes) {
+            byte = static_cast<uint8_t>(random());
+        }
+        // Half of the inputs begin like a message.
         if (round % 2 == 0 && bytes.size() > 4) {
             const uint32_t magic = Header::kMagic;
             memcpy(bytes.data(), &magic, sizeof(magic));
@@ -82,7 +84,7 @@ TEST_F(HostileClientsTest, OneByteAtATime) {
         ASSERT_TRUE(attacker->send(std::vector<uint8_t>{byte}));
         ASSERT_TRUE(mHonest->ping().isOk());
     }
-    EXPECT_EQ(OK, attacker->replyStatus());
+    EXPECT_EQ(attacker->replyStatus(), OK);
     attacker->close();
     expectUnharmed();
 }
@@ -95,7 +97,7 @@ TEST_F(HostileClientsTest, DescriptorsInTheMiddleOfAMessage) {
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send({bytes.begin(), middle}));
     ASSERT_TRUE(attacker->send({middle, bytes.end()}, {file.get()}));
-    EXPECT_EQ(OK, attacker->replyStatus());
+    EXPECT_EQ(attacker->replyStatus(), OK);
     attacker->close();
     expectUnharmed();
 }
@@ -105,9 +107,12 @@ TEST_F(HostileClientsTest, MoreAndMoreDescriptorsForOneMessage) {
     const std::vector<int> many(250, file.get());
     const std::vector<uint8_t> bytes = textCall(std::string(1000, 'x')).bytes();
     const auto attacker = connect();
-    // A byte at a time, each with almost as many as the kernel takes: there is an end to it.
+    // One byte at a time, each with almost as many descriptors as the kernel takes: the server sets
+    // a limit.
     for (size_t sent = 0; sent < 5; ++sent) {
-        if (!attacker->send(std::vector<uint8_t>{bytes[sent]}, many)) break;
+        if (!attacker->send(std::vector<uint8_t>{bytes[sent]}, many)) {
+            break;
+        }
     }
     EXPECT_TRUE(attacker->ends());
     attacker->close();
@@ -134,7 +139,7 @@ TEST_F(HostileClientsTest, NeverReadsItsAnswers) {
     }
     EXPECT_TRUE(mHonest->ping().isOk());
     expectAllThreadsAnswer();
-    // One answer for each at most, of the fifty they asked for.
+    // The server keeps at most one of the fifty requested answers for each client.
     EXPECT_LT(residentOf(mServer.pid()), before + 20 * 3 * kAnswer);
     expectIdle();
     attackers.clear();
@@ -143,9 +148,13 @@ TEST_F(HostileClientsTest, NeverReadsItsAnswers) {
 
 TEST_F(HostileClientsTest, ReadsItsAnswersLate) {
     const auto attacker = connect();
-    for (int call = 0; call < 5; ++call) ASSERT_TRUE(attacker->send(bytesCall(3 << 20)));
+    for (int call = 0; call < 5; ++call) {
+        ASSERT_TRUE(attacker->send(bytesCall(3 << 20)));
+    }
     expectAllThreadsAnswer();
-    for (int call = 0; call < 5; ++call) EXPECT_EQ(OK, attacker->replyStatus());
+    for (int call = 0; call < 5; ++call) {
+        EXPECT_EQ(attacker->replyStatus(), OK);
+    }
     attacker->close();
     expectUnharmed();
 }
@@ -153,11 +162,15 @@ TEST_F(HostileClientsTest, ReadsItsAnswersLate) {
 TEST_F(HostileClientsTest, ReadsAnAnswerWithDescriptorsLate) {
     const unique_fd file = fileWith("x");
     const auto attacker = connect();
-    // The first answers fill the socket; that with the descriptor does not fit and has to wait.
-    for (int call = 0; call < 10; ++call) ASSERT_TRUE(attacker->send(bytesCall(100000)));
+    // The first answers fill the socket; the one with the descriptor does not fit and has to wait.
+    for (int call = 0; call < 10; ++call) {
+        ASSERT_TRUE(attacker->send(bytesCall(100000)));
+    }
     ASSERT_TRUE(attacker->send(fdCall({file.get()})));
     expectAllThreadsAnswer();
-    for (int call = 0; call < 11; ++call) EXPECT_EQ(OK, attacker->replyStatus());
+    for (int call = 0; call < 11; ++call) {
+        EXPECT_EQ(attacker->replyStatus(), OK);
+    }
     attacker->close();
     expectUnharmed();
 }
@@ -188,17 +201,17 @@ TEST_F(HostileClientsTest, FloodOfOnewayCalls) {
 TEST_F(HostileClientsTest, ListenerThatNeverAnswersOnASocketThatDoesNotWait) {
     unique_fd ours;
     unique_fd theirs;
-    ASSERT_EQ(OK, ::android::hardware::transport::connectedPair(&ours, &theirs));
-    ASSERT_EQ(0, fcntl(theirs.get(), F_SETFL, O_NONBLOCK));
+    ASSERT_EQ(::android::hardware::transport::connectedPair(&ours, &theirs), OK);
+    ASSERT_EQ(fcntl(theirs.get(), F_SETFL, O_NONBLOCK), 0);
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send(listenCall(theirs.get())));
-    // The server's call has arrived here: it waits for its answer now, and does nothing else.
+    // The server's call has arrived here: the server waits for its answer now.
     pollfd call{ours.get(), POLLIN, 0};
-    ASSERT_EQ(1, poll(&call, 1, 30 * 1000));
+    ASSERT_EQ(poll(&call, 1, 30 * 1000), 1);
     expectIdle();
     EXPECT_TRUE(mHonest->ping().isOk());
     ours.reset();
-    EXPECT_EQ(OK, attacker->replyStatus());
+    EXPECT_EQ(attacker->replyStatus(), OK);
     attacker->close();
     theirs.reset();
     expectUnharmed();
@@ -208,7 +221,7 @@ TEST_F(HostileClientsTest, ListenerThatIsTheServiceItself) {
     const auto other = connect();
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send(listenCall(other->socket())));
-    EXPECT_EQ(OK, attacker->replyStatus());
+    EXPECT_EQ(attacker->replyStatus(), OK);
     attacker->close();
     other->close();
     expectUnharmed();
@@ -217,10 +230,10 @@ TEST_F(HostileClientsTest, ListenerThatIsTheServiceItself) {
 TEST_F(HostileClientsTest, ListenerThatNeverReads) {
     unique_fd ours;
     unique_fd theirs;
-    ASSERT_EQ(OK, ::android::hardware::transport::connectedPair(&ours, &theirs));
+    ASSERT_EQ(::android::hardware::transport::connectedPair(&ours, &theirs), OK);
     const sp<Listener> good = new Listener;
     ASSERT_TRUE(mHonest->listen(good, "").isOk());
-    // Then one that answers its first call and nothing more.
+    // Then a client that answers its first call and nothing more.
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send(listenCall(theirs.get())));
     RawMessage answer;
@@ -229,10 +242,12 @@ TEST_F(HostileClientsTest, ListenerThatNeverReads) {
     answer.number(1);
     const std::vector<uint8_t> bytes = answer.bytes();
     ASSERT_EQ(static_cast<ssize_t>(bytes.size()), write(ours.get(), bytes.data(), bytes.size()));
-    ASSERT_EQ(OK, attacker->replyStatus());
-    // One-way calls fail when there is no more room; they do not wait for ever.
+    ASSERT_EQ(attacker->replyStatus(), OK);
+    // One-way calls fail when the socket stays full; they do not wait for ever.
     int sent = 0;
-    while (sent < 100000 && static_cast<bool>(mHonest->tellKept(sent))) ++sent;
+    while (sent < 100000 && static_cast<bool>(mHonest->tellKept(sent))) {
+        ++sent;
+    }
     EXPECT_LT(sent, 100000);
     EXPECT_GT(sent, 10);
     ASSERT_TRUE(mHonest->dropKept().isOk());

@@ -1,4 +1,3 @@
-// A server under attack, and the question whether it is as it was.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,34 +16,38 @@ class HostileTest : public ::testing::Test {
     static constexpr size_t kThreads = 3;
 
     HostileTest() {
-        // All threads are there from now on; the connections that it took are gone again.
+        // All threads have started; the connections that used them are closed again.
         EXPECT_TRUE(mHonest->ping().isOk());
         mDescriptors = descriptorsOf(mServer.pid());
         expectAllThreadsAnswer();
     }
 
-    // A new connection that has been greeted.
+    /** A new connection that has received the hello. */
     std::unique_ptr<RawClient> connect() const {
         auto client = std::make_unique<RawClient>(mSet.runtime());
         EXPECT_TRUE(client->hello());
         return client;
     }
 
-    // Whether each of the pool's threads takes a call: none is stuck with somebody else.
+    /** Checks that each thread of the pool takes a call, so none is stuck with another client. */
     void expectAllThreadsAnswer() const {
         std::vector<sp<IEverything>> proxies;
-        for (size_t i = 0; i < kThreads; ++i) proxies.push_back(mServer.service());
+        for (size_t i = 0; i < kThreads; ++i) {
+            proxies.push_back(mServer.service());
+        }
         HeldCalls held(proxies);
         EXPECT_TRUE(held.arrived(kThreads));
-        EXPECT_EQ(kThreads, held.release());
+        EXPECT_EQ(held.release(), kThreads);
     }
 
-    // Once the attacker has gone: the honest client is answered, by all threads there should be and
-    // no more, and no descriptor has been left behind.
+    /**
+     * Call it when the attacker is gone. Checks that the honest client is answered, that the pool
+     * has exactly the threads it should have, and that no descriptor leaked.
+     */
     void expectUnharmed() const {
         const auto length = mHonest->length("four");
         ASSERT_TRUE(length.isOk()) << length.description();
-        EXPECT_EQ(4U, static_cast<uint32_t>(length));
+        EXPECT_EQ(static_cast<uint32_t>(length), 4U);
         expectAllThreadsAnswer();
         EXPECT_EQ(kThreads + 1, threadsOf(mServer.pid()));
         EXPECT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) == mDescriptors; }))

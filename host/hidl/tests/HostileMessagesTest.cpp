@@ -1,5 +1,5 @@
-// Messages that are none, or lie: each costs its sender an answer or the connection, and nobody
-// else anything.
+// Malformed and lying messages: each costs its sender an answer or the connection, and harms nobody
+// else.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ struct Row {
     std::optional<status_t> answer;  // nothing: the connection ends
 };
 
-// A sound call, changed a little.
+// A sound call with a small change.
 Row changed(
         const char* name, std::optional<status_t> answer,
         const std::function<void(RawMessage&)>& change,
@@ -49,14 +49,14 @@ Row changed(
             answer};
 }
 
-// A call with a text whose struct is changed: size stands at 8.
+// A call with a text whose struct is changed: size lies at offset 8.
 Row withSize(const char* name, uint32_t size) {
     return changed(name, BAD_VALUE, [=](RawMessage& m) {
         memcpy(m.objects[0].bytes.data() + 8, &size, sizeof(size));
     });
 }
 
-// A call with a vector of interfaces, which is a count of 64 bits and what it counts.
+// A call with a vector of interfaces: a count of 64 bits, then the interfaces.
 Row withInterfaces(const char* name, uint64_t count) {
     return changed(
             name, NO_MEMORY,
@@ -72,7 +72,7 @@ int nullFile() {
     return file.get();
 }
 
-// A call with a handle of one descriptor: the counts stand at 0, 4 and 8 of its object.
+// A call with a handle of one descriptor: the counts lie at offsets 0, 4 and 8 of its object.
 Row handleCall(const char* name, std::optional<status_t> answer,
                const std::function<void(RawMessage&)>& change) {
     return changed(name, answer, change, [] { return fdCall({nullFile()}); });
@@ -193,7 +193,7 @@ const Row kRows[] = {
         withSize("SizeOneLess", 3),
         withSize("SizeHuge", 0xffffffff),
         changed("ObjectNobodyReads", OK, [](RawMessage& m) { (void)m.buffer({1, 2, 3}); }),
-        // What nobody reads is refused by the transport or not at all.
+        // The transport refuses what no method reads, or nobody does.
         changed("BytesBehindTheLastObject", BAD_VALUE,
                 [](RawMessage& m) { m.objects[1].bytes.resize(16); }),
         changed("NullWithLengthThatNobodyReads", BAD_VALUE,
@@ -296,9 +296,9 @@ TEST_P(HostileMessagesTest, HarmsNobody) {
     ASSERT_TRUE(attacker->send(GetParam().message()));
     if (GetParam().answer.has_value()) {
         EXPECT_EQ(GetParam().answer, attacker->replyStatus());
-        // And the connection is as good as before.
+        // The connection still works.
         ASSERT_TRUE(attacker->send(textCall("again")));
-        EXPECT_EQ(OK, attacker->replyStatus());
+        EXPECT_EQ(attacker->replyStatus(), OK);
     } else {
         EXPECT_TRUE(attacker->ends());
     }
@@ -318,9 +318,9 @@ TEST_F(HostileTest, TwoWayMethodWithoutAnswer) {
     ASSERT_TRUE(attacker->send(message));
     message.header.code = POKE;
     ASSERT_TRUE(attacker->send(message));
-    // The next answer is that of the next call.
+    // The next answer belongs to the next call.
     ASSERT_TRUE(attacker->send(callOf(1000)));
-    EXPECT_EQ(UNKNOWN_TRANSACTION, attacker->replyStatus());
+    EXPECT_EQ(attacker->replyStatus(), UNKNOWN_TRANSACTION);
     attacker->close();
     expectUnharmed();
 }
@@ -329,7 +329,7 @@ TEST_F(HostileTest, BaseMethodsThatAreNotForTheWire) {
     const auto attacker = connect();
     for (const uint32_t code : {256660548U, 257250372U}) {
         ASSERT_TRUE(attacker->send(callOf(code)));
-        EXPECT_EQ(OK, attacker->replyStatus());
+        EXPECT_EQ(attacker->replyStatus(), OK);
     }
     attacker->close();
     expectUnharmed();
@@ -339,7 +339,7 @@ TEST_F(HostileTest, ManyUnknownCodes) {
     const auto attacker = connect();
     for (uint32_t code = 1000; code < 21000; ++code) {
         ASSERT_TRUE(attacker->send(callOf(code)));
-        ASSERT_EQ(UNKNOWN_TRANSACTION, attacker->replyStatus());
+        ASSERT_EQ(attacker->replyStatus(), UNKNOWN_TRANSACTION);
     }
     attacker->close();
     expectUnharmed();

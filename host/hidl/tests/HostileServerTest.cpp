@@ -1,4 +1,4 @@
-// Servers that misbehave: the client's call fails, and the client goes on.
+// Servers that misbehave: the client's call fails, and the client continues.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -52,7 +52,7 @@ class BadHelloTest : public ::testing::TestWithParam<Row> {
 TEST_P(BadHelloTest, IsNoService) {
     const BadService service(GetParam().work);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 INSTANTIATE_TEST_SUITE_P(Rows, BadHelloTest, ::testing::ValuesIn(kWithoutService),
@@ -78,7 +78,7 @@ std::function<void(const BadServer&)> answering(const std::function<void(RawMess
     };
 }
 
-// Answers after which nothing more can come.
+// Answers that end the connection.
 const Row kDeadly[] = {
         {"EndsBeforeTheCall", [](const BadServer& s) { s.hello(); }},
         {"EndsAfterTheCall",
@@ -135,20 +135,20 @@ class DeadlyAnswerTest : public ::testing::TestWithParam<Row> {
 TEST_P(DeadlyAnswerTest, IsDeath) {
     const BadService service(GetParam().work);
     const sp<IEverything> proxy = IEverything::getService();
-    ASSERT_NE(nullptr, proxy);
+    ASSERT_NE(proxy, nullptr);
     const sp<Recipient> recipient = new Recipient;
     const bool linked = proxy->linkToDeath(recipient, 0).withDefault(false);
     const auto called = proxy->text("text", [](const hidl_string&) { FAIL(); });
     EXPECT_TRUE(called.isDeadObject()) << called.description();
     EXPECT_TRUE(proxy->ping().isDeadObject());
     EXPECT_FALSE(proxy->linkToDeath(recipient, 0).withDefault(true));
-    // Whoever wanted to know hears of it, though the process may live on.
+    // Linked recipients are told, although the process may live on.
     EXPECT_TRUE(!linked || eventually([&] { return recipient->heard(); }));
 }
 INSTANTIATE_TEST_SUITE_P(Rows, DeadlyAnswerTest, ::testing::ValuesIn(kDeadly),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// Answers that fail their call only.
+// Answers that fail only their own call.
 struct FailingRow {
     const char* name;
     std::function<void(RawMessage&)> change;
@@ -220,14 +220,14 @@ TEST_P(FailingAnswerTest, FailsItsCallOnly) {
         server.waitForEnd();
     });
     const sp<IEverything> proxy = IEverything::getService();
-    ASSERT_NE(nullptr, proxy);
+    ASSERT_NE(proxy, nullptr);
     const size_t before = descriptorsOf(getpid());
-    const auto called = proxy->text("text", [](const hidl_string& s) { EXPECT_EQ("text", s); });
+    const auto called = proxy->text("text", [](const hidl_string& s) { EXPECT_EQ(s, "text"); });
     EXPECT_EQ(GetParam().description, called.description());
     EXPECT_EQ(before, descriptorsOf(getpid()));
     int answers = 0;
     EXPECT_TRUE(proxy->text("text", [&](const hidl_string&) { ++answers; }).isOk());
-    EXPECT_EQ(1, answers);
+    EXPECT_EQ(answers, 1);
 }
 INSTANTIATE_TEST_SUITE_P(Rows, FailingAnswerTest, ::testing::ValuesIn(kFailing),
                          [](const auto& row) { return std::string(row.param.name); });
@@ -239,12 +239,14 @@ TEST(HostileServerTest, OnewayCallsDoNotWaitForAServerThatNeverReads) {
         server.waitForEnd();
     });
     const sp<IEverything> proxy = IEverything::getService();
-    ASSERT_NE(nullptr, proxy);
+    ASSERT_NE(proxy, nullptr);
     int sent = 0;
-    while (sent < 100000 && proxy->poke(sent).isOk()) ++sent;
+    while (sent < 100000 && proxy->poke(sent).isOk()) {
+        ++sent;
+    }
     EXPECT_LT(sent, 100000);
     const auto refused = proxy->poke(0);
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", refused.description());
+    EXPECT_EQ(refused.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Objects in the process that uses them: their stubs called directly, and the passthrough wrapper.
+// Objects in the process that uses them: direct calls of their stubs, and the passthrough wrapper.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlBinderSupport.h>
@@ -52,16 +52,16 @@ sp<IBinder> newStub() {
 TEST(InProcessTest, OneStubForOneImplementation) {
     const sp<IEverything> one = new Everything;
     sp<IBinder> stub = toBinder(one);
-    ASSERT_NE(nullptr, stub);
-    EXPECT_NE(nullptr, stub->localBinder());
+    ASSERT_NE(stub, nullptr);
+    EXPECT_NE(stub->localBinder(), nullptr);
     EXPECT_EQ(stub, toBinder(one));
     EXPECT_NE(stub, newStub());
-    EXPECT_EQ(nullptr, getOrCreateCachedBinder(nullptr));
-    // Not for ever: the next one is new.
+    EXPECT_EQ(getOrCreateCachedBinder(nullptr), nullptr);
+    // The cache keeps no dead stub: the next one is new.
     const wp<IBinder> former = stub;
     stub = nullptr;
-    EXPECT_EQ(nullptr, former.promote());
-    EXPECT_NE(nullptr, toBinder(one));
+    EXPECT_EQ(former.promote(), nullptr);
+    EXPECT_NE(toBinder(one), nullptr);
 }
 
 TEST(InProcessTest, ManyThreadsHaveOneStub) {
@@ -69,44 +69,48 @@ TEST(InProcessTest, ManyThreadsHaveOneStub) {
         const sp<IEverything> one = new Everything;
         std::vector<sp<IBinder>> stubs(4);
         testing::inThreads(4, [&](int i) { stubs[static_cast<size_t>(i)] = toBinder(one); });
-        for (const sp<IBinder>& stub : stubs) EXPECT_EQ(stubs[0], stub);
+        for (const sp<IBinder>& stub : stubs) {
+            EXPECT_EQ(stubs[0], stub);
+        }
     }
 }
 
 TEST(InProcessTest, StubsComeAndGoInManyThreads) {
     const sp<IEverything> one = new Everything;
     testing::inThreads(4, [&](int) {
-        for (int i = 0; i < 1000; ++i) ASSERT_NE(nullptr, toBinder(one));
+        for (int i = 0; i < 1000; ++i) {
+            ASSERT_NE(toBinder(one), nullptr);
+        }
     });
 }
 
-// A call whose arguments are one number.
+// A call whose only argument is a number.
 status_t callNumber(const sp<IBinder>& stub, uint32_t code, Parcel* reply, uint32_t flags,
                     const IBinder::TransactCallback& callback = nullptr) {
     Parcel data;
-    EXPECT_EQ(OK, data.writeInterfaceToken(IEverything::descriptor));
-    EXPECT_EQ(OK, data.writeUint32(3));
+    EXPECT_EQ(data.writeInterfaceToken(IEverything::descriptor), OK);
+    EXPECT_EQ(data.writeUint32(3), OK);
     return stub->transact(code, data, reply, flags, callback);
 }
 
 TEST(InProcessTest, StubAnswersCalls) {
     Parcel reply;
     bool answered = false;
-    ASSERT_EQ(OK, callNumber(newStub(), BYTES, &reply, 0, [&](Parcel&) { answered = true; }));
+    ASSERT_EQ(callNumber(newStub(), BYTES, &reply, 0, [&](Parcel&) { answered = true; }), OK);
     EXPECT_TRUE(answered);
     int32_t exception = -1;
-    EXPECT_EQ(OK, reply.readInt32(&exception));
-    EXPECT_EQ(0, exception);
+    EXPECT_EQ(reply.readInt32(&exception), OK);
+    EXPECT_EQ(exception, 0);
 }
 
 TEST(InProcessTest, StubAnswersWithoutCallbackOrReply) {
     const sp<IEverything> service = new Everything;
     const sp<IBinder> stub = toBinder(service);
     Parcel reply;
-    EXPECT_EQ(OK, callNumber(stub, BYTES, &reply, 0));
-    EXPECT_EQ(OK, callNumber(stub, BYTES, nullptr, 0));
-    EXPECT_EQ(OK, callNumber(stub, POKE, nullptr, IBinder::FLAG_ONEWAY));
-    EXPECT_EQ(UNKNOWN_TRANSACTION, callNumber(stub, 1000, &reply, 0));
+    EXPECT_EQ(callNumber(stub, BYTES, &reply, 0), OK);
+    EXPECT_EQ(callNumber(stub, BYTES, nullptr, 0), OK);
+    EXPECT_EQ(callNumber(stub, POKE, nullptr, IBinder::FLAG_ONEWAY), OK);
+    EXPECT_EQ(callNumber(stub, 1000, &reply, 0), UNKNOWN_TRANSACTION);
     std::vector<int32_t> poked;
     ASSERT_TRUE(service->poked([&](const auto& n) { poked = n; }).isOk());
     EXPECT_THAT(poked, ElementsAre(3));
@@ -116,47 +120,49 @@ TEST(InProcessTest, ProxyOverTheStubItself) {
     const sp<IEverything> proxy = new BpHwEverything(newStub());
     std::string answer;
     ASSERT_TRUE(proxy->text("direct", [&](const hidl_string& s) { answer = s; }).isOk());
-    EXPECT_EQ("direct", answer);
+    EXPECT_EQ(answer, "direct");
     Record record;
     record.name = "name";
     record.notes = {"one", "two"};
     int calls = 0;
     ASSERT_TRUE(proxy->record(record, [&](const Record& got) {
                          ++calls;
-                         EXPECT_EQ("name", got.name);
-                         EXPECT_EQ("two", got.notes[1]);
+                         EXPECT_EQ(got.name, "name");
+                         EXPECT_EQ(got.notes[1], "two");
                      }).isOk());
-    EXPECT_EQ(1, calls);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST(InProcessTest, LocalObjectsHaveNoDeath) {
     const sp<IBinder> stub = newStub();
-    EXPECT_EQ(INVALID_OPERATION, stub->linkToDeath(nullptr));
-    EXPECT_EQ(INVALID_OPERATION, stub->unlinkToDeath(nullptr));
-    EXPECT_EQ(nullptr, IInterface::asBinder(sp<IInterface>()));
+    EXPECT_EQ(stub->linkToDeath(nullptr), INVALID_OPERATION);
+    EXPECT_EQ(stub->unlinkToDeath(nullptr), INVALID_OPERATION);
+    EXPECT_EQ(IInterface::asBinder(sp<IInterface>()), nullptr);
 }
 
 TEST(InProcessTest, LocalObjectComesBackAsItself) {
     const sp<IEverything> service = new Everything;
     EXPECT_EQ(service,
               (fromBinder<IEverything, BpHwEverything, BnHwEverything>(toBinder(service))));
-    EXPECT_EQ(nullptr, (fromBinder<IListener, BpHwListener, BnHwListener>(toBinder(service))));
-    EXPECT_EQ(nullptr, (fromBinder<IListener, BpHwListener, BnHwListener>(nullptr)));
+    EXPECT_EQ((fromBinder<IListener, BpHwListener, BnHwListener>(toBinder(service))), nullptr);
+    EXPECT_EQ((fromBinder<IListener, BpHwListener, BnHwListener>(nullptr)), nullptr);
 }
 
 TEST(InProcessTest, Casts) {
     const sp<IBase> base = new Everything;
-    EXPECT_NE(nullptr, sp<IEverything>(IEverything::castFrom(base)));
-    EXPECT_EQ(nullptr, sp<IListener>(IListener::castFrom(base)));
+    EXPECT_NE(sp<IEverything>(IEverything::castFrom(base)), nullptr);
+    EXPECT_EQ(sp<IListener>(IListener::castFrom(base)), nullptr);
 }
 
-// A stub of one's own, put in the place of the generated one, is what clients reach.
+// A custom stub that replaces the generated one is what clients reach.
 class StubbornStub : public BnHwEverything {
   public:
     explicit StubbornStub(const sp<IEverything>& service) : BnHwEverything(service) {}
     status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                         TransactCallback callback) override {
-        if (code == TEXT) return BAD_VALUE;
+        if (code == TEXT) {
+            return BAD_VALUE;
+        }
         return BnHwEverything::onTransact(code, data, reply, flags, std::move(callback));
     }
 };
@@ -176,40 +182,42 @@ TEST_F(StubMapTest, StubThatRefuses) {
         return new StubbornStub(static_cast<IEverything*>(service));
     });
     const sp<IEverything> service = new Everything;
-    EXPECT_EQ(OK, service->registerAsService("stubborn"));
+    EXPECT_EQ(service->registerAsService("stubborn"), OK);
     const sp<IEverything> proxy = IEverything::getService("stubborn");
-    ASSERT_NE(nullptr, proxy);
+    ASSERT_NE(proxy, nullptr);
     const auto refused = proxy->text("", [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", refused.description());
+    EXPECT_EQ(refused.description(), "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '");
     EXPECT_FALSE(refused.isDeadObject());
-    EXPECT_EQ(3U, static_cast<uint32_t>(proxy->length("abc")));
+    EXPECT_EQ(static_cast<uint32_t>(proxy->length("abc")), 3U);
 }
 
 TEST_F(StubMapTest, InterfaceWithoutAStubCannotBeRegistered) {
     const sp<IEverything> service = new Everything;
-    EXPECT_EQ(BAD_VALUE, service->registerAsService("none"));
+    EXPECT_EQ(service->registerAsService("none"), BAD_VALUE);
     getBnConstructorMap().set(IEverything::descriptor, mFormer);
-    EXPECT_EQ(OK, service->registerAsService("some"));
+    EXPECT_EQ(service->registerAsService("some"), OK);
 }
 
 TEST(PassthroughTest, WrapperRunsOnewayMethodsOnAThreadOfItsOwn) {
     const sp<Everything> service = new Everything;
     {
         const sp<IEverything> wrapper = wrapPassthrough(sp<IEverything>(service));
-        ASSERT_NE(nullptr, wrapper);
+        ASSERT_NE(wrapper, nullptr);
         EXPECT_NE(sp<IEverything>(service), wrapper);
         EXPECT_FALSE(wrapper->isRemote());
-        for (int32_t i = 0; i < 10; ++i) EXPECT_TRUE(wrapper->poke(i).isOk());
+        for (int32_t i = 0; i < 10; ++i) {
+            EXPECT_TRUE(wrapper->poke(i).isOk());
+        }
         std::string answer;
         EXPECT_TRUE(wrapper->text("through", [&](const hidl_string& s) { answer = s; }).isOk());
-        EXPECT_EQ("through", answer);
+        EXPECT_EQ(answer, "through");
         EXPECT_FALSE(wrapper->text("unheard", nullptr).isOk());
     }
-    // The wrapper is gone: what it was told has been done.
+    // The wrapper is destroyed, so its tasks have run.
     std::vector<int32_t> poked;
     ASSERT_TRUE(service->poked([&](const auto& n) { poked = n; }).isOk());
     EXPECT_THAT(poked, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9));
-    EXPECT_EQ(nullptr, wrapPassthrough(sp<IEverything>()));
+    EXPECT_EQ(wrapPassthrough(sp<IEverything>()), nullptr);
 }
 
 TEST(PassthroughTest, RemoteObjectIsNotWrapped) {

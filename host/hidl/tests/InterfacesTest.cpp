@@ -1,4 +1,4 @@
-// Interfaces as arguments and results: objects of either side, called from the other.
+// Interfaces as arguments and results: each side calls objects of the other.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -17,7 +17,7 @@ using ::testing::IsEmpty;
 
 class InterfacesTest : public ::testing::Test {
   protected:
-    // The call that many tests begin with: the server calls ours and gives one of its own.
+    // The first call of many tests: the server calls our listener and returns one of its own.
     sp<IListener> listen(const sp<IListener>& ours, const std::string& text) {
         auto answer = mService->listen(ours, text);
         EXPECT_TRUE(answer.isOk()) << answer.description();
@@ -38,26 +38,26 @@ class InterfacesTest : public ::testing::Test {
 
 TEST_F(InterfacesTest, OursIsCalledWhileTheCallIsUnderWay) {
     const sp<Listener> ours = new Listener;
-    EXPECT_NE(nullptr, listen(ours, "during"));
+    EXPECT_NE(listen(ours, "during"), nullptr);
     EXPECT_THAT(ours->texts(), ElementsAre("during"));
 }
 
 TEST_F(InterfacesTest, OursIsCalledAfterTheCallReturned) {
     const sp<Listener> ours = new Listener;
     (void)listen(ours, "during");
-    EXPECT_EQ(2, static_cast<int32_t>(mService->callKept("after")));
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("after")), 2);
     EXPECT_TRUE(static_cast<bool>(mService->tellKept(17)));
-    EXPECT_EQ(4, static_cast<int32_t>(mService->callKept("at last")));
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("at last")), 4);
     EXPECT_THAT(ours->texts(), ElementsAre("during", "after", "17", "at last"));
 }
 
 TEST_F(InterfacesTest, TheirsIsCalledAfterTheCallReturned) {
     const sp<IListener> theirs = listen(new Listener, "");
-    ASSERT_NE(nullptr, theirs);
+    ASSERT_NE(theirs, nullptr);
     EXPECT_TRUE(theirs->isRemote());
-    EXPECT_EQ(1, static_cast<int32_t>(theirs->heard("one")));
+    EXPECT_EQ(static_cast<int32_t>(theirs->heard("one")), 1);
     EXPECT_TRUE(theirs->tell(2).isOk());
-    EXPECT_EQ(3, static_cast<int32_t>(theirs->heard("three")));
+    EXPECT_EQ(static_cast<int32_t>(theirs->heard("three")), 3);
     EXPECT_THAT(textsOf(theirs), ElementsAre("one", "2", "three"));
 }
 
@@ -74,12 +74,12 @@ TEST_F(InterfacesTest, AnObjectAnswersBaseMethods) {
     EXPECT_TRUE(theirs->ping().isOk());
     std::string name;
     ASSERT_TRUE(theirs->interfaceDescriptor([&](const hidl_string& n) { name = n; }).isOk());
-    EXPECT_EQ("mlk.test.everything@1.0::IListener", name);
+    EXPECT_EQ(name, "mlk.test.everything@1.0::IListener");
 }
 
 TEST_F(InterfacesTest, NoObject) {
-    EXPECT_EQ(nullptr, listen(nullptr, "nobody hears"));
-    EXPECT_EQ(-2, static_cast<int32_t>(mService->callKept("nobody hears")));
+    EXPECT_EQ(listen(nullptr, "nobody hears"), nullptr);
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("nobody hears")), -2);
 }
 
 TEST_F(InterfacesTest, VectorsOfObjects) {
@@ -90,11 +90,11 @@ TEST_F(InterfacesTest, VectorsOfObjects) {
     ASSERT_TRUE(mService->listeners(ours, [&](const auto& l) { theirs = l; }).isOk());
     EXPECT_THAT(first->texts(), ElementsAre("one of several"));
     EXPECT_THAT(last->texts(), ElementsAre("one of several"));
-    ASSERT_EQ(3U, theirs.size());
-    ASSERT_NE(nullptr, theirs[0]);
-    EXPECT_EQ(nullptr, theirs[1]);
-    ASSERT_NE(nullptr, theirs[2]);
-    EXPECT_EQ(1, static_cast<int32_t>(theirs[2]->heard("third")));
+    ASSERT_EQ(theirs.size(), 3U);
+    ASSERT_NE(theirs[0], nullptr);
+    EXPECT_EQ(theirs[1], nullptr);
+    ASSERT_NE(theirs[2], nullptr);
+    EXPECT_EQ(static_cast<int32_t>(theirs[2]->heard("third")), 1);
     EXPECT_THAT(textsOf(theirs[2]), ElementsAre("third"));
     EXPECT_THAT(textsOf(theirs[0]), IsEmpty());
 }
@@ -110,10 +110,10 @@ TEST_F(InterfacesTest, ObjectsGoWhenTheOtherSideDropsThem) {
 }
 
 TEST_F(InterfacesTest, AnObjectLivesAsLongAsTheOtherSideHasIt) {
-    EXPECT_NE(nullptr, listen(new Listener, "during"));
-    // Nobody here has ours any more; the server does.
-    EXPECT_EQ(1, Listener::alive());
-    EXPECT_EQ(2, static_cast<int32_t>(mService->callKept("still here")));
+    EXPECT_NE(listen(new Listener, "during"), nullptr);
+    // Only the server holds our listener now.
+    EXPECT_EQ(Listener::alive(), 1);
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("still here")), 2);
     (void)mService->dropKept().isOk();
     EXPECT_TRUE(eventually([] { return Listener::alive() == 0; }));
 }
@@ -129,24 +129,26 @@ TEST_F(InterfacesTest, ThousandObjectsLeaveNoDescriptorBehind) {
     ASSERT_TRUE(eventually([&] { return static_cast<int32_t>(mService->alive()) == 0; }));
     const size_t here = descriptorsOf(getpid());
     const size_t there = descriptorsOf(mServer.pid());
-    for (int i = 0; i < 1000; ++i) round();
+    for (int i = 0; i < 1000; ++i) {
+        round();
+    }
     EXPECT_TRUE(eventually([&] { return descriptorsOf(getpid()) == here; }));
     EXPECT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) == there; }))
             << there << " before, " << descriptorsOf(mServer.pid()) << " after";
     EXPECT_TRUE(eventually([] { return Listener::alive() == 0; }));
-    EXPECT_EQ(0, static_cast<int32_t>(mService->alive()));
+    EXPECT_EQ(static_cast<int32_t>(mService->alive()), 0);
 }
 
 TEST_F(InterfacesTest, OneImplementationIsOneObject) {
     const sp<Listener> ours = new Listener;
     (void)listen(ours, "first");
     (void)listen(ours, "second");
-    EXPECT_EQ(3, static_cast<int32_t>(mService->callKept("third")));
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("third")), 3);
 }
 
 TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheServer) {
     const auto called = mService->passOn(new Listener);
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '");
     EXPECT_TRUE(mService->ping().isOk());
     const auto nothing = mService->passOn(nullptr);
     EXPECT_TRUE(nothing.isOk()) << nothing.description();
@@ -155,7 +157,7 @@ TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheServer) {
 TEST_F(InterfacesTest, ProxyIsNotHandedOnByTheClient) {
     const sp<IListener> theirs = listen(new Listener, "");
     const auto called = mService->listen(theirs, "round about");
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'INVALID_OPERATION: '");
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(theirs->ping().isOk());
 }
@@ -172,7 +174,7 @@ TEST_F(InterfacesTest, ListenerThatCallsTheServiceBack) {
         const sp<IEverything> mService;
     };
     (void)listen(new Caller(mService), "");
-    EXPECT_EQ(4, static_cast<int32_t>(mService->callKept("four")));
+    EXPECT_EQ(static_cast<int32_t>(mService->callKept("four")), 4);
 }
 
 TEST_F(InterfacesTest, CallingAListenerWhoseProcessIsGoneFails) {

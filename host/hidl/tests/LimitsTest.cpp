@@ -1,4 +1,4 @@
-// How large calls and answers may be.
+// The largest sizes of calls and answers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -19,16 +19,20 @@ using ::android::hardware::transport::kMaxReplyBody;
 
 class LimitsTest : public ::testing::Test {
   protected:
-    // Asks for so many bytes, and whether they are the right ones.
+    // Requests `count` bytes and checks them.
     ::testing::AssertionResult answered(uint32_t count) {
         size_t wrong = 0;
         size_t got = 0;
         const auto called = mService->bytes(count, [&](const hidl_vec<uint8_t>& bytes) {
             got = bytes.size();
-            // Every part of the answer that is sent by itself is looked into.
-            for (size_t i = 0; i < got; i += 1021) wrong += bytes[i] != static_cast<uint8_t>(i);
+            // Checks every part of the answer that is sent separately.
+            for (size_t i = 0; i < got; i += 1021) {
+                wrong += bytes[i] != static_cast<uint8_t>(i);
+            }
         });
-        if (!called.isOk()) return ::testing::AssertionFailure() << called.description();
+        if (!called.isOk()) {
+            return ::testing::AssertionFailure() << called.description();
+        }
         if (got != count || wrong != 0) {
             return ::testing::AssertionFailure() << got << " bytes, wrong: " << wrong;
         }
@@ -41,19 +45,19 @@ class LimitsTest : public ::testing::Test {
 };
 
 TEST_F(LimitsTest, CallAtTheLimitAndAbove) {
-    // What a call of length() takes besides the text and its NUL.
+    // The size of a call of length() besides the text and its NUL.
     const size_t frame = alignedToEight(strlen(IEverything::descriptor) + 1) +
                          2 * sizeof(WireObject) + sizeof(hidl_string);
     const size_t longest = kMaxCallBody - frame - 1;
     EXPECT_EQ(longest, static_cast<uint32_t>(mService->length(std::string(longest, 'x'))));
     const auto above = mService->length(std::string(longest + 1, 'x'));
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", above.description());
+    EXPECT_EQ(above.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());
 }
 
 TEST_F(LimitsTest, CallOfManyMegabytes) {
     const auto called = mService->length(std::string(16 << 20, 'x'));
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());
 }
 
@@ -72,17 +76,20 @@ TEST_F(LimitsTest, AnswerOf64Megabytes) {
 TEST_F(LimitsTest, AnswerAboveTheLimit) {
     const auto called = mService->bytes(static_cast<uint32_t>(kMaxReplyBody),
                                         [](const hidl_vec<uint8_t>&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '", called.description());
+    EXPECT_EQ(called.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(answered(1000));
 }
 
 TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
-    if (testing::kAddressSanitizer || testing::kThreadSanitizer)
+    if (testing::kAddressSanitizer || testing::kThreadSanitizer) {
         GTEST_SKIP() << "sanitizers keep it for a while";
+    }
     const size_t before = residentOf(mServer.pid());
-    for (int i = 0; i < 5; ++i) EXPECT_TRUE(answered(32U << 20U));
-    // The last one's may still be on its way when the client has it all.
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_TRUE(answered(32U << 20U));
+    }
+    // When the client has the whole answer, the last one may still be in flight.
     EXPECT_TRUE(eventually([&] { return residentOf(mServer.pid()) < before + (24U << 20U); }));
 }
 

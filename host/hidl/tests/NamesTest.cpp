@@ -1,4 +1,4 @@
-// Names of services: who has them, and who has them no more.
+// Names of services: who owns them, and who has lost them.
 #include <android/hidl/manager/1.0/IServiceManager.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -48,16 +48,16 @@ class NamesTest : public ::testing::Test {
 
 TEST_F(NamesTest, UnknownNameGivesNullAtOnce) {
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(nullptr, IEverything::getService());
-    EXPECT_EQ(nullptr, IEverything::tryGetService("nobody"));
-    EXPECT_EQ(nullptr, IEverything::getService("no/name"));
-    EXPECT_EQ(nullptr, IEverything::getService(""));
+    EXPECT_EQ(IEverything::getService(), nullptr);
+    EXPECT_EQ(IEverything::tryGetService("nobody"), nullptr);
+    EXPECT_EQ(IEverything::getService("no/name"), nullptr);
+    EXPECT_EQ(IEverything::getService(""), nullptr);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 TEST_F(NamesTest, ThereAreNoPassthroughImplementations) {
     const Server server;
-    EXPECT_EQ(nullptr, IEverything::getService("default", true));
+    EXPECT_EQ(IEverything::getService("default", true), nullptr);
 }
 
 TEST_F(NamesTest, InstancesAreApart) {
@@ -65,7 +65,7 @@ TEST_F(NamesTest, InstancesAreApart) {
     const Server other({"other", "4", ""});
     EXPECT_EQ(one.pid(), pidOf(IEverything::getService("one")));
     EXPECT_EQ(other.pid(), pidOf(IEverything::getService("other")));
-    EXPECT_EQ(nullptr, IEverything::getService("default"));
+    EXPECT_EQ(IEverything::getService("default"), nullptr);
 }
 
 TEST_F(NamesTest, NameOfTheDeadIsTakenWithoutALine) {
@@ -73,7 +73,7 @@ TEST_F(NamesTest, NameOfTheDeadIsTakenWithoutALine) {
     first.kill();
     const Server later;
     EXPECT_EQ(later.pid(), pidOf(IEverything::getService()));
-    EXPECT_EQ("", later.err());
+    EXPECT_EQ(later.err(), "");
 }
 
 TEST_F(NamesTest, LaterServerTakesTheName) {
@@ -82,15 +82,15 @@ TEST_F(NamesTest, LaterServerTakesTheName) {
     std::optional<Server> later(std::in_place);
     EXPECT_EQ(later->pid(), pidOf(IEverything::getService()));
     EXPECT_EQ(first.pid(), pidOf(toFirst));
-    // Both say so.
+    // Both processes log it.
     EXPECT_TRUE(later->says("this process takes the name from process " +
                             std::to_string(first.pid()) + ", which still has it\n"));
     EXPECT_TRUE(first.says("process " + std::to_string(later->pid()) +
                            " has taken the name over; new clients do not reach this process\n"));
     EXPECT_THAT(first.err(), ::testing::HasSubstr(" E "));
-    // The name goes with its last owner; the one before it does not get it back.
+    // The name is free when its last owner dies; the former owner does not get it back.
     later->kill();
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
     EXPECT_EQ(first.pid(), pidOf(toFirst));
 }
 
@@ -98,12 +98,12 @@ TEST_F(NamesTest, ProxyOfTheFirstNeverCallsTheLater) {
     const Server first;
     const sp<IEverything> toFirst = first.service();
     const Server later;
-    // A second call at once would need a second connection, and the name leads elsewhere now: it
-    // takes its turn.
+    // A second concurrent call would need a second connection, but the name belongs to another
+    // server now: the call takes its turn.
     HeldCalls held({toFirst, toFirst});
     ASSERT_TRUE(held.arrived(1));
     EXPECT_FALSE(held.moreArrive());
-    EXPECT_EQ(2U, held.release());
+    EXPECT_EQ(held.release(), 2U);
 }
 
 TEST_F(NamesTest, FileOfADeadServerIsNoHindrance) {
@@ -111,7 +111,7 @@ TEST_F(NamesTest, FileOfADeadServerIsNoHindrance) {
     server->kill();
     EXPECT_TRUE(std::filesystem::exists(mSet.runtime() +
                                         "/mlk.test.everything@1.0::IEverything.default"));
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
     server.emplace();
     EXPECT_EQ(server->pid(), pidOf(IEverything::getService()));
 }
@@ -154,7 +154,7 @@ TEST_F(NamesTest, GoodInstances) {
     for (const std::string& instance : rows) {
         EXPECT_EQ(::android::OK, service->registerAsService(instance)) << instance;
         const sp<IEverything> found = IEverything::getService(instance);
-        ASSERT_NE(nullptr, found) << instance;
+        ASSERT_NE(found, nullptr) << instance;
         EXPECT_TRUE(found->ping().isOk()) << instance;
     }
     EXPECT_THAT(listed(), ::testing::SizeIs(std::size(rows)));
@@ -166,7 +166,7 @@ TEST_F(NamesTest, BadInstances) {
     const sp<IEverything> service = new Everything;
     for (const std::string& instance : rows) {
         EXPECT_EQ(::android::BAD_VALUE, service->registerAsService(instance)) << instance;
-        EXPECT_EQ(nullptr, IEverything::getService(instance)) << instance;
+        EXPECT_EQ(IEverything::getService(instance), nullptr) << instance;
     }
     EXPECT_THAT(listed(), IsEmpty());
 }
@@ -182,8 +182,8 @@ TEST_F(NamesTest, SeveralServicesInOneProcess) {
     ASSERT_EQ(::android::OK, everything->registerAsService("here"));
     ASSERT_EQ(::android::OK, listener->registerAsService("here"));
     const sp<IListener> proxy = IListener::getService("here");
-    ASSERT_NE(nullptr, proxy);
-    EXPECT_EQ(1, static_cast<int32_t>(proxy->heard("by name")));
+    ASSERT_NE(proxy, nullptr);
+    EXPECT_EQ(static_cast<int32_t>(proxy->heard("by name")), 1);
     EXPECT_THAT(listener->texts(), ElementsAre("by name"));
     EXPECT_EQ(getpid(), pidOf(IEverything::getService("here")));
     EXPECT_THAT(listed(), ElementsAre("mlk.test.everything@1.0::IEverything/here",
@@ -193,7 +193,7 @@ TEST_F(NamesTest, SeveralServicesInOneProcess) {
 TEST(SocketNameTest, NamesAndFiles) {
     struct Row {
         const char* file;
-        const char* descriptor;  // null: no service's file
+        const char* descriptor;  // null: not a service's file
         const char* instance;
     };
     const Row rows[] = {
@@ -211,12 +211,14 @@ TEST(SocketNameTest, NamesAndFiles) {
         std::string instance;
         const bool split = transport::splitSocketName(row.file, &descriptor, &instance);
         EXPECT_EQ(row.descriptor != nullptr, split) << row.file;
-        if (!split || row.descriptor == nullptr) continue;
+        if (!split || row.descriptor == nullptr) {
+            continue;
+        }
         EXPECT_EQ(row.descriptor, descriptor);
         EXPECT_EQ(row.instance, instance);
         EXPECT_EQ(row.file, transport::socketName(descriptor, instance));
     }
-    EXPECT_EQ("", transport::socketName("", "default"));
+    EXPECT_EQ(transport::socketName("", "default"), "");
 }
 
 }  // namespace

@@ -18,10 +18,16 @@ namespace {
 hidl_handle handleOf(std::vector<unique_fd> descriptors, const std::vector<int>& numbers) {
     native_handle_t* native = native_handle_create(static_cast<int>(descriptors.size()),
                                                    static_cast<int>(numbers.size()));
-    if (native == nullptr) fail("native_handle_create");
+    if (native == nullptr) {
+        fail("native_handle_create");
+    }
     int* next = &native->data[0];
-    for (unique_fd& descriptor : descriptors) *next++ = descriptor.release();
-    for (const int number : numbers) *next++ = number;
+    for (unique_fd& descriptor : descriptors) {
+        *next++ = descriptor.release();
+    }
+    for (const int number : numbers) {
+        *next++ = number;
+    }
     hidl_handle handle;
     handle.setTo(native, true);
     return handle;
@@ -29,14 +35,18 @@ hidl_handle handleOf(std::vector<unique_fd> descriptors, const std::vector<int>&
 
 Pipe::Pipe() {
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) fail("pipe2");
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        fail("pipe2");
+    }
     out.reset(ends[0]);
     in.reset(ends[1]);
 }
 
 unique_fd fileWith(const std::string& text) {
     unique_fd file(memfd_create("test", MFD_CLOEXEC));
-    if (!file.ok() || write(file.get(), text.data(), text.size()) < 0) fail("memfd_create");
+    if (!file.ok() || write(file.get(), text.data(), text.size()) < 0) {
+        fail("memfd_create");
+    }
     return file;
 }
 
@@ -51,7 +61,9 @@ hidl_memory memoryWith(const std::string& text) {
 std::string contentOf(int file) {
     std::string text(1 << 20, '\0');
     const ssize_t got = pread(file, text.data(), text.size(), 0);
-    if (got < 0) fail("pread");
+    if (got < 0) {
+        fail("pread");
+    }
     text.resize(static_cast<size_t>(got));
     return text;
 }
@@ -61,9 +73,15 @@ std::string readFrom(int pipe, size_t most) {
     size_t filled = 0;
     while (filled < most) {
         const ssize_t got = read(pipe, text.data() + filled, most - filled);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) fail("read");
-        if (got == 0) break;
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            fail("read");
+        }
+        if (got == 0) {
+            break;
+        }
         filled += static_cast<size_t>(got);
     }
     text.resize(filled);

@@ -13,23 +13,23 @@ using ::android::base::unique_fd;
 using ::android::hardware::hidl_handle;
 using ::android::hardware::hidl_memory;
 
-// A handle that owns its descriptors.
+/** Makes a handle that owns its descriptors. */
 hidl_handle handleOf(std::vector<unique_fd> descriptors, const std::vector<int>& numbers = {});
 
 struct Pipe {
     Pipe();
-    unique_fd out;  // what is written to in
+    unique_fd out;  // bytes written to `in` arrive here
     unique_fd in;
 };
 
-// A memfd with this text.
+/** A memfd with this text. */
 unique_fd fileWith(const std::string& text);
-// Shared memory, named "ashmem", that owns its descriptor and holds this text.
+/** Shared memory, named "ashmem", that owns its descriptor and contains this text. */
 hidl_memory memoryWith(const std::string& text);
 
-// Everything that the file holds, from its start.
+/** Returns the whole content of the file. */
 std::string contentOf(int file);
-// What arrives until the other end of the pipe is closed everywhere, or so many bytes.
+/** Reads until the other end of the pipe is closed everywhere, or `most` bytes have arrived. */
 std::string readFrom(int pipe, size_t most);
 
 }  // namespace mlk::test

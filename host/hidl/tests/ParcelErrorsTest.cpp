@@ -22,21 +22,21 @@ uint64_t sRoom[4];
 
 void writeRoom(Parcel* parcel) {
     size_t handle;
-    ASSERT_EQ(OK, parcel->writeBuffer(sRoom, sizeof(sRoom), &handle));
+    ASSERT_EQ(parcel->writeBuffer(sRoom, sizeof(sRoom), &handle), OK);
 }
 void writeEmbedded(Parcel* parcel) {
     size_t handle;
     writeRoom(parcel);
-    ASSERT_EQ(OK, parcel->writeEmbeddedBuffer("abcd", 4, &handle, 0, 8));
+    ASSERT_EQ(parcel->writeEmbeddedBuffer("abcd", 4, &handle, 0, 8), OK);
 }
 void writeEmbeddedNull(Parcel* parcel) {
     size_t handle;
     writeRoom(parcel);
-    ASSERT_EQ(OK, parcel->writeEmbeddedBuffer(nullptr, 4, &handle, 0, 8));
+    ASSERT_EQ(parcel->writeEmbeddedBuffer(nullptr, 4, &handle, 0, 8), OK);
 }
 void writeEmbeddedHandle(Parcel* parcel) {
     writeRoom(parcel);
-    ASSERT_EQ(OK, parcel->writeEmbeddedNativeHandle(nullptr, 0, 8));
+    ASSERT_EQ(parcel->writeEmbeddedNativeHandle(nullptr, 0, 8), OK);
 }
 
 status_t readRoom(const Parcel& parcel) {
@@ -46,7 +46,7 @@ status_t readRoom(const Parcel& parcel) {
 }
 std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, size_t offset) {
     return [=](const Parcel& parcel) {
-        EXPECT_EQ(OK, readRoom(parcel));
+        EXPECT_EQ(readRoom(parcel), OK);
         size_t handle;
         const void* bytes;
         return parcel.readEmbeddedBuffer(length, &handle, parent, offset, &bytes);
@@ -54,7 +54,7 @@ std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, si
 }
 std::function<status_t(const Parcel&)> embeddedHandle(size_t parent, size_t offset) {
     return [=](const Parcel& parcel) {
-        EXPECT_EQ(OK, readRoom(parcel));
+        EXPECT_EQ(readRoom(parcel), OK);
         const native_handle_t* handle;
         return parcel.readNullableEmbeddedNativeHandle(parent, offset, &handle);
     };
@@ -68,7 +68,7 @@ status_t readBinder(const Parcel& parcel) {
     return parcel.readNullableStrongBinder(&binder);
 }
 
-// What is written, and a way of reading it that must fail.
+// A written value, and a way of reading it that must fail.
 struct Misread {
     const char* name;
     std::function<void(Parcel*)> write;
@@ -98,7 +98,7 @@ const Misread kMisreads[] = {
         {"EmbeddedNullWithLength", &writeEmbeddedNull, embedded(4, 0, 8), BAD_VALUE},
         {"EmbeddedForAPlainOne", &writeEmbedded,
          [](const Parcel& p) {
-             EXPECT_EQ(OK, readRoom(p));
+             EXPECT_EQ(readRoom(p), OK);
              size_t handle;
              const void* bytes;
              return p.readBuffer(4, &handle, &bytes);
@@ -115,7 +115,7 @@ const Misread kMisreads[] = {
         {"BufferForAnEmbeddedHandle", &writeEmbedded, embeddedHandle(0, 8), BAD_VALUE},
         {"EmbeddedHandleForAPlainOne", &writeEmbeddedHandle,
          [](const Parcel& p) {
-             EXPECT_EQ(OK, readRoom(p));
+             EXPECT_EQ(readRoom(p), OK);
              return readHandle(p);
          },
          BAD_VALUE},
@@ -134,12 +134,12 @@ TEST(ParcelErrorsTest, ReadingOfAParcelThatArrived) {
         Parcel written;
         row.write(&written);
         Parcel arrived;
-        ASSERT_EQ(OK, travel(written, &arrived)) << row.name;
+        ASSERT_EQ(travel(written, &arrived), OK) << row.name;
         EXPECT_EQ(row.expected, row.read(arrived)) << row.name;
     }
 }
 
-// Errors of writing: each is answered, and the parcel does not travel any more.
+// Errors of writing: each is returned, and the parcel can no longer be sent.
 struct Miswrite {
     const char* name;
     std::function<status_t(Parcel*)> write;
@@ -170,7 +170,7 @@ const Miswrite kMiswrites[] = {
          [](Parcel* p) { return p->writeEmbeddedNativeHandle(nullptr, 0, sizeof(sRoom)); }},
         {"ParentThatIsAHandle",
          [](Parcel* p) {
-             EXPECT_EQ(OK, p->writeNativeHandleNoDup(nullptr));
+             EXPECT_EQ(p->writeNativeHandleNoDup(nullptr), OK);
              return writeEmbeddedAt(1, 0, p);
          }},
         {"HandleOfAnotherVersion", [](Parcel* p) { return writeHandle(0, 0, 0, p); }},
@@ -184,19 +184,19 @@ TEST(ParcelErrorsTest, WritingFailsForGood) {
     for (const Miswrite& row : kMiswrites) {
         Parcel parcel;
         writeRoom(&parcel);
-        EXPECT_EQ(OK, parcel.writeError()) << row.name;
-        EXPECT_EQ(BAD_VALUE, row.write(&parcel)) << row.name;
-        EXPECT_EQ(BAD_VALUE, parcel.writeError()) << row.name;
-        EXPECT_EQ(OK, parcel.writeInt32(1)) << row.name;
+        EXPECT_EQ(parcel.writeError(), OK) << row.name;
+        EXPECT_EQ(row.write(&parcel), BAD_VALUE) << row.name;
+        EXPECT_EQ(parcel.writeError(), BAD_VALUE) << row.name;
+        EXPECT_EQ(parcel.writeInt32(1), OK) << row.name;
         Parcel arrived;
-        EXPECT_EQ(BAD_VALUE, travel(parcel, &arrived)) << row.name;
+        EXPECT_EQ(travel(parcel, &arrived), BAD_VALUE) << row.name;
     }
 }
 
 TEST(ParcelErrorsTest, TheLargestHandlesAreWritten) {
     Parcel parcel;
-    EXPECT_EQ(OK, writeHandle(kVersion, 1024, 0, &parcel));
-    EXPECT_EQ(OK, writeHandle(kVersion, 0, 1024, &parcel));
+    EXPECT_EQ(writeHandle(kVersion, 1024, 0, &parcel), OK);
+    EXPECT_EQ(writeHandle(kVersion, 0, 1024, &parcel), OK);
 }
 
 }  // namespace

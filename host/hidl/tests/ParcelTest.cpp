@@ -1,4 +1,4 @@
-// Parcels: what is written is read, before and after it has travelled; nothing else is.
+// Parcels: reading returns exactly what was written, before and after the parcel is sent.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlBinderSupport.h>
@@ -26,12 +26,14 @@ using ::android::sp;
 using ::android::hardware::IBinder;
 using ::android::hardware::Parcel;
 
-// A parcel as its writer has it, and as it arrives.
+// Runs each test twice: with the parcel that was written, and with the one that arrived.
 class ParcelTest : public ::testing::TestWithParam<bool> {
   protected:
     const Parcel& read() {
-        if (!GetParam()) return mWritten;
-        EXPECT_EQ(OK, travel(mWritten, &mArrived));
+        if (!GetParam()) {
+            return mWritten;
+        }
+        EXPECT_EQ(travel(mWritten, &mArrived), OK);
         return mArrived;
     }
     Parcel mWritten;
@@ -46,15 +48,15 @@ INSTANTIATE_TEST_SUITE_P(Way, ParcelTest, ::testing::Bool(), [](const auto& trav
 template <typename T, typename Write, typename Read>
 void expectNumber(T value, Write write, Read read, bool travels) {
     Parcel written;
-    ASSERT_EQ(OK, (written.*write)(value));
+    ASSERT_EQ((written.*write)(value), OK);
     Parcel other;
-    ASSERT_EQ(OK, travels ? travel(written, &other) : OK);
+    ASSERT_EQ(travels ? travel(written, &other) : OK, OK);
     const Parcel& parcel = travels ? other : written;
     T got{};
-    EXPECT_EQ(OK, (parcel.*read)(&got));
+    EXPECT_EQ((parcel.*read)(&got), OK);
     EXPECT_EQ(value, got);
-    EXPECT_EQ(NOT_ENOUGH_DATA, (parcel.*read)(&got));
-    EXPECT_EQ(value, got);  // an error leaves the output alone
+    EXPECT_EQ((parcel.*read)(&got), NOT_ENOUGH_DATA);
+    EXPECT_EQ(value, got);  // an error leaves the output unchanged
 }
 
 template <typename T>
@@ -78,26 +80,26 @@ TEST_P(ParcelTest, NumbersOfEveryKind) {
 }
 
 TEST_P(ParcelTest, NumbersAndTextsInTheirOrder) {
-    ASSERT_EQ(OK, mWritten.writeInterfaceToken("a.b@1.0::IC"));
-    ASSERT_EQ(OK, mWritten.writeInt8(-1));
-    ASSERT_EQ(OK, mWritten.writeCString(""));
-    ASSERT_EQ(OK, mWritten.writeUint64(7));
-    ASSERT_EQ(OK, mWritten.writeCString("seven++"));
+    ASSERT_EQ(mWritten.writeInterfaceToken("a.b@1.0::IC"), OK);
+    ASSERT_EQ(mWritten.writeInt8(-1), OK);
+    ASSERT_EQ(mWritten.writeCString(""), OK);
+    ASSERT_EQ(mWritten.writeUint64(7), OK);
+    ASSERT_EQ(mWritten.writeCString("seven++"), OK);
     const Parcel& parcel = read();
     EXPECT_TRUE(parcel.enforceInterface("a.b@1.0::IC"));
     int8_t small = 0;
-    EXPECT_EQ(OK, parcel.readInt8(&small));
-    EXPECT_EQ(-1, small);
-    EXPECT_STREQ("", parcel.readCString());
+    EXPECT_EQ(parcel.readInt8(&small), OK);
+    EXPECT_EQ(small, -1);
+    EXPECT_STREQ(parcel.readCString(), "");
     uint64_t large = 0;
-    EXPECT_EQ(OK, parcel.readUint64(&large));
-    EXPECT_EQ(7U, large);
-    EXPECT_STREQ("seven++", parcel.readCString());
-    EXPECT_EQ(nullptr, parcel.readCString());
+    EXPECT_EQ(parcel.readUint64(&large), OK);
+    EXPECT_EQ(large, 7U);
+    EXPECT_STREQ(parcel.readCString(), "seven++");
+    EXPECT_EQ(parcel.readCString(), nullptr);
 }
 
 TEST_P(ParcelTest, AnotherInterfacesToken) {
-    ASSERT_EQ(OK, mWritten.writeInterfaceToken("a.b@1.0::IC"));
+    ASSERT_EQ(mWritten.writeInterfaceToken("a.b@1.0::IC"), OK);
     EXPECT_FALSE(read().enforceInterface("a.b@1.0::ID"));
 }
 
@@ -106,20 +108,20 @@ TEST_P(ParcelTest, NoToken) {
 }
 
 TEST_P(ParcelTest, TextWithoutAnEnd) {
-    ASSERT_EQ(OK, mWritten.writeUint32(0x41414141));
-    EXPECT_EQ(nullptr, read().readCString());
+    ASSERT_EQ(mWritten.writeUint32(0x41414141), OK);
+    EXPECT_EQ(read().readCString(), nullptr);
 }
 
 TEST_P(ParcelTest, Buffers) {
     const std::string bytes = "seventeen bytes..";
     size_t handle = 99;
-    ASSERT_EQ(OK, mWritten.writeBuffer(bytes.data(), bytes.size(), &handle));
-    EXPECT_EQ(0U, handle);
+    ASSERT_EQ(mWritten.writeBuffer(bytes.data(), bytes.size(), &handle), OK);
+    EXPECT_EQ(handle, 0U);
     const Parcel& parcel = read();
     const void* got = nullptr;
-    ASSERT_EQ(OK, parcel.readBuffer(bytes.size(), &handle, &got));
-    EXPECT_EQ(0, memcmp(bytes.data(), got, bytes.size()));
-    EXPECT_EQ(BAD_VALUE, parcel.readBuffer(1, &handle, &got));
+    ASSERT_EQ(parcel.readBuffer(bytes.size(), &handle, &got), OK);
+    EXPECT_EQ(memcmp(bytes.data(), got, bytes.size()), 0);
+    EXPECT_EQ(parcel.readBuffer(1, &handle, &got), BAD_VALUE);
 }
 
 TEST_P(ParcelTest, EmbeddedBuffersAreFoundThroughTheirParent) {
@@ -127,16 +129,16 @@ TEST_P(ParcelTest, EmbeddedBuffersAreFoundThroughTheirParent) {
     const char* rooms[2] = {nullptr, text};
     size_t parent;
     size_t child;
-    ASSERT_EQ(OK, mWritten.writeBuffer(rooms, sizeof(rooms), &parent));
-    ASSERT_EQ(OK, mWritten.writeEmbeddedBuffer(text, 5, &child, parent, 8));
+    ASSERT_EQ(mWritten.writeBuffer(rooms, sizeof(rooms), &parent), OK);
+    ASSERT_EQ(mWritten.writeEmbeddedBuffer(text, 5, &child, parent, 8), OK);
     const Parcel& parcel = read();
     const void* got;
-    ASSERT_EQ(OK, parcel.readBuffer(sizeof(rooms), &parent, &got));
+    ASSERT_EQ(parcel.readBuffer(sizeof(rooms), &parent, &got), OK);
     const void* bytes;
-    ASSERT_EQ(OK, parcel.readEmbeddedBuffer(5, &child, parent, 8, &bytes));
-    EXPECT_STREQ("abcd", static_cast<const char*>(bytes));
+    ASSERT_EQ(parcel.readEmbeddedBuffer(5, &child, parent, 8, &bytes), OK);
+    EXPECT_STREQ(static_cast<const char*>(bytes), "abcd");
     EXPECT_EQ(bytes, static_cast<const char* const*>(got)[1]);
-    // Reading repairs the copy that arrived, not what the writer refers to.
+    // Reading repairs the copy that arrived, not the writer's buffers.
     EXPECT_EQ(text, rooms[1]);
 }
 
@@ -144,18 +146,18 @@ TEST_P(ParcelTest, EmptyAndNullBuffersGiveNull) {
     const uint64_t rooms[2] = {0x1234, 0x5678};
     size_t parent;
     size_t child;
-    ASSERT_EQ(OK, mWritten.writeBuffer(rooms, sizeof(rooms), &parent));
-    ASSERT_EQ(OK, mWritten.writeEmbeddedBuffer(nullptr, 0, &child, parent, 0));
-    ASSERT_EQ(OK, mWritten.writeEmbeddedBuffer("", 0, &child, parent, 8));
+    ASSERT_EQ(mWritten.writeBuffer(rooms, sizeof(rooms), &parent), OK);
+    ASSERT_EQ(mWritten.writeEmbeddedBuffer(nullptr, 0, &child, parent, 0), OK);
+    ASSERT_EQ(mWritten.writeEmbeddedBuffer("", 0, &child, parent, 8), OK);
     const Parcel& parcel = read();
     const void* got;
-    ASSERT_EQ(OK, parcel.readBuffer(sizeof(rooms), &parent, &got));
+    ASSERT_EQ(parcel.readBuffer(sizeof(rooms), &parent, &got), OK);
     const void* bytes = got;
-    EXPECT_EQ(OK, parcel.readNullableEmbeddedBuffer(0, &child, parent, 0, &bytes));
-    EXPECT_EQ(nullptr, bytes);
-    EXPECT_EQ(OK, parcel.readNullableEmbeddedBuffer(0, &child, parent, 8, &bytes));
-    EXPECT_EQ(nullptr, bytes);
-    // A pointer that the sender had there does not survive.
+    EXPECT_EQ(parcel.readNullableEmbeddedBuffer(0, &child, parent, 0, &bytes), OK);
+    EXPECT_EQ(bytes, nullptr);
+    EXPECT_EQ(parcel.readNullableEmbeddedBuffer(0, &child, parent, 8, &bytes), OK);
+    EXPECT_EQ(bytes, nullptr);
+    // A pointer of the sender is cleared.
     EXPECT_EQ(GetParam() ? 0U : 0x1234U, static_cast<const uint64_t*>(got)[0]);
 }
 
@@ -163,26 +165,26 @@ TEST_P(ParcelTest, Handles) {
     std::vector<unique_fd> files;
     files.push_back(fileWith("content"));
     const hidl_handle handle = handleOf(std::move(files), {-3});
-    ASSERT_EQ(OK, mWritten.writeNativeHandleNoDup(handle));
-    ASSERT_EQ(OK, mWritten.writeNativeHandleNoDup(nullptr));
+    ASSERT_EQ(mWritten.writeNativeHandleNoDup(handle), OK);
+    ASSERT_EQ(mWritten.writeNativeHandleNoDup(nullptr), OK);
     const Parcel& parcel = read();
     const native_handle_t* got = nullptr;
-    ASSERT_EQ(OK, parcel.readNullableNativeHandleNoDup(&got));
-    ASSERT_NE(nullptr, got);
-    EXPECT_EQ("content", contentOf(got->data[0]));
-    EXPECT_EQ(-3, (&got->data[0])[1]);
-    ASSERT_EQ(OK, parcel.readNullableNativeHandleNoDup(&got));
-    EXPECT_EQ(nullptr, got);
+    ASSERT_EQ(parcel.readNullableNativeHandleNoDup(&got), OK);
+    ASSERT_NE(got, nullptr);
+    EXPECT_EQ(contentOf(got->data[0]), "content");
+    EXPECT_EQ((&got->data[0])[1], -3);
+    ASSERT_EQ(parcel.readNullableNativeHandleNoDup(&got), OK);
+    EXPECT_EQ(got, nullptr);
 }
 
 TEST_P(ParcelTest, NullInterface) {
-    ASSERT_EQ(OK, mWritten.writeStrongBinder(nullptr));
+    ASSERT_EQ(mWritten.writeStrongBinder(nullptr), OK);
     sp<IBinder> binder;
-    EXPECT_EQ(OK, read().readNullableStrongBinder(&binder));
-    EXPECT_EQ(nullptr, binder);
+    EXPECT_EQ(read().readNullableStrongBinder(&binder), OK);
+    EXPECT_EQ(binder, nullptr);
 }
 
-// The memory of a parcel goes to the next one, and nothing else of it does.
+// A parcel leaves its memory to the next one, but no contents.
 TEST(ParcelReuseTest, ANewParcelIsEmpty) {
     const int32_t number = 5;
     for (int round = 0; round < 3; ++round) {
@@ -191,21 +193,22 @@ TEST(ParcelReuseTest, ANewParcelIsEmpty) {
         for (const Parcel* parcel : {&written, &arrived}) {
             EXPECT_TRUE(parcel->data().empty());
             EXPECT_TRUE(parcel->objects().empty());
-            EXPECT_EQ(OK, parcel->writeError());
+            EXPECT_EQ(parcel->writeError(), OK);
             int32_t got;
-            EXPECT_EQ(NOT_ENOUGH_DATA, parcel->readInt32(&got));
+            EXPECT_EQ(parcel->readInt32(&got), NOT_ENOUGH_DATA);
         }
         size_t handle;
-        ASSERT_EQ(OK, written.writeInt32(number));
-        ASSERT_EQ(OK, written.writeBuffer(&number, sizeof(number), &handle));
-        EXPECT_EQ(0U, handle);
-        ASSERT_EQ(OK, travel(written, &arrived));
-        EXPECT_EQ(1U, arrived.objects().size());
-        EXPECT_EQ(BAD_VALUE, written.writeEmbeddedBuffer(&number, sizeof(number), &handle, 7, 0));
+        ASSERT_EQ(written.writeInt32(number), OK);
+        ASSERT_EQ(written.writeBuffer(&number, sizeof(number), &handle), OK);
+        EXPECT_EQ(handle, 0U);
+        ASSERT_EQ(travel(written, &arrived), OK);
+        EXPECT_EQ(arrived.objects().size(), 1U);
+        EXPECT_EQ(written.writeEmbeddedBuffer(&number, sizeof(number), &handle, 7, 0), BAD_VALUE);
     }
 }
 
-// Its writer's buffers are the writer's, also where a parcel that had arrived was before.
+// Writing to a parcel leaves the writer's buffers unchanged, even when the parcel reuses the memory
+// of one that had arrived.
 TEST(ParcelReuseTest, AWrittenParcelDoesNotTouchItsBuffers) {
     struct {
         const char* text;
@@ -219,18 +222,18 @@ TEST(ParcelReuseTest, AWrittenParcelDoesNotTouchItsBuffers) {
         size_t handle;
         size_t embedded;
         const void* got;
-        ASSERT_EQ(OK, written.writeBuffer(&parent, sizeof(parent), &handle));
-        ASSERT_EQ(OK, written.writeEmbeddedBuffer(text, sizeof(text), &embedded, handle, 0));
-        ASSERT_EQ(OK, travel(written, &arrived));
-        ASSERT_EQ(OK, arrived.readBuffer(sizeof(parent), &handle, &got));
-        ASSERT_EQ(OK, arrived.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got));
-        ASSERT_EQ(OK, written.readBuffer(sizeof(parent), &handle, &got));
-        ASSERT_EQ(OK, written.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got));
-        EXPECT_EQ(nullptr, parent.text);
+        ASSERT_EQ(written.writeBuffer(&parent, sizeof(parent), &handle), OK);
+        ASSERT_EQ(written.writeEmbeddedBuffer(text, sizeof(text), &embedded, handle, 0), OK);
+        ASSERT_EQ(travel(written, &arrived), OK);
+        ASSERT_EQ(arrived.readBuffer(sizeof(parent), &handle, &got), OK);
+        ASSERT_EQ(arrived.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got), OK);
+        ASSERT_EQ(written.readBuffer(sizeof(parent), &handle, &got), OK);
+        ASSERT_EQ(written.readEmbeddedBuffer(sizeof(text), &embedded, handle, 0, &got), OK);
+        EXPECT_EQ(parent.text, nullptr);
     }
 }
 
-// What arrived ends with its parcel: its descriptors are not kept.
+// A destroyed parcel closes the descriptors that arrived with it.
 TEST(ParcelReuseTest, DescriptorsAreClosed) {
     Pipe pipe;
     {
@@ -238,24 +241,24 @@ TEST(ParcelReuseTest, DescriptorsAreClosed) {
         Parcel arrived;
         native_handle_t* const handle = native_handle_create(1, 0);
         handle->data[0] = pipe.in.get();
-        EXPECT_EQ(OK, written.writeNativeHandleNoDup(handle));
-        EXPECT_EQ(OK, travel(written, &arrived));
+        EXPECT_EQ(written.writeNativeHandleNoDup(handle), OK);
+        EXPECT_EQ(travel(written, &arrived), OK);
         (void)native_handle_delete(handle);
         pipe.in.reset();
     }
     char byte;
-    EXPECT_EQ(0, read(pipe.out.get(), &byte, 1));  // no writer is left
+    EXPECT_EQ(read(pipe.out.get(), &byte, 1), 0);  // no writer is left
 }
 
 TEST(ParcelErrorTest, AStatusArrivesWithItsMessage) {
     using ::android::hardware::Status;
     Parcel sent;
     const Status status = Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, "not now");
-    EXPECT_EQ(OK, ::android::hardware::writeToParcel(status, &sent));
+    EXPECT_EQ(::android::hardware::writeToParcel(status, &sent), OK);
     Parcel arrived;
-    ASSERT_EQ(OK, travel(sent, &arrived));
+    ASSERT_EQ(travel(sent, &arrived), OK);
     Status read;
-    EXPECT_EQ(OK, ::android::hardware::readFromParcel(&read, arrived));
+    EXPECT_EQ(::android::hardware::readFromParcel(&read, arrived), OK);
     EXPECT_EQ(read.description(), "Status(EX_ILLEGAL_STATE): 'not now'");
 }
 
@@ -271,14 +274,14 @@ TEST(ParcelErrorTest, RemoteObjectIsRefused) {
         }
     };
     Parcel parcel;
-    EXPECT_EQ(INVALID_OPERATION, parcel.writeStrongBinder(new Remote));
-    EXPECT_EQ(INVALID_OPERATION, parcel.writeError());
+    EXPECT_EQ(parcel.writeStrongBinder(new Remote), INVALID_OPERATION);
+    EXPECT_EQ(parcel.writeError(), INVALID_OPERATION);
     size_t handle;
-    EXPECT_NE(INVALID_OPERATION, parcel.writeEmbeddedBuffer("", 1, &handle, 7, 0));
-    EXPECT_EQ(INVALID_OPERATION, parcel.writeError()) << "the first error counts";
+    EXPECT_NE(parcel.writeEmbeddedBuffer("", 1, &handle, 7, 0), INVALID_OPERATION);
+    EXPECT_EQ(parcel.writeError(), INVALID_OPERATION) << "the first error counts";
 }
 
-// Takes part in the end of a process after the main thread's own things have gone.
+// Makes a call at the end of the process, after the main thread's thread-local objects are gone.
 class CallerAtTheEnd {
   public:
     ~CallerAtTheEnd() {
@@ -297,7 +300,7 @@ TEST(ParcelDeathTest, StaticObjectsMayUseParcelsWhenTheyEnd) {
             {
                 static const CallerAtTheEnd caller;
                 {
-                    // Leaves both what later ones may use.
+                    // Leaves memory for later parcels.
                     const Parcel parcel;
                     ::android::hardware::transport::IncomingMessage message;
                     message.reserve(1000, 0);

@@ -23,17 +23,19 @@ namespace {
 
 class PoolTest : public ::testing::Test {
   protected:
-    // So many proxies, each with a connection of its own.
+    // `count` proxies, each with a separate connection.
     static std::vector<sp<IEverything>> proxies(const Server& server, size_t count) {
         std::vector<sp<IEverything>> all;
-        for (size_t i = 0; i < count; ++i) all.push_back(server.service());
+        for (size_t i = 0; i < count; ++i) {
+            all.push_back(server.service());
+        }
         return all;
     }
 
     testing::HostSet mSet;
 };
 
-// Held calls on a pool: as many arrive as there are threads, the others when these are free.
+// Holds calls on a pool: as many arrive as there are threads, the others when threads become free.
 void expectPoolOf(size_t threads, size_t calls, const std::vector<sp<IEverything>>& proxies,
                   const Server& server, size_t others) {
     ASSERT_EQ(calls, proxies.size());
@@ -75,9 +77,9 @@ TEST_F(PoolTest, OneProxyHasThirtyTwoConnectionsAtMost) {
     const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
     ASSERT_TRUE(held.arrived(32));
     EXPECT_FALSE(held.moreArrive());
-    // The first connection was there; a call has two descriptors and its pipes here.
+    // The first connection existed before; a call has two descriptors and its pipes here.
     EXPECT_LE(descriptorsOf(getpid()), before + 31 + 2 * 36 + 4);
-    EXPECT_EQ(36U, held.release());
+    EXPECT_EQ(held.release(), 36U);
 }
 
 TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
@@ -87,7 +89,9 @@ TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
     std::atomic<int> good{0};
     testing::inThreads(50, [&](int) {
         for (int i = 0; i < 20; ++i) {
-            if (proxy->length("abc").withDefault(0) == 3) ++good;
+            if (proxy->length("abc").withDefault(0) == 3) {
+                ++good;
+            }
         }
     });
     EXPECT_EQ(50 * 20, good);
@@ -96,28 +100,34 @@ TEST_F(PoolTest, MoreCallersThanConnectionsThroughOneProxy) {
 TEST_F(PoolTest, IdleServerHasFewThreads) {
     const Server server({"default", "10+join", ""});
     const sp<IEverything> service = server.service();
-    for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
-    // The one that joined, the first, and perhaps one for a call that came before the joining.
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_TRUE(service->ping().isOk());
+    }
+    // The thread that joined, the first one, and perhaps one for a call that came before the join.
     EXPECT_LE(threadsOf(server.pid()), 10U);
 }
 
 TEST_F(PoolTest, SilentClientsCostNoThread) {
     const Server server({"default", "10+join", ""});
-    if (!makeRoomForDescriptors(1000)) GTEST_SKIP() << "too few descriptors";
+    if (!makeRoomForDescriptors(1000)) {
+        GTEST_SKIP() << "too few descriptors";
+    }
     std::vector<std::unique_ptr<RawClient>> silent;
     for (int i = 0; i < 1000; ++i) {
         silent.push_back(std::make_unique<RawClient>(mSet.runtime()));
         ASSERT_TRUE(silent.back()->hello()) << i;
     }
     const sp<IEverything> service = server.service();
-    for (int i = 0; i < 100; ++i) ASSERT_TRUE(service->ping().isOk());
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_TRUE(service->ping().isOk());
+    }
     EXPECT_LT(threadsOf(server.pid()), 10U) << "silent clients take none";
     const auto before = timeOf(server.pid());
     (void)poll(nullptr, 0, 300);
     EXPECT_LT(timeOf(server.pid()) - before, std::chrono::milliseconds(100));
 }
 
-// Clients that call again as soon as they are answered, more and less than there are threads.
+// Clients that call again as soon as they are answered: more and fewer than there are threads.
 class HotClientsTest : public PoolTest, public ::testing::WithParamInterface<size_t> {};
 
 TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
@@ -129,7 +139,9 @@ TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
     for (size_t i = 0; i < GetParam(); ++i) {
         hot.emplace_back([&, proxy = server.service()] {
             while (!stop) {
-                if (!proxy->ping().isOk()) ++failures;
+                if (!proxy->ping().isOk()) {
+                    ++failures;
+                }
             }
         });
     }
@@ -138,12 +150,16 @@ TEST_P(HotClientsTest, OthersAreAnsweredMeanwhile) {
         const auto start = std::chrono::steady_clock::now();
         const sp<IEverything> fresh = server.service();
         EXPECT_TRUE(fresh != nullptr && fresh->ping().isOk());
-        if (limit.isOver()) break;
+        if (limit.isOver()) {
+            break;
+        }
         longest = std::max(longest, std::chrono::steady_clock::now() - start);
     }
     stop = true;
-    for (std::thread& thread : hot) thread.join();
-    EXPECT_EQ(0, failures);
+    for (std::thread& thread : hot) {
+        thread.join();
+    }
+    EXPECT_EQ(failures, 0);
     EXPECT_LE(threadsOf(server.pid()), 10U);
     EXPECT_LT(longest, std::chrono::seconds(5));
 }
@@ -156,15 +172,17 @@ TEST_F(PoolTest, HotClientsOnAPoolOfOne) {
     testing::inThreads(4, [&](int) {
         const sp<IEverything> proxy = server.service();
         for (int i = 0; i < 500; ++i) {
-            if (proxy->ping().isOk()) ++good;
+            if (proxy->ping().isOk()) {
+                ++good;
+            }
         }
     });
     EXPECT_EQ(4 * 500, good);
-    EXPECT_EQ(1U, threadsOf(server.pid()));
+    EXPECT_EQ(threadsOf(server.pid()), 1U);
 }
 
-// A call may arrive together with the one before it, and nothing behind it: it must not be
-// forgotten when the thread goes on to others.
+// A call may arrive together with the previous one, with no event after it. The thread must not
+// forget it when it turns to other clients.
 TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
     const Server server({"default", "1+join", ""});
     const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
@@ -176,7 +194,9 @@ TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
         both.insert(both.end(), one.begin(), one.end());
     }
     ASSERT_TRUE(client.send(both));
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(::android::OK, client.replyStatus()) << i;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(::android::OK, client.replyStatus()) << i;
+    }
 }
 
 TEST_F(PoolTest, OnewayAndCallTogetherOnAPoolOfOne) {
@@ -185,7 +205,9 @@ TEST_F(PoolTest, OnewayAndCallTogetherOnAPoolOfOne) {
     testing::inThreads(3, [&](int) {
         const sp<IEverything> proxy = server.service();
         for (int i = 0; i < 300; ++i) {
-            if (proxy->poke(i).isOk() && proxy->poke(i).isOk() && proxy->ping().isOk()) ++good;
+            if (proxy->poke(i).isOk() && proxy->poke(i).isOk() && proxy->ping().isOk()) {
+                ++good;
+            }
         }
     });
     EXPECT_EQ(3 * 300, good);

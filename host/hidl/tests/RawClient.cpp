@@ -28,7 +28,7 @@ void pad(std::vector<uint8_t>* bytes, size_t alignment) {
     bytes->resize((bytes->size() + alignment - 1) / alignment * alignment);
 }
 
-// A value as it stands in a struct that travels.
+// A value as it lies in a struct that is sent.
 template <typename T>
 std::vector<uint8_t> bytesOf(const T& value) {
     std::vector<uint8_t> bytes;
@@ -79,7 +79,9 @@ size_t RawMessage::binder() {
 std::vector<uint8_t> RawMessage::bytes() const {
     std::vector<uint8_t> body = data;
     pad(&body, 8);
-    for (const Object& object : objects) append(&body, &object.record, sizeof(object.record));
+    for (const Object& object : objects) {
+        append(&body, &object.record, sizeof(object.record));
+    }
     for (const Object& object : objects) {
         append(&body, object.bytes.data(), object.bytes.size());
         pad(&body, 8);
@@ -145,8 +147,8 @@ RawClient::RawClient(const std::string& runtime, const std::string& interface)
     address.sun_family = AF_UNIX;
     EXPECT_LT(path.size(), sizeof(address.sun_path));
     memcpy(address.sun_path, path.c_str(), std::min(path.size(), sizeof(address.sun_path) - 1));
-    EXPECT_EQ(0,
-              connect(mSocket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)))
+    EXPECT_EQ(connect(mSocket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)),
+              0)
             << strerror(errno);
     const timeval limit = {30, 0};
     (void)setsockopt(mSocket.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
@@ -154,7 +156,7 @@ RawClient::RawClient(const std::string& runtime, const std::string& interface)
 
 bool RawClient::hello() {
     Hello hello{};
-    // An engine that makes up inputs looks after them with signals.
+    // A fuzz engine interrupts calls with signals.
     const ssize_t got = TEMP_FAILURE_RETRY(recv(mSocket.get(), &hello, sizeof(hello), MSG_WAITALL));
     return got == sizeof(hello) && hello.magic == Hello::kMagic && hello.version == Hello::kVersion;
 }
@@ -167,9 +169,11 @@ bool RawClient::send(const std::vector<uint8_t>& bytes, const std::vector<int>& 
 }
 
 std::optional<::android::status_t> RawClient::replyStatus() {
-    if (mReader.read(mSocket.get(), 0, 0) != transport::MessageReader::Result::MESSAGE) return {};
+    if (mReader.read(mSocket.get(), 0, 0) != transport::MessageReader::Result::MESSAGE) {
+        return {};
+    }
     const transport::IncomingMessage reply = mReader.take();
-    EXPECT_EQ(MessageType::REPLY, reply.header().type);
+    EXPECT_EQ(reply.header().type, MessageType::REPLY);
     return static_cast<::android::status_t>(reply.header().code);
 }
 
@@ -181,8 +185,12 @@ bool RawClient::ends() {
 
 bool makeRoomForDescriptors(size_t count) {
     rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return false;
-    if (limit.rlim_cur >= count + 100) return true;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return false;
+    }
+    if (limit.rlim_cur >= count + 100) {
+        return true;
+    }
     limit.rlim_cur = limit.rlim_max;
     return limit.rlim_cur >= count + 100 && setrlimit(RLIMIT_NOFILE, &limit) == 0;
 }

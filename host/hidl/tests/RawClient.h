@@ -1,4 +1,4 @@
-// A client that speaks the protocol by hand, so that it can break it.
+// A client that implements the protocol by hand, so that it can break it.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -22,7 +22,7 @@ using ::android::hardware::transport::MessageType;
 using ::android::hardware::transport::WireObject;
 using ::mlk::test::everything::V1_0::IEverything;
 
-// A message in parts that a test may change before it is put together.
+/** The parts of a message; a test may change them before bytes() joins them. */
 struct RawMessage {
     struct Object {
         WireObject record;
@@ -32,35 +32,35 @@ struct RawMessage {
     std::vector<uint8_t> data;
     std::vector<Object> objects;
     std::vector<int> descriptors;
-    // Sizes that are lies when they are set.
+    /** False sizes for the header, if set. */
     std::optional<uint32_t> dataSize;
     std::optional<uint32_t> objectCount;
     std::optional<uint32_t> fdCount;
     std::optional<uint64_t> bodySize;
 
-    // Adds numbers, and a text with its NUL, to the data.
+    /** Adds numbers, and a text with its NUL, to the data. */
     void number(uint32_t value);
     void text(const std::string& value);
-    // Adds a buffer; embedded when parent is given.
+    /** Adds a buffer, embedded when parent is given. */
     size_t buffer(std::vector<uint8_t> bytes);
     size_t embedded(std::vector<uint8_t> bytes, uint32_t parent, uint64_t offset);
-    // Adds a handle with so many descriptors and numbers, embedded in an object.
+    /** Adds a handle with these counts of descriptors and numbers, embedded in an object. */
     size_t handle(int numFds, int numInts, uint32_t parent, uint64_t offset);
-    // Adds an interface.
+    /** Adds an interface. */
     size_t binder();
 
-    // The message as it travels.
+    /** The message in the form in which it is sent. */
     std::vector<uint8_t> bytes() const;
 };
 
-// Sound calls of IEverything.
+/** Sound calls of IEverything. */
 RawMessage callOf(uint32_t code);
 RawMessage textCall(const std::string& text);        // text(text)
 RawMessage fdCall(const std::vector<int>& numbers);  // fd(a handle of these descriptors)
 RawMessage listenCall(int descriptor);               // listen(an object there, "")
 RawMessage bytesCall(uint32_t count);                // bytes(count)
 
-// Positions of methods in IEverything.
+/** Codes of methods in IEverything. */
 enum Code : uint32_t {
     TEXT = 3,
     FD = 5,
@@ -70,20 +70,23 @@ enum Code : uint32_t {
     BYTES = 25,
 };
 
-// A connection to the service "default" of an interface in a runtime folder.
+/** A connection to the service "default" of an interface in a runtime folder. */
 class RawClient {
   public:
     explicit RawClient(const std::string& runtime,
                        const std::string& interface = IEverything::descriptor);
 
-    // Takes the server's hello; false when it is none.
+    /** Reads the server's hello; false when it is malformed. */
     bool hello();
-    // Sends bytes, with descriptors; false when the server is gone.
+    /** Sends bytes, with descriptors; false when the server is gone. */
     bool send(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors = {});
     bool send(const RawMessage& message) { return send(message.bytes(), message.descriptors); }
-    // Takes a whole reply: the transport's status; nothing when the connection ends instead.
+    /**
+     * Reads a whole reply. Returns the transport's status, or nothing when the connection ends
+     * instead.
+     */
     std::optional<::android::status_t> replyStatus();
-    // Whether the server ends the connection without a word.
+    /** Whether the server ends the connection without a reply. */
     bool ends();
     void close() { mSocket.reset(); }
     int socket() const { return mSocket.get(); }
@@ -94,7 +97,10 @@ class RawClient {
             ::android::hardware::transport::kMaxReplyBody};
 };
 
-// Lets this process have so many more descriptors than it has; false when the system does not.
+/**
+ * Raises this process's limit to `count` descriptors more than it has open; false when the system
+ * refuses.
+ */
 bool makeRoomForDescriptors(size_t count);
 
 }  // namespace mlk::test

@@ -21,7 +21,9 @@ using std::chrono::milliseconds;
 Server::Server(const Options& options) : mOptions(options) {
     std::vector<std::string> command{testing::binDir() + "/hidl_test_server", options.instance,
                                      options.threads};
-    if (!options.descriptors.empty()) command.push_back(options.descriptors);
+    if (!options.descriptors.empty()) {
+        command.push_back(options.descriptors);
+    }
     testing::Process::Options how;
     how.keepInputOpen = true;
     mProcess = std::make_unique<testing::Process>(command, how);
@@ -31,13 +33,15 @@ Server::Server(const Options& options) : mOptions(options) {
 }
 
 Server::~Server() {
-    if (mOver) return;
+    if (mOver) {
+        return;
+    }
     if (mOptions.threads.find("+join") != std::string::npos) {
         kill();
         return;
     }
     mProcess->closeInput();
-    EXPECT_EQ(0, mProcess->wait()) << mProcess->err();
+    EXPECT_EQ(mProcess->wait(), 0) << mProcess->err();
 }
 
 sp<IEverything> Server::service() const {
@@ -57,7 +61,7 @@ int Server::wait() {
 
 struct HeldCalls::Call {
     std::thread thread;
-    bool answered = false;  // good once the thread is joined
+    bool answered = false;  // valid after the thread is joined
 };
 
 HeldCalls::HeldCalls(const std::vector<sp<IEverything>>& proxies) {
@@ -80,7 +84,9 @@ HeldCalls::~HeldCalls() {
 bool HeldCalls::arrived(size_t count) {
     for (size_t i = 0; i < count; ++i) {
         pollfd arrivals{mArrivals.out.get(), POLLIN, 0};
-        if (poll(&arrivals, 1, 30 * 1000) != 1) return false;
+        if (poll(&arrivals, 1, 30 * 1000) != 1) {
+            return false;
+        }
         (void)readFrom(mArrivals.out.get(), 1);
     }
     return true;
@@ -95,8 +101,12 @@ size_t HeldCalls::release() {
     mGate.in.reset();
     size_t answered = 0;
     for (const auto& call : mCalls) {
-        if (call->thread.joinable()) call->thread.join();
-        if (call->answered) ++answered;
+        if (call->thread.joinable()) {
+            call->thread.join();
+        }
+        if (call->answered) {
+            ++answered;
+        }
     }
     return answered;
 }

@@ -1,4 +1,4 @@
-// A server process for a test, and what can be seen of it from outside.
+// A server process for a test, observed from outside.
 #pragma once
 
 #include <sys/types.h>
@@ -23,7 +23,7 @@ using testing::residentOf;
 using testing::threadsOf;
 using testing::timeOf;
 
-// hidl_test_server, started and registered. Needs a HostSet around it.
+/** Runs hidl_test_server until it is registered. Needs a HostSet. */
 class Server {
   public:
     struct Options {
@@ -33,21 +33,24 @@ class Server {
     };
     Server() : Server(Options()) {}
     explicit Server(const Options& options);
-    // Ends it in good order; a status other than 0 fails the test.
+    /** Ends the server normally; a status other than 0 fails the test. */
     ~Server();
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
     pid_t pid() const { return mProcess->pid(); }
-    // A new proxy.
+    /** A new proxy. */
     sp<IEverything> service() const;
-    // Kills it and waits until it is gone.
+    /** Kills the server and waits until it is gone. */
     void kill();
-    // Waits until it has ended by itself: its exit status, or 128 and the signal's number.
+    /**
+     * Waits until the server ends by itself. Returns its exit status, or 128 plus the number of the
+     * signal.
+     */
     int wait();
-    // Whether it writes this to standard error, now or soon.
+    /** Whether it writes this to standard error, now or soon. */
     bool says(const std::string& text) const { return mProcess->waitForErr(text); }
-    // What it has written to standard error so far.
+    /** The output to standard error so far. */
     std::string err() const { return mProcess->err(); }
 
   private:
@@ -56,20 +59,22 @@ class Server {
     bool mOver = false;
 };
 
-// Calls of hold() that are waiting in a server, each on a thread of its own.
+/** Calls of hold() that are waiting in a server, each on a separate thread. */
 class HeldCalls {
   public:
-    // Starts the calls through these proxies, one a proxy.
+    /** Starts one call through each of these proxies. */
     explicit HeldCalls(const std::vector<sp<IEverything>>& proxies);
     ~HeldCalls();
     HeldCalls(const HeldCalls&) = delete;
     HeldCalls& operator=(const HeldCalls&) = delete;
 
-    // Waits until so many have arrived; false when they do not.
+    /** Waits until `count` calls have arrived; false when they do not. */
     bool arrived(size_t count);
-    // Whether another one arrives within a moment.
+    /** Whether another call arrives within a moment. */
     bool moreArrive();
-    // Lets all go and waits until they have returned; how many were answered.
+    /**
+     * Releases all calls and waits until they have returned. Returns the number of answered calls.
+     */
     size_t release();
 
   private:

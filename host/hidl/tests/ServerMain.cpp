@@ -1,8 +1,8 @@
 // hidl_test_server [INSTANCE [THREADS [DESCRIPTORS]]]: a server of the tests' interface.
 //
-// Registers it and writes "ready". THREADS (default 4) is the pool's maximum; it ends when its
-// standard input does, so that the sanitizers have their say; with "+join", as in "10+join", its
-// first thread joins the pool instead. DESCRIPTORS limits what it may open, for good.
+// Registers it and writes "ready". THREADS (default 4) is the pool's maximum. With "+join", as in
+// "10+join", the first thread joins the pool. Otherwise the server ends with its standard input, so
+// that the sanitizers can report. DESCRIPTORS permanently limits its open descriptors.
 #include <hidl/HidlTransportSupport.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -23,7 +23,9 @@ int main(int argc, char** argv) {
     if (argc > 3) {
         const rlim_t limit = strtoul(argv[3], nullptr, 10);
         const rlimit both{limit, limit};
-        if (setrlimit(RLIMIT_NOFILE, &both) != 0) return 2;
+        if (setrlimit(RLIMIT_NOFILE, &both) != 0) {
+            return 2;
+        }
     }
     configureRpcThreadpool(strtoul(pool.c_str(), nullptr, 10), join);
     const ::android::sp<mlk::test::IEverything> service = new mlk::test::Everything;
@@ -33,7 +35,9 @@ int main(int argc, char** argv) {
     }
     (void)printf("ready\n");
     (void)fflush(stdout);
-    if (join) joinRpcThreadpool();
+    if (join) {
+        joinRpcThreadpool();
+    }
     char byte;
     while (read(STDIN_FILENO, &byte, 1) > 0) {
     }

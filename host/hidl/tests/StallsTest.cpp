@@ -1,4 +1,4 @@
-// The bounds of what connections keep while they wait for their clients.
+// The bounds on what connections keep while they wait for their clients.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <log/log.h>
@@ -30,7 +30,7 @@ class StallsTest : public ::testing::Test {
 
     struct Connection {
         Connection(Kind kind, Stalls& stalls) {
-            EXPECT_EQ(OK, connectedPair(&here, &there));
+            EXPECT_EQ(connectedPair(&here, &there), OK);
             stall.emplace(kind, here.get(), stalls);
         }
         bool closed() const { return isHungUp(there.get()); }
@@ -42,13 +42,13 @@ class StallsTest : public ::testing::Test {
     Connection& connect(Kind kind = Kind::REPLY) {
         return mConnections.emplace_back(kind, mStalls);
     }
-    // A new connection that keeps so much.
+    // Makes a new connection that keeps these amounts.
     Connection& keeping(uint64_t bytes, size_t descriptors = 0, Kind kind = Kind::REPLY) {
         Connection& made = connect(kind);
         EXPECT_TRUE(made.stall->keep(bytes, descriptors));
         return made;
     }
-    // Waits until what is kept now is no longer fresh.
+    // Waits until everything kept now is older than the limit for fresh stalls.
     static void grow() { (void)poll(nullptr, 0, 1100); }
 
     std::vector<milliseconds> mWakings;
@@ -58,10 +58,12 @@ class StallsTest : public ::testing::Test {
 };
 
 TEST_F(StallsTest, BoundOfAllTogether) {
-    for (int i = 0; i < 4; ++i) (void)keeping(2500);
+    for (int i = 0; i < 4; ++i) {
+        (void)keeping(2500);
+    }
     EXPECT_FALSE(connect().stall->keep(2500, 0));
     EXPECT_FALSE(mConnections[0].closed()) << "it makes progress";
-    // When one has gone there is room again.
+    // When one connection ends, its share is free again.
     mConnections[1].stall->end();
     EXPECT_TRUE(connect().stall->keep(2500, 0));
     EXPECT_FALSE(connect().stall->keep(2500, 0));
@@ -75,10 +77,14 @@ TEST_F(StallsTest, KindsHaveBoundsOfTheirOwn) {
 
 TEST_F(StallsTest, OneThatKeepsMuchMakesRoomForThoseThatKeepLittle) {
     Connection& hoarder = keeping(kReplies);
-    for (int i = 0; i < 4; ++i) (void)keeping(2000);
+    for (int i = 0; i < 4; ++i) {
+        (void)keeping(2000);
+    }
     EXPECT_TRUE(hoarder.closed());
-    for (size_t i = 1; i < mConnections.size(); ++i) EXPECT_FALSE(mConnections[i].closed()) << i;
-    // It has been counted off, and does not come back.
+    for (size_t i = 1; i < mConnections.size(); ++i) {
+        EXPECT_FALSE(mConnections[i].closed()) << i;
+    }
+    // Its share was subtracted once, and it cannot come back.
     EXPECT_FALSE(hoarder.stall->keep(1, 0));
 }
 
@@ -102,10 +108,14 @@ TEST_F(StallsTest, OldOnesOfOneSizeMakeRoomTheOldestFirst) {
 }
 
 TEST_F(StallsTest, SmallerOnesStay) {
-    for (int i = 0; i < 10; ++i) (void)keeping(1000);
+    for (int i = 0; i < 10; ++i) {
+        (void)keeping(1000);
+    }
     grow();
     EXPECT_FALSE(connect().stall->keep(1001, 0));
-    for (const Connection& connection : mConnections) EXPECT_FALSE(connection.closed());
+    for (const Connection& connection : mConnections) {
+        EXPECT_FALSE(connection.closed());
+    }
 }
 
 TEST_F(StallsTest, DescriptorsOfBothKindsHaveABound) {
@@ -138,13 +148,13 @@ TEST_F(StallsTest, TimeIsOver) {
     EXPECT_TRUE(stalled.closed());
     EXPECT_FALSE(waiting.closed());
     EXPECT_FALSE(later.closed());
-    ASSERT_EQ(2U, mWakings.size()) << "for the one that is left";
+    ASSERT_EQ(mWakings.size(), 2U) << "for the one that is left";
     EXPECT_LE(mWakings[1], milliseconds(50));
     (void)poll(nullptr, 0, 60);
     mStalls.endOverdue();
     EXPECT_TRUE(later.closed());
     EXPECT_FALSE(waiting.closed());
-    EXPECT_EQ(2U, mWakings.size());
+    EXPECT_EQ(mWakings.size(), 2U);
 }
 
 TEST_F(StallsTest, KeepingMoreDoesNotBuyTime) {
@@ -157,7 +167,9 @@ TEST_F(StallsTest, KeepingMoreDoesNotBuyTime) {
 
 TEST_F(StallsTest, FewLinesAreLogged) {
     const testing::LogCapture log;
-    for (int i = 0; i < 10; ++i) (void)keeping(1, 1, Kind::MESSAGE);
+    for (int i = 0; i < 10; ++i) {
+        (void)keeping(1, 1, Kind::MESSAGE);
+    }
     (void)poll(nullptr, 0, 60);
     mStalls.endOverdue();
     EXPECT_THAT(log.texts(ANDROID_LOG_WARN, "hidl"),

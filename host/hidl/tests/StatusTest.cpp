@@ -1,4 +1,4 @@
-// Status and Return: how calls end, and what that is called.
+// Status and Return: how calls end, and the texts for that.
 #include <android/log.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -56,25 +56,25 @@ TEST(StatusTest, Descriptions) {
 TEST(StatusTest, Parts) {
     Status status = Status::fromStatusT(::android::NO_MEMORY);
     EXPECT_FALSE(status.isOk());
-    EXPECT_EQ(Status::EX_TRANSACTION_FAILED, status.exceptionCode());
+    EXPECT_EQ(status.exceptionCode(), Status::EX_TRANSACTION_FAILED);
     EXPECT_EQ(::android::NO_MEMORY, status.transactionError());
     status = Status::fromExceptionCode(Status::EX_SECURITY, "message");
     EXPECT_EQ(::android::OK, status.transactionError());
-    EXPECT_STREQ("message", status.exceptionMessage());
+    EXPECT_STREQ(status.exceptionMessage(), "message");
     status.setFromStatusT(::android::OK);
     EXPECT_TRUE(status.isOk());
-    EXPECT_STREQ("", status.exceptionMessage());
+    EXPECT_STREQ(status.exceptionMessage(), "");
 }
 
 TEST(ReturnTest, Values) {
     const Return<int> good(7);
     EXPECT_TRUE(good.isOk());
-    EXPECT_EQ(7, static_cast<int>(good));
-    EXPECT_EQ(7, good.withDefault(9));
+    EXPECT_EQ(static_cast<int>(good), 7);
+    EXPECT_EQ(good.withDefault(9), 7);
     const Return<int> bad = Status::fromStatusT(::android::BAD_VALUE);
     EXPECT_FALSE(bad.isOk());
     EXPECT_FALSE(bad.isDeadObject());
-    EXPECT_EQ(9, bad.withDefault(9));
+    EXPECT_EQ(bad.withDefault(9), 9);
     EXPECT_TRUE(Void().isOk());
     const Return<void> dead = Status::fromStatusT(::android::DEAD_OBJECT);
     EXPECT_TRUE(dead.isDeadObject());

@@ -26,7 +26,9 @@ TEST(TaskRunnerTest, RunsInOrderAndToTheEnd) {
     {
         TaskRunner runner;
         runner.start(100);
-        for (int i = 0; i < 5; ++i) EXPECT_TRUE(runner.push([&ran, i] { ran.push_back(i); }));
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_TRUE(runner.push([&ran, i] { ran.push_back(i); }));
+        }
     }
     EXPECT_THAT(ran, ElementsAre(0, 1, 2, 3, 4));
 }
@@ -49,10 +51,10 @@ TEST(TaskRunnerTest, HasALimit) {
         EXPECT_FALSE(runner.push([&] { ++ran; }));
         gate.set_value();
     }
-    EXPECT_EQ(2, ran);
+    EXPECT_EQ(ran, 2);
 }
 
-// Between two tasks the thread waits, and has to be told of the second.
+// Between two tasks the thread waits, and has to be woken for the second.
 TEST(TaskRunnerTest, RunsATaskThatComesLater) {
     std::atomic<int> ran{0};
     TaskRunner runner;
@@ -74,7 +76,7 @@ TEST(TaskRunnerTest, TaskMayEndItsRunner) {
     }));
     EXPECT_TRUE(runner->push([&] { done.set_value(); }));
     pushed.set_value();
-    done.get_future().wait();  // what was queued runs all the same
+    done.get_future().wait();  // queued tasks run all the same
 }
 
 TEST(TaskRunnerTest, WhatATaskHeldMayEndItsRunner) {
@@ -96,16 +98,16 @@ TEST(TaskRunnerTest, WhatATaskHeldMayEndItsRunner) {
 
 TEST(ConcurrentMapTest, SetsGetsAndErases) {
     ConcurrentMap<std::string, int> map;
-    EXPECT_EQ(-1, map.get("a", -1));
+    EXPECT_EQ(map.get("a", -1), -1);
     map.set("a", 1);
     map.set("a", 2);
-    EXPECT_EQ(2, map.get("a", -1));
-    EXPECT_EQ(0U, map.eraseIfEqual("a", 1));
-    EXPECT_EQ(0U, map.eraseIfEqual("b", 1));
-    EXPECT_EQ(1U, map.eraseIfEqual("a", 2));
-    EXPECT_EQ(0U, map.erase("a"));
+    EXPECT_EQ(map.get("a", -1), 2);
+    EXPECT_EQ(map.eraseIfEqual("a", 1), 0U);
+    EXPECT_EQ(map.eraseIfEqual("b", 1), 0U);
+    EXPECT_EQ(map.eraseIfEqual("a", 2), 1U);
+    EXPECT_EQ(map.erase("a"), 0U);
     map.set("b", 3);
-    EXPECT_EQ(1U, map.erase("b"));
+    EXPECT_EQ(map.erase("b"), 1U);
 }
 
 std::shared_ptr<int> lock(const std::weak_ptr<int>& weak) {
@@ -117,13 +119,13 @@ TEST(ConcurrentMapTest, MakesWhatIsMissing) {
     int made = 0;
     const auto make = [&] { return std::make_shared<int>(++made); };
     auto first = map.getOrMake(1, &lock, make);
-    EXPECT_EQ(1, *first);
+    EXPECT_EQ(*first, 1);
     EXPECT_EQ(first, map.getOrMake(1, &lock, make));
-    EXPECT_EQ(2, *map.getOrMake(2, &lock, make));
+    EXPECT_EQ(*map.getOrMake(2, &lock, make), 2);
     first = nullptr;  // no longer usable: another is made
-    EXPECT_EQ(3, *map.getOrMake(1, &lock, make));
-    EXPECT_EQ(nullptr, map.getOrMake(4, &lock, [] { return std::shared_ptr<int>(); }));
-    EXPECT_EQ(3, made);
+    EXPECT_EQ(*map.getOrMake(1, &lock, make), 3);
+    EXPECT_EQ(map.getOrMake(4, &lock, [] { return std::shared_ptr<int>(); }), nullptr);
+    EXPECT_EQ(made, 3);
 }
 
 TEST(ConcurrentMapTest, MakingMayUseTheMap) {
@@ -141,7 +143,9 @@ TEST(ConcurrentMapTest, AllThreadsHaveTheSame) {
         got[static_cast<size_t>(index)] =
                 map.getOrMake(1, &lock, [&] { return std::make_shared<int>(index); });
     });
-    for (const auto& one : got) EXPECT_EQ(got[0], one);
+    for (const auto& one : got) {
+        EXPECT_EQ(got[0], one);
+    }
 }
 
 }  // namespace

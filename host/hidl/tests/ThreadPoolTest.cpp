@@ -1,4 +1,4 @@
-// The pool by itself: sources that come, go, wait and fail while threads serve them.
+// The pool by itself: sources are added, removed, wait and fail while threads serve them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -26,11 +26,11 @@ using ::android::hardware::transport::EventSource;
 using ::android::hardware::transport::ThreadPool;
 using Next = EventSource::Next;
 
-// A socket whose events are counted, and answered by what the test says.
+// A socket that counts its events and answers them with the test's function.
 class Source : public EventSource {
   public:
     explicit Source(std::function<Next(Source&)> work) : mWork(std::move(work)) {
-        EXPECT_EQ(OK, connectedPair(&mOwn, &mOther));
+        EXPECT_EQ(connectedPair(&mOwn, &mOther), OK);
         ++sAlive;
     }
     ~Source() override { --sAlive; }
@@ -40,8 +40,8 @@ class Source : public EventSource {
     }
     int descriptor() const override { return mOwn.get(); }
 
-    void write() const { EXPECT_EQ(1, ::write(mOther.get(), "x", 1)); }
-    void read() const { EXPECT_EQ("x", readFrom(mOwn.get(), 1)); }
+    void write() const { EXPECT_EQ(::write(mOther.get(), "x", 1), 1); }
+    void read() const { EXPECT_EQ(readFrom(mOwn.get(), 1), "x"); }
     void hangUp() { mOther.reset(); }
     int events() const { return mEvents; }
     static int alive() { return sAlive; }
@@ -69,34 +69,34 @@ TEST_F(ThreadPoolTest, ServesUntilDropped) {
         s.read();
         return s.events() < 3 ? Next::WAIT_FOR_INPUT : Next::DROP;
     });
-    ASSERT_NE(0U, mPool.add(source, true));
+    ASSERT_NE(mPool.add(source, true), 0U);
     for (int i = 1; i <= 3; ++i) {
         source->write();
         EXPECT_TRUE(eventually([&] { return source->events() == i; }));
     }
     EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
     source->write();
-    EXPECT_EQ(3, source->events());
+    EXPECT_EQ(source->events(), 3);
 }
 
 TEST_F(ThreadPoolTest, SpaceIsAnEventToo) {
     const auto source = std::make_shared<Source>(
             [](Source& s) { return s.events() < 10 ? Next::WAIT_FOR_SPACE : Next::DROP; });
-    ASSERT_NE(0U, mPool.add(source, true));
+    ASSERT_NE(mPool.add(source, true), 0U);
     source->write();
     EXPECT_TRUE(eventually([&] { return source->events() == 10; }));
 }
 
 TEST_F(ThreadPoolTest, WithoutInputOnlyTheEndIsAnEvent) {
     const auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
-    ASSERT_NE(0U, mPool.add(source, false));
+    ASSERT_NE(mPool.add(source, false), 0U);
     source->write();
-    // Another source's event comes after it would have.
+    // Another source's event arrives after the missing one would have.
     const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
-    ASSERT_NE(0U, mPool.add(other, true));
+    ASSERT_NE(mPool.add(other, true), 0U);
     other->write();
     EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
-    EXPECT_EQ(0, source->events());
+    EXPECT_EQ(source->events(), 0);
     source->hangUp();
     EXPECT_TRUE(eventually([&] { return source->events() == 1; }));
 }
@@ -105,12 +105,12 @@ TEST_F(ThreadPoolTest, ExceptionEndsItsSourceOnly) {
     const testing::LogCapture log;
     auto source = std::make_shared<Source>(
             [](Source&) -> Next { throw std::runtime_error("thrown by the test"); });
-    ASSERT_NE(0U, mPool.add(source, true));
+    ASSERT_NE(mPool.add(source, true), 0U);
     source->write();
     EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
     EXPECT_THAT(log.brief(), ::testing::ElementsAre("E/a connection ends: thrown by the test"));
     const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
-    ASSERT_NE(0U, mPool.add(other, true));
+    ASSERT_NE(mPool.add(other, true), 0U);
     other->write();
     EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
 }
@@ -118,16 +118,16 @@ TEST_F(ThreadPoolTest, ExceptionEndsItsSourceOnly) {
 TEST_F(ThreadPoolTest, RemovedSourceHearsNothingMore) {
     const auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
     const uint64_t id = mPool.add(source, true);
-    ASSERT_NE(0U, id);
+    ASSERT_NE(id, 0U);
     mPool.remove(id);
-    mPool.remove(id);  // nothing happens
-    EXPECT_EQ(1, source.use_count());
+    mPool.remove(id);  // has no effect
+    EXPECT_EQ(source.use_count(), 1);
     source->write();
     const auto other = std::make_shared<Source>([](Source&) { return Next::DROP; });
-    ASSERT_NE(0U, mPool.add(other, true));
+    ASSERT_NE(mPool.add(other, true), 0U);
     other->write();
     EXPECT_TRUE(eventually([&] { return other->events() == 1; }));
-    EXPECT_EQ(0, source->events());
+    EXPECT_EQ(source->events(), 0);
 }
 
 TEST_F(ThreadPoolTest, SourceRemovedWhileItIsServed) {
@@ -136,7 +136,8 @@ TEST_F(ThreadPoolTest, SourceRemovedWhileItIsServed) {
     auto source = std::make_shared<Source>([&](Source&) {
         serving.set_value();
         removed.get_future().wait();
-        return Next::WAIT_FOR_INPUT;  // there is input: it would be served again at once
+        return Next::WAIT_FOR_INPUT;  // input is pending: without DROP it would be served again at
+                                      // once
     });
     const uint64_t id = mPool.add(source, true);
     source->write();
@@ -144,7 +145,7 @@ TEST_F(ThreadPoolTest, SourceRemovedWhileItIsServed) {
     mPool.remove(id);
     removed.set_value();
     EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
-    EXPECT_EQ(1, source->events());
+    EXPECT_EQ(source->events(), 1);
 }
 
 TEST_F(ThreadPoolTest, NothingToWaitOn) {
@@ -153,7 +154,7 @@ TEST_F(ThreadPoolTest, NothingToWaitOn) {
         Next onEvents(uint32_t, ThreadPool&) override { return Next::DROP; }
         int descriptor() const override { return -1; }
     };
-    EXPECT_EQ(0U, mPool.add(std::make_shared<NoDescriptor>(), true));
+    EXPECT_EQ(mPool.add(std::make_shared<NoDescriptor>(), true), 0U);
     EXPECT_THAT(log.brief(),
                 ::testing::ElementsAre("E/cannot wait on a connection: Bad file descriptor"));
 }
@@ -165,8 +166,12 @@ TEST_F(ThreadPoolTest, ManySourcesComeAndGoWhileTheyAreServed) {
                 return s.events() % 2 == 0 ? Next::WAIT_FOR_INPUT : Next::WAIT_FOR_SPACE;
             });
             const uint64_t id = mPool.add(source, true);
-            if ((i + thread) % 3 != 0) source->write();
-            if ((i + thread) % 3 == 1) source->hangUp();
+            if ((i + thread) % 3 != 0) {
+                source->write();
+            }
+            if ((i + thread) % 3 == 1) {
+                source->hangUp();
+            }
             mPool.remove(id);
         }
     });

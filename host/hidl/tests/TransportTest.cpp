@@ -36,16 +36,16 @@ using Result = MessageReader::Result;
 
 class TransportTest : public ::testing::Test {
   protected:
-    TransportTest() { EXPECT_EQ(OK, connectedPair(&mHere, &mThere)); }
+    TransportTest() { EXPECT_EQ(connectedPair(&mHere, &mThere), OK); }
 
     void send(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors = {}) {
         Sending sending;
         sending.pieces = {{const_cast<uint8_t*>(bytes.data()), bytes.size()}};
         sending.descriptors = descriptors;
-        ASSERT_EQ(0, sendPieces(mHere.get(), &sending, MSG_DONTWAIT));
+        ASSERT_EQ(sendPieces(mHere.get(), &sending, MSG_DONTWAIT), 0);
     }
     Result read() { return mReader.read(mThere.get(), MSG_DONTWAIT, MSG_DONTWAIT); }
-    // Makes the socket from here to there full.
+    // Fills the socket from here to there.
     void fill() {
         const std::vector<char> bytes(4096);
         while (::send(mHere.get(), bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
@@ -65,29 +65,29 @@ std::vector<uint8_t> joined(std::vector<uint8_t> first, const std::vector<uint8_
 TEST_F(TransportTest, ReaderWaitsForAWholeMessage) {
     const std::vector<uint8_t> bytes = textCall("text").bytes();
     for (const uint8_t byte : bytes) {
-        EXPECT_EQ(Result::AGAIN, read());
+        EXPECT_EQ(read(), Result::AGAIN);
         EXPECT_FALSE(mReader.hasResult());
         send({byte});
     }
-    ASSERT_EQ(Result::MESSAGE, read());
-    EXPECT_EQ(TEXT, mReader.take().header().code);
-    EXPECT_EQ(Result::AGAIN, read());
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, TEXT);
+    EXPECT_EQ(read(), Result::AGAIN);
     mHere.reset();
-    EXPECT_EQ(Result::CLOSED, read());
+    EXPECT_EQ(read(), Result::CLOSED);
 }
 
 TEST_F(TransportTest, ReaderKeepsTheNextMessage) {
     send(joined(callOf(1).bytes(), joined(callOf(2).bytes(), {'M', 'L'})));
-    ASSERT_EQ(Result::MESSAGE, read());
-    EXPECT_EQ(1U, mReader.take().header().code);
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, 1U);
     EXPECT_TRUE(mReader.hasResult());
-    ASSERT_EQ(Result::MESSAGE, read());
-    EXPECT_EQ(2U, mReader.take().header().code);
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, 2U);
     EXPECT_FALSE(mReader.hasResult());
-    EXPECT_EQ(Result::AGAIN, read());
+    EXPECT_EQ(read(), Result::AGAIN);
     send({'x', 'x'});
     send(std::vector<uint8_t>(28));
-    EXPECT_EQ(Result::RUBBISH, read());
+    EXPECT_EQ(read(), Result::RUBBISH);
 }
 
 TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
@@ -96,16 +96,16 @@ TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
     send(callOf(1).bytes());
     send(fdCall({one.get(), two.get()}).bytes(), {one.get(), two.get()});
     send(fdCall({two.get()}).bytes(), {two.get()});
-    ASSERT_EQ(Result::MESSAGE, read());
-    EXPECT_EQ(0U, mReader.take().descriptors.size());
-    ASSERT_EQ(Result::MESSAGE, read());
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().descriptors.size(), 0U);
+    ASSERT_EQ(read(), Result::MESSAGE);
     const IncomingMessage first = mReader.take();
-    ASSERT_EQ(2U, first.descriptors.size());
-    EXPECT_EQ("one", contentOf(first.descriptors[0].get()));
-    ASSERT_EQ(Result::MESSAGE, read());
+    ASSERT_EQ(first.descriptors.size(), 2U);
+    EXPECT_EQ(contentOf(first.descriptors[0].get()), "one");
+    ASSERT_EQ(read(), Result::MESSAGE);
     const IncomingMessage second = mReader.take();
-    ASSERT_EQ(1U, second.descriptors.size());
-    EXPECT_EQ("two", contentOf(second.descriptors[0].get()));
+    ASSERT_EQ(second.descriptors.size(), 1U);
+    EXPECT_EQ(contentOf(second.descriptors[0].get()), "two");
 }
 
 TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
@@ -113,17 +113,17 @@ TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
         const std::string block(length, 'b');
         Parcel parcel;
         size_t handle;
-        ASSERT_EQ(OK, parcel.writeCString("12"));
-        ASSERT_EQ(OK, parcel.writeBuffer(block.data(), block.size(), &handle));
+        ASSERT_EQ(parcel.writeCString("12"), OK);
+        ASSERT_EQ(parcel.writeBuffer(block.data(), block.size(), &handle), OK);
         OutgoingMessage message;
-        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
+        ASSERT_EQ(message.encode(parcel, MessageType::CALL, 1, kMaxCallBody), OK);
         std::string bytes;
         for (const iovec& piece : message.sending().pieces) {
             bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
         }
         const size_t start = sizeof(Header) + 8 + sizeof(WireObject);
         ASSERT_EQ(start + alignedToEight(length), bytes.size());
-        EXPECT_EQ(std::string("12\0\0\0\0\0\0", 8), bytes.substr(sizeof(Header), 8));
+        EXPECT_EQ(bytes.substr(sizeof(Header), 8), std::string("12\0\0\0\0\0\0", 8));
         EXPECT_EQ(block, bytes.substr(start, length));
         EXPECT_EQ(std::string(alignedToEight(length) - length, '\0'), bytes.substr(start + length));
     }
@@ -135,9 +135,9 @@ TEST_F(TransportTest, MessagesCarryNothingOfEarlierOnes) {
         const std::string block(length, 'b');
         Parcel parcel;
         size_t handle;
-        ASSERT_EQ(OK, parcel.writeBuffer(block.data(), block.size(), &handle));
-        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
-        ASSERT_EQ(1U, message.sending().pieces.size());
+        ASSERT_EQ(parcel.writeBuffer(block.data(), block.size(), &handle), OK);
+        ASSERT_EQ(message.encode(parcel, MessageType::CALL, 1, kMaxCallBody), OK);
+        ASSERT_EQ(message.sending().pieces.size(), 1U);
         const iovec& piece = message.sending().pieces[0];
         const std::string bytes(static_cast<const char*>(piece.iov_base), piece.iov_len);
         const std::string padding(alignedToEight(length) - length, '\0');
@@ -145,11 +145,11 @@ TEST_F(TransportTest, MessagesCarryNothingOfEarlierOnes) {
         message.finish();
     }
     message.encodeStatus(NO_MEMORY);
-    EXPECT_EQ(sizeof(Header), message.sending().left());
+    EXPECT_EQ(message.sending().left(), sizeof(Header));
 }
 
 TEST_F(TransportTest, MessagesCarryNoAddressesAndNoDescriptorNumbers) {
-    // Structs with a pointer in their middle, sent as a copy and from where they stand.
+    // Structs with a pointer in the middle, sent as a copy and without one.
     for (const size_t length : {24U, 40'000U}) {
         std::string parent(length, 'p');
         const std::string child = "child";
@@ -159,11 +159,11 @@ TEST_F(TransportTest, MessagesCarryNoAddressesAndNoDescriptorNumbers) {
         Parcel parcel;
         size_t handle;
         size_t embedded;
-        ASSERT_EQ(OK, parcel.writeBuffer(parent.data(), length, &handle));
-        ASSERT_EQ(OK, parcel.writeEmbeddedBuffer(child.data(), child.size(), &embedded, handle, 8));
-        ASSERT_EQ(OK, parcel.writeEmbeddedNativeHandle(native, handle, 16));
+        ASSERT_EQ(parcel.writeBuffer(parent.data(), length, &handle), OK);
+        ASSERT_EQ(parcel.writeEmbeddedBuffer(child.data(), child.size(), &embedded, handle, 8), OK);
+        ASSERT_EQ(parcel.writeEmbeddedNativeHandle(native, handle, 16), OK);
         OutgoingMessage message;
-        ASSERT_EQ(OK, message.encode(parcel, MessageType::CALL, 1, kMaxCallBody));
+        ASSERT_EQ(message.encode(parcel, MessageType::CALL, 1, kMaxCallBody), OK);
         std::string bytes;
         for (const iovec& piece : message.sending().pieces) {
             bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
@@ -174,8 +174,8 @@ TEST_F(TransportTest, MessagesCarryNoAddressesAndNoDescriptorNumbers) {
         EXPECT_EQ(expected, bytes.substr(start, length)) << length;
         EXPECT_EQ(child, bytes.substr(start + length, child.size()));
         const size_t number = start + length + 8 + sizeof(native_handle_t);
-        EXPECT_EQ(std::string(4, '\0'), bytes.substr(number, 4));
-        EXPECT_EQ(std::string(length, 'p'), parent) << "the sender's own is as it was";
+        EXPECT_EQ(bytes.substr(number, 4), std::string(4, '\0'));
+        EXPECT_EQ(parent, std::string(length, 'p')) << "the sender's own is as it was";
         EXPECT_EQ(file.get(), native->data[0]);
         EXPECT_EQ(message.bodySize() + sizeof(Header), bytes.size());
         (void)native_handle_delete(native);
@@ -187,27 +187,29 @@ TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
     std::string text = "first";
     Sending sending;
     sending.pieces = {{text.data(), 2}, {text.data() + 2, 3}};
-    EXPECT_EQ(5U, sending.left());
-    EXPECT_EQ(EAGAIN, sendPieces(mHere.get(), &sending, MSG_DONTWAIT));
+    EXPECT_EQ(sending.left(), 5U);
+    EXPECT_EQ(sendPieces(mHere.get(), &sending, MSG_DONTWAIT), EAGAIN);
     EXPECT_FALSE(sending.begun);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(EAGAIN, sendWithin(mHere.get(), &sending, milliseconds(50)));
+    EXPECT_EQ(sendWithin(mHere.get(), &sending, milliseconds(50)), EAGAIN);
     EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(50));
     std::vector<char> room(1 << 20);
     while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
     }
-    EXPECT_EQ(0, sendWithin(mHere.get(), &sending, milliseconds(50)));
+    EXPECT_EQ(sendWithin(mHere.get(), &sending, milliseconds(50)), 0);
     EXPECT_TRUE(sending.begun);
-    EXPECT_EQ(0U, sending.left());
-    EXPECT_EQ(5, recv(mThere.get(), room.data(), room.size(), 0));
+    EXPECT_EQ(sending.left(), 0U);
+    EXPECT_EQ(recv(mThere.get(), room.data(), room.size(), 0), 5);
 }
 
 TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
     std::string text(1000, 'x');  // more pieces than the kernel takes at once
     Sending sending;
-    for (char& letter : text) sending.pieces.push_back({&letter, 1});
+    for (char& letter : text) {
+        sending.pieces.push_back({&letter, 1});
+    }
     sending.descriptors = {STDERR_FILENO};
-    EXPECT_EQ(0, sendPieces(mHere.get(), &sending, 0));
+    EXPECT_EQ(sendPieces(mHere.get(), &sending, 0), 0);
     std::vector<char> room(text.size());
     std::vector<unique_fd> descriptors;
     for (size_t filled = 0; filled < text.size();) {
@@ -215,7 +217,7 @@ TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
         ASSERT_GT(got, 0);
         filled += static_cast<size_t>(got);
     }
-    EXPECT_EQ(1U, descriptors.size());
+    EXPECT_EQ(descriptors.size(), 1U);
 }
 
 TEST_F(TransportTest, SendingToNobody) {
@@ -224,7 +226,7 @@ TEST_F(TransportTest, SendingToNobody) {
     Sending sending;
     sending.pieces = {{&byte, 1}};
     const int error = sendPieces(mHere.get(), &sending, 0);
-    EXPECT_EQ(EPIPE, error);
+    EXPECT_EQ(error, EPIPE);
     EXPECT_TRUE(endsConnection(error));
     EXPECT_TRUE(isHungUp(mHere.get()));
     EXPECT_FALSE(endsConnection(EBADF));
@@ -245,7 +247,7 @@ TEST_F(TransportTest, KindsOfDescriptors) {
     EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));
 }
 
-// How often a signal has interrupted this process.
+// Counts the signals that interrupted this process.
 std::atomic<int> sInterruptions{0};
 
 TEST_F(TransportTest, ReceivingGoesOnAfterASignal) {
@@ -253,7 +255,7 @@ TEST_F(TransportTest, ReceivingGoesOnAfterASignal) {
     struct sigaction action {};
     struct sigaction former {};
     action.sa_handler = [](int) { ++sInterruptions; };  // without SA_RESTART
-    ASSERT_EQ(0, sigaction(SIGUSR1, &action, &former));
+    ASSERT_EQ(sigaction(SIGUSR1, &action, &former), 0);
     std::atomic<bool> done{false};
     ssize_t got = 0;
     char byte = 0;
@@ -265,20 +267,22 @@ TEST_F(TransportTest, ReceivingGoesOnAfterASignal) {
     const testing::TimeLimit limit([&] { (void)shutdown(mHere.get(), SHUT_RDWR); });
     for (int i = 0; i < kSignals && !done; ++i) {
         const int before = sInterruptions;
-        ASSERT_EQ(0, pthread_kill(receiver.native_handle(), SIGUSR1));
-        while (sInterruptions == before && !done) std::this_thread::yield();
-        // It goes back to waiting meanwhile, where it does.
+        ASSERT_EQ(pthread_kill(receiver.native_handle(), SIGUSR1), 0);
+        while (sInterruptions == before && !done) {
+            std::this_thread::yield();
+        }
+        // Lets the sender return to waiting, if it waits.
         (void)poll(nullptr, 0, 1);
     }
     EXPECT_FALSE(done);
     send({'x'});
     receiver.join();
-    EXPECT_EQ(1, got);
-    EXPECT_EQ('x', byte);
+    EXPECT_EQ(got, 1);
+    EXPECT_EQ(byte, 'x');
     (void)sigaction(SIGUSR1, &former, nullptr);
 }
 
-// A thread's memory for the next message, or the next parcel.
+// The memory that a thread keeps for the next message or parcel.
 TEST(SpareMemoryTest, LargeMessagesAreGivenBack) {
     constexpr size_t kMostKept = size_t{64} * 1024;
     for (const size_t size : {size_t{5000}, kMostKept, kMostKept + 1, size_t{1} << 20U}) {
@@ -291,7 +295,7 @@ TEST(SpareMemoryTest, LargeMessagesAreGivenBack) {
         IncomingMessage next;
         ASSERT_TRUE(next.reserve(1, 0));
         EXPECT_LE(next.capacity, kMostKept) << size;
-        // A usual one goes on to the next without being allocated again.
+        // The next message reuses memory of a usual size without another allocation.
         EXPECT_TRUE(size > kMostKept || bytes == next.bytes.get()) << size;
     }
 }
@@ -302,12 +306,16 @@ TEST(SpareMemoryTest, LargeParcelsAreGivenBack) {
     size_t handle = 0;
     {
         Parcel parcel;
-        for (size_t i = 0; i < kMostKept; ++i) (void)parcel.writeInt32(1);
+        for (size_t i = 0; i < kMostKept; ++i) {
+            (void)parcel.writeInt32(1);
+        }
     }
     EXPECT_LE(Parcel().data().capacity(), kMostKept);
     {
         Parcel parcel;
-        for (int i = 0; i < 1000; ++i) (void)parcel.writeBuffer(block.data(), 1, &handle);
+        for (int i = 0; i < 1000; ++i) {
+            (void)parcel.writeBuffer(block.data(), 1, &handle);
+        }
     }
     EXPECT_LE(Parcel().objects().capacity() * sizeof(Parcel::Object), kMostKept);
 }
@@ -317,15 +325,21 @@ TEST(SpareMemoryTest, FewParcelsAreKept) {
     constexpr size_t kSize = 4000;
     const auto parcels = [] {
         std::vector<std::unique_ptr<Parcel>> made;
-        for (size_t i = 0; i < 3 * kMostKept; ++i) made.push_back(std::make_unique<Parcel>());
+        for (size_t i = 0; i < 3 * kMostKept; ++i) {
+            made.push_back(std::make_unique<Parcel>());
+        }
         return made;
     };
     for (const auto& parcel : parcels()) {
-        for (size_t i = 0; i < kSize / 4; ++i) (void)parcel->writeInt32(1);
+        for (size_t i = 0; i < kSize / 4; ++i) {
+            (void)parcel->writeInt32(1);
+        }
     }
     size_t used = 0;
-    for (const auto& parcel : parcels()) used += parcel->data().capacity() >= kSize ? 1 : 0;
-    EXPECT_EQ(kMostKept, used);
+    for (const auto& parcel : parcels()) {
+        used += parcel->data().capacity() >= kSize ? 1 : 0;
+    }
+    EXPECT_EQ(used, kMostKept);
 }
 
 }  // namespace

@@ -28,21 +28,21 @@ TEST_F(UnansweredTest, TwoAnswersGiveTheFirstAndEndTheServer) {
     std::string answer;
     const auto called = mService->twice([&](const hidl_string& text) { answer = text; });
     EXPECT_TRUE(called.isOk()) << called.description();
-    EXPECT_EQ("first", answer);
+    EXPECT_EQ(answer, "first");
     EXPECT_EQ(128 + SIGABRT, mServer.wait());
     EXPECT_TRUE(mService->ping().isDeadObject());
 }
 
 TEST_F(UnansweredTest, ExceptionsFailTheirCallAndNothingElse) {
     const auto noMemory = mService->fails(true, [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'NO_MEMORY: '", noMemory.description());
+    EXPECT_EQ(noMemory.description(), "Status(EX_TRANSACTION_FAILED): 'NO_MEMORY: '");
     const auto other = mService->fails(false, [](const hidl_string&) { FAIL(); });
-    EXPECT_EQ("Status(EX_TRANSACTION_FAILED): 'UNKNOWN_ERROR: '", other.description());
+    EXPECT_EQ(other.description(), "Status(EX_TRANSACTION_FAILED): 'UNKNOWN_ERROR: '");
     EXPECT_TRUE(mService->ping().isOk());
     EXPECT_TRUE(mServer.says("ended in an exception: on request"));
 }
 
-// In the same process there is no stub between: nothing is missed.
+// Within one process no stub checks for an answer.
 TEST(UnansweredHereTest, IsNoError) {
     const sp<IEverything> here = new Everything;
     EXPECT_TRUE(here->silent([](const hidl_string&) { FAIL(); }).isOk());

@@ -1,4 +1,5 @@
-// Clients that begin and do not go on: what they keep of the server has an end, in amount and time.
+// Clients that begin a message and stop: the server bounds what it keeps for them, in size and
+// time.
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -27,13 +28,13 @@ constexpr size_t kMegabyte = size_t{1} << 20;
 
 class UnfinishedTest : public HostileTest {
   protected:
-    // The whole of a call as large as may be, but for its last byte.
+    // A call of the largest size without its last byte.
     static std::vector<uint8_t> almostAll() {
         std::vector<uint8_t> bytes = textCall(std::string(kMaxCallBody - 1000, 'x')).bytes();
         bytes.pop_back();
         return bytes;
     }
-    // How many of them the server has left alone.
+    // The number of connections that the server has not closed.
     static size_t alive(const std::vector<std::unique_ptr<RawClient>>& clients) {
         size_t count = 0;
         for (const auto& client : clients) {
@@ -56,7 +57,7 @@ TEST_F(UnfinishedTest, MessagesHaveABoundTogether) {
               before + (testing::kAddressSanitizer || testing::kThreadSanitizer ? 200 : 40) *
                                kMegabyte);
     EXPECT_TRUE(eventually([&] { return alive(attackers) <= 16; })) << alive(attackers);
-    // There is room for the call of an honest client that takes its time.
+    // An honest client's slow call still fits.
     const auto slow = connect();
     const std::vector<uint8_t> call = textCall(std::string(500'000, 'x')).bytes();
     for (size_t sent = 0; sent < call.size(); sent += 50'000) {
@@ -65,14 +66,16 @@ TEST_F(UnfinishedTest, MessagesHaveABoundTogether) {
                  call.begin() + static_cast<ptrdiff_t>(std::min(sent + 50'000, call.size()))}));
         ASSERT_TRUE(mHonest->ping().isOk());
     }
-    EXPECT_EQ(OK, slow->replyStatus());
+    EXPECT_EQ(slow->replyStatus(), OK);
     slow->close();
     attackers.clear();
     expectUnharmed();
 }
 
 TEST_F(UnfinishedTest, DescriptorsHaveABoundTogether) {
-    if (!makeRoomForDescriptors(1000)) GTEST_SKIP() << "too few descriptors";
+    if (!makeRoomForDescriptors(1000)) {
+        GTEST_SKIP() << "too few descriptors";
+    }
     const unique_fd file = fileWith("x");
     const std::vector<int> many(253, file.get());
     std::vector<uint8_t> half = fdCall(many).bytes();
@@ -86,13 +89,13 @@ TEST_F(UnfinishedTest, DescriptorsHaveABoundTogether) {
     // 10,000 were sent.
     EXPECT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) < mDescriptors + 600; }))
             << descriptorsOf(mServer.pid());
-    // An honest one that is slow with its single descriptor gets its answer.
+    // An honest client that is slow with its single descriptor gets its answer.
     const auto slow = connect();
     const std::vector<uint8_t> call = fdCall({file.get()}).bytes();
     ASSERT_TRUE(slow->send({call.begin(), call.begin() + 40}, {file.get()}));
     ASSERT_TRUE(mHonest->ping().isOk());
     ASSERT_TRUE(slow->send({call.begin() + 40, call.end()}));
-    EXPECT_EQ(OK, slow->replyStatus());
+    EXPECT_EQ(slow->replyStatus(), OK);
     slow->close();
     attackers.clear();
     expectUnharmed();
@@ -120,7 +123,7 @@ TEST_F(UnfinishedTest, OneThatNeverReadsALargeAnswerCostsOthersNothing) {
         hogs.push_back(connect());
         ASSERT_TRUE(hogs.back()->send(bytesCall(kHogs)));
     }
-    // Both answers wait by now: the threads have gone on to others.
+    // Both answers wait by now: the threads serve others.
     expectAllThreadsAnswer();
     std::vector<std::unique_ptr<RawClient>> honest;
     for (int i = 0; i < 4; ++i) {
@@ -128,13 +131,15 @@ TEST_F(UnfinishedTest, OneThatNeverReadsALargeAnswerCostsOthersNothing) {
         ASSERT_TRUE(honest.back()->send(bytesCall(kOthers)));
     }
     expectAllThreadsAnswer();
-    for (const auto& client : honest) EXPECT_EQ(OK, client->replyStatus());
+    for (const auto& client : honest) {
+        EXPECT_EQ(client->replyStatus(), OK);
+    }
     honest.clear();
     hogs.clear();
     expectUnharmed();
 }
 
-// A server that waits a moment only.
+// A server with a short stall limit.
 class ImpatientTest : public ::testing::Test {
   protected:
     ImpatientTest() { (void)setenv("MLK_STALL_LIMIT_MS", "300", 1); }
@@ -156,9 +161,9 @@ TEST_F(ImpatientTest, UnfinishedMessageHasATimeLimit) {
     ASSERT_TRUE(stalled->send({call.begin(), call.end() - 1}));
     EXPECT_TRUE(stalled->ends());
     EXPECT_TRUE(server.says("left its message unfinished"));
-    // Who has said nothing at all may be silent for ever.
+    // A client that has sent nothing may stay silent for ever.
     ASSERT_TRUE(idle->send(call));
-    EXPECT_EQ(OK, idle->replyStatus());
+    EXPECT_EQ(idle->replyStatus(), OK);
 }
 
 TEST_F(ImpatientTest, TricklingDoesNotBuyTime) {
@@ -180,7 +185,7 @@ TEST_F(ImpatientTest, UnreadReplyHasATimeLimit) {
     const auto client = connect();
     ASSERT_TRUE(client->send(bytesCall(4 * kMegabyte)));
     EXPECT_TRUE(server.says("left its reply unread"));
-    // What was in the socket is still there; the rest never comes.
+    // The bytes in the socket still arrive; the rest never does.
     EXPECT_FALSE(client->replyStatus().has_value());
 }
 

@@ -1,4 +1,4 @@
-// The end of a reply that its client has not taken yet.
+// The end of a reply that its client has not read yet.
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -26,9 +26,9 @@ using ::android::OK;
 
 class UnsentReplyTest : public ::testing::Test {
   protected:
-    UnsentReplyTest() { EXPECT_EQ(OK, connectedPair(&mHere, &mThere)); }
+    UnsentReplyTest() { EXPECT_EQ(connectedPair(&mHere, &mThere), OK); }
 
-    // Makes the socket from here to there full.
+    // Fills the socket from here to there.
     void fill() {
         const std::vector<char> bytes(4096);
         while (::send(mHere.get(), bytes.data(), bytes.size(), MSG_DONTWAIT) > 0) {
@@ -59,10 +59,10 @@ TEST_F(UnsentReplyTest, IsSentWhenThereIsRoom) {
     EXPECT_TRUE(unsent.flush());
     EXPECT_TRUE(unsent.empty());
     std::vector<unique_fd> descriptors;
-    ASSERT_EQ(15, receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0));
-    EXPECT_EQ("kept until then", std::string(room.data(), 15));
-    ASSERT_EQ(1U, descriptors.size());
-    EXPECT_EQ("content", contentOf(descriptors[0].get()));
+    ASSERT_EQ(receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0), 15);
+    EXPECT_EQ(std::string(room.data(), 15), "kept until then");
+    ASSERT_EQ(descriptors.size(), 1U);
+    EXPECT_EQ(contentOf(descriptors[0].get()), "content");
 }
 
 TEST_F(UnsentReplyTest, ClientThatIsGone) {
@@ -84,18 +84,20 @@ TEST_F(UnsentReplyTest, IsNotKeptWithoutItsDescriptor) {
     UnsentReply unsent(mHere.get());
     EXPECT_FALSE(unsent.keep(sending));
     EXPECT_TRUE(unsent.empty());
-    sending.begun = true;  // they have gone with the first byte
+    sending.begun = true;  // they were sent with the first byte
     EXPECT_TRUE(unsent.keep(sending));
 }
 
-// The open descriptors of this process that a program it starts would have too.
+// The open descriptors of this process that a program would inherit.
 std::vector<int> inheritable() {
     std::vector<int> found;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), &closedir);
     while (const dirent* entry = readdir(folder.get())) {
         const int descriptor = atoi(entry->d_name);
         const int flags = fcntl(descriptor, F_GETFD);
-        if (flags >= 0 && (flags & FD_CLOEXEC) == 0) found.push_back(descriptor);
+        if (flags >= 0 && (flags & FD_CLOEXEC) == 0) {
+            found.push_back(descriptor);
+        }
     }
     return found;
 }
@@ -125,10 +127,10 @@ TEST_F(UnsentReplyTest, DescriptorsGoWithItsFirstByte) {
     const size_t before = testing::descriptorsOf(getpid());
     ASSERT_TRUE(unsent.keep(sending));
     EXPECT_EQ(before + 1, testing::descriptorsOf(getpid()));
-    // What fits into the socket is sent, which is not all.
+    // Sends what fits into the socket, which is only a part.
     EXPECT_TRUE(unsent.flush());
     EXPECT_FALSE(unsent.empty());
-    // The one that is there now is on its way in the socket.
+    // The remaining one is in flight in the socket.
     EXPECT_EQ(before, testing::descriptorsOf(getpid()));
 }
 

@@ -1,4 +1,5 @@
-// Who may connect to whom. These tests are for root, who alone can become somebody else.
+// Which users may connect to which. Only root can run these tests, because only root can change the
+// user.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -21,11 +22,11 @@ namespace transport = ::android::hardware::transport;
 constexpr uid_t kNobody = 65534;
 constexpr char kName[] = "mlk.test.everything@1.0::IEverything.default";
 
-// A child process that is another user: it lives until the test lets it go. It is a copy of this
+// A child process of another user, which lives until the test releases it. It is a fork of this
 // process, which must not have started threads before.
 class OtherUser {
   public:
-    // work: what the child does first; its result is the child's answer.
+    // work: runs first in the child; its result is the child's answer.
     template <typename Work>
     explicit OtherUser(const Work& work) {
         mChild = fork();
@@ -56,10 +57,12 @@ class OtherUser {
 class UsersTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
-        // Even where no folder stands between them.
-        ASSERT_EQ(0, chmod(mSet.dir().path().c_str(), 0777));
-        ASSERT_EQ(0, chmod(mSet.runtime().c_str(), 0777));
+        if (geteuid() != 0) {
+            GTEST_SKIP() << "only root can become another user";
+        }
+        // Even without a protected folder on the path.
+        ASSERT_EQ(chmod(mSet.dir().path().c_str(), 0777), 0);
+        ASSERT_EQ(chmod(mSet.runtime().c_str(), 0777), 0);
     }
 
     testing::HostSet mSet;
@@ -70,30 +73,30 @@ TEST_F(UsersTest, ServerOfAnotherUserIsNotTrusted) {
     transport::unique_fd listener;
     OtherUser impostor([&] { return transport::listenOn(folder, kName, &listener) == 0; });
     ASSERT_TRUE(impostor.worked());
-    EXPECT_EQ(nullptr, IEverything::getService());
+    EXPECT_EQ(IEverything::getService(), nullptr);
 }
 
 TEST_F(UsersTest, RootMayVisitAnotherUser) {
-    ASSERT_EQ(0, chown(mSet.runtime().c_str(), kNobody, kNobody));
+    ASSERT_EQ(chown(mSet.runtime().c_str(), kNobody, kNobody), 0);
     OtherUser owner([] {
         const sp<IEverything> service = new Everything;
         return service->registerAsService("default") == ::android::OK;
     });
     ASSERT_TRUE(owner.worked());
     const sp<IEverything> found = IEverything::getService();
-    ASSERT_NE(nullptr, found);
+    ASSERT_NE(found, nullptr);
     EXPECT_TRUE(found->ping().isOk());
 }
 
 TEST_F(UsersTest, AnotherUserIsRefused) {
-    const mode_t former = umask(0);  // the socket is open to all, too
+    const mode_t former = umask(0);  // the socket is open to all users, too
     Pipe ready;
     OtherUser visitor([&] {
         ready.in.reset();
         (void)readFrom(ready.out.get(), 1);
         const transport::RuntimeFolder folder = transport::findRuntimeFolder();
         RawClient client(mSet.runtime());
-        // Refused by the server; and by itself, which trusts root's server.
+        // The server refuses the client, and the client trusts root's server.
         return folder.descriptor.ok() && !client.hello() && IEverything::getService() == nullptr;
     });
     const Server server;

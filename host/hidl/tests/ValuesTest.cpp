@@ -28,9 +28,9 @@ TEST(HidlStringTest, EmptyOnes) {
                                 hidl_string(std::string()), hidl_string("abc", 0)};
     for (const hidl_string& text : rows) {
         EXPECT_TRUE(text.empty());
-        EXPECT_EQ(0U, text.size());
-        ASSERT_NE(nullptr, text.c_str());
-        EXPECT_EQ('\0', *text.c_str());
+        EXPECT_EQ(text.size(), 0U);
+        ASSERT_NE(text.c_str(), nullptr);
+        EXPECT_EQ(*text.c_str(), '\0');
     }
 }
 
@@ -38,49 +38,49 @@ TEST(HidlStringTest, CopiesItsText) {
     std::string source("a\0b", 3);
     const hidl_string text(source);
     source[0] = 'x';
-    EXPECT_EQ(3U, text.size());
+    EXPECT_EQ(text.size(), 3U);
     EXPECT_EQ(std::string("a\0b", 3), std::string(text));
-    EXPECT_EQ('\0', text.c_str()[3]);
-    EXPECT_EQ("ab", std::string(hidl_string("abc", 2)));
+    EXPECT_EQ(text.c_str()[3], '\0');
+    EXPECT_EQ(std::string(hidl_string("abc", 2)), "ab");
 }
 
 TEST(HidlStringTest, Assignments) {
     hidl_string text("former");
     text = "letters";
-    EXPECT_EQ("letters", text);
+    EXPECT_EQ(text, "letters");
     text = std::string("a string");
-    EXPECT_EQ("a string", text);
+    EXPECT_EQ(text, "a string");
     const hidl_string other("other");
     text = other;
-    EXPECT_EQ("other", text);
-    EXPECT_EQ("other", other);
+    EXPECT_EQ(text, "other");
+    EXPECT_EQ(other, "other");
     const hidl_string& itself = text;
     text = itself;
-    EXPECT_EQ("other", text);
+    EXPECT_EQ(text, "other");
     text = text.c_str() + 2;  // a part of itself
-    EXPECT_EQ("her", text);
+    EXPECT_EQ(text, "her");
     text = static_cast<const char*>(nullptr);
-    EXPECT_EQ("", text);
+    EXPECT_EQ(text, "");
     text = "again";
     text.clear();
     EXPECT_TRUE(text.empty());
 }
 
-// What is moved from is left empty, as the class says: looking at it is what these tests are for.
+// These tests check that a moved-from text is empty, as the class promises.
 // NOLINTBEGIN(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
 TEST(HidlStringTest, Moves) {
     hidl_string source("a text");
     const char* bytes = source.c_str();
     hidl_string text(std::move(source));
     EXPECT_EQ(bytes, text.c_str());
-    EXPECT_EQ("", source);
+    EXPECT_EQ(source, "");
     hidl_string third("former");
     third = std::move(text);
     EXPECT_EQ(bytes, third.c_str());
-    EXPECT_EQ("", text);
+    EXPECT_EQ(text, "");
     hidl_string& itself = third;
     third = std::move(itself);
-    EXPECT_EQ("a text", third);
+    EXPECT_EQ(third, "a text");
 }
 
 TEST(HidlVecTest, CopiesAndMoves) {
@@ -96,10 +96,10 @@ TEST(HidlVecTest, CopiesAndMoves) {
     const int* data = source.data();
     hidl_vec<int> moved(std::move(source));
     EXPECT_EQ(data, moved.data());
-    EXPECT_EQ(0U, source.size());
+    EXPECT_EQ(source.size(), 0U);
     copy = std::move(moved);
     EXPECT_EQ(data, copy.data());
-    EXPECT_EQ(0U, moved.size());
+    EXPECT_EQ(moved.size(), 0U);
     copy = std::vector<int>{7};
     EXPECT_THAT(std::vector<int>(copy), ElementsAre(7));
     copy = {8, 9};
@@ -114,12 +114,12 @@ TEST(HidlStringTest, RefersToATextOfSomebodyElses) {
     EXPECT_EQ(bytes, text.c_str());
     const hidl_string copy(text);
     EXPECT_NE(bytes, copy.c_str());
-    EXPECT_EQ("outside", copy);
+    EXPECT_EQ(copy, "outside");
     text.setToExternal(new char[3]{'o', 'k', '\0'}, 2, true);
-    EXPECT_EQ("ok", text);
+    EXPECT_EQ(text, "ok");
     text.setToExternal(nullptr, 5);
-    ASSERT_NE(nullptr, text.c_str());
-    EXPECT_EQ("", text);
+    ASSERT_NE(text.c_str(), nullptr);
+    EXPECT_EQ(text, "");
 }
 
 TEST(HidlStringTest, Comparisons) {
@@ -130,10 +130,10 @@ TEST(HidlStringTest, Comparisons) {
     EXPECT_FALSE(hidl_string("b") < hidl_string("ab"));
     std::ostringstream stream;
     stream << hidl_string("printed");
-    EXPECT_EQ("printed", stream.str());
+    EXPECT_EQ(stream.str(), "printed");
 }
 
-// The bytes that would travel of a value that was made where something else had been.
+// The bytes that would be sent for a value that was constructed in used memory.
 template <typename T>
 std::string madeOver(char former) {
     alignas(T) char room[sizeof(T)];
@@ -169,7 +169,7 @@ TEST(HidlVecTest, WaysToMakeOne) {
     EXPECT_THAT(elements(source), ElementsAre(1, 2, 3));
     EXPECT_THAT(elements(hidl_vec<int>(source.begin() + 1, source.end())), ElementsAre(2, 3));
     EXPECT_THAT(elements(hidl_vec<int>(2)), ElementsAre(0, 0));
-    EXPECT_EQ(nullptr, hidl_vec<int>().data());
+    EXPECT_EQ(hidl_vec<int>().data(), nullptr);
 }
 
 TEST(HidlVecTest, ResizesToWhatAMessageHolds) {
@@ -178,7 +178,7 @@ TEST(HidlVecTest, ResizesToWhatAMessageHolds) {
     for (const size_t size : {most + 1, size_t{1} << 32U, std::numeric_limits<size_t>::max()}) {
         EXPECT_THROW(vec.resize(size), std::bad_alloc) << size;
     }
-    EXPECT_EQ(2U, vec.size());
+    EXPECT_EQ(vec.size(), 2U);
 }
 
 TEST(HidlVecTest, Resizes) {
@@ -188,7 +188,7 @@ TEST(HidlVecTest, Resizes) {
     vec.resize(3);
     EXPECT_THAT(std::vector<std::string>(vec), ElementsAre("a", "b", ""));
     vec.resize(0);
-    EXPECT_EQ(0U, vec.size());
+    EXPECT_EQ(vec.size(), 0U);
 }
 
 TEST(HidlVecTest, RefersToElementsOfSomebodyElses) {
@@ -196,13 +196,13 @@ TEST(HidlVecTest, RefersToElementsOfSomebodyElses) {
     hidl_vec<int> vec{9};
     vec.setToExternal(outside, 3);
     vec[1] = 5;
-    EXPECT_EQ(5, outside[1]);
+    EXPECT_EQ(outside[1], 5);
     hidl_vec<int> copy(vec);
     copy[0] = 7;
-    EXPECT_EQ(1, outside[0]);
+    EXPECT_EQ(outside[0], 1);
     vec.resize(2);
     vec[0] = 7;
-    EXPECT_EQ(1, outside[0]);
+    EXPECT_EQ(outside[0], 1);
     vec.setToExternal(new int[1]{4}, 1, true);
     EXPECT_THAT(std::vector<int>(vec), ElementsAre(4));
 }
@@ -213,56 +213,62 @@ TEST(HidlVecTest, Comparisons) {
     EXPECT_NE((hidl_vec<int>{1, 2}), (hidl_vec<int>{1}));
     EXPECT_EQ(hidl_vec<int>(), hidl_vec<int>{});
     int sum = 0;
-    for (const int element : hidl_vec<int>{1, 2, 3}) sum += element;
-    EXPECT_EQ(6, sum);
+    for (const int element : hidl_vec<int>{1, 2, 3}) {
+        sum += element;
+    }
+    EXPECT_EQ(sum, 6);
 }
 
 TEST(HidlArrayTest, OneDimension) {
     const int source[] = {1, 2, 3};
     hidl_array<int, 3> array(source);
-    EXPECT_EQ(3U, array.size());
-    EXPECT_EQ(2, array[1]);
+    EXPECT_EQ(array.size(), 3U);
+    EXPECT_EQ(array[1], 2);
     array[1] = 5;
     const hidl_array<int, 3> copy = array;
     EXPECT_EQ(copy, array);
     EXPECT_EQ((std::array<int, 3>{1, 5, 3}), (static_cast<std::array<int, 3>>(copy)));
     EXPECT_NE(copy, (hidl_array<int, 3>(std::array<int, 3>{1, 2, 3})));
     array = source;
-    EXPECT_EQ(2, array[1]);
-    EXPECT_EQ(0, (hidl_array<int, 2>()[1]));
+    EXPECT_EQ(array[1], 2);
+    EXPECT_EQ((hidl_array<int, 2>()[1]), 0);
 }
 
 TEST(HidlArrayTest, SeveralDimensionsInRowOrder) {
     hidl_array<int, 2, 3, 2> array;
-    EXPECT_EQ(12U, array.elementCount());
+    EXPECT_EQ(array.elementCount(), 12U);
     int next = 0;
     for (size_t i = 0; i < 2; ++i) {
         for (size_t j = 0; j < 3; ++j) {
-            for (size_t k = 0; k < 2; ++k) array[i][j][k] = next++;
+            for (size_t k = 0; k < 2; ++k) {
+                array[i][j][k] = next++;
+            }
         }
     }
-    for (int i = 0; i < 12; ++i) EXPECT_EQ(i, array.data()[i]);
+    for (int i = 0; i < 12; ++i) {
+        EXPECT_EQ(i, array.data()[i]);
+    }
     const auto& constant = array;
-    EXPECT_EQ(9, constant[1][1][1]);
+    EXPECT_EQ(constant[1][1][1], 9);
     const std::array<std::array<std::array<int, 2>, 3>, 2> nested = array;
-    EXPECT_EQ(9, nested[1][1][1]);
+    EXPECT_EQ(nested[1][1][1], 9);
     EXPECT_EQ(array, (hidl_array<int, 2, 3, 2>(nested)));
 }
 
 TEST(ToStringTest, EveryKindOfValue) {
     using ::android::hardware::toString;
-    EXPECT_EQ("true", toString(true));
-    EXPECT_EQ("-3", toString(int8_t{-3}));
-    EXPECT_EQ("\"text\"", toString(hidl_string("text")));
-    EXPECT_EQ("[2]{1, 2}", toString(hidl_vec<int>{1, 2}));
-    EXPECT_EQ("[0]{}", toString(hidl_vec<int>()));
-    EXPECT_EQ("[1]{[1]{\"a\"}}", toString(hidl_vec<hidl_vec<hidl_string>>{{"a"}}));
+    EXPECT_EQ(toString(true), "true");
+    EXPECT_EQ(toString(int8_t{-3}), "-3");
+    EXPECT_EQ(toString(hidl_string("text")), "\"text\"");
+    EXPECT_EQ(toString(hidl_vec<int>{1, 2}), "[2]{1, 2}");
+    EXPECT_EQ(toString(hidl_vec<int>()), "[0]{}");
+    EXPECT_EQ(toString(hidl_vec<hidl_vec<hidl_string>>{{"a"}}), "[1]{[1]{\"a\"}}");
     hidl_array<int, 2, 3> array;
     array[1][0] = 7;
-    EXPECT_EQ("{{0, 0, 0}, {7, 0, 0}}", toString(array));
-    EXPECT_EQ("0xff", ::android::hardware::details::toHexString(255));
-    EXPECT_EQ("0xffffffffffffffff", ::android::hardware::details::toHexString(~uint64_t{0}));
-    EXPECT_EQ("0x0", toString(static_cast<const void*>(nullptr)));
+    EXPECT_EQ(toString(array), "{{0, 0, 0}, {7, 0, 0}}");
+    EXPECT_EQ(::android::hardware::details::toHexString(255), "0xff");
+    EXPECT_EQ(::android::hardware::details::toHexString(~uint64_t{0}), "0xffffffffffffffff");
+    EXPECT_EQ(toString(static_cast<const void*>(nullptr)), "0x0");
 }
 
 }  // namespace

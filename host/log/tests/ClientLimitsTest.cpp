@@ -29,7 +29,7 @@ TEST(ClientLimits, WhatWasLeftOutIsToldOnceItIsHeardAgain) {
     EXPECT_TRUE(limits.take(1, kAll, 1, kStart));
     EXPECT_FALSE(limits.take(1, 100, 3, kStart));
     EXPECT_FALSE(limits.take(1, 100, 0, kStart));
-    // There would be room, but not for long.
+    // The account would cover this line, but the client is not heard yet.
     const auto soon = kStart + std::chrono::milliseconds(900);
     EXPECT_FALSE(limits.take(1, 1, 1, soon));
     EXPECT_FALSE(limits.leftOut(soon).has_value());
@@ -45,7 +45,7 @@ TEST(ClientLimits, WhatWasLeftOutIsToldOnceItIsHeardAgain) {
 TEST(ClientLimits, AnAccountIsFilledOverTime) {
     ClientLimits limits;
     EXPECT_TRUE(limits.take(1, kAll, 1, kStart));
-    // A millisecond at a time, and no further than to the brim.
+    // The account fills a millisecond at a time, up to its limit.
     auto now = kStart;
     for (int i = 0; i < 10'000; ++i) {
         now += std::chrono::microseconds(100);
@@ -67,12 +67,14 @@ TEST(ClientLimits, OneClientTooManyTakesTheRichestPlace) {
         EXPECT_EQ(limits.take(client, 100, 1, kStart), client != 1) << client;
     }
     EXPECT_FALSE(limits.take(1000, 1, 1, kStart)) << "its account is the poorest, and was kept";
-    // When all are poor, one of them goes, and what it left out with it.
+    // When all accounts are empty, one is dropped together with its count of lines.
     for (int client = 0; client < 200; ++client) {
         EXPECT_FALSE(limits.take(client, kAll + 1, 1, kStart));
     }
     size_t told = 0;
-    while (limits.leftOut(kStart + seconds(1000)).has_value()) ++told;
+    while (limits.leftOut(kStart + seconds(1000)).has_value()) {
+        ++told;
+    }
     EXPECT_LE(told, ClientLimits::kMost);
     EXPECT_GT(told, 0U);
 }

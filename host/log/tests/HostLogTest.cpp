@@ -30,10 +30,10 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// The text that a writer with these filter rules shows on its standard error.
+// The standard error of a writer with these filter rules.
 struct Written {
     int status;
-    std::string prefix;  ///< of an info line with the tag "tag"
+    std::string prefix;  // of an info line with the tag "tag"
     std::string err;
 };
 
@@ -61,7 +61,7 @@ TEST(HostLog, IsFiltered) {
     EXPECT_THAT(runWriter("*:E", {kInfo, "tag", "hello"}).err, IsEmpty());
     EXPECT_THAT(runWriter("*:S", {"7", "tag", "hello"}).err, IsEmpty());
     EXPECT_THAT(runWriter("tag:D *:S", {kDebug, "tag", "hello"}).err, HasSubstr("hello"));
-    // Another tag's rule lets debug lines into the logger; this tag's own still counts.
+    // Another tag's rule lets debug lines into the logger; this tag's own rule still counts.
     EXPECT_THAT(runWriter("other:V tag:I", {kDebug, "tag", "hello"}).err, IsEmpty());
 }
 
@@ -106,7 +106,8 @@ TEST(HostLog, ABrokenStandardErrorHarmsNobody) {
     EXPECT_EQ(closed.wait(), 0);
     EXPECT_EQ(closed.out(), "logged 1 0\n");
 
-    // A pipe that nobody reads any more: the signal of the failed write neither kills nor stays.
+    // A pipe whose reader is gone: the signal of the failed write neither kills the process nor
+    // stays pending.
     Process broken({"/bin/bash", "-c", "exec 4> >(true); wait $!; \"$0\" 4 tag hello 2>&4; echo $?",
                     WRITER_PROGRAM});
     EXPECT_EQ(broken.wait(), 0);
@@ -136,7 +137,7 @@ TEST(HostLog, WhatOneClientHasWrittenIsLimited) {
     EXPECT_THAT(err, HasSubstr("): the last line\n")) << "that is not the client's";
 }
 
-/// Standard error is this descriptor while it lives.
+// Replaces standard error by this descriptor while the object lives.
 class ErrorsTo {
   public:
     explicit ErrorsTo(int descriptor) { dup2(descriptor, STDERR_FILENO); }

@@ -53,7 +53,7 @@ TEST(LogFormat, EscapesWhatATerminalWouldObey) {
               "\\u0000\\u000d\\u001b]0;x\\u0007\\u007f");
     EXPECT_EQ(escapeControls("\xc2\x80\xc2\x9f\xc2\xa0"), "\\u0080\\u009f\xc2\xa0");
     EXPECT_EQ(escapeControls("\xe2\x82\xac\xf0\x9f\x93\xba"), "\xe2\x82\xac\xf0\x9f\x93\xba");
-    // No characters: cut, overlong, beyond the last, a lone one.
+    // Malformed: cut, overlong, beyond the last character, a lone continuation byte.
     EXPECT_EQ(escapeControls("\xe2\x82"), "\\xe2\\x82");
     EXPECT_EQ(escapeControls("\xe2\x82x"), "\\xe2\\x82x");
     EXPECT_EQ(escapeControls("\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b"),

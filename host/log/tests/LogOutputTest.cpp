@@ -31,26 +31,30 @@ std::string line(int number) {
     return "line " + std::to_string(number) + ' ' + std::string(100, 'x') + '\n';
 }
 
-/// What there is to read within a moment.
+// Reads everything that arrives within a moment.
 std::string readNow(int descriptor) {
     std::string all;
     pollfd input{descriptor, POLLIN, 0};
     while (poll(&input, 1, 0) == 1) {
         std::string piece(65536, '\0');
         const ssize_t got = read(descriptor, piece.data(), piece.size());
-        if (got <= 0) break;
+        if (got <= 0) {
+            break;
+        }
         all.append(piece, 0, static_cast<size_t>(got));
     }
     return all;
 }
 
-/// Writes many more lines than fit, all within a bounded time, and then reads: the first of them
-/// are there, each of them whole, and the number of the others is told.
+// Writes many more lines than fit, within a bounded time, and then reads: the first lines arrive
+// whole, and a line reports the number of the others.
 void expectLinesAreDropped(int written, int read) {
     LogOutput output(written);
     const auto begin = steady_clock::now();
-    for (int i = 0; i < kLines; ++i) output.write(line(i));
-    // A hundred lines would have waited as long if each waited.
+    for (int i = 0; i < kLines; ++i) {
+        output.write(line(i));
+    }
+    // A hundred lines would take this long if each waited.
     EXPECT_LT(steady_clock::now() - begin, 30 * LogOutput::kPatience);
     std::string got = readNow(read);
     output.write("after\n");
@@ -58,7 +62,9 @@ void expectLinesAreDropped(int written, int read) {
     got.erase(std::remove(got.begin(), got.end(), '\r'), got.end());
     int known = 0;
     std::string all;
-    while (got.compare(all.size(), line(known).size(), line(known)) == 0) all += line(known++);
+    while (got.compare(all.size(), line(known).size(), line(known)) == 0) {
+        all += line(known++);
+    }
     EXPECT_GT(known, 10);
     EXPECT_LT(known, kLines);
     got.erase(0, all.size());
@@ -109,14 +115,16 @@ TEST(LogOutput, AStoppedTerminalStopsNobody) {
     ASSERT_EQ(tcflow(ends.write.get(), TCOOFF), 0);
     LogOutput output(ends.write.get());
     const auto begin = steady_clock::now();
-    for (int i = 0; i < kLines; ++i) output.write(line(i));
+    for (int i = 0; i < kLines; ++i) {
+        output.write(line(i));
+    }
     EXPECT_LT(steady_clock::now() - begin, 30 * LogOutput::kPatience);
     ASSERT_EQ(tcflow(ends.write.get(), TCOON), 0);
     output.write("after\n");
     EXPECT_THAT(readNow(ends.read.get()), HasSubstr(std::to_string(kLines) + " lines dropped"));
 }
 
-// Without a descriptor to open the pipe again by, it is asked for room.
+// When the pipe cannot be opened again, poll(2) tells whether it has space.
 TEST(LogOutput, APipeThatCannotBeOpenedAgainStopsNobodyEither) {
     // A sanitizer needs descriptors for what it meets for the first time.
     const Ends before = pipeEnds();
@@ -143,25 +151,33 @@ TEST(LogOutput, AReaderThatReadsGetsEverything) {
     });
     LogOutput output(ends.write.get());
     ::mlk::testing::inThreads(kThreads, [&](int) {
-        for (int i = 0; i < kLines; ++i) output.write(line(i));
+        for (int i = 0; i < kLines; ++i) {
+            output.write(line(i));
+        }
     });
     ends.write.reset();
     reader.join();
     size_t size = 0;
-    for (int i = 0; i < kLines; ++i) size += kThreads * line(i).size();
+    for (int i = 0; i < kLines; ++i) {
+        size += kThreads * line(i).size();
+    }
     EXPECT_EQ(got.size(), size);
 }
 
-// One that is asleep for a moment, again and again, is waited for.
+// The log waits for a reader that pauses briefly, again and again.
 TEST(LogOutput, AReaderThatRestsGetsEverything) {
     const Ends ends = pipeEnds();
     LogOutput output(ends.write.get());
     std::string got;
     std::thread writer([&] {
-        for (int i = 0; i < kLines; ++i) output.write(line(i));
+        for (int i = 0; i < kLines; ++i) {
+            output.write(line(i));
+        }
     });
     size_t size = 0;
-    for (int i = 0; i < kLines; ++i) size += line(i).size();
+    for (int i = 0; i < kLines; ++i) {
+        size += line(i).size();
+    }
     pollfd input{ends.read.get(), POLLIN, 0};
     while (got.size() < size && poll(&input, 1, 10'000) == 1) {
         got += readNow(ends.read.get());

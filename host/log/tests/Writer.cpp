@@ -19,7 +19,7 @@ using ::mlk::testing::inThreads;
 
 void logFromThreads(int count, int lines) {
     inThreads(count, [&](int thread) {
-        // Longer than a pipe takes in one piece.
+        // Longer than one atomic write to a pipe.
         const std::string filler(3000, static_cast<char>('a' + thread));
         for (int line = 0; line < lines; ++line) {
             const std::string text =
@@ -29,7 +29,7 @@ void logFromThreads(int count, int lines) {
     });
 }
 
-// Lines of a hundred characters for a client, then one that is nobody's.
+// Logs lines of a hundred characters for a client, then one without a client.
 void logForClient(int process, int lines) {
     {
         const mlk::host::LogClient client(process);

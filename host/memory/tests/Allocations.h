@@ -10,8 +10,10 @@
 
 namespace mlk::host {
 
-/// What an allocator answered; nothing when the call failed or was answered without success. The
-/// memory is a copy, with a descriptor of its own.
+/**
+ * Returns an allocator's answer; nothing when the call failed or was answered without success. The
+ * memory is a copy that owns a duplicate of the descriptor.
+ */
 inline std::optional<::android::hardware::hidl_memory> allocate(
         ::android::hidl::allocator::V1_0::IAllocator& allocator, uint64_t size) {
     std::optional<::android::hardware::hidl_memory> memory;
@@ -34,7 +36,7 @@ inline std::optional<std::vector<::android::hardware::hidl_memory>> batchAllocat
     return call.isOk() ? batch : std::nullopt;
 }
 
-/// The bytes of a mapped block.
+/** The bytes of a mapped block. */
 inline uint8_t* bytesOf(const ::android::sp<::android::hidl::memory::V1_0::IMemory>& mapped) {
     return static_cast<uint8_t*>(static_cast<void*>(mapped->getPointer()));
 }

@@ -13,9 +13,11 @@
 
 namespace mlk::host {
 
-/// A temporary set in which the allocator's program runs, started by `starter` when that is given
-/// ("prlimit", "--nofile=40"). Its memory can be measured: the address sanitizer is told not to
-/// keep what is freed.
+/**
+ * A temporary set in which the allocator's program runs, started by `starter` if given ("prlimit",
+ * "--nofile=40"). The address sanitizer must not keep freed memory there, so that tests can measure
+ * the process's memory.
+ */
 class AllocatorProcess {
   public:
     explicit AllocatorProcess(std::vector<std::string> starter = {})

@@ -1,4 +1,4 @@
-// The allocator's program, under clients and systems that make its life hard.
+// The allocator's program with hostile clients and scarce resources.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -30,12 +30,11 @@ using ::mlk::testing::inThreads;
 using ::mlk::testing::residentOf;
 using ::testing::HasSubstr;
 
-// An allocator that has lost its limits shall fail its test, and not take all memory of the
-// machine.
+// An allocator that has lost its limits must fail its test without using up the machine's memory.
 const std::vector<std::string> kWithoutHugeFiles = {"prlimit", "--fsize=1073741824"};
 
-/// Whether the process has that many descriptors, now or soon: it learns from its sockets that a
-/// client has gone, at its own pace. The calls meanwhile give it the processor.
+// Whether the process has this number of descriptors, now or soon: it notices asynchronously that a
+// client is gone. The calls in between give it processor time.
 ::testing::AssertionResult settlesAt(IAllocator& allocator, pid_t process, size_t descriptors) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (descriptorsOf(process) != descriptors) {
@@ -88,8 +87,7 @@ TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
     }
     EXPECT_EQ(descriptorsOf(getpid()), ours);
     EXPECT_TRUE(settlesAt(*allocator, process.pid(), theirs));
-    // Blocks that stayed mapped would be 250 MiB; the address sanitizer keeps some of what is
-    // freed.
+    // Blocks that stayed mapped would be 250 MiB; the address sanitizer keeps some freed memory.
     constexpr size_t kOurSlack = 64 << 20;
     EXPECT_LT(residentOf(getpid()), ourMemory + kOurSlack);
     constexpr size_t kTheirSlack = 2 << 20;
@@ -149,7 +147,7 @@ TEST(AllocatorService, GivesTheLargestBatchAndRefusesALargerOne) {
 }
 
 TEST(AllocatorService, SurvivesWhenTheSystemGivesNoMemory) {
-    // The limit on files is the one shortage that a test can have for itself alone.
+    // The limit on files is the only shortage that a test can create for one process.
     AllocatorProcess process({"prlimit", "--fsize=1048576"});
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
@@ -200,7 +198,7 @@ TEST(AllocatorService, FailsTheCallWhenItIsKilledDuringIt) {
     AllocatorProcess process;
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
-    // Once all its threads stand still, the call cannot be answered any more.
+    // When all its threads are stopped, nobody can answer the call.
     process.process().kill(SIGSTOP);
     siginfo_t stopped{};
     ASSERT_EQ(waitid(P_PID, static_cast<id_t>(process.pid()), &stopped, WSTOPPED), 0);

@@ -96,8 +96,8 @@ const Refusal kRefusals[] = {
         {1, kLargest, "at most 128 blocks are given at once"},
 };
 
-/// Lets no file of this process become larger than that: an allocator that has lost its limits
-/// fails its test, and does not take all memory of the machine.
+// Limits the size of this process's files: an allocator that has lost its limits then fails its
+// test without using up the machine's memory.
 void limitFiles(rlim_t bytes) {
     (void)signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
@@ -143,7 +143,7 @@ TEST(AshmemAllocator, RefusesWhatTheSystemDoesNotGive) {
     EXPECT_FALSE(allocate(*allocator, 8192));
     EXPECT_FALSE(batchAllocate(*allocator, 8192, 3));
     EXPECT_TRUE(allocate(*allocator, 8191));
-    // The most bytes that may be asked for are not refused before the system does.
+    // The largest request gets as far as the system.
     const sp<AshmemAllocator> ofALargeSystem =
             new AshmemAllocator([] { return 4 * AshmemAllocator::kMaxBytes; });
     EXPECT_FALSE(allocate(*ofALargeSystem, AshmemAllocator::kMaxBytes));

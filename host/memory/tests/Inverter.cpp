@@ -1,5 +1,5 @@
-// Another process that gets blocks of shared memory: IMapper/inverter maps what it is given,
-// inverts each byte of it, and answers with the mapped memory.
+// Another process that receives blocks of shared memory. IMapper/inverter maps a block, inverts
+// each byte of it, and answers with the mapped memory.
 
 #include <android/hidl/memory/1.0/IMapper.h>
 #include <hidl/HidlTransportSupport.h>

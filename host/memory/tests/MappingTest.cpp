@@ -43,7 +43,7 @@ unique_fd memfd(off_t size, int seals) {
     return block;
 }
 
-/// Memory as somebody else may send it: these descriptors, which it owns, and this size.
+// Memory with these descriptors, which it owns, and this size, as any sender could send it.
 hidl_memory memoryOf(std::vector<unique_fd> descriptors, uint64_t size,
                      const hidl_string& name = "ashmem") {
     native_handle_t* handle = native_handle_create(static_cast<int>(descriptors.size()), 0);
@@ -206,7 +206,7 @@ TEST(MapMemory, RefusesAFileThatIsNotMemory) {
     const LogCapture log;
     EXPECT_EQ(mapMemory(memoryOf(unique_fd(open(path.c_str(), O_RDWR | O_CLOEXEC)), 4096)),
               nullptr);
-    // Where the folder lies in memory itself, files do have seals.
+    // When the folder is in memory, its files have seals.
     EXPECT_THAT(
             log.texts(ANDROID_LOG_ERROR, "hidlmemory"),
             ElementsAre(AnyOf(StartsWith("cannot map memory of 4096 bytes: its descriptor is no "

@@ -1,4 +1,4 @@
-// Blocks on their way from the allocator's process through this one to a third.
+// Sends blocks from the allocator's process through this one to a third.
 
 #include <android/hidl/memory/1.0/IMapper.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using ::android::hidl::memory::V1_0::IMapper;
 using ::android::hidl::memory::V1_0::IMemory;
 using ::mlk::testing::Process;
 
-/// Something that differs from page to page and from block to block.
+// A pattern that differs between pages and between blocks.
 uint8_t patternAt(size_t index, uint64_t size) {
     return static_cast<uint8_t>(index * 31 + index / 4096 + size);
 }

@@ -2,17 +2,21 @@
 
 #include <string>
 
-/// Where the three partitions of a television are mounted. On a host that is below $MLK_ROOT:
-/// $MLK_ROOT/tvconfigs, $MLK_ROOT/tvdata and $MLK_ROOT/impdata ("/tvconfigs" and so on when the
-/// variable is empty or not set). Objects never change and live as long as the process, their texts
-/// with them; any thread may use them.
+/**
+ * The mount points of the three partitions of a television. On a host they lie below $MLK_ROOT:
+ * $MLK_ROOT/tvconfigs, $MLK_ROOT/tvdata and $MLK_ROOT/impdata ("/tvconfigs" and so on when the
+ * variable is empty or unset). Objects are immutable and live, with their texts, as long as the
+ * process. Thread-safe.
+ */
 class TvPartitionPath {
   public:
-    /// The paths under the root that the environment names now. A process has one root, and then
-    /// this is always the same object; a test that has several in turn gets one object a root.
+    /**
+     * Returns the paths under the root that the environment names now. A process has one root, so
+     * this is always the same object; a test with several roots gets one object for each root.
+     */
     static TvPartitionPath* GetInstance();
 
-    /// Mount points, without a slash at the end; never null.
+    /** Mount points, without a slash at the end; never null. */
     const char* GetTvconfigsPath() const { return mTvconfigs.c_str(); }
     const char* GetTvdataPath() const { return mTvdata.c_str(); }
     const char* GetImpdataPath() const { return mImpdata.c_str(); }

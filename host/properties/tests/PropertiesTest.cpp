@@ -125,7 +125,7 @@ TEST_F(PropertiesTest, LongIntegersHave64Bits) {
         EXPECT_EQ(property_get_int64("a.key", 7), value) << text;
     }
     EXPECT_EQ(property_get_int64("missing", 7), 7);
-    // An overflow somewhere before is no overflow here.
+    // An earlier overflow does not affect this call.
     ASSERT_EQ(property_set("a.key", "42"), 0);
     errno = ERANGE;
     EXPECT_EQ(property_get_int64("a.key", 7), 42);

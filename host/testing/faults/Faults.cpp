@@ -114,13 +114,13 @@ bool isMeant(const char* call, const char* name) {
     return strcmp(name, "any") == 0 && isOnFiles;
 }
 
-// Opening it waits until another process has the other end open.
+// Waits until another process has opened the other end.
 void waitAtGate() {
     const long gate = syscall(SYS_openat, AT_FDCWD, getenv("MLK_FAULT_GATE"), O_RDONLY | O_CLOEXEC);
     (void)syscall(SYS_close, gate);
 }
 
-// What becomes of this call: nothing, an errno, or kShort. Does not come back from kKill.
+// Returns the fate of this call: nothing, an errno, or kShort. Does not return for kKill.
 int fateOf(const char* call) {
     const Plan& thePlan = plan();
     if (thePlan.log >= 0) {
@@ -147,7 +147,7 @@ int fateOf(const char* call) {
     return thePlan.action;
 }
 
-// Half of the bytes that a read would bring: of a file, those that are left of it.
+// Half of the bytes that a read would return; of a file, half of the rest.
 size_t halfOfWhatComes(int descriptor, size_t size) {
     struct stat about {};
     const off_t at = lseek(descriptor, 0, SEEK_CUR);
@@ -163,7 +163,7 @@ Function* next(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// The call, unless its fate is an error.
+// Makes the call, unless it is to fail.
 template <typename Result, typename Call>
 Result pass(const char* name, bool counts, const Call& call) {
     const int fate = counts ? fateOf(name) : kNoFault;
@@ -212,7 +212,7 @@ int close(int descriptor) {
     const bool counts = isWatched(descriptor);
     watch(descriptor, false);
     const int fate = counts ? fateOf("close") : kNoFault;
-    // What a failed close leaves is closed all the same.
+    // Close the descriptor even when the call is to fail.
     const auto result = static_cast<int>(syscall(SYS_close, descriptor));
     if (fate > 0) {
         errno = fate;

@@ -1,5 +1,4 @@
-// What stands in for an engine where there is none: gives a fuzzer the inputs that are kept in
-// files, each once.
+// Replaces a fuzz engine where none is available: runs a fuzzer once for each input in files.
 
 #include <algorithm>
 #include <cstdio>
@@ -31,13 +30,13 @@ std::vector<fs::path> filesOf(const fs::path& path) {
 
 }  // namespace
 
-/// Takes files, and folders of files.
+// Takes files and folders of files.
 int main(int argc, char** argv) {
     LLVMFuzzerInitialize(&argc, &argv);
     size_t count = 0;
     for (int i = 1; i < argc; ++i) {
         for (const fs::path& file : filesOf(argv[i])) {
-            // Before it runs: the last one named is the one that failed.
+            // Printed before the run: the last name is that of the failing input.
             fprintf(stderr, "%s\n", file.c_str());
             const std::string input = mlk::fuzzing::readFile(file.string());
             LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(input.data()), input.size());

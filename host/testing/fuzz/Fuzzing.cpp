@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kSeparator = "\n--8<--\n";
 
-/// Opens a file or ends the process.
+// Opens a file; ends the process on failure.
 int openOrDie(const std::string& path, int flags) {
     const int fd = open(path.c_str(), flags | O_CLOEXEC, 0644);
     require(fd >= 0, path + ": " + strerror(errno));

@@ -1,4 +1,3 @@
-// hidl_array: a fixed array of one or more dimensions that travels.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +9,7 @@ namespace android::hardware {
 
 namespace details {
 
-// std::array<std::array<T, 3>, 2> for (T, 2, 3).
+/** std::array<std::array<T, 3>, 2> for (T, 2, 3). */
 template <typename T, size_t First, size_t... Rest>
 struct nested_array {
     using type = std::array<typename nested_array<T, Rest...>::type, First>;
@@ -20,7 +19,7 @@ struct nested_array<T, Only> {
     using type = std::array<T, Only>;
 };
 
-// One row of an array: indexing it gives a row of one dimension less, at last an element.
+/** One row of an array. Indexing it gives a row of one dimension less, finally an element. */
 template <typename T, size_t First, size_t... Rest>
 class array_row {
   public:
@@ -44,14 +43,17 @@ class array_row<T, Only> {
 
 }  // namespace details
 
-// An array whose elements stand in row order without gaps. Indices are not checked.
+/**
+ * A fixed array of one or more dimensions. Its elements lie in row order without gaps. Indices are
+ * not checked.
+ */
 template <typename T, size_t First, size_t... Rest>
 struct hidl_array {
     using std_array_type = typename details::nested_array<T, First, Rest...>::type;
 
-    // Elements that are zero, or made without arguments.
+    /** Elements that are zero or default-constructed. */
     hidl_array() = default;
-    // Copies elementCount() elements in row order.
+    /** Copies elementCount() elements in row order. */
     hidl_array(const T* source) { std::copy(source, source + elementCount(), data()); }
     hidl_array(const std_array_type& source)
         : hidl_array(reinterpret_cast<const T*>(source.data())) {}
@@ -66,10 +68,10 @@ struct hidl_array {
         return copy;
     }
 
-    // All elements in row order.
+    /** All elements in row order. */
     T* data() { return mBuffer.data(); }
     const T* data() const { return mBuffer.data(); }
-    // An element, or a row of one dimension less.
+    /** An element, or a row of one dimension less. */
     decltype(auto) operator[](size_t index) {
         return details::array_row<T, First, Rest...>(data())[index];
     }
@@ -78,7 +80,7 @@ struct hidl_array {
     }
 
     static constexpr size_t elementCount() { return (First * ... * Rest); }
-    // The length of a one-dimensional array.
+    /** The length of a one-dimensional array. */
     static constexpr size_t size() { return First; }
 
     bool operator==(const hidl_array& other) const { return mBuffer == other.mBuffer; }

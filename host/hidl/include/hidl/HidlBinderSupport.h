@@ -1,4 +1,4 @@
-// How HIDL's own types stand in parcels, and how interfaces become objects and proxies.
+// How HIDL's own types are stored in parcels, and how interfaces become objects and proxies.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -10,10 +10,10 @@
 
 namespace android::hardware {
 
-// Passes the death of a remote object on to a HIDL recipient; made by generated proxies.
+/** Passes the death of a remote object on to a HIDL recipient. Generated proxies create it. */
 class hidl_binder_death_recipient : public IBinder::DeathRecipient {
   public:
-    // recipient: told cookie and base; none of them is kept alive.
+    /** recipient: receives cookie and base. This object keeps neither of them alive. */
     hidl_binder_death_recipient(const sp<hidl_death_recipient>& recipient, uint64_t cookie,
                                 const sp<::android::hidl::base::V1_0::IBase>& base);
     void binderDied(const wp<IBinder>& who) override;
@@ -25,9 +25,11 @@ class hidl_binder_death_recipient : public IBinder::DeathRecipient {
     const wp<::android::hidl::base::V1_0::IBase> mBase;
 };
 
-// Embedded values: the object is a part of a buffer that the parcel already holds as parentHandle,
-// at parentOffset. Reading checks and repairs the pointers in place; BAD_VALUE when what arrived is
-// not the value, as Parcel says.
+/**
+ * Embedded values: the object is part of a buffer that the parcel already holds as parentHandle, at
+ * parentOffset. Reading checks the pointers and repairs them in place; BAD_VALUE when what arrived
+ * is not such a value (see Parcel).
+ */
 status_t readEmbeddedFromParcel(const hidl_handle& handle, const Parcel& parcel,
                                 size_t parentHandle, size_t parentOffset);
 status_t writeEmbeddedToParcel(const hidl_handle& handle, Parcel* parcel, size_t parentHandle,
@@ -41,7 +43,10 @@ status_t readEmbeddedFromParcel(const hidl_string& text, const Parcel& parcel, s
 status_t writeEmbeddedToParcel(const hidl_string& text, Parcel* parcel, size_t parentHandle,
                                size_t parentOffset);
 
-// Of a vector, only the block of its elements: generated code goes on with what they embed.
+/**
+ * Handles only the block of the vector's elements; generated code continues with the values
+ * embedded in them.
+ */
 template <typename T>
 status_t readEmbeddedFromParcel(const hidl_vec<T>& vec, const Parcel& parcel, size_t parentHandle,
                                 size_t parentOffset, size_t* handle) {
@@ -57,7 +62,7 @@ status_t writeEmbeddedToParcel(const hidl_vec<T>& vec, Parcel* parcel, size_t pa
                                        parentOffset + hidl_vec<T>::kOffsetOfBuffer);
 }
 
-// The description of a queue: its grantors and its handle.
+/** The descriptor of a queue: its grantors and its handle. */
 template <typename T, MQFlavor flavor>
 status_t readEmbeddedFromParcel(const MQDescriptor<T, flavor>& queue, const Parcel& parcel,
                                 size_t parentHandle, size_t parentOffset) {
@@ -65,7 +70,9 @@ status_t readEmbeddedFromParcel(const MQDescriptor<T, flavor>& queue, const Parc
     size_t grantors;
     status_t status = readEmbeddedFromParcel(queue.grantors(), parcel, parentHandle,
                                              parentOffset + Queue::kOffsetOfGrantors, &grantors);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     const native_handle_t* handle;
     return parcel.readNullableEmbeddedNativeHandle(parentHandle,
                                                    parentOffset + Queue::kOffsetOfHandle, &handle);
@@ -77,38 +84,48 @@ status_t writeEmbeddedToParcel(const MQDescriptor<T, flavor>& queue, Parcel* par
     size_t grantors;
     status_t status = writeEmbeddedToParcel(queue.grantors(), parcel, parentHandle,
                                             parentOffset + Queue::kOffsetOfGrantors, &grantors);
-    if (status != OK) return status;
+    if (status != OK) {
+        return status;
+    }
     return parcel->writeEmbeddedNativeHandle(queue.handle(), parentHandle,
                                              parentOffset + Queue::kOffsetOfHandle);
 }
 
-// How the method ended: the first thing in an answer. NOT_ENOUGH_DATA when it is not there.
+/** The status of the method, which comes first in an answer. NOT_ENOUGH_DATA when it is missing. */
 status_t readFromParcel(Status* status, const Parcel& parcel);
 status_t writeToParcel(const Status& status, Parcel* parcel);
 
-// The object to send for an interface: a proxy's remote object, or the one stub of an
-// implementation of this process, made when there is none. Null when the interface is null or no
-// stub is known for it. Thread-safe.
+/**
+ * Returns the object to send for an interface: a proxy's remote object, or the one stub of a local
+ * implementation, which is created if needed. Null when the interface is null or has no known stub.
+ * Thread-safe.
+ */
 sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* interface);
 
-// The same for a strong pointer.
+/** The same for a strong pointer. */
 template <typename IType>
 sp<IBinder> toBinder(const sp<IType>& interface) {
     return getOrCreateCachedBinder(interface.get());
 }
 
 namespace details {
-// The implementation behind a stub of this process; null when that is no stub.
+/** Returns the implementation that a local stub wraps; null when the object is not a stub. */
 sp<::android::hidl::base::V1_0::IBase> implementationOf(BHwBinder* stub);
 }  // namespace details
 
-// The interface to use an object that arrived: the implementation itself when it lives in this
-// process, else a new proxy. Null for null, and for a local object of another interface.
+/**
+ * Returns the interface of an object that arrived: the implementation itself when it lives in this
+ * process, otherwise a new proxy. Null for null, and for a local object of another interface.
+ */
 template <typename IType, typename ProxyType, typename StubType>
 sp<IType> fromBinder(const sp<IBinder>& binder) {
-    if (binder == nullptr) return nullptr;
+    if (binder == nullptr) {
+        return nullptr;
+    }
     BHwBinder* local = binder->localBinder();
-    if (local == nullptr) return sp<IType>(new ProxyType(binder));
+    if (local == nullptr) {
+        return sp<IType>(new ProxyType(binder));
+    }
     return IType::castFrom(details::implementationOf(local)).withDefault(nullptr);
 }
 

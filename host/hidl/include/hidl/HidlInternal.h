@@ -1,4 +1,4 @@
-// Pieces that every HIDL type builds on.
+// Basics that every HIDL type uses.
 #pragma once
 
 #include <cstdint>
@@ -6,17 +6,21 @@
 
 namespace android::hardware::details {
 
-// Tags by which templates tell the pure, proxy, stub and passthrough classes of an interface apart.
+/**
+ * Tags by which templates tell the pure, proxy, stub and passthrough classes of an interface apart.
+ */
 struct i_tag {};
 struct bnhw_tag {};
 struct bphw_tag {};
 struct bs_tag {};
 
-// Prints the message at fatal priority and aborts the process.
+/** Prints the message at fatal priority and aborts the process. */
 [[noreturn]] void logAlwaysFatal(const char* message);
 
-// A pointer that takes eight bytes on every architecture, so that structs travel unchanged between
-// 32- and 64-bit processes.
+/**
+ * A pointer that takes eight bytes on every architecture, so that structs have the same layout in
+ * 32-bit and 64-bit processes.
+ */
 template <typename T>
 class hidl_pointer {
   public:
@@ -34,8 +38,9 @@ class hidl_pointer {
 };
 static_assert(sizeof(hidl_pointer<int>) == 8, "a pointer has the size that the wire gives it");
 
-// Base of generated proxies and stubs. Tracing of calls is a feature of debuggable devices; a host
-// keeps the names only.
+/**
+ * Base of generated proxies and stubs. Only debuggable devices trace calls; a host keeps the names.
+ */
 class HidlInstrumentor {
   public:
     HidlInstrumentor(const std::string& package, const std::string& interface)
@@ -43,7 +48,7 @@ class HidlInstrumentor {
     virtual ~HidlInstrumentor() = default;
 
   protected:
-    // Generated code calls this when a client asks for tracing: there is nothing to switch.
+    /** Generated code calls this when a client asks for tracing. It has no effect on a host. */
     void configureInstrumentation(bool /* log */ = true) {}
 
   private:

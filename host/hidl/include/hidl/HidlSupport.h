@@ -1,5 +1,5 @@
-// The types that HIDL methods exchange, in the layout that travels: text, vector, array, handle
-// and memory block.
+// The types that HIDL methods exchange, in the layout that is sent: text, vector, array, handle and
+// memory block.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -15,7 +15,7 @@
 #include <hidl/HidlToString.h>
 #include <hidl/HidlVec.h>
 
-// Generated code relies on some of these coming with this header.
+// Generated code relies on this header to include some of these.
 #include <array>
 #include <cinttypes>
 #include <cstddef>
@@ -32,21 +32,23 @@ struct IBase;
 
 namespace android::hardware {
 
-// Told by a proxy when the process of the object behind it has died.
+/** Receives the death of the process that a proxy's object lives in. */
 struct hidl_death_recipient : public virtual RefBase {
-    // cookie: what linkToDeath was given. who: the proxy, while it lives. Called on a thread of the
-    // RPC pool.
+    /**
+     * cookie: the value given to linkToDeath. who: the proxy, while it lives. Runs on a thread of
+     * the RPC pool.
+     */
     virtual void serviceDied(uint64_t cookie,
                              const ::android::wp<::android::hidl::base::V1_0::IBase>& who) = 0;
 };
 
-// What a combination of an enumeration's values travels as.
+/** The type in which a combination of an enumeration's values is sent. */
 template <typename T>
 using hidl_bitfield = std::underlying_type_t<T>;
 
 namespace details {
 
-// All values of an enumeration in declared order; generated code specialises it.
+/** All values of an enumeration in declared order. Generated code specialises it. */
 template <typename T>
 inline constexpr std::array<T, 0> hidl_enum_values = {};
 
@@ -56,7 +58,7 @@ struct hidl_enum_range_ {
     constexpr auto end() const { return hidl_enum_values<T>.end(); }
 };
 
-// Ends the life of a member of a safe union.
+/** Destroys a member of a safe union. */
 template <typename T>
 void destructElement(T* element) {
     element->~T();
@@ -64,7 +66,7 @@ void destructElement(T* element) {
 
 }  // namespace details
 
-// For loops over an enumeration: for (auto value : hidl_enum_range<ConfigType>()).
+/** For loops over an enumeration: for (auto value : hidl_enum_range<ConfigType>()). */
 template <typename T>
 using hidl_enum_range = details::hidl_enum_range_<T>;
 

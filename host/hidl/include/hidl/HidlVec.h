@@ -1,4 +1,3 @@
-// hidl_vec: a vector that travels.
 #pragma once
 
 #include <hidl/HidlInternal.h>
@@ -16,8 +15,10 @@
 
 namespace android::hardware {
 
-// A vector of fixed size; it grows only by resize. Owns its elements unless it was told not to with
-// setToExternal. At most 2^32-1 elements: more is fatal. Not thread-safe.
+/**
+ * A vector of fixed size; only resize changes it. Owns its elements unless setToExternal says
+ * otherwise. It has at most 2^32-1 elements; more are fatal. Not thread-safe.
+ */
 template <typename T>
 class hidl_vec {
   public:
@@ -25,11 +26,11 @@ class hidl_vec {
     using iterator = T*;
     using const_iterator = const T*;
 
-    // No elements.
+    /** No elements. */
     hidl_vec() : mBuffer(nullptr), mSize(0), mOwnsBuffer(false), mPad{} {}
-    // So many elements, value-initialised.
+    /** `size` value-initialised elements. */
     explicit hidl_vec(size_t size) : hidl_vec() { resize(size); }
-    // Copies of elements.
+    /** Copies the elements. */
     hidl_vec(std::initializer_list<T> list) : hidl_vec(list.begin(), list.end()) {}
     hidl_vec(const std::vector<T>& other) : hidl_vec(other.begin(), other.end()) {}
     template <typename Iterator,
@@ -39,12 +40,14 @@ class hidl_vec {
         std::copy(first, last, begin());
     }
     hidl_vec(const hidl_vec& other) : hidl_vec(other.begin(), other.end()) {}
-    // Takes the elements over; none are left there.
+    /** Takes the elements over; the other vector becomes empty. */
     hidl_vec(hidl_vec&& other) noexcept : hidl_vec() { swap(other); }
     ~hidl_vec() { release(); }
 
     hidl_vec& operator=(const hidl_vec& other) {
-        if (this != &other) hidl_vec(other).swap(*this);
+        if (this != &other) {
+            hidl_vec(other).swap(*this);
+        }
         return *this;
     }
     hidl_vec& operator=(hidl_vec&& other) noexcept {
@@ -63,14 +66,14 @@ class hidl_vec {
         return *this;
     }
 
-    // A copy.
+    /** A copy. */
     operator std::vector<T>() const { return {begin(), end()}; }
 
     size_t size() const { return mSize; }
-    // The first element; null when there is none.
+    /** The first element; null when the vector is empty. */
     T* data() { return mBuffer; }
     const T* data() const { return mBuffer; }
-    // The index must be below size().
+    /** The index must be less than size(). */
     T& operator[](size_t index) { return data()[index]; }
     const T& operator[](size_t index) const { return data()[index]; }
     T* begin() { return data(); }
@@ -78,19 +81,25 @@ class hidl_vec {
     const T* begin() const { return data(); }
     const T* end() const { return data() + mSize; }
 
-    // Keeps the elements that fit; new ones are value-initialised. What takes more than kMostBytes
-    // throws std::bad_alloc: a message tells generated code how many interfaces to make room for,
-    // and must not cost its receiver more than its answer.
+    /**
+     * Keeps the elements that fit and value-initialises new ones. Throws std::bad_alloc above
+     * kMostBytes: generated code resizes to a count that a message claims, and such a claim must
+     * not cost its receiver more than one answer.
+     */
     void resize(size_t size) {
-        if (size > kMostBytes / sizeof(T)) throw std::bad_alloc();
+        if (size > kMostBytes / sizeof(T)) {
+            throw std::bad_alloc();
+        }
         hidl_vec grown;
         grown.allocate(size);
         std::move(begin(), begin() + std::min<size_t>(size, mSize), grown.begin());
         swap(grown);
     }
 
-    // Refers to an array of somebody else's, which must outlive this one; shouldOwn makes it this
-    // one's own, freed with delete[].
+    /**
+     * Refers to an external array, which must outlive this object. With shouldOwn, this object
+     * frees it with delete[].
+     */
     void setToExternal(T* elements, size_t size, bool shouldOwn = false) {
         checkSize(size);
         release();
@@ -99,11 +108,11 @@ class hidl_vec {
         mOwnsBuffer = shouldOwn;
     }
 
-    // Where the pointer to the elements stands inside the object, for the transport.
+    /** Offset of the pointer to the elements inside the object, for the transport. */
     static constexpr size_t kOffsetOfBuffer = 0;
 
     MLK_HOST_TRANSPORT_ONLY
-    // Bytes of the elements of a vector that is resized: what the largest message holds.
+    /** The most bytes that resize() gives the elements: as many as the largest message holds. */
     static constexpr size_t kMostBytes = size_t{256} << 20U;
 
   private:
@@ -119,7 +128,9 @@ class hidl_vec {
         mOwnsBuffer = size != 0;
     }
     void release() {
-        if (mOwnsBuffer) delete[] data();
+        if (mOwnsBuffer) {
+            delete[] data();
+        }
     }
     void swap(hidl_vec& other) noexcept {
         std::swap(mBuffer, other.mBuffer);
@@ -130,7 +141,7 @@ class hidl_vec {
     details::hidl_pointer<T> mBuffer;
     uint32_t mSize;
     bool mOwnsBuffer;
-    [[maybe_unused]] uint8_t mPad[3];  // travels: it must not carry what happened to be in memory
+    [[maybe_unused]] uint8_t mPad[3];  // is sent along, so it must not leak what was in memory
 };
 static_assert(sizeof(hidl_vec<char>) == 16);
 

@@ -1,9 +1,9 @@
-// What only the host's transport and its tests see.
+// Visibility of members that only the host's transport and its tests use.
 #pragma once
 
-// Begins the part of a class that the real one does not have. It is public for targets that are
-// built with MLK_HOST_TRANSPORT. For everybody else it is private, so that what compiles on a host
-// compiles against the real headers, too.
+// Begins the members that the real class does not have. They are public for targets built with
+// MLK_HOST_TRANSPORT and private for all others, so that code that compiles on a host also compiles
+// against the real headers.
 #ifdef MLK_HOST_TRANSPORT
 #define MLK_HOST_TRANSPORT_ONLY public:
 #else

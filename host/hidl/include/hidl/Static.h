@@ -1,5 +1,5 @@
-// The process-wide tables of the HIDL runtime. They are made at first use and never destroyed, for
-// generated code reaches them from constructors and destructors of other libraries.
+// The process-wide tables of the HIDL runtime. The first use creates them, and they are never
+// destroyed: generated code uses them in constructors and destructors of other libraries.
 #pragma once
 
 #include <android/hidl/base/1.0/IBase.h>
@@ -10,14 +10,14 @@
 #include <functional>
 #include <string>
 
-// Generated code names the default policy as Android's C library does.
+// Generated code uses the name that Android's C library gives the default policy.
 #ifndef SCHED_NORMAL
 #define SCHED_NORMAL SCHED_OTHER
 #endif
 
 namespace android::hardware::details {
 
-// Scheduling that an object asked for; a host lets the kernel decide.
+/** Scheduling that an object asked for. A host leaves scheduling to the kernel. */
 struct SchedPrio {
     int sched_policy;
     int prio;
@@ -27,13 +27,15 @@ using IBase = ::android::hidl::base::V1_0::IBase;
 using BnConstructorMap = ConcurrentMap<std::string, std::function<sp<IBinder>(void*)>>;
 using BsConstructorMap = ConcurrentMap<std::string, std::function<sp<IBase>(void*)>>;
 
-// Makes the stub of an interface by its descriptor; the argument is the implementation, as a
-// pointer to the interface.
+/**
+ * Makes the stub of an interface. The key is the interface's descriptor; the argument is the
+ * implementation, as a pointer to the interface.
+ */
 BnConstructorMap& getBnConstructorMap();
-// Makes the passthrough wrapper of an interface by its descriptor.
+/** Makes the passthrough wrapper of an interface. The key is the interface's descriptor. */
 BsConstructorMap& getBsConstructorMap();
 
-// A table that generated code reaches with an arrow.
+/** A table that generated code reaches with an arrow. */
 template <typename Map>
 class LazyMap {
   public:
@@ -45,7 +47,7 @@ class LazyMap {
     Map& (*mGet)();
 };
 
-// The stub of an implementation while one lives: one implementation, one stub.
+/** The stub of each implementation while the stub lives: one stub for one implementation. */
 extern const LazyMap<ConcurrentMap<IBase*, wp<IBinder>>> gBnMap;
 extern const LazyMap<ConcurrentMap<wp<IBase>, SchedPrio>> gServicePrioMap;
 extern const LazyMap<ConcurrentMap<wp<IBase>, bool>> gServiceSidMap;

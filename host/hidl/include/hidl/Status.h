@@ -1,4 +1,4 @@
-// Status and Return: how a HIDL call ended, and what it gave.
+// Status and Return: how a HIDL call ended, and its result.
 #pragma once
 
 #include <hidl/HidlInternal.h>
@@ -12,8 +12,10 @@
 
 namespace android::hardware {
 
-// How a call ended: well, or with an exception code and, for EX_TRANSACTION_FAILED, the error of
-// the transport.
+/**
+ * The outcome of a call: success, or an exception code and, for EX_TRANSACTION_FAILED, the
+ * transport's error.
+ */
 class Status {
   public:
     enum Exception : int32_t {
@@ -29,29 +31,33 @@ class Status {
         EX_TRANSACTION_FAILED = -129,
     };
 
-    // All went well.
+    /** Success. */
     Status() = default;
     static Status ok() { return {}; }
-    // EX_NONE for well; the message may be null.
+    /** EX_NONE is success. The message may be null. */
     static Status fromExceptionCode(int32_t exception) { return {exception, OK, {}}; }
     static Status fromExceptionCode(int32_t exception, const char* message) {
         return {exception, OK, message == nullptr ? "" : message};
     }
-    // OK for well, else EX_TRANSACTION_FAILED with that error.
+    /** OK is success; any other status becomes EX_TRANSACTION_FAILED with that error. */
     static Status fromStatusT(status_t status);
 
-    // Puts the status of a transport operation here; OK leaves an all-well status.
+    /** Sets the outcome to the status of a transport operation; OK means success. */
     void setFromStatusT(status_t status);
 
-    // The parts; transactionError is OK but for EX_TRANSACTION_FAILED, the message is never null.
+    /**
+     * The parts. transactionError is OK unless the exception is EX_TRANSACTION_FAILED; the message
+     * is never null.
+     */
     bool isOk() const { return mException == EX_NONE; }
     int32_t exceptionCode() const { return mException; }
     const char* exceptionMessage() const { return mMessage.c_str(); }
     status_t transactionError() const { return mException == EX_TRANSACTION_FAILED ? mError : OK; }
 
-    // "No error", or the exception with its error, where it has one, and its message, as a device
-    // words it: "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '",
-    // "Status(EX_ILLEGAL_ARGUMENT): 'why'".
+    /**
+     * "No error", or the exception with its error, if it has one, and its message, in a device's
+     * words: "Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '", "Status(EX_ILLEGAL_ARGUMENT): 'why'".
+     */
     std::string description() const;
 
   private:
@@ -63,7 +69,7 @@ class Status {
     std::string mMessage;
 };
 
-// Writes the description.
+/** Writes the description. */
 std::ostream& operator<<(std::ostream& stream, const Status& status);
 
 template <typename T>
@@ -71,8 +77,10 @@ class Return;
 
 namespace details {
 
-// The part of Return that does not depend on the result's type. An outcome that failed and that
-// nobody looked at is told as a warning when it goes. Not thread-safe.
+/**
+ * The part of Return that does not depend on the type of the result. Logs a warning when a failed
+ * outcome is destroyed unchecked. Not thread-safe.
+ */
 class return_status {
   public:
     return_status() = default;
@@ -83,26 +91,26 @@ class return_status {
     return_status& operator=(const return_status&) = delete;
     ~return_status();
 
-    // Whether the call was answered.
+    /** Whether the call was answered. */
     bool isOk() const {
         mChecked = true;
         return mStatus.isOk();
     }
-    // The object behind the proxy is gone; the proxy will never answer again.
+    /** Whether the proxy's object is gone; the proxy will never answer again. */
     bool isDeadObject() const {
         mChecked = true;
         return mStatus.transactionError() == DEAD_OBJECT;
     }
-    // As Status has it.
+    /** See Status::description. */
     std::string description() const {
         mChecked = true;
         return mStatus.description();
     }
-    // Aborts the process when the call failed.
+    /** Aborts the process when the call failed. */
     void assertOk() const;
 
   protected:
-    // Aborts the process when a result is taken from a call that gave none.
+    /** Aborts the process when a result is taken from a failed call. */
     void onValueRetrieval() const;
 
   private:
@@ -112,14 +120,14 @@ class return_status {
 
 }  // namespace details
 
-// The outcome of a call that gives a T directly.
+/** The outcome of a call that returns a T directly. */
 template <typename T>
 class Return : public details::return_status {
   public:
     Return(const T& value) : mValue(value) {}
     Return(T&& value) : mValue(std::move(value)) {}
     Return(const Status& status) : return_status(status) {}
-    // For a subclass's strong pointer given where a base's is expected.
+    /** Converts a strong pointer to a subclass into one to its base. */
     template <typename U, typename = std::enable_if_t<std::is_convertible_v<const U&, T> &&
                                                       !std::is_base_of_v<return_status, U> &&
                                                       !std::is_same_v<U, Status>>>
@@ -127,19 +135,19 @@ class Return : public details::return_status {
     Return(Return&&) noexcept = default;
     Return& operator=(Return&&) noexcept = default;
 
-    // The result; aborts the process when the call failed: look at isOk() first.
+    /** Returns the result. Aborts the process when the call failed: check isOk() first. */
     operator T() const {
         onValueRetrieval();
         return mValue;
     }
-    // The result, or what is given when the call failed.
+    /** Returns the result, or the fallback when the call failed. */
     T withDefault(T fallback) const { return isOk() ? mValue : fallback; }
 
   private:
     T mValue{};
 };
 
-// The outcome of a call that gives nothing, or gives it through a callback.
+/** The outcome of a call that returns nothing, or answers through a callback. */
 template <>
 class Return<void> : public details::return_status {
   public:
@@ -149,7 +157,7 @@ class Return<void> : public details::return_status {
     Return& operator=(Return&&) noexcept = default;
 };
 
-// What an implementation returns from a void method that went well.
+/** What the implementation of a void method returns on success. */
 inline Return<void> Void() {
     return Return<void>();
 }

@@ -1,4 +1,3 @@
-// Parcel: the arguments or the answer of one call.
 #pragma once
 
 #include <cutils/native_handle.h>
@@ -17,28 +16,30 @@ namespace transport {
 struct IncomingMessage;
 }
 
-// Holds numbers in the order they were written, and objects beside them: buffers, which may be
-// embedded in earlier buffers, handles and interfaces.
-//
-// A parcel that is being written refers to the caller's buffers and copies none: they must live
-// until the parcel has been sent. A parcel that arrived owns what it gives out: pointers that its
-// readers return are good while it lives, and descriptors in it are closed with it.
-//
-// Readers trust nothing: a number that is not there, an object of another kind, length, parent or
-// offset gives an error and leaves the output alone. Not thread-safe.
-//
-// What a parcel took of memory goes to the next one that is made on the thread where it ended,
-// unless that is large: a call usually takes none.
+/**
+ * The arguments or the answer of one call. Holds numbers in the order in which they were written,
+ * and objects besides: buffers, which may be embedded in earlier buffers, handles and interfaces.
+ *
+ * A parcel that is being written refers to the caller's buffers without copying them: they must
+ * live until the parcel is sent. A parcel that arrived owns its contents: pointers that its readers
+ * return are valid while it lives, and its destructor closes its descriptors.
+ *
+ * Readers do not trust the sender: a missing number or an object of another kind, length, parent or
+ * offset is an error and leaves the output unchanged. Not thread-safe.
+ *
+ * A parcel leaves its memory to the next one on the same thread unless it is large, so that a call
+ * usually allocates none.
+ */
 class Parcel {
     MLK_HOST_TRANSPORT_ONLY
-    // What travels beside the numbers.
+    // The kinds of objects that are sent along with the numbers.
     enum class ObjectKind : uint32_t { BUFFER = 1, HANDLE = 2, BINDER = 3 };
     struct Object {
         ObjectKind kind;
         bool isNull;
         bool hasParent;
-        uint32_t parent;        // which earlier object this one is embedded in
-        uint64_t parentOffset;  // where the pointer to this one stands in it
+        uint32_t parent;        // the earlier object that this one is embedded in
+        uint64_t parentOffset;  // offset in the parent of the pointer to this object
         uint64_t length;        // bytes of a buffer, or of a native_handle_t with its numbers
         void* bytes;            // the buffer or the native_handle_t
         sp<IBinder> binder;
@@ -50,9 +51,9 @@ class Parcel {
     Parcel(const Parcel&) = delete;
     Parcel& operator=(const Parcel&) = delete;
 
-    // Names the interface that the call is for.
+    /** Writes the name of the interface that the call is for. */
     status_t writeInterfaceToken(const char* descriptor);
-    // Numbers; always OK.
+    /** Write a number; always OK. */
     status_t writeBool(bool value);
     status_t writeInt8(int8_t value);
     status_t writeUint8(uint8_t value);
@@ -64,26 +65,35 @@ class Parcel {
     status_t writeUint64(uint64_t value);
     status_t writeFloat(float value);
     status_t writeDouble(double value);
-    // A NUL-terminated text, copied.
+    /** Writes a copy of a NUL-terminated text. */
     status_t writeCString(const char* text);
-    // A buffer, or null; handle receives the number by which embedded buffers name it as their
-    // parent.
+    /**
+     * Writes a buffer, or null. handle receives the number by which embedded buffers name it as
+     * their parent.
+     */
     status_t writeBuffer(const void* buffer, size_t length, size_t* handle);
-    // A buffer whose address stands at parentOffset in the object parentHandle. BAD_VALUE when
-    // there is no such place.
+    /**
+     * Writes a buffer whose address lies at parentOffset in the object parentHandle. BAD_VALUE when
+     * there is no such place.
+     */
     status_t writeEmbeddedBuffer(const void* buffer, size_t length, size_t* handle,
                                  size_t parentHandle, size_t parentOffset);
-    // A handle, or null; its descriptors stay the caller's. BAD_VALUE when it is none.
+    /**
+     * Writes a handle, or null. Its descriptors stay the caller's. BAD_VALUE when the handle is
+     * invalid.
+     */
     status_t writeNativeHandleNoDup(const native_handle_t* handle);
     status_t writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
                                        size_t parentOffset);
-    // An object of this process, or null. A proxy is refused with INVALID_OPERATION: on a host an
-    // object is handed out by the process it lives in.
+    /**
+     * Writes an object of this process, or null. INVALID_OPERATION for a proxy: on a host only the
+     * process of an object can send it.
+     */
     status_t writeStrongBinder(const sp<IBinder>& binder);
 
-    // Whether the parcel is meant for this interface.
+    /** Whether the call is for this interface. */
     bool enforceInterface(const char* descriptor) const;
-    // Numbers; NOT_ENOUGH_DATA when there are none left.
+    /** Read a number; NOT_ENOUGH_DATA at the end of the numbers. */
     status_t readBool(bool* value) const;
     status_t readInt8(int8_t* value) const;
     status_t readUint8(uint8_t* value) const;
@@ -95,32 +105,40 @@ class Parcel {
     status_t readUint64(uint64_t* value) const;
     status_t readFloat(float* value) const;
     status_t readDouble(double* value) const;
-    // The text, or null when there is no terminated text.
+    /** Returns the text, or null when no terminated text follows. */
     const char* readCString() const;
-    // The next object, which must be a buffer of exactly this length: BAD_VALUE when it is not.
+    /**
+     * Reads the next object, which must be a buffer of exactly this length; otherwise BAD_VALUE.
+     */
     status_t readBuffer(size_t length, size_t* handle, const void** buffer) const;
-    // The next object, which must be embedded exactly there: BAD_VALUE when it is not,
-    // UNEXPECTED_NULL when it is null. When the parcel arrived, its address is put into the parent.
+    /**
+     * Reads the next object, which must be embedded exactly there; otherwise BAD_VALUE, or
+     * UNEXPECTED_NULL when it is null. In a parcel that arrived, stores its address in the parent.
+     */
     status_t readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                 size_t parentOffset, const void** buffer) const;
-    // The same; a null buffer, or none for length 0, gives null.
+    /** The same, but a null buffer, or a missing one of length 0, gives null. */
     status_t readNullableEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                         size_t parentOffset, const void** buffer) const;
-    // The next object, which must be a handle, or null: BAD_VALUE when it is not.
+    /** Reads the next object, which must be a handle or null; otherwise BAD_VALUE. */
     status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
     status_t readNullableEmbeddedNativeHandle(size_t parentHandle, size_t parentOffset,
                                               const native_handle_t** handle) const;
-    // The next object, which must be an interface, or null: BAD_VALUE when it is not.
+    /** Reads the next object, which must be an interface or null; otherwise BAD_VALUE. */
     status_t readNullableStrongBinder(sp<IBinder>* binder) const;
 
     MLK_HOST_TRANSPORT_ONLY
-    // For the transport: what was written so far, and the first error of writing: generated code
-    // looks at none while it writes an answer, and a parcel with a gap must not travel.
+    /**
+     * For the transport: what was written so far, and the first error of writing. Generated code
+     * checks no errors while it writes an answer, and a parcel with a gap must not be sent.
+     */
     const std::vector<uint8_t>& data() const;
     const std::vector<Object>& objects() const;
     status_t writeError() const { return mWriteError; }
-    // For the transport: makes this empty parcel the one that arrived. BAD_VALUE, and an empty
-    // parcel, when what arrived is not a whole parcel; NO_MEMORY.
+    /**
+     * For the transport: gives this empty parcel the contents that arrived. BAD_VALUE when the
+     * message is not a whole parcel, NO_MEMORY when memory runs out; the parcel then stays empty.
+     */
     status_t adopt(transport::IncomingMessage&& message);
 
   private:

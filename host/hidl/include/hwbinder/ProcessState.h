@@ -1,4 +1,3 @@
-// ProcessState: this process as a server of objects.
 #pragma once
 
 #include <utils/RefBase.h>
@@ -6,14 +5,16 @@
 
 namespace android::hardware {
 
-// Generated code's way to the RPC pool.
+/** This process as a server of objects: generated code starts the RPC pool through it. */
 class ProcessState : public virtual RefBase {
   public:
-    // The one of this process; lives until it ends.
+    /** Returns the process's one object, which lives until the process ends. */
     static sp<ProcessState> self();
 
-    // Starts the RPC pool's first thread unless it runs: from now on calls to objects of this
-    // process, and deaths of remote ones, are heard. Thread-safe.
+    /**
+     * Starts the first thread of the RPC pool unless it runs. From then on the process answers
+     * calls to its objects and hears of the deaths of remote ones. Thread-safe.
+     */
     void startThreadPool();
 };
 

@@ -11,16 +11,18 @@ namespace {
 
 constexpr uint32_t kMostBytes = 20000;
 
-// A text of a value is made of all of it.
+// Uses every part of a value by formatting it.
 template <typename Value>
 void look(const Value& value) {
     using ::android::hardware::toString;
     (void)toString(value);
 }
 
-// Generated code treats a union of no known kind as fatal as soon as somebody looks at it.
+// Generated code aborts when it reads a union of unknown kind.
 void look(const Choice& choice) {
-    if (choice.getDiscriminator() <= Choice::hidl_discriminator::points) (void)toString(choice);
+    if (choice.getDiscriminator() <= Choice::hidl_discriminator::points) {
+        (void)toString(choice);
+    }
 }
 
 struct Look {
@@ -32,17 +34,23 @@ struct Look {
 
 template <typename Result>
 void lookAt(const Return<Result>& result) {
-    if (result.isOk()) look(static_cast<Result>(result));
+    if (result.isOk()) {
+        look(static_cast<Result>(result));
+    }
 }
 
 void lookAt(const Return<sp<IListener>>& result) {
-    if (!result.isOk()) return;
+    if (!result.isOk()) {
+        return;
+    }
     const sp<IListener> listener = result;
-    // What came is called, too: somebody may be there or not.
-    if (listener != nullptr) (void)listener->tell(1).isOk();
+    // Also calls the object that arrived; its server may be gone.
+    if (listener != nullptr) {
+        (void)listener->tell(1).isOk();
+    }
 }
 
-// A method that gives its answer to a callback.
+// A method that answers through a callback.
 template <typename Method>
 std::function<void(IEverything&)> answering(Method method) {
     return [method](IEverything& object) {
@@ -53,12 +61,14 @@ std::function<void(IEverything&)> answering(Method method) {
 void callListeners(IEverything& object) try {
     const auto call = [](const hidl_vec<sp<IListener>>& listeners) {
         for (const sp<IListener>& each : listeners) {
-            if (each != nullptr) (void)each->tell(1).isOk();
+            if (each != nullptr) {
+                (void)each->tell(1).isOk();
+            }
         }
     };
     (void)object.listeners({}, call).isOk();
 } catch (const std::bad_alloc&) {
-    // A reply that claims to hold more interfaces than any does.
+    // A reply that claims more interfaces than a vector may have.
 }
 
 }  // namespace
@@ -104,7 +114,9 @@ Return<void> TameEverything::bytes(uint32_t n, bytes_cb answer) {
     return Everything::bytes(std::min(n, kMostBytes), std::move(answer));
 }
 Return<sp<IListener>> TameEverything::listen(const sp<IListener>& l, const hidl_string& s) {
-    if (l == nullptr || !l->heard(s).isOk()) return sp<IListener>();
+    if (l == nullptr || !l->heard(s).isOk()) {
+        return sp<IListener>();
+    }
     return sp<IListener>(new Listener);
 }
 Return<void> TameEverything::silent(silent_cb answer) {

@@ -8,11 +8,13 @@
 
 namespace mlk::test {
 
-// A call each, with default arguments, that looks at every byte of its answer.
+/** One call for each method, with default arguments; it reads every byte of its answer. */
 const std::vector<std::function<void(IEverything&)>>& calls();
 
-// Answers every call at once, with little, and as if it were the first. What Everything does badly
-// on request is what generated stubs do not survive.
+/**
+ * Answers every call at once, with little data and without keeping state. Leaves out the
+ * misbehaviour of Everything that generated stubs do not survive.
+ */
 class TameEverything : public Everything {
   public:
     Return<int32_t> alive() override { return 0; }

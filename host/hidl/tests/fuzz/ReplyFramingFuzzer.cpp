@@ -1,6 +1,6 @@
-// What a client makes of bytes and descriptors that a server sends for a reply. The first byte of
-// an input is the call that is made, a position in calls(), the second the number of descriptors
-// that come with the reply, which is the rest.
+// Feeds a client with bytes and descriptors as a server's reply. The first byte of an input is the
+// index of the call in calls(), the second the number of descriptors that are sent with the reply;
+// the rest is the reply.
 
 #include <fcntl.h>
 #include <hidl/HidlTransportSupport.h>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr size_t kMostDescriptors = 8;
 constexpr int kMostOpen = 100;
-// What a socket takes without anybody reading.
+// The number of bytes that a socket buffers without a reader.
 constexpr size_t kMostBytes = size_t{64} * 1024;
 
 std::vector<int> makeDescriptors() {
@@ -51,7 +51,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     reply.pieces = {{const_cast<uint8_t*>(data) + 2, size - 2}};
     const auto first = kDescriptors.begin();
     reply.descriptors.assign(first, first + data[1] % static_cast<int>(kMostDescriptors));
-    // The reply is there before the call.
+    // The reply is sent before the call.
     fuzzing::require(transport::sendPieces(far.get(), &reply, 0) == 0, "a reply can be sent");
     (void)shutdown(far.get(), SHUT_WR);
     {

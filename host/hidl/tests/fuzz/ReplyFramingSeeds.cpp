@@ -1,5 +1,5 @@
-// Writes inputs for the fuzzer of what a server sends: the replies of every method, and replies
-// that are no answer. Argument: the folder.
+// Writes inputs for the fuzzer of replies: the replies of every method, and malformed ones.
+// Argument: the folder.
 
 #include <sys/socket.h>
 
@@ -24,7 +24,7 @@ using android::hardware::Parcel;
 
 namespace {
 
-// A message as it travels, behind the two bytes of an input.
+// A message in the form in which it is sent, after the two bytes that begin an input.
 std::string inputOf(size_t call, transport::OutgoingMessage& message) {
     transport::Sending& sending = message.sending();
     std::string input = {static_cast<char>(call), static_cast<char>(sending.descriptors.size())};
@@ -34,7 +34,7 @@ std::string inputOf(size_t call, transport::OutgoingMessage& message) {
     return input;
 }
 
-// Stands between a proxy and the stub, and takes the replies down.
+// Sits between a proxy and the stub and records the replies.
 class Recorder : public IBinder {
   public:
     Recorder(const sp<IBinder>& stub, size_t call) : mStub(stub), mCall(call) {}
@@ -49,7 +49,7 @@ class Recorder : public IBinder {
             mInput = inputOf(mCall, message);
         };
         (void)mStub->transact(code, data, reply, flags, record);
-        // What the reply refers to is gone by now.
+        // The reply's buffers are destroyed by now.
         return android::UNKNOWN_ERROR;
     }
     status_t linkToDeath(const sp<DeathRecipient>&) override { return android::INVALID_OPERATION; }

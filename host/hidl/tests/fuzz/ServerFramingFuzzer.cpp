@@ -1,6 +1,6 @@
-// What a server makes of bytes and descriptors that a client sends. The first byte of an input is
-// the number of descriptors that go with the others, the second the size of the pieces that they go
-// in when they are sent once more.
+// Feeds a server with bytes and descriptors of a client. The first byte of an input is the number
+// of descriptors that are sent with the bytes, the second the size of the pieces in which they are
+// sent once more.
 
 #include <fcntl.h>
 #include <hidl/HidlTransportSupport.h>
@@ -23,10 +23,10 @@ namespace {
 
 constexpr size_t kThreads = 3;
 constexpr size_t kMostDescriptors = 8;
-// More than the process ever has; each input that leaks a descriptor moves it nearer.
+// More than the process ever opens; each input that leaks a descriptor gets closer to it.
 constexpr int kMostOpen = 200;
 
-// It goes when the process ends.
+// Destroyed when the process ends.
 const mlk::testing::HostSet& set() {
     static const mlk::testing::HostSet theSet;
     return theSet;
@@ -36,7 +36,7 @@ class Server {
   public:
     Server() {
         (void)set();
-        // Everything::sign writes to whatever a client sends.
+        // Everything::sign writes to any descriptor that a client sends.
         (void)signal(SIGPIPE, SIG_IGN);
         android::hardware::configureRpcThreadpool(kThreads, false /* callerWillJoin */);
         fuzzing::require(mService->registerAsService() == android::OK, "the service is registered");
@@ -62,12 +62,12 @@ class Server {
 };
 
 Server& server() {
-    // Never ends: the pool's threads run as long as the process.
+    // Never destroyed: the pool's threads run as long as the process.
     static auto* const theServer = new Server;
     return *theServer;
 }
 
-// Everything that the server sends until the connection's end.
+// Reads everything that the server sends until the connection ends.
 std::string received(int socket) {
     std::string bytes;
     char chunk[4096];
@@ -79,7 +79,7 @@ std::string received(int socket) {
     return bytes;
 }
 
-// The headers of the replies, which must be sound.
+// Returns the headers of the replies, which must be sound.
 std::string headersOf(std::string_view bytes) {
     std::string headers;
     while (!bytes.empty()) {
@@ -95,7 +95,7 @@ std::string headersOf(std::string_view bytes) {
     return headers;
 }
 
-// What the server answers to the bytes, sent in pieces of that size.
+// Returns the server's answers to the bytes, which are sent in pieces of that size.
 std::string answers(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors,
                     size_t pieceSize) {
     RawClient client(set().runtime());

@@ -1,5 +1,5 @@
-// Writes inputs for the fuzzer of what a client sends: sound calls, one and several, and calls
-// whose sizes are lies. Argument: the folder.
+// Writes inputs for the fuzzer of calls: sound calls, one and several, and calls with false sizes.
+// Argument: the folder.
 
 #include <string>
 
@@ -59,7 +59,7 @@ int main(int argc, char** argv) {
     seeds.write("long", {textCall(std::string(3000, 'x'))});
     seeds.write("several", {textCall("one"), poke, bytesCall(100), textCall("four")});
     seeds.write("large", {bytesCall(20000), bytesCall(20000), bytesCall(20000)});
-    // The descriptors are those of the fuzzer.
+    // The fuzzer supplies the descriptors.
     seeds.write("descriptors", {fdCall({0, 0})});
     seeds.write("listener", {listenCall(0), textCall("behind")});
 

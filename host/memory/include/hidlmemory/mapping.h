@@ -5,13 +5,15 @@
 
 namespace android::hardware {
 
-/// Maps a block of shared memory into this process, to be read and written; it stays mapped while
-/// the IMemory lives, whatever becomes of `memory` and its descriptor.
-///
-/// The block may come from anybody: null, and one error line that says why, when it is empty, is of
-/// another kind than "ashmem", or is not what it claims to be, so that touching one of its
-/// getSize() bytes could kill the process (AshmemMapper has the conditions). What the bytes hold,
-/// and when others change them, is for the caller to distrust. Any thread may call it.
+/**
+ * Maps a block of shared memory into this process for reading and writing. It stays mapped while
+ * the IMemory lives, independently of `memory` and its descriptor.
+ *
+ * The block may come from anybody. Null, with one error line, when it is empty, of another kind
+ * than "ashmem", or differs from what it claims, so that touching one of its getSize() bytes could
+ * kill the process (AshmemMapper lists the conditions). The caller must not trust the bytes, which
+ * others may change at any time. Thread-safe.
+ */
 sp<::android::hidl::memory::V1_0::IMemory> mapMemory(const hidl_memory& memory);
 
 }  // namespace android::hardware

@@ -1,4 +1,3 @@
-// IServiceNotification: who wants to hear of a registration.
 #pragma once
 
 #include <hidl/HidlSupport.h>
@@ -6,9 +5,12 @@
 
 namespace android::hidl::manager::V1_0 {
 
-// Never called on a host.
+/** A client that wants to hear of registrations. A host never calls it. */
 struct IServiceNotification : public virtual RefBase {
-    // fqName, name: the interface and the instance; preexisting: registered before one asked.
+    /**
+     * fqName, name: the interface and the instance. preexisting: whether the service was registered
+     * before the client asked.
+     */
     virtual ::android::hardware::Return<void> onRegistration(
             const ::android::hardware::hidl_string& fqName,
             const ::android::hardware::hidl_string& name, bool preexisting) = 0;
