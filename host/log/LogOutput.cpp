@@ -40,8 +40,7 @@ class NoBrokenPipe {
     ~NoBrokenPipe() {
         if (!mWasPending) {
             const timespec noTime{};
-            while (sigtimedwait(&mSignal, nullptr, &noTime) < 0 && errno == EINTR) {
-            }
+            (void)TEMP_FAILURE_RETRY(sigtimedwait(&mSignal, nullptr, &noTime));
         }
         pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
     }
@@ -96,16 +95,16 @@ class LogOutput::Target {
             return send(mDescriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
         }
         // May still wait if another process fills the space between poll and write.
-        if (!hasRoom(0)) {
+        if (!hasSpace(0)) {
             errno = EAGAIN;
             return -1;
         }
         return ::write(mDescriptor, text.data(), std::min<size_t>(text.size(), PIPE_BUF));
     }
 
-    bool hasRoom(int milliseconds) const {
-        pollfd room{mDescriptor, POLLOUT, 0};
-        return poll(&room, 1, milliseconds) == 1;
+    bool hasSpace(int milliseconds) const {
+        pollfd space{mDescriptor, POLLOUT, 0};
+        return poll(&space, 1, milliseconds) == 1;
     }
 
   private:
@@ -128,7 +127,7 @@ bool LogOutput::put(Target& target, std::string_view text) {
                 break;
             }
             const auto begin = steady_clock::now();
-            (void)target.hasRoom(millisecondsOf(mPatience));
+            (void)target.hasSpace(millisecondsOf(mPatience));
             mPatience -= steady_clock::now() - begin;
         } else if (errno != EINTR) {
             return true;  // it takes nothing any more
@@ -144,11 +143,12 @@ bool LogOutput::put(Target& target, std::string_view text) {
 void LogOutput::writeToFile(std::string_view text) const {
     size_t done = 0;
     while (done < text.size()) {
-        const ssize_t written = ::write(mDescriptor, text.data() + done, text.size() - done);
-        if (written < 0 && errno != EINTR) {
+        const ssize_t written =
+                TEMP_FAILURE_RETRY(::write(mDescriptor, text.data() + done, text.size() - done));
+        if (written < 0) {
             return;
         }
-        done += written < 0 ? 0 : static_cast<size_t>(written);
+        done += static_cast<size_t>(written);
     }
 }
 

@@ -14,11 +14,7 @@ using ::android::base::unique_fd;
 namespace {
 
 bool reserve(int block, uint64_t size) {
-    int result = 0;
-    do {
-        result = fallocate(block, 0, 0, static_cast<off_t>(size));
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+    return TEMP_FAILURE_RETRY(fallocate(block, 0, 0, static_cast<off_t>(size))) == 0;
 }
 
 }  // namespace

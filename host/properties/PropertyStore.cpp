@@ -31,11 +31,7 @@ bool isKeyCharacter(char c) {
 }
 
 int openFile(const std::string& path, int flags) {
-    int fd = -1;
-    do {
-        fd = open(path.c_str(), flags | O_CLOEXEC, 0644);
-    } while (fd < 0 && errno == EINTR);
-    return fd;
+    return static_cast<int>(TEMP_FAILURE_RETRY(open(path.c_str(), flags | O_CLOEXEC, 0644)));
 }
 
 unique_fd openRegular(const std::string& path) {

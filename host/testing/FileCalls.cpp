@@ -72,8 +72,7 @@ bool isKilledAt(size_t number, const std::function<void()>& function) {
         _exit(0);
     }
     int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
+    TEMP_FAILURE_RETRY(waitpid(child, &status, 0));
     return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
 }
 

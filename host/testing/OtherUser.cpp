@@ -31,8 +31,7 @@ bool asOtherUser(const std::string& folder, const std::function<bool()>& functio
         _exit(becomeNobody() && function() ? 0 : 1);
     }
     int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
+    TEMP_FAILURE_RETRY(waitpid(child, &status, 0));
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 

@@ -155,17 +155,17 @@ const sockaddr* generic(const sockaddr_un& address) {
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
+int connectAddress(int socket, const sockaddr_un& address) {
+    return static_cast<int>(TEMP_FAILURE_RETRY(connect(socket, generic(address), sizeof(address))));
+}
+
 // Connects to the socket that the descriptor `file` names.
 int connectFile(int socket, int file) {
     sockaddr_un address;
     if (!makeAddress(pathOf(file), &address)) {
         return -1;
     }
-    int result;
-    do {
-        result = connect(socket, generic(address), sizeof(address));
-    } while (result != 0 && errno == EINTR);
-    return result;
+    return connectAddress(socket, address);
 }
 
 int connectSocket(int socket, const RuntimeFolder& folder, const std::string& name) {
@@ -174,11 +174,7 @@ int connectSocket(int socket, const RuntimeFolder& folder, const std::string& na
         const unique_fd file(openat(folder.descriptor.get(), name.c_str(), O_PATH | O_CLOEXEC));
         return file.ok() ? connectFile(socket, file.get()) : -1;
     }
-    int result;
-    do {
-        result = connect(socket, generic(address), sizeof(address));
-    } while (result != 0 && errno == EINTR);
-    return result;
+    return connectAddress(socket, address);
 }
 
 // Like sending, connecting waits for a server that accepts nobody.
@@ -193,11 +189,9 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     Hello hello{};
     size_t filled = 0;
     while (filled < sizeof(hello)) {
-        const ssize_t got = recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
-                                 sizeof(hello) - filled, MSG_DONTWAIT);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got =
+                TEMP_FAILURE_RETRY(recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
+                                        sizeof(hello) - filled, MSG_DONTWAIT));
         if (got < 0 && errno == EAGAIN) {
             if (!waitFor(socket, POLLIN, end.left())) {
                 return Heard::NOTHING;

@@ -192,10 +192,7 @@ ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<uniqu
     message.msg_iovlen = 1;
     message.msg_control = control.bytes;
     message.msg_controllen = sizeof(control.bytes);
-    ssize_t result;
-    do {
-        result = recvmsg(socket, &message, flags | MSG_CMSG_CLOEXEC);
-    } while (result < 0 && errno == EINTR);
+    const ssize_t result = TEMP_FAILURE_RETRY(recvmsg(socket, &message, flags | MSG_CMSG_CLOEXEC));
     if (result < 0) {
         return result;
     }

@@ -136,7 +136,7 @@ bool Stalls::makeRoomLocked(const Stall& wanting) {
         if (victim == nullptr) {
             return false;
         }
-        closeLocked(victim, "others need the room");
+        closeLocked(victim, "others need the space");
     }
     return true;
 }

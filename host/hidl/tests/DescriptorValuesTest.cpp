@@ -1,8 +1,7 @@
-// hidl_handle, hidl_memory and MQDescriptor: which object closes which descriptor.
+// hidl_handle and hidl_memory: which object closes which descriptor.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlSupport.h>
-#include <hidl/MQDescriptor.h>
 
 #include <string>
 #include <utility>
@@ -12,9 +11,6 @@
 
 namespace mlk::test {
 namespace {
-
-using ::android::hardware::GrantorDescriptor;
-using ::android::hardware::MQDescriptorSync;
 
 bool isOpen(int descriptor) {
     return fcntl(descriptor, F_GETFD) != -1;
@@ -101,25 +97,6 @@ TEST(HidlMemoryTest, CopiesAndMoves) {
     EXPECT_FALSE(hidl_memory().valid());
 }
 // NOLINTEND(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
-
-TEST(MQDescriptorTest, OwnsItsHandle) {
-    int descriptor;
-    {
-        native_handle_t* native = native_handle_create(1, 0);
-        descriptor = native->data[0] = fileWith("queue").release();
-        const MQDescriptorSync<int> queue({GrantorDescriptor{0, 0, 8, 16}}, native, 4);
-        MQDescriptorSync<int> copy(queue);
-        EXPECT_NE(descriptor, copy.handle()->data[0]);
-        EXPECT_EQ(contentOf(copy.handle()->data[0]), "queue");
-        EXPECT_EQ(copy.grantors()[0].extent, 16U);
-        EXPECT_EQ(copy.getQuantum(), 4U);
-        copy = MQDescriptorSync<int>();
-        EXPECT_EQ(copy.handle(), nullptr);
-        EXPECT_TRUE(isOpen(descriptor));
-        EXPECT_EQ(::android::hardware::toString(queue), "queue of 1 grantors");
-    }
-    EXPECT_FALSE(isOpen(descriptor));
-}
 
 }  // namespace
 }  // namespace mlk::test

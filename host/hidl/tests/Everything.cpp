@@ -118,11 +118,6 @@ Return<void> Everything::handles(const hidl_vec<hidl_handle>& c, handles_cb answ
     answer(turned);
     return Void();
 }
-Return<void> Everything::queue(const MQDescriptorSync<int32_t>& q,
-                               const MQDescriptorUnsync<int32_t>& u, queue_cb answer) {
-    answer(q, u);
-    return Void();
-}
 
 sp<IListener> Everything::kept() const {
     std::lock_guard<std::mutex> lock(mMutex);

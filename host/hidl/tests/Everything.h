@@ -16,8 +16,6 @@ using ::android::hardware::hidl_handle;
 using ::android::hardware::hidl_memory;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
-using ::android::hardware::MQDescriptorSync;
-using ::android::hardware::MQDescriptorUnsync;
 using ::android::hardware::Return;
 using ::mlk::test::everything::V1_0::Choice;
 using ::mlk::test::everything::V1_0::Colour;
@@ -64,8 +62,6 @@ class Everything : public IEverything {
     Return<void> records(const hidl_vec<Record>& r, records_cb answer) override;
     Return<void> choice(const Choice& c, choice_cb answer) override;
     Return<void> handles(const hidl_vec<hidl_handle>& c, handles_cb answer) override;
-    Return<void> queue(const MQDescriptorSync<int32_t>& q, const MQDescriptorUnsync<int32_t>& u,
-                       queue_cb answer) override;
     Return<sp<IListener>> listen(const sp<IListener>& l, const hidl_string& s) override;
     Return<int32_t> callKept(const hidl_string& s) override;
     Return<bool> tellKept(int32_t n) override;

@@ -18,7 +18,6 @@
 namespace mlk::test {
 namespace {
 
-using ::android::hardware::GrantorDescriptor;
 using ::testing::ElementsAre;
 
 class HandlesTest : public ::testing::Test {
@@ -161,51 +160,6 @@ TEST_F(HandlesTest, MemoryIsShared) {
                                      EXPECT_FALSE(m.valid());
                                      EXPECT_EQ(m.size(), 0U);
                                  })
-                        .isOk());
-    EXPECT_EQ(calls, 2);
-}
-
-native_handle_t* queueHandle(const std::string& text) {
-    native_handle_t* handle = native_handle_create(1, 1);
-    handle->data[0] = fileWith(text).release();
-    (&handle->data[0])[1] = 42;
-    return handle;
-}
-
-TEST_F(HandlesTest, QueueDescriptors) {
-    GrantorDescriptor grantor{};
-    grantor.offset = 16;
-    grantor.extent = 1ULL << 40U;
-    const MQDescriptorSync<int32_t> sync({grantor, grantor}, queueHandle("sync"), 4);
-    const MQDescriptorUnsync<int32_t> unsync({grantor}, queueHandle("unsync"), 8);
-    int calls = 0;
-    ASSERT_TRUE(mService->queue(sync, unsync,
-                                [&](const auto& q, const auto& u) {
-                                    ++calls;
-                                    ASSERT_EQ(q.grantors().size(), 2U);
-                                    EXPECT_EQ(q.grantors()[1].offset, 16U);
-                                    EXPECT_EQ(1ULL << 40U, q.grantors()[1].extent);
-                                    EXPECT_EQ(q.getQuantum(), 4U);
-                                    EXPECT_EQ(sync.getFlags(), q.getFlags());
-                                    ASSERT_NE(q.handle(), nullptr);
-                                    EXPECT_EQ(contentOf(q.handle()->data[0]), "sync");
-                                    ASSERT_EQ(u.grantors().size(), 1U);
-                                    EXPECT_EQ(u.getQuantum(), 8U);
-                                    EXPECT_EQ(unsync.getFlags(), u.getFlags());
-                                    EXPECT_NE(q.getFlags(), u.getFlags());
-                                    EXPECT_EQ(contentOf(u.handle()->data[0]), "unsync");
-                                    EXPECT_EQ((&u.handle()->data[0])[1], 42);
-                                })
-                        .isOk());
-    const MQDescriptorSync<int32_t> noSync;
-    const MQDescriptorUnsync<int32_t> noUnsync;
-    ASSERT_TRUE(mService->queue(noSync, noUnsync,
-                                [&](const auto& q, const auto& u) {
-                                    ++calls;
-                                    EXPECT_EQ(q.handle(), nullptr);
-                                    EXPECT_EQ(u.handle(), nullptr);
-                                    EXPECT_EQ(q.grantors().size(), 0U);
-                                })
                         .isOk());
     EXPECT_EQ(calls, 2);
 }

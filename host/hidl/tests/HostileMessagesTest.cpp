@@ -194,7 +194,7 @@ const Row kRows[] = {
         withSize("SizeHuge", 0xffffffff),
         changed("ObjectNobodyReads", OK, [](RawMessage& m) { (void)m.buffer({1, 2, 3}); }),
         // The transport refuses what no method reads, or nobody does.
-        changed("BytesBehindTheLastObject", BAD_VALUE,
+        changed("BytesAfterTheLastObject", BAD_VALUE,
                 [](RawMessage& m) { m.objects[1].bytes.resize(16); }),
         changed("NullWithLengthThatNobodyReads", BAD_VALUE,
                 [](RawMessage& m) {

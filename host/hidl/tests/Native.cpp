@@ -72,10 +72,7 @@ std::string readFrom(int pipe, size_t most) {
     std::string text(most, '\0');
     size_t filled = 0;
     while (filled < most) {
-        const ssize_t got = read(pipe, text.data() + filled, most - filled);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got = TEMP_FAILURE_RETRY(read(pipe, text.data() + filled, most - filled));
         if (got < 0) {
             fail("read");
         }

@@ -18,35 +18,35 @@ using ::android::UNEXPECTED_NULL;
 using ::android::hardware::IBinder;
 using ::android::hardware::Parcel;
 
-uint64_t sRoom[4];
+uint64_t sSlots[4];
 
-void writeRoom(Parcel* parcel) {
+void writeSlots(Parcel* parcel) {
     size_t handle;
-    ASSERT_EQ(parcel->writeBuffer(sRoom, sizeof(sRoom), &handle), OK);
+    ASSERT_EQ(parcel->writeBuffer(sSlots, sizeof(sSlots), &handle), OK);
 }
 void writeEmbedded(Parcel* parcel) {
     size_t handle;
-    writeRoom(parcel);
+    writeSlots(parcel);
     ASSERT_EQ(parcel->writeEmbeddedBuffer("abcd", 4, &handle, 0, 8), OK);
 }
 void writeEmbeddedNull(Parcel* parcel) {
     size_t handle;
-    writeRoom(parcel);
+    writeSlots(parcel);
     ASSERT_EQ(parcel->writeEmbeddedBuffer(nullptr, 4, &handle, 0, 8), OK);
 }
 void writeEmbeddedHandle(Parcel* parcel) {
-    writeRoom(parcel);
+    writeSlots(parcel);
     ASSERT_EQ(parcel->writeEmbeddedNativeHandle(nullptr, 0, 8), OK);
 }
 
-status_t readRoom(const Parcel& parcel) {
+status_t readSlots(const Parcel& parcel) {
     size_t handle;
     const void* bytes;
-    return parcel.readBuffer(sizeof(sRoom), &handle, &bytes);
+    return parcel.readBuffer(sizeof(sSlots), &handle, &bytes);
 }
 std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, size_t offset) {
     return [=](const Parcel& parcel) {
-        EXPECT_EQ(readRoom(parcel), OK);
+        EXPECT_EQ(readSlots(parcel), OK);
         size_t handle;
         const void* bytes;
         return parcel.readEmbeddedBuffer(length, &handle, parent, offset, &bytes);
@@ -54,7 +54,7 @@ std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, si
 }
 std::function<status_t(const Parcel&)> embeddedHandle(size_t parent, size_t offset) {
     return [=](const Parcel& parcel) {
-        EXPECT_EQ(readRoom(parcel), OK);
+        EXPECT_EQ(readSlots(parcel), OK);
         const native_handle_t* handle;
         return parcel.readNullableEmbeddedNativeHandle(parent, offset, &handle);
     };
@@ -77,19 +77,19 @@ struct Misread {
 };
 
 const Misread kMisreads[] = {
-        {"NothingForABuffer", [](Parcel*) {}, &readRoom, BAD_VALUE},
+        {"NothingForABuffer", [](Parcel*) {}, &readSlots, BAD_VALUE},
         {"NothingForAHandle", [](Parcel*) {}, &readHandle, BAD_VALUE},
         {"NothingForAnInterface", [](Parcel*) {}, &readBinder, BAD_VALUE},
-        {"BufferForAHandle", &writeRoom, &readHandle, BAD_VALUE},
-        {"BufferForAnInterface", &writeRoom, &readBinder, BAD_VALUE},
-        {"HandleForABuffer", [](Parcel* p) { (void)p->writeNativeHandleNoDup(nullptr); }, &readRoom,
-         BAD_VALUE},
+        {"BufferForAHandle", &writeSlots, &readHandle, BAD_VALUE},
+        {"BufferForAnInterface", &writeSlots, &readBinder, BAD_VALUE},
+        {"HandleForABuffer", [](Parcel* p) { (void)p->writeNativeHandleNoDup(nullptr); },
+         &readSlots, BAD_VALUE},
         {"NullForABuffer",
          [](Parcel* p) {
              size_t handle;
-             (void)p->writeBuffer(nullptr, sizeof(sRoom), &handle);
+             (void)p->writeBuffer(nullptr, sizeof(sSlots), &handle);
          },
-         &readRoom, BAD_VALUE},
+         &readSlots, BAD_VALUE},
         {"EmbeddedLonger", &writeEmbedded, embedded(5, 0, 8), BAD_VALUE},
         {"EmbeddedShorter", &writeEmbedded, embedded(3, 0, 8), BAD_VALUE},
         {"EmbeddedElsewhere", &writeEmbedded, embedded(4, 0, 16), BAD_VALUE},
@@ -98,7 +98,7 @@ const Misread kMisreads[] = {
         {"EmbeddedNullWithLength", &writeEmbeddedNull, embedded(4, 0, 8), BAD_VALUE},
         {"EmbeddedForAPlainOne", &writeEmbedded,
          [](const Parcel& p) {
-             EXPECT_EQ(readRoom(p), OK);
+             EXPECT_EQ(readSlots(p), OK);
              size_t handle;
              const void* bytes;
              return p.readBuffer(4, &handle, &bytes);
@@ -106,16 +106,16 @@ const Misread kMisreads[] = {
          BAD_VALUE},
         {"PlainForAnEmbeddedOne",
          [](Parcel* p) {
-             writeRoom(p);
-             writeRoom(p);
+             writeSlots(p);
+             writeSlots(p);
          },
-         embedded(sizeof(sRoom), 0, 0), BAD_VALUE},
+         embedded(sizeof(sSlots), 0, 0), BAD_VALUE},
         {"HandleElsewhere", &writeEmbeddedHandle, embeddedHandle(0, 16), BAD_VALUE},
         {"HandleInAnother", &writeEmbeddedHandle, embeddedHandle(1, 8), BAD_VALUE},
         {"BufferForAnEmbeddedHandle", &writeEmbedded, embeddedHandle(0, 8), BAD_VALUE},
         {"EmbeddedHandleForAPlainOne", &writeEmbeddedHandle,
          [](const Parcel& p) {
-             EXPECT_EQ(readRoom(p), OK);
+             EXPECT_EQ(readSlots(p), OK);
              return readHandle(p);
          },
          BAD_VALUE},
@@ -165,9 +165,9 @@ status_t writeEmbeddedAt(size_t parent, size_t offset, Parcel* parcel) {
 const Miswrite kMiswrites[] = {
         {"ParentThatIsNot", [](Parcel* p) { return writeEmbeddedAt(1, 0, p); }},
         {"ParentBeyond32Bits", [](Parcel* p) { return writeEmbeddedAt(size_t{1} << 32U, 0, p); }},
-        {"OffsetBeyondParent", [](Parcel* p) { return writeEmbeddedAt(0, sizeof(sRoom) - 7, p); }},
+        {"OffsetBeyondParent", [](Parcel* p) { return writeEmbeddedAt(0, sizeof(sSlots) - 7, p); }},
         {"HandleBeyondParent",
-         [](Parcel* p) { return p->writeEmbeddedNativeHandle(nullptr, 0, sizeof(sRoom)); }},
+         [](Parcel* p) { return p->writeEmbeddedNativeHandle(nullptr, 0, sizeof(sSlots)); }},
         {"ParentThatIsAHandle",
          [](Parcel* p) {
              EXPECT_EQ(p->writeNativeHandleNoDup(nullptr), OK);
@@ -183,7 +183,7 @@ const Miswrite kMiswrites[] = {
 TEST(ParcelErrorsTest, WritingFailsForGood) {
     for (const Miswrite& row : kMiswrites) {
         Parcel parcel;
-        writeRoom(&parcel);
+        writeSlots(&parcel);
         EXPECT_EQ(parcel.writeError(), OK) << row.name;
         EXPECT_EQ(row.write(&parcel), BAD_VALUE) << row.name;
         EXPECT_EQ(parcel.writeError(), BAD_VALUE) << row.name;

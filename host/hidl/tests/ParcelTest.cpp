@@ -126,32 +126,32 @@ TEST_P(ParcelTest, Buffers) {
 
 TEST_P(ParcelTest, EmbeddedBuffersAreFoundThroughTheirParent) {
     const char* text = "abcd";
-    const char* rooms[2] = {nullptr, text};
+    const char* slots[2] = {nullptr, text};
     size_t parent;
     size_t child;
-    ASSERT_EQ(mWritten.writeBuffer(rooms, sizeof(rooms), &parent), OK);
+    ASSERT_EQ(mWritten.writeBuffer(slots, sizeof(slots), &parent), OK);
     ASSERT_EQ(mWritten.writeEmbeddedBuffer(text, 5, &child, parent, 8), OK);
     const Parcel& parcel = read();
     const void* got;
-    ASSERT_EQ(parcel.readBuffer(sizeof(rooms), &parent, &got), OK);
+    ASSERT_EQ(parcel.readBuffer(sizeof(slots), &parent, &got), OK);
     const void* bytes;
     ASSERT_EQ(parcel.readEmbeddedBuffer(5, &child, parent, 8, &bytes), OK);
     EXPECT_STREQ(static_cast<const char*>(bytes), "abcd");
     EXPECT_EQ(bytes, static_cast<const char* const*>(got)[1]);
     // Reading repairs the copy that arrived, not the writer's buffers.
-    EXPECT_EQ(text, rooms[1]);
+    EXPECT_EQ(text, slots[1]);
 }
 
 TEST_P(ParcelTest, EmptyAndNullBuffersGiveNull) {
-    const uint64_t rooms[2] = {0x1234, 0x5678};
+    const uint64_t slots[2] = {0x1234, 0x5678};
     size_t parent;
     size_t child;
-    ASSERT_EQ(mWritten.writeBuffer(rooms, sizeof(rooms), &parent), OK);
+    ASSERT_EQ(mWritten.writeBuffer(slots, sizeof(slots), &parent), OK);
     ASSERT_EQ(mWritten.writeEmbeddedBuffer(nullptr, 0, &child, parent, 0), OK);
     ASSERT_EQ(mWritten.writeEmbeddedBuffer("", 0, &child, parent, 8), OK);
     const Parcel& parcel = read();
     const void* got;
-    ASSERT_EQ(parcel.readBuffer(sizeof(rooms), &parent, &got), OK);
+    ASSERT_EQ(parcel.readBuffer(sizeof(slots), &parent, &got), OK);
     const void* bytes = got;
     EXPECT_EQ(parcel.readNullableEmbeddedBuffer(0, &child, parent, 0, &bytes), OK);
     EXPECT_EQ(bytes, nullptr);

@@ -183,7 +183,7 @@ bool RawClient::ends() {
     return got == 0 || (got < 0 && errno == ECONNRESET);
 }
 
-bool makeRoomForDescriptors(size_t count) {
+bool allowMoreDescriptors(size_t count) {
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
         return false;

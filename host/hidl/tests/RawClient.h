@@ -64,10 +64,10 @@ RawMessage bytesCall(uint32_t count);                // bytes(count)
 enum Code : uint32_t {
     TEXT = 3,
     FD = 5,
-    LISTEN = 16,
-    LISTENERS = 20,
-    POKE = 23,
-    BYTES = 25,
+    LISTEN = 15,
+    LISTENERS = 19,
+    POKE = 22,
+    BYTES = 24,
 };
 
 /** A connection to the service "default" of an interface in a runtime folder. */
@@ -101,6 +101,6 @@ class RawClient {
  * Raises this process's limit to `count` descriptors more than it has open; false when the system
  * refuses.
  */
-bool makeRoomForDescriptors(size_t count);
+bool allowMoreDescriptors(size_t count);
 
 }  // namespace mlk::test

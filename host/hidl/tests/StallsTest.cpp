@@ -122,7 +122,8 @@ TEST_F(StallsTest, DescriptorsOfBothKindsHaveABound) {
     Connection& hoarder = keeping(1, 6, Kind::MESSAGE);
     (void)keeping(1, 4, Kind::REPLY);
     EXPECT_FALSE(connect(Kind::MESSAGE).stall->keep(1, 5));
-    EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 0)) << "who has none needs no room";
+    EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 0))
+            << "one without descriptors is not refused";
     EXPECT_FALSE(hoarder.closed());
     EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 1));
     EXPECT_TRUE(hoarder.closed());

@@ -193,13 +193,13 @@ TEST_F(TransportTest, SendingGoesOnWhereItStopped) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(sendWithin(mHere.get(), &sending, milliseconds(50)), EAGAIN);
     EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(50));
-    std::vector<char> room(1 << 20);
-    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
+    std::vector<char> buffer(1 << 20);
+    while (recv(mThere.get(), buffer.data(), buffer.size(), MSG_DONTWAIT) > 0) {
     }
     EXPECT_EQ(sendWithin(mHere.get(), &sending, milliseconds(50)), 0);
     EXPECT_TRUE(sending.begun);
     EXPECT_EQ(sending.left(), 0U);
-    EXPECT_EQ(recv(mThere.get(), room.data(), room.size(), 0), 5);
+    EXPECT_EQ(recv(mThere.get(), buffer.data(), buffer.size(), 0), 5);
 }
 
 TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
@@ -210,10 +210,11 @@ TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
     }
     sending.descriptors = {STDERR_FILENO};
     EXPECT_EQ(sendPieces(mHere.get(), &sending, 0), 0);
-    std::vector<char> room(text.size());
+    std::vector<char> buffer(text.size());
     std::vector<unique_fd> descriptors;
     for (size_t filled = 0; filled < text.size();) {
-        const ssize_t got = receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0);
+        const ssize_t got =
+                receiveBytes(mThere.get(), buffer.data(), buffer.size(), &descriptors, 0);
         ASSERT_GT(got, 0);
         filled += static_cast<size_t>(got);
     }

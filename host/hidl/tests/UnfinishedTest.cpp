@@ -73,7 +73,7 @@ TEST_F(UnfinishedTest, MessagesHaveABoundTogether) {
 }
 
 TEST_F(UnfinishedTest, DescriptorsHaveABoundTogether) {
-    if (!makeRoomForDescriptors(1000)) {
+    if (!allowMoreDescriptors(1000)) {
         GTEST_SKIP() << "too few descriptors";
     }
     const unique_fd file = fileWith("x");

@@ -53,14 +53,14 @@ TEST_F(UnsentReplyTest, IsSentWhenThereIsRoom) {
     text.assign(text.size(), 'x');  // a copy was kept
     EXPECT_TRUE(unsent.flush());
     EXPECT_FALSE(unsent.empty());
-    std::vector<char> room(1 << 20);
-    while (recv(mThere.get(), room.data(), room.size(), MSG_DONTWAIT) > 0) {
+    std::vector<char> buffer(1 << 20);
+    while (recv(mThere.get(), buffer.data(), buffer.size(), MSG_DONTWAIT) > 0) {
     }
     EXPECT_TRUE(unsent.flush());
     EXPECT_TRUE(unsent.empty());
     std::vector<unique_fd> descriptors;
-    ASSERT_EQ(receiveBytes(mThere.get(), room.data(), room.size(), &descriptors, 0), 15);
-    EXPECT_EQ(std::string(room.data(), 15), "kept until then");
+    ASSERT_EQ(receiveBytes(mThere.get(), buffer.data(), buffer.size(), &descriptors, 0), 15);
+    EXPECT_EQ(std::string(buffer.data(), 15), "kept until then");
     ASSERT_EQ(descriptors.size(), 1U);
     EXPECT_EQ(contentOf(descriptors[0].get()), "content");
 }

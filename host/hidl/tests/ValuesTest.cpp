@@ -136,10 +136,10 @@ TEST(HidlStringTest, Comparisons) {
 // The bytes that would be sent for a value that was constructed in used memory.
 template <typename T>
 std::string madeOver(char former) {
-    alignas(T) char room[sizeof(T)];
-    memset(room, former, sizeof(room));
-    T* value = new (room) T();
-    std::string bytes(room, sizeof(room));
+    alignas(T) char storage[sizeof(T)];
+    memset(storage, former, sizeof(storage));
+    T* value = new (storage) T();
+    std::string bytes(storage, sizeof(storage));
     value->~T();
     return bytes;
 }

@@ -7,13 +7,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "host/memory/AshmemAllocator.h"
 #include "host/memory/tests/Allocations.h"
 #include "host/memory/tests/AllocatorProcess.h"
+#include "host/testing/Eventually.h"
 #include "host/testing/ProcessUsage.h"
 #include "host/testing/Threads.h"
 
@@ -26,6 +29,7 @@ using ::android::hardware::mapMemory;
 using ::android::hidl::allocator::V1_0::IAllocator;
 using ::android::hidl::memory::V1_0::IMemory;
 using ::mlk::testing::descriptorsOf;
+using ::mlk::testing::eventually;
 using ::mlk::testing::inThreads;
 using ::mlk::testing::residentOf;
 using ::testing::HasSubstr;
@@ -46,18 +50,18 @@ const std::vector<std::string> kWithoutHugeFiles = {"prlimit", "--fsize=10737418
     return ::testing::AssertionSuccess();
 }
 
-// The descriptors of an allocator, once they have not changed for a while: it closes connections
-// some time after its clients do.
-size_t settledDescriptors(IAllocator& allocator, pid_t process) {
-    constexpr int kUnchanged = 200;
-    size_t descriptors = descriptorsOf(process);
-    for (int unchanged = 0; unchanged < kUnchanged; ++unchanged) {
-        EXPECT_TRUE(allocator.ping().isOk());
-        const size_t now = descriptorsOf(process);
-        unchanged = now == descriptors ? unchanged : 0;
-        descriptors = now;
-    }
-    return descriptors;
+// Waits until the process has written its log line: meanwhile it has standard error open twice.
+bool logIsIdle(pid_t process) {
+    const std::string folder = "/proc/" + std::to_string(process) + "/fd";
+    return eventually([&] {
+        std::error_code ignored;
+        const auto log = std::filesystem::read_symlink(folder + "/2", ignored);
+        int open = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            open += std::filesystem::read_symlink(entry.path(), ignored) == log ? 1 : 0;
+        }
+        return open == 1;
+    });
 }
 
 void useOneBlock(const AllocatorProcess& process, uint64_t size) {
@@ -75,10 +79,10 @@ TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
     const AllocatorProcess process;
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
+    const auto theirs = descriptorsOf(process.pid());
     for (int i = 0; i < 50; ++i) {
         useOneBlock(process, kSize);
     }
-    const size_t theirs = settledDescriptors(*allocator, process.pid());
     const auto ours = descriptorsOf(getpid());
     const size_t ourMemory = residentOf(getpid());
     const size_t theirMemory = residentOf(process.pid());
@@ -163,10 +167,12 @@ TEST(AllocatorService, SurvivesWhenDescriptorsRunOut) {
     AllocatorProcess process({"prlimit", "--nofile=40"});
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
+    ASSERT_TRUE(logIsIdle(process.pid()));
     const auto before = descriptorsOf(process.pid());
     EXPECT_FALSE(batchAllocate(*allocator, 4096, 100).has_value());
     EXPECT_TRUE(process.process().waitForErr(
             "refused 100 block(s) of 4096 bytes: Too many open files"));
+    EXPECT_TRUE(logIsIdle(process.pid()));
     EXPECT_EQ(descriptorsOf(process.pid()), before);
     EXPECT_TRUE(batchAllocate(*allocator, 4096, 20).has_value());
     EXPECT_TRUE(settlesAt(*allocator, process.pid(), before));

@@ -3,7 +3,6 @@
 
 #include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlSupport.h>
-#include <hidl/MQDescriptor.h>
 #include <hidl/Status.h>
 #include <hwbinder/IBinder.h>
 #include <hwbinder/Parcel.h>
@@ -60,35 +59,6 @@ status_t writeEmbeddedToParcel(const hidl_vec<T>& vec, Parcel* parcel, size_t pa
                                size_t parentOffset, size_t* handle) {
     return parcel->writeEmbeddedBuffer(vec.data(), vec.size() * sizeof(T), handle, parentHandle,
                                        parentOffset + hidl_vec<T>::kOffsetOfBuffer);
-}
-
-/** The descriptor of a queue: its grantors and its handle. */
-template <typename T, MQFlavor flavor>
-status_t readEmbeddedFromParcel(const MQDescriptor<T, flavor>& queue, const Parcel& parcel,
-                                size_t parentHandle, size_t parentOffset) {
-    using Queue = MQDescriptor<T, flavor>;
-    size_t grantors;
-    status_t status = readEmbeddedFromParcel(queue.grantors(), parcel, parentHandle,
-                                             parentOffset + Queue::kOffsetOfGrantors, &grantors);
-    if (status != OK) {
-        return status;
-    }
-    const native_handle_t* handle;
-    return parcel.readNullableEmbeddedNativeHandle(parentHandle,
-                                                   parentOffset + Queue::kOffsetOfHandle, &handle);
-}
-template <typename T, MQFlavor flavor>
-status_t writeEmbeddedToParcel(const MQDescriptor<T, flavor>& queue, Parcel* parcel,
-                               size_t parentHandle, size_t parentOffset) {
-    using Queue = MQDescriptor<T, flavor>;
-    size_t grantors;
-    status_t status = writeEmbeddedToParcel(queue.grantors(), parcel, parentHandle,
-                                            parentOffset + Queue::kOffsetOfGrantors, &grantors);
-    if (status != OK) {
-        return status;
-    }
-    return parcel->writeEmbeddedNativeHandle(queue.handle(), parentHandle,
-                                             parentOffset + Queue::kOffsetOfHandle);
 }
 
 /** The status of the method, which comes first in an answer. NOT_ENOUGH_DATA when it is missing. */

@@ -38,22 +38,15 @@ class hidl_pointer {
 };
 static_assert(sizeof(hidl_pointer<int>) == 8, "a pointer has the size that the wire gives it");
 
-/**
- * Base of generated proxies and stubs. Only debuggable devices trace calls; a host keeps the names.
- */
+/** Base of generated proxies and stubs. Only debuggable devices trace calls. */
 class HidlInstrumentor {
   public:
-    HidlInstrumentor(const std::string& package, const std::string& interface)
-        : mPackage(package), mInterface(interface) {}
+    HidlInstrumentor(const std::string& /* package */, const std::string& /* interface */) {}
     virtual ~HidlInstrumentor() = default;
 
   protected:
     /** Generated code calls this when a client asks for tracing. It has no effect on a host. */
     void configureInstrumentation(bool /* log */ = true) {}
-
-  private:
-    std::string mPackage;
-    std::string mInterface;
 };
 
 }  // namespace android::hardware::details

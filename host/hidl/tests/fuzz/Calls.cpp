@@ -90,7 +90,6 @@ const std::vector<std::function<void(IEverything&)>>& calls() {
             answering(&I::records),
             answering(&I::choice),
             answering(&I::handles),
-            answering(&I::queue),
             [](I& object) { lookAt(object.listen(nullptr, "listen")); },
             [](I& object) { lookAt(object.callKept("call")); },
             [](I& object) { lookAt(object.tellKept(1)); },

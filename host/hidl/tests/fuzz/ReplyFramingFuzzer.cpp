@@ -63,7 +63,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         calls[data[0] % calls.size()](*proxy);
     }
     const int lowest = dup(STDERR_FILENO);
-    fuzzing::require(lowest < kMostOpen, "no descriptors are left behind");
+    fuzzing::require(lowest < kMostOpen, "no descriptor leaks");
     close(lowest);
     return 0;
 }

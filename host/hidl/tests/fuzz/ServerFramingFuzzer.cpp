@@ -125,7 +125,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         fuzzing::requireEqual("what is answered to pieces", answers(bytes, {}, data[1]), whole);
     }
     const int lowest = dup(STDERR_FILENO);
-    fuzzing::require(lowest < kMostOpen, "no descriptors are left behind");
+    fuzzing::require(lowest < kMostOpen, "no descriptor leaks");
     close(lowest);
     return 0;
 }

@@ -61,29 +61,29 @@ int main(int argc, char** argv) {
     seeds.write("large", {bytesCall(20000), bytesCall(20000), bytesCall(20000)});
     // The fuzzer supplies the descriptors.
     seeds.write("descriptors", {fdCall({0, 0})});
-    seeds.write("listener", {listenCall(0), textCall("behind")});
+    seeds.write("listener", {listenCall(0), textCall("after")});
 
     RawMessage lie = textCall("a lie");
     lie.dataSize = 0xffffffff;
-    seeds.write("lie.data", {lie, textCall("behind")});
+    seeds.write("lie.data", {lie, textCall("after")});
     lie = textCall("a lie");
     lie.objectCount = 0x08000000;
-    seeds.write("lie.objects", {lie, textCall("behind")});
+    seeds.write("lie.objects", {lie, textCall("after")});
     lie = textCall("a lie");
     lie.fdCount = 253;
-    seeds.write("lie.descriptors", {lie, textCall("behind")});
+    seeds.write("lie.descriptors", {lie, textCall("after")});
     lie = textCall("a lie");
     lie.bodySize = uint64_t{1} << 32U;
     seeds.write("lie.body", {lie});
     lie = callOf(LISTENERS);
     lie.number(0);
     lie.number(1);
-    seeds.write("lie.interfaces", {lie, textCall("behind")});
+    seeds.write("lie.interfaces", {lie, textCall("after")});
     lie = textCall("a lie");
     lie.objects[1].record.length = uint64_t{1} << 63U;
-    seeds.write("lie.length", {lie, textCall("behind")});
+    seeds.write("lie.length", {lie, textCall("after")});
     lie = textCall("a lie");
     lie.objects[1].record.parentOffset = ~uint64_t{7};
-    seeds.write("lie.offset", {lie, textCall("behind")});
+    seeds.write("lie.offset", {lie, textCall("after")});
     return 0;
 }
