@@ -79,6 +79,7 @@ TEST(AllocatorService, GrowsNeitherInItselfNorInItsClient) {
     const AllocatorProcess process;
     const sp<IAllocator> allocator = process.service();
     ASSERT_NE(allocator, nullptr);
+    ASSERT_TRUE(logIsIdle(process.pid()));
     const auto theirs = descriptorsOf(process.pid());
     for (int i = 0; i < 50; ++i) {
         useOneBlock(process, kSize);
