@@ -7,56 +7,14 @@
 #include <utility>
 
 #include "common/ConfigKey.h"
+#include "common/TextHash.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kFirstBlock = 1024;
-constexpr size_t kLargestBlock = size_t{256} * 1024;
-// Behind the last text of a block, for what reads a word at a time.
-constexpr size_t kSlack = sizeof(uint64_t);
 constexpr size_t kUsualLine = 40;
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
-
-template <typename Word>
-uint64_t wordAt(const char* bytes) {
-    Word word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-}
-
-uint64_t mix(uint64_t hash, uint64_t word) {
-    constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
-    hash = (hash ^ word) * kOdd;
-    return hash ^ (hash >> 29);
-}
-
-// Of names of a dozen bytes, which is what std::hash is slow for. Their last bytes are read by a
-// word that may overlap the one before.
-uint64_t hashOf(std::string_view text, uint64_t seed) {
-    const char* const bytes = text.data();
-    const size_t size = text.size();
-    uint64_t hash = mix(seed, size);
-    if (size >= 8) {
-        for (size_t at = 0; at + 8 < size; at += 8) {
-            hash = mix(hash, wordAt<uint64_t>(bytes + at));
-        }
-        return mix(hash, wordAt<uint64_t>(bytes + size - 8));
-    }
-    if (size >= 4) {
-        return mix(hash, wordAt<uint32_t>(bytes) << 32 | wordAt<uint32_t>(bytes + size - 4));
-    }
-    for (const char c : text) {
-        hash = mix(hash, static_cast<uint8_t>(c));
-    }
-    return hash;
-}
-
-// Of a hash, what the texts have mixed best.
-uint32_t shortHash(uint64_t hash) {
-    return static_cast<uint32_t>(hash >> 32);
-}
 
 void put(char* place, std::string_view text) {
     std::copy(text.begin(), text.end(), place);
@@ -78,7 +36,7 @@ struct ItemStore::Place {
     uint64_t order;
     uint32_t number;  // of what has the text
 
-    // Reads eight bytes of the text, which have to be there.
+    // Reads eight bytes of the text even if it is shorter: the arena lets it.
     Place(std::string_view text, uint32_t numberOfIt)
         : order(uint64_t{std::min(text.size(), kManyBytes)} << 48), number(numberOfIt) {
         if (text.size() >= kManyBytes) {
@@ -112,8 +70,7 @@ void ItemStore::clear() {
     mSections.clear();
     mItemsByName.clear();
     mSectionsByName.clear();
-    mBlocksUsed = 0;
-    mLeft = 0;
+    mTexts.clear();
     mOrder.clear();
     mIsOrdered = true;
 }
@@ -125,13 +82,13 @@ void ItemStore::expect(size_t bytes) {
 }
 
 ItemStore::Section ItemStore::section(std::string_view name) {
-    const uint64_t hash = hashOf(name, 0);
+    const uint64_t hash = hashText(name, 0);
     Section& section = mSectionsByName.findOrAdd(
             shortHash(hash), [&](Section known) { return mSections[known].name == name; });
     if (section == kNone) {
-        char* const namePlace = place(name.size() + 1);
-        put(namePlace, name);
-        mSections.push_back({{namePlace, name.size()}, hash, kNone, kNone, 0});
+        char* const copy = mTexts.allocate(name.size() + 1);
+        put(copy, name);
+        mSections.push_back({{copy, name.size()}, hash, kNone, kNone, 0});
         section = static_cast<Section>(mSections.size() - 1);
     }
     return section;
@@ -140,7 +97,7 @@ ItemStore::Section ItemStore::section(std::string_view name) {
 ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
                                       std::string_view value) {
     SectionEntry& owner = mSections[section];
-    Item& item = mItemsByName.findOrAdd(shortHash(hashOf(key, owner.hash)), [&](Item known) {
+    Item& item = mItemsByName.findOrAdd(shortHash(hashText(key, owner.hash)), [&](Item known) {
         return mItems[known].section == section && keyOf(known) == key;
     });
     if (item != kNone) {
@@ -169,7 +126,7 @@ void ItemStore::replace(Item item, std::string_view value) {
 }
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {
-    const uint32_t hash = shortHash(hashOf(key, hashOf(section, 0)));
+    const uint32_t hash = shortHash(hashText(key, hashText(section, 0)));
     return mItemsByName.find(
             hash, [&](Item known) { return keyOf(known) == key && sectionOf(known) == section; });
 }
@@ -182,7 +139,7 @@ const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
 }
 
 std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const {
-    const Section known = mSectionsByName.find(shortHash(hashOf(section, 0)), [&](Section one) {
+    const Section known = mSectionsByName.find(shortHash(hashText(section, 0)), [&](Section one) {
         return mSections[one].name == section;
     });
     if (known == kNone) {
@@ -212,25 +169,10 @@ void ItemStore::write(std::ostream& out, std::string_view indent) const {
     out.flush();
 }
 
-// Goes on to a block with room for so many bytes.
-void ItemStore::takeBlock(size_t size) {
-    while (mBlocksUsed < mBlocks.size() && mBlocks[mBlocksUsed].size < size) {
-        ++mBlocksUsed;
-    }
-    if (mBlocksUsed == mBlocks.size()) {
-        const size_t usual = mBlocks.empty() ? kFirstBlock : mBlocks.back().size * 2;
-        const size_t blockSize = std::max(size, std::min(usual, kLargestBlock));
-        mBlocks.push_back({std::unique_ptr<char[]>(new char[blockSize + kSlack]), blockSize});
-    }
-    mFree = mBlocks[mBlocksUsed].bytes.get();
-    mLeft = mBlocks[mBlocksUsed].size;
-    ++mBlocksUsed;
-}
-
 // A place for a key and a value, with the key in it.
 char* ItemStore::placeTexts(std::string_view key, size_t valueRoom) {
     const auto room = static_cast<uint32_t>(valueRoom);
-    char* const texts = place(sizeof room + key.size() + valueRoom + 2) + sizeof room;
+    char* const texts = mTexts.allocate(sizeof room + key.size() + valueRoom + 2) + sizeof room;
     std::memcpy(texts - sizeof room, &room, sizeof room);
     put(texts, key);
     return texts;

@@ -2,13 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <ostream>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "common/HashIndex.h"
+#include "common/TextArena.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -98,19 +97,6 @@ class ItemStore {
         Item next;  // of the section
     };
     struct Place;  // of a text in an order
-    struct Block {
-        std::unique_ptr<char[]> bytes;
-        size_t size;
-    };
-
-    char* place(size_t size) {
-        if (size > mLeft) {
-            takeBlock(size);
-        }
-        mLeft -= size;
-        return std::exchange(mFree, mFree + size);
-    }
-    void takeBlock(size_t size);
     char* placeTexts(std::string_view key, size_t valueRoom);
     void putInOrder() const;
     void putInOrder(const SectionEntry& section, std::vector<Place>& places, Item* items) const;
@@ -119,10 +105,7 @@ class ItemStore {
     std::vector<SectionEntry> mSections;
     HashIndex mItemsByName;
     HashIndex mSectionsByName;
-    std::vector<Block> mBlocks;
-    size_t mBlocksUsed = 0;
-    char* mFree = nullptr;  // what is left of the last of these
-    size_t mLeft = 0;
+    TextArena mTexts;
     mutable std::vector<Item> mOrder;
     mutable bool mIsOrdered = true;
 };

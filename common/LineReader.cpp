@@ -92,13 +92,6 @@ std::string_view LineReader::cut(std::string_view line) const {
     return line.substr(0, mLimit);
 }
 
-void LineReader::Finder::lookFrom(const char* begin) {
-    const char* const end = mReader.mBuffer.get() + mReader.mEnd;
-    const void* const found = std::memchr(begin, mWanted, static_cast<size_t>(end - begin));
-    mNext = found != nullptr ? static_cast<const char*>(found) : end;
-    mFills = mReader.mFills;
-}
-
 bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
@@ -120,7 +113,6 @@ bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
     mBegin = 0;
-    ++mFills;
     if (mAtEnd) {
         return false;
     }

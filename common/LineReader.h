@@ -62,39 +62,6 @@ class LineReader {
     bool next(std::string_view& line);
 
     /**
-     * Looks for one character in line after line. It looks ahead in what is read of the file, so
-     * that a line without the character costs next to nothing.
-     *
-     * Outlived by its reader.
-     */
-    class Finder {
-      public:
-        Finder(const LineReader& reader, char wanted) : mReader(reader), mWanted(wanted) {}
-
-        /**
-         * Place of the first one in a line, or npos.
-         *
-         * @param line  the line handed out last, or the rest of it; each is asked for once
-         */
-        size_t in(std::string_view line) {
-            const char* const begin = line.data();
-            if (mFills != mReader.mFills || mNext < begin) {
-                lookFrom(begin);
-            }
-            return mNext < begin + line.size() ? static_cast<size_t>(mNext - begin)
-                                               : std::string_view::npos;
-        }
-
-      private:
-        void lookFrom(const char* begin);
-
-        const LineReader& mReader;
-        const char mWanted;
-        size_t mFills = 0;            // of the reader when that was looked for:
-        const char* mNext = nullptr;  // the first from some line on, or the end of what was read
-    };
-
-    /**
      * For a line that assigns something: gives the text after its first "=". A line without one has
      * nothing to say and is complained about.
      *
@@ -131,7 +98,6 @@ class LineReader {
     size_t mBegin = 0;  // what is read and not handed out yet: mBuffer[mBegin, mEnd)
     size_t mEnd = 0;
     bool mHasNul = false;  // somewhere in that
-    size_t mFills = 0;     // how often that came to lie elsewhere
     size_t mRead = 0;      // bytes of the file
     bool mAtEnd = false;   // there is no more to read
     bool mFailed = false;

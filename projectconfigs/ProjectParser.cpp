@@ -22,8 +22,8 @@ constexpr size_t kProjectBufferSize = 1024;  // project and board file
 constexpr auto npos = std::string_view::npos;
 
 // Only carriage returns at the very end go; one before a comment stays.
-std::string_view withoutComment(std::string_view text, size_t comment) {
-    text = {text.data(), std::min(text.size(), comment)};
+std::string_view withoutComment(std::string_view text) {
+    text = text.substr(0, text.find('#'));
     while (!text.empty() && text.back() == '\r') {
         text.remove_suffix(1);
     }
@@ -40,6 +40,10 @@ std::string_view withoutSpaces(std::string_view text) {
     return text;
 }
 
+bool hasSymbols(std::string_view text) {
+    return text.find('"') != npos || text.find(';') != npos;
+}
+
 // Takes out quotes and semicolons everywhere and then spaces at both ends. The result is a part of
 // the text, but for the few that have a quote or semicolon in their midst: it lies in scratch then.
 std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
@@ -51,7 +55,7 @@ std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
     while (!text.empty() && goes(text.back())) {
         text.remove_suffix(1);
     }
-    if (text.find('"') == npos && text.find(';') == npos) {
+    if (!hasSymbols(text)) {
         return text;
     }
     scratch = text;
@@ -60,7 +64,7 @@ std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
 }
 
 std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
-    return withoutSymbols(withoutComment(text, text.find('#')), scratch);
+    return withoutSymbols(withoutComment(text), scratch);
 }
 
 bool contains(std::string_view line, std::string_view word) {
@@ -192,9 +196,6 @@ bool ProjectParser::parse_project_ini(const char* path) {
     LineReader reader(path, kProjectBufferSize, kTag);
     mItems.expect(reader.size());
     ItemStore::Section section = mItems.section("");
-    LineReader::Finder comment(reader, '#');
-    LineReader::Finder quote(reader, '"');
-    LineReader::Finder semicolon(reader, ';');
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty() || line.front() == '\r' || line.front() == '#') {
@@ -203,8 +204,7 @@ bool ProjectParser::parse_project_ini(const char* path) {
         if (line.front() == '[') {
             section = mItems.section(eraseSymbol(line, mCleaned));
         } else {
-            const bool hasSymbols = quote.in(line) != npos || semicolon.in(line) != npos;
-            addNewItem(section, withoutComment(line, comment.in(line)), hasSymbols);
+            addNewItem(section, withoutComment(line));
         }
     }
     return !reader.failed();
@@ -222,10 +222,11 @@ bool ProjectParser::parse_board_id_ini(const std::string& boardId) {
     return parse_project_ini(mBoardIniPath.c_str());
 }
 
-// Most lines have no symbols, so that nothing is looked for in them.
-void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line, bool hasSymbols) {
-    const auto clean = [hasSymbols](std::string_view text, std::string& scratch) {
-        return hasSymbols ? withoutSymbols(text, scratch) : withoutSpaces(text);
+void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line) {
+    // One search of the line is faster than one each of key and value.
+    const bool isQuoted = hasSymbols(line);
+    const auto clean = [isQuoted](std::string_view text, std::string& scratch) {
+        return isQuoted ? withoutSymbols(text, scratch) : withoutSpaces(text);
     };
     const size_t equals = line.find('=');
     const std::string_view key = clean(line.substr(0, equals), mCleanedKey);

@@ -107,7 +107,7 @@ class ProjectParser {
     void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
     bool parse_project_ini(const char* path);
     bool parse_board_id_ini(const std::string& boardId);
-    void addNewItem(ItemStore::Section section, std::string_view line, bool hasSymbols);
+    void addNewItem(ItemStore::Section section, std::string_view line);
     std::string_view PatchIniItemPath(std::string_view value);
     void logSources() const;
 

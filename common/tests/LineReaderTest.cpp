@@ -136,32 +136,5 @@ TEST_F(LineReaderTest, AgreesWithThePlainRulesOnRandomFiles) {
     }
 }
 
-TEST_F(LineReaderTest, FinderFindsWhatTheLineHas) {
-    std::mt19937 random(3);
-    size_t found = 0;
-    for (int round = 0; round < 60; ++round) {
-        std::string text = randomText(random, 300);
-        for (size_t marks = random() % 1000; marks > 0; --marks) {
-            text[random() % text.size()] = "#\";\n"[random() % 4];
-        }
-        LineReader reader(mDir.write("file", text), kBufferSize, kTag);
-        LineReader::Finder comment(reader, '#');
-        LineReader::Finder quote(reader, '"');
-        LineReader::Finder sometimes(reader, ';');
-        std::string_view line;
-        while (reader.next(line)) {
-            const size_t expected = line.find('#');
-            found += expected != std::string_view::npos ? 1 : 0;
-            ASSERT_EQ(comment.in(line), expected) << reader.lineNumber();
-            ASSERT_EQ(quote.in(line), line.find('"')) << reader.lineNumber();
-            if (random() % 4 == 0) {
-                line.remove_prefix(line.size() / 2);
-                ASSERT_EQ(sometimes.in(line), line.find(';')) << reader.lineNumber();
-            }
-        }
-    }
-    EXPECT_GT(found, 1000U);
-}
-
 }  // namespace
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/**
+ * Hash of a short text, for tables in memory: it differs between machines of different byte order.
+ * Made for names of about twelve bytes, for which std::hash is slow. It does not withstand texts
+ * that somebody chooses so that their hashes collide.
+ *
+ * @param seed  0, or the hash of a text that precedes this one
+ */
+inline uint64_t hashText(std::string_view text, uint64_t seed) {
+    const auto mix = [](uint64_t hash, uint64_t word) {
+        constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
+        hash = (hash ^ word) * kOdd;
+        return hash ^ (hash >> 29);
+    };
+    const auto load = [](auto word, const char* from) -> uint64_t {
+        std::memcpy(&word, from, sizeof word);
+        return word;
+    };
+    const char* const bytes = text.data();
+    const size_t size = text.size();
+    uint64_t hash = mix(seed, size);
+    // The last word may overlap the one before it, which is faster than single bytes.
+    if (size >= 8) {
+        for (size_t at = 0; at + 8 < size; at += 8) {
+            hash = mix(hash, load(uint64_t{}, bytes + at));
+        }
+        return mix(hash, load(uint64_t{}, bytes + size - 8));
+    }
+    if (size >= 4) {
+        return mix(hash, load(uint32_t{}, bytes) << 32 | load(uint32_t{}, bytes + size - 4));
+    }
+    for (const char c : text) {
+        hash = mix(hash, static_cast<uint8_t>(c));
+    }
+    return hash;
+}
+
+/** Folds a hash into 32 bits, of which the lowest ones, too, depend on all bytes of the text. */
+inline uint32_t shortHash(uint64_t hash) {
+    constexpr uint64_t kOdd = 0xD6E8FEB86659FD93;  // any with many bits set and cleared
+    return static_cast<uint32_t>(((hash ^ (hash >> 32)) * kOdd) >> 32);
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

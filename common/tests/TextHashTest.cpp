@@ -1,0 +1,59 @@
+#include "common/TextHash.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <string>
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+namespace {
+
+TEST(TextHashTest, DependsOnEveryByteTheSizeAndTheSeed) {
+    const uint64_t seed = hashText("[SECTION]", 0);
+    for (size_t size = 0; size < 40; ++size) {
+        const std::string text(size, 'x');
+        std::set<uint64_t> hashes = {hashText(text, 0), hashText(text, seed),
+                                     hashText(text + "x", 0)};
+        std::set<uint32_t> shortHashes;
+        for (const uint64_t hash : hashes) {
+            shortHashes.insert(shortHash(hash));
+        }
+        for (size_t i = 0; i < size; ++i) {
+            std::string other = text;
+            other[i] = 'y';
+            hashes.insert(hashText(other, 0));
+            shortHashes.insert(shortHash(hashText(other, 0)));
+        }
+        EXPECT_EQ(hashes.size(), size + 3) << size;
+        EXPECT_EQ(shortHashes.size(), size + 3) << size;
+    }
+}
+
+TEST(TextHashTest, ReadsNothingBesideTheText) {
+    // The address sanitizer watches this test; what surrounds the text must not count either.
+    for (size_t size = 0; size < 40; ++size) {
+        const std::unique_ptr<char[]> exact(new char[size]);
+        std::string text;
+        for (size_t i = 0; i < size; ++i) {
+            exact[i] = static_cast<char>('a' + i % 26);
+            text += exact[i];
+        }
+        const std::string surrounded = "<" + text + ">";
+        const uint64_t hash = hashText({exact.get(), size}, 7);
+        EXPECT_EQ(hash, hashText(text, 7));
+        EXPECT_EQ(hash, hashText(std::string_view(surrounded).substr(1, size), 7)) << size;
+    }
+}
+
+TEST(TextHashTest, SpreadsNumberedNames) {
+    std::set<uint32_t> hashes;
+    for (int i = 0; i < 10'000; ++i) {
+        hashes.insert(shortHash(hashText("PARAMETER_" + std::to_string(i), 0)) & 0xFFFF);
+    }
+    // Random ones would hit about 9,270 of the 65,536 slots.
+    EXPECT_GT(hashes.size(), 8'500U);
+}
+
+}  // namespace
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
