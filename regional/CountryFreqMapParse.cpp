@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/CountryFreqMapParse.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <iterator>
@@ -13,8 +15,6 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
 
 struct CableTypeRow {
     std::string_view word;  // what TYPE begins with
@@ -47,8 +47,7 @@ CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block
                 continue;
             }
             type = row->type;
-            __android_log_print(ANDROID_LOG_DEBUG, kTag, "loadCountryFreqMapXML cable %s name: %s",
-                                row->logged, orEmpty(text));
+            ALOGD("loadCountryFreqMapXML cable %s name: %s", row->logged, orEmpty(text));
         }
         if (text != nullptr) {
             tables.try_emplace(type, text);
@@ -61,7 +60,7 @@ CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block
 const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
                       const char* complaint) {
     if (block.FirstChildElement(element) == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "loadCountryFreqMapXML without %s", complaint);
+        ALOGE("loadCountryFreqMapXML without %s", complaint);
     }
     return orEmpty(textOfChild(block, element));
 }
@@ -108,9 +107,8 @@ bool CountryFreqMapParse::GetFreqTableNameByCountry(const std::string& path, _tv
     }
     std::string countryName;
     const bool known = mCountries.getCountryName(country, countryName);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "CountryFreqMapParse country index %d, success %d, name %s",
-                        static_cast<int>(country), known ? 1 : 0, countryName.c_str());
+    ALOGD("CountryFreqMapParse country index %d, success %d, name %s", static_cast<int>(country),
+          known ? 1 : 0, countryName.c_str());
     return !countryName.empty() && lookUpLocked(countryName, type, cableType, name);
 }
 
@@ -129,19 +127,16 @@ bool CountryFreqMapParse::loadCountryFreqMapXML() {
 const std::string& CountryFreqMapParse::tvConfigPathLocked() {
     if (mTvConfigPath.empty()) {
         mTvConfigPath = mPartitions().tvconfigs + "/freqtables";
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTvConfigPath from TvPartitionPath: %s",
-                            mTvConfigPath.c_str());
+        ALOGD("GetTvConfigPath from TvPartitionPath: %s", mTvConfigPath.c_str());
     }
     return mTvConfigPath;
 }
 
 bool CountryFreqMapParse::lookUpLocked(const std::string& countryName, FreqTableType type,
                                        AtscCableType cableType, std::string& name) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "coutryFreqMap size: %d",
-                        static_cast<int>(mCoutryFreqMap.size()));
+    ALOGD("coutryFreqMap size: %d", static_cast<int>(mCoutryFreqMap.size()));
     const bool loaded = mCoutryFreqMap.empty() && loadLocked();
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetFreqTableNameByCountryName read success: %d",
-                        loaded ? 1 : 0);
+    ALOGD("GetFreqTableNameByCountryName read success: %d", loaded ? 1 : 0);
     if (mCoutryFreqMap.empty()) {
         return loaded;
     }
@@ -161,29 +156,26 @@ bool CountryFreqMapParse::lookUpLocked(const std::string& countryName, FreqTable
 
 bool CountryFreqMapParse::loadLocked() {
     const std::string path = mTvConfigPath + "/country_freq_map.xml";
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "loadCountryFreqMapXML begin, country freq map size: %d, %s",
-                        static_cast<int>(mCoutryFreqMap.size()), path.c_str());
+    ALOGD("loadCountryFreqMapXML begin, country freq map size: %d, %s",
+          static_cast<int>(mCoutryFreqMap.size()), path.c_str());
     mCoutryFreqMap.clear();
     const XmlFile file(path);
     if (const char* const error = file.error()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "loadCountryFreqMapXML LoadFile fail, error %s", error);
+        ALOGE("loadCountryFreqMapXML LoadFile fail, error %s", error);
         return false;
     }
     for (const auto* block = file.first("COUNTRY_FREQ_MAP"); block != nullptr;
          block = block->NextSiblingElement()) {
         addBlockLocked(*block);
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "loadCountryFreqMapXML done, size %d",
-                        static_cast<int>(mCoutryFreqMap.size()));
+    ALOGD("loadCountryFreqMapXML done, size %d", static_cast<int>(mCoutryFreqMap.size()));
     return true;
 }
 
 void CountryFreqMapParse::addBlockLocked(const tinyxml2::XMLElement& block) {
     const char* const countryName = textOfChild(block, "COUNTRY_NAME");
     if (countryName == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "loadCountryFreqMapXML without country name");
+        ALOGE("loadCountryFreqMapXML without country name");
         return;
     }
     CountryFreqMapEntry entry;

@@ -1,16 +1,12 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/CountryListParser.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include "regional/ListFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
-
-}  // namespace
 
 std::vector<_tv_country> CountryListParser::getCountryList(const std::string& path) {
     std::vector<_tv_country> countries;
@@ -22,7 +18,7 @@ std::vector<_tv_country> CountryListParser::getCountryList(const std::string& pa
     }
     if (result != ReadResult::MISSING) {
         // "Totol" is what the tools that read this log look for.
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Totol country count:%zu", countries.size());
+        ALOGD("Totol country count:%zu", countries.size());
     }
     return countries;
 }

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/FreqTableParser.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <array>
@@ -9,6 +11,7 @@
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
+#include "regional/LogLines.h"
 #include "regional/RegionalData.h"
 #include "regional/TextFile.h"
 
@@ -16,7 +19,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr size_t kPieceSize = 49;
 constexpr int32_t kDefaultBandwidth = 6000000;
 
@@ -71,23 +73,21 @@ bool FreqTableParser::GetTableList(const std::string& directory, _tv_country cou
     const bool known =
             mData.plans.GetFreqTableNameByCountry(directory, country, type, cableType, name);
     if (!known || name.empty()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTableList sucess %d freqName: %s",
-                            known ? 1 : 0, name.c_str());
+        ALOGD("GetTableList sucess %d freqName: %s", known ? 1 : 0, name.c_str());
         return false;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "GetTableList country index %d type %d, freqName: %s",
-                        static_cast<int>(country), static_cast<int>(type), name.c_str());
+    ALOGD("GetTableList country index %d type %d, freqName: %s", static_cast<int>(country),
+          static_cast<int>(type), name.c_str());
     std::string path;
     const bool exists = GetFreqTablePath(type, name, path);
-    __android_log_print(exists ? ANDROID_LOG_DEBUG : ANDROID_LOG_ERROR, kTag,
-                        "GetTableList full freq path,sucess %d: %s", exists ? 1 : 0, path.c_str());
+    LOG_PRI(exists ? ANDROID_LOG_DEBUG : ANDROID_LOG_ERROR, LOG_TAG,
+            "GetTableList full freq path,sucess %d: %s", exists ? 1 : 0, path.c_str());
     if (!exists) {
         return false;
     }
     const bool parsed = ParseFreqTable(path, items);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "GetTableList get freq ,sucess %d: size: %d",
-                        parsed ? 1 : 0, static_cast<int>(items.size()));
+    ALOGD("GetTableList get freq ,sucess %d: size: %d", parsed ? 1 : 0,
+          static_cast<int>(items.size()));
     return parsed;
 }
 
@@ -109,8 +109,7 @@ bool FreqTableParser::ParseFreqTable(const std::string& path,
     }
     std::string text;
     if (readTextFile(path, text) != ReadResult::DONE) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s %d] fd is null, %s", __func__, 92,
-                            path.c_str());
+        ALOGE("[%s %d] fd is null, %s", __func__, log_line::kTableUnreadable, path.c_str());
         return false;
     }
     items.clear();

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/ListFile.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <optional>
@@ -12,7 +14,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr size_t kBufferSize = 256;
 
 }  // namespace
@@ -24,12 +25,12 @@ ReadResult readListFile(const std::string& path,
     }
     const std::optional<std::string> file = withoutQuotes(path);
     const char* const name = (file ? *file : path).c_str();
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
+    ALOGD("filePath:%s", name);
     if (!file || !pathExists(*file)) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s don't exist.", name);
+        ALOGE("%s don't exist.", name);
         return ReadResult::MISSING;
     }
-    LineReader reader(*file, kBufferSize, kTag, kMostListBytes);
+    LineReader reader(*file, kBufferSize, LOG_TAG, kMostListBytes);
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty()) {

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/NameTable.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <mutex>
@@ -9,7 +11,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr int32_t kValueOfAdded = 0;
 
 }  // namespace
@@ -20,9 +21,8 @@ int32_t NameTable::valueOf(std::string_view name) {
     }
     const std::lock_guard<std::shared_mutex> lock(mMutex);
     if (mAdded.size() < kMostAdded && mAdded.emplace(name).second && mAdded.size() == kMostAdded) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "%zu unknown names are kept, the last is %.*s; further ones are not",
-                            kMostAdded, static_cast<int>(name.size()), name.data());
+        ALOGE("%zu unknown names are kept, the last is %.*s; further ones are not", kMostAdded,
+              static_cast<int>(name.size()), name.data());
     }
     return kValueOfAdded;
 }

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/TextFile.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,12 +16,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr size_t kChunk = size_t{64} * 1024;
 
 ReadResult unreadable(const std::string& path, const std::string& reason) {
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
-                        reason.c_str());
+    ALOGE("%s: cannot be read: %s", path.c_str(), reason.c_str());
     return ReadResult::UNREADABLE;
 }
 

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/TvSysMapCfgHolder.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <utility>
 
@@ -8,12 +10,6 @@
 #include "common/Paths.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
-
-}  // namespace
 
 TvSysMapCfgHolder::TvSysMapCfgHolder(Partitions partitions, const Properties& properties,
                                      RegionalData& data)
@@ -38,8 +34,7 @@ ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country 
     if (country == kNoCountry) {
         parseCountryId();
         if (mCountryIdx == kNoCountry) {
-            __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s] chkchk mCountryIdx=%d", __func__,
-                                static_cast<int>(mCountryIdx));
+            ALOGE("[%s] chkchk mCountryIdx=%d", __func__, static_cast<int>(mCountryIdx));
             return configs;
         }
     } else {
@@ -79,8 +74,7 @@ std::string TvSysMapCfgHolder::getTvConfigName(_tv_country country) const {
 std::string TvSysMapCfgHolder::getTvConfigFilePath(_tv_country country) const {
     std::string path = getTvConfigName(country);
     if (!path.empty() && !moveToTvconfigs(path)) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "TV_CONFIG %s does not lie below /tvconfigs",
-                            path.c_str());
+        ALOGE("TV_CONFIG %s does not lie below /tvconfigs", path.c_str());
         path.clear();
     }
     return path;
@@ -89,8 +83,7 @@ std::string TvSysMapCfgHolder::getTvConfigFilePath(_tv_country country) const {
 bool TvSysMapCfgHolder::isFileExist(const std::string& path) {
     const bool exists = pathExists(path);
     if (!exists) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] %s don't exist.", __func__, __LINE__,
-                            path.c_str());
+        ALOGD("[%s:%d] %s don't exist.", __func__, __LINE__, path.c_str());
     }
     return exists;
 }
@@ -100,9 +93,8 @@ void TvSysMapCfgHolder::dumpConfigXmlFile() const {
         return;
     }
     for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s] tvSystem=%s", __func__,
-                            system.tvSysName.c_str());
-        system.configs.log(kTag);
+        ALOGD("[%s] tvSystem=%s", __func__, system.tvSysName.c_str());
+        system.configs.log(LOG_TAG);
     }
 }
 
@@ -112,21 +104,18 @@ void TvSysMapCfgHolder::dumpTvConfigMap() const {
     }
     std::string path = mCountryTvConfigMapFile;
     if (path.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] chkchk countryTvSysMapXML is empty!!",
-                            __func__, __LINE__);
+        ALOGE("[%s:%d] chkchk countryTvSysMapXML is empty!!", __func__, __LINE__);
         return;
     }
     if (!moveToTvconfigs(path)) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__,
-                            __LINE__, path.c_str());
+        ALOGE("[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__, __LINE__,
+              path.c_str());
         return;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s] tv_config_map_xml path=%s", __func__,
-                        path.c_str());
+    ALOGD("[%s] tv_config_map_xml path=%s", __func__, path.c_str());
     for (const CoutryTvConfigMap& record : mCoutryTvConfigMap) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s\t:%s\t:%s", record.countryName.c_str(),
-                            record.tvSysName.c_str(), record.tvConfigName.c_str());
+        ALOGD("\t%s\t:%s\t:%s", record.countryName.c_str(), record.tvSysName.c_str(),
+              record.tvConfigName.c_str());
     }
 }
 

@@ -1,6 +1,8 @@
 // The saved country of TvSysMapCfgHolder.
 
-#include <android/log.h>
+#define LOG_TAG "MlkProjectConfigs"
+
+#include <log/log.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -11,13 +13,13 @@
 #include "common/Decimal.h"
 #include "common/LineReader.h"
 #include "common/SaveFile.h"
+#include "regional/LogLines.h"
 #include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr const char* kKeyword = "COUNTRY_ID";
 constexpr size_t kBufferSize = 256;
 constexpr mode_t kFolderMode = 0700;
@@ -40,8 +42,7 @@ void createFolder(const std::string& folder, const char* function, int line) {
     if (mkdir(folder.c_str(), kFolderMode) == 0) {
         syncFolderOf(folder);
     } else if (errno != EEXIST) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] create %s failed!", function, line,
-                            folder.c_str());
+        ALOGE("[%s:%d] create %s failed!", function, line, folder.c_str());
     }
 }
 
@@ -54,11 +55,9 @@ std::string lineOf(_tv_country country) {
 void complain(const std::string& path, Saved saved, const char* function, int line) {
     const std::string reason = std::generic_category().message(errno);
     if (saved == Saved::NOT_OPENED) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", function, line,
-                            path.c_str());
+        ALOGE("[%s:%d] Open %s failed!", function, line, path.c_str());
     } else if (saved == Saved::NOT_WRITTEN) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", path.c_str(),
-                            reason.c_str());
+        ALOGE("%s: cannot be written: %s", path.c_str(), reason.c_str());
     }
 }
 
@@ -71,27 +70,24 @@ std::string TvSysMapCfgHolder::getCountryBinFolderPath() const {
 void TvSysMapCfgHolder::parseCountryId() {
     const std::lock_guard<std::mutex> fileLock(fileMutex());
     const std::string folder = getCountryBinFolderPath();
-    createFolder(folder, __func__, 484);
+    createFolder(folder, __func__, log_line::kIdFolder);
     const std::string path = filePath(folder);
     const bool exists = isFileExist(path);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "[%s:%d] country_id.bin=%s (isRead=%d, isWrite=%d)", __func__, 500,
-                        path.c_str(), exists ? 1 : 0, exists ? 0 : 1);
+    ALOGD("[%s:%d] country_id.bin=%s (isRead=%d, isWrite=%d)", __func__, log_line::kIdFile,
+          path.c_str(), exists ? 1 : 0, exists ? 0 : 1);
     mCountryIdx = kNoCountry;
     if (exists) {
         readCountryId(path);
     } else {
         writeFirstCountryId(path);
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCountryIdx=%d", __func__, 538,
-                        static_cast<int>(mCountryIdx));
+    ALOGD("[%s:%d] mCountryIdx=%d", __func__, log_line::kIdInUse, static_cast<int>(mCountryIdx));
 }
 
 void TvSysMapCfgHolder::readCountryId(const std::string& path) {
-    LineReader reader(path, kBufferSize, kTag, kMostIdentityBytes);
+    LineReader reader(path, kBufferSize, LOG_TAG, kMostIdentityBytes);
     if (!reader.isOpen()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] Open %s failed!", "parseCountryId",
-                            505, path.c_str());
+        ALOGE("[%s:%d] Open %s failed!", "parseCountryId", log_line::kIdNotRead, path.c_str());
         return;
     }
     std::string_view line;
@@ -114,7 +110,7 @@ void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
     }
     // Not saveFile: a file that merely cannot be seen now holds the country of this set.
     const Saved saved = createFile(path, lineOf(mCountryList.front()));
-    complain(path, saved, "parseCountryId", 524);
+    complain(path, saved, "parseCountryId", log_line::kIdNotWritten);
     if (saved != Saved::NOT_OPENED) {
         mCountryIdx = mCountryList.front();
     }
@@ -122,16 +118,15 @@ void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
 
 bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
     const std::lock_guard<std::mutex> fileLock(fileMutex());
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] id=%d", __func__, 133,
-                        static_cast<int>(country));
+    ALOGD("[%s:%d] id=%d", __func__, log_line::kSavedId, static_cast<int>(country));
     if (country == kNoCountry) {
         return false;
     }
     const std::string folder = getCountryBinFolderPath();
-    createFolder(folder, __func__, 142);
+    createFolder(folder, __func__, log_line::kSavedFolder);
     const std::string path = filePath(folder);
     const Saved saved = saveFile(path, lineOf(country));
-    complain(path, saved, __func__, 153);
+    complain(path, saved, __func__, log_line::kSavedFile);
     return saved == Saved::DONE;
 }
 

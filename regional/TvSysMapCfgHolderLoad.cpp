@@ -1,10 +1,13 @@
 // The two XML files of TvSysMapCfgHolder, and the paths in them.
 
-#include <android/log.h>
+#define LOG_TAG "MlkProjectConfigs"
+
+#include <log/log.h>
 
 #include <string_view>
 #include <utility>
 
+#include "regional/LogLines.h"
 #include "regional/TvSysMapCfgHolder.h"
 #include "regional/XmlFile.h"
 
@@ -12,7 +15,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kTvconfigs = "/tvconfigs";
 constexpr std::string_view kTvdata = "/tvdata";
 
@@ -24,8 +26,7 @@ bool startsWith(std::string_view text, std::string_view start) {
 std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
                             const char* function, int line, const char* complaint) {
     if (block.FirstChildElement(element) == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] without %s", function, line,
-                            complaint);
+        ALOGE("[%s:%d] without %s", function, line, complaint);
     }
     return orEmpty(textOfChild(block, element));
 }
@@ -33,23 +34,20 @@ std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* eleme
 }  // namespace
 
 bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] xmlFile=%s", __func__, 224,
-                        xmlFile.c_str());
+    ALOGD("[%s:%d] xmlFile=%s", __func__, log_line::kSystemFile, xmlFile.c_str());
     if (xmlFile.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] chkchk xmlFile is empty!!", __func__,
-                            227);
+        ALOGE("[%s:%d] chkchk xmlFile is empty!!", __func__, log_line::kNoSystemFile);
         return false;
     }
     const XmlFile file(xmlFile);
     if (const char* const error = file.error()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] LoadFile fail, error %s", __func__,
-                            235, error);
+        ALOGE("[%s:%d] LoadFile fail, error %s", __func__, log_line::kSystemFileBroken, error);
         return false;
     }
     const tinyxml2::XMLElement* const mapFile = file.first("CountryTvSysMapXML");
     mCountryTvConfigMapFile = mapFile != nullptr ? orEmpty(mapFile->GetText()) : "";
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCountryTvConfigMapFile=%s", __func__,
-                        243, mCountryTvConfigMapFile.c_str());
+    ALOGD("[%s:%d] mCountryTvConfigMapFile=%s", __func__, log_line::kMapFile,
+          mCountryTvConfigMapFile.c_str());
     mTvSysToConfigMap.clear();
     if (const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration")) {
         for (const auto* element = section->FirstChildElement("TvSystem"); element != nullptr;
@@ -63,8 +61,7 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
 void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XMLElement& element) {
     const char* const type = element.Attribute("type");
     if (type == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s:%d: TV system without type, skipped",
-                            file.c_str(), element.GetLineNum());
+        ALOGE("%s:%d: TV system without type, skipped", file.c_str(), element.GetLineNum());
         return;
     }
     TvSysToConfigMap system;
@@ -75,9 +72,8 @@ void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XML
         const char* const key = item->Attribute("key");
         const char* const value = item->Attribute("value");
         if (category == nullptr || key == nullptr || value == nullptr) {
-            __android_log_print(ANDROID_LOG_ERROR, kTag,
-                                "%s:%d: item without category, key or value, skipped", file.c_str(),
-                                item->GetLineNum());
+            ALOGE("%s:%d: item without category, key or value, skipped", file.c_str(),
+                  item->GetLineNum());
             continue;
         }
         system.configs.insert(system.configs.section(category), key, patchToTargetBoardPath(value));
@@ -88,22 +84,19 @@ void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XML
 bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
     std::string path = mCountryTvConfigMapFile;
     if (path.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] countryTvSysMapXML is empty!!",
-                            __func__, 373);
+        ALOGE("[%s:%d] countryTvSysMapXML is empty!!", __func__, log_line::kNoMapFile);
         return false;
     }
     if (!moveToTvconfigs(path)) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__, 383,
-                            path.c_str());
+        ALOGE("[%s:%d] chkchk file format (countryTvSysMapXML=%s)", __func__,
+              log_line::kMapFileElsewhere, path.c_str());
         return false;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] mCoutryTvConfigMap.size()=%d, xmlPath=%s",
-                        __func__, 386, static_cast<int>(mCoutryTvConfigMap.size()), path.c_str());
+    ALOGD("[%s:%d] mCoutryTvConfigMap.size()=%d, xmlPath=%s", __func__, log_line::kMapPath,
+          static_cast<int>(mCoutryTvConfigMap.size()), path.c_str());
     const XmlFile file(path);
     if (const char* const error = file.error()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] LoadFile fail, error %s", __func__,
-                            392, error);
+        ALOGE("[%s:%d] LoadFile fail, error %s", __func__, log_line::kMapFileBroken, error);
         return false;
     }
     mCoutryTvConfigMap.clear();
@@ -112,10 +105,9 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
          block = block->NextSiblingElement()) {
         addCountry(*block);
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "[%s:%d] size of {mCoutryTvConfigMap, mCountryList}={%d, %d}", __func__,
-                        436, static_cast<int>(mCoutryTvConfigMap.size()),
-                        static_cast<int>(mCountryList.size()));
+    ALOGD("[%s:%d] size of {mCoutryTvConfigMap, mCountryList}={%d, %d}", __func__,
+          log_line::kMapSize, static_cast<int>(mCoutryTvConfigMap.size()),
+          static_cast<int>(mCountryList.size()));
     return true;
 }
 
@@ -123,15 +115,16 @@ void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
     constexpr const char* kFunction = "loadCountryTvConfigMapXML";  // whose messages these are
     const char* const countryName = textOfChild(block, "COUNTRY_NAME");
     if (countryName == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[%s:%d] without country name", kFunction,
-                            432);
+        ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
         return;
     }
     mCountryList.push_back(_tv_country{mData.tvSystemCountries.valueOf(countryName)});
     CoutryTvConfigMap record;
     record.countryName = countryName;
-    record.tvSysName = textOrComplaint(block, "TV_SYSTEM", kFunction, 417, "tvSysName");
-    record.tvConfigName = textOrComplaint(block, "TV_CONFIG", kFunction, 427, "tvConfigName");
+    record.tvSysName =
+            textOrComplaint(block, "TV_SYSTEM", kFunction, log_line::kNoTvSystem, "tvSysName");
+    record.tvConfigName =
+            textOrComplaint(block, "TV_CONFIG", kFunction, log_line::kNoTvConfig, "tvConfigName");
     mCoutryTvConfigMap.push_back(std::move(record));
 }
 

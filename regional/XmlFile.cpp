@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "regional/XmlFile.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <string_view>
@@ -10,8 +12,6 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
 
 // TinyXML-2 compares an attribute with all those before it in its element, and looks for the end of
 // a character reference up to the end of its text. Both grow with the square of the number; within
@@ -92,16 +92,14 @@ tinyxml2::XMLError XmlFile::load(const std::string& path) {
             break;
     }
     if (mostAttributes(text) > kMostAttributes || references(text) > kMostReferences) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "%s: more than %zu attributes in an element or %zu character "
-                            "references in all",
-                            path.c_str(), kMostAttributes, kMostReferences);
+        ALOGE("%s: more than %zu attributes in an element or %zu character "
+              "references in all",
+              path.c_str(), kMostAttributes, kMostReferences);
         return tinyxml2::XML_ERROR_PARSING;
     }
     const tinyxml2::XMLError error = mDocument.Parse(text.data(), text.size());
     if (error != tinyxml2::XML_SUCCESS) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s:%d: no well-formed XML", path.c_str(),
-                            mDocument.ErrorLineNum());
+        ALOGE("%s:%d: no well-formed XML", path.c_str(), mDocument.ErrorLineNum());
     }
     return error;
 }

@@ -61,7 +61,7 @@ def code(name):
     """A source without comments, includes and log messages: what is left, does something."""
     text = INCLUDE.sub("", read(name))
     text = TOKEN.sub(lambda m: m[0] if m["text"] is not None or m[0][0] in "'R" else " ", text)
-    return re.sub(r'(?:__android_log_\w+|ALOG[VDIWE])\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
+    return re.sub(r'\b(?:__android_log_\w+|ALOG[DEIW]|LOG_PRI)\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
 
 
 def literals_in(text):
