@@ -5,17 +5,16 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Names one configuration item: a section and a key in it.
+ * Identifies one configuration item: a section and a key in it.
  *
- * Its order fixes the order of every dump and walk: categories decide before keys, and texts
- * compare by length first (see CompareStr). Refers to the texts of whoever asks: a store has copies
- * of its own. A plain value; safe to use from any thread.
+ * Its order is the order of every dump and walk: by category, then by key; texts compare by length
+ * first (see CompareStr). Does not own the texts.
  */
 struct ConfigKey {
     /**
-     * Refers to the two texts, which have to outlive it.
+     * Refers to the two texts, which must outlive the key.
      *
-     * @param categoryText  the section name as it stands in the file, brackets included: "[AUDIO]"
+     * @param categoryText  the section name as in the file, with its brackets: "[AUDIO]"
      * @param keyText       the item's key inside that section
      */
     constexpr ConfigKey(std::string_view categoryText, std::string_view keyText)
@@ -25,10 +24,10 @@ struct ConfigKey {
     bool operator<(const ConfigKey& other) const;
 
     /**
-     * The order of texts: a shorter one comes first; of two equally long ones the first byte that
-     * differs decides, taken as unsigned. "[KEY]" thus comes before "[AUDIO]", and Z before AA.
+     * Orders texts: a shorter one comes first; two of equal length compare by their bytes as
+     * unsigned numbers. "[KEY]" comes before "[AUDIO]", and "Z" before "AA".
      *
-     * @return true when a comes before b; false when they are equal
+     * @return true if a comes before b; false if they are equal
      */
     static bool CompareStr(std::string_view a, std::string_view b);
 

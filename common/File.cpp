@@ -14,7 +14,7 @@ File::File(const std::string& path, int flags, mode_t mode) {
         mIsRegular = false;
         return;
     }
-    // O_NONBLOCK: what is under the path may have changed into a FIFO meanwhile.
+    // O_NONBLOCK: the path may lead to a FIFO by now.
     do {
         mFd = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode);
     } while (mFd < 0 && errno == EINTR);

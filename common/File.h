@@ -12,14 +12,14 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * An open regular file.
  *
- * Paths come from configuration files and from clients. A directory, FIFO or device under such a
- * path is refused, before it is opened where that can be seen: opening one could block, or set off
- * what the device does. Owns its descriptor; one thread at a time.
+ * Paths come from configuration files and from clients. A path that leads to a directory, FIFO or
+ * device is refused, if possible before opening: opening one could block or trigger the device.
+ * Owns its descriptor; one thread at a time.
  */
 class File {
   public:
     /**
-     * Opens a file; isOpen() tells whether that worked.
+     * Opens a file; isOpen() tells whether that succeeded.
      *
      * @param path   the file
      * @param flags  as for open(2)
@@ -32,16 +32,16 @@ class File {
 
     bool isOpen() const { return mFd >= 0; }
 
-    /** True when the file could not be opened because nothing has its path. */
+    /** True if the file could not be opened because the path does not exist. */
     bool isMissing() const;
 
-    /** Why the file could not be opened; EINVAL when it is no regular file. */
+    /** The errno of the failed opening; EINVAL if it is not a regular file. */
     int error() const { return mIsRegular ? mError : EINVAL; }
 
-    /** The same in words. */
+    /** The text of that error. */
     std::string reason() const;
 
-    /** Size in bytes when the file was opened. */
+    /** Size in bytes when the file was opened; 0 for some files of the kernel. */
     size_t size() const { return mSize; }
 
     /**
@@ -51,10 +51,10 @@ class File {
      */
     ssize_t read(char* buffer, size_t size);
 
-    /** The open file, for calls that this class does not have; stays the property of the object. */
+    /** The descriptor, for calls that this class does not offer; the object still owns it. */
     int descriptor() const { return mFd; }
 
-    /** As read(), with fewer than size bytes only at the end of the file. */
+    /** As read(), but returns fewer than size bytes only at the end of the file. */
     ssize_t readUpTo(char* buffer, size_t size);
 
   private:

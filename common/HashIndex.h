@@ -8,21 +8,21 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Finds numbered things by the hash of their name: a table with open addressing, which takes one
- * piece of memory for all of them. The things and their names are the owner's. Not thread-safe.
+ * Finds numbered entries by the hash of their name. A hash table with open addressing in a single
+ * allocation. The entries and their names belong to the caller. Not thread-safe.
  */
 class HashIndex {
   public:
-    /** No thing has this number. */
+    /** The number that no entry has. */
     static constexpr uint32_t kNone = UINT32_MAX;
 
-    /** Forgets all things; keeps the memory for the next ones. */
+    /** Removes all entries; keeps the memory for later ones. */
     void clear() {
         mSlots.assign(mSlots.size(), Slot{0, kNone});
         mSize = 0;
     }
 
-    /** Makes room for so many things. */
+    /** Reserves memory for `size` entries. */
     void expect(size_t size) {
         size_t slots = mSlots.size();
         while (isFull(size, slots)) {
@@ -33,15 +33,15 @@ class HashIndex {
         }
     }
 
-    /** The number with that hash for which `isIt(number)` is true, or kNone. */
+    /** Returns the number with that hash for which `isIt(number)` is true, or kNone. */
     template <typename IsIt>
     uint32_t find(uint32_t hash, const IsIt& isIt) const {
         return mSlots.empty() ? kNone : mSlots[slotOf(hash, isIt)].number;
     }
 
     /**
-     * The same, to be written to: where it says kNone, its caller writes the number of the thing
-     * that is to have this name. Good until the next call.
+     * As find(), but returns a reference. If it refers to kNone, the caller assigns the number of
+     * the new entry. Valid until the next call.
      */
     template <typename IsIt>
     uint32_t& findOrAdd(uint32_t hash, const IsIt& isIt) {
@@ -63,10 +63,10 @@ class HashIndex {
     };
     static constexpr size_t kFirstSlots = 32;  // always a power of two
 
-    // Whether there are too few free slots to find one soon.
+    // Whether too few slots are free for short searches.
     static bool isFull(size_t size, size_t slots) { return size * 4 >= slots * 3; }
 
-    // Where it stands, or else the free slot where it belongs.
+    // The slot of the entry, or the free slot where it belongs.
     template <typename IsIt>
     size_t slotOf(uint32_t hash, const IsIt& isIt) const {
         const size_t mask = mSlots.size() - 1;

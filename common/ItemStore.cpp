@@ -21,22 +21,22 @@ void put(char* place, std::string_view text) {
     place[text.size()] = '\0';
 }
 
-// For how long a value there is room.
-uint32_t roomAt(const char* texts) {
-    uint32_t room = 0;
-    std::memcpy(&room, texts - sizeof room, sizeof room);
-    return room;
+// The size of the longest value that fits.
+uint32_t capacityAt(const char* texts) {
+    uint32_t capacity = 0;
+    std::memcpy(&capacity, texts - sizeof capacity, sizeof capacity);
+    return capacity;
 }
 
 }  // namespace
 
-// Orders most texts as CompareStr does without looking at them: their length, then how they begin.
-// Those of kManyBytes and more are all alike here, for their lengths may differ.
+// A sort key of eight bytes: the length of a text, then its first bytes. It orders most texts as
+// CompareStr does without reading them. Texts of kManyBytes and more have equal sort keys.
 struct ItemStore::Place {
     uint64_t order;
-    uint32_t number;  // of what has the text
+    uint32_t number;  // of the section or item
 
-    // Reads eight bytes of the text even if it is shorter: the arena lets it.
+    // Reads eight bytes even of a shorter text; the arena allows that.
     Place(std::string_view text, uint32_t numberOfIt)
         : order(uint64_t{std::min(text.size(), kManyBytes)} << 48), number(numberOfIt) {
         if (text.size() >= kManyBytes) {
@@ -52,7 +52,7 @@ struct ItemStore::Place {
         order |= start >> 16;
     }
 
-    // `textOf` gives the text of a number.
+    // `textOf` returns the text of a number.
     template <typename TextOf>
     static void sort(std::vector<Place>& places, const TextOf& textOf) {
         std::sort(places.begin(), places.end(), [&](const Place& a, const Place& b) {
@@ -117,8 +117,8 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
 
 void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
-    if (value.size() > roomAt(entry.texts)) {
-        // Twice what is needed: values that go on growing take no more than the last one does.
+    if (value.size() > capacityAt(entry.texts)) {
+        // Doubling: a value that keeps growing wastes no more memory than it needs in the end.
         entry.texts = placeTexts(keyOf(item), value.size() * 2);
     }
     put(entry.texts + entry.keySize + 1, value);
@@ -152,7 +152,7 @@ std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const 
 }
 
 void ItemStore::log(const char* tag) const {
-    // Nothing is put in order for lines that nobody reads.
+    // Avoids sorting for lines that the log drops.
     if (__android_log_is_loggable(ANDROID_LOG_DEBUG, tag, ANDROID_LOG_VERBOSE) == 0) {
         return;
     }
@@ -169,11 +169,12 @@ void ItemStore::write(std::ostream& out, std::string_view indent) const {
     out.flush();
 }
 
-// A place for a key and a value, with the key in it.
-char* ItemStore::placeTexts(std::string_view key, size_t valueRoom) {
-    const auto room = static_cast<uint32_t>(valueRoom);
-    char* const texts = mTexts.allocate(sizeof room + key.size() + valueRoom + 2) + sizeof room;
-    std::memcpy(texts - sizeof room, &room, sizeof room);
+// Allocates memory for a key and a value and copies the key.
+char* ItemStore::placeTexts(std::string_view key, size_t valueCapacity) {
+    const auto capacity = static_cast<uint32_t>(valueCapacity);
+    char* const texts =
+            mTexts.allocate(sizeof capacity + key.size() + valueCapacity + 2) + sizeof capacity;
+    std::memcpy(texts - sizeof capacity, &capacity, sizeof capacity);
     put(texts, key);
     return texts;
 }
@@ -192,14 +193,14 @@ void ItemStore::putInOrder() const {
         begin += mSections[place.number].size;
     }
     mOrder.resize(mItems.size());
-    // As they came, which is how their texts lie in memory.
+    // In the order of insertion, which is the order of the texts in memory.
     for (size_t section = 0; section < mSections.size(); ++section) {
         putInOrder(mSections[section], places, mOrder.data() + begins[section]);
     }
     mIsOrdered = true;
 }
 
-// Writes the items of a section to their places; what stood in `places` before is lost.
+// Writes the sorted items of a section to `items`. Uses `places` as scratch memory.
 void ItemStore::putInOrder(const SectionEntry& section, std::vector<Place>& places,
                            Item* items) const {
     places.clear();

@@ -12,56 +12,59 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Configuration items: each has a section, a key in it and a value, and is found by the two names.
+ * Stores configuration items. An item has a section, a key in that section, and a value; section
+ * and key identify it.
  *
- * A walk goes through them in the order of ConfigKey, whatever order they came in. Adding an item
- * and finding one take a time that does not depend on how many there are; the order is made by the
- * first walk after an item was added.
+ * A walk visits the items in the order of ConfigKey, regardless of the order of insertion.
+ * Inserting and finding take constant time. The first walk after an insertion sorts the items.
  *
- * Holds copies of all texts, each with a NUL behind it, so that a view's data() is a C string.
- * Views are good until the item's value is replaced or the store is cleared or goes. Not
- * thread-safe: its owner has a lock.
+ * The store copies all texts and ends each with a NUL, so that data() of a returned view is a C
+ * string. A view is valid until the item's value is replaced or the store is cleared or destroyed.
+ * Not thread-safe: the owner has a lock.
  */
 class ItemStore {
   public:
-    /** Number of a section of this store, until it is cleared. */
+    /** Number of a section; valid until the store is cleared. */
     using Section = uint32_t;
-    /** Number of an item of this store, until it is cleared. */
+    /** Number of an item; valid until the store is cleared. */
     using Item = uint32_t;
+    /** The number that no item has. */
     static constexpr Item kNone = HashIndex::kNone;
 
     ItemStore() = default;
-    /** What was moved from may only be assigned to, or go. */
+    /** A moved-from store may only be assigned to or destroyed. */
     ItemStore(ItemStore&&) noexcept = default;
     ItemStore& operator=(ItemStore&&) noexcept = default;
 
+    /** The number of items. */
     size_t size() const { return mItems.size(); }
     bool empty() const { return mItems.empty(); }
 
-    /** Drops all items; keeps the memory for the next ones. */
+    /** Removes all items; keeps the memory for later ones. */
     void clear();
 
-    /** Makes room for the items of a file of so many bytes, as such files usually are. */
+    /** Reserves memory for the items that a file of `bytes` bytes usually has. */
     void expect(size_t bytes);
 
-    /** The section of that name, which is new when no item has it. */
+    /** Returns the section of that name; adds the section if it is missing. */
     Section section(std::string_view name);
 
-    /** What insert did. */
+    /** The result of insert(). */
     struct Inserted {
-        Item item;
-        bool isNew;
+        Item item;   // the added item, or the one that already has the names
+        bool isNew;  // the item was added
     };
 
-    /** Adds an item. One that the section has already stays as it is. */
+    /** Adds an item. An existing item of the same names keeps its value. */
     Inserted insert(Section section, std::string_view key, std::string_view value);
 
-    /** Gives an item another value, in the same place where it fits. */
+    /** Replaces the value of an item, in place if the new one fits. */
     void replace(Item item, std::string_view value);
 
-    /** The item of these names, or kNone. */
+    /** Returns the item of these names, or kNone. */
     Item find(std::string_view section, std::string_view key) const;
 
+    /** The names and the value of an item. */
     std::string_view sectionOf(Item item) const { return mSections[mItems[item].section].name; }
     std::string_view keyOf(Item item) const { return {mItems[item].texts, mItems[item].keySize}; }
     std::string_view valueOf(Item item) const {
@@ -69,16 +72,16 @@ class ItemStore {
         return {entry.texts + entry.keySize + 1, entry.valueSize};
     }
 
-    /** All items, in order. */
+    /** Returns all items in order. */
     const std::vector<Item>& inOrder() const;
 
-    /** The items of one section, in order. */
+    /** Returns the items of one section in order. */
     std::vector<Item> itemsOf(std::string_view section) const;
 
-    /** Logs every item, in order: a tabulator, then "<section>:<key>=<value>". */
+    /** Logs every item in order: a tab, then "<section>:<key>=<value>". */
     void log(const char* tag) const;
 
-    /** Writes every item, in order: the indent, then "<section>:<key>=<value>" as a line. */
+    /** Writes a line for every item in order: the indent, then "<section>:<key>=<value>". */
     void write(std::ostream& out, std::string_view indent) const;
 
   private:
@@ -90,14 +93,14 @@ class ItemStore {
         uint32_t size;  // items
     };
     struct ItemEntry {
-        char* texts;  // the room for the value in four bytes; then, here, the key and the value
+        char* texts;  // the key, then the value; the four bytes before have its capacity
         uint32_t keySize;
         uint32_t valueSize;
         Section section;
         Item next;  // of the section
     };
     struct Place;  // of a text in an order
-    char* placeTexts(std::string_view key, size_t valueRoom);
+    char* placeTexts(std::string_view key, size_t valueCapacity);
     void putInOrder() const;
     void putInOrder(const SectionEntry& section, std::vector<Place>& places, Item* items) const;
 

@@ -25,8 +25,8 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
     if (mFile.isOpen() && mFile.size() > mMostBytes) {
         fail(": cannot be read: " + largerThan(mMostBytes));
     } else if (mFile.isOpen()) {
-        // A line of the limit and one byte more always fit, which is what tells a long line. The
-        // kernel's own files have no size.
+        // The buffer always holds one byte more than the limit, which tells that a line is too
+        // long. Files of the kernel report size 0.
         const size_t wanted = mFile.size() == 0 ? kChunk : mFile.size() + 1;
         mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
         mBuffer.reset(new char[mCapacity]);
@@ -54,7 +54,7 @@ bool LineReader::next(std::string_view& line) {
     return true;
 }
 
-// The same, where what is read has no end of a line.
+// As next(), when the buffer has no line feed.
 bool LineReader::nextUnended(std::string_view& line) {
     if (!isOpen() || (mInLongLine && !skipRestOfLine())) {
         return false;
@@ -76,7 +76,7 @@ bool LineReader::nextUnended(std::string_view& line) {
         }
         searched = unread.size();
         if (!fill()) {
-            if (mBegin == mEnd) {  // which a failure leaves so: a part of a line is no line
+            if (mBegin == mEnd) {  // also after a failure: a part of a line does not count
                 return false;
             }
             line = std::string_view(mBuffer.get() + mBegin, mEnd - mBegin);
@@ -86,7 +86,7 @@ bool LineReader::nextUnended(std::string_view& line) {
     }
 }
 
-// What counts of a line that is too long.
+// Logs a line that is too long and returns its beginning.
 std::string_view LineReader::cut(std::string_view line) const {
     complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
     return line.substr(0, mLimit);
@@ -107,8 +107,8 @@ void LineReader::complain(const std::string& problem) const {
                         problem.c_str());
 }
 
-// Appends more of the file to what is not handed out yet. False at the end of the file, and on a
-// failure, which drops all that is not handed out.
+// Refills the buffer after the unread bytes. False at the end of the file and on a failure, which
+// drops the unread bytes.
 bool LineReader::fill() {
     std::memmove(mBuffer.get(), mBuffer.get() + mBegin, mEnd - mBegin);
     mEnd -= mBegin;
@@ -116,8 +116,8 @@ bool LineReader::fill() {
     if (mAtEnd) {
         return false;
     }
-    const size_t room = mCapacity - mEnd;
-    const ssize_t result = mFile.read(mBuffer.get() + mEnd, room);
+    const size_t free = mCapacity - mEnd;
+    const ssize_t result = mFile.read(mBuffer.get() + mEnd, free);
     if (result < 0) {
         const std::string reason = std::generic_category().message(errno);
         fail(":" + std::to_string(mLineNumber) + ": cannot be read further: " + reason);
@@ -129,16 +129,16 @@ bool LineReader::fill() {
         fail(": cannot be read: " + largerThan(mMostBytes));
         return false;
     }
-    // No need to ask again for what follows the last byte that the file had.
-    mAtEnd = count == 0 || (count < room && mRead == mFile.size());
-    // Files of text have none: not every line needs to be searched for one.
+    // Saves the read at the end of a file that has not grown.
+    mAtEnd = count == 0 || (count < free && mRead == mFile.size());
+    // Text files have no NUL; one search here saves one for each line.
     const std::string_view added(mBuffer.get() + mEnd, count);
     mHasNul = (mHasNul && mEnd > 0) || added.find('\0') != std::string_view::npos;
     mEnd += count;
     return count > 0;
 }
 
-// Ends the reading, with an error line: the path, then the problem.
+// Ends the reading and logs the path and the problem.
 void LineReader::fail(const std::string& problem) {
     mFailed = true;
     mAtEnd = true;
@@ -146,7 +146,7 @@ void LineReader::fail(const std::string& problem) {
     __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s%s", mPath.c_str(), problem.c_str());
 }
 
-// False when the file ends within that line.
+// False if the file ends within that line.
 bool LineReader::skipRestOfLine() {
     for (;;) {
         const std::string_view rest(mBuffer.get() + mBegin, mEnd - mBegin);

@@ -10,16 +10,16 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 std::string_view fileNameOf(std::string_view path);
 
 /**
- * Takes the quotes off a path that is written in double quotes.
+ * Removes the quotes from a path in double quotes.
  *
- * Only a path whose first character is a double quote is touched: it loses that quote, and
- * everything from its last remaining quote on. A quote elsewhere is part of the name.
+ * A path that begins with a double quote loses that quote, its last remaining quote and everything
+ * after that. Any other path stays as it is; a quote inside it is part of the name.
  *
- * @return the path; nothing when the leading quote has no partner, for such a path names no file
+ * @return the path; nothing if the leading quote has no closing one: such a path names no file
  */
 std::optional<std::string> withoutQuotes(std::string path);
 
-/** True when something exists under that path, whatever it is. */
+/** True if the path exists, whatever the type of the file. */
 bool pathExists(const std::string& path);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -7,13 +7,13 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Number of a method's row in a table of what a service's methods answer from: kProjectItems,
- * kTvSystems, kTvFlags, kFrameworkItems. Each row has the name of its method, as the interface has
- * it, as `method`.
+ * Returns the index of a method's row in a table of a service's methods: kProjectItems, kTvSystems,
+ * kTvFlags, kFrameworkItems. Each row has the name of its method in the interface as `method`.
  *
  *     constexpr size_t kRow = rowOf(kTvFlags, "pvrEnabled");
  *
- * In a constant, as here, a method without a row does not compile; elsewhere it ends the process.
+ * A method without a row does not compile in a constant expression, as here; at run time it aborts
+ * the process.
  */
 template <typename Row, size_t kSize>
 constexpr size_t rowOf(const Row (&rows)[kSize], std::string_view method) {

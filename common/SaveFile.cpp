@@ -28,7 +28,7 @@ auto whileInterrupted(const Call& call) {
     return result;
 }
 
-// Whether a call failed because the file system does not have it.
+// Whether a call failed because the file system does not support it.
 bool isNotOffered(int error) {
     return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
 }
@@ -54,7 +54,7 @@ bool resize(int fd, off_t size) {
     return whileInterrupted([&] { return ftruncate(fd, size); }) == 0;
 }
 
-// Appends zeros, with the space that they and the bytes before them need.
+// Appends zeros and allocates the blocks of the whole file.
 bool growTo(int fd, off_t size, off_t formerSize) {
     if (whileInterrupted([&] { return fallocate(fd, 0, 0, size); }) == 0) {
         return true;
@@ -65,8 +65,8 @@ bool growTo(int fd, off_t size, off_t formerSize) {
 
 bool overwrite(int fd, off_t formerSize, std::string& text) {
     const auto size = static_cast<off_t>(text.size());
-    // The new size has to be on storage before the text is: the text, cut to the old size, could
-    // be a third one.
+    // The new size must be on storage before the text: the new text cut to the old size could mean
+    // something else.
     if (size > formerSize && !(growTo(fd, size, formerSize) && sync(fd))) {
         const int error = errno;
         resize(fd, formerSize);
@@ -79,7 +79,7 @@ bool overwrite(int fd, off_t formerSize, std::string& text) {
     return writeAt(fd, 0, text) && sync(fd) && (size >= formerSize || resize(fd, size));
 }
 
-// The file that a path leads to, whether it exists or not.
+// Resolves symbolic links; the result need not exist.
 std::string targetOf(std::string path) {
     char target[PATH_MAX];
     for (int links = 0; links < kMostLinks; ++links) {
@@ -87,14 +87,14 @@ std::string targetOf(std::string path) {
         if (size <= 0 || size == sizeof target) {
             break;
         }
-        // What a relative link names lies in the folder of the link.
+        // A relative link is relative to its own folder.
         path.resize(target[0] == '/' ? 0 : path.rfind('/') + 1);
         path.append(target, static_cast<size_t>(size));
     }
     return path;
 }
 
-// Leaves errno as it is.
+// Removes the file and keeps errno.
 Saved withoutFile(const std::string& path, Saved result) {
     const int error = errno;
     unlink(path.c_str());
@@ -127,7 +127,7 @@ Saved createFile(const std::string& path, const std::string& text) {
         return Saved::NOT_OPENED;
     }
     const std::string fresh = target + ".new";
-    unlink(fresh.c_str());  // left by a process that did not live to rename it
+    unlink(fresh.c_str());  // left by a process that ended before renaming it
     {
         const File file(fresh, O_WRONLY | O_CREAT | O_EXCL, kMode);
         if (!file.isOpen()) {
@@ -135,7 +135,7 @@ Saved createFile(const std::string& path, const std::string& text) {
             return Saved::NOT_OPENED;
         }
         const int fd = file.descriptor();
-        // A file system without modes refuses, which does no harm.
+        // A failure is harmless: the file system has no modes.
         if (fstat(fd, &about) == 0 && (about.st_mode & ALLPERMS) != kMode) {
             static_cast<void>(fchmod(fd, kMode));
         }

@@ -4,51 +4,51 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** What became of a file that was to be saved. */
+/** The result of saving a file. */
 enum class Saved {
-    DONE,        ///< the file holds the text and nothing else
-    NOT_OPENED,  ///< no such file can be opened or created, nothing has changed; errno says why
-    NOT_WRITTEN  ///< the file cannot be written, errno says why; see saveFile for what it holds
+    DONE,       /**< the file holds the text and nothing else */
+    NOT_OPENED, /**< the file cannot be opened or created; nothing has changed; see errno */
+    NOT_WRITTEN /**< the file cannot be written, see errno, and saveFile for its content */
 };
 
 /**
  * Makes `text` the whole content of a small text file and brings it to storage.
  *
- * A file that exists is overwritten, never replaced: owner, mode, label and links stay, its folder
- * may be read-only, and it may be a symbolic link or a mount of its own. On a file system without a
- * free block a text that fits into the blocks of the file is still saved. The order of the steps
- * keeps the old text or the new one readable whenever the process or the power goes:
+ * An existing file is overwritten, never replaced: it keeps its owner, mode, label and links. Its
+ * folder may be read-only, and it may be a symbolic link or a mount point. If the file system is
+ * full, a text that fits into the blocks of the file can still be saved. The order of the steps
+ * keeps either the old or the new text readable if the process or the power ends at any time:
  *
- * - A longer text: the file grows first, by zeros. That takes the space for the whole text, and
- *   fails where there is no space. The text follows when the new size is on storage.
- * - A shorter text: it goes out in one write with a NUL byte at its end. The remainder of the old
- *   text is cut off when both are on storage.
+ * - A longer text: the file first grows by zeros, which reserves the space for the whole text and
+ *   fails if there is none. The text is written once the new size is on storage.
+ * - A shorter text: it is written at once, with a NUL byte at its end. The remainder of the old
+ * text is cut off once both are on storage.
  *
- * So a reader of such a file has to take a NUL byte as the end of the text. A text of a sector
- * (512 bytes) or less goes to storage as a whole; a longer one may be new in its first sectors or
- * pages only.
+ * Readers of such a file must therefore treat a NUL byte as the end of the text. A text of up to a
+ * sector (512 bytes) reaches storage as a whole. Of a longer one, only the first sectors or pages
+ * may be new after a power cut.
  *
- * NOT_WRITTEN leaves the file as it was when there is no space. A device that fails in the middle
- * of the write can leave a beginning of the new text, with the old text after it.
+ * NOT_WRITTEN for lack of space leaves the file unchanged. A device that fails during the write can
+ * leave the beginning of the new text followed by the old text.
  *
- * A file that does not exist is created as createFile does. One caller at a time for a path.
+ * A missing file is created, see createFile. One caller at a time for a path.
  *
- * @param path  the file; anything but a regular file is not opened
+ * @param path  the file; anything but a regular file is refused
  */
 Saved saveFile(const std::string& path, std::string text);
 
 /**
- * Creates a file with this text and mode 0644, whatever the umask.
+ * Creates a file with this text and mode 0644, regardless of the umask.
  *
- * The text is brought to storage under the name with ".new" appended, which then becomes the file:
- * a cut leaves no file or the whole one. A symbolic link stays, and the file that it names is
- * created. One caller at a time for a path.
+ * Writes the text to a temporary file with ".new" appended to the name, brings it to storage and
+ * renames it: after a power cut, either no file or the whole file exists. If the path is a dangling
+ * symbolic link, the link stays and its target is created. One caller at a time for a path.
  *
- * @return NOT_OPENED with EEXIST in errno if the file exists
+ * @return NOT_OPENED with errno EEXIST if the file exists
  */
 Saved createFile(const std::string& path, const std::string& text);
 
-/** Brings changes of the folder that holds this path to storage, if its file system can. */
+/** Brings changes of the folder of this path to storage if the file system supports it. */
 void syncFolderOf(const std::string& path);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -35,7 +35,7 @@ Partitions systemPartitions() {
 }
 
 Properties& systemProperties() {
-    // Never destroyed: threads of the pool may still answer while the process ends.
+    // Never destroyed: threads of the pool may still answer calls while the process exits.
     static auto& properties = *new SystemProperties;
     return properties;
 }

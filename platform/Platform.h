@@ -3,16 +3,16 @@
 #include "common/Partitions.h"
 #include "common/Properties.h"
 
-/**
- * The set that this process runs on: what the platform's libraries say of it. Everything else takes
- * partitions and properties as arguments. From any thread.
+/*
+ * Partitions and properties of the set that this process runs on, from the platform's libraries.
+ * All other code takes them as arguments. Thread-safe.
  */
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** The mount points, as TvPartitionPath gives them at the time of the call. */
+/** Returns the current mount points of TvPartitionPath. */
 Partitions systemPartitions();
 
-/** The system properties. The object lives as long as the process. */
+/** Returns the system properties; never destroyed. */
 Properties& systemProperties();
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

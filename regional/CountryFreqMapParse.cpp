@@ -29,7 +29,7 @@ constexpr CableTypeRow kCableTypes[] = {
         {"IRC", AtscCableType::IRC, "irc"},
 };
 
-// All tables of one cable element name, the first of each type.
+// The cable tables of a block; of several with one type, the first.
 CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block,
                                                const char* element) {
     CountryFreqMapEntry::CableTables tables;
@@ -56,7 +56,7 @@ CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block
     return tables;
 }
 
-// Text of an antenna element; empty, with a message, when the block has none.
+// Text of an antenna element; empty, and logged, if the block has none.
 const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
                       const char* complaint) {
     if (block.FirstChildElement(element) == nullptr) {
@@ -65,7 +65,7 @@ const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
     return orEmpty(textOfChild(block, element));
 }
 
-// The table of one kind; null when the entry says nothing of it.
+// Name of the table of one kind; null if the entry has none.
 const std::string* tableOf(const CountryFreqMapEntry& entry, FreqTableType type,
                            AtscCableType cableType) {
     const auto inCable = [cableType](const CountryFreqMapEntry::CableTables& tables) {
@@ -145,7 +145,7 @@ bool CountryFreqMapParse::lookUpLocked(const std::string& countryName, FreqTable
         if (entry.countryName != countryName) {
             continue;
         }
-        // Of a country's blocks the last that has the table wins.
+        // If several blocks of a country have the table, the last one wins.
         if (const std::string* const table = tableOf(entry, type, cableType)) {
             name = *table;
             found = true;

@@ -19,7 +19,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 class CountryListParser;
 
-/** What the map file says of one country: names of its frequency tables, empty for none. */
+/** The record of one country in the map file: names of its frequency tables, empty if missing. */
 struct CountryFreqMapEntry {
     using CableTables = std::map<AtscCableType, std::string>;
 
@@ -31,10 +31,10 @@ struct CountryFreqMapEntry {
 };
 
 /**
- * Tells the name of a country's frequency table, from "country_freq_map.xml" in the folder of the
- * frequency tables; and which folder that is.
+ * Looks up the name of a country's frequency table in "country_freq_map.xml", and keeps the folder
+ * of that file and of the tables.
  *
- * The file has one element a country at its top:
+ * The file has one top-level element for each country:
  *
  *     <COUNTRY_FREQ_MAP>
  *         <COUNTRY_NAME>USA</COUNTRY_NAME>
@@ -43,62 +43,60 @@ struct CountryFreqMapEntry {
  *         <ATV_ANTENA>freqtable_ntsc_m</ATV_ANTENA>
  *     </COUNTRY_FREQ_MAP>
  *
- * "ANTENA" is how the format spells it. TYPE is AUTO, STD, HRC or IRC; without it a cable table
- * counts as AUTO. Blanks inside an element belong to its text. The file is all there is: a table of
- * countries built into the code, which would answer for a missing file, does not exist, because no
- * television is sold without its own map and a default would only hide that it is missing.
+ * The format spells "ANTENA" like this. TYPE is AUTO, STD, HRC or IRC; without it a cable table
+ * counts as AUTO. Blanks inside an element belong to its text. There is no built-in table for a
+ * missing file: every television has its own map, and a default would hide that it is missing.
  *
- * A service has one object for the process, see RegionalData. Called from RPC threads; each
- * operation takes mMutex for its whole run, so that loading, looking up and changing the folder are
- * one step. Log tag: "MlkProjectConfigs".
+ * A service has one object for the process, see RegionalData. Thread-safe: each operation holds
+ * mMutex from start to end, so that loading, looking up and changing the folder are one step. Log
+ * tag: "MlkProjectConfigs".
  */
 class CountryFreqMapParse {
   public:
     /**
-     * @param partitions  gives the mount points; asked each time the default folder is needed
-     * @param countries   knows the countries' names; must outlive the object
+     * @param partitions  returns the mount points; called whenever the default folder is needed
+     * @param countries   has the names of the countries; must outlive the object
      */
     CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries);
-    /** That of the process. */
+    /** Returns the object of the process. */
     static CountryFreqMapParse& GetInstance();
     virtual ~CountryFreqMapParse() = default;
     CountryFreqMapParse(const CountryFreqMapParse&) = delete;
     CountryFreqMapParse& operator=(const CountryFreqMapParse&) = delete;
 
     /**
-     * Folder of the frequency tables: what the last lookup with a folder gave, else "freqtables" of
-     * the tvconfigs partition.
+     * Returns the folder of the frequency tables: the folder of the last lookup that gave one, else
+     * "freqtables" of the tvconfigs partition.
      */
     std::string GetTvConfigPath();
 
     /**
-     * Name of a country's frequency table.
+     * Finds the name of a country's frequency table.
      *
-     * The file is read at the first lookup, and again at every lookup until it yields an entry;
-     * then never again, even when the folder changes.
+     * Lookups read the file until it has given at least one entry, and never again after that, even
+     * if the folder changes.
      *
-     * @param path       folder of the frequency tables from now on, for all callers; empty leaves
-     *                   it as it is
+     * @param path       new folder of the frequency tables, for all callers; empty to keep the
+     *                   current one
      * @param country    a country; one without a name has no tables
      * @param type       kind of table
-     * @param cableType  cable plan, for the cable kinds; there is no fall-back from one to another
-     * @param name       set to the name, which is empty when the country has an entry without an
-     *                   antenna table; untouched when the result is false
-     * @return true when there is an entry for what is asked; also when a file without any entry was
-     *         loaded
+     * @param cableType  cable plan, for the cable kinds; one plan does not stand in for another
+     * @param name       set to the name, which is empty if the country's entry has no antenna
+     *                   table; untouched if the result is false
+     * @return true if there is such an entry; also if this call loaded a file without any entry
      */
     bool GetFreqTableNameByCountry(const std::string& path, _tv_country country, FreqTableType type,
                                    AtscCableType cableType, std::string& name);
 
-    /** The same by the country's name, with the folder as it is. */
+    /** As above, by the country's name and with the current folder. */
     bool GetFreqTableNameByCountryName(const std::string& countryName, FreqTableType type,
                                        AtscCableType cableType, std::string& name);
 
     /**
-     * Reads the map file anew. A country block without a name is skipped, a cable table of an
-     * unknown type or without text as well.
+     * Reads the map file again. Skips country blocks without a name, and cable tables with an
+     * unknown type or without text.
      *
-     * @return false, and no entries, when the file cannot be loaded
+     * @return false, with no entries left, if the file cannot be loaded
      */
     bool loadCountryFreqMapXML();
 

@@ -17,7 +17,7 @@ std::vector<_tv_country> CountryListParser::getCountryList(const std::string& pa
         countries.clear();
     }
     if (result != ReadResult::MISSING) {
-        // "Totol" is what the tools that read this log look for.
+        // Tools that read the log look for "Totol".
         ALOGD("Totol country count:%zu", countries.size());
     }
     return countries;

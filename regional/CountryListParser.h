@@ -8,37 +8,36 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Reads lists of countries and knows the countries' names.
+ * Reads lists of countries and has the countries' names.
  *
- * Each object has one table of names, to which a list's unknown names are added. A service has one
- * object for the process, see RegionalData. Called from RPC threads, any number at a time. Log tag:
- * "MlkProjectConfigs".
+ * Each object has its own table of names, to which it adds the unknown names of lists. A service
+ * has one object for the process, see RegionalData. Thread-safe. Log tag: "MlkProjectConfigs".
  */
 class CountryListParser {
   public:
     CountryListParser() = default;
-    /** That of the process. */
+    /** Returns the object of the process. */
     static CountryListParser& GetInstance();
     virtual ~CountryListParser() = default;
     CountryListParser(const CountryListParser&) = delete;
     CountryListParser& operator=(const CountryListParser&) = delete;
 
     /**
-     * Reads a country list: a name of kCountryNames a line, see readListFile. An unknown name, one
-     * with a blank or a carriage return behind it among them, counts as 0, silently.
+     * Reads a country list: one name of kCountryNames per line, see readListFile. An unknown name
+     * counts as 0 without a message; a name followed by a blank or a carriage return is unknown.
      *
      * @param path  the file, possibly in double quotes
-     * @return the countries in file order, one a line, repetitions kept; empty when there is no
-     *         such file or it cannot be read
+     * @return one country per line in file order, including repetitions; empty if the file is
+     *         missing or cannot be read
      */
     std::vector<_tv_country> getCountryList(const std::string& path);
 
     /**
-     * Name of a country. Country 0 has many once unknown names were read; the alphabetically first
-     * is given.
+     * Gives the name of a country. Unknown names that were read belong to country 0, which then has
+     * several; the alphabetically first one is given.
      *
-     * @param name  set to the name; untouched when the value has none
-     * @return false when the value has no name
+     * @param name  set to the name; untouched if the country has none
+     * @return false if the country has no name
      */
     bool getCountryName(_tv_country country, std::string& name) const;
 

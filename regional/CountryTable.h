@@ -10,17 +10,17 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * A country, as clients and files mean it: a position in kCountryNames. Any 32-bit number may come
- * from a client; one without a name is a country that nothing is known of.
+ * A country's value, see countryAt. A client may send any 32-bit number; nothing is configured for
+ * a value without a name.
  */
 enum _tv_country : int32_t {};
 
-/** No country has been chosen; "DEFAULT". */
+/** No country is chosen yet; "DEFAULT". */
 constexpr _tv_country kNoCountry{-1};
 
 /**
- * Every country by its name in files, in the order of the values. Values are stored on sets and
- * known to applications: a name never moves, and new ones come at the end.
+ * The names of all countries in files, in the order of their values. Sets store the values and
+ * applications know them: names never move, and new ones are appended.
  */
 // clang-format off
 constexpr std::array<std::string_view, 186> kCountryNames = {
@@ -53,7 +53,7 @@ constexpr std::array<std::string_view, 186> kCountryNames = {
 };
 // clang-format on
 
-/** Value of the country at a position of kCountryNames: from -1 on, leaving out 161. */
+/** Returns the value of the country at a position of kCountryNames: from -1 on, without 161. */
 constexpr _tv_country countryAt(size_t position) {
     constexpr int32_t kUnused = 161;
     const int32_t value = static_cast<int32_t>(position) - 1;
@@ -61,8 +61,8 @@ constexpr _tv_country countryAt(size_t position) {
 }
 
 /**
- * A table of the countries, for whoever needs one of its own: unknown names that one reader adds
- * must not turn up at another.
+ * Makes a table of the countries. Each reader has its own, because it adds unknown names to it that
+ * must not appear in another's.
  */
 NameTable countryNames();
 

@@ -22,7 +22,7 @@ namespace {
 constexpr size_t kPieceSize = 49;
 constexpr int32_t kDefaultBandwidth = 6000000;
 
-// "ATV}" has its brace in the files of every product; without it the word is a label.
+// The files of all products write "ATV}" with its brace; "ATV" is a label.
 constexpr auto kModulations = sortedByName(std::array<NamedValue, 24>{{
         {"UNKNOW", 0},    {"ATV}", 1},    {"OQPSK", 2},      {"VSB8", 3},        {"VSB16", 4},
         {"QAM_AUTO", 5},  {"QAM4", 6},    {"QAM16", 7},      {"QAM32", 8},       {"QAM64", 9},
@@ -31,8 +31,8 @@ constexpr auto kModulations = sortedByName(std::array<NamedValue, 24>{{
         {"ABS_AUTO", 20}, {"DVB_S", 21},  {"DVB_S2", 22},    {"DVB_S_AUTO", 23},
 }});
 
-// The next piece, up to its line feed, the limit or the end. Takes it off the text. A NUL byte ends
-// what can be seen of the piece, as in a fixed buffer.
+// Removes and returns the next piece: up to its line feed, the limit or the end. A NUL byte ends
+// the returned text, as in a fixed buffer.
 std::string_view takePiece(std::string_view& text) {
     std::string_view piece = text.substr(0, kPieceSize);
     const size_t lineFeed = piece.find('\n');
@@ -43,7 +43,7 @@ std::string_view takePiece(std::string_view& text) {
     return piece.substr(0, piece.find('\0'));
 }
 
-// The next column; empty when there is none. Takes it off the piece.
+// Removes and returns the next column; empty if there is none.
 std::string_view nextColumn(std::string_view& piece) {
     constexpr std::string_view kDelimiters = " ,\r\n";
     piece.remove_prefix(std::min(piece.find_first_not_of(kDelimiters), piece.size()));

@@ -6,22 +6,23 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Reads lists of languages. One for the process, without state of its own; called from RPC threads,
- * any number at a time. Log tag: "MlkProjectConfigs".
+ * Reads lists of languages. The process has one object; it has no state and is thread-safe. Log
+ * tag: "MlkProjectConfigs".
  */
 class LanguageListParser {
   public:
+    /** Returns the object of the process. */
     static LanguageListParser& GetInstance();
     virtual ~LanguageListParser() = default;
     LanguageListParser(const LanguageListParser&) = delete;
     LanguageListParser& operator=(const LanguageListParser&) = delete;
 
     /**
-     * Reads a language list, one language a line as readListFile has it; any text is a language.
+     * Reads a language list: one language per line, see readListFile. Any text is a language.
      *
      * @param path       the file, possibly in double quotes
-     * @param languages  what is read is appended, in file order; nothing when there is no such file
-     *                   or it cannot be read
+     * @param languages  the languages are appended in file order; untouched if the file is missing
+     *                   or cannot be read
      */
     void getLanguageList(const std::string& path, std::vector<std::string>& languages) const;
 

@@ -9,15 +9,16 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Reads a list file: one entry a line, which is the line up to its first comma; what follows is for
- * people. Empty lines are skipped, blanks and carriage returns belong to the entry. A line is at
- * most 255 bytes long; a longer one is cut. A file has at most kMostListBytes.
+ * Reads a list file with one entry per line. An entry ends at the first comma; the text after it is
+ * a comment. Commas at the start of a line are skipped. Empty lines are skipped; blanks and
+ * carriage returns belong to the entry. A line longer than 255 bytes is cut. A file has at most
+ * kMostListBytes.
  *
- * @param path  the file, possibly in double quotes; empty, or with a lone opening quote, it names
- *              no file
- * @param take  called with each entry, in file order
- * @return UNREADABLE when the entries are not all there, which may show after some of them: the
- *         caller drops those, because a part of a list is not the list
+ * @param path  the file, possibly in double quotes; an empty path or one with a lone opening quote
+ *              counts as missing
+ * @param take  called with each entry in file order
+ * @return UNREADABLE if not all entries could be read; `take` may have got some of them by then,
+ * and the caller must drop those
  */
 ReadResult readListFile(const std::string& path, const std::function<void(std::string_view)>& take);
 

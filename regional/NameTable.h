@@ -17,7 +17,7 @@ struct NamedValue {
     int32_t value = 0;
 };
 
-/** The rows in byte order of their names, which is how a NameTable wants them. */
+/** Returns the rows in byte order of their names, as a NameTable requires. */
 template <size_t N>
 constexpr std::array<NamedValue, N> sortedByName(std::array<NamedValue, N> rows) {
     for (size_t end = 1; end < N; ++end) {
@@ -32,36 +32,37 @@ constexpr std::array<NamedValue, N> sortedByName(std::array<NamedValue, N> rows)
 }
 
 /**
- * Names and what they stand for: fixed rows, and the unknown names that files brought along.
+ * Maps names to values: fixed rows, and unknown names that were found in files.
  *
- * A file may name a country or a modulation that this software does not know. Such a name counts as
- * 0 and belongs to the table from then on, for as long as the process lives: it is found, and it
- * takes part in the order of names. Each is kept once, and no more than kMostAdded of them, so that
- * no file and no number of readings makes the process grow without bound.
+ * A file may name a country or a modulation that this software does not know. Such a name gets the
+ * value 0 and stays in the table until the process ends: find() and firstNameOf() know it. The
+ * table keeps each name once and at most kMostAdded of them, so that no file makes the process grow
+ * without bound.
  *
- * Any operation from any thread at any time; a name of the fixed rows takes no lock.
+ * Thread-safe; looking up a name of the fixed rows takes no lock.
  */
 class NameTable {
   public:
+    /** Limit of added names; further unknown names have the value 0 but are not kept. */
     static constexpr size_t kMostAdded = 4096;
 
-    /** @param rows  in byte order of their names; have to outlive the table */
+    /** @param rows  in byte order of their names; must outlive the table */
     template <size_t N>
     explicit NameTable(const std::array<NamedValue, N>& rows) : mRows(rows.data()), mCount(N) {}
     NameTable(const NameTable&) = delete;
     NameTable& operator=(const NameTable&) = delete;
 
-    /** Value of a name. An unknown one is added with the value 0. */
+    /** Returns the value of a name. Adds an unknown name with the value 0. */
     int32_t valueOf(std::string_view name);
 
-    /** Value of a name, added ones included; nothing, and no addition, when it is unknown. */
+    /** Returns the value of a fixed or added name; nothing if the name is unknown. */
     std::optional<int32_t> find(std::string_view name) const;
 
     /**
-     * The first name in byte order that has a value.
+     * Gives the first name in byte order that has a value.
      *
-     * @param name  set to it; untouched when no name has the value
-     * @return false when no name has the value
+     * @param name  set to the name; untouched if no name has the value
+     * @return false if no name has the value
      */
     bool firstNameOf(int32_t value, std::string& name) const;
 

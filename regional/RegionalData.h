@@ -13,27 +13,31 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * What the regional files of one set share from one reading to the next: the names that they
- * brought along, and the frequency map.
+ * What readers of one set's regional files keep from one call to the next: unknown names and the
+ * frequency map.
  *
- * A service has one for the process (GetInstance). A program that looks at several sets makes one
- * for each. Each part guards itself; calls may come from any number of threads.
+ * A service has one object for the process (GetInstance). A program that inspects several sets
+ * makes one for each. All members are thread-safe.
  */
 class RegionalData {
   public:
-    /** @param partitions  gives the set's mount points whenever a default folder is needed */
+    /** @param partitions  returns the set's mount points; called when a default folder is needed */
     explicit RegionalData(std::function<Partitions()> partitions)
         : plans(std::move(partitions), countries) {}
     RegionalData(const RegionalData&) = delete;
     RegionalData& operator=(const RegionalData&) = delete;
 
-    /** That of the process, on the partitions of the process. */
+    /** Returns the object of the process, which uses systemPartitions(). */
     static RegionalData& GetInstance();
 
-    CountryListParser countries;                   ///< country lists, and names of countries
-    NameTable tvSystemCountries = countryNames();  ///< countries of the TV system maps
-    NameTable modulations = FreqTableParser::knownModulations();  ///< modulations of channel plans
-    CountryFreqMapParse plans;  ///< which channel plan a country has
+    /** Reads country lists and has the names of countries. */
+    CountryListParser countries;
+    /** Countries of TV system maps. */
+    NameTable tvSystemCountries = countryNames();
+    /** Modulations of frequency tables. */
+    NameTable modulations = FreqTableParser::knownModulations();
+    /** Finds the frequency table of a country. */
+    CountryFreqMapParse plans;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -33,7 +33,7 @@ ReadResult readTextFile(const std::string& path, std::string& text) {
     if (file.size() > kMostListBytes) {
         return unreadable(path, largerThan(kMostListBytes));
     }
-    // A file can grow, and some of the kernel's own claim to have no size.
+    // Reads to the end: a file can grow, and some files of the kernel report size 0.
     std::string content;
     size_t filled = 0;
     ssize_t count = 0;

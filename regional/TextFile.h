@@ -4,19 +4,18 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** How reading a file ended. */
+/** The result of reading a file. */
 enum class ReadResult {
     DONE,
-    MISSING,     // nothing has that path
-    UNREADABLE,  // not a regular file, no permission, more than kMostListBytes, an error on the way
+    MISSING,     // the path does not exist
+    UNREADABLE,  // not a regular file, no permission, too large, or a read error
 };
 
 /**
- * Reads a whole file, of at most kMostListBytes. Only a regular one is opened, so that no FIFO or
- * device under a configured path can hold the caller up. The log says why a file is unreadable.
- * From any thread.
+ * Reads a whole file of at most kMostListBytes. Refuses anything but a regular file, so that no
+ * FIFO or device can block the caller. Logs why a file is unreadable. Thread-safe.
  *
- * @param text  set to the content; untouched unless it is all there
+ * @param text  set to the content if the result is DONE; untouched otherwise
  */
 ReadResult readTextFile(const std::string& path, std::string& text);
 

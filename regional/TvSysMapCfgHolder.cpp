@@ -40,7 +40,7 @@ ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country 
     } else {
         mCountryIdx = country;
     }
-    // Of two items of one name the first counts: the country's own file goes before an item of the
+    // The first item of a name counts: the country's own file takes precedence over an item of the
     // TV system.
     const std::string tvConfig = getTvConfigFilePath(mCountryIdx);
     if (!tvConfig.empty()) {
@@ -48,7 +48,7 @@ ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country 
     }
     const std::string tvSysName = getTvSysName(mCountryIdx);
     for (const TvSysToConfigMap& system : mTvSysToConfigMap) {
-        // A country without a TV system must not pick up one without a name.
+        // A country without a TV system must not match a TV system with an empty name.
         if (tvSysName.empty() || system.tvSysName != tvSysName) {
             continue;
         }
@@ -123,8 +123,8 @@ _tv_country TvSysMapCfgHolder::currentCountry() const {
     return mCountryIdx;
 }
 
-// The first record whose name contains the country's, not the one that equals it: products order
-// their maps by that.
+// The first record whose name contains the country's, even if another one equals it: products order
+// their maps accordingly.
 const CoutryTvConfigMap* TvSysMapCfgHolder::recordOf(_tv_country country) const {
     const std::string name = getCountryName(country);
     if (name.empty()) {

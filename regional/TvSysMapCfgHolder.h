@@ -15,13 +15,13 @@ class XMLElement;
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** A TV system and the items that a set in one of its countries has. */
+/** A TV system and the configuration items of sets in its countries. */
 struct TvSysToConfigMap {
     std::string tvSysName;
     ItemStore configs;
 };
 
-/** What the country map says of one country. */
+/** The record of one country in the country map. */
 struct CoutryTvConfigMap {
     std::string countryName;
     std::string tvSysName;
@@ -29,7 +29,7 @@ struct CoutryTvConfigMap {
 };
 
 /**
- * Turns the country that a set stands in into configuration items, and keeps that country.
+ * Derives configuration items from the country of a set, and saves that country.
  *
  * The TV system file names the country map and lists the items of each TV system:
  *
@@ -40,7 +40,7 @@ struct CoutryTvConfigMap {
  *         </TvSystem>
  *     </TvSystemConfigration>
  *
- * The country map has one element a country at its top:
+ * The country map has one top-level element for each country:
  *
  *     <COUNTRY_TVCONFIG_MAP>
  *         <COUNTRY_NAME>SWEDEN</COUNTRY_NAME>
@@ -48,25 +48,25 @@ struct CoutryTvConfigMap {
  *         <TV_CONFIG>/tvconfigs/tv/tv_eu.config</TV_CONFIG>
  *     </COUNTRY_TVCONFIG_MAP>
  *
- * Of two items of one TV system with the same category and key the first counts, as of two TV
- * systems with the same name.
+ * If items have the same category and key, the first counts, within a TV system and across TV
+ * systems of the same name.
  *
- * Beware: a country takes the first record whose name contains its own. OMAN has to stand before
- * ROMANIA. The country of the first record is the one that a new set starts with.
+ * Beware: a country has the first record whose name contains its own name, so that OMAN must
+ * precede ROMANIA. A new set starts with the country of the first record.
  *
- * The chosen country is the line "COUNTRY_ID=<value>" of "tvsysmap/country_id.bin" in the tvdata
- * partition. That file is overwritten in place (see saveFile): a set that loses power has the old
- * country or the new one.
+ * The chosen country is saved as the line "COUNTRY_ID=<value>" of "tvsysmap/country_id.bin" in the
+ * tvdata partition. That file is overwritten in place (see saveFile): a set that loses power has
+ * either the old or the new country.
  *
- * Made for one call and dropped after it, so that changed files are seen: one thread at a time. All
- * holders of the process take turns at the saved country's file. Log tag: "MlkProjectConfigs"; the
- * line numbers in messages are fixed.
+ * Made for one call, so that the next call sees changed files; one thread at a time. A lock of the
+ * process guards the file of the saved country. Log tag: "MlkProjectConfigs"; LogLines.h has the
+ * line numbers of messages.
  */
 class TvSysMapCfgHolder {
   public:
     /**
      * @param partitions  the set's mount points
-     * @param properties  decide whether what is loaded is dumped; must outlive the holder
+     * @param properties  decide whether loaded data is logged; must outlive the holder
      * @param data        has the names of countries, to which unknown ones are added; must outlive
      *                    the holder
      */
@@ -76,72 +76,72 @@ class TvSysMapCfgHolder {
     TvSysMapCfgHolder& operator=(const TvSysMapCfgHolder&) = delete;
 
     /**
-     * The items of a country: those of its TV system, and its TV feature file as "TvConfig" of
-     * "[LiveTV]", which wins over an item of the TV system for the same key. Loads what is not
-     * loaded yet.
+     * Returns the items of a country: those of its TV system, and its TV feature file as "TvConfig"
+     * of "[LiveTV]", which takes precedence over the TV system's item. Loads the files if
+     * necessary.
      *
      * @param xmlFile  the TV system file
-     * @param country  the country; kNoCountry for the saved one. On a set that has none yet the
-     *                 first country of the map is saved.
-     * @return the items; empty when the TV system file cannot be loaded or no country is known
+     * @param country  the country; kNoCountry for the saved one. If no country is saved yet, saves
+     *                 the first country of the map.
+     * @return the items; empty if the TV system file cannot be loaded or there is no country
      */
     ItemStore getConfigs(const std::string& xmlFile, _tv_country country);
 
     /**
-     * Loads the TV system file. A TV system without "type" and an item without "category", "key" or
-     * "value" are skipped, and the log says where. Values that begin with "/tvconfigs" or "/tvdata"
-     * name files of these partitions, see patchToTargetBoardPath.
+     * Loads the TV system file. Skips TV systems without "type" and items without "category", "key"
+     * or "value", and logs where they are. Moves paths to the partitions, see
+     * patchToTargetBoardPath.
      *
-     * @return false, with nothing changed, when it cannot be loaded
+     * @return false, with nothing changed, if the file cannot be loaded
      */
     bool loadConfigXmlFile(const std::string& xmlFile);
 
     /**
-     * Loads the country map that the TV system file names. A record without a country name is
-     * skipped; an unknown country counts as country 0.
+     * Loads the country map that the TV system file names. Skips records without a country name; an
+     * unknown country counts as country 0.
      *
-     * @return false, with nothing changed, when no map is named or it cannot be loaded
+     * @return false, with nothing changed, if no map is named or it cannot be loaded
      */
     bool loadCountryTvConfigMapXML();
 
     /**
-     * Reads the saved country; kNoCountry when the file has none. On a set without the file the
-     * first country of the loaded map is taken, and saved.
+     * Reads the saved country; kNoCountry if the file has none. If the file is missing, takes and
+     * saves the first country of the loaded map.
      */
     void parseCountryId();
 
-    /** Saves the country and brings it to storage. @return false for kNoCountry, or on failure */
+    /** Saves the country and brings it to storage. @return false for kNoCountry and on failure */
     bool saveCountryId(_tv_country country);
 
-    /** TV system of a country; empty when the map has no record for it. */
+    /** Returns the TV system of a country; empty if the map has no record of it. */
     std::string getTvSysName(_tv_country country) const;
 
-    /** TV feature file of a country as the map has it; empty when the map has no record for it. */
+    /** Returns the TV feature file of a country as in the map; empty without a record. */
     std::string getTvConfigName(_tv_country country) const;
 
-    /** Path of that file; empty when there is none or it does not lie below "/tvconfigs". */
+    /** Returns the path of that file; empty if there is none or it is not below "/tvconfigs". */
     std::string getTvConfigFilePath(_tv_country country) const;
 
-    /** Name of a country; empty for a value without one. */
+    /** Returns the name of a country; empty if it has none. */
     std::string getCountryName(_tv_country country) const;
 
-    /** The folder of "country_id.bin", no "/" at its end. */
+    /** Returns the folder of "country_id.bin", without a "/" at the end. */
     std::string getCountryBinFolderPath() const;
 
-    /** The value with a leading "/tvconfigs" or "/tvdata" replaced by that partition's path. */
+    /** Replaces a leading "/tvconfigs" or "/tvdata" by the path of that partition. */
     std::string patchToTargetBoardPath(const std::string& value) const;
 
-    /** True when something has that path; logged when not. */
+    /** True if the path exists; logs if it does not. */
     static bool isFileExist(const std::string& path);
 
     /**
-     * Log what is loaded, when the property "persist.vendor.mlk.tvsysmap.debug" is a number of at
+     * Log the loaded data if the property "persist.vendor.mlk.tvsysmap.debug" is a number of at
      * least 1.
      */
     void dumpConfigXmlFile() const;
     void dumpTvConfigMap() const;
 
-    /** The country in use; kNoCountry while it is not known. */
+    /** Returns the country in use; kNoCountry until there is one. */
     _tv_country currentCountry() const;
 
   private:

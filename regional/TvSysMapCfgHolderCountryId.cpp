@@ -24,7 +24,7 @@ constexpr const char* kKeyword = "COUNTRY_ID";
 constexpr size_t kBufferSize = 256;
 constexpr mode_t kFolderMode = 0700;
 
-// Holders are made for one call each, but there is one file: they take turns.
+// Guards the file, which all holders of the process share.
 std::mutex& fileMutex() {
     static std::mutex mutex;
     return mutex;
@@ -34,7 +34,7 @@ std::string filePath(const std::string& folder) {
     return folder + "/country_id.bin";
 }
 
-// Makes sure that the folder is there; function and line belong to the message.
+// Creates the folder if it is missing; function and line are those of the message.
 void createFolder(const std::string& folder, const char* function, int line) {
     if (TvSysMapCfgHolder::isFileExist(folder)) {
         return;
@@ -50,8 +50,7 @@ std::string lineOf(_tv_country country) {
     return std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n";
 }
 
-// Logs what became of the file; function and line belong to the message of one that cannot be
-// opened.
+// Logs a failure; function and line are those of the message for a file that cannot be opened.
 void complain(const std::string& path, Saved saved, const char* function, int line) {
     const std::string reason = std::generic_category().message(errno);
     if (saved == Saved::NOT_OPENED) {
@@ -103,12 +102,11 @@ void TvSysMapCfgHolder::readCountryId(const std::string& path) {
 }
 
 void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
-    // Without a country to save the file stays away, so that a later start, with its map, saves
-    // one.
+    // Without a map no file is created, so that a later start with a map saves its first country.
     if (mCountryList.empty()) {
         return;
     }
-    // Not saveFile: a file that merely cannot be seen now holds the country of this set.
+    // Not saveFile: a file that is only inaccessible now has the country of this set.
     const Saved saved = createFile(path, lineOf(mCountryList.front()));
     complain(path, saved, "parseCountryId", log_line::kIdNotWritten);
     if (saved != Saved::NOT_OPENED) {

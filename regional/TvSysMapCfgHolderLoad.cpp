@@ -1,4 +1,4 @@
-// The two XML files of TvSysMapCfgHolder, and the paths in them.
+// How TvSysMapCfgHolder loads its two XML files and moves the paths in them.
 
 #define LOG_TAG "MlkProjectConfigs"
 
@@ -22,7 +22,7 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-// Text of an element of a country block; empty, with a message, when there is no such element.
+// Text of an element of a country block; empty, and logged, if there is no such element.
 std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
                             const char* function, int line, const char* complaint) {
     if (block.FirstChildElement(element) == nullptr) {
@@ -112,7 +112,8 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
 }
 
 void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
-    constexpr const char* kFunction = "loadCountryTvConfigMapXML";  // whose messages these are
+    constexpr const char* kFunction =
+            "loadCountryTvConfigMapXML";  // the function that the messages name
     const char* const countryName = textOfChild(block, "COUNTRY_NAME");
     if (countryName == nullptr) {
         ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
@@ -144,8 +145,8 @@ std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) 
     return value;
 }
 
-// Replaces everything up to "/tvconfigs" and that by the partition's path: files are moved between
-// products whose partitions lie elsewhere. False when the path does not contain it.
+// Replaces everything up to and including "/tvconfigs" by the partition's path, because files are
+// copied between products with other mount points. False if the path does not contain "/tvconfigs".
 bool TvSysMapCfgHolder::moveToTvconfigs(std::string& path) const {
     const size_t at = path.find(kTvconfigs);
     if (at == std::string::npos) {

@@ -13,25 +13,25 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-// TinyXML-2 compares an attribute with all those before it in its element, and looks for the end of
-// a character reference up to the end of its text. Both grow with the square of the number; within
-// these limits a file of the largest size still loads in seconds.
+// TinyXML-2 compares an attribute with all preceding ones of its element, and searches the rest of
+// a text for the end of a character reference. Both take quadratic time; within these limits a file
+// of the largest size loads in seconds.
 constexpr size_t kMostAttributes = 256;
 constexpr size_t kMostReferences = 4096;
 
-// Moves behind the next occurrence of a mark, or to the end of the text.
-void skipBehind(std::string_view text, size_t& at, std::string_view mark) {
+// Moves `at` past the next occurrence of `mark`, or to the end of the text.
+void skipPast(std::string_view text, size_t& at, std::string_view mark) {
     const size_t found = text.find(mark, at);
     at = found == std::string_view::npos ? text.size() : found + mark.size();
 }
 
-// Counts the attributes of the tag that begins at a position, and moves behind it.
+// Counts the attributes of the tag that begins at `at`, and moves `at` past it.
 size_t attributesOfTag(std::string_view text, size_t& at) {
     size_t count = 0;
     while (at < text.size() && text[at] != '>') {
         const char symbol = text[at++];
         if (symbol == '"' || symbol == '\'') {
-            skipBehind(text, at, std::string_view(&symbol, 1));
+            skipPast(text, at, std::string_view(&symbol, 1));
             ++count;
         }
     }
@@ -51,7 +51,7 @@ size_t mostAttributes(std::string_view text) {
                 [&](const Skipped& s) { return text.compare(at, s.begin.size(), s.begin) == 0; });
         if (skipped != std::end(kSkipped)) {
             at += skipped->begin.size();
-            skipBehind(text, at, skipped->end);
+            skipPast(text, at, skipped->end);
         } else {
             most = std::max(most, attributesOfTag(text, at));
         }

@@ -7,21 +7,21 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * An XML file, loaded whole: entities are resolved, blanks and line breaks of texts are kept. One
- * thread at a time.
+ * An XML file, loaded completely. Entities are resolved; blanks and line breaks in texts are kept.
+ * One thread at a time.
  *
- * What the configuration names is not trusted to be ours: beside what readTextFile refuses, a file
- * is refused that only its size in attributes or character references makes expensive to load.
+ * A configured path may lead to any file. Besides those that readTextFile refuses, a file is
+ * refused if it has so many attributes or character references that loading it would take long.
  */
 class XmlFile {
   public:
-    /** Loads the file; error() tells whether that worked. The log says where a file is broken. */
+    /** Loads the file; error() tells whether that succeeded. Logs where a file is malformed. */
     explicit XmlFile(const std::string& path);
 
-    /** TinyXML-2's name of the loading error; null when the file is loaded. */
+    /** Returns TinyXML-2's name of the loading error; null if the file is loaded. */
     const char* error() const;
 
-    /** The first element at the top that has this name; null when there is none. */
+    /** Returns the first top-level element of this name; null if there is none. */
     const tinyxml2::XMLElement* first(const char* name) const;
 
   private:
@@ -31,10 +31,10 @@ class XmlFile {
     const tinyxml2::XMLError mError;
 };
 
-/** Text of the first child element of that name; null when there is no child or it has no text. */
+/** Returns the text of the first child element of that name; null without a child or a text. */
 const char* textOfChild(const tinyxml2::XMLElement& parent, const char* name);
 
-/** The text, or an empty one for null. */
+/** Returns the text; an empty one for null. */
 inline const char* orEmpty(const char* text) {
     return text != nullptr ? text : "";
 }

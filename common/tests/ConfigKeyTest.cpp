@@ -39,7 +39,7 @@ TEST(ConfigKeyTest, EqualityIsByteForByte) {
     EXPECT_TRUE(equal(ConfigKey("[A]", "k"), ConfigKey("[A]", "k")));
     EXPECT_FALSE(equal(ConfigKey("[A]", "k"), ConfigKey("[A]", "K")));
     EXPECT_FALSE(equal(ConfigKey("[LiveTV]", "k"), ConfigKey("LiveTV", "k")));
-    // The border between category and key counts.
+    // The same bytes, divided differently between category and key.
     EXPECT_FALSE(equal(ConfigKey("ab", "c"), ConfigKey("a", "bc")));
 }
 

@@ -8,7 +8,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-// Things whose names are their numbers, in an index that knows `hashes` different hashes.
+// Entries with numbers as names, in an index whose hash function has `hashes` different values.
 class Things {
   public:
     explicit Things(uint32_t hashes) : mHashes(hashes) {}
@@ -47,7 +47,7 @@ TEST(HashIndexTest, EmptyIndexHasNothing) {
 }
 
 TEST(HashIndexTest, FindsEachByItsName) {
-    // From a hash for each to one for all.
+    // From a different hash for each entry to the same one for all.
     for (const uint32_t hashes : {UINT32_MAX, 1000U, 7U, 1U}) {
         Things things(hashes);
         for (uint32_t name = 0; name < 2000; ++name) {

@@ -25,7 +25,7 @@ thread_local ptrdiff_t sAllocated = 0;
 
 }  // namespace
 
-// Those of this program count what a thread has of memory.
+// Replaces the operators of this program to count the memory of each thread.
 void* operator new(size_t size) {
     void* const memory = malloc(size);
     if (memory == nullptr) {
@@ -45,7 +45,7 @@ void operator delete(void* memory, size_t /* size */) noexcept {
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-/** How much more memory this thread has than when the object was made. */
+/** Bytes that this thread has allocated and not freed since the object was made. */
 class Allocated {
   public:
     ptrdiff_t kept() const { return sAllocated - mBefore; }
@@ -158,7 +158,7 @@ TEST(ItemStoreTest, WalksInTheOrderOfConfigKey) {
 }
 
 TEST(ItemStoreTest, LongTextsComeByTheirLengthFirst) {
-    // The longer, the lower it begins: an order by how they begin is the other way round.
+    // The longer a text, the lower its first byte: sorting by first bytes would reverse the order.
     const size_t sizes[] = {255, 256, 300, 65'533, 65'534, 65'535, 65'536, 70'000, 200'000};
     ItemStore store;
     char start = 'z';
@@ -229,7 +229,7 @@ TEST(ItemStoreTest, ClearedStoreUsesItsMemoryAgain) {
         store.clear();
         fill();
     }
-    // Each walk sorts in memory that it gives back; the store itself takes no more.
+    // A walk frees the memory that it sorts in; the store itself needs no more.
     EXPECT_EQ(afterFirst.kept(), 0);
 }
 

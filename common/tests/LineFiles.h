@@ -30,7 +30,7 @@ inline std::vector<std::string> linesOf(const std::string& path, size_t bufferSi
     return lines;
 }
 
-// The rules once more, written down plainly.
+// A second, plain implementation of the rules.
 inline std::vector<std::string> expectedLines(std::string text) {
     std::vector<std::string> lines;
     while (!text.empty()) {
@@ -42,7 +42,7 @@ inline std::vector<std::string> expectedLines(std::string text) {
     return lines;
 }
 
-// Lines of many lengths, most of them short.
+// Lines of many lengths, few of them huge.
 inline std::string randomText(std::mt19937& random, size_t lines) {
     const size_t lengths[] = {0, 1, 2, 100, 254, 255, 256, 257, 600, 40000};
     std::string text;

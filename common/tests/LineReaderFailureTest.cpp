@@ -24,7 +24,7 @@ using namespace std::string_literals;
 class LineReaderFailureTest : public LineReaderTest {};
 
 TEST_F(LineReaderFailureTest, FailureEndsTheLinesAndIsReportedOnce) {
-    // A regular file that opens, but whose bytes cannot be read.
+    // A regular file that can be opened but not read.
     const std::string unreadable = "/proc/self/mem";
     LineReader reader(unreadable, kBufferSize, kTag);
     std::string_view line;
@@ -102,7 +102,7 @@ TEST_F(LineReaderFailureTest, InterruptedReadIsRepeated) {
 }
 
 TEST_F(LineReaderFailureTest, NulOfAnEarlierReadEndsItsLine) {
-    // The NUL is read together with the line before, and the end of its line without a further one.
+    // One read gives the NUL and the line before it; a later one gives the end of its line.
     const std::string file = mDir.write("file", "a\nb\0c"s + "d\ne\n");
     ReadHook hook([](int descriptor, void* bytes, size_t size) {
         return ReadHook::read(descriptor, bytes, ReadHook::calls() == 1 ? 5 : size);
@@ -178,7 +178,7 @@ TEST_F(LineReaderLimitTest, SkippedBytesCount) {
 }
 
 TEST_F(LineReaderLimitTest, FileWithoutAnEndIsRefused) {
-    // A regular file of no size, with eight bytes for each page that a process could have.
+    // A regular file of size 0 that has eight bytes for each page of the address space.
     const std::string endless = "/proc/self/pagemap";
     if (access(endless.c_str(), R_OK) != 0) {
         GTEST_SKIP() << "this kernel shows no such file";

@@ -66,7 +66,7 @@ TEST_F(LineReaderTest, LimitFollowsTheBufferSize) {
                 ElementsAre(std::string(1023, 'x'), std::string(1023, 'y')));
     EXPECT_THAT(errors(),
                 ElementsAre(path() + ":2: line longer than 1023 bytes, its rest is skipped"));
-    // A buffer beyond one chunk of the file.
+    // A buffer larger than one chunk.
     const std::string big(100000, 'z');
     EXPECT_THAT(linesOf(mDir.write("file", big + "\nend"), 100001), ElementsAre(big, "end"));
     EXPECT_THAT(linesOf(mDir.write("file", big + big + "\nend"), 100001), ElementsAre(big, "end"));

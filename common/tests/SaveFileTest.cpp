@@ -29,7 +29,7 @@ using ::testing::ElementsAre;
 
 class SaveFileTest : public ::testing::Test {
   protected:
-    // Strictest: what is created would be nobody else's.
+    // The strictest umask: a created file would be accessible to the owner only.
     SaveFileTest() : mFormerMask(umask(077)) {}
     ~SaveFileTest() override { umask(mFormerMask); }
 

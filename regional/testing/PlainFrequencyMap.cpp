@@ -6,7 +6,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
 namespace {
 
-// By what a TYPE begins with; false for what is none.
+// Parses TYPE by its first characters; false if it is unknown.
 bool cableTypeOf(const char* text, AtscCableType& type) {
     const std::string word = text != nullptr ? text : "AUTO";
     if (word.substr(0, 4) == "AUTO") {

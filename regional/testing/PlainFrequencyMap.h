@@ -8,12 +8,13 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
-/** A "country_freq_map.xml", its rules written down one after the other, for tests. */
+/** A second, plain implementation of "country_freq_map.xml", for tests. */
 class FrequencyMap {
   public:
+    /** Reads the file; one that cannot be loaded has no tables. */
     explicit FrequencyMap(const std::string& path);
 
-    /** Name of the table that the file gives a country; empty without one. */
+    /** Returns the name of a country's table; empty if it has none. */
     std::string table(const std::string& country, FreqTableType type,
                       AtscCableType cableType) const;
 

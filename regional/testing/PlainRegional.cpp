@@ -11,7 +11,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
 namespace {
 
-// The first token of the text from a place on, as strtok has it; moves the place behind it.
+// Returns the next token as strtok does, and moves `at` past it.
 std::string token(const std::string& text, size_t& at, const char* delimiters) {
     while (at < text.size() && strchr(delimiters, text[at]) != nullptr) {
         ++at;
@@ -23,7 +23,7 @@ std::string token(const std::string& text, size_t& at, const char* delimiters) {
     return result;
 }
 
-// As fgets hands them out to a buffer of that size: with their line feed, or cut.
+// The pieces that fgets returns with a buffer of that size: each ends with its line feed or is cut.
 std::vector<std::string> pieces(const std::string& text, size_t bufferSize) {
     std::vector<std::string> result;
     bool isNew = true;
@@ -41,7 +41,7 @@ std::string textOf(const char* text) {
     return text != nullptr ? text : "";
 }
 
-// The path with everything up to "/tvconfigs" replaced; empty when it has none.
+// The path with everything up to "/tvconfigs" replaced; empty if it does not contain that.
 std::string moved(const std::string& path, const std::string& tvconfigs) {
     const char* const found = strstr(path.c_str(), "/tvconfigs");
     return found != nullptr ? tvconfigs + (found + strlen("/tvconfigs")) : "";

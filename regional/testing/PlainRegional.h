@@ -8,41 +8,43 @@
 #include <utility>
 #include <vector>
 
-/** The regional formats, their rules written down one after the other, for tests. */
+/* A second, plain implementation of the regional formats, for tests. */
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
 
-/** Entries of a list file of that text. */
+/** Returns the entries of a list file with that text. */
 std::vector<std::string> listEntries(const std::string& text);
 
-/** A table of names to which looking up an unknown name adds it, with the value 0. */
+/** A table of names; looking up an unknown name adds it with the value 0. */
 using Names = std::map<std::string, int32_t>;
 
+/** Returns all known countries. */
 Names countries();
 
-/** The name of a value that comes first; empty when there is none. */
+/** Returns the first name of a value; empty if it has none. */
 std::string firstNameOf(const Names& names, int32_t value);
 
+/** Returns all known modulations. */
 Names modulations();
 
-/** Channels of a frequency table of that text. Adds unknown modulations to the table. */
+/** Returns the channels of a frequency table with that text; adds unknown modulations. */
 std::vector<HidlFreqListItem> channels(const std::string& text, Names& modulations);
 
-/** Category and key, then value. */
+/** Maps category and key to the value. */
 using Items = std::map<std::pair<std::string, std::string>, std::string>;
 
-/** The country that a "country_id.bin" of that text holds; -1 without one. */
+/** Returns the country in a "country_id.bin" with that text; -1 if there is none. */
 int32_t countryIdOf(const std::string& text);
 
-/** A TV system file and a country map as they are on disk. */
+/** A TV system file and its country map. */
 struct TvSystems {
-    /** Names of XML files, and the mount points that stand in for "/tvconfigs" and "/tvdata". */
+    /** Path of the TV system file, and the mount points of the partitions. */
     std::string systemFile;
     std::string tvconfigs;
     std::string tvdata;
 
-    /** What a country that is not the default one has. Adds the map's unknown countries. */
+    /** Returns the items of a country other than kNoCountry; adds the map's unknown countries. */
     Items itemsOf(int32_t country, Names& countries) const;
-    /** Value of the country that comes first in the map; -1 without one. */
+    /** Returns the value of the map's first country; -1 if there is none. */
     int32_t firstCountry(Names& countries) const;
 
   private:

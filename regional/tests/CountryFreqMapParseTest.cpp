@@ -28,7 +28,7 @@ std::string block(const std::string& country, const std::string& rest) {
 
 class CountryFreqMapParseTest : public ::testing::Test, protected RegionalFiles {
   protected:
-    // The table's name, or what stands for a refusal.
+    // The table's name, or the text for a refusal.
     std::string lookUp(_tv_country country, FreqTableType type,
                        AtscCableType cableType = AtscCableType::AUTO,
                        const std::string& path = "") {

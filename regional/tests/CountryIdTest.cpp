@@ -63,7 +63,7 @@ class CountryIdTest : public ::testing::Test, protected TvSysMapFiles {
         mHolder.parseCountryId();
         return mHolder.currentCountry();
     }
-    // Puts something in the place of the folder that lets no file be created in it.
+    // Replaces the folder by something in which no file can be created.
     void blockFolder() const { set().dir().write("tvdata/tvsysmap", "a file"); }
 
     const mode_t mFormerMask;

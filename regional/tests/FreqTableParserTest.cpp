@@ -50,7 +50,7 @@ class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
     static bool list(FreqTableType type, std::vector<HidlFreqListItem>& items) {
         return processParser().GetTableList("", kUsa, type, AtscCableType::AUTO, items);
     }
-    // The lines of the log after those of the country map, each with its level.
+    // The log lines after those of the country map, each with its priority.
     std::vector<std::string> parserLines() const {
         std::vector<std::string> lines;
         for (const std::string& line : log().brief()) {
@@ -153,7 +153,7 @@ TEST_F(FreqTableParserTest, AnUnknownModulationIsKnownFromThenOn) {
 }
 
 TEST_F(FreqTableParserTest, ALongLineIsReadInPiecesOf49) {
-    // 49 characters, then a piece of its own.
+    // The first piece has 49 characters; the rest is the second.
     const std::string first = "1 2 3 ABCD QAM64 " + std::string(32, 'x');
     ASSERT_EQ(first.size(), 49U);
     EXPECT_THAT(parse(first + "4 5 6 EFGH\n7 8 9\n"),

@@ -19,9 +19,9 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** What the process keeps from one reading to the next, for tests. */
+/** Gives tests access to the process's RegionalData. */
 struct RegionalPeer {
-    /** Puts it back to how a process starts with it. */
+    /** Restores the state at the start of a process. */
     static void forget() {
         for (NameTable* const table : tables()) {
             const std::lock_guard<std::shared_mutex> lock(table->mMutex);
@@ -32,7 +32,7 @@ struct RegionalPeer {
         map.mCoutryFreqMap.clear();
         map.mTvConfigPath.clear();
     }
-    /** How many unknown names all tables together have taken in. */
+    /** The number of unknown names in all tables. */
     static size_t addedNames() {
         size_t count = 0;
         for (NameTable* const table : tables()) {
@@ -54,17 +54,17 @@ struct RegionalPeer {
     }
 };
 
-/** A holder on the set of the process. */
+/** Makes a holder on the set of the process. */
 inline TvSysMapCfgHolder processHolder() {
     return {systemPartitions(), systemProperties(), RegionalData::GetInstance()};
 }
 
-/** A parser on what the process has read. */
+/** Makes a parser on the RegionalData of the process. */
 inline FreqTableParser processParser() {
     return FreqTableParser(RegionalData::GetInstance());
 }
 
-/** A set of its own with regional files, and what is logged while they are read. */
+/** A set with regional files, and the log of reading them. */
 class RegionalFiles {
   public:
     RegionalFiles() { RegionalPeer::forget(); }
@@ -76,7 +76,7 @@ class RegionalFiles {
     std::string write(const std::string& name, const std::string& text) const {
         return mSet.dir().write("tvconfigs/" + name, text);
     }
-    /** Writes the frequency map that consists of these blocks. */
+    /** Writes a frequency map of these blocks. */
     std::string writeFreqMap(const std::string& blocks) const {
         return write("freqtables/country_freq_map.xml", blocks);
     }

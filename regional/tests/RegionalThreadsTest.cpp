@@ -31,7 +31,7 @@ class RegionalThreadsTest : public ::testing::Test, protected TvSysMapFiles {
             write(std::string(folder) + "/dtv/air", "2 6000000 57000 2 ODD\n3 0 63000 3 VSB8\n");
         }
     }
-    // Every reader once; the number of wrong answers.
+    // Calls every reader once and returns the number of wrong answers.
     int readAll(int id, bool byName = true) const {
         int wrong = 0;
         CountryListParser& parser = CountryListParser::GetInstance();

@@ -46,7 +46,7 @@ class SampleMapsTest : public ::testing::Test, protected TvSysMapFiles {
 
     std::string path(const std::string& name) const { return set().tvconfigs() + "/" + name; }
 
-    // The items of a model file, each as "[SECTION] key", with their values.
+    // Maps "[SECTION] key" to the value for all items of a model file.
     std::map<std::string, std::string> modelItems(const std::string& model) const {
         std::map<std::string, std::string> items;
         std::ifstream file(path("model/" + model + ".ini"));
@@ -66,7 +66,7 @@ class SampleMapsTest : public ::testing::Test, protected TvSysMapFiles {
         return items;
     }
 
-    // Texts of the same element in all blocks of a map, in file order.
+    // Texts of an element in all blocks of a map, in file order.
     std::vector<std::string> textsOf(const std::string& name, const char* element) const {
         std::vector<std::string> texts;
         const XmlFile file(path(name));

@@ -204,7 +204,7 @@ Plans digitalPlans() {
 }
 
 Plans analoguePlans() {
-    // System L has its vision carriers where no rule of a channel's edge leads.
+    // The vision carriers of system L follow no rule of channel edges.
     std::vector<std::string> systemL = {lineOf(2, 8 * kMHz, 55750000, "L2", kAnalogue),
                                         lineOf(3, 8 * kMHz, 60500000, "L3", kAnalogue),
                                         lineOf(4, 8 * kMHz, 63750000, "L4", kAnalogue)};

@@ -11,10 +11,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 std::string lineOf(int64_t channel, int64_t bandwidth, int64_t hertz, const std::string& label,
                    int32_t modulation);
 
-/** Channel plans by their names below the sample's "freqtables", a line of lineOf a channel. */
+/** Maps a plan's name below the sample's "freqtables" to its channels, each as of lineOf. */
 using Plans = std::map<std::string, std::vector<std::string>>;
 
-/** Every channel plan of the sample, worked out from the rules of its standard. */
+/** Computes every channel plan of the sample from the rules of its standard. */
 Plans samplePlans();
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -8,10 +8,10 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** A set with TV system files and its country. */
+/** A set with a TV system file, a country map and a country. */
 class TvSysMapFiles : public RegionalFiles {
   public:
-    /** A TV system file with these systems that names the country map of writeCountries. */
+    /** Writes a TV system file with these systems, which names the map of writeCountries. */
     std::string writeSystems(const std::string& systems) const {
         return writeSystemFile("/tvconfigs/countries.xml", systems);
     }
@@ -37,7 +37,7 @@ class TvSysMapFiles : public RegionalFiles {
         return "<Item category=\"" + category + "\" key=\"" + key + "\" value=\"" + value +
                "\"/>\n";
     }
-    /** Two systems, two countries; GERMANY is the first. */
+    /** Writes two systems and two countries, GERMANY first. */
     std::string writeBoth() const {
         writeCountries(country("GERMANY", "DVB", "/tvconfigs/tv/eu.config") +
                        country("USA", "ATSC", "/tvconfigs/tv/na.config"));
@@ -51,7 +51,7 @@ class TvSysMapFiles : public RegionalFiles {
         set().dir().write("tvdata/tvsysmap/country_id.bin", text);
     }
     std::string countryId() const { return set().dir().read("tvdata/tvsysmap/country_id.bin"); }
-    /** "[A]:k=v;[B]:l=w;" */
+    /** The items as "[A]:k=v;[B]:l=w;". */
     static std::string textOf(const ItemStore& items) {
         std::ostringstream text;
         for (const ItemStore::Item item : items.inOrder()) {

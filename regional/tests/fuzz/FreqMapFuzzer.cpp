@@ -116,7 +116,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const std::string written = xmlOf(entries);
     fuzzing::writeFile(path, written);
-    // A text with very many odd characters is refused when it is read again.
+    // The escaped text may have too many character references to be read again.
     if (!entries.empty() && written.size() < 20000 && map.loadCountryFreqMapXML()) {
         fuzzing::requireEqual("the map, written and read again", xmlOf(RegionalPeer::entries()),
                               written);

@@ -51,7 +51,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzzing::writeFile(path, text);
     plain::Names names = plain::modulations();
     std::vector<HidlFreqListItem> items;
-    // Twice: unknown modulations of the first reading are known to the second.
+    // Twice: the second reading knows the modulations that the first one added.
     for (int round = 0; round < 2; ++round) {
         fuzzing::require(processParser().ParseFreqTable(path, items), "any file is a table");
         fuzzing::requireEqual("the channels", textOf(items), textOf(plain::channels(text, names)));
