@@ -1,4 +1,4 @@
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 

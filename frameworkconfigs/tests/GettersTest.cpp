@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
 #include "frameworkconfigs/tests/PropertyReads.h"
 #include "host/testing/HostSet.h"
 

@@ -4,7 +4,7 @@
 #include <sys/resource.h>
 
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Threads.h"
 

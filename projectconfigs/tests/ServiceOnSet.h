@@ -3,43 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <optional>
 #include <string>
-#include <tuple>
-#include <utility>
+#include <vector>
 
+#include "host/testing/Ask.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-template <typename Answer>
-Answer answerOf(const std::function<void(const Answer&)>&);
-
-/** What a method with these parameters, its callback the last of them, answers. */
-template <typename... Parameters>
-using AnswerOf = decltype(answerOf(
-        std::declval<
-                std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>()));
-
-/** Calls a method and gives its answer, or nothing when it left its callback alone. */
-template <typename... Parameters, typename... Arguments>
-std::optional<AnswerOf<Parameters...>> ask(
-        IMlkProjectConfigs& service,
-        ::android::hardware::Return<void> (IMlkProjectConfigs::*method)(Parameters...),
-        const Arguments&... arguments) {
-    std::optional<AnswerOf<Parameters...>> got;
-    int answers = 0;
-    const auto result = (service.*method)(arguments..., [&](const auto& answer) {
-        got = answer;
-        ++answers;
-    });
-    EXPECT_TRUE(result.isOk());
-    EXPECT_LE(answers, 1);
-    return got;
-}
+using ::mlk::testing::ask;
 
 /** A text that is absent, as no client can send it: its pointer is null. */
 inline ::android::hardware::hidl_string absentText() {

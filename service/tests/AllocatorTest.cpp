@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/testing/Ask.h"
 #include "host/testing/Eventually.h"
 #include "service/tests/Delivery.h"
 
@@ -35,10 +36,8 @@ class AllocatorTest : public Delivery {
                   0);
     }
     std::string panel() {
-        std::string panel = "no answer";
-        const auto status = mService->getPanelName(
-                [&](const auto& answer) { panel = std::string(answer.value); });
-        return status.isOk() ? panel : status.description();
+        const auto panel = ::mlk::testing::ask(*mService, &IMlkProjectConfigs::getPanelName);
+        return panel ? std::string(panel->value) : "no answer";
     }
 };
 

@@ -6,7 +6,8 @@
 #include <future>
 #include <string>
 
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
+#include "host/testing/Ask.h"
 #include "host/testing/HostSet.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"
@@ -17,6 +18,7 @@ namespace {
 using ::android::sp;
 using ::android::wp;
 using ::android::hardware::hidl_death_recipient;
+using ::mlk::testing::ask;
 using ::mlk::testing::HostSet;
 namespace framework = implementation;
 
@@ -40,10 +42,8 @@ class AnswersTest : public ::testing::Test {
 };
 
 OptionalString getConfig(IMlkProjectConfigs& service, const ProjectConfigKey& key) {
-    OptionalString result{false, "no answer"};
-    EXPECT_TRUE(
-            service.getConfig(key, [&](const OptionalString& answer) { result = answer; }).isOk());
-    return result;
+    return ask(service, &IMlkProjectConfigs::getConfig, key)
+            .value_or(OptionalString{false, "no answer"});
 }
 
 TEST_F(AnswersTest, ComeFromTheProjectsFiles) {
@@ -51,10 +51,8 @@ TEST_F(AnswersTest, ComeFromTheProjectsFiles) {
     EXPECT_EQ(getConfig(*service, {"[LiveTV]", "TvConfig"}),
               (OptionalString{true, mSet.tvconfigs() + "/one/tv.config"}));
     EXPECT_EQ(getConfig(*service, {"LiveTV", "TvConfig"}), (OptionalString{true, ""}));
-    OptionalString panel{false, ""};
-    EXPECT_TRUE(
-            service->getPanelName([&](const OptionalString& answer) { panel = answer; }).isOk());
-    EXPECT_EQ(panel, (OptionalString{true, "PANEL_ONE"}));
+    EXPECT_EQ(ask(*service, &IMlkProjectConfigs::getPanelName),
+              (OptionalString{true, "PANEL_ONE"}));
 }
 
 TEST_F(AnswersTest, ASelectorOutOfRangeFailsThatCallOnly) {

@@ -2,7 +2,7 @@
 
 #include <cutils/properties.h>
 
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
 #include "tests/vts/Hal.h"
 #include "tests/vts/Restore.h"
 

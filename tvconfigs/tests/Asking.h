@@ -5,8 +5,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "host/testing/Ask.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -27,12 +30,9 @@ using Method = ::android::hardware::Return<void> (IMlkTvConfigs::*)(Arguments...
 template <typename Answer, typename Result, typename... Parameters, typename... Arguments>
 std::string askFor(IMlkTvConfigs& service, Result (IMlkTvConfigs::*method)(Parameters...),
                    Arguments&&... arguments) {
-    std::vector<std::string> answers;
-    const auto status = (service.*method)(
-            arguments..., [&](const Answer& answer) { answers.push_back(textOf(answer)); });
-    EXPECT_TRUE(status.isOk()) << status.description();
-    EXPECT_EQ(answers.size(), 1U);
-    return answers.empty() ? "no answer" : answers[0];
+    const std::optional<Answer> answer = ::mlk::testing::ask(service, method, arguments...);
+    EXPECT_TRUE(answer.has_value());
+    return answer ? textOf(*answer) : "no answer";
 }
 
 /// A flag of the interface, as the tests want it to be.

@@ -14,7 +14,7 @@
 
 #include "frameworkconfigs/FrameworkItems.h"
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
-#include "frameworkconfigs/testing/Ask.h"
+#include "frameworkconfigs/testing/GetterRows.h"
 #include "host/properties/PropertyStore.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/fuzz/Fuzzing.h"

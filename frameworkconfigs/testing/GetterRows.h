@@ -4,12 +4,15 @@
 #include <vendor/morlak/mlkconfigs/1.0/IMlkFrameworkConfigs.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/testing/Ask.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// An answer as text: "true", "17", "\"text\"".
+/** An answer as text: "true", "17", "\"text\"". */
 inline std::string textOf(const OptionalBool& answer) {
     return answer.value ? "true" : "false";
 }
@@ -20,18 +23,15 @@ inline std::string textOf(const OptionalString& answer) {
     return '"' + std::string(answer.value) + '"';
 }
 
-/// Calls the method, in process or through a proxy; gives the answer's value as text. Fails the
-/// test unless it answers exactly once, with success true.
+/**
+ * Calls the method, in process or through a proxy; gives the answer's value as text. Fails the test
+ * unless the method answers exactly once, with success true.
+ */
 template <typename Answer, typename Method, typename... Arguments>
 std::string ask(IMlkFrameworkConfigs& service, Method method, Arguments... arguments) {
-    std::vector<std::string> answers;
-    const auto status = (service.*method)(arguments..., [&](const Answer& answer) {
-        EXPECT_TRUE(answer.success);
-        answers.push_back(textOf(answer));
-    });
-    EXPECT_TRUE(status.isOk()) << status.description();
-    EXPECT_EQ(answers.size(), 1U);
-    return answers.empty() ? "no answer" : answers[0];
+    const std::optional<Answer> answer = ::mlk::testing::ask(service, method, arguments...);
+    EXPECT_TRUE(answer && answer->success);
+    return answer ? textOf(*answer) : "no answer";
 }
 
 inline std::string setForceStr(IMlkFrameworkConfigs& service, bool enabled) {
@@ -42,17 +42,17 @@ inline std::string setWow(IMlkFrameworkConfigs& service, bool enabled) {
     return ask<OptionalBool>(service, &IMlkFrameworkConfigs::setWowEnabled, enabled);
 }
 
-/// One getter of the interface, as the tests want it to be.
+/** One getter of the interface, with its expected answers. */
 struct GetterRow {
     const char* name;
     std::function<std::string(IMlkFrameworkConfigs&)> get;
-    const char* property;      ///< null: none
-    const char* defaultValue;  ///< its answer without the property
-    const char* stored;        ///< what the property may hold
-    const char* value;         ///< its answer then
+    const char* property;     /**< null: none */
+    const char* defaultValue; /**< the answer without the property */
+    const char* stored;       /**< a value of the property */
+    const char* value;        /**< the answer with that value */
 };
 
-/// All 23 getters: first those that a start reads from properties, in that order.
+/** All 23 getters: first those that a start reads from properties, in that order. */
 const std::vector<GetterRow>& getterRows();
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
