@@ -1,25 +1,21 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/AuxiliaryFile.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include "common/Paths.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
-
-}  // namespace
-
 std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSource& source,
                               IniProjectParser& parser) {
     const std::string path = items.getInfo({source.category, source.key});
     if (source.pathLabel != nullptr) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s%s", source.pathLabel, path.c_str());
+        ALOGD("%s%s", source.pathLabel, path.c_str());
     }
     if (path.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s", source.missing);
+        ALOGE("%s", source.missing);
         return {};
     }
     parser.update(path.c_str());
@@ -28,7 +24,7 @@ std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSou
     if (name.size() == path.size() || name.size() >= kFileNameSize) {
         return {};
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s%s", source.nameLabel, name.c_str());
+    ALOGD("%s%s", source.nameLabel, name.c_str());
     return name;
 }
 

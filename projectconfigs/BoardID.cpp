@@ -1,9 +1,10 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/BoardID.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <string_view>
-#include <utility>
 
 #include "common/LineReader.h"
 
@@ -11,17 +12,16 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kKeyword = "BOARD_ID";
 constexpr size_t kBufferSize = 256;
 
 }  // namespace
 
-BoardID::BoardID(std::string directory)
-    : mDirectory(std::move(directory)), mFilePath(mDirectory + "/board_id.bin") {
-    LineReader reader(mFilePath, kBufferSize, kTag, kMostIdentityBytes);
+BoardID::BoardID(const std::string& directory) {
+    const std::string path = directory + "/board_id.bin";
+    LineReader reader(path, kBufferSize, LOG_TAG, kMostIdentityBytes);
     if (!reader.isOpen()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
+        ALOGD("Open %s fail!", path.c_str());
         return;
     }
     std::string_view line;

@@ -1,27 +1,28 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/FileDelivery.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <cerrno>
+#include <new>
 #include <optional>
 #include <system_error>
 
 #include "common/File.h"
 #include "common/FileLimits.h"
 #include "common/Paths.h"
+#include "projectconfigs/ProjectParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
-
 // A file that is rewritten grows once.
 constexpr int kReadings = 3;
 
 size_t unreadable(const std::string& path, const std::string& reason) {
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", path.c_str(),
-                        reason.c_str());
+    ALOGE("%s: cannot be read: %s", path.c_str(), reason.c_str());
     return 0;
 }
 
@@ -67,15 +68,43 @@ size_t readForClient(const std::string& path, const std::function<uint8_t*(size_
     }
     const std::optional<std::string> file = withoutQuotes(path);
     const char* const name = (file ? *file : path).c_str();
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "filePath:%s", name);
+    ALOGD("filePath:%s", name);
     if (!file || !pathExists(*file)) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s %d] %s don't exist.", "getTvFile",
-                            __LINE__, name);
+        ALOGD("[%s %d] %s don't exist.", "getTvFile", __LINE__, name);
         return 0;
     }
     const size_t size = readWhole(*file, placeFor);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getTvFile fileData size:%zu", size);
+    ALOGD("getTvFile fileData size:%zu", size);
     return size;
+}
+
+std::vector<uint8_t> ProjectParser::getTvFile(const std::string& path) {
+    std::vector<uint8_t> data;
+    const size_t size = readForClient(path, [&](size_t wanted) -> uint8_t* {
+        try {
+            data.resize(wanted);
+        } catch (const std::bad_alloc&) {
+            ALOGE("%s: cannot be read: no memory for %zu bytes", path.c_str(), wanted);
+            return nullptr;
+        }
+        return data.data();
+    });
+    data.resize(size);
+    return data;
+}
+
+bool ProjectParser::isFileExist(const std::string& path) {
+    if (path.empty()) {
+        return false;
+    }
+    const std::optional<std::string> file = withoutQuotes(path);
+    const char* const name = (file ? *file : path).c_str();
+    ALOGD("isFileExist filePath:%s", name);
+    if (file && pathExists(*file)) {
+        return true;
+    }
+    ALOGD("isFileExist %s don't exist.", name);
+    return false;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

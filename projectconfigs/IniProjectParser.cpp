@@ -1,6 +1,8 @@
+#define LOG_TAG "IniProjectParser"
+
 #include "projectconfigs/IniProjectParser.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <utility>
@@ -12,7 +14,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "IniProjectParser";
 constexpr size_t kBufferSize = 256;
 
 // Takes a character out everywhere. One that is found at position p takes p characters more along,
@@ -85,10 +86,10 @@ void IniProjectParser::update(const char* path) {
 ItemStore IniProjectParser::parse_ini(const char* path) {
     ItemStore items;
     if (!pathExists(path)) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s don't exist.", path);
+        ALOGD("%s don't exist.", path);
         return items;
     }
-    LineReader reader(path, kBufferSize, kTag, kMostListBytes);
+    LineReader reader(path, kBufferSize, LOG_TAG, kMostListBytes);
     items.expect(reader.size());
     ItemStore::Section section = items.section("");
     std::string_view line;
@@ -115,7 +116,7 @@ std::string IniProjectParser::getInfo(const char* fileName, const ConfigKey& key
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto file = mIniMap.find(std::string_view(fileName));
     if (file == mIniMap.end()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "can't find the %s audio config", fileName);
+        ALOGD("can't find the %s audio config", fileName);
         return {};
     }
     const ItemStore& items = file->second;
@@ -128,18 +129,18 @@ bool IniProjectParser::findItem(const char* fileName) const {
     if (mIniMap.find(std::string_view(fileName)) == mIniMap.end()) {
         return false;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "the %s audio config have exist", fileName);
+    ALOGD("the %s audio config have exist", fileName);
     return true;
 }
 
 void IniProjectParser::dumpDetail() const {
     const std::lock_guard<std::mutex> lock(mMutex);
     // "deatil" is what the tools that read this log look for.
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "IniProjectParser deatil:");
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tIniPath ID=%s", mIniPath.c_str());
+    ALOGD("IniProjectParser deatil:");
+    ALOGD("\tIniPath ID=%s", mIniPath.c_str());
     for (const auto& [fileName, items] : mIniMap) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\tFile:%s", fileName.c_str());
-        items.log(kTag);
+        ALOGD("\tFile:%s", fileName.c_str());
+        items.log(LOG_TAG);
     }
 }
 

@@ -1,12 +1,14 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/MlkProjectConfigs.h"
 
-#include <android/log.h>
+#include <log/log.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -14,6 +16,7 @@
 #include "common/Answer.h"
 #include "common/Decimal.h"
 #include "platform/Platform.h"
+#include "projectconfigs/ClientDescriptor.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -23,16 +26,16 @@ using ::android::hardware::Void;
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr unsigned int kDefaultProject = 1;
 
-// One line for each partition that is of no use, instead of many about what is missing.
+// Logs one line for each partition that cannot be used, so that the cause of many missing files is
+// clear.
 void checkPartition(const std::string& path, int wanted) {
     if (access(path.c_str(), wanted) != 0) {
         const int error = errno;
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "partition %s cannot be %s: %s", path.c_str(),
-                            (wanted & W_OK) != 0 ? "read and written" : "read",
-                            std::generic_category().message(error).c_str());
+        ALOGE("partition %s cannot be %s: %s", path.c_str(),
+              (wanted & W_OK) != 0 ? "read and written" : "read",
+              std::generic_category().message(error).c_str());
     }
 }
 
@@ -42,6 +45,23 @@ Partitions checkedPartitions() {
     checkPartition(partitions.tvdata, R_OK | W_OK | X_OK);
     checkPartition(partitions.impdata, R_OK | W_OK | X_OK);
     return partitions;
+}
+
+void logDump(const Written& written) {
+    switch (written.outcome) {
+        case WriteOutcome::COMPLETE:
+            ALOGI("debug -- dumping succeeded");
+            return;
+        case WriteOutcome::FAILED:
+            ALOGW("debug -- dumping failed -- write()");
+            return;
+        case WriteOutcome::UNREAD:
+        case WriteOutcome::CROWDED:
+            break;
+    }
+    ALOGW("debug -- dumping failed -- write() given up after %zu bytes, %s", written.size,
+          written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
+                                                  : "too many dumps wait already");
 }
 
 hidl_vec<uint32_t> numbersOf(const std::vector<_tv_country>& countries) {
@@ -59,9 +79,6 @@ MlkProjectConfigs::MlkProjectConfigs()
       mChanges(mSet, mProjectID, mBoardID) {}
 
 Return<void> MlkProjectConfigs::setProjectId(int32_t projectId, setProjectId_cb _hidl_cb) {
-    char trace[64];
-    snprintf(trace, sizeof trace, "## setProjectId, id=%d", projectId);
-    ProjectID::WriteTestLog(trace);
     const bool accepted = mChanges.setProject(projectId);
     mSet.store().logItems();
     answerWith(_hidl_cb, true, accepted);
@@ -71,10 +88,6 @@ Return<void> MlkProjectConfigs::setProjectId(int32_t projectId, setProjectId_cb 
 Return<void> MlkProjectConfigs::setProjectIdWithPid(int32_t projectId,
                                                     const hidl_string& processName, int32_t pid,
                                                     setProjectIdWithPid_cb _hidl_cb) {
-    char trace[256];
-    snprintf(trace, sizeof trace, "setProjectIdWithPid, id=%d, processName = %s, pid = %d",
-             projectId, processName.c_str(), pid);
-    ProjectID::WriteTestLog(trace);
     const bool accepted = mChanges.setProject(projectId, processName.c_str(), pid);
     mSet.store().logItems();
     answerWith(_hidl_cb, true, accepted);
@@ -104,18 +117,14 @@ bool MlkProjectConfigs::trySetAvrOSDName(const hidl_string& osdName) {
 
 Return<void> MlkProjectConfigs::setAvrVendorId(const hidl_string& vendorId,
                                                setAvrVendorId_cb _hidl_cb) {
-    if (!trySetAvrVendorId(vendorId)) {
-        __android_log_assert("trySetAvrVendorId", kTag, "the vendor id of the AVR does not fit");
-    }
+    LOG_ALWAYS_FATAL_IF(!trySetAvrVendorId(vendorId), "the vendor id of the AVR does not fit");
     answerWith(_hidl_cb, true, true);
     return Void();
 }
 
 Return<void> MlkProjectConfigs::setAvrOSDName(const hidl_string& osdName,
                                               setAvrOSDName_cb _hidl_cb) {
-    if (!trySetAvrOSDName(osdName)) {
-        __android_log_assert("trySetAvrOSDName", kTag, "the OSD name of the AVR does not fit");
-    }
+    LOG_ALWAYS_FATAL_IF(!trySetAvrOSDName(osdName), "the OSD name of the AVR does not fit");
     answerWith(_hidl_cb, true, true);
     return Void();
 }
@@ -124,7 +133,7 @@ Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
                                                  getKaraokeConfig_cb _hidl_cb) {
     const std::string text = mSet.karaoke().lookUp(nameOf(key));
     const int32_t number = parseDecimal(text);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %i", __func__, text.c_str(), number);
+    ALOGD("%s: %s: %i", __func__, text.c_str(), number);
     answerWith(_hidl_cb, true, number);
     return Void();
 }
@@ -132,8 +141,7 @@ Return<void> MlkProjectConfigs::getKaraokeConfig(const ProjectConfigKey& key,
 Return<void> MlkProjectConfigs::getGlobalKeyConfig(const ProjectConfigKey& key,
                                                    getGlobalKeyConfig_cb _hidl_cb) {
     const std::string text = mSet.globalKeys().lookUp(nameOf(key));
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s: %s: %s: %s", __func__, key.category.c_str(),
-                        key.key.c_str(), text.c_str());
+    ALOGD("%s: %s: %s: %s", __func__, key.category.c_str(), key.key.c_str(), text.c_str());
     answerWith(_hidl_cb, true, text);
     return Void();
 }
@@ -142,8 +150,8 @@ Return<void> MlkProjectConfigs::getCustomerDdcciConfigInt(const ProjectConfigKey
                                                           getCustomerDdcciConfigInt_cb _hidl_cb) {
     const std::string text = mSet.customerDdcci().lookUp(nameOf(key));
     const int32_t number = parseDecimal(text);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s, %d", __func__,
-                        key.category.c_str(), key.key.c_str(), text.c_str(), number);
+    ALOGD("[DDCCI] %s: %s: %s: %s, %d", __func__, key.category.c_str(), key.key.c_str(),
+          text.c_str(), number);
     answerWith(_hidl_cb, true, number);
     return Void();
 }
@@ -151,9 +159,8 @@ Return<void> MlkProjectConfigs::getCustomerDdcciConfigInt(const ProjectConfigKey
 Return<void> MlkProjectConfigs::getCustomerDdcciConfigString(
         const ProjectConfigKey& key, getCustomerDdcciConfigString_cb _hidl_cb) {
     const std::string text = mSet.customerDdcci().lookUp(nameOf(key));
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s: %s: %s: %s", __func__,
-                        key.category.c_str(), key.key.c_str(), text.c_str());
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[DDCCI] %s", text.c_str());
+    ALOGD("[DDCCI] %s: %s: %s: %s", __func__, key.category.c_str(), key.key.c_str(), text.c_str());
+    ALOGD("[DDCCI] %s", text.c_str());
     answerWith(_hidl_cb, true, text);
     return Void();
 }
@@ -179,8 +186,8 @@ Return<void> MlkProjectConfigs::getFreqTableList(int32_t country, FreqTableType 
                                                  getFreqTableList_cb _hidl_cb) {
     const std::vector<HidlFreqListItem> channels =
             mSet.region().plan(_tv_country{country}, type, cableType);
-    // The list travels as it lies in memory: all of it is cleared, and then the fields are filled
-    // one by one.
+    // The list travels with its padding. All bytes are cleared first, so that no memory of this
+    // process leaks to the client.
     hidl_vec<HidlFreqListItem> answer;
     answer.resize(channels.size());
     std::fill_n(reinterpret_cast<uint8_t*>(answer.data()),
@@ -203,6 +210,22 @@ Return<void> MlkProjectConfigs::isSupportTvSysReload(isSupportTvSysReload_cb _hi
 
 Return<void> MlkProjectConfigs::setCountryId(int32_t country, setCountryId_cb _hidl_cb) {
     answerWith(_hidl_cb, true, mChanges.setCountry(_tv_country{country}));
+    return Void();
+}
+
+Return<void> MlkProjectConfigs::debug(const hidl_handle& handle,
+                                      const hidl_vec<hidl_string>& /* arguments */) {
+    if (handle.getNativeHandle() == nullptr || handle->numFds != 1) {
+        ALOGE("debug -- dumping failed -- invalid file descriptor to dump to");
+        return Void();
+    }
+    std::ostringstream text;
+    text << "ProjectConfigs:" << std::endl;
+    mSet.items().dump(text);
+    text << "Audio configuration file: " << std::endl;
+    mSet.sounds().dump(text);
+
+    writeToClient(handle->data[0], text.str(), logDump);
     return Void();
 }
 

@@ -1,7 +1,9 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/MlkProjectConfigsStub.h"
 
-#include <android/log.h>
 #include <hidl/Static.h>
+#include <log/log.h>
 #include <vendor/morlak/mlkconfigs/1.0/hwtypes.h>
 
 #include <cstddef>
@@ -23,8 +25,6 @@ using ::android::hardware::Parcel;
 using ::android::hardware::Return;
 
 namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
 
 struct Transaction {
     const char* method;
@@ -82,8 +82,7 @@ status_t send(const Transaction& transaction, const Answer& answer) {
 }
 
 status_t refuse(const Transaction& transaction, const std::string& arguments) {
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s(%s) has no answer, call refused",
-                        transaction.method, arguments.c_str());
+    ALOGE("%s(%s) has no answer, call refused", transaction.method, arguments.c_str());
     return ::android::BAD_VALUE;
 }
 

@@ -1,13 +1,13 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/ProjectID.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "common/Decimal.h"
 #include "common/SaveFile.h"
@@ -16,25 +16,21 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr std::string_view kKeyword = "PROJECT_ID";
 constexpr size_t kChunk = 256;
 constexpr size_t kFileSize = size_t{64} * 1024;  // a real file has one line
 
 }  // namespace
 
-ProjectID::ProjectID(std::string directory, unsigned int defaultIndex)
-    : mDirectory(std::move(directory)), mFilePath(mDirectory + "/project_id.bin") {
+ProjectID::ProjectID(const std::string& directory, unsigned int defaultIndex)
+    : mFilePath(directory + "/project_id.bin") {
     if (!Read()) {
         mId = defaultIndex;
     }
-    char trace[64];
-    snprintf(trace, sizeof trace, "Read id = %d", static_cast<int>(mId));
-    WriteTestLog(trace);
 }
 
 bool ProjectID::Read() {
-    // For writing too: whether a later change can be stored is told now.
+    // Opened for writing too, so that the log tells now whether a later change can be stored.
     File file(mFilePath, O_RDWR);
     if (file.isOpen()) {
         return ReadFrom(file);
@@ -42,13 +38,14 @@ bool ProjectID::Read() {
     if (file.isMissing() && createFile(mFilePath, "") == Saved::DONE) {
         return true;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
+    ALOGD("Open %s fail!", mFilePath.c_str());
     File readOnly(mFilePath);
     return readOnly.isOpen() && ReadFrom(readOnly);
 }
 
 bool ProjectID::ReadFrom(File& file) {
-    // Each chunk is looked at by itself, over what the one before left in the buffer.
+    // Each chunk is searched by itself. A short last one leaves the end of the chunk before in the
+    // buffer, which is searched with it.
     char buffer[kChunk] = {};
     size_t total = 0;
     ssize_t count = 0;
@@ -64,35 +61,22 @@ bool ProjectID::ReadFrom(File& file) {
         }
         total += static_cast<size_t>(count);
         if (total >= kFileSize) {
-            __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: no index in the first %zu bytes",
-                                mFilePath.c_str(), kFileSize);
+            ALOGE("%s: no index in the first %zu bytes", mFilePath.c_str(), kFileSize);
             return true;
         }
     }
     if (count < 0) {
         const std::string reason = std::generic_category().message(errno);
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be read: %s", mFilePath.c_str(),
-                            reason.c_str());
+        ALOGE("%s: cannot be read: %s", mFilePath.c_str(), reason.c_str());
     }
     return count == 0;
 }
 
+bool ProjectID::SetId(unsigned int index, const std::string& /* processName */, int /* pid */) {
+    return Set(index);
+}
+
 bool ProjectID::Set(unsigned int index) {
-    char trace[64];
-    snprintf(trace, sizeof trace, "## Set %d->%d", static_cast<int>(mId), static_cast<int>(index));
-    WriteTestLog(trace);
-    return Change(index);
-}
-
-bool ProjectID::SetId(unsigned int index, const std::string& processName, int pid) {
-    char trace[256];
-    snprintf(trace, sizeof trace, "SetId %d->%d, processName = %s, pid = %d", static_cast<int>(mId),
-             static_cast<int>(index), processName.c_str(), pid);
-    WriteTestLog(trace);
-    return Change(index);
-}
-
-bool ProjectID::Change(unsigned int index) {
     if (index == mId && mIsWritten) {
         return true;
     }
@@ -107,16 +91,10 @@ bool ProjectID::Change(unsigned int index) {
     }
     const std::string reason = std::generic_category().message(errno);
     if (saved == Saved::NOT_OPENED) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "Open %s fail!", mFilePath.c_str());
+        ALOGD("Open %s fail!", mFilePath.c_str());
     }
-    __android_log_print(ANDROID_LOG_ERROR, kTag, "%s: cannot be written: %s", mFilePath.c_str(),
-                        reason.c_str());
+    ALOGE("%s: cannot be written: %s", mFilePath.c_str(), reason.c_str());
     return false;
-}
-
-bool ProjectID::WriteTestLog(const char* text) {
-    static_cast<void>(text);
-    return true;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/ProjectParser.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <tuple>
@@ -14,7 +16,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr const char* kNoBoardFile = "DEFAULT_BOARD_ID";
 constexpr size_t kListBufferSize = 256;      // customer and system file
 constexpr size_t kProjectBufferSize = 1024;  // project and board file
@@ -113,9 +114,7 @@ bool ProjectParser::update(const char* customerIniPath, int projectId, const std
     }
     if (!isWhole && mIsRead) {
         restore();
-        __android_log_print(ANDROID_LOG_ERROR, kTag,
-                            "project %d cannot be read, project %d stays in use", projectId,
-                            mProjectId);
+        ALOGE("project %d cannot be read, project %d stays in use", projectId, mProjectId);
     }
     mFormerItems.clear();
     mIsRead = true;
@@ -135,8 +134,7 @@ bool ProjectParser::isMissing(const std::string& path, const char* function, int
     if (pathExists(path)) {
         return false;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s %d] %s don't exist.", function, sourceLine,
-                        path.c_str());
+    ALOGD("[%s %d] %s don't exist.", function, sourceLine, path.c_str());
     return true;
 }
 
@@ -145,7 +143,7 @@ void ProjectParser::parse_customer_ini(const char* path, std::string& customerId
     if (isMissing(path, __func__, __LINE__)) {
         return;
     }
-    LineReader reader(path, kListBufferSize, kTag);
+    LineReader reader(path, kListBufferSize, LOG_TAG);
     std::string_view line;
     std::string_view value;
     while (reader.next(line)) {
@@ -168,7 +166,7 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
         return;
     }
     constexpr std::string_view kModel = "Model_";
-    LineReader reader(path, kListBufferSize, kTag);
+    LineReader reader(path, kListBufferSize, LOG_TAG);
     std::string_view line;
     std::string_view value;
     while (reader.next(line)) {
@@ -187,13 +185,13 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
 
 bool ProjectParser::parse_project_ini(const char* path) {
     if (path == nullptr) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "path is null");
+        ALOGD("path is null");
         return true;
     }
     if (isMissing(path, __func__, __LINE__)) {
         return true;
     }
-    LineReader reader(path, kProjectBufferSize, kTag);
+    LineReader reader(path, kProjectBufferSize, LOG_TAG);
     mItems.expect(reader.size());
     ItemStore::Section section = mItems.section("");
     std::string_view line;
@@ -236,10 +234,8 @@ void ProjectParser::addNewItem(ItemStore::Section section, std::string_view line
     const auto [item, isNew] = mItems.insert(section, key, value);
     if (!isNew) {
         const std::string text(value);
-        __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                            "[%s %d] update value (%s -> %s) due to the same key (%s)", __func__,
-                            __LINE__, mItems.valueOf(item).data(), text.c_str(),
-                            mItems.keyOf(item).data());
+        ALOGD("[%s %d] update value (%s -> %s) due to the same key (%s)", __func__, __LINE__,
+              mItems.valueOf(item).data(), text.c_str(), mItems.keyOf(item).data());
         mItems.replace(item, value);
     }
 }

@@ -1,20 +1,18 @@
-#include <android/log.h>
+#define LOG_TAG "MlkProjectConfigs"
+
+#include <log/log.h>
 
 #include <algorithm>
-#include <new>
-#include <optional>
 #include <utility>
 
 #include "common/LineReader.h"
 #include "common/Paths.h"
-#include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/ProjectParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr size_t kListBufferSize = 256;
 
 }  // namespace
@@ -43,8 +41,7 @@ std::map<std::string, std::string> ProjectParser::getInfosByCategory(
         const std::string_view key = mItems.keyOf(item);
         const std::string_view value = mItems.valueOf(item);
         infos.emplace(key, value);
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "getInfosByCategory, key:%s, value:%s",
-                            key.data(), value.data());
+        ALOGD("getInfosByCategory, key:%s, value:%s", key.data(), value.data());
     }
     return infos;
 }
@@ -72,7 +69,7 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
     constexpr std::string_view kFolder = "model/";
     constexpr size_t kCutWithoutFolder = 5;
     const size_t before = list.size();
-    LineReader reader(path, kListBufferSize, kTag);
+    LineReader reader(path, kListBufferSize, LOG_TAG);
     std::string_view line;
     while (reader.next(line)) {
         if (line.find(kModel) == std::string_view::npos) {
@@ -87,37 +84,6 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
     if (reader.failed()) {
         list.resize(before);
     }
-}
-
-std::vector<uint8_t> ProjectParser::getTvFile(const std::string& path) {
-    std::vector<uint8_t> data;
-    const size_t size = readForClient(path, [&](size_t wanted) -> uint8_t* {
-        try {
-            data.resize(wanted);
-        } catch (const std::bad_alloc&) {
-            __android_log_print(ANDROID_LOG_ERROR, kTag,
-                                "%s: cannot be read: no memory for %zu bytes", path.c_str(),
-                                wanted);
-            return nullptr;
-        }
-        return data.data();
-    });
-    data.resize(size);
-    return data;
-}
-
-bool ProjectParser::isFileExist(const std::string& path) {
-    if (path.empty()) {
-        return false;
-    }
-    const std::optional<std::string> file = withoutQuotes(path);
-    const char* const name = (file ? *file : path).c_str();
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist filePath:%s", name);
-    if (file && pathExists(*file)) {
-        return true;
-    }
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "isFileExist %s don't exist.", name);
-    return false;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,16 +1,12 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/ProjectStore.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include "common/Decimal.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
-
-}  // namespace
 
 ProjectStore::ProjectStore(const Partitions& partitions, const Properties& properties,
                            int projectId, const std::string& boardId)
@@ -18,8 +14,7 @@ ProjectStore::ProjectStore(const Partitions& partitions, const Properties& prope
       mCustomerIniPath(partitions.tvconfigs + "/customer.ini"),
       mItems(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str()) {
     load(projectId, boardId);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "mProjectMaxIdx:%d",
-                        static_cast<int>(mItems.getProjectMaxIdx()));
+    ALOGD("mProjectMaxIdx:%d", static_cast<int>(mItems.getProjectMaxIdx()));
     logItems();
 }
 

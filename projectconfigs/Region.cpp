@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/Region.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include "regional/FreqTableParser.h"
 #include "regional/LanguageListParser.h"
@@ -8,8 +10,6 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
-
-constexpr const char* kTag = "MlkProjectConfigs";
 
 // The items that name the files.
 constexpr ConfigKey kTvSysMap("[COUNTRY]", "tvSysMap");
@@ -39,8 +39,7 @@ std::vector<HidlFreqListItem> Region::plan(_tv_country country, FreqTableType ty
     std::vector<HidlFreqListItem> channels;
     const bool found = FreqTableParser(mData).GetTableList(mItems.getInfo(kFreqTables), country,
                                                            type, cableType, channels);
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "getfreqTable,sucess %d: size: %d", found ? 1 : 0,
-                        static_cast<int>(channels.size()));
+    ALOGD("getfreqTable,sucess %d: size: %d", found ? 1 : 0, static_cast<int>(channels.size()));
     return channels;
 }
 
@@ -55,8 +54,7 @@ TvSysMapCfgHolder Region::holder() const {
 void Region::apply(_tv_country country) {
     const std::string file = mItems.getInfo(kTvSysMap);
     // Method and number are what the tools that read this log know the message by.
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo",
-                        875, file.c_str());
+    ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", 875, file.c_str());
     if (file.empty()) {
         return;
     }
@@ -65,8 +63,7 @@ void Region::apply(_tv_country country) {
         const ConfigKey key(items.sectionOf(item), items.keyOf(item));
         mItems.setInfo(key, items.valueOf(item));
         // The value that is read back shows which items the project does not have.
-        __android_log_print(ANDROID_LOG_DEBUG, kTag, "\t%s:%s=%s", key.category.data(),
-                            key.key.data(), mItems.getInfo(key).c_str());
+        ALOGD("\t%s:%s=%s", key.category.data(), key.key.data(), mItems.getInfo(key).c_str());
     }
 }
 

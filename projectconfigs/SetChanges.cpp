@@ -1,12 +1,13 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/SetChanges.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr const char* kSameBoard = "";
 
 int32_t highestIndex(const ProjectSet& set) {
@@ -22,15 +23,13 @@ bool SetChanges::setProject(int32_t id) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (id > 0 && id > mProjectMaxIdx) {
         // Function and number are what the tools that read this log know the message by.
-        __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                            "[%s:%d] Update and check Max ID again for the case of USB update",
-                            "SetProjectIdInternal", 522);
+        ALOGD("[%s:%d] Update and check Max ID again for the case of USB update",
+              "SetProjectIdInternal", 522);
         mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
         mProjectMaxIdx = highestIndex(mSet);
     }
     if (id <= 0 || id > mProjectMaxIdx) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!",
-                            mProjectMaxIdx, id);
+        ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!", mProjectMaxIdx, id);
         return false;
     }
     // The files first: a model that cannot be read is not changed to.
@@ -46,8 +45,7 @@ bool SetChanges::setProject(int32_t id, const std::string& processName, int32_t 
     const std::lock_guard<std::mutex> lock(mMutex);
     if (id <= 0 || id > mProjectMaxIdx) {
         // Two exclamation marks tell this refusal from the other.
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "[mProjectMaxIdx:%d] pid:%d is illegal!!",
-                            mProjectMaxIdx, id);
+        ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!!", mProjectMaxIdx, id);
         return false;
     }
     if (!mSet.store().load(id, kSameBoard)) {

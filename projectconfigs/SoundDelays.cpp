@@ -1,6 +1,8 @@
+#define LOG_TAG "MlkProjectConfigs"
+
 #include "projectconfigs/SoundDelays.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
@@ -10,7 +12,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kTag = "MlkProjectConfigs";
 constexpr const char* kCategory = "[AUDIO]";
 constexpr const char* kAvrPathKey = "AUDIO_CONFIG_AVR_PATH";
 /** Bytes of the buffer that holds the path of an AVR's file. */
@@ -58,7 +59,7 @@ bool SoundDelays::trySetAvrText(std::string& member, const char* label, std::str
     const std::string formerName = mAvrName;
     // A client's text may hold a NUL, which ends it.
     member = text.substr(0, text.find('\0'));
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "%s:%s", label, member.c_str());
+    ALOGD("%s:%s", label, member.c_str());
     if (!updateAudioConfig()) {
         member = formerText;
         mAvrName = formerName;
@@ -78,7 +79,7 @@ bool SoundDelays::updateAudioConfig() {
         return false;
     }
     mAvrName = name;
-    __android_log_print(ANDROID_LOG_DEBUG, kTag, "mAvrName:%s", name.c_str());
+    ALOGD("mAvrName:%s", name.c_str());
     if (mFiles.findItem(name.c_str())) {
         return true;
     }
@@ -89,8 +90,7 @@ bool SoundDelays::updateAudioConfig() {
     const size_t folder = defaultPath.size() - fileNameOf(defaultPath).size();
     if (folder == 0) {
         // 780 is what the tools that read this log know the message by.
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "MlErr : [%s %d], strrchr return null",
-                            __func__, 780);
+        ALOGE("MlErr : [%s %d], strrchr return null", __func__, 780);
         return true;
     }
     const std::string path = defaultPath.substr(0, folder) + name;
@@ -113,34 +113,28 @@ int32_t SoundDelays::delay(const ConfigKey& key, bool isArc) const {
     const std::string hardware = lookUp(mHardwareName);
     // The messages carry the name of the interface's method.
     constexpr const char* kMethod = "getAudioDelay";
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "%s: Category:%s, Key:%s, mPanelName:%s, mICName:%s, mAvrDefaultName:%s, "
-                        "mHwAudioConfigName:%s",
-                        kMethod, std::string(key.category).c_str(), std::string(key.key).c_str(),
-                        mPanelName.c_str(), mICName.c_str(), mAvrDefaultName.c_str(),
-                        mHardwareName.c_str());
+    ALOGD("%s: Category:%s, Key:%s, mPanelName:%s, mICName:%s, mAvrDefaultName:%s, "
+          "mHwAudioConfigName:%s",
+          kMethod, std::string(key.category).c_str(), std::string(key.key).c_str(),
+          mPanelName.c_str(), mICName.c_str(), mAvrDefaultName.c_str(), mHardwareName.c_str());
     int32_t delay = add(add(parseDecimal(panel), parseDecimal(ic)), parseDecimal(hardware));
     if (!isArc) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                            "%s: panel:%s, IC:%s, hwAudioConfig:%s, audioDelay:%i", kMethod,
-                            panel.c_str(), ic.c_str(), hardware.c_str(), delay);
+        ALOGD("%s: panel:%s, IC:%s, hwAudioConfig:%s, audioDelay:%i", kMethod, panel.c_str(),
+              ic.c_str(), hardware.c_str(), delay);
         return delay;
     }
     delay = add(delay, parseDecimal(avrDefault));
     if (mAvrName.empty()) {
-        __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                            "%s: panel:%s, IC:%s, avrDefault:%s, hwAudioConfig:%s, audioDelay:%i",
-                            kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(),
-                            hardware.c_str(), delay);
+        ALOGD("%s: panel:%s, IC:%s, avrDefault:%s, hwAudioConfig:%s, audioDelay:%i", kMethod,
+              panel.c_str(), ic.c_str(), avrDefault.c_str(), hardware.c_str(), delay);
         return delay;
     }
     const std::string avr = lookUp(mAvrName);
     delay = add(delay, parseDecimal(avr));
-    __android_log_print(ANDROID_LOG_DEBUG, kTag,
-                        "%s: panel:%s, IC:%s, avrDefault:%s, avr[%s]:%s, hwAudioConfig:%s, "
-                        "audioDelay:%i",
-                        kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(), mAvrName.c_str(),
-                        avr.c_str(), hardware.c_str(), delay);
+    ALOGD("%s: panel:%s, IC:%s, avrDefault:%s, avr[%s]:%s, hwAudioConfig:%s, "
+          "audioDelay:%i",
+          kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(), mAvrName.c_str(), avr.c_str(),
+          hardware.c_str(), delay);
     return delay;
 }
 

@@ -1,6 +1,8 @@
+#define LOG_TAG "vendor.morlak.mlconfigs@1.0-service"
+
 #include "service/Services.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -8,19 +10,15 @@ using ::android::sp;
 
 namespace {
 
-constexpr const char* kTag = "vendor.morlak.mlconfigs@1.0-service";
-
 template <typename Interface>
 void registerOrAbort(const sp<Interface>& service, const char* name) {
     const ::android::status_t status = service->registerAsService("default");
-    if (status != ::android::OK) {
-        __android_log_assert("status != OK", kTag, "Could not register %s", name);
-    }
+    LOG_ALWAYS_FATAL_IF(status != ::android::OK, "Could not register %s", name);
 }
 
 OptionalString tvConfigOf(IMlkProjectConfigs& project) {
     OptionalString tvConfig{false, ""};
-    // Whether the call went through makes no difference: without an answer the path is empty.
+    // A failed call needs no handling: without an answer the path is empty.
     static_cast<void>(project.getConfig({"[LiveTV]", "TvConfig"},
                                         [&](const OptionalString& answer) { tvConfig = answer; })
                               .isOk());
