@@ -9,16 +9,16 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** Bytes that the name of an auxiliary file has room for, its final NUL included. */
+/** The size of a buffer for the name of an auxiliary file, with its final NUL. */
 inline constexpr size_t kFileNameSize = 128;
 
-/** The project item that names an auxiliary file, and what the log says when the file is loaded. */
+/** The project item that names an auxiliary file, and the log texts of its loading. */
 struct AuxiliaryFileSource {
     const char* category;
     const char* key;
-    const char* nameLabel;            ///< before the file's name
-    const char* missing;              ///< the error when the item is empty
-    const char* pathLabel = nullptr;  ///< before the item's value, where that is logged
+    const char* nameLabel;            ///< logged before the file's name
+    const char* missing;              ///< the error if the item is empty
+    const char* pathLabel = nullptr;  ///< logged before the item's value; null: no such line
 };
 
 /**
@@ -26,7 +26,7 @@ struct AuxiliaryFileSource {
  *
  * @param items   the project's items
  * @param source  the item
- * @param parser  the file goes there
+ * @param parser  loads the file
  * @return the name to look items up under; empty if no file is named, if its path has no folder, or
  *         if the name has kFileNameSize bytes or more
  */
@@ -36,7 +36,7 @@ std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSou
 /**
  * One auxiliary file of a set: karaoke, keys or DDC/CI.
  *
- * The constructor loads the file; nothing changes afterwards, so that any thread may look items up.
+ * The constructor loads the file. It does not change afterwards, so any thread may look items up.
  * Log tag: "MlkProjectConfigs".
  */
 class AuxiliaryFile {

@@ -20,13 +20,13 @@ using ::android::base::unique_fd;
 
 namespace {
 
-// Never freed: a thread may write until the very end of the process.
+// Never freed: a thread may write until the process ends.
 Places& writers() {
     static Places& places = *new Places(kWriters);
     return places;
 }
 
-// A text on its way.
+// A text that is being written.
 struct Writing {
     unique_fd descriptor;
     std::string text;
@@ -35,7 +35,7 @@ struct Writing {
 
     std::mutex mutex;
     std::condition_variable ended;
-    bool hasEnded = false;  ///< under mutex
+    bool hasEnded = false;  // guarded by mutex
 };
 
 void run(Writing& writing) {
@@ -48,8 +48,8 @@ void run(Writing& writing) {
     writing.ended.notify_all();
 }
 
-// Threads that are started while it lives take no signals: those are for the threads of the
-// process's own, and a pipe that nobody reads must not end the process.
+// Blocks all signals for threads that start during its life. Signals are for the process's own
+// threads, and SIGPIPE must not end the process.
 class NoSignals {
   public:
     NoSignals() {
@@ -84,7 +84,7 @@ void writeToClient(int descriptor, std::string text, std::function<void(const Wr
         done({WriteOutcome::CROWDED, 0});
         return;
     }
-    // The caller's own may be closed before the thread has ended.
+    // A copy, because the caller may close its own before the thread ends.
     writing->descriptor.reset(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
     writing->text = std::move(text);
     writing->done = std::move(done);

@@ -9,9 +9,8 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * How many texts for clients may be under way at once. Each has a thread of its own while it is,
- * and holds at most one thread of the pool: four of the pool's ten are left whatever the other ends
- * do.
+ * How many texts for clients may be written at once. Each has a thread of its own, and blocks at
+ * most one thread of the pool: at least four of the pool's ten threads stay free.
  */
 inline constexpr int kWriters = 6;
 
@@ -19,13 +18,13 @@ inline constexpr int kWriters = 6;
 inline constexpr std::chrono::milliseconds kCallerPatience(1000);
 
 /**
- * Writes `text` to a descriptor that a client has sent: a pipe, a socket, a file or a terminal
- * (writeToReader says how). Returns when that is done, at the latest after kCallerPatience: writing
- * to a slow reader then goes on without the caller. When kWriters texts are under way already, this
- * one is given up at once. Any number of threads; the descriptor is the caller's again afterwards.
+ * Writes `text` to a descriptor that a client has sent: a pipe, a socket, a file or a terminal; see
+ * writeToReader. Returns when the text is written, at the latest after kCallerPatience: another
+ * thread then goes on writing to the slow reader. Gives the text up at once if kWriters texts are
+ * being written already. Any number of threads may call. The descriptor stays the caller's.
  *
- * `done` is called once with what became of the text, before or after the return and on any thread;
- * it must not throw, and must not refer to what may go before.
+ * Calls `done` once with the result, before or after the return and on any thread. `done` must not
+ * throw, and must not refer to anything that it can outlive.
  */
 void writeToClient(int descriptor, std::string text, std::function<void(const Written&)> done);
 

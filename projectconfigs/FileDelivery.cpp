@@ -18,7 +18,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-// A file that is rewritten grows once.
+// Attempts. A file that is rewritten grows once.
 constexpr int kReadings = 3;
 
 size_t unreadable(const std::string& path, const std::string& reason) {
@@ -26,7 +26,7 @@ size_t unreadable(const std::string& path, const std::string& reason) {
     return 0;
 }
 
-// The bytes of the file as it is now; nothing when it became longer on the way.
+// Reads the file once. Gives nothing if it became longer during the reading.
 std::optional<size_t> readOnce(const std::string& path,
                                const std::function<uint8_t*(size_t)>& placeFor) {
     File file(path);

@@ -16,8 +16,8 @@ namespace {
 
 constexpr size_t kBufferSize = 256;
 
-// Takes a character out everywhere. One that is found at position p takes p characters more along,
-// those that follow it: where it leads or ends a text it goes alone.
+// Removes a character everywhere. If it is found at position p, the p characters after it are
+// removed too; at the start of a text it is removed alone.
 void eraseWithFollowers(std::string& text, char symbol) {
     for (size_t at = text.find(symbol); at != std::string::npos; at = text.find(symbol)) {
         text.erase(at, at + 1);
@@ -44,7 +44,7 @@ std::string categoryOf(std::string_view sectionLine) {
     return category;
 }
 
-// The next run of characters other than "="; empty when there is none. Takes it off the line.
+// Removes the next run of characters other than "=" from the line and gives it; empty at the end.
 std::string_view nextToken(std::string_view& line) {
     line.remove_prefix(std::min(line.find_first_not_of('='), line.size()));
     const std::string_view token = line.substr(0, line.find('='));
@@ -52,7 +52,7 @@ std::string_view nextToken(std::string_view& line) {
     return token;
 }
 
-// False when the line has no value.
+// False if the line has no value.
 bool addNewItem(ItemStore::Section section, std::string_view line, ItemStore& items) {
     std::string key(nextToken(line));
     std::string value(nextToken(line));
@@ -135,7 +135,7 @@ bool IniProjectParser::findItem(const char* fileName) const {
 
 void IniProjectParser::dumpDetail() const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    // "deatil" is what the tools that read this log look for.
+    // Tools that read this log look for "deatil".
     ALOGD("IniProjectParser deatil:");
     ALOGD("\tIniPath ID=%s", mIniPath.c_str());
     for (const auto& [fileName, items] : mIniMap) {

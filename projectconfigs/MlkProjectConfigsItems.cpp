@@ -19,7 +19,7 @@ void MlkProjectConfigs::answerValue(const char* category, const char* key,
     OptionalString answer{};
     clearPadding(answer);
     answer.success = true;
-    // The value outlives the answer: a second copy would be for nothing.
+    // The value outlives the answer, so that no copy is needed.
     answer.value.setToExternal(value.c_str(), value.size());
     callback(answer);
 }

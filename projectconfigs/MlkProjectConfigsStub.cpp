@@ -34,7 +34,7 @@ struct Transaction {
     const IBinder::TransactCallback& callback;
 };
 
-// Arguments, as generated code reads them.
+// Read arguments as generated code does.
 
 status_t read(const Parcel& data, int32_t& argument) {
     return data.readInt32(&argument);
@@ -55,7 +55,7 @@ status_t read(const Parcel& data, const hidl_string** argument) {
     return status != ::android::OK ? status : readEmbeddedFromParcel(**argument, data, parent, 0);
 }
 
-// The parts of an answer that lie outside its struct, as generated code writes them.
+// Write the parts of an answer that are outside its struct, as generated code does.
 
 status_t writeParts(const OptionalBool& /* answer */, Parcel* /* reply */, size_t /* parent */) {
     return ::android::OK;
@@ -93,7 +93,7 @@ std::string listed(const Arguments&... arguments) {
     return list;
 }
 
-// Calls a method of the interface, whose last parameter is its callback, with the others' values.
+// Reads the arguments, calls the method and sends its answer. Its last parameter is the callback.
 template <typename... Parameters, size_t... kArgument>
 status_t call(const Transaction& transaction,
               Return<void> (IMlkProjectConfigs::*method)(Parameters...),
@@ -107,8 +107,8 @@ status_t call(const Transaction& transaction,
     if (status != ::android::OK) {
         return status;
     }
-    // The answer is sent while it lives, inside the callback. A method is never called twice to
-    // find out whether it answers: what it reads may change in between.
+    // The answer lives only during the callback, so it is sent there. The method is called only
+    // once: the files may change between a trial and the call.
     bool answered = false;
     const auto onAnswer = [&](const auto& answer) {
         if (!answered) {
@@ -118,7 +118,7 @@ status_t call(const Transaction& transaction,
     };
     const Return<void> result =
             (transaction.implementation->*method)(std::get<kArgument>(arguments)..., onAnswer);
-    static_cast<void>(result.isOk());  // looked at: the client has its answer, or is refused
+    static_cast<void>(result.isOk());  // checked: the client is answered or refused in any case
     return answered ? status : refuse(transaction, listed(std::get<kArgument>(arguments)...));
 }
 
@@ -132,8 +132,8 @@ status_t serve(const Transaction& transaction) {
     return call(transaction, kMethod, argumentsOf(kMethod));
 }
 
-// Serves a method whose text the class would die of where it does not fit. The class is asked to
-// take it, and not first whether it would: another client may set the other text in between.
+// Serves a method that ends the process if its text does not fit. The trySet form checks and sets
+// in one step, because another client may set the other text in between.
 template <bool (MlkProjectConfigs::*kTrySet)(const hidl_string&)>
 status_t serveAvrText(const Transaction& transaction) {
     const hidl_string* text = nullptr;
@@ -146,8 +146,8 @@ status_t serveAvrText(const Transaction& transaction) {
                    : refuse(transaction, "a text of " + std::to_string(text->size()) + " bytes");
 }
 
-// The methods that may leave a call without an answer, or end the process instead of answering. A
-// code is the method's place in the interface, counted from 1.
+// The methods that may give no answer or end the process. A code is the method's position in the
+// interface, counted from 1.
 struct Row {
     uint32_t code;
     const char* method;

@@ -7,15 +7,15 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * The stub through which clients reach MlkProjectConfigs.
  *
- * Some methods of the class do not answer where an argument is out of range. The generated stub
- * ends the process then, as the class itself does for a text of an AVR that does not fit, and a
- * client must not be able to do that. For these methods this one refuses the call instead: the
- * client's Return is not OK (EX_TRANSACTION_FAILED, BAD_VALUE), an error line names method and
- * arguments, and the service lives on. An answered call travels exactly as it does through the
- * generated stub, which also serves all other methods.
+ * Some methods of the class give no answer if an argument is out of range. The generated stub ends
+ * the process then, and so does the class itself for a text of an AVR that does not fit. A client
+ * must not be able to do that. For these methods this stub refuses the call instead: the client's
+ * Return is not OK (EX_TRANSACTION_FAILED, BAD_VALUE), an error line names method and arguments,
+ * and the service lives on. An answered call has the same bytes as through the generated stub,
+ * which serves all other methods.
  *
- * Made by the runtime, one for a registered object, which has to be a MlkProjectConfigs; called
- * from every RPC thread, keeps no state and takes no lock. Log tag: "MlkProjectConfigs".
+ * The runtime makes one stub for each registered object, which must be a MlkProjectConfigs. Every
+ * RPC thread may call it; it keeps no state and takes no lock. Log tag: "MlkProjectConfigs".
  */
 class MlkProjectConfigsStub : public BnHwMlkProjectConfigs {
   public:
@@ -27,8 +27,8 @@ class MlkProjectConfigsStub : public BnHwMlkProjectConfigs {
 };
 
 /**
- * Makes the runtime give clients of IMlkProjectConfigs this stub. To be called before an object of
- * that interface is registered; every one that is registered has to be a MlkProjectConfigs.
+ * Makes the runtime use this stub for IMlkProjectConfigs. Call it before an object of that
+ * interface is registered; every registered object must be a MlkProjectConfigs.
  */
 void installMlkProjectConfigsStub();
 

@@ -6,15 +6,15 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** Limits how many threads do something at the same time. For any number of threads. */
+/** Limits how many threads do something at the same time. Any number of threads may use it. */
 class Places {
   public:
     explicit Places(int count) : mFree(count) {}
 
-    /** A place, or none if all are taken. It is given back with the object. */
+    /** One place, or none if all are taken. The destructor gives it back. */
     class Taken {
       public:
-        /** Takes a place; waits for one at most for `patience`. */
+        /** Takes a place; waits at most `patience` for a free one. */
         explicit Taken(Places& places,
                        std::chrono::milliseconds patience = std::chrono::milliseconds::zero())
             : mPlaces(places) {

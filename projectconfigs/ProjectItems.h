@@ -12,17 +12,17 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * One getter of IMlkProjectConfigs that answers with an item of the project store.
  *
- * Where a method takes a selector, that chooses among the sections or the keys, counted from 0; a
- * method without one has a single section and a single key.
+ * A selector, counted from 0, chooses among the sections or the keys. A method without a selector
+ * has one section and one key.
  */
 struct ProjectItemRow {
     const char* method;
-    std::array<const char*, 4> sections;  // in order; null past the last
-    std::array<const char*, 3> keys;      // in order; null past the last
+    std::array<const char*, 4> sections;  // in order; null after the last
+    std::array<const char*, 3> keys;      // in order; null after the last
     const char* otherKey = nullptr;       // key for every further selector; null: no answer
 };
 
-/** All of them, in the order of the interface. */
+/** All such getters, in the order of the interface. */
 inline constexpr ProjectItemRow kProjectItems[] = {
         {"getClientType", {"[CLIENT_TYPE_INFO]"}, {"CLIENT_TYPE"}},
         {"getProjectName", {"[PROJECT_NAME_CFG]"}, {"PROJECT_NAME"}},
@@ -56,7 +56,7 @@ inline constexpr ProjectItemRow kProjectItems[] = {
         {"getIRFilter", {"[IRFilter]"}, {"IR_Filter"}},
 };
 
-/** Number of a method's row. */
+/** The index of a method's row. */
 constexpr size_t projectItem(std::string_view method) {
     return rowOf(kProjectItems, method);
 }

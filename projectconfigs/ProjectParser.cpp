@@ -22,7 +22,7 @@ constexpr size_t kProjectBufferSize = 1024;  // project and board file
 
 constexpr auto npos = std::string_view::npos;
 
-// Only carriage returns at the very end go; one before a comment stays.
+// Removes the comment and the carriage returns at the end of what is left.
 std::string_view withoutComment(std::string_view text) {
     text = text.substr(0, text.find('#'));
     while (!text.empty() && text.back() == '\r') {
@@ -45,8 +45,8 @@ bool hasSymbols(std::string_view text) {
     return text.find('"') != npos || text.find(';') != npos;
 }
 
-// Takes out quotes and semicolons everywhere and then spaces at both ends. The result is a part of
-// the text, but for the few that have a quote or semicolon in their midst: it lies in scratch then.
+// Removes quotes and semicolons everywhere, and then spaces at both ends. The result is a part of
+// the text, unless there is a quote or semicolon in the middle: then it is in scratch.
 std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
     const auto isSymbol = [](char c) { return c == '"' || c == ';'; };
     const auto goes = [&](char c) { return c == ' ' || isSymbol(c); };
@@ -175,7 +175,7 @@ void ProjectParser::parse_sys_ini(const char* path, std::string& projectIniPath,
             continue;
         }
         const int32_t number = parseDecimal(line.substr(model + kModel.size()));
-        // Unsigned, so that a negative number is above all others.
+        // Unsigned: a negative number counts as larger than all others.
         maxIdx = std::max(maxIdx, static_cast<unsigned int>(number));
         if (number == mProjectId) {
             projectIniPath = PatchIniItemPath(eraseSymbol(value, mCleaned));
@@ -244,7 +244,7 @@ std::string_view ProjectParser::PatchIniItemPath(std::string_view value) {
     if (!startsWith(value, "/")) {
         return value;
     }
-    // A mere prefix: what follows need not be a "/".
+    // The prefix need not be followed by a "/".
     const std::pair<std::string_view, const char*> prefixes[] = {
             {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
     for (const auto& [prefix, mountPoint] : prefixes) {

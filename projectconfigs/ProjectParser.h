@@ -18,46 +18,47 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * system file, the system file lists the project file of every model, the project index picks one
  * of these, and the board file overrides its items.
  *
- * Grammar of project and board files: "[SECTION]" lines, "key=value" lines, "#" comments. Of a key
- * that occurs twice in one section the last value counts. Values are cleaned of comments, quotes
- * and semicolons, and a leading partition name becomes the partition's mount point. A missing or
- * unreadable file is logged and skipped; a line that cannot be used costs that line only.
+ * Grammar of project and board files: "[SECTION]" lines, "key=value" lines, "#" comments. If a key
+ * occurs twice in one section, the last value counts. Comments, quotes and semicolons are removed
+ * from values, and a leading partition name becomes the partition's mount point. A missing or
+ * unreadable file is logged and skipped; a line that cannot be used is skipped alone.
  *
- * Owned by MlkProjectConfigs and called from its constructor and from every RPC thread: each
- * operation takes mMutex for as long as it touches a member, update() for its whole run, so that
- * nobody sees a store half rebuilt. No operation calls out while it holds the lock, but to the log.
- * Log tag: "MlkProjectConfigs".
+ * Owned by ProjectStore. Any number of threads may call it: each operation holds mMutex while it
+ * uses a member, and update() for its whole run, so that no caller sees a half-built store. While
+ * it holds the lock, an operation calls nothing outside but the log. Log tag: "MlkProjectConfigs".
  */
 class ProjectParser {
   public:
     /**
      * Starts with an empty store. The texts are the mount points that replace the prefixes
-     * "/tvdata", "/tvconfigs" and "/impdata"; they are not copied and have to outlive the object.
+     * "/tvdata", "/tvconfigs" and "/impdata"; they are not copied and must outlive the object.
      */
     ProjectParser(const char* tvdataPath, const char* tvconfigsPath, const char* impdataPath);
     ProjectParser(const ProjectParser&) = delete;
     ProjectParser& operator=(const ProjectParser&) = delete;
 
     /**
-     * Rebuilds the store from the files as they are now. What a file no longer supplies (customer
-     * id, system, project and board path) keeps its value, and the highest index only grows.
+     * Rebuilds the store from the files as they are now. The customer id and the paths of the
+     * system, project and board file keep their values if the files no longer name others. The
+     * highest index never decreases.
      *
-     * A project or board file that exists but cannot be read fails the update: everything stays as
-     * it was, and the log says so. Only the first update has nothing to keep, and takes what can be
-     * read. Out of memory, too, leaves everything as it was.
+     * The update fails if a project or board file exists but cannot be read: everything stays as it
+     * was, and the log says so. The first update has no former state, and keeps what it could read.
+     * If memory runs out, everything stays as it was.
      *
-     * @param customerIniPath  the customer file; null leaves everything as it is
+     * @param customerIniPath  the customer file; if null, nothing changes
      * @param projectId        project index, the number after "Model_" in the system file
      * @param boardId          path of the board file; "DEFAULT_BOARD_ID" for none; empty for the
-     *                         board file of the update before
-     * @return false when the update failed
+     *                         board file of the previous update
+     * @return false if the update failed
      */
     bool update(const char* customerIniPath, int projectId, const std::string& boardId);
 
-    /** Value of an item; empty when there is no such item. */
+    /** Value of an item; empty if there is no such item. */
     std::string getInfo(const ConfigKey& key) const;
 
-    /** Replaces the value of an item. @return false, with nothing added, when there is none */
+    /** Replaces the value of an item. @return false, with nothing added, if there is no such item
+     */
     bool setInfo(const ConfigKey& key, std::string_view value);
 
     /** Items of one section (its name with brackets), from key to value in byte order of the key.
@@ -70,9 +71,10 @@ class ProjectParser {
     unsigned int getProjectMaxIdx() const;
 
     /**
-     * Appends what each "Model_" line of the system file names, in file order: the text after the
-     * first "model/", or else the line without its first five characters; quotes taken out. Appends
-     * nothing when the file cannot be read to its end: a menu that lacks models looks complete.
+     * Appends an entry for each "Model_" line of the system file, in file order: the text after the
+     * first "model/", or else the line without its first five characters; without quotes. Appends
+     * nothing if the file cannot be read to its end, because a menu that lacks models looks
+     * complete.
      */
     void getProjectIniList(std::vector<std::string>& list) const;
 
@@ -86,14 +88,14 @@ class ProjectParser {
     void dump(std::ostream& out) const;
 
     /**
-     * Reads a file for a client, as readForClient (FileDelivery.h) has it. Needs no lock.
+     * Reads a file for a client into memory; see readForClient in FileDelivery.h. Takes no lock.
      *
      * @param path  the file, possibly in double quotes; only a regular file is read
-     * @return its bytes; empty when there is no such file, or when it cannot be read whole
+     * @return its bytes; empty if there is no such file, or if it cannot be read whole
      */
     static std::vector<uint8_t> getTvFile(const std::string& path);
 
-    /** True when something has that path, which may be in double quotes. Needs no lock. */
+    /** True if something has that path, which may be in double quotes. Takes no lock. */
     static bool isFileExist(const std::string& path);
 
   private:
@@ -101,7 +103,7 @@ class ProjectParser {
 
     static bool isMissing(const std::string& path, const char* function, int sourceLine);
 
-    // These run with mMutex held. False when a project or board file cannot be read.
+    // These run with mMutex held. False if a project or board file cannot be read.
     bool readChain(const char* customerIniPath, int projectId, const std::string& boardId);
     void parse_customer_ini(const char* path, std::string& customerId, std::string& sysIniPath);
     void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
@@ -112,8 +114,8 @@ class ProjectParser {
     void logSources() const;
 
     ItemStore mItems;
-    ItemStore mFormerItems;  // of the update before, while one runs; keeps its memory for the next
-    bool mIsRead = false;    // an update was made
+    ItemStore mFormerItems;  // of the previous update, during one; keeps its memory for the next
+    bool mIsRead = false;    // after the first update
     mutable std::mutex mMutex;
     int32_t mProjectId = 0;
     uint32_t mProjectMaxIdx = 0;
@@ -121,7 +123,7 @@ class ProjectParser {
     std::string mSysIniPath;
     std::string mProjectIniPath;
     std::string mBoardIniPath;
-    std::string mCleanedKey;  // texts that are no part of the line they come from
+    std::string mCleanedKey;  // buffers for texts that differ from their line
     std::string mCleaned;
     std::string mPatched;
     const char* const mTvdataPath;

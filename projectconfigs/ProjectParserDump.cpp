@@ -15,7 +15,7 @@ void ProjectParser::dump() const {
 
 void ProjectParser::dumpDetail() const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    // "deatil" is what the tools that read this log look for.
+    // Tools that read this log look for "deatil".
     ALOGD("ProjectConfigs deatil:");
     logSources();
     mItems.log(LOG_TAG);

@@ -14,7 +14,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** Which set of a product line it is. */
+/** Identifies one set of a product line. */
 struct SetIdentity {
     int32_t projectId = 0;             ///< the model, the number after "Model_" in the system file
     std::string boardId;               ///< path of the board file; "DEFAULT_BOARD_ID" for none
@@ -24,9 +24,9 @@ struct SetIdentity {
 /**
  * What one set is: the items of its model, board and country, and the files that these name.
  *
- * Knows no service and no process: a program may have any number of sets of any product lines side
- * by side. The constructor reads everything, in a fixed order, which the log shows. The parts guard
- * themselves; calls may come from any number of threads, where the parts do not say otherwise.
+ * A set depends on no service and no state of the process: a program may have any number of sets of
+ * any product lines side by side. The constructor reads all files in a fixed order, which the log
+ * shows. Each part documents which threads may call it.
  */
 class ProjectSet {
   public:
@@ -34,7 +34,7 @@ class ProjectSet {
      * @param partitions  the set's mount points
      * @param properties  the set's system properties; must outlive the object
      * @param data        what the set's regional files share; must outlive the object
-     * @param identity    which set it is
+     * @param identity    the model, the board and the country
      */
     ProjectSet(Partitions partitions, const Properties& properties, RegionalData& data,
                const SetIdentity& identity);

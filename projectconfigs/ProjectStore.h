@@ -12,8 +12,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * The project items of a set, loaded for one model and board.
  *
- * Calls may come from any number of threads, but for load(): its callers take turns. Log tag:
- * "MlkProjectConfigs".
+ * Any number of threads may call; the caller serialises load(). Log tag: "MlkProjectConfigs".
  */
 class ProjectStore {
   public:
@@ -37,7 +36,7 @@ class ProjectStore {
     bool load(int projectId, const std::string& boardId);
 
     /**
-     * Logs where the items come from; each item, too, if the property
+     * Logs where the items come from, and also each item if the property
      * "persist.vendor.mlk.configs.debug" is a number of at least 1.
      */
     void logItems() const;

@@ -23,10 +23,11 @@ using std::chrono::steady_clock;
 
 namespace {
 
-// A pipe becomes writable a page at a time: in between it is looked at whether any byte has gone.
+// A pipe becomes writable a page at a time. Between two pages, the writer checks this often whether
+// the reader has read any byte.
 constexpr milliseconds kGlance(50);
 
-// Never freed: a thread may wait for its reader until the very end of the process.
+// Never freed: a thread may wait for its reader until the process ends.
 Places& readers() {
     static Places& places = *new Places(kWaitForReaders);
     return places;
@@ -41,10 +42,10 @@ ssize_t uninterrupted(const Call& call) {
     return result;
 }
 
-// What is asked of a descriptor whose other end somebody reads:
-//   ssize_t takeNow(text)  what it takes right now; -1 with EAGAIN when there is no room
-//   int unread()           a number that changes when its reader reads, and by nothing else that
-//                          the other end may do
+// The three kinds of descriptors with a reader have these members:
+//   ssize_t takeNow(text)  writes what fits now; -1 with EAGAIN if nothing fits
+//   int unread()           a number that changes when the reader reads, and by no other act of the
+//                          other end
 
 class Socket {
   public:
@@ -55,7 +56,7 @@ class Socket {
                     MSG_DONTWAIT | MSG_NOSIGNAL);
     }
 
-    // Bytes on their way. FIONREAD would count those that the other end has sent.
+    // The bytes sent but not read. FIONREAD would count those that the other end has sent.
     int unread() const {
         int size = 0;
         (void)ioctl(mDescriptor, TIOCOUTQ, &size);
@@ -66,9 +67,9 @@ class Socket {
     const int mDescriptor;
 };
 
-// Bytes move over from a pipe of our own, because that can be asked not to wait: whether a write
-// waits is a flag that belongs to the client, and a pipe that polls writable may be full again
-// before it is written to.
+// Moves bytes from a pipe of its own, because only splice() can be told not to wait. For write(),
+// that is a flag of the descriptor, which belongs to the client, and a pipe that polls writable may
+// be full again before the write.
 class Pipe {
   public:
     explicit Pipe(int descriptor) : mDescriptor(descriptor) {
@@ -80,7 +81,7 @@ class Pipe {
             const std::string_view piece = text.substr(0, PIPE_BUF);
             const ssize_t held = write(mIn.get(), piece.data(), piece.size());
             if (held <= 0) {
-                return -1;  // there was no descriptor left for the pipe
+                return -1;  // the process has no descriptor left for the pipe
             }
             mHeld = static_cast<size_t>(held);
         }
@@ -100,24 +101,24 @@ class Pipe {
     const int mDescriptor;
     unique_fd mOut;
     unique_fd mIn;
-    size_t mHeld = 0;  ///< bytes in the pipe, the next ones to be moved
+    size_t mHeld = 0;  // bytes in the pipe, which are moved next
 };
 
-// A terminal that polls writable takes a byte, but perhaps not two.
+// A terminal that polls writable takes one byte, but perhaps not two.
 class Terminal {
   public:
     explicit Terminal(int descriptor) : mDescriptor(descriptor) {}
 
     ssize_t takeNow(std::string_view text) const {
-        pollfd room{mDescriptor, POLLOUT, 0};
-        if (poll(&room, 1, 0) == 0) {
+        pollfd writable{mDescriptor, POLLOUT, 0};
+        if (poll(&writable, 1, 0) == 0) {
             errno = EAGAIN;
             return -1;
         }
         return write(mDescriptor, text.data(), 1);
     }
 
-    // Only what it takes counts.
+    // A terminal does not tell what is unread; only the bytes that it takes count.
     static int unread() { return 0; }
 
   private:
@@ -138,7 +139,7 @@ Written writeToFile(int descriptor, std::string_view text) {
     return {WriteOutcome::COMPLETE, done};
 }
 
-// Writes until everything is written, or nothing was read for too long.
+// Writes until all is written, or until the reader has read nothing for kReaderPatience.
 template <typename Target>
 Written writeWhileRead(int descriptor, std::string_view text, Target&& target) {
     constexpr int kUnknown = -1;
@@ -168,8 +169,8 @@ Written writeWhileRead(int descriptor, std::string_view text, Target&& target) {
         } else if (steady_clock::now() >= end) {
             return {WriteOutcome::UNREAD, done};
         }
-        pollfd room{descriptor, POLLOUT, 0};
-        (void)poll(&room, 1, static_cast<int>(kGlance.count()));
+        pollfd writable{descriptor, POLLOUT, 0};
+        (void)poll(&writable, 1, static_cast<int>(kGlance.count()));
     }
     return {WriteOutcome::COMPLETE, done};
 }

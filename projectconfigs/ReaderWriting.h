@@ -7,36 +7,36 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * How long a reader may leave all that was written where it is. One that works is there within
- * milliseconds even on a busy set.
+ * How long a reader may read nothing. A working reader reads within milliseconds, even on a busy
+ * set.
  */
 inline constexpr std::chrono::milliseconds kReaderPatience(750);
 
-/** How many readers of pipes, sockets and terminals may be waited for at once. */
+/** How many threads may wait for readers of pipes, sockets and terminals at once. */
 inline constexpr int kWaitForReaders = 2;
 
 enum class WriteOutcome {
     COMPLETE,
-    FAILED,   ///< the descriptor takes nothing (any more)
-    UNREAD,   ///< its reader took nothing for kReaderPatience
-    CROWDED,  ///< as many threads as may write, or wait for readers, do so already
+    FAILED,   ///< the descriptor takes no bytes, or no more
+    UNREAD,   ///< the reader read nothing for kReaderPatience
+    CROWDED,  ///< too many threads write, or wait for readers, already
 };
 
-/** What became of a text. */
+/** The result of writing a text. */
 struct Written {
     WriteOutcome outcome;
     size_t size;  ///< bytes that the descriptor took
 };
 
 /**
- * Writes `text` to a pipe, a socket, a file or a terminal. A reader that reads gets all of it: from
- * a pipe or a terminal at least a byte each kReaderPatience, from a socket 4 KiB. The flags of the
- * descriptor stay as they are, because they are the client's too. The calling thread must have
- * SIGPIPE blocked. Any number of threads.
+ * Writes `text` to a pipe, a socket, a file or a terminal. A reader gets all of it if it keeps
+ * reading: in each kReaderPatience at least one byte from a pipe or a terminal, 4 KiB from a
+ * socket. The flags of the descriptor stay as they are, because the client shares them. The calling
+ * thread must have SIGPIPE blocked. Any number of threads may call.
  *
- * Returns only when the reader is done or is given up: that may take as long as the text is long
- * and the reader slow. A file system that does not answer holds the thread for as long as it likes,
- * because nothing asks the system whether a write would wait.
+ * Returns only when the text is written or given up. A long text and a slow reader take long. A
+ * file system that does not answer blocks the thread without limit, because the system cannot tell
+ * whether a write to a file would wait.
  */
 Written writeToReader(int descriptor, std::string_view text);
 

@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 
+#include "projectconfigs/LogNumbers.h"
 #include "regional/FreqTableParser.h"
 #include "regional/LanguageListParser.h"
 
@@ -53,8 +54,7 @@ TvSysMapCfgHolder Region::holder() const {
 
 void Region::apply(_tv_country country) {
     const std::string file = mItems.getInfo(kTvSysMap);
-    // Method and number are what the tools that read this log know the message by.
-    ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", 875, file.c_str());
+    ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", kLineOfTvSysMap, file.c_str());
     if (file.empty()) {
         return;
     }
@@ -62,7 +62,7 @@ void Region::apply(_tv_country country) {
     for (const ItemStore::Item item : items.inOrder()) {
         const ConfigKey key(items.sectionOf(item), items.keyOf(item));
         mItems.setInfo(key, items.valueOf(item));
-        // The value that is read back shows which items the project does not have.
+        // The value that is read back is empty for an item that the project does not have.
         ALOGD("\t%s:%s=%s", key.category.data(), key.key.data(), mItems.getInfo(key).c_str());
     }
 }

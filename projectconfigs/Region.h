@@ -15,15 +15,15 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Countries, languages, channel plans and TV systems of a set. The project's items name the files;
- * the regional classes read them, at each call anew but for the frequency map.
+ * Countries, languages, channel plans and TV systems of a set. The project's items name the files.
+ * Each call reads them again, except the frequency map.
  *
- * A list whose file is not named or cannot be read is empty. Calls may come from any number of
- * threads, but for apply() and save(): their callers take turns. Log tag: "MlkProjectConfigs".
+ * A list is empty if its file is not named or cannot be read. Any number of threads may call; the
+ * caller serialises apply() and save(). Log tag: "MlkProjectConfigs".
  */
 class Region {
   public:
-    /** All but the partitions, which are copied, must outlive the object. */
+    /** The partitions are copied; the other arguments must outlive the object. */
     Region(ProjectParser& items, const Partitions& partitions, const Properties& properties,
            RegionalData& data)
         : mItems(items), mPartitions(partitions), mProperties(properties), mData(data) {}
@@ -42,10 +42,10 @@ class Region {
     bool hasTvSystems() const;
 
     /**
-     * Puts what belongs to a country into the project's items; an item that the project does not
-     * have is not added.
+     * Puts a country's items into the project's items. Does not add an item that the project does
+     * not have.
      *
-     * @param country  kNoCountry for the saved one
+     * @param country  kNoCountry for the saved country
      */
     void apply(_tv_country country);
 

@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 
+#include "projectconfigs/LogNumbers.h"
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
@@ -22,9 +23,8 @@ SetChanges::SetChanges(ProjectSet& set, ProjectID& projectId, const BoardID& boa
 bool SetChanges::setProject(int32_t id) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (id > 0 && id > mProjectMaxIdx) {
-        // Function and number are what the tools that read this log know the message by.
         ALOGD("[%s:%d] Update and check Max ID again for the case of USB update",
-              "SetProjectIdInternal", 522);
+              "SetProjectIdInternal", kLineOfMaxIdCheck);
         mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
         mProjectMaxIdx = highestIndex(mSet);
     }
@@ -32,11 +32,11 @@ bool SetChanges::setProject(int32_t id) {
         ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!", mProjectMaxIdx, id);
         return false;
     }
-    // The files first: a model that cannot be read is not changed to.
+    // The files first: the model changes only if they can be read.
     if (!mSet.store().load(id, kSameBoard)) {
         return false;
     }
-    // An index that cannot be stored still holds until the next start.
+    // An index that cannot be stored is used until the next start.
     mProjectID.Set(static_cast<unsigned int>(id));
     return true;
 }
@@ -44,7 +44,7 @@ bool SetChanges::setProject(int32_t id) {
 bool SetChanges::setProject(int32_t id, const std::string& processName, int32_t pid) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (id <= 0 || id > mProjectMaxIdx) {
-        // Two exclamation marks tell this refusal from the other.
+        // Two exclamation marks distinguish this refusal from the other.
         ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!!", mProjectMaxIdx, id);
         return false;
     }

@@ -14,32 +14,32 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * Changes of a set that outlive a restart: its model and its country.
  *
- * Changes take turns, whatever thread they come from: a country's items belong to one state of the
- * items. Log tag: "MlkProjectConfigs".
+ * Any thread may call. One change runs at a time, so that the items of a country are all put into
+ * the items of the same model. Log tag: "MlkProjectConfigs".
  */
 class SetChanges {
   public:
-    /** All must outlive the object. */
+    /** All arguments must outlive the object. */
     SetChanges(ProjectSet& set, ProjectID& projectId, const BoardID& boardId);
 
     /**
-     * Makes the set another model, saves the choice and reads the items anew, with the board file
-     * that is in use. For an index above the highest known the files are looked at again first.
+     * Changes the model, saves its index and reads the items again, with the board file in use. For
+     * an index above the highest known one, the files are first read again to look for new models.
      *
      * @return false, with nothing changed, if the index is not accepted (accepted are 1 to the
      *         highest) or the model's files cannot be read
      */
     bool setProject(int32_t id);
 
-    /** The same without the second look; the trace names the process that asked. */
+    /** The same without the search for new models. The process that asks is not used. */
     bool setProject(int32_t id, const std::string& processName, int32_t pid);
 
     /**
-     * Puts what belongs to the country into the items, and saves the country. kNoCountry puts in
-     * what belongs to the saved country, and is not saved. A later change of the model takes the
-     * country's items out again, until the next start.
+     * Puts the country's items into the items of the set, and saves the country. kNoCountry stands
+     * for the saved country, and saves nothing. A later change of the model removes the country's
+     * items until the next start.
      *
-     * @return whether the country was saved
+     * @return true if the country was saved
      */
     bool setCountry(_tv_country country);
 

@@ -7,6 +7,7 @@
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "projectconfigs/AuxiliaryFile.h"
+#include "projectconfigs/LogNumbers.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -24,7 +25,7 @@ constexpr AuxiliaryFileSource kIC = {kCategory, "AUDIO_CONFIG_IC_PATH",
 constexpr AuxiliaryFileSource kAvrDefault = {
         kCategory, kAvrPathKey, "mAvrDefaultName:", "Can't get audio config AVR path!"};
 
-// Delays are added as the 32-bit numbers they are; a sum out of range wraps.
+// A sum out of the range of 32 bits wraps.
 int32_t add(int32_t a, int32_t b) {
     return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
 }
@@ -57,7 +58,7 @@ bool SoundDelays::trySetAvrText(std::string& member, const char* label, std::str
     const std::lock_guard<std::mutex> lock(mMutex);
     const std::string formerText = member;
     const std::string formerName = mAvrName;
-    // A client's text may hold a NUL, which ends it.
+    // A NUL in a client's text ends it.
     member = text.substr(0, text.find('\0'));
     ALOGD("%s:%s", label, member.c_str());
     if (!updateAudioConfig()) {
@@ -89,8 +90,7 @@ bool SoundDelays::updateAudioConfig() {
     }
     const size_t folder = defaultPath.size() - fileNameOf(defaultPath).size();
     if (folder == 0) {
-        // 780 is what the tools that read this log know the message by.
-        ALOGE("MlErr : [%s %d], strrchr return null", __func__, 780);
+        ALOGE("MlErr : [%s %d], strrchr return null", __func__, kLineOfAvrPath);
         return true;
     }
     const std::string path = defaultPath.substr(0, folder) + name;
@@ -111,7 +111,7 @@ int32_t SoundDelays::delay(const ConfigKey& key, bool isArc) const {
     const std::string ic = lookUp(mICName);
     const std::string avrDefault = lookUp(mAvrDefaultName);
     const std::string hardware = lookUp(mHardwareName);
-    // The messages carry the name of the interface's method.
+    // The name of the interface's method, for the log.
     constexpr const char* kMethod = "getAudioDelay";
     ALOGD("%s: Category:%s, Key:%s, mPanelName:%s, mICName:%s, mAvrDefaultName:%s, "
           "mHwAudioConfigName:%s",

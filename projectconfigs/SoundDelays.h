@@ -16,12 +16,12 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * The audio files of a set and the sound delays that they add up to.
  *
- * There is a file for the panel, the audio IC, the default AVR (audio/video receiver) and the
- * hardware, loaded by the constructor, and one for each AVR that was ever set. The files of AVRs
- * lie beside that of the default AVR and are called "AVR_<vendor id>_<OSD name>.ini".
+ * The constructor loads the files of the panel, the audio IC, the default AVR (audio/video
+ * receiver) and the hardware. Each AVR that is set adds its file: "AVR_<vendor id>_<OSD name>.ini"
+ * in the folder of the default AVR's file.
  *
- * Calls may come from any number of threads: mMutex guards the names of the AVR, so that a delay is
- * that of one AVR, whichever is set meanwhile. Log tag: "MlkProjectConfigs".
+ * Any number of threads may call. mMutex guards the names of the AVR, so that a delay belongs to
+ * one AVR even if another thread sets it. Log tag: "MlkProjectConfigs".
  */
 class SoundDelays {
   public:
@@ -36,8 +36,8 @@ class SoundDelays {
                 const std::string& hardware);
 
     /**
-     * Sets one of the two texts that tell which AVR is in use. Once both are known, the AVR's file
-     * is loaded, unless it is already.
+     * Sets one of the two texts that identify the AVR in use. If both are known, loads the AVR's
+     * file unless it is loaded already.
      *
      * @return false, with nothing changed, if the text, the file's name or its path does not fit:
      *         a text and a name have at most kFileNameSize bytes, a path has fewer
@@ -46,10 +46,10 @@ class SoundDelays {
     bool trySetAvrOSDName(std::string_view osdName);
 
     /**
-     * The sum of what the files of the panel, the audio IC and the hardware say for the key. A sum
-     * out of the range of 32 bits wraps; what is no number counts 0.
+     * The sum of the key's values in the files of the panel, the audio IC and the hardware. A sum
+     * out of the range of 32 bits wraps; a value that is no number counts as 0.
      *
-     * @param isArc  adds what the files of the default AVR and of the AVR in use say
+     * @param isArc  adds the values in the files of the default AVR and of the AVR in use
      */
     int32_t delay(const ConfigKey& key, bool isArc) const;
 

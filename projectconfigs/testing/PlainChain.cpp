@@ -14,7 +14,7 @@ bool has(const std::string& line, const char* word) {
     return strstr(line.c_str(), word) != nullptr;
 }
 
-std::string behind(const std::string& line, const std::string& mark) {
+std::string textAfter(const std::string& line, const std::string& mark) {
     return line.substr(line.find(mark) + mark.size());
 }
 
@@ -37,7 +37,7 @@ uint32_t projectIdOf(const std::string& text) {
 std::string boardIdOf(const std::string& text) {
     for (const std::string& line : linesOf(text, kListLine)) {
         if (has(line, "BOARD_ID") && has(line, "=")) {
-            return behind(line, "=");
+            return textAfter(line, "=");
         }
     }
     return {};
@@ -54,21 +54,21 @@ void Chain::update(const std::string& customerPath, int projectId, const std::st
             continue;
         }
         if (has(line, "CUSTOMER_ID")) {
-            mCustomerId = cleaned(behind(line, "="));
+            mCustomerId = cleaned(textAfter(line, "="));
         } else if (has(line, "SYS_INI")) {
-            mSystemPath = patched(cleaned(behind(line, "=")));
+            mSystemPath = patched(cleaned(textAfter(line, "=")));
         }
     }
     for (const std::string& line : linesOf(contentOf(mSystemPath), kListLine)) {
         if (!has(line, "=") || !has(line, "Model_")) {
             continue;
         }
-        const int number = atoi(behind(line, "Model_").c_str());
+        const int number = atoi(textAfter(line, "Model_").c_str());
         if (static_cast<uint32_t>(number) > mMaxIdx) {
             mMaxIdx = static_cast<uint32_t>(number);
         }
         if (number == projectId) {
-            mProjectPath = patched(cleaned(behind(line, "=")));
+            mProjectPath = patched(cleaned(textAfter(line, "=")));
         }
     }
     readProjectFile(mProjectPath);
@@ -123,7 +123,7 @@ std::vector<std::string> Chain::iniList() const {
             continue;
         }
         std::string entry;
-        for (const char c : has(line, "model/") ? behind(line, "model/") : line.substr(5)) {
+        for (const char c : has(line, "model/") ? textAfter(line, "model/") : line.substr(5)) {
             if (c != '"') {
                 entry += c;
             }

@@ -16,8 +16,8 @@ uint32_t projectIdOf(const std::string& text);
 std::string boardIdOf(const std::string& text);
 
 /**
- * The chain of project files, its rules written down one after the other: what ProjectParser is
- * compared with. Reads the same files.
+ * A plain model of the chain of project files, rule by rule. Tests compare ProjectParser with it.
+ * It reads the same files.
  */
 class Chain {
   public:
@@ -26,10 +26,10 @@ class Chain {
 
     void update(const std::string& customerPath, int projectId, const std::string& boardId);
 
-    /** Gives an item another value; one that is not there is not added. */
+    /** Replaces the value of an item; does not add an item. */
     void setInfo(const Items::key_type& name, const std::string& value);
 
-    /** As ProjectParser's stream form. */
+    /** The text of ProjectParser's dump to a stream. */
     std::string dump() const;
     std::vector<std::string> iniList() const;
     const Items& items() const { return mItems; }

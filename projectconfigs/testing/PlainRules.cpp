@@ -42,7 +42,7 @@ void cutComment(std::string& text) {
     }
 }
 
-// The first such character at place p goes, and up to p characters after it.
+// Removes the first such character, at position p, with up to p characters after it; repeats that.
 void takeOutWithFollowers(std::string& text, char unwanted) {
     for (;;) {
         size_t place = 0;
