@@ -1,14 +1,14 @@
 # How a source file becomes a fuzzer.
 
 # mlk_fuzzer(NAME SOURCES... LIBS libs...)
-# A program that gives inputs to the LLVMFuzzerTestOneInput of SOURCES. With MLK_FUZZ it makes them
-# up (libFuzzer); everywhere it is a test of CTest's, fuzz.NAME, that goes once through the inputs
-# that are kept:
-#   seeds/NAME/         beside the source: written by hand, rules worth a look and every bug found
+# A program that gives inputs to the LLVMFuzzerTestOneInput of SOURCES. With MLK_FUZZ, libFuzzer
+# generates them. In every preset the program is also the CTest test fuzz.NAME, which runs the kept
+# inputs once:
+#   seeds/NAME/         beside the source: written by hand, for odd rules and every bug found
 #   fuzz/seeds/NAME/    of the build: made from samples/ by tools/fuzz-seeds.sh, and by
 #                       mlk_fuzz_seeds
-# Words that its texts are made of are in NAME.dict beside the source. What ./test --fuzz needs to know of a
-# fuzzer stands in fuzz/NAME.run of the build.
+# NAME.dict beside the source holds the words of the format. fuzz/NAME.run of the build holds the
+# command line for ./test --fuzz.
 function(mlk_fuzzer name)
     if(NOT BUILD_TESTING)
         return()
@@ -40,7 +40,7 @@ function(mlk_fuzzer name)
 endfunction()
 
 # mlk_fuzz_seeds(FUZZER SOURCES... LIBS libs...)
-# A program that writes inputs for the fuzzer into the folder that is its argument; run by the build.
+# A program that writes inputs for the fuzzer into the folder of its argument. The build runs it.
 function(mlk_fuzz_seeds fuzzer)
     if(NOT BUILD_TESTING)
         return()

@@ -3,7 +3,7 @@
 find_program(HIDL_GEN hidl-gen REQUIRED)
 
 # mlk_hidl_generate(PREFIX PACKAGE ROOTS root:path... SOURCES generated... HALS files...)
-# Has PACKAGE (name@version) compiled: PREFIX_SOURCES are the generated sources, PREFIX_INCLUDE is
+# Compiles PACKAGE (name@version). Sets PREFIX_SOURCES to the generated sources and PREFIX_INCLUDE to
 # the folder of their headers. SOURCES are the .cpp files that the compiler writes, without their
 # folder; HALS are the files it reads. ROOTS are package roots with their folders relative to the
 # source tree. The generated code is exempt from our warnings.
@@ -25,8 +25,8 @@ function(mlk_hidl_generate prefix package)
         DEPENDS ${ARG_HALS} ${CMAKE_SOURCE_DIR}/cmake/HidlRepair.cmake
         COMMENT "Compiling ${package}"
         VERBATIM)
-    # Structs travel as they stand in memory: what the other end sends for a bool or an enumerator may
-    # be neither, and generated code passes it on as it does on a device.
+    # Structs travel as raw memory: a client may send any byte for a bool or an enumerator, and
+    # generated code passes it on, as it does on a device.
     set_source_files_properties(${ARG_SOURCES} PROPERTIES
         COMPILE_OPTIONS "-w;-fno-sanitize=bool,enum")
     set(${prefix}_SOURCES ${ARG_SOURCES} PARENT_SCOPE)
@@ -34,7 +34,8 @@ function(mlk_hidl_generate prefix package)
 endfunction()
 
 # mlk_hidl_package(TARGET PACKAGE ... [LIBS libs...])
-# Library TARGET with the generated code of PACKAGE; the other arguments are mlk_hidl_generate's.
+# Library TARGET with the generated code of PACKAGE. The other arguments are those of
+# mlk_hidl_generate.
 function(mlk_hidl_package target package)
     cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
     mlk_hidl_generate(${target} ${package} ${ARG_UNPARSED_ARGUMENTS})

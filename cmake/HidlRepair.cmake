@@ -1,10 +1,10 @@
-# Two repairs that this release of the HIDL compiler needs before a current compiler takes its
-# output. FOLDER is the generated package.
+# Makes two repairs to the output of this release of the HIDL compiler, which a current C++ compiler
+# rejects otherwise. FOLDER is the generated package.
 
-# The values of an enumeration are a variable in a header: without "inline" every object that
-# includes it defines it anew.
+# The values of an enumeration are a variable in a header: without "inline" every object file that
+# includes it defines the variable again.
 file(GLOB headers ${FOLDER}/*.h)
-# getHashChain takes the address of a temporary array, which C++ does not give out.
+# getHashChain takes the address of a temporary array, which C++ does not allow.
 file(GLOB sources ${FOLDER}/*.cpp)
 foreach(file ${headers} ${sources})
     file(READ ${file} text)

@@ -1,4 +1,4 @@
-"""The product's rooms use the platform by the names that a device has, and nothing of the host's."""
+"""The product's folders use the platform by the names that a device has, and nothing of host/."""
 
 import re
 import unittest
@@ -37,7 +37,7 @@ PLATFORM = {
 }
 PACKAGE = re.compile(r"vendor/morlak/mlkconfigs/1\.0/(types|hwtypes|(I|IHw|BnHw)Mlk\w+Configs)\.h")
 
-# What the rooms call of the platform's C++ libraries: each is what a device's headers declare.
+# What the product calls of the platform's C++ libraries. A device's headers declare each of them.
 NAMES = set(
     """base::Pipe base::unique_fd hardware::IBinder hardware::Parcel hardware::Return
     hardware::Status::ok hardware::Void hardware::configureRpcThreadpool
@@ -70,11 +70,11 @@ class Includes(unittest.TestCase):
             ["HostSet.h", "hwbinder/Wire.h"],
         )
 
-    def test_only_rooms_below(self):
+    def test_only_folders_below(self):
         for source in tree.product_sources():
-            room = source.split("/", maxsplit=1)[0]
-            # The entry of the process is what brings the rooms together.
-            allowed = tree.ARROWS[room] | {room}
+            folder = source.split("/", maxsplit=1)[0]
+            # The entry of the process brings the folders together.
+            allowed = tree.ARROWS[folder] | {folder}
             for name in tree.includes(source):
                 if name.startswith('"'):
                     self.assertIn(name.strip('"').split("/")[0], allowed, f"{source}: {name}")

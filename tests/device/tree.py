@@ -1,4 +1,4 @@
-"""What the device's tests know of the source tree: its rooms, its sources and what they say."""
+"""What the device's tests know of the source tree: its folders, its sources and what they say."""
 
 import functools
 import itertools
@@ -43,8 +43,8 @@ def product_sources():
     """Every source and header of the product, tests left out, by its name in the tree."""
     return sorted(
         str(path.relative_to(ROOT))
-        for room in ARROWS
-        for path in (ROOT / room).glob("*")
+        for folder in ARROWS
+        for path in (ROOT / folder).glob("*")
         if path.suffix in {".cpp", ".h"}
     )
 

@@ -5,9 +5,9 @@ import sys
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-ROOM = os.path.dirname(HERE)
-TREE = os.path.dirname(os.path.dirname(ROOM))
-sys.path.insert(0, ROOM)
+FOLDER = os.path.dirname(HERE)
+TREE = os.path.dirname(os.path.dirname(FOLDER))
+sys.path.insert(0, FOLDER)
 
 import planting  # noqa: E402
 import programs  # noqa: E402
@@ -34,7 +34,7 @@ def planted(source, *rows):
 
 class TreeTest(unittest.TestCase):
     def setUp(self):
-        self.bugs = table.read_tables(os.path.join(ROOM, "bugs"))
+        self.bugs = table.read_tables(os.path.join(FOLDER, "bugs"))
 
     def test_every_bug_fits_its_place_and_can_be_planted(self):
         by_file = {}

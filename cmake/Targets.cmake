@@ -1,6 +1,6 @@
-# How a room of the house becomes a library, a program or a test.
+# How a component becomes a library, a program or a test.
 
-# Our own code compiles without a warning; generated code does not take part.
+# Our own code must compile without a warning. Generated code is exempt.
 add_library(mlk_warnings INTERFACE)
 target_compile_options(mlk_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
@@ -18,8 +18,8 @@ find_package(Threads REQUIRED)
 if(BUILD_TESTING)
     find_package(GTest REQUIRED)
     include(GoogleTest)
-    # What every test finds in its environment. CTest reads the file before it runs them; a list of
-    # variables does not survive the discovery of GoogleTest's tests.
+    # The environment of every test. CTest reads this file before it runs the tests; the ENVIRONMENT
+    # property does not survive the discovery of GoogleTest's tests.
     file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestEnvironment.cmake CONTENT [[
 set(ENV{MLK_BIN_DIR} "@CMAKE_BINARY_DIR@/bin")
 set(ENV{MLK_SOURCE_DIR} "@CMAKE_SOURCE_DIR@")
@@ -28,16 +28,16 @@ set(ENV{TSAN_OPTIONS} "suppressions=@CMAKE_SOURCE_DIR@/cmake/tsan.supp:$ENV{TSAN
     set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY
                  TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/TestEnvironment.cmake)
 
-    # To compile the tests is most of what a build has to do, and half of that is GoogleTest. What
-    # is tested is optimised, the tests themselves are not; and its headers are compiled once. A
-    # compiler cache knows them without that, and takes nothing that uses them. The release does
-    # without both: there each test has to include what it uses.
+    # Most of a build's time goes into the tests, and half of that into GoogleTest's headers.
+    # Therefore the tests themselves are not optimised, only the code under test is, and GoogleTest's
+    # headers are precompiled. A compiler cache makes precompiled headers needless and cannot cache
+    # what uses them. The release uses neither, so that each test has to include what it uses.
     add_library(mlk_test_options INTERFACE)
     if(NOT CMAKE_BUILD_TYPE STREQUAL Release)
         target_compile_options(mlk_test_options INTERFACE -O0)
         if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
             file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestHeaders.cpp CONTENT "int main() {}\n")
-            # A program, as the tests are: a library's flags are others.
+            # A program, as the tests are: a library has other flags.
             add_executable(mlk_test_headers ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
             target_link_libraries(mlk_test_headers PRIVATE mlk_test_options GTest::gmock
                                   GTest::gtest_main mlk_warnings)
@@ -49,7 +49,7 @@ set(ENV{TSAN_OPTIONS} "suppressions=@CMAKE_SOURCE_DIR@/cmake/tsan.supp:$ENV{TSAN
 endif()
 
 # mlk_library(NAME SOURCES... [PUBLIC LIBS...] [PRIVATE LIBS...])
-# A static library of our own code. Its headers are found by the name of their room:
+# A static library of our own code. Its headers are included by the name of their folder:
 # "projectconfigs/ProjectParser.h".
 function(mlk_library name)
     cmake_parse_arguments(ARG "" "" "PUBLIC;PRIVATE" ${ARGN})
@@ -59,8 +59,8 @@ function(mlk_library name)
 endfunction()
 
 # mlk_fast(SOURCES...)
-# What every line of a file or every call goes through. A release is built for size, since what a
-# service takes of memory is mostly its program; these sources are built for speed.
+# Builds these sources for speed: every line of a file or every call goes through them. The rest of
+# a release is built for size, because most of the service's memory is its program.
 function(mlk_fast)
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O3>")
 endfunction()
@@ -75,9 +75,9 @@ function(mlk_program name)
 endfunction()
 
 # mlk_test(NAME SOURCES... LIBS libs... [NEEDS programs...] [TIMEOUT SECONDS])
-# One GoogleTest program; each of its tests is a test of CTest's, so that they run in parallel.
+# One GoogleTest program. Each of its tests is a CTest test, so that they run in parallel.
 # NEEDS names programs that the test starts: they are built first, and MLK_BIN_DIR in the test's
-# environment is the folder they are in.
+# environment is the folder that holds them.
 function(mlk_test name)
     if(NOT BUILD_TESTING)
         return()
