@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds the sources against .clang-format, the limits on files, and the shell scripts against bash.
+# Checks the sources against .clang-format and the limit on lines, and the syntax of shell scripts.
 set -u
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 status=0

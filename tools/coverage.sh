@@ -1,15 +1,15 @@
-# Runs the tests and tells what of the code they ran. Sourced by ./test, with the tree as the working
-# directory.
+# Runs the tests and prints how much of the code they cover. Sourced by ./test, with the tree as the
+# working directory.
 
-# coverage FOLDER ARGUMENT...: the suite of the coverage preset, built in that folder, then the
-# table; the arguments are those of tools/coverage.py. False when a test failed.
+# coverage FOLDER ARGUMENT...: runs the suite of the coverage preset, which is built in FOLDER, and
+# prints the table. The arguments are those of tools/coverage.py. Fails if a test failed.
 coverage() {
     local folder=$PWD/$1
     shift
     local profiles=$folder/profiles status=0
     rm -rf "$profiles"
-    # One file a program, which all its processes add to while they run (%c): what a process that is
-    # killed has done counts as well. Some tests run programs as other users.
+    # Each program has one file, to which all its processes add while they run (%c): a process that
+    # is killed counts as well. Some tests run programs as other users.
     mkdir -p -m 1777 "$profiles"
     LLVM_PROFILE_FILE="$profiles/%m%c.profraw" \
         ctest --preset coverage -j "$(($(nproc) * 2))" >"$folder/tests.log" 2>&1 || status=1
@@ -22,7 +22,8 @@ coverage() {
     for program in "${programs[@]:1}"; do
         objects+=(-object "$program")
     done
-    # It warns of inline functions that a program has and never uses: another's count for them.
+    # It warns about inline functions that a program contains and never uses; the counts come from
+    # another program.
     llvm-cov export -instr-profile="$folder/all.profdata" -skip-functions \
         -ignore-filename-regex='^/usr/' \
         "${programs[0]}" "${objects[@]}" \

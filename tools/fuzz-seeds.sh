@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Makes inputs for the fuzzers from the sample product line: fuzz-seeds.sh PARTITIONS TO writes them
-# to TO/<fuzzer>/. An input of several files has a line "--8<--" between them; the paths by which
-# the files name each other are those that the fuzzer puts them at.
+# to TO/<fuzzer>/. A line "--8<--" separates the files of an input. The files name each other by the
+# paths at which the fuzzer puts them.
 set -eu
 partitions=$1
 to=$2
 tvconfigs=$partitions/tvconfigs
 
-# join FILE...: the files as one input. "-" is standard input.
+# join FILE...: prints the files as one input. "-" is standard input.
 join() {
     local first=1
     local file
@@ -26,8 +26,7 @@ done
 work=$(mktemp -d)
 trap 'rm -r "$work"' EXIT
 
-# Every model with its first lines, which fit into a line buffer and into an engine's patience, and
-# every board.
+# Every model, in pieces of 30 lines: longer inputs would slow the fuzzer down. Every board.
 customer=$work/customer
 sed 's|/tvconfigs/system/[^"]*|/tvconfigs/sys.ini|' "$tvconfigs/customer.ini" >"$customer"
 index=0
@@ -48,7 +47,7 @@ for file in "$tvconfigs"/{audio,karaoke,keys,ddcci}/*.ini; do
     cp "$file" "$to/auxiliary_ini/${file##*/}"
 done
 
-# The file, and what a client sets: its second key, and one that it has not.
+# The file, and what a client sets: the second key of the file, and a key that the file lacks.
 for file in "$tvconfigs"/tv.config "$tvconfigs"/tv/*.config; do
     grep '^[^#].*=' "$file" | sed -n '2{s/=.*/=false/;p};3{s/=.*/x=1/;p}' >"$work/sets"
     join "$file" "$work/sets" >"$to/tv_config/${file##*/}"
@@ -58,7 +57,7 @@ for file in "$tvconfigs"/{country,language}/*.txt; do
     cp "$file" "$to/list_files/${file##*/}"
 done
 
-# Eight countries an input.
+# Eight countries in each input.
 awk -v to="$to/freq_map/" '{ print > (to int(blocks / 8) ".xml") } /<\/COUNTRY_FREQ_MAP>/ { blocks++ }' \
     "$tvconfigs/freqtables/country_freq_map.xml"
 for file in "$tvconfigs"/freqtables/{atv,dtv}/*; do

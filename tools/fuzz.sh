@@ -1,8 +1,8 @@
 # Runs the fuzzers of a build. Sourced by ./test, with the tree as the working directory.
 
-# run_fuzzer RUN SECONDS FOLDER: one fuzzer, by its .run file. What it learns stays in FOLDER/corpus,
-# what it finds in FOLDER/findings, its output in FOLDER/logs. One line of the table to standard
-# output; false when it found something.
+# run_fuzzer RUN SECONDS FOLDER: runs one fuzzer, named by its .run file. New inputs stay in
+# FOLDER/corpus, findings in FOLDER/findings, the output in FOLDER/logs. Prints one line of the table;
+# fails if the fuzzer found something.
 run_fuzzer() {
     local name=${1##*/}
     name=${name%.run}
@@ -10,7 +10,7 @@ run_fuzzer() {
     local command status=0
     read -ra command <"$1"
     mkdir -p "$corpus" "$findings" "${log%/*}"
-    # New inputs go to the first folder, the others are only read.
+    # libFuzzer writes new inputs to the first folder and only reads the others.
     local seeds=()
     while [[ ${command[-1]} == /* && -d ${command[-1]} ]]; do
         seeds+=("${command[-1]}")
@@ -34,8 +34,8 @@ run_fuzzer() {
 }
 export -f run_fuzzer
 
-# fuzz SECONDS FOLDER [NAME...]: all fuzzers of the build in that folder, or those named, for so long
-# each and as many at once as there are processors. False when one found something.
+# fuzz SECONDS FOLDER [NAME...]: runs all fuzzers of the build in FOLDER, or those named, for SECONDS
+# each, as many at once as there are processors. Fails if one found something.
 fuzz() {
     local seconds=$1 folder=$2
     shift 2
@@ -46,7 +46,7 @@ fuzz() {
     done
     (($#)) || runs=("$folder"/fuzz/*.run)
     local status=0
-    # A process that crashed leaves its files.
+    # A process that crashes leaves its temporary files here.
     local scratch
     scratch=$(mktemp -d -p /dev/shm) || return
     printf '%-16s %12s %9s  %s\n' fuzzer executions "new units" findings

@@ -1,6 +1,5 @@
 # What ./run and ./test share: the packages they need, and building a preset. Sourced by bash, with
-# the tree as the working directory. Everything that is not the caller's own output goes to standard
-# error.
+# the tree as the working directory. Only the caller writes to standard output.
 
 packages=(
     android-libbase-dev android-libcutils-dev android-liblog-dev android-libutils-dev
@@ -9,19 +8,19 @@ packages=(
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
-# For what the tests cover: llvm-cov and llvm-profdata.
+# For ./test --coverage: llvm-cov and llvm-profdata.
 coverage_packages=(llvm)
-# For the tests of scripts, and of what only a device has: tests/device.
+# For tests/device: scripts, module definitions, policy.
 device_packages=(blueprint-tools checkpolicy lld m4)
 # For ./run bench.
 bench_packages=(
     libbenchmark-dev
-    # What it is measured beside.
+    # The peers.
     capnproto dbus-daemon libboost-dev libcapnp-dev libglib2.0-dev libgrpc++-dev libinih-dev
     libprotobuf-dev libsimpleini-dev libsystemd-dev pkgconf protobuf-compiler-grpc
 )
 
-# need PACKAGE...: installs those that are missing.
+# need PACKAGE...: installs those packages that are missing.
 need() {
     local missing=()
     local package
@@ -44,7 +43,7 @@ need() {
             apt-get install -y --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET [TARGET...]: configures the preset unless it is, and builds.
+# build PRESET [TARGET...]: configures the preset unless that is done, and builds.
 build() {
     local preset=$1
     shift

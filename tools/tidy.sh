@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# Runs clang-tidy with the checks of .clang-tidy: tools/tidy.sh [--changed | FOLDER...]
+#
+#   --changed   sources changed since origin/main, or since the last tag if there is no origin/main
+#   FOLDER...   all sources of these folders; without a folder, those of the whole tree
+#
+# The default preset has to be built: it tells how each source is compiled, and holds the generated
+# headers. Tests, benchmarks and fuzzers are left out: their frameworks' macros break the checks.
+set -u
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
+commands=build/default/compile_commands.json
+
+# Keeps the sources that are checked at all, of names on standard input.
+checked() {
+    grep -E '\.(cpp|h)$' | grep -vE '(^|/)(tests|testing|bench|fuzz|mutants)/'
+}
+
+# Sources to compile for some files on standard input: a source stands for itself, a header for the
+# first source that includes it. What CMake does not compile is left out.
+compiled() {
+    local file
+    while read -r file; do
+        if [[ $file == *.h ]]; then
+            file=$(git grep -lE "#include [<\"]([a-z./]*/)?${file##*/}[>\"]" -- '*.cpp' | checked | head -n 1)
+        fi
+        [[ -n $file ]] && grep -qF "\"file\": \"$PWD/$file\"" "$commands" && echo "$file"
+    done | sort -u
+}
+
+if [[ ! -f $commands ]]; then
+    echo "tidy: build the default preset first" >&2
+    exit 1
+fi
+headers='common|frameworkconfigs|host|platform|projectconfigs|regional|service|tools|tvconfigs'
+if [[ ${1-} == --changed ]]; then
+    base=$(git rev-parse -q --verify origin/main) || base=$(git describe --tags --abbrev=0 2>/dev/null) || {
+        echo "tidy: neither origin/main nor a tag to compare with; skipped" >&2
+        exit 0
+    }
+    base=$(git merge-base HEAD "$base") || exit 1
+    mapfile -t sources < <({
+        git diff --name-only --diff-filter=d "$base"
+        git ls-files --others --exclude-standard
+    } | checked | compiled)
+else
+    if (($#)); then
+        headers=$(IFS='|' && echo "$*")
+    fi
+    mapfile -t sources < <(git ls-files -- "${@:-.}" | grep '\.cpp$' | checked | compiled)
+    if ((${#sources[@]} == 0)); then
+        echo "tidy: no sources in $*" >&2
+        exit 2
+    fi
+fi
+((${#sources[@]})) || exit 0
+echo "Checking ${#sources[@]} sources with clang-tidy" >&2
+# It counts the warnings that it does not show on standard error; what it finds goes to standard
+# output.
+log=$(mktemp) || exit 1
+trap 'rm -f "$log"' EXIT
+printf '%s\0' "${sources[@]}" |
+    xargs -0 -P "$(nproc)" -n 1 clang-tidy -p build/default --quiet \
+        --header-filter="^$PWD/($headers)/.*\\.h\$" 2>"$log" | awk '
+            # A header is checked anew with each source that includes it: tells each finding once.
+            /^\/.*: (warning|error|note): / { skip = seen[$0]++ }
+            !skip'
+status=${PIPESTATUS[1]}
+((status == 0)) || grep -v 'warnings\? \(generated\|treated as error\)' "$log" >&2
+exit $((status != 0))
