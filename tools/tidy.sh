@@ -15,13 +15,14 @@ checked() {
     grep -E '\.(cpp|h)$' | grep -vE '(^|/)(tests|testing|bench|fuzz|mutants)/'
 }
 
-# Sources to compile for some files on standard input: a source stands for itself, a header for the
-# first source that includes it. What CMake does not compile is left out.
+# Prints the sources to compile for the files on standard input: a source stands for itself, a header
+# for the first source of its folder that includes it. What CMake does not compile is left out.
 compiled() {
     local file
     while read -r file; do
         if [[ $file == *.h ]]; then
-            file=$(git grep -lE "#include [<\"]([a-z./]*/)?${file##*/}[>\"]" -- '*.cpp' | checked | head -n 1)
+            file=$(git grep -lE "#include [<\"]([a-z./]*/)?${file##*/}[>\"]" -- "${file%%/*}/*.cpp" |
+                checked | head -n 1)
         fi
         [[ -n $file ]] && grep -qF "\"file\": \"$PWD/$file\"" "$commands" && echo "$file"
     done | sort -u
@@ -31,7 +32,6 @@ if [[ ! -f $commands ]]; then
     echo "tidy: build the default preset first" >&2
     exit 1
 fi
-headers='common|frameworkconfigs|host|platform|projectconfigs|regional|service|tools|tvconfigs'
 if [[ ${1-} == --changed ]]; then
     base=$(git rev-parse -q --verify origin/main) || base=$(git describe --tags --abbrev=0 2>/dev/null) || {
         echo "tidy: neither origin/main nor a tag to compare with; skipped" >&2
@@ -43,9 +43,6 @@ if [[ ${1-} == --changed ]]; then
         git ls-files --others --exclude-standard
     } | checked | compiled)
 else
-    if (($#)); then
-        headers=$(IFS='|' && echo "$*")
-    fi
     mapfile -t sources < <(git ls-files -- "${@:-.}" | grep '\.cpp$' | checked | compiled)
     if ((${#sources[@]} == 0)); then
         echo "tidy: no sources in $*" >&2
@@ -54,16 +51,21 @@ else
 fi
 ((${#sources[@]})) || exit 0
 echo "Checking ${#sources[@]} sources with clang-tidy" >&2
-# It counts the warnings that it does not show on standard error; what it finds goes to standard
-# output.
+# clang-tidy prints findings to standard output. To standard error it prints how many warnings of
+# other headers it does not show, and its own failures.
 log=$(mktemp) || exit 1
 trap 'rm -f "$log"' EXIT
-printf '%s\0' "${sources[@]}" |
-    xargs -0 -P "$(nproc)" -n 1 clang-tidy -p build/default --quiet \
-        --header-filter="^$PWD/($headers)/.*\\.h\$" 2>"$log" | awk '
-            # A header is checked anew with each source that includes it: tells each finding once.
-            /^\/.*: (warning|error|note): / { skip = seen[$0]++ }
-            !skip'
+# Prints what clang-tidy finds in one source and in the headers of its folder.
+check() {
+    local folder=${1%%/*}
+    clang-tidy -p build/default --quiet --header-filter="^$PWD/$folder/.*\\.h\$" "$1"
+}
+export -f check
+# A header is checked with each source that includes it: each finding is printed once.
+printf '%s\n' "${sources[@]}" |
+    xargs -P "$(nproc)" -I '{}' bash -c "check '{}'" 2>"$log" | awk '
+        /^\/.*: (warning|error|note): / { skip = seen[$0]++ }
+        !skip'
 status=${PIPESTATUS[1]}
 ((status == 0)) || grep -v 'warnings\? \(generated\|treated as error\)' "$log" >&2
 exit $((status != 0))
