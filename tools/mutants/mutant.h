@@ -6,8 +6,10 @@
 
 namespace mlk_mutants {
 
-/// Whether the bug of that number acts: the environment variable MLK_MUTANT names it, also to
-/// programs that a test starts. From any thread, before and after main as well.
+/**
+ * Whether the bug of that number acts: the environment variable MLK_MUTANT names it, also to
+ * programs that a test starts. From any thread, before and after main as well.
+ */
 inline bool acts(int number) {
     static const int kChosen = [] {
         const char* text = getenv("MLK_MUTANT");
@@ -16,7 +18,7 @@ inline bool acts(int number) {
     return number == kChosen;
 }
 
-/// A lock that a planted bug does not take.
+/** A lock that a planted bug does not take. */
 template <typename Mutex, bool kShared>
 class MaybeLock {
   public:
