@@ -1,4 +1,4 @@
-"""The host's headers offer nothing that a device's lack, so that what compiles here compiles there."""
+"""The host's headers offer only what a device's headers have, so that what compiles here compiles there."""
 
 import re
 import sys

@@ -1,4 +1,4 @@
-"""An entry of an Android.bp file that is needed is missed when it is gone, and a wrong one is noticed."""
+"""The checks notice if a needed entry of an Android.bp file is missing, and if an entry is wrong."""
 
 import copy
 import os

@@ -1,4 +1,4 @@
-"""What docs/device.md promises of access, each sentence with the questions that prove it."""
+"""What docs/device.md promises about access: each sentence with the checks that prove it."""
 
 import re
 import unittest

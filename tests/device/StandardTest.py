@@ -1,4 +1,4 @@
-"""Each source names the standard headers of what it uses: what a host's headers bring along, a device's may not."""
+"""Each source includes the standard headers of what it uses: other headers may include them on a host only."""
 
 import re
 import unittest

@@ -1,4 +1,4 @@
-"""The init file and the manifest say of the process what it is."""
+"""The init file and the manifest describe the process as it is."""
 
 import re
 import unittest

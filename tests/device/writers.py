@@ -1,4 +1,4 @@
-"""What the product's sources do to files, and where on a set these files are."""
+"""How the product's sources change files, and where these files are on a set."""
 
 import re
 

@@ -12,10 +12,10 @@ from typing import Callable
 from table import TableError
 
 _LOCK = re.compile(r"(?:const )?std::(lock_guard|shared_lock)<([\w:]+)> (\w+)\(([^;]*)\);")
-# What begins or ends a part of an expression that is none by itself.
+# Beginnings and ends that make a part of an expression incomplete.
 _BINARY = r"&&|\|\||==|!=|<=|>=|<|>|[-+*/%?:] "
 _PART = re.compile(rf"(?:{_BINARY}).*|.*(?:&&|\|\|)", re.S)
-# Literals and remarks, in which a bracket is none.
+# Literals and comments, in which brackets do not count.
 _OPAQUE = re.compile(r"""'(?:\\.|[^'\\])+'|"(?:\\.|[^"\\])*"|//[^\n]*""")
 _CONSTEXPR = re.compile(r"\b(static )?constexpr\b( const\b)?")
 

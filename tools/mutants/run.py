@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Plants bugs and tells which of them no test notices.
+"""Plants bugs and reports those that no test notices.
 
     ./test --mutants [FOLDER]... [--list] [--only ID]... [--jobs N] [--verbose]
                    [--own] [--no-threads]
 
-Each row of tools/mutants/bugs/*.txt is a bug. A copy of the tree, in build/mutants, has all of them,
-each asleep until the environment variable MLK_MUTANT has its number. It is built once; then the
-tests of a bug's folder run with that bug, and if they pass those of the folders above it. A bug is
-noticed when a test fails, ends its process or hangs, and does so again when it runs alone. What
-noticed it is kept in build/mutants/learned.json, to be tried first the next time.
+Each row of tools/mutants/bugs/*.txt is a bug. A copy of the tree, in build/mutants, contains all of
+them; each acts only if the environment variable MLK_MUTANT has its number. The copy is built once.
+Then the tests of a bug's folder run with that bug, and if they pass, those of the folders above. A bug
+is noticed if a test fails, ends its process or hangs, and does so again when it runs alone. The test
+that noticed it is stored in build/mutants/learned.json and runs first the next time.
 """
 
 import argparse
@@ -192,7 +192,7 @@ class Run:
                 bug.number, alone, program.limit(alone))
             if again.failed:
                 return name, outcome.failed, outcome.how
-            # It passes alone: go on behind it.
+            # It passes alone: go on with the tests after it.
             tests = tests[tests.index(outcome.failed) + 1:] if outcome.failed in tests else []
         return None
 
