@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// How answers are printed: one overload a type, compact JSON without a newline.
+/** Prints answers as compact JSON without a newline. Each type has one overload. */
 namespace mlk::ctl {
 
 namespace V1_0 = ::vendor::morlak::mlkconfigs::V1_0;
@@ -20,32 +20,36 @@ void print(std::string& out, int32_t value);
 void print(std::string& out, uint32_t value);
 void print(std::string& out, const hidl_string& value);
 
-/// {"success":true,"value":...}
+/** {"success":true,"value":...} */
 void print(std::string& out, const V1_0::OptionalBool& value);
 void print(std::string& out, const V1_0::OptionalInt32& value);
 void print(std::string& out, const V1_0::OptionalString& value);
 
-/// {"key":"...","value":"..."}
+/** {"key":"...","value":"..."} */
 void print(std::string& out, const V1_0::ConfigKeyValue& value);
 
-/// {"channel":21,"frequency":474000,"bandwidth":8000000,"label":"E21","modulation":18}; the label
-/// ends at its first NUL.
+/**
+ * {"channel":21,"frequency":474000,"bandwidth":8000000,"label":"E21","modulation":18}; the label
+ * ends at its first NUL.
+ */
 void print(std::string& out, const V1_0::HidlFreqListItem& value);
 
-/// {"size":N,"base64":"..."}. Throws Failure NO_ANSWER when the memory cannot be mapped.
+/** {"size":N,"base64":"..."}. Throws Failure NO_ANSWER if the memory cannot be mapped. */
 void print(std::string& out, const hidl_vec<uint8_t>& bytes);
 void print(std::string& out, const hidl_memory& memory);
 
-/// Throws Failure NO_ANSWER when a truth value of the answer is neither true nor false: whoever
-/// sent it may have sent anything, and such a bool must not be read or copied.
+/**
+ * Throws Failure NO_ANSWER if a bool of the answer is neither true nor false: the sender may send
+ * any byte, and such a bool must not be read or copied.
+ */
 void checkSound(const V1_0::OptionalBool& answer);
 void checkSound(const V1_0::OptionalInt32& answer);
 void checkSound(const V1_0::OptionalString& answer);
-/// Other answers hold no truth values.
+/** Other answers hold no bool. */
 template <typename T>
 void checkSound(const T& /* answer */) {}
 
-/// [...]
+/** [...] */
 template <typename T>
 void print(std::string& out, const hidl_vec<T>& values) {
     const char* separator = "[";
@@ -57,12 +61,12 @@ void print(std::string& out, const hidl_vec<T>& values) {
     out += values.size() == 0 ? "[]" : "]";
 }
 
-/// The bytes of an answer that is bytes, for --raw.
+/** The bytes of the answer, for --raw. */
 std::string rawBytes(const hidl_vec<uint8_t>& bytes);
-/// Throws Failure NO_ANSWER when the memory cannot be mapped.
+/** Throws Failure NO_ANSWER if the memory cannot be mapped. */
 std::string rawBytes(const hidl_memory& memory);
 
-/// Whether rawBytes is for this type.
+/** Whether rawBytes() takes this type. */
 template <typename T>
 inline constexpr bool kHasBytes = false;
 template <>

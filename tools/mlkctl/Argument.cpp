@@ -14,7 +14,9 @@ namespace {
 
 std::vector<std::string_view> namesOf(const NumberNames& names) {
     std::vector<std::string_view> list;
-    for (const auto& row : names.rows) list.emplace_back(row.first);
+    for (const auto& row : names.rows) {
+        list.emplace_back(row.first);
+    }
     return list;
 }
 
@@ -22,18 +24,21 @@ std::vector<std::string_view> namesOf(const NumberNames& names) {
 
 std::optional<int64_t> numberFrom(std::string_view text) {
     const bool negative = !text.empty() && text.front() == '-';
-    if (negative) text.remove_prefix(1);
+    if (negative) {
+        text.remove_prefix(1);
+    }
     int base = 10;
     if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
         text.remove_prefix(2);
         base = 16;
     }
-    // Unsigned, so that a second sign is none; 63 bits are more than any argument has.
+    // Unsigned, so that a second sign is refused. No argument has more than 63 bits.
     uint64_t number = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number, base);
-    if (error != std::errc() || stop != end || number > std::numeric_limits<int64_t>::max())
+    if (error != std::errc() || stop != end || number > std::numeric_limits<int64_t>::max()) {
         return {};
+    }
     const auto value = static_cast<int64_t>(number);
     return negative ? -value : value;
 }
@@ -52,7 +57,9 @@ std::string Word::allowed() const {
             break;
     }
     std::string list;
-    for (const auto& row : names.rows) list += row.first + ", ";
+    for (const auto& row : names.rows) {
+        list += row.first + ", ";
+    }
     return list + "or a number of 32 bits";
 }
 
@@ -63,37 +70,59 @@ void Argument::refuse(const Word& word) const {
 }
 
 std::string Argument::written() const {
-    if (isText()) return excerpt(mText);
-    if (mKind == Kind::NUMBER) return std::to_string(mNumber);
-    if (mKind == Kind::FLAG) return mNumber != 0 ? "true" : "false";
+    if (isText()) {
+        return excerpt(mText);
+    }
+    if (mKind == Kind::NUMBER) {
+        return std::to_string(mNumber);
+    }
+    if (mKind == Kind::FLAG) {
+        return mNumber != 0 ? "true" : "false";
+    }
     return mText.substr(0, 60);
 }
 
 std::string Argument::toText(const Word& word) const {
-    if (!isText()) refuse(word);
+    if (!isText()) {
+        refuse(word);
+    }
     return mKind == Kind::WORD ? withoutByteEscapes(mText) : mText;
 }
 
 bool Argument::toFlag(const Word& word) const {
-    if (mKind == Kind::FLAG) return mNumber != 0;
-    if (mKind != Kind::WORD || (mText != "true" && mText != "false")) refuse(word);
+    if (mKind == Kind::FLAG) {
+        return mNumber != 0;
+    }
+    if (mKind != Kind::WORD || (mText != "true" && mText != "false")) {
+        refuse(word);
+    }
     return mText == "true";
 }
 
 std::optional<int64_t> Argument::numberFor(const Word& word) const {
-    if (mKind == Kind::NUMBER) return mNumber;
-    if (!isText()) return {};
-    for (const auto& [name, number] : word.names.rows) {
-        if (name == mText) return number;
+    if (mKind == Kind::NUMBER) {
+        return mNumber;
     }
-    // JSON has numbers of its own; only where a text can be right anyway is one in quotes, too.
-    if (mKind == Kind::TEXT && word.kind != Word::Kind::ENUMERATOR) return {};
+    if (!isText()) {
+        return {};
+    }
+    for (const auto& [name, number] : word.names.rows) {
+        if (name == mText) {
+            return number;
+        }
+    }
+    // JSON has numbers: a number in quotes is accepted only for a word that also takes a text.
+    if (mKind == Kind::TEXT && word.kind != Word::Kind::ENUMERATOR) {
+        return {};
+    }
     return numberFrom(mText);
 }
 
 int64_t Argument::toNumber(const Word& word, int64_t least, int64_t most) const {
     const auto number = numberFor(word);
-    if (!number || *number < least || *number > most) refuse(word);
+    if (!number || *number < least || *number > most) {
+        refuse(word);
+    }
     return *number;
 }
 

@@ -9,48 +9,53 @@
 
 namespace mlk::ctl {
 
-/// Names for numbers, where a method's number is one: countries.
+/** Names that a user may write instead of a number, such as those of countries. */
 struct NumberNames {
-    const char* what = "";  ///< For messages: "a country's name".
+    const char* what = "";  // For messages: "a country's name".
     std::vector<std::pair<std::string, int64_t>> rows = {};
 };
 
-/// What a user writes for one word of a call: its name, and what may stand there.
+/** One word of a call, as a user writes it: its name and its allowed values. */
 struct Word {
     enum class Kind { TEXT, NUMBER, FLAG, ENUMERATOR };
 
-    std::string name;  ///< As help and messages show it: "INDEX".
+    std::string name;  // as help and messages show it: "INDEX"
     Kind kind;
-    NumberNames names =
-            {};  ///< Of an ENUMERATOR all there are; of a NUMBER those that it may have.
+    NumberNames names = {};  // of an ENUMERATOR: all of them; of a NUMBER: optional
 
-    /// What may stand there, for a message: "a number from -2147483648 to 2147483647".
+    /** The allowed values, for a message: "a number from -2147483648 to 2147483647". */
     std::string allowed() const;
 };
 
-/// One argument as it came: a word of the command line, which may be read as anything, or a value
-/// of a batch's line, which JSON has given a type.
+/**
+ * One argument as the user gave it: a word of the command line, which may be read as any type, or a
+ * value of a batch line, whose type JSON fixes.
+ */
 class Argument {
   public:
     static Argument ofCommandLine(std::string word) { return {Kind::WORD, std::move(word), 0}; }
     static Argument ofText(std::string text) { return {Kind::TEXT, std::move(text), 0}; }
     static Argument ofNumber(int64_t number) { return {Kind::NUMBER, {}, number}; }
     static Argument ofFlag(bool flag) { return {Kind::FLAG, {}, flag ? 1 : 0}; }
-    /// What no method takes: null, a number with a fraction, one of more than 64 bits; as it was
-    /// written.
+    /**
+     * A value that no method takes (null, a number with a fraction or of more than 64 bits), as it
+     * was written.
+     */
     static Argument ofOther(std::string written) { return {Kind::OTHER, std::move(written), 0}; }
 
-    /// Whether a text was written, whatever it may be read as.
+    /** Whether the user wrote a text, even if it can be read as another type. */
     bool isText() const { return mKind == Kind::WORD || mKind == Kind::TEXT; }
 
-    /// The value that the word of a call gets; throws Failure USAGE with what would be right when
-    /// this is none.
+    /**
+     * The value for a word of a call. Throws Failure USAGE, which says what is allowed, if the
+     * argument has no such value.
+     */
     std::string toText(const Word& word) const;
     bool toFlag(const Word& word) const;
-    /// At least `least`, at most `most`; for a word with names, also the number of a name.
+    /** At least `least`, at most `most`; for a word with names, also the number of a name. */
     int64_t toNumber(const Word& word, int64_t least, int64_t most) const;
 
-    /// What the user wrote, for a message.
+    /** What the user wrote, for a message. */
     std::string written() const;
 
   private:
@@ -67,8 +72,10 @@ class Argument {
     int64_t mNumber;
 };
 
-/// The number that a text is, in decimal or with 0x in hexadecimal, a minus in front of either;
-/// nothing for any other text and beyond 64 bits.
+/**
+ * Parses a decimal number, or a hexadecimal one after 0x, with an optional minus in front. Returns
+ * nothing for any other text and for numbers of more than 64 bits.
+ */
 std::optional<int64_t> numberFrom(std::string_view text);
 
 }  // namespace mlk::ctl

@@ -7,15 +7,17 @@
 
 namespace mlk::ctl {
 
-/// What a method of the object, which implements its interface, answers to these arguments. Throws
-/// Failure as BoundCall does.
+/**
+ * Calls a method of the object, which implements the method's interface, and returns the answer.
+ * Throws Failure as BoundCall does.
+ */
 template <typename I, typename... Params, typename... Arguments>
 auto ask(IBase& object, Return<void> (I::*pointer)(Params...), const Arguments&... arguments) {
     using Callback = std::tuple_element_t<sizeof...(Arguments), std::tuple<Params...>>;
     std::optional<typename details::AnswerOf<std::decay_t<Callback>>::Type> answer;
     std::optional<Failure> failure;
     const auto outcome = (static_cast<I&>(object).*pointer)(arguments..., [&](const auto& given) {
-        // Nothing may be thrown through the transport.
+        // No exception may pass through the transport.
         try {
             checkSound(given);
             answer = given;
@@ -23,7 +25,9 @@ auto ask(IBase& object, Return<void> (I::*pointer)(Params...), const Arguments&.
             failure = thrown;
         }
     });
-    if (failure) throw Failure(*failure);
+    if (failure) {
+        throw Failure(*failure);
+    }
     checkOutcome(outcome, answer.has_value());
     return std::move(*answer);
 }

@@ -9,8 +9,8 @@ namespace mlk::ctl {
 
 namespace {
 
-// What depends on no table. COMP_WORDS[0] is mlkctl itself. Options may stand between "call" and
-// the interface, so the words that count are collected without them.
+// The part of the script that depends on no table. COMP_WORDS[0] is mlkctl itself. Options may
+// stand between "call" and the interface, so the script collects the other words.
 constexpr const char* kFunctions = R"bash(
 _mlkctl_offer() {
     local IFS=$' \t\n'
@@ -64,7 +64,9 @@ complete -F _mlkctl mlkctl
 
 std::string wordsOf(const std::vector<std::string_view>& words) {
     std::string text;
-    for (const std::string_view word : words) text += (text.empty() ? "" : " ") + std::string(word);
+    for (const std::string_view word : words) {
+        text += (text.empty() ? "" : " ") + std::string(word);
+    }
     return text;
 }
 
@@ -73,29 +75,38 @@ std::string optionsOf(Verb& verb) {
     verb.addOptions(app);
     std::string text;
     for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames())
+        for (const std::string& name : option->get_lnames()) {
             text += (text.empty() ? "--" : " --") + name;
+        }
     }
     return text;
 }
 
-/// What completes a word of a call: a command of the script; empty when nothing can be known.
+// The script's command that completes a word of a call; empty if the values are not known.
 std::string completionOf(const Word& word) {
-    if (word.kind == Word::Kind::FLAG) return "_mlkctl_offer 'true false'";
-    if (word.kind == Word::Kind::TEXT) return word.name == "PATH" ? "_mlkctl_offer_files" : "";
+    if (word.kind == Word::Kind::FLAG) {
+        return "_mlkctl_offer 'true false'";
+    }
+    if (word.kind == Word::Kind::TEXT) {
+        return word.name == "PATH" ? "_mlkctl_offer_files" : "";
+    }
     std::vector<std::string_view> names;
-    for (const auto& row : word.names.rows) names.emplace_back(row.first);
+    for (const auto& row : word.names.rows) {
+        names.emplace_back(row.first);
+    }
     return names.empty() ? "" : "_mlkctl_offer '" + wordsOf(names) + "'";
 }
 
-/// A case a word of a method that can be completed.
+// One case for each word of a method that can be completed.
 std::string argumentCases() {
     std::string text;
     for (const Interface* interface : interfaces()) {
         for (const Method& method : interface->methods) {
             for (size_t i = 0; i < method.call.words.size(); ++i) {
                 const std::string command = completionOf(method.call.words[i]);
-                if (command.empty()) continue;
+                if (command.empty()) {
+                    continue;
+                }
                 text += "        '" + std::string(interface->name) + ' ' +
                         std::string(method.name) + ' ' + std::to_string(i + 1) + "') " + command +
                         " ;;\n";

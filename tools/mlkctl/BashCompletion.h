@@ -4,8 +4,10 @@
 
 namespace mlk::ctl {
 
-/// The script that completes mlkctl in bash, with the names of the tables in it. It needs nothing
-/// but bash itself.
+/**
+ * The bash script that completes mlkctl, with all names of interfaces and methods in it. It needs
+ * only bash.
+ */
 std::string bashCompletion();
 
 }  // namespace mlk::ctl

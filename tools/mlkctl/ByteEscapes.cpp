@@ -10,25 +10,37 @@ namespace {
 
 constexpr size_t kEscapeLength = 6;  // \uXXXX
 
-// DEL marks a hidden byte: two hexadecimal digits follow, or a second DEL for DEL itself. It is the
-// one character that may stand in a JSON string raw and that nobody uses.
+// DEL marks a hidden byte: two hexadecimal digits follow, or a second DEL for DEL itself. DEL may
+// stand unescaped in a JSON string, and nobody uses it.
 constexpr char kMark = '\x7f';
 
 std::optional<unsigned> hexValue(char digit) {
-    if (digit >= '0' && digit <= '9') return digit - '0';
-    if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-    if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+    if (digit >= '0' && digit <= '9') {
+        return digit - '0';
+    }
+    if (digit >= 'a' && digit <= 'f') {
+        return digit - 'a' + 10;
+    }
+    if (digit >= 'A' && digit <= 'F') {
+        return digit - 'A' + 10;
+    }
     return {};
 }
 
-/// The number of the escape \uXXXX at the position, when there is one.
+// The number of the escape \uXXXX at the position, if there is one.
 std::optional<unsigned> escapeAt(std::string_view text, size_t position) {
-    if (position + kEscapeLength > text.size()) return {};
-    if (text[position] != '\\' || text[position + 1] != 'u') return {};
+    if (position + kEscapeLength > text.size()) {
+        return {};
+    }
+    if (text[position] != '\\' || text[position + 1] != 'u') {
+        return {};
+    }
     unsigned number = 0;
     for (size_t i = 2; i < kEscapeLength; ++i) {
         const auto digit = hexValue(text[position + i]);
-        if (!digit) return {};
+        if (!digit) {
+            return {};
+        }
         number = number << 4 | *digit;
     }
     return number;
@@ -46,12 +58,12 @@ bool isLowSurrogate(unsigned number) {
     return number >= 0xdc00 && number <= 0xdfff;
 }
 
-/// Copies what begins with the backslash at the position of a JSON text, hiding a byte; gives how
-/// many characters that was.
+// Copies the escape that begins at the position of a JSON text, and hides a byte. Returns the
+// number of characters read.
 size_t copyEscape(std::string_view json, size_t position, std::string* plain, bool* hidden) {
     const auto number = escapeAt(json, position);
     if (!number) {
-        // Another escape: its second character is not the beginning of one.
+        // Another escape: its second character does not begin an escape.
         plain->append(json.substr(position, 2));
         return 2;
     }
@@ -89,9 +101,11 @@ std::string withoutByteEscapes(std::string_view word) {
 }
 
 bool hideByteEscapes(std::string_view json, std::string* plain) {
-    // Nearly no line has one.
-    if (json.find("\\ud") == std::string_view::npos && json.find("\\uD") == std::string_view::npos)
+    // Nearly no line has an escape.
+    if (json.find("\\ud") == std::string_view::npos &&
+        json.find("\\uD") == std::string_view::npos) {
         return false;
+    }
     plain->clear();
     plain->reserve(json.size());
     bool hidden = false;
@@ -103,8 +117,10 @@ bool hideByteEscapes(std::string_view json, std::string* plain) {
             position += copyEscape(json, position, plain, &hidden);
             continue;
         }
-        if (character == '"') inString = !inString;
-        // Outside of a string a mark is an error that the parser shall find.
+        if (character == '"') {
+            inString = !inString;
+        }
+        // Outside of a string the mark is an error: the parser reports it.
         plain->append(inString && character == kMark ? 2 : 1, character);
         ++position;
     }

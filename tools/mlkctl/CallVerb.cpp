@@ -16,8 +16,8 @@ Usage: mlkctl call [OPTION]... INTERFACE METHOD [ARGUMENT]...
 INTERFACE is IMlkProjectConfigs, IMlkTvConfigs or IMlkFrameworkConfigs. With --help as METHOD, the
 methods of the interface are listed with what they take.
 
-Arguments stand in the order that the interface declares. What stands behind METHOD is an argument,
-never an option: -3 and --foo are values, and so is an empty word.
+Arguments stand in the order that the interface declares. Words after METHOD are arguments,
+never options: -3 and --foo are values, and so is an empty word.
 
   number        decimal, or hexadecimal with 0x: 21, -3, 0x1f
   true, false   a switch
@@ -30,7 +30,7 @@ never an option: -3 and --foo are values, and so is an empty word.
 
 Options:
   --raw       print the bytes of an answer as they are; on a terminal, with control characters
-              but newline and tab escaped. Also as the very last word, behind all the arguments of
+              but newline and tab escaped. Also allowed as the last word, after all arguments of
               getTvFile or getVendorPartitionFile.
   --timeout SECONDS
               how long the service may take to be found, and how long to answer: 0 to 86400,
@@ -64,8 +64,9 @@ Examples:
 
 std::string methodsHelp(const Interface& interface) {
     Table table;
-    for (const Method& method : interface.methods)
+    for (const Method& method : interface.methods) {
         table.push_back({"  " + std::string(method.name), synopsis(method), limits(method)});
+    }
     return "Methods of " + std::string(interface.name) + " and their arguments:\n" + aligned(table);
 }
 
@@ -81,19 +82,24 @@ class CallVerb : public Verb {
     bool takesWords() const override { return true; }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
-        if (words.empty()) throw usage("INTERFACE and METHOD are missing; see mlkctl call --help");
+        if (words.empty()) {
+            throw usage("INTERFACE and METHOD are missing; see mlkctl call --help");
+        }
         const Interface& interface = interfaceOf(words[0]);
         const std::string help = "mlkctl call " + words[0] + " --help lists what it has";
-        if (words.size() < 2) throw usage("METHOD is missing; " + help);
+        if (words.size() < 2) {
+            throw usage("METHOD is missing; " + help);
+        }
         if (words[1] == "--help" || words[1] == "-h") {
             environment.output.write(methodsHelp(interface));
             return ExitStatus::ANSWERED;
         }
         const Method& method = interface.method(words[1]);
         std::vector<Argument> arguments;
-        for (size_t i = 2; i < words.size(); ++i)
+        for (size_t i = 2; i < words.size(); ++i) {
             arguments.push_back(Argument::ofCommandLine(words[i]));
-        // One word more than there are arguments: it cannot be one of them.
+        }
+        // There is one word more than arguments, so the last one is not an argument.
         const bool isOneMore = arguments.size() == method.call.words.size() + 1;
         if (method.call.hasBytes && isOneMore && words.back() == "--raw") {
             mRaw = true;

@@ -60,12 +60,14 @@ std::string generalHelp(const std::vector<std::unique_ptr<Verb>>& verbs) {
     return help + kHelpEnd;
 }
 
-/// The verb that the words are for; throws Failure USAGE.
+// The verb that the words name. Throws Failure USAGE.
 Verb& verbOf(const std::vector<std::unique_ptr<Verb>>& verbs, const std::string& word) {
     std::vector<std::string_view> names;
     std::vector<std::string> list;
     for (const auto& verb : verbs) {
-        if (verb->name() == word) return *verb;
+        if (verb->name() == word) {
+            return *verb;
+        }
         names.push_back(verb->name());
         list.emplace_back(verb->name());
     }
@@ -75,15 +77,16 @@ Verb& verbOf(const std::vector<std::unique_ptr<Verb>>& verbs, const std::string&
                           : didYouMean(word, names, "; there are " + joined(list))));
 }
 
-/// Where the words of a verb begin, behind the options in front of them. "--" ends the options and
-/// is none of the words.
+// The position of a verb's first word, after its options. "--" ends the options and is not a word.
 struct Split {
     std::vector<std::string> options;
     std::vector<std::string> words;
 };
 
 Split split(const Verb& verb, const std::vector<std::string>& rest) {
-    if (!verb.takesWords()) return {rest, {}};
+    if (!verb.takesWords()) {
+        return {rest, {}};
+    }
     const auto isWord = [](const std::string& word) {
         return word.size() < 2 || word.front() != '-' || word == "--";
     };
@@ -93,22 +96,29 @@ Split split(const Verb& verb, const std::vector<std::string>& rest) {
         begin += valueFollows ? 2 : 1;
     }
     Split result{{rest.begin(), begin}, {}};
-    if (begin != rest.end() && *begin == "--") ++begin;
+    if (begin != rest.end() && *begin == "--") {
+        ++begin;
+    }
     result.words.assign(begin, rest.end());
     return result;
 }
 
-/// What the option parser found wrong, with what would be right.
+// The option parser's error as a Failure that says what is allowed.
 std::string explain(const CLI::ParseError& error, const CLI::App& app) {
-    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ExtrasError)) return error.what();
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ExtrasError)) {
+        return error.what();
+    }
     std::vector<std::string> options;
     for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+        for (const std::string& name : option->get_lnames()) {
+            options.push_back("--" + name);
+        }
     }
     const std::string stranger = app.remaining().front();
     const std::vector<std::string_view> names(options.begin(), options.end());
-    if (stranger.empty() || stranger.front() != '-')
+    if (stranger.empty() || stranger.front() != '-') {
         return "it takes no argument " + excerpt(stranger) + "; its options are " + joined(options);
+    }
     return "there is no option " + excerpt(stranger) +
            didYouMean(stranger, names, "; there are " + joined(options));
 }
@@ -119,7 +129,7 @@ ExitStatus runVerb(Verb& verb, const std::vector<std::string>& rest, Environment
     app.set_help_flag("-h,--help");
     verb.addOptions(app);
     try {
-        // The parser takes them from the end.
+        // The parser takes the words from the end.
         app.parse(std::vector<std::string>(parts.options.rbegin(), parts.options.rend()));
     } catch (const CLI::CallForHelp&) {
         environment.output.write(verb.help());
@@ -132,7 +142,9 @@ ExitStatus runVerb(Verb& verb, const std::vector<std::string>& rest, Environment
 
 ExitStatus run(const std::vector<std::string>& words, Environment& environment) {
     const auto verbs = makeVerbs();
-    if (words.empty()) throw usage("which command? mlkctl --help lists them");
+    if (words.empty()) {
+        throw usage("which command? mlkctl --help lists them");
+    }
     if (words.front() == "--help" || words.front() == "-h") {
         environment.output.write(generalHelp(verbs));
         return ExitStatus::ANSWERED;
@@ -149,8 +161,9 @@ ExitStatus run(const std::vector<std::string>& words, Environment& environment) 
 std::vector<std::unique_ptr<Verb>> makeVerbs() {
     std::vector<std::unique_ptr<Verb>> verbs;
     for (const auto make : {makeListVerb, makeWaitVerb, makeCallVerb, makeBatchVerb, makeDumpVerb,
-                            makeShowVerb, makePropVerb, makeCompletionVerb})
+                            makeShowVerb, makePropVerb, makeCompletionVerb}) {
         verbs.push_back(make());
+    }
     return verbs;
 }
 
@@ -163,12 +176,13 @@ ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& en
             environment.errors << "mlkctl: " << printable(failure.what()) << std::endl;
             status = failure.status();
         }
-        // What was written before a failure is still an answer.
+        // Output from before the failure still counts as an answer.
         environment.output.flush();
     } catch (const std::system_error& error) {
-        // Nobody reads any more: that is the reader's choice and nothing to complain of.
-        if (error.code() != std::errc::broken_pipe)
+        // Nobody reads any more. That is the reader's choice, not an error.
+        if (error.code() != std::errc::broken_pipe) {
             environment.errors << "mlkctl: " << error.what() << std::endl;
+        }
         return ExitStatus::UNREACHABLE;
     }
     return status;

@@ -7,9 +7,11 @@
 
 namespace mlk::ctl {
 
-/// mlkctl with its words, the program's own name not among them. Everything that goes wrong is
-/// reported as one line on the environment's errors; a reader of the output that has gone is not
-/// worth a line. Gives the exit status; never throws but for want of memory.
+/**
+ * Runs mlkctl with the words after the program's name. Reports every failure as one line on the
+ * environment's errors; only a closed standard output is not reported. Returns the exit status;
+ * throws only std::bad_alloc.
+ */
 ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& environment);
 
 }  // namespace mlk::ctl

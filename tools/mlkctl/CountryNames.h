@@ -4,10 +4,10 @@
 
 namespace mlk::ctl {
 
-/// The names that a country's number may be given by: those that the service's files use.
+/** The names of countries, spelt as in the service's files, which stand for their numbers. */
 const NumberNames& countryNames();
 
-/// The parameter "country" of the methods that have one: a country's number or its name.
+/** The parameter "country" of the methods that have one: a country's number or its name. */
 inline Parameter countryParameter() {
     return {"country", countryNames()};
 }

@@ -31,7 +31,9 @@ _tv_country savedCountry(IBase& object) {
     const auto bytes = ask(object, &IMlkProjectConfigs::getTvFile, hidl_string(file));
     std::istringstream text(std::string(bytes.begin(), bytes.end()));
     for (std::string line; std::getline(text, line);) {
-        if (line.find("COUNTRY_ID") == std::string::npos) continue;
+        if (line.find("COUNTRY_ID") == std::string::npos) {
+            continue;
+        }
         const size_t equals = line.find('=');
         return equals == std::string::npos
                        ? kNoCountry
@@ -40,11 +42,13 @@ _tv_country savedCountry(IBase& object) {
     return kNoCountry;
 }
 
-/// A question about the saved country.
+// A question about the saved country.
 ShowQuestion ofCountry(std::function<ShowValue(IBase&, _tv_country)> answer) {
     return {&projectInterface(), [answer = std::move(answer)](IBase& object) -> ShowValue {
                 const _tv_country country = savedCountry(object);
-                if (country == kNoCountry) return NoValue{"(none saved)"};
+                if (country == kNoCountry) {
+                    return NoValue{"(none saved)"};
+                }
                 return answer(object, country);
             }};
 }
@@ -55,9 +59,12 @@ ShowValue tvSystemOf(IBase& object, _tv_country country) {
     implementation::RegionalData data(implementation::systemPartitions);
     TvSysMapCfgHolder maps(implementation::systemPartitions(), implementation::systemProperties(),
                            data);
-    if (file.empty()) return std::string();
-    if (!maps.loadConfigXmlFile(file) || !maps.loadCountryTvConfigMapXML())
+    if (file.empty()) {
+        return std::string();
+    }
+    if (!maps.loadConfigXmlFile(file) || !maps.loadCountryTvConfigMapXML()) {
         return NoValue{"(not readable)"};
+    }
     return maps.getTvSysName(country);
 }
 
@@ -65,15 +72,18 @@ ShowValue channelsOf(IBase& object, _tv_country country) {
     Counts counts;
     const auto add = [&](FreqTableType type, AtscCableType cable, const std::string& name) {
         const auto items = ask(object, &IMlkProjectConfigs::getFreqTableList, country, type, cable);
-        if (items.size() != 0) counts.emplace_back(name, static_cast<int32_t>(items.size()));
+        if (items.size() != 0) {
+            counts.emplace_back(name, static_cast<int32_t>(items.size()));
+        }
     };
     for (const auto type : hidl_enum_range<FreqTableType>()) {
         if (type == FreqTableType::DTV_ANTENNA || type == FreqTableType::ATV_ANTENNA) {
             add(type, AtscCableType::AUTO, toString(type));
             continue;
         }
-        for (const auto cable : hidl_enum_range<AtscCableType>())
+        for (const auto cable : hidl_enum_range<AtscCableType>()) {
             add(type, cable, toString(type) + ' ' + toString(cable));
+        }
     }
     return counts;
 }

@@ -2,22 +2,26 @@
 
 #include "tools/mlkctl/ShowRows.h"
 
-/// What belongs to the country that a set stands in. The interface has no method that tells the
-/// country: it is read from the file that the service keeps it in, by the service's own delivery of
-/// files.
+/**
+ * Facts about the country of a set. No method of the interface returns the country: it is read from
+ * the file that stores it, which the service itself delivers.
+ */
 namespace mlk::ctl {
 
-/// Its name, as setCountryId takes it.
+/** The country's name, as setCountryId takes it. */
 ShowQuestion countryName();
 
-/// Its number.
+/** The country's number. */
 ShowQuestion countryNumber();
 
-/// Its TV system, by the maps of the project. They are read by this process, so it has to see the
-/// same partitions as the service.
+/**
+ * The country's TV system, according to the project's maps. This process reads them, so it has to
+ * see the same partitions as the service.
+ */
 ShowQuestion countryTvSystem();
 
-/// The number of channels in each of its plans that has any: "DTV_CABLE HRC" and the like.
+/** The number of channels in each plan of the country that has any: "DTV_CABLE HRC" and the like.
+ */
 ShowQuestion countryChannels();
 
 }  // namespace mlk::ctl

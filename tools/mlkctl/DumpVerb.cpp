@@ -47,39 +47,52 @@ Example:
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A file in memory: the service can write any amount to it without waiting for a reader, and the
-/// death of a reader cannot kill the service.
+// A file in memory: the service never waits for a reader, and the death of a reader cannot kill the
+// service.
 unique_fd memoryFile() {
     unique_fd file(memfd_create("mlkctl-dump", MFD_CLOEXEC));
-    if (!file.ok()) throwErrno("a file in memory");
+    if (!file.ok()) {
+        throwErrno("a file in memory");
+    }
     return file;
 }
 
 void askForDump(IBase& object, int file) {
     native_handle_t* native = native_handle_create(1, 0);
-    if (native == nullptr) throw std::bad_alloc();
+    if (native == nullptr) {
+        throw std::bad_alloc();
+    }
     native->data[0] = dup(file);
     ::android::hardware::hidl_handle handle;
     handle.setTo(native, true);
-    if (native->data[0] < 0) throwErrno("a descriptor");
+    if (native->data[0] < 0) {
+        throwErrno("a descriptor");
+    }
     checkOutcome(object.debug(handle, {}), true);
 }
 
-/// Gives how many bytes there were.
+// Returns the number of bytes.
 size_t copy(int file, Output& output) {
     std::array<char, 64UL * 1024> piece;
     size_t done = 0;
-    std::string shown;  // for a terminal, which gets no halves of a character
+    std::string shown;  // for a terminal, which must not get parts of a character
     while (true) {
-        // The descriptor's own position is the service's, where it stopped writing.
+        // The position of the descriptor is where the service stopped writing.
         const ssize_t got = pread(file, piece.data(), piece.size(), static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) throwErrno("the dump");
-        if (got == 0) break;
-        if (output.isTerminal())
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            throwErrno("the dump");
+        }
+        if (got == 0) {
+            break;
+        }
+        if (output.isTerminal()) {
             shown.append(piece.data(), static_cast<size_t>(got));
-        else
+        } else {
             output.bytes({piece.data(), static_cast<size_t>(got)});
+        }
         done += static_cast<size_t>(got);
     }
     output.bytes(shown);
@@ -100,8 +113,9 @@ class DumpVerb : public Verb {
             askForDump(object, file->get());
             return true;
         });
-        if (copy(file->get(), environment.output) == 0)
+        if (copy(file->get(), environment.output) == 0) {
             throw Failure(ExitStatus::NO_ANSWER, "the service wrote no dump");
+        }
         return ExitStatus::ANSWERED;
     }
 

@@ -5,18 +5,22 @@
 
 namespace mlk::ctl {
 
-/// How mlkctl ends, and what a line of a batch says. Never more than 125: a shell means signals and
-/// programs that cannot be run by those.
+/**
+ * The exit status of mlkctl and of each line of a batch. Never more than 125: shells use higher
+ * numbers for signals and for programs that cannot be run.
+ */
 enum class ExitStatus : int {
     ANSWERED = 0,
-    UNREACHABLE = 1,  ///< The service cannot be reached. Also: standard output cannot be written.
-    USAGE = 2,        ///< The command line is wrong.
-    NO_ANSWER = 3,    ///< The method was called and gave no answer.
+    UNREACHABLE = 1,  // the service cannot be reached, or standard output cannot be written
+    USAGE = 2,        // the command line is wrong
+    NO_ANSWER = 3,    // the method was called and gave no answer
 };
 
-/// Why there is no answer: thrown from wherever that shows, reported once, by the verb (batch) or
-/// by the command line. The message is one line for a person, without a period at its end; what it
-/// quotes from the user is escaped and of bounded length.
+/**
+ * The reason why there is no answer. The code that detects it throws it; the batch verb or the
+ * command line reports it once. The message is one line for a person, without a period at its end;
+ * quotations of the user's input are escaped and of bounded length.
+ */
 class Failure : public std::runtime_error {
   public:
     Failure(ExitStatus status, const std::string& message)
@@ -28,7 +32,7 @@ class Failure : public std::runtime_error {
     ExitStatus mStatus;
 };
 
-/// A Failure for a command line that is wrong.
+/** A Failure for a command line that is wrong. */
 inline Failure usage(const std::string& message) {
     return {ExitStatus::USAGE, message};
 }

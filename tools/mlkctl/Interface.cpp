@@ -7,12 +7,14 @@ namespace mlk::ctl {
 
 namespace {
 
-/// The interface that has a method of exactly this name: some names differ from another
-/// interface's in capitals only, or are another's altogether.
+// Another interface that has a method of exactly this name: some names differ between interfaces
+// only in case, or not at all.
 std::string_view ownerOf(std::string_view methodName) {
     for (const Interface* interface : interfaces()) {
         for (const Method& row : interface->methods) {
-            if (row.name == methodName) return interface->name;
+            if (row.name == methodName) {
+                return interface->name;
+            }
         }
     }
     return {};
@@ -20,9 +22,13 @@ std::string_view ownerOf(std::string_view methodName) {
 
 void checkCount(const Method& method, size_t given) {
     const size_t wanted = method.call.words.size();
-    if (given == wanted) return;
+    if (given == wanted) {
+        return;
+    }
     std::string arguments = wanted == 0 ? "no argument" : "1 argument: " + synopsis(method);
-    if (wanted > 1) arguments = std::to_string(wanted) + " arguments: " + synopsis(method);
+    if (wanted > 1) {
+        arguments = std::to_string(wanted) + " arguments: " + synopsis(method);
+    }
     throw usage("it takes " + arguments + "; there " + (given == 1 ? "is " : "are ") +
                 std::to_string(given));
 }
@@ -38,13 +44,16 @@ const std::vector<const Interface*>& interfaces() {
 const Interface& interfaceOf(std::string_view name) {
     std::vector<std::string_view> names;
     for (const Interface* interface : interfaces()) {
-        if (interface->name == name) return *interface;
+        if (interface->name == name) {
+            return *interface;
+        }
         names.push_back(interface->name);
     }
     std::string list;
-    for (const std::string_view each : names)
+    for (const std::string_view each : names) {
         list += (list.empty() ? "" : ", ") + std::string(each);
-    // With its package, or with another instance, it is a name that other tools write.
+    }
+    // Other tools write the name with its package or with an instance.
     const size_t package = name.rfind("::");
     const std::string_view bare =
             package == std::string_view::npos ? name : name.substr(package + 2);
@@ -54,7 +63,9 @@ const Interface& interfaceOf(std::string_view name) {
 
 const Method& Interface::method(std::string_view methodName) const {
     for (const Method& row : methods) {
-        if (row.name == methodName) return row;
+        if (row.name == methodName) {
+            return row;
+        }
     }
     std::string message = std::string(name) + " has no method " + excerpt(methodName);
     std::string meant(suggestion(methodName, methodNames()));
@@ -63,20 +74,25 @@ const Method& Interface::method(std::string_view methodName) const {
         meant +=
                 (meant.empty() ? "" : ", or ") + std::string(owner) + ' ' + std::string(methodName);
     }
-    if (meant.empty())
+    if (meant.empty()) {
         throw usage(message + "; mlkctl call " + std::string(name) + " --help lists what it has");
+    }
     throw usage(message + "; did you mean " + meant + "?");
 }
 
 std::vector<std::string_view> Interface::methodNames() const {
     std::vector<std::string_view> names;
-    for (const Method& row : methods) names.push_back(row.name);
+    for (const Method& row : methods) {
+        names.push_back(row.name);
+    }
     return names;
 }
 
 std::string synopsis(const Method& method) {
     std::string out;
-    for (const Word& word : method.call.words) out += (out.empty() ? "" : " ") + word.name;
+    for (const Word& word : method.call.words) {
+        out += (out.empty() ? "" : " ") + word.name;
+    }
     return out;
 }
 
@@ -84,10 +100,11 @@ std::string limits(const Method& method) {
     std::string out;
     size_t word = 0;
     for (const ArgumentDescription& argument : method.description->arguments) {
-        if (!argument.range.empty())
+        if (!argument.range.empty()) {
             out += (out.empty() ? "" : ", ") + method.call.words[word].name + " is " +
                    std::string(argument.range);
-        // An item is written as two words.
+        }
+        // An item takes two words.
         word += argument.type == "ProjectConfigKey" ? 2 : 1;
     }
     return out;
@@ -97,8 +114,9 @@ BoundCall bind(const Interface& interface, const Method& method,
                const std::vector<Argument>& arguments, Form form) {
     try {
         checkCount(method, arguments.size());
-        if (form == Form::RAW && !method.call.hasBytes)
+        if (form == Form::RAW && !method.call.hasBytes) {
             throw usage("it answers no bytes that could be printed raw");
+        }
         return method.call.bind(arguments, form);
     } catch (const Failure& failure) {
         throw about(interface, method, failure);

@@ -8,47 +8,54 @@
 
 namespace mlk::ctl {
 
-/// An interface of the service with all its own methods, in declared order. The base interface's
-/// methods are not among them.
+/**
+ * An interface of the service with all its own methods, in declared order, without those of the
+ * base interface.
+ */
 struct Interface {
-    std::string_view name;  ///< Without its package: "IMlkTvConfigs".
+    std::string_view name;  // without its package: "IMlkTvConfigs"
     std::vector<Method> methods;
-    /// A new proxy of the instance "default"; null when it is not registered. Does not wait. May be
-    /// called from any thread.
+    /**
+     * Returns a new proxy of the instance "default", or null if it is not registered. Does not
+     * wait. Any thread may call it.
+     */
     ::android::sp<IBase> (*find)();
 
-    /// The method of this name; throws Failure USAGE, which says what was probably meant.
+    /** The method of this name. Throws Failure USAGE, which suggests a similar name. */
     const Method& method(std::string_view methodName) const;
     std::vector<std::string_view> methodNames() const;
 };
 
-/// The table of each interface, made at the first call. Generated: service/interfaces/methods.
+/** The table of each interface, made at the first call. service/interfaces/methods generates it. */
 const Interface& projectInterface();
 const Interface& tvInterface();
 const Interface& frameworkInterface();
 
-/// All three.
+/** All three. */
 const std::vector<const Interface*>& interfaces();
 
-/// The interface of this name; throws Failure USAGE, which says what was probably meant.
+/** The interface of this name. Throws Failure USAGE, which suggests a similar name. */
 const Interface& interfaceOf(std::string_view name);
 
-/// The arguments as a manual writes them: "PORT VERSION"; empty for none.
+/** The arguments as a manual writes them: "PORT VERSION"; empty for none. */
 std::string synopsis(const Method& method);
 
-/// Which values the method serves of those arguments that are limited: "PORT is 0 to 3"; empty if
-/// none is.
+/**
+ * The ranges of the arguments that have one: "PORT is 0 to 3"; empty if no argument has one.
+ */
 std::string limits(const Method& method);
 
-/// The call of a method with arguments of any number. Throws Failure USAGE for what is wrong with
-/// them, Form::RAW of an answer that is no bytes included; the message names interface and method.
+/**
+ * Binds the arguments to a method. Throws Failure USAGE if their number or values are wrong, or if
+ * the form is RAW and the answer is not bytes; the message names interface and method.
+ */
 BoundCall bind(const Interface& interface, const Method& method,
                const std::vector<Argument>& arguments, Form form);
 
-/// The failure with the interface in front of its message.
+/** The failure with the interface in front of its message. */
 Failure about(const Interface& interface, const Failure& failure);
 
-/// The failure with interface and method in front of its message.
+/** The failure with interface and method in front of its message. */
 Failure about(const Interface& interface, const Method& method, const Failure& failure);
 
 template <typename I>

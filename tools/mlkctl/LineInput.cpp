@@ -23,13 +23,17 @@ bool LineInput::fill() {
     mBuffer.resize(kept + kPiece);
     ssize_t got = read(mDescriptor, mBuffer.data() + kept, kPiece);
     while (got < 0 && (errno == EINTR || errno == EAGAIN)) {
-        // Whoever shares the pipe may have set it not to wait.
+        // Another process that shares the pipe may have made it non-blocking.
         pollfd input{mDescriptor, POLLIN, 0};
-        if (errno == EAGAIN) (void)poll(&input, 1, -1);
+        if (errno == EAGAIN) {
+            (void)poll(&input, 1, -1);
+        }
         got = read(mDescriptor, mBuffer.data() + kept, kPiece);
     }
     mBuffer.resize(kept + static_cast<size_t>(got < 0 ? 0 : got));
-    if (got < 0) throw std::system_error(errno, std::generic_category(), "standard input");
+    if (got < 0) {
+        throw std::system_error(errno, std::generic_category(), "standard input");
+    }
     return got > 0;
 }
 
@@ -42,10 +46,12 @@ LineInput::Next LineInput::next(std::string_view* line) {
         }
         more = fill();
     }
-    // Without a newline it is the rest of the input: the last line, if there is anything.
+    // Without a newline, the rest of the input is the last line, unless it is empty.
     const size_t end = mSearched;
     const bool skipped = mSkipping;
-    if (!more && end == mBegin && !skipped) return Next::END;
+    if (!more && end == mBegin && !skipped) {
+        return Next::END;
+    }
     *line = std::string_view(mBuffer).substr(mBegin, end - mBegin);
     mBegin = mSearched = more ? end + 1 : end;
     mSkipping = false;

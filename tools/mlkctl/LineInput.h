@@ -5,26 +5,27 @@
 
 namespace mlk::ctl {
 
-/// Lines from a descriptor, read in large pieces and held to a length.
+/** Reads lines of bounded length from a descriptor, in large pieces. */
 class LineInput {
   public:
     enum class Next {
         LINE,
-        TOO_LONG,  ///< There was a line, but it had more bytes than the limit; all of it is
-                   ///< skipped.
+        TOO_LONG,  // the line has more bytes than the limit; all of it is skipped
         END,
     };
 
-    /// limit: how many bytes a line may have, its newline not counted.
+    /** limit: the greatest number of bytes of a line, without its newline. */
     LineInput(int descriptor, size_t limit) : mDescriptor(descriptor), mLimit(limit) {}
     LineInput(const LineInput&) = delete;
     LineInput& operator=(const LineInput&) = delete;
 
-    /// Whether next() has a complete line already and will not have to wait for one.
+    /** Whether next() has a complete line already and does not wait. */
     bool hasLine();
 
-    /// The next line, without its newline; the last one may have none. Waits for it. The line is
-    /// valid until the next call. Throws std::system_error when reading fails.
+    /**
+     * Waits for the next line and returns it without its newline, which the last line may lack. The
+     * line is valid until the next call. Throws std::system_error if reading fails.
+     */
     Next next(std::string_view* line);
 
   private:

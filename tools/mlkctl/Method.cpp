@@ -3,11 +3,15 @@
 namespace mlk::ctl {
 
 void checkOutcome(const ::android::hardware::details::return_status& outcome, bool answered) {
-    if (outcome.isDeadObject())
+    if (outcome.isDeadObject()) {
         throw Failure(ExitStatus::UNREACHABLE, "the service died during the call");
-    if (!outcome.isOk())
+    }
+    if (!outcome.isOk()) {
         throw Failure(ExitStatus::NO_ANSWER, "no answer: " + outcome.description());
-    if (!answered) throw Failure(ExitStatus::NO_ANSWER, "no answer");
+    }
+    if (!answered) {
+        throw Failure(ExitStatus::NO_ANSWER, "no answer");
+    }
 }
 
 }  // namespace mlk::ctl

@@ -19,49 +19,57 @@
 #include "tools/mlkctl/MethodDescription.h"
 #include "tools/mlkctl/Parameter.h"
 
-/// A method of an interface as a row of a table, which is generated from the interface's
-/// definition:
-///
-///     {"getEQPath", method(&IMlkProjectConfigs::getEQPath, "index"), &kIMlkProjectConfigs[13]},
-///
-/// The member function's own type says what its arguments and its answer are; the overloads of
-/// Parameter.h and Answer.h do the rest.
+/**
+ * A method of an interface is a row of a table that is generated from the interface's definition:
+ *
+ *     {"getEQPath", method(&IMlkProjectConfigs::getEQPath, "index"), &kIMlkProjectConfigs[13]},
+ *
+ * The type of the member function determines the types of arguments and answer; the overloads of
+ * Parameter.h and Answer.h read and print them.
+ */
 namespace mlk::ctl {
 
 using ::android::hardware::Return;
 using ::android::hidl::base::V1_0::IBase;
 
-/// Bytes as JSON, or as they are (--raw).
+/** How an answer is printed: as JSON, or as its bytes (--raw). */
 enum class Form { JSON, RAW };
 
-/// A call with its arguments, to be made of an object that implements the method's interface.
-/// Gives the answer as it is printed, without a newline. Throws Failure: UNREACHABLE when the
-/// object is dead, NO_ANSWER when the call failed or ended without an answer.
+/**
+ * A call with its arguments. It takes an object that implements the method's interface and returns
+ * the answer as it is printed, without a newline. Throws Failure: UNREACHABLE if the object is
+ * dead, NO_ANSWER if the call failed or ended without an answer.
+ */
 using BoundCall = std::function<std::string(IBase&)>;
 
-/// How a method is called; made by method().
+/** How a method is called. method() makes it. */
 struct Call {
-    std::vector<Word> words;  ///< What a user writes behind the method's name.
-    bool hasBytes;            ///< The answer is bytes: Form::RAW is possible.
+    std::vector<Word> words;  // what a user writes after the method's name
+    bool hasBytes;            // the answer is bytes: Form::RAW is possible
 
-    /// Reads the arguments, of which there are as many as words. Throws Failure USAGE for one that
-    /// is wrong.
+    /**
+     * Reads the arguments; their number is that of the words. Throws Failure USAGE if one of them
+     * is wrong.
+     */
     std::function<BoundCall(const std::vector<Argument>&, Form)> bind;
 };
 
-/// A row of a table.
+/** A row of a table. */
 struct Method {
     std::string_view name;
     Call call;
-    const MethodDescription* description;  ///< What the interface's definition says about it.
+    const MethodDescription* description;  // from the interface's definition
 };
 
-/// What became of a call that has returned, as a Failure unless it was answered.
+/** Throws a Failure that says what became of a returned call, unless it was answered. */
 void checkOutcome(const ::android::hardware::details::return_status& outcome, bool answered);
 
 namespace details {
 
-/// Taken apart: the member function's last parameter is the callback, those before are arguments.
+/**
+ * The type of the answer: the last parameter of a member function is the callback, the others are
+ * arguments.
+ */
 template <typename Callback>
 struct AnswerOf;
 template <typename Result>
@@ -72,20 +80,22 @@ struct AnswerOf<std::function<void(Result)>> {
 template <typename Answer>
 std::string printed(const Answer& answer, [[maybe_unused]] Form form) {
     if constexpr (kHasBytes<Answer>) {
-        if (form == Form::RAW) return rawBytes(answer);
+        if (form == Form::RAW) {
+            return rawBytes(answer);
+        }
     }
     std::string out;
     print(out, answer);
     return out;
 }
 
-/// Makes the call, which is given the callback, and prints what the callback is given.
+/** Makes the call with a callback, and returns the printed answer that the callback receives. */
 template <typename Answer, typename Caller>
 std::string answerOf(Form form, const Caller& caller) {
     std::optional<std::string> text;
     std::optional<Failure> failure;
     const auto outcome = caller([&](const Answer& answer) {
-        // Nothing may be thrown through the transport.
+        // No exception may pass through the transport.
         try {
             checkSound(answer);
             text = printed(answer, form);
@@ -93,7 +103,9 @@ std::string answerOf(Form form, const Caller& caller) {
             failure = thrown;
         }
     });
-    if (failure) throw Failure(*failure);
+    if (failure) {
+        throw Failure(*failure);
+    }
     checkOutcome(outcome, text.has_value());
     return std::move(*text);
 }
@@ -123,8 +135,10 @@ Call makeCall(Return<void> (I::*pointer)(Params...), std::index_sequence<Index..
 
 }  // namespace details
 
-/// The call of a member function. The parameters are the names that the interface gives them, in
-/// declared order; a name may carry names for numbers (Parameter).
+/**
+ * Makes the Call of a member function. The other parameters are the names of its arguments, in
+ * declared order; a name may carry names for numbers (Parameter).
+ */
 template <typename I, typename... Params, typename... Names>
 Call method(Return<void> (I::*pointer)(Params...), const Names&... names) {
     static_assert(sizeof...(Names) + 1 == sizeof...(Params), "one name a parameter");

@@ -38,38 +38,38 @@ struct Enumerator {
 
 /** An argument as the interface declares it. */
 struct ArgumentDescription {
-    std::string_view name;  ///< "cableType"
-    std::string_view type;  ///< "AtscCableType"
+    std::string_view name;  // "cableType"
+    std::string_view type;  // "AtscCableType"
     /** Which values the method serves: "0 to 3", "at most 128 bytes", "a country"; empty for every
      * value of the type. */
     std::string_view range;
-    std::optional<int64_t> low;   ///< The lowest number of the range, if it has one.
-    std::optional<int64_t> high;  ///< The highest number of the range, or a text's most bytes.
-    std::string_view text;        ///< What the argument is: "which port".
+    std::optional<int64_t> low;   // The lowest number of the range, if it has one.
+    std::optional<int64_t> high;  // The highest number of the range, or a text's most bytes.
+    std::string_view text;        // What the argument is: "which port".
     List<Enumerator> enumerators;
 };
 
 /** Items of one section of the project's files. */
 struct ItemDescription {
-    std::string_view section;     ///< With its brackets.
-    List<std::string_view> keys;  ///< One, or those that an argument chooses from, in order.
+    std::string_view section;     // With its brackets.
+    List<std::string_view> keys;  // One, or those that an argument chooses from, in order.
 };
 
 /** A method as the interface declares it. */
 struct MethodDescription {
-    uint32_t code;  ///< The transaction code: the method's position in its interface, from 1.
+    uint32_t code;  // The transaction code: the method's position in its interface, from 1.
     std::string_view name;
-    std::string_view summary;  ///< One sentence: what it answers or does.
-    std::string_view details;  ///< Further sentences; may be empty.
+    std::string_view summary;  // One sentence: what it answers or does.
+    std::string_view details;  // Further sentences; may be empty.
     List<ArgumentDescription> arguments;
-    std::string_view resultType;  ///< "OptionalString"
-    std::string_view resultText;  ///< What the result is.
-    std::string_view noAnswer;    ///< When a call gets no answer; empty for never.
+    std::string_view resultType;  // "OptionalString"
+    std::string_view resultText;  // What the result is.
+    std::string_view noAnswer;    // When a call gets no answer; empty for never.
     // Where the result comes from, or where the method writes. An answer may come from none of
     // them.
     List<ItemDescription> items;
     List<std::string_view> properties;
-    List<std::string_view> files;  ///< With the partition's name: "/impdata/project_id.bin".
+    List<std::string_view> files;  // With the partition's name: "/impdata/project_id.bin".
 };
 
 }  // namespace mlk::ctl

@@ -19,7 +19,9 @@ void Output::bytes(std::string_view text) {
 void Output::write(std::string_view text) {
     constexpr size_t kPiece = size_t{64} * 1024;
     mPending += text;
-    if (mPending.size() >= kPiece) flush();
+    if (mPending.size() >= kPiece) {
+        flush();
+    }
 }
 
 void Output::line(std::string_view text) {
@@ -32,14 +34,18 @@ void Output::flush() {
     while (done < mPending.size()) {
         const ssize_t written =
                 ::write(mDescriptor, mPending.data() + done, mPending.size() - done);
-        if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
         if (written < 0 && errno == EAGAIN) {
-            // Whoever shares the pipe has set it not to wait.
+            // Another process that shares the pipe has made it non-blocking.
             pollfd space{mDescriptor, POLLOUT, 0};
             (void)poll(&space, 1, -1);
             continue;
         }
-        if (written < 0) throw std::system_error(errno, std::generic_category(), "standard output");
+        if (written < 0) {
+            throw std::system_error(errno, std::generic_category(), "standard output");
+        }
         done += static_cast<size_t>(written);
     }
     mPending.clear();

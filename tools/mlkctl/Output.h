@@ -5,9 +5,11 @@
 
 namespace mlk::ctl {
 
-/// What goes to standard output, collected and written in large pieces. Every failure to write is a
-/// std::system_error whose code says why: EPIPE when nobody reads any more. What has not been
-/// flushed when the object goes is lost, for its destructor could not tell of a failure.
+/**
+ * Collects what goes to standard output and writes it in large pieces. A failure to write throws
+ * std::system_error with its reason: EPIPE if nobody reads any more. The destructor drops what has
+ * not been flushed, because it could not report a failure.
+ */
 class Output {
   public:
     explicit Output(int descriptor);
@@ -15,13 +17,13 @@ class Output {
     Output& operator=(const Output&) = delete;
 
     void write(std::string_view text);
-    /// The text and a newline.
+    /** Writes the text and a newline. */
     void line(std::string_view text);
     void flush();
 
-    /// Bytes of a service or a file as they are; on a terminal, what it would obey is escaped.
+    /** Writes bytes of a service or a file; on a terminal, control characters are escaped. */
     void bytes(std::string_view text);
-    /// Whether a person looks at it, and no program reads it.
+    /** Whether the output is a terminal, so that a person reads it. */
     bool isTerminal() const { return mIsTerminal; }
 
   private:

@@ -9,14 +9,16 @@ using ::vendor::morlak::mlkconfigs::V1_0::ProjectConfigKey;
 
 namespace {
 
-/// "cableType" as manuals write what is to be filled in: "CABLE_TYPE".
+// Turns "cableType" into a placeholder as manuals write it: "CABLE_TYPE".
 std::string placeholder(std::string_view name) {
     std::string out;
     char last = '\0';
     for (const char letter : name) {
         const bool isCapital = letter >= 'A' && letter <= 'Z';
         const bool afterSmall = last >= 'a' && last <= 'z';
-        if (isCapital && afterSmall) out += '_';
+        if (isCapital && afterSmall) {
+            out += '_';
+        }
         out += letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
         last = letter;
     }

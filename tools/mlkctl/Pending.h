@@ -13,26 +13,30 @@
 namespace mlk::ctl {
 
 namespace details {
-/// How many threads of all Pending have not ended.
+/** The number of threads of all Pending that have not ended. */
 std::atomic<int>& pendingThreads();
 }  // namespace details
 
-/// Whether a thread of a Pending still runs: then the process has to end with _exit.
+/** Whether a thread of a Pending still runs. Then the process has to end with _exit. */
 bool anyPending();
 
-/// Something that may never come back, like a call to a service that hangs: it runs on a thread of
-/// its own, which is left behind when it takes too long.
+/**
+ * Work that may never end, such as a call to a service that hangs. It runs on a thread of its own,
+ * which is abandoned if it takes too long.
+ */
 template <typename T>
 class Pending {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// Begins. The work must not refer to anything that may go before it ends, and throws nothing.
+    /**
+     * Starts the work. It must own everything it refers to, and must not throw.
+     */
     explicit Pending(std::function<T()> work) : mState(std::make_shared<State>()) {
         ++details::pendingThreads();
         std::thread([state = mState, work = std::move(work)]() mutable {
             T result = work();
-            // Whatever the work holds has gone before the thread counts as ended.
+            // Destroy what the work holds before the thread counts as ended.
             work = nullptr;
             const std::lock_guard<std::mutex> lock(state->mutex);
             state->result = std::move(result);
@@ -41,7 +45,7 @@ class Pending {
         }).detach();
     }
 
-    /// The result, or nothing when it is not there in time.
+    /** The result, or nothing if the work has not ended by the deadline. */
     std::optional<T> waitUntil(Clock::time_point deadline) const {
         std::unique_lock<std::mutex> lock(mState->mutex);
         mState->done.wait_until(lock, deadline, [this] { return mState->result.has_value(); });

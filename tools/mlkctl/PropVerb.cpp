@@ -23,7 +23,7 @@ Reads and sets system properties, from which the service takes switches and sett
 belong to the set, not to the service, which need not run. On a host they are files below
 $MLK_ROOT/data/property.
 
-What stands behind list, get or set is taken as it is, -1 and --foo included. A key is letters,
+Words after list, get or set are taken as they are, -1 and --foo included. A key is letters,
 digits and "_.@:-". A value has at most 91 bytes. A key that begins with "ro." is set once. Many
 switches are read by the service when it starts; a change is seen then.
 
@@ -61,30 +61,39 @@ Properties allProperties() {
 
 void list(const std::vector<std::string>& words, Output& output) {
     const bool json = words.size() == 1 && words[0] == "--json";
-    if (!words.empty() && !json) throw usage("prop list takes --json or nothing");
+    if (!words.empty() && !json) {
+        throw usage("prop list takes --json or nothing");
+    }
     std::string object;
     for (const auto& [key, value] : allProperties()) {
-        if (json)
+        if (json) {
             object += (object.empty() ? "" : ",") + jsonString(key) + ':' + jsonString(value);
-        else
+        } else {
             output.line(printable(key) + '=' + printable(value));
+        }
     }
-    if (json) output.line('{' + object + '}');
+    if (json) {
+        output.line('{' + object + '}');
+    }
 }
 
 void get(const std::vector<std::string>& words, Output& output) {
-    if (words.size() != 1) throw usage("prop get takes one argument: KEY");
+    if (words.size() != 1) {
+        throw usage("prop get takes one argument: KEY");
+    }
     std::array<char, PROPERTY_VALUE_MAX> value{};
     property_get(words[0].c_str(), value.data(), "");
     output.line(output.isTerminal() ? printable(value.data()) : value.data());
 }
 
-/// The likeliest reason why a property could not be set. The store's interface tells none.
+// The most probable reason why a property could not be set. The store's interface gives no reason.
 std::string reason(const std::string& key, int error) {
     const Properties properties = allProperties();
     const bool exists = std::any_of(properties.begin(), properties.end(),
                                     [&](const auto& each) { return each.first == key; });
-    if (key.rfind("ro.", 0) == 0 && exists) return "it is set already, and is set once";
+    if (key.rfind("ro.", 0) == 0 && exists) {
+        return "it is set already, and is set once";
+    }
     return error == 0 ? "the store refuses it" : strerror(error);
 }
 
@@ -95,7 +104,9 @@ bool isKey(const std::string& text) {
 }
 
 void set(const std::vector<std::string>& words) {
-    if (words.size() != 2) throw usage("prop set takes two arguments: KEY VALUE");
+    if (words.size() != 2) {
+        throw usage("prop set takes two arguments: KEY VALUE");
+    }
     if (!isKey(words[0])) {
         throw usage(excerpt(words[0]) + R"( is no KEY: that is letters, digits and "_.@:-")");
     }
@@ -119,7 +130,9 @@ class PropVerb : public Verb {
     bool takesWords() const override { return true; }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
-        if (words.empty()) throw usage("prop takes list, get KEY or set KEY VALUE");
+        if (words.empty()) {
+            throw usage("prop takes list, get KEY or set KEY VALUE");
+        }
         const std::vector<std::string> rest(words.begin() + 1, words.end());
         if (words[0] == "list") {
             list(rest, environment.output);

@@ -19,7 +19,7 @@ namespace {
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 
-// The service manager's own limit; on a host it asks whether somebody listens at each name.
+// The time limit of the service manager itself, which on a host tries to connect to each name.
 constexpr std::chrono::seconds kManagerLimit{5};
 
 struct Name {
@@ -27,22 +27,28 @@ struct Name {
     std::string instance;
 };
 
-/// The names, or why there are none.
+// The names, or the reason why there is no list.
 using Names = std::variant<std::vector<Name>, std::string>;
 
 Names askForNames() {
     const auto manager = ::android::hardware::defaultServiceManager();
-    if (manager == nullptr) return "there is no service manager";
+    if (manager == nullptr) {
+        return "there is no service manager";
+    }
     std::vector<Name> names;
     const auto outcome = manager->list([&](const hidl_vec<hidl_string>& list) {
         for (const hidl_string& name : list) {
             const std::string text(name.c_str(), name.size());
             const size_t slash = text.find('/');
-            if (slash == std::string::npos) continue;
+            if (slash == std::string::npos) {
+                continue;
+            }
             names.push_back({text.substr(0, slash), text.substr(slash + 1)});
         }
     });
-    if (!outcome.isOk()) return "the service manager does not answer: " + outcome.description();
+    if (!outcome.isOk()) {
+        return "the service manager does not answer: " + outcome.description();
+    }
     return names;
 }
 
@@ -60,12 +66,18 @@ struct Process {
 Process processOf(const std::string& interface, const std::string& instance) {
     const auto service =
             ::android::hardware::details::getRawServiceInternal(interface, instance, false, false);
-    if (service == nullptr) return {Answering::ABSENT, {}};
+    if (service == nullptr) {
+        return {Answering::ABSENT, {}};
+    }
     std::optional<int> pid;
     const auto outcome = service->getDebugInfo([&](const auto& info) { pid = info.pid; });
-    if (outcome.isDeadObject()) return {Answering::ABSENT, {}};
-    // A service that must not tell says -1.
-    if (!outcome.isOk() || pid.value_or(-1) <= 0) return {Answering::UNTOLD, {}};
+    if (outcome.isDeadObject()) {
+        return {Answering::ABSENT, {}};
+    }
+    // A service that must not tell its process returns -1.
+    if (!outcome.isOk() || pid.value_or(-1) <= 0) {
+        return {Answering::UNTOLD, {}};
+    }
     return {Answering::TOLD, pid};
 }
 
@@ -79,11 +91,17 @@ std::optional<int> threadsOf(int pid) {
 std::optional<int> threadsIn(const std::string& status) {
     const std::string label = "\nThreads:";
     const size_t found = status.find(label);
-    if (found == std::string::npos) return {};
+    if (found == std::string::npos) {
+        return {};
+    }
     const size_t digits = status.find_first_not_of(" \t", found + label.size());
-    if (digits == std::string::npos) return {};
+    if (digits == std::string::npos) {
+        return {};
+    }
     const auto count = numberFrom(status.substr(digits, status.find('\n', digits) - digits));
-    if (!count) return {};
+    if (!count) {
+        return {};
+    }
     return static_cast<int>(*count);
 }
 
@@ -104,10 +122,14 @@ std::vector<Registration> registrations(std::chrono::milliseconds limit) {
     }
     for (size_t i = 0; i < rows.size(); ++i) {
         const auto process = questions[i].waitUntil(deadline);
-        if (!process) continue;
+        if (!process) {
+            continue;
+        }
         rows[i].answering = process->answering;
         rows[i].pid = process->pid;
-        if (process->pid) rows[i].threads = threadsOf(*process->pid);
+        if (process->pid) {
+            rows[i].threads = threadsOf(*process->pid);
+        }
     }
     return rows;
 }

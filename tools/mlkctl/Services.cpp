@@ -9,8 +9,8 @@ namespace {
 
 using Clock = Worker::Clock;
 
-/// Why there is no object of an interface. A runtime that gives up a service that hangs gives none
-/// either; the service manager still has its name.
+// The reason why an interface has no object. A runtime that gives up on a hanging service returns
+// no object either, but the service manager still has the name.
 Failure noObject(const Interface& interface) {
     return {ExitStatus::UNREACHABLE,
             std::string(interface.name) + (isRegistered(interface.name)
@@ -21,7 +21,9 @@ Failure noObject(const Interface& interface) {
 std::string shownSeconds(std::chrono::duration<double> limit) {
     std::string text = std::to_string(limit.count());
     text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
+    if (text.back() == '.') {
+        text.pop_back();
+    }
     return text;
 }
 
@@ -34,9 +36,11 @@ Clock::time_point after(std::chrono::duration<double> limit) {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
 }
 
-/// The failure, with when the method gives no answer, if that is what it is about.
+// The failure; if there was no answer, with the description of when the method gives no answer.
 Failure explained(const Failure& failure, const MethodDescription& description) {
-    if (failure.status() != ExitStatus::NO_ANSWER || description.noAnswer.empty()) return failure;
+    if (failure.status() != ExitStatus::NO_ANSWER || description.noAnswer.empty()) {
+        return failure;
+    }
     return {failure.status(), std::string(failure.what()) + "; there is none if " +
                                       std::string(description.noAnswer)};
 }
@@ -46,7 +50,9 @@ Failure explained(const Failure& failure, const MethodDescription& description) 
 Services::Services() : mFinder([](const Interface& interface) { return interface.find(); }) {}
 
 void Services::within(const Interface& interface, std::function<void()> work) {
-    if (mWorker == nullptr) mWorker = std::make_unique<Worker>();
+    if (mWorker == nullptr) {
+        mWorker = std::make_unique<Worker>();
+    }
     if (mWorker->run(std::move(work), mLimit)) {
         return;
     }
@@ -57,7 +63,9 @@ void Services::within(const Interface& interface, std::function<void()> work) {
 
 ::android::sp<IBase> Services::object(const Interface& interface) {
     const auto kept = mObjects.find(&interface);
-    if (kept != mObjects.end()) return kept->second;
+    if (kept != mObjects.end()) {
+        return kept->second;
+    }
     const auto found = std::make_shared<::android::sp<IBase>>();
     try {
         within(interface,
@@ -65,7 +73,9 @@ void Services::within(const Interface& interface, std::function<void()> work) {
     } catch (const Failure& failure) {
         throw about(interface, failure);
     }
-    if (*found == nullptr) throw noObject(interface);
+    if (*found == nullptr) {
+        throw noObject(interface);
+    }
     return mObjects[&interface] = *found;
 }
 
@@ -74,7 +84,9 @@ void Services::askForNothing(const Interface& interface, std::function<void(IBas
     try {
         within(interface, [target, question = std::move(question)] { question(*target); });
     } catch (const Failure& failure) {
-        if (failure.status() == ExitStatus::UNREACHABLE) mObjects.erase(&interface);
+        if (failure.status() == ExitStatus::UNREACHABLE) {
+            mObjects.erase(&interface);
+        }
         throw;
     }
 }
@@ -89,11 +101,12 @@ std::map<const Interface*, Failure> Services::findAll() {
     for (size_t i = 0; i < questions.size(); ++i) {
         const Interface* interface = interfaces()[i];
         const auto found = questions[i].waitUntil(deadline);
-        if (found.has_value() && *found != nullptr)
+        if (found.has_value() && *found != nullptr) {
             mObjects[interface] = *found;
-        else
+        } else {
             failures.emplace(interface, found.has_value() ? noObject(*interface)
                                                           : about(*interface, tooLate(mLimit)));
+        }
     }
     return failures;
 }

@@ -16,30 +16,35 @@
 
 namespace mlk::ctl {
 
-/// The service's three objects as this process reaches them: each is looked up when it is first
-/// needed and kept, so that many calls share a connection. Nothing that is asked of them takes
-/// longer than a limit. For one thread.
+/**
+ * The service's three objects. Each is looked up at its first use and kept, so that many calls
+ * share a connection. Every question ends within a time limit. For one thread.
+ */
 class Services {
   public:
-    /// How an object is looked up: a new proxy, or null. Called from any thread.
+    /** Looks an object up: returns a new proxy, or null. Called from any thread. */
     using Finder = std::function<::android::sp<IBase>(const Interface&)>;
 
-    /// Finds what is registered.
+    /** Looks objects up in the service manager. */
     Services();
     explicit Services(Finder finder) : mFinder(std::move(finder)) {}
 
-    /// How long a look-up, and how long a call, may take; half a minute unless it is set.
+    /** Sets how long a look-up and a call may take. The default is 30 seconds. */
     void setLimit(std::chrono::duration<double> limit) { mLimit = limit; }
 
-    /// Looks all three up at once, within the limit. Gives why there is none of those that cannot
-    /// be reached.
+    /**
+     * Looks all three up at the same time, within the limit. Returns the reasons why objects cannot
+     * be reached.
+     */
     std::map<const Interface*, Failure> findAll();
 
-    /// What `question` gives, asked of the object of the interface on another thread. It must own
-    /// what it refers to: a service that hangs leaves it behind. Throws what it throws, and Failure
-    /// UNREACHABLE when there is no object, or no answer within the limit. An object that turns out
-    /// to be dead, or hangs, is forgotten: the next call finds the one that has taken its place.
-    /// The question itself is not asked again: nobody knows what it did.
+    /**
+     * Calls `question` with the object of the interface on another thread, and returns its result.
+     * The question must own what it refers to, because it is abandoned if the service hangs. Throws
+     * what the question throws, and Failure UNREACHABLE if there is no object or no answer within
+     * the limit. An object that is dead or hangs is forgotten: the next call finds its successor.
+     * The question is not asked again, because it may have had an effect.
+     */
     template <typename Question>
     auto ask(const Interface& interface, Question question) {
         using Answer = std::invoke_result_t<Question, IBase&>;
@@ -70,7 +75,7 @@ class Services {
      */
     void callAll(const std::vector<Request>& requests, const Receiver& receive);
 
-    /// Calls a method with arguments of any number; throws as bind() and ask() do.
+    /** Calls a method; throws as bind() and ask() do. */
     std::string call(const Interface& interface, const Method& method,
                      const std::vector<Argument>& arguments, Form form);
 

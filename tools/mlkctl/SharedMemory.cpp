@@ -9,12 +9,15 @@
 namespace mlk::ctl {
 
 SharedMemory::SharedMemory(const ::android::hardware::hidl_memory& memory) {
-    if (memory.size() == 0) return;
+    if (memory.size() == 0) {
+        return;
+    }
     mMapped = ::android::hardware::mapMemory(memory);
-    if (mMapped == nullptr)
+    if (mMapped == nullptr) {
         throw Failure(ExitStatus::NO_ANSWER, "the answer's shared memory of " +
                                                      std::to_string(memory.size()) +
                                                      " bytes cannot be mapped");
+    }
     mMapped->read();
     mData = static_cast<const uint8_t*>(static_cast<void*>(mMapped->getPointer()));
     mMapped->commit();

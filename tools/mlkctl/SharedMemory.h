@@ -8,8 +8,10 @@
 
 namespace mlk::ctl {
 
-/// A memory block of an answer, mapped while the object lives. The block may be empty: then it has
-/// no bytes. Throws Failure NO_ANSWER when the platform does not map it; its log says why.
+/**
+ * A memory block of an answer, mapped while the object lives. An empty block has no bytes. Throws
+ * Failure NO_ANSWER if the platform cannot map it; the platform's log says why.
+ */
 class SharedMemory {
   public:
     explicit SharedMemory(const ::android::hardware::hidl_memory& memory);

@@ -23,16 +23,21 @@ std::string textOf(const hidl_string& text) {
 
 template <typename Optional>
 ShowValue valueOf(const Optional& answer) {
-    if (!answer.success) return NoValue{"(refused)"};
-    if constexpr (std::is_same_v<Optional, V1_0::OptionalString>)
+    if (!answer.success) {
+        return NoValue{"(refused)"};
+    }
+    if constexpr (std::is_same_v<Optional, V1_0::OptionalString>) {
         return textOf(answer.value);
-    else
+    } else {
         return answer.value;
+    }
 }
 
 ShowValue valueOf(const hidl_vec<hidl_string>& answer) {
     std::vector<std::string> list;
-    for (const hidl_string& text : answer) list.push_back(textOf(text));
+    for (const hidl_string& text : answer) {
+        list.push_back(textOf(text));
+    }
     return list;
 }
 
@@ -46,14 +51,14 @@ const Interface& tableOf(Type<IMlkFrameworkConfigs>) {
     return frameworkInterface();
 }
 
-/// What a method answers to these arguments.
+// The question that calls a method with these arguments.
 template <typename I, typename... Params, typename... Arguments>
 ShowQuestion answer(Return<void> (I::*pointer)(Params...), Arguments... arguments) {
     return {&tableOf(Type<I>()),
             [=](IBase& object) { return valueOf(ask(object, pointer, arguments...)); }};
 }
 
-/// The features that are switched on, or off, by their names.
+// The names of the features that are switched on, or off.
 ShowQuestion features(bool on) {
     return {&tvInterface(), [=](IBase& object) -> ShowValue {
                 std::vector<std::string> list;
@@ -61,11 +66,17 @@ ShowQuestion features(bool on) {
                 for (const auto feature : ::android::hardware::hidl_enum_range<ConfigType>()) {
                     const ShowValue value = answer(&IMlkTvConfigs::getFlag, feature).ask(object);
                     const bool* flag = std::get_if<bool>(&value);
-                    if (flag == nullptr) continue;
+                    if (flag == nullptr) {
+                        continue;
+                    }
                     known = true;
-                    if (*flag == on) list.push_back(toString(feature));
+                    if (*flag == on) {
+                        list.push_back(toString(feature));
+                    }
                 }
-                if (!known) return NoValue{"(refused)"};
+                if (!known) {
+                    return NoValue{"(refused)"};
+                }
                 return list;
             }};
 }

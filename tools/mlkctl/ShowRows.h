@@ -11,33 +11,33 @@
 
 namespace mlk::ctl {
 
-/// Why a row has no value, for a person: "(no answer)".
+/** Why a row has no value, for a person: "(no answer)". */
 struct NoValue {
     std::string why;
 };
 
-/// How many there are of what, in the order to be shown.
+/** Names and their numbers, in the order in which they are shown. */
 using Counts = std::vector<std::pair<std::string, int32_t>>;
 
 using ShowValue =
         std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>, Counts>;
 
-/// How a fact is asked for.
+/** How a fact is asked for. */
 struct ShowQuestion {
     const Interface* interface;
-    /// Asks the object, which implements the interface. Throws Failure as BoundCall does.
+    /** Asks the object, which implements the interface. Throws Failure as BoundCall does. */
     std::function<ShowValue(IBase&)> ask;
 };
 
-/// One fact about a set.
+/** One fact about a set. */
 struct ShowRow {
-    std::string group;  ///< Heading that it stands under: one word.
-    std::string label;  ///< For a person.
-    std::string key;    ///< For a program.
+    std::string group;  // its heading: one word
+    std::string label;  // for a person
+    std::string key;    // for a program
     ShowQuestion question;
 };
 
-/// What is shown, in order; the rows of a group stand together.
+/** All rows in the order in which they are shown; the rows of a group stand together. */
 const std::vector<ShowRow>& showRows();
 
 }  // namespace mlk::ctl

@@ -59,23 +59,25 @@ struct Overloaded : Cases... {
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-/// Why interfaces cannot be reached.
+// The reasons why interfaces cannot be reached.
 using Unreachable = std::map<const Interface*, Failure>;
 
-/// Asks every row. An interface that cannot be reached is not asked again.
+// Asks every row. An interface that cannot be reached is not asked again.
 Answers askAll(Services& services, Unreachable* unreachable) {
     Answers answers;
     for (const ShowRow& row : showRows()) {
         const Interface* interface = row.question.interface;
         ShowValue value = NoValue{"(not reachable)"};
         try {
-            if (unreachable->count(interface) == 0)
+            if (unreachable->count(interface) == 0) {
                 value = services.ask(*interface, row.question.ask);
+            }
         } catch (const Failure& failure) {
-            if (failure.status() == ExitStatus::UNREACHABLE)
+            if (failure.status() == ExitStatus::UNREACHABLE) {
                 unreachable->emplace(interface, about(*interface, failure));
-            else
+            } else {
                 value = NoValue{"(no answer)"};
+            }
         }
         answers.push_back(std::move(value));
     }
@@ -86,7 +88,7 @@ std::string shown(const std::string& text) {
     return text.empty() ? "-" : printable(text);
 }
 
-/// The lines of a value, at least one.
+// The lines of a value, at least one.
 std::vector<std::string> linesOf(const ShowValue& value) {
     using Lines = std::vector<std::string>;
     return std::visit(Overloaded{[](const NoValue& none) { return Lines{none.why}; },
@@ -95,14 +97,16 @@ std::vector<std::string> linesOf(const ShowValue& value) {
                                  [](bool flag) { return Lines{flag ? "on" : "off"}; },
                                  [](const Lines& list) {
                                      Lines lines;
-                                     for (const std::string& text : list)
+                                     for (const std::string& text : list) {
                                          lines.push_back(shown(text));
+                                     }
                                      return list.empty() ? Lines{"-"} : lines;
                                  },
                                  [](const Counts& counts) {
                                      Lines lines;
-                                     for (const auto& [what, count] : counts)
+                                     for (const auto& [what, count] : counts) {
                                          lines.push_back(what + ": " + std::to_string(count));
+                                     }
                                      return counts.empty() ? Lines{"-"} : lines;
                                  }},
                       value);
@@ -115,15 +119,17 @@ std::string jsonOf(const ShowValue& value) {
                                  [](bool flag) { return std::string(flag ? "true" : "false"); },
                                  [](const std::vector<std::string>& list) {
                                      std::string array;
-                                     for (const std::string& text : list)
+                                     for (const std::string& text : list) {
                                          array += (array.empty() ? "" : ",") + jsonString(text);
+                                     }
                                      return '[' + array + ']';
                                  },
                                  [](const Counts& counts) {
                                      std::string object;
-                                     for (const auto& [what, count] : counts)
+                                     for (const auto& [what, count] : counts) {
                                          object += (object.empty() ? "" : ",") + jsonString(what) +
                                                    ':' + std::to_string(count);
+                                     }
                                      return '{' + object + '}';
                                  }},
                       value);
@@ -134,7 +140,9 @@ std::string tableOf(const Answers& answers) {
     for (size_t i = 0; i < answers.size(); ++i) {
         const ShowRow& row = showRows()[i];
         if (i == 0 || row.group != showRows()[i - 1].group) {
-            if (i != 0) table.push_back({""});
+            if (i != 0) {
+                table.push_back({""});
+            }
             table.push_back({row.group});
         }
         std::string label = "  " + row.label;
@@ -146,7 +154,7 @@ std::string tableOf(const Answers& answers) {
     return aligned(table);
 }
 
-/// A heading as a key.
+// Turns a heading into a key.
 std::string keyOf(std::string group) {
     group[0] = static_cast<char>(tolower(group[0]));
     return group;
@@ -156,10 +164,11 @@ std::string objectOf(const Answers& answers) {
     std::string text = "{";
     for (size_t i = 0; i < answers.size(); ++i) {
         const ShowRow& row = showRows()[i];
-        if (i == 0 || row.group != showRows()[i - 1].group)
+        if (i == 0 || row.group != showRows()[i - 1].group) {
             text += (i == 0 ? "" : "},") + jsonString(keyOf(row.group)) + ":{";
-        else
+        } else {
             text += ',';
+        }
         text += jsonString(row.key) + ':' + jsonOf(answers[i]);
     }
     return text + "}}\n";
@@ -181,11 +190,15 @@ class ShowVerb : public Verb {
             const Answers answers = askAll(environment.services, &unreachable);
             environment.output.write(mJson ? objectOf(answers) : tableOf(answers));
         }
-        if (unreachable.empty()) return ExitStatus::ANSWERED;
+        if (unreachable.empty()) {
+            return ExitStatus::ANSWERED;
+        }
         environment.output.flush();
         for (const Interface* interface : interfaces()) {
             const auto failure = unreachable.find(interface);
-            if (failure == unreachable.end()) continue;
+            if (failure == unreachable.end()) {
+                continue;
+            }
             environment.errors << "mlkctl: " << printable(failure->second.what()) << std::endl;
         }
         return ExitStatus::UNREACHABLE;

@@ -13,11 +13,13 @@ char small(char letter) {
 }  // namespace
 
 size_t editDistance(std::string_view one, std::string_view other) {
-    // Rows of the table of distances between the beginnings of both words.
+    // Rows of the table of distances between the prefixes of both words.
     std::vector<size_t> beforeLast(other.size() + 1);
     std::vector<size_t> last(other.size() + 1);
     std::vector<size_t> row(other.size() + 1);
-    for (size_t j = 0; j <= other.size(); ++j) row[j] = j;
+    for (size_t j = 0; j <= other.size(); ++j) {
+        row[j] = j;
+    }
     for (size_t i = 1; i <= one.size(); ++i) {
         beforeLast.swap(last);
         last.swap(row);
@@ -27,7 +29,9 @@ size_t editDistance(std::string_view one, std::string_view other) {
             row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
             const bool swapped = i > 1 && j > 1 && small(one[i - 1]) == small(other[j - 2]) &&
                                  small(one[i - 2]) == small(other[j - 1]);
-            if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            if (swapped) {
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
         }
     }
     return row[other.size()];
@@ -38,10 +42,12 @@ std::string_view suggestion(std::string_view word,
     std::string_view nearest;
     size_t least = 0;
     for (const std::string_view candidate : candidates) {
-        // A third of the letters wrong is a misspelling, more is another word. A word that is much
-        // longer is not worth a table of distances.
+        // Up to a third of the letters wrong is a misspelling, more is another word. The table of
+        // distances is not computed for a much longer word.
         const size_t limit = candidate.size() / 3;
-        if (word.size() > candidate.size() + limit) continue;
+        if (word.size() > candidate.size() + limit) {
+            continue;
+        }
         const size_t distance = editDistance(word, candidate);
         if (distance <= limit && (nearest.empty() || distance < least)) {
             nearest = candidate;

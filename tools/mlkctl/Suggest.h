@@ -6,15 +6,19 @@
 
 namespace mlk::ctl {
 
-/// How many letters have to be changed, added, left out or swapped with their neighbour to make one
-/// word of the other. Capitals count as their small letters.
+/**
+ * The number of letters that have to be changed, added, removed or swapped with a neighbour to turn
+ * one word into the other. Case does not count.
+ */
 size_t editDistance(std::string_view one, std::string_view other);
 
-/// The candidate that was probably meant by a word that is none of them: the nearest, when it is
-/// near for its length; empty when none is. Of equally near ones the first.
+/**
+ * The candidate that the user probably meant: the nearest one if it is near enough for its length,
+ * the first of equally near ones; otherwise empty.
+ */
 std::string_view suggestion(std::string_view word, const std::vector<std::string_view>& candidates);
 
-/// "; did you mean X?", or `otherwise` when there is nothing near.
+/** "; did you mean X?", or `otherwise` if no candidate is near. */
 std::string didYouMean(std::string_view word, const std::vector<std::string_view>& candidates,
                        const std::string& otherwise);
 

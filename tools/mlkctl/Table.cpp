@@ -17,16 +17,21 @@ size_t widthOf(const std::string& cell) {
 std::string aligned(const Table& table) {
     std::vector<size_t> widths;
     for (const auto& row : table) {
-        if (row.size() > widths.size()) widths.resize(row.size());
-        for (size_t i = 0; i + 1 < row.size(); ++i)
+        if (row.size() > widths.size()) {
+            widths.resize(row.size());
+        }
+        for (size_t i = 0; i + 1 < row.size(); ++i) {
             widths[i] = std::max(widths[i], widthOf(row[i]));
+        }
     }
     std::string text;
     for (const auto& row : table) {
         std::string line;
         for (size_t i = 0; i < row.size(); ++i) {
             line += row[i];
-            if (i + 1 < row.size()) line.append(widths[i] + 2 - widthOf(row[i]), ' ');
+            if (i + 1 < row.size()) {
+                line.append(widths[i] + 2 - widthOf(row[i]), ' ');
+            }
         }
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + '\n';

@@ -5,12 +5,14 @@
 
 namespace mlk::ctl {
 
-/// Rows of cells for a person to read. A cell holds one line.
+/** Rows of cells for a person to read. A cell holds one line. */
 using Table = std::vector<std::vector<std::string>>;
 
-/// The rows as lines: the cells of a column begin below each other, two blanks behind the longest
-/// one of the column before; no blanks at the end of a line. Width is counted in characters of
-/// UTF-8; the last column of a row counts for nobody.
+/**
+ * The rows as lines. The cells of a column start below each other, two blanks after the longest
+ * cell of the column before; lines have no trailing blanks. Width is counted in UTF-8 characters;
+ * the last cell of a row widens no column.
+ */
 std::string aligned(const Table& table);
 
 }  // namespace mlk::ctl

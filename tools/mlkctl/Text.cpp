@@ -13,9 +13,9 @@ uint8_t byteAt(std::string_view text, size_t position) {
     return static_cast<uint8_t>(text[position]);
 }
 
-/// How many bytes the valid UTF-8 sequence at the position has; 0 when there is none. The second
-/// byte's range, which depends on the first, is what shuts out overlong forms, surrogates and what
-/// is beyond U+10FFFF.
+// The length of the valid UTF-8 sequence at the position; 0 if it is not valid. The range of the
+// second byte depends on the first: it excludes overlong forms, surrogates and code points beyond
+// U+10FFFF.
 size_t sequenceLength(std::string_view text, size_t position) {
     struct Row {
         uint8_t first, last;              // range of the first byte
@@ -33,13 +33,19 @@ size_t sequenceLength(std::string_view text, size_t position) {
                                                   {0xf4, 0xf4, 4, 0x80, 0x8f}}};
     const uint8_t lead = byteAt(text, position);
     for (const Row& row : kRows) {
-        if (lead < row.first || lead > row.last) continue;
-        if (position + row.length > text.size()) return 0;
+        if (lead < row.first || lead > row.last) {
+            continue;
+        }
+        if (position + row.length > text.size()) {
+            return 0;
+        }
         for (size_t i = 1; i < row.length; ++i) {
             const uint8_t byte = byteAt(text, position + i);
             const bool fits = i == 1 ? byte >= row.secondFirst && byte <= row.secondLast
                                      : byte >= 0x80 && byte <= 0xbf;
-            if (!fits) return 0;
+            if (!fits) {
+                return 0;
+            }
         }
         return row.length;
     }
@@ -74,8 +80,8 @@ void appendControl(std::string& out, uint8_t byte) {
     }
 }
 
-/// inQuotes: what would end or change a JSON string is escaped, too. DEL and the C1 controls are
-/// commands to a terminal.
+// inQuotes: also escapes quotes and backslashes. DEL and the C1 controls are commands to a
+// terminal.
 void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
     size_t position = 0;
     while (position < text.size()) {
@@ -117,12 +123,16 @@ std::string jsonString(std::string_view text) {
 
 std::string excerpt(std::string_view text) {
     constexpr size_t kLimit = 60;
-    if (text.size() <= kLimit) return jsonString(text);
-    // Not in the middle of a character.
+    if (text.size() <= kLimit) {
+        return jsonString(text);
+    }
+    // Do not cut a character.
     size_t end = 0;
     while (true) {
         const size_t length = std::max<size_t>(sequenceLength(text, end), 1);
-        if (end + length > kLimit) break;
+        if (end + length > kLimit) {
+            break;
+        }
         end += length;
     }
     return jsonString(text.substr(0, end)) + "...";
@@ -140,7 +150,9 @@ std::string forTerminal(std::string_view text) {
     while (begin < text.size()) {
         const size_t end = std::min(text.find_first_of("\n\t", begin), text.size());
         appendEscaped(out, text.substr(begin, end - begin), false);
-        if (end < text.size()) out += text[end];
+        if (end < text.size()) {
+            out += text[end];
+        }
         begin = end + 1;
     }
     return out;
@@ -154,7 +166,9 @@ std::string base64(const uint8_t* bytes, size_t size) {
     for (size_t i = 0; i < size; i += 3) {
         const size_t count = std::min<size_t>(size - i, 3);
         uint32_t group = 0;
-        for (size_t j = 0; j < 3; ++j) group = group << 8 | (j < count ? bytes[i + j] : 0U);
+        for (size_t j = 0; j < 3; ++j) {
+            group = group << 8 | (j < count ? bytes[i + j] : 0U);
+        }
         for (size_t j = 0; j < 4; ++j) {
             out += j <= count ? kDigits[group >> (18 - 6 * j) & 0x3f] : '=';
         }
@@ -165,7 +179,9 @@ std::string base64(const uint8_t* bytes, size_t size) {
 std::string joined(const std::vector<std::string>& texts) {
     std::string out;
     for (const std::string& text : texts) {
-        if (!out.empty()) out += ", ";
+        if (!out.empty()) {
+            out += ", ";
+        }
         out += text;
     }
     return out;

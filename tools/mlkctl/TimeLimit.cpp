@@ -9,11 +9,15 @@
 namespace mlk::ctl {
 
 std::optional<double> secondsFrom(const std::string& text) {
-    if (text.find_first_not_of("0123456789.") != std::string::npos) return {};
+    if (text.find_first_not_of("0123456789.") != std::string::npos) {
+        return {};
+    }
     size_t used = 0;
     try {
         const double seconds = std::stod(text, &used);
-        if (used == text.size() && seconds <= 86400) return seconds;
+        if (used == text.size() && seconds <= 86400) {
+            return seconds;
+        }
     } catch (const std::logic_error&) {  // no number, or out of range
     }
     return {};

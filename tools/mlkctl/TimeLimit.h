@@ -10,18 +10,21 @@ class App;
 
 namespace mlk::ctl {
 
-/// A time limit as a user writes it, in seconds: digits with at most one point among them, up to a
-/// day. Nothing for any other text.
+/**
+ * Parses a time limit in seconds: digits with at most one point, up to a day. Returns nothing for
+ * any other text.
+ */
 std::optional<double> secondsFrom(const std::string& text);
 
-/// Adds --timeout SECONDS to a verb's options. It fills the text with what secondsFrom takes.
+/** Adds --timeout SECONDS to a verb's options. It accepts what secondsFrom accepts. */
 void addTimeout(CLI::App& app, std::string* seconds);
 
-/// The text that addTimeout has filled.
+/** The time limit in the text that addTimeout has filled. */
 std::chrono::duration<double> limitOf(const std::string& seconds);
 
-/// How long a call may take unless --timeout says otherwise: the largest answer takes a few seconds
-/// on a slow set.
+/**
+ * The time limit of a call without --timeout. The largest answer takes a few seconds on a slow set.
+ */
 inline constexpr const char* kDefaultTimeout = "30";
 
 }  // namespace mlk::ctl

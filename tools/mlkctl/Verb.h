@@ -16,15 +16,17 @@ class App;
 
 namespace mlk::ctl {
 
-/// What a verb works with.
+/** What a verb works with. */
 struct Environment {
-    int input;             ///< Descriptor of standard input.
-    Output& output;        ///< Standard output.
-    std::ostream& errors;  ///< Standard error, for findings that do not end the verb.
+    int input;             // descriptor of standard input
+    Output& output;        // standard output
+    std::ostream& errors;  // standard error, for findings that do not end the verb
     Services& services;
 };
 
-/// One of mlkctl's commands: `mlkctl VERB [OPTION]... [WORD]...`. It is made for one command line.
+/**
+ * One of mlkctl's commands: `mlkctl VERB [OPTION]... [WORD]...`. An object serves one command line.
+ */
 class Verb {
   public:
     Verb() = default;
@@ -34,21 +36,25 @@ class Verb {
 
     virtual std::string_view name() const = 0;
 
-    /// The manual page. Its first line is "mlkctl NAME - summary".
+    /** The manual page. Its first line is "mlkctl NAME - summary". */
     virtual std::string help() const = 0;
 
-    /// Declares the verb's options, which fill its members.
+    /** Declares the verb's options, which fill its members. */
     virtual void addOptions(CLI::App& /* app */) {}
 
-    /// Whether words may follow the options. The first of them ends the options: whatever stands
-    /// behind it is a word, too.
+    /**
+     * Whether words may follow the options. The first word ends the options: everything after it is
+     * a word, too.
+     */
     virtual bool takesWords() const { return false; }
 
-    /// Whether the option is followed by its value. Only asked where words may follow.
+    /** Whether a value follows the option. Only asked if words may follow. */
     virtual bool hasValue(std::string_view /* option */) const { return false; }
 
-    /// Does the work; what it wrote need not be flushed. Throws Failure, or std::system_error
-    /// where the system refuses.
+    /**
+     * Does the work. It need not flush its output. Throws Failure, or std::system_error if the
+     * system refuses.
+     */
     virtual ExitStatus run(const std::vector<std::string>& words, Environment& environment) = 0;
 };
 
@@ -61,7 +67,7 @@ std::unique_ptr<Verb> makeShowVerb();
 std::unique_ptr<Verb> makePropVerb();
 std::unique_ptr<Verb> makeCompletionVerb();
 
-/// One of each, in the order of the manual.
+/** One verb of each kind, in the order of the manual. */
 std::vector<std::unique_ptr<Verb>> makeVerbs();
 
 }  // namespace mlk::ctl

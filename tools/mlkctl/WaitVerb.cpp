@@ -37,23 +37,27 @@ Examples:
 
 using Clock = Pending<bool>::Clock;
 
-/// Asks until there is an answer. A registration cannot be waited for on every platform, so it
-/// looks often, for the price of a connection that is refused.
+// Asks until there is an answer. Not every platform can wait for a registration, so this polls;
+// each attempt costs a refused connection.
 bool answersUntil(const Services::Finder& find, const Interface& interface,
                   Clock::time_point deadline) {
     constexpr auto kPause = std::chrono::milliseconds(20);
     while (true) {
         const auto object = find(interface);
-        if (object != nullptr && object->ping().isOk()) return true;
+        if (object != nullptr && object->ping().isOk()) {
+            return true;
+        }
         const auto now = Clock::now();
-        if (now >= deadline) return false;
+        if (now >= deadline) {
+            return false;
+        }
         std::this_thread::sleep_for(std::min<Clock::duration>(kPause, deadline - now));
     }
 }
 
-/// The names of the interfaces that do not answer in time.
+// The names of the interfaces that do not answer in time.
 std::vector<std::string> missingAt(Clock::time_point deadline, const Services::Finder& find) {
-    // At the deadline a last question is under way, which is not late when the machine is busy.
+    // A last question is under way at the deadline. It counts, even if a busy machine delays it.
     constexpr auto kGrace = std::chrono::seconds(1);
     std::vector<Pending<bool>> questions;
     for (const Interface* interface : interfaces()) {
@@ -62,8 +66,9 @@ std::vector<std::string> missingAt(Clock::time_point deadline, const Services::F
     }
     std::vector<std::string> missing;
     for (size_t i = 0; i < questions.size(); ++i) {
-        if (!questions[i].waitUntil(deadline + kGrace).value_or(false))
+        if (!questions[i].waitUntil(deadline + kGrace).value_or(false)) {
             missing.emplace_back(interfaces()[i]->name);
+        }
     }
     return missing;
 }
@@ -78,7 +83,9 @@ class WaitVerb : public Verb {
         const auto limit = limitOf(mSeconds);
         const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
         const auto missing = missingAt(deadline, environment.services.finder());
-        if (missing.empty()) return ExitStatus::ANSWERED;
+        if (missing.empty()) {
+            return ExitStatus::ANSWERED;
+        }
         throw Failure(ExitStatus::UNREACHABLE,
                       "no answer within " + mSeconds + " s from " + joined(missing));
     }
