@@ -24,7 +24,7 @@ std::string printed(const T& value) {
     return out;
 }
 
-/// A block of memory that says it has `size` bytes.
+// A block of memory that says it has `size` bytes.
 class Memory {
   public:
     Memory(const std::string& content, size_t size) {
@@ -87,7 +87,9 @@ TEST(AnswerTest, ChannelsHaveTheirLabelToTheFirstNul) {
     EXPECT_THAT(printed(item), ::testing::HasSubstr(R"({"channel":65535,)"));
     EXPECT_THAT(printed(item), ::testing::HasSubstr(R"("label":"",)"));
     // A label that fills its field has no NUL.
-    for (size_t i = 0; i < item.label.size(); ++i) item.label[i] = 'x';
+    for (size_t i = 0; i < item.label.size(); ++i) {
+        item.label[i] = 'x';
+    }
     EXPECT_THAT(printed(item), ::testing::HasSubstr(R"("label":"xxxxx",)"));
 }
 
@@ -105,7 +107,7 @@ TEST(AnswerTest, MemoryIsReadWhereverItCameFrom) {
     EXPECT_EQ(rawBytes(memory.get()), "foobar");
 }
 
-/// The message of the NO_ANSWER that printing throws.
+// The message of the NO_ANSWER that printing throws.
 std::string refusalOf(const hidl_memory& memory) {
     try {
         return printed(memory);
@@ -127,7 +129,7 @@ TEST(AnswerTest, MemoryThatLiesKillsNobody) {
                                        ::testing::HasSubstr("it is empty")));
 }
 
-/// An answer with a byte that is no truth value, at a place of its own.
+// An answer with a byte that is no truth value, at a place of its own.
 template <typename Answer>
 std::string refusalOf(size_t place, uint8_t byte) {
     Answer answer{};

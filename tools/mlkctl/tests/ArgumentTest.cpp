@@ -28,7 +28,7 @@ int64_t numberOf(const Argument& argument, const Word& target = kNumber) {
     return argument.toNumber(target, INT32_MIN, INT32_MAX);
 }
 
-/// The message of the failure that reading throws; it is always USAGE.
+// The message of the failure that reading throws; it is always USAGE.
 template <typename Read>
 std::string refusal(const Read& read) {
     try {

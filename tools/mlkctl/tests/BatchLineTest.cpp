@@ -17,7 +17,7 @@ using testing::HasSubstr;
 const Word kText{"TEXT", Word::Kind::TEXT};
 const Word kNumber{"NUMBER", Word::Kind::NUMBER};
 
-/// The text of a line with one argument, as it stands in JSON between the quotes.
+// The text of a line with one argument, as it stands in JSON between the quotes.
 std::string textOf(const std::string& json) {
     const BatchLine line = parseBatchLine(R"(["I","m",")" + json + R"("])");
     EXPECT_EQ(line.arguments.size(), 1U);
@@ -41,7 +41,9 @@ TEST(BatchLineTest, ReadsScalars) {
     EXPECT_EQ(line.interface, "I");
     EXPECT_EQ(line.method, "m");
     std::vector<std::string> written;
-    for (const Argument& argument : line.arguments) written.push_back(argument.written());
+    for (const Argument& argument : line.arguments) {
+        written.push_back(argument.written());
+    }
     EXPECT_THAT(written,
                 testing::ElementsAre(R"("text")", "5", "-6", "true", "false", "null", "1.5", "1e3",
                                      "9223372036854775807", "18446744073709551615"));
@@ -83,7 +85,9 @@ TEST(BatchLineTest, ReadsBytesThatAreNoUtf8) {
 
 TEST(BatchLineTest, ReadsWhatAnswersPrint) {
     std::string all;
-    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    for (int byte = 0; byte < 256; ++byte) {
+        all += static_cast<char>(byte);
+    }
     for (const std::string& text :
          {all, all + all, "\xc3"s, "\xed\xa0\x80\xed\xb0\x80"s, "\\udc80"s,
           "\x7f"

@@ -18,7 +18,9 @@ using testing::StartsWith;
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
     return lines;
 }
 
@@ -108,7 +110,9 @@ TEST(BatchTest, LooksAgainForAServiceThatHasDied) {
     int found = 0;
     Services services([&](const Interface& interface) -> ::android::sp<IBase> {
         ++found;
-        if (found == 2) return nullptr;  // not back yet
+        if (found == 2) {
+            return nullptr;  // not back yet
+        }
         return finderOf(script)(interface);
     });
     const std::string call = "[\"IMlkProjectConfigs\",\"getRegionName\"]\n";

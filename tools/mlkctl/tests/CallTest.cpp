@@ -18,7 +18,7 @@ Words callOf(const Words& words) {
     return all;
 }
 
-/// `mlkctl call WORDS...` that is answered with this line.
+// `mlkctl call WORDS...` that is answered with this line.
 void expectAnswer(const Words& words, Script& script, const std::string& line) {
     const Outcome outcome = runMlkctl(callOf(words), script);
     EXPECT_EQ(outcome.out, line + '\n');
@@ -26,7 +26,7 @@ void expectAnswer(const Words& words, Script& script, const std::string& line) {
     EXPECT_EQ(outcome.status, 0);
 }
 
-/// `mlkctl call WORDS...` that fails with this message.
+// `mlkctl call WORDS...` that fails with this message.
 void expectFailure(const Words& words, Script& script, int status, const std::string& message) {
     const Outcome outcome = runMlkctl(callOf(words), script);
     EXPECT_EQ(outcome.out, "");

@@ -78,14 +78,17 @@ TEST(CommandLineTest, EveryCommandHasAManualPage) {
         CLI::App app;
         verb->addOptions(app);
         const std::string page = verb->help();
-        for (const CLI::Option* option : app.get_options())
+        for (const CLI::Option* option : app.get_options()) {
             EXPECT_THAT(page, HasSubstr("--" + option->get_lnames().at(0))) << name;
+        }
         std::istringstream lines(page);
-        for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100U) << line;
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_LE(line.size(), 100U) << line;
+        }
     }
 }
 
-/// Runs a command line whose output goes to this descriptor.
+// Runs a command line whose output goes to this descriptor.
 Outcome runWritingTo(int descriptor, const Words& words) {
     Script script;
     Services services(finderOf(script));

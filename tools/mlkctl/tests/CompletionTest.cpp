@@ -21,7 +21,7 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using Words = std::vector<std::string>;
 
-/// What bash offers for the last of the words, sorted.
+// What bash offers for the last of the words, sorted.
 Words completions(const Words& words, const std::string& folder = "") {
     // Words as bash hands them to the function that the script has declared.
     Words argv = {"bash", "-c", R"(
@@ -41,7 +41,9 @@ Words completions(const Words& words, const std::string& folder = "") {
     EXPECT_EQ(bash.err(), "complete -F _mlkctl mlkctl\n");
     Words lines;
     std::istringstream stream(bash.out());
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
     std::sort(lines.begin(), lines.end());
     return lines;
 }

@@ -47,7 +47,7 @@ TEST(CountryTest, AWrongNameIsToldSo) {
     EXPECT_TRUE(script.calls.empty());
 }
 
-/// Fakes of a set that stands in a country, of which the maps are there.
+// Fakes of a set that stands in a country, of which the maps are there.
 class ShowCountryTest : public ::testing::Test {
   protected:
     ShowCountryTest() {
@@ -63,7 +63,7 @@ class ShowCountryTest : public ::testing::Test {
         mScript.channels.resize(3);
         saved("COUNTRY_ID=44\n");
     }
-    /// What the file of the saved country holds.
+    // What the file of the saved country holds.
     void saved(const std::string& text) { mScript.bytes.assign(text.begin(), text.end()); }
     Outcome show(const Words& options = {}) {
         Words words = {"show"};

@@ -35,8 +35,9 @@ Texts textsOf(const List<std::string_view>& list) {
 
 Items itemsOf(const MethodDescription& description) {
     Items items;
-    for (const ItemDescription& item : description.items)
+    for (const ItemDescription& item : description.items) {
         items.emplace_back(item.section, textsOf(item.keys));
+    }
     return items;
 }
 
@@ -66,8 +67,9 @@ TEST(DescriptionsTest, ArgumentsAreThoseThatTheCallTakes) {
                     continue;
                 }
                 std::vector<std::pair<std::string, int64_t>> enumerators;
-                for (const Enumerator& each : argument.enumerators)
+                for (const Enumerator& each : argument.enumerators) {
                     enumerators.emplace_back(each.name, each.value);
+                }
                 EXPECT_EQ(enumerators, word.names.rows) << method.name;
             }
             EXPECT_EQ(words, method.call.words.size()) << method.name;
@@ -79,11 +81,15 @@ TEST(DescriptionsTest, NameTheItemsOfTheProjectService) {
     for (const auto& row : product::kProjectItems) {
         Texts keys;
         for (const char* key : row.keys) {
-            if (key != nullptr) keys.emplace_back(key);
+            if (key != nullptr) {
+                keys.emplace_back(key);
+            }
         }
         Items items;
         for (const char* section : row.sections) {
-            if (section != nullptr) items.emplace_back(section, keys);
+            if (section != nullptr) {
+                items.emplace_back(section, keys);
+            }
         }
         EXPECT_EQ(itemsOf(described(projectInterface(), row.method)), items) << row.method;
     }
@@ -93,13 +99,17 @@ TEST(DescriptionsTest, SayWhichSelectorsTheProjectServiceServes) {
     for (const auto& row : product::kProjectItems) {
         const MethodDescription& description = described(projectInterface(), row.method);
         for (const ArgumentDescription& argument : description.arguments) {
-            if (argument.type != "int32_t") continue;
+            if (argument.type != "int32_t") {
+                continue;
+            }
             // The selector is of the sections if there are several, else of the keys.
             const bool ofSections = row.sections[1] != nullptr;
             int64_t last = -1;
             const size_t most = ofSections ? row.sections.size() : row.keys.size();
             for (uint32_t i = 0; i < most; ++i) {
-                if ((ofSections ? sectionOf(row, i) : keyOf(row, i)) != nullptr) last = i;
+                if ((ofSections ? sectionOf(row, i) : keyOf(row, i)) != nullptr) {
+                    last = i;
+                }
             }
             EXPECT_EQ(argument.low, 0) << row.method;
             EXPECT_EQ(argument.high, last) << row.method;
@@ -110,8 +120,9 @@ TEST(DescriptionsTest, SayWhichSelectorsTheProjectServiceServes) {
 
 TEST(DescriptionsTest, NameThePropertiesOfTheFrameworkService) {
     std::map<std::string, Texts> expected;
-    for (const auto& row : product::kFrameworkItems)
+    for (const auto& row : product::kFrameworkItems) {
         expected[row.method] = row.property == nullptr ? Texts() : Texts{row.property};
+    }
     expected["setForceStrEnabled"] = expected["getForceStrEnabled"];
     expected["setWowEnabled"] = expected["getWowEnabled"];
     for (const Method& method : frameworkInterface().methods) {
@@ -123,10 +134,12 @@ TEST(DescriptionsTest, NameThePropertiesOfTheFrameworkService) {
 TEST(DescriptionsTest, NameThePropertiesOfTheTvService) {
     std::map<std::string, Texts> expected;
     // "mAtvEnabled" is set by setAtvEnabled.
-    for (const auto& row : product::kTvFlags)
+    for (const auto& row : product::kTvFlags) {
         expected[row.method] = expected["set" + std::string(row.name + 1)] = {row.key};
-    for (const auto& row : product::kTvSystems)
+    }
+    for (const auto& row : product::kTvSystems) {
         expected[row.method] = expected["set" + std::string(row.name + 1)] = {row.key};
+    }
     for (const Method& method : tvInterface().methods) {
         EXPECT_EQ(textsOf(method.description->properties), expected[std::string(method.name)])
                 << method.name;

@@ -33,7 +33,7 @@ class EndToEndTest : public ::testing::Test {
         return words;
     }
 
-    /// Starts the service and waits until it answers. Of some interfaces, or of all.
+    // Starts the service and waits until it answers. Of some interfaces, or of all.
     void startService(std::vector<std::string> interfaces = {}) {
         const bool all = interfaces.empty();
         interfaces.insert(interfaces.begin(), TEST_SERVER_PROGRAM);
@@ -257,7 +257,9 @@ TEST_F(EndToEndTest, ATextTooLongToTravelIsNoAnswer) {
 TEST_F(EndToEndTest, APipeThatNobodyReadsEndsItQuietly) {
     startService();
     std::string input;
-    for (int i = 0; i < 100'000; ++i) input += "[\"IMlkProjectConfigs\",\"getPanelName\"]\n";
+    for (int i = 0; i < 100'000; ++i) {
+        input += "[\"IMlkProjectConfigs\",\"getPanelName\"]\n";
+    }
     const std::string input_file = mSet.dir().write("batch", input);
     // The shell tells the status of each part of the pipe.
     Process shell({"bash", "-c", "\"$0\" batch < \"$1\" | head -n 1; echo \"${PIPESTATUS[0]}\"",

@@ -42,23 +42,29 @@ struct AnswerOf<std::function<void(const Answer&)>> {
     using Type = Answer;
 };
 
-/// What every method does.
+// What every method does.
 template <typename Callback, typename... Arguments>
 Return<void> take(Script& script, const char* method, const Callback& callback,
                   const Arguments&... arguments) {
     Words words = {method};
     (note(words, arguments), ...);
-    if (!script.exitFile.empty() && words.back() == script.exitFile) _exit(0);
+    if (!script.exitFile.empty() && words.back() == script.exitFile) {
+        _exit(0);
+    }
     {
         const std::lock_guard<std::mutex> lock(script.mutex);
         script.calls.push_back(words);
     }
-    if (script.failing.count(method) != 0)
+    if (script.failing.count(method) != 0) {
         return Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, script.failure.c_str());
-    if (script.dying.count(method) != 0) return Status::fromStatusT(::android::DEAD_OBJECT);
+    }
+    if (script.dying.count(method) != 0) {
+        return Status::fromStatusT(::android::DEAD_OBJECT);
+    }
     using Answer = typename AnswerOf<Callback>::Type;
-    if (script.silent.count(method) == 0)
+    if (script.silent.count(method) == 0) {
         callback(answerFrom(script, method, static_cast<Answer*>(nullptr)));
+    }
     return Void();
 }
 
@@ -140,12 +146,16 @@ class FakeProject : public IMlkProjectConfigs {
     // clang-format on
 
     Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>&) override {
-        if (mScript.dying.count("debug") != 0) return Status::fromStatusT(::android::DEAD_OBJECT);
+        if (mScript.dying.count("debug") != 0) {
+            return Status::fromStatusT(::android::DEAD_OBJECT);
+        }
         const std::string& dump = mScript.dump;
         size_t done = 0;
         while (done < dump.size()) {
             const ssize_t got = write(handle->data[0], dump.data() + done, dump.size() - done);
-            if (got <= 0) break;
+            if (got <= 0) {
+                break;
+            }
             done += static_cast<size_t>(got);
         }
         return Void();
@@ -265,7 +275,9 @@ class FakeFramework : public IMlkFrameworkConfigs {
 }  // namespace
 
 Script::~Script() {
-    if (memoryFile >= 0) close(memoryFile);
+    if (memoryFile >= 0) {
+        close(memoryFile);
+    }
 }
 
 OptionalBool answerFrom(Script& script, const char*, OptionalBool*) {
@@ -302,15 +314,18 @@ hidl_vec<HidlFreqListItem> answerFrom(Script& script, const char*, hidl_vec<Hidl
 }
 
 hidl_memory answerFrom(Script& script, const char*, hidl_memory*) {
-    if (script.memory.empty()) return {};
+    if (script.memory.empty()) {
+        return {};
+    }
     const std::lock_guard<std::mutex> lock(script.mutex);
     if (script.memoryFile < 0) {
         script.memoryFile = memfd_create("answer", MFD_CLOEXEC | MFD_ALLOW_SEALING);
         const ssize_t written =
                 write(script.memoryFile, script.memory.data(), script.memory.size());
         if (written != static_cast<ssize_t>(script.memory.size()) ||
-            fcntl(script.memoryFile, F_ADD_SEALS, F_SEAL_SHRINK) != 0)
+            fcntl(script.memoryFile, F_ADD_SEALS, F_SEAL_SHRINK) != 0) {
             return {};
+        }
     }
     native_handle_t* handle = native_handle_create(1, 0);
     handle->data[0] = script.memoryFile;

@@ -19,7 +19,7 @@ using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 
-/// What the fakes answer, to every method with an answer of that type, and what they were asked.
+/** What the fakes answer, to every method with an answer of that type, and what they were asked. */
 struct Script {
     Script() = default;
     ~Script();
@@ -29,7 +29,7 @@ struct Script {
     bool success = true;
     bool flag = true;
     int32_t number = 42;
-    /// Texts are answered with this; when empty, with the method's name, unless emptyTexts.
+    /** Texts are answered with this; when empty, with the method's name, unless emptyTexts. */
     std::string text;
     bool emptyTexts = false;
     std::vector<hidl_string> texts = {"one", "two"};
@@ -37,24 +37,24 @@ struct Script {
     std::vector<V1_0::ConfigKeyValue> items = {{"key", "value"}};
     std::vector<V1_0::HidlFreqListItem> channels;
     std::vector<uint8_t> bytes = {0, 1, 255};
-    /// Shared memory holds this; empty memory has no descriptor.
+    /** Shared memory holds this; empty memory has no descriptor. */
     std::string memory;
     std::string dump = "a dump\n";
-    /// Methods that do not call their callback.
+    /** Methods that do not call their callback. */
     std::set<std::string> silent;
-    /// Methods that fail with EX_ILLEGAL_STATE, and those that fail like dead objects.
+    /** Methods that fail with EX_ILLEGAL_STATE, and those that fail like dead objects. */
     std::set<std::string> failing;
     std::set<std::string> dying;
-    /// What the failing ones say.
+    /** What the failing ones say. */
     std::string failure = "not now";
 
-    /// A call with this text as its last argument ends the process.
+    /** A call with this text as its last argument ends the process. */
     std::string exitFile;
 
-    /// Calls so far: the method's name, then its arguments.
+    /** Calls so far: the method's name, then its arguments. */
     std::vector<std::vector<std::string>> calls;
 
-    std::mutex mutex;  ///< Around calls and memoryFile.
+    std::mutex mutex;  // Around calls and memoryFile.
     int memoryFile = -1;
 };
 

@@ -13,7 +13,7 @@ namespace mlk::ctl {
 
 namespace {
 
-/// A file in memory, which never makes its writer wait.
+// A file in memory, which never makes its writer wait.
 class MemoryFile {
   public:
     MemoryFile() : mFile(memfd_create("stream", MFD_CLOEXEC)) {}
@@ -33,7 +33,9 @@ class MemoryFile {
         while (true) {
             const ssize_t got =
                     pread(mFile, piece.data(), piece.size(), static_cast<off_t>(all.size()));
-            if (got <= 0) return all;
+            if (got <= 0) {
+                return all;
+            }
             all.append(piece.data(), static_cast<size_t>(got));
         }
     }
@@ -64,9 +66,15 @@ Outcome runMlkctl(const std::vector<std::string>& words, Script& script, const s
 
 Services::Finder finderOf(Script& script, const std::set<std::string>& missing) {
     return [&script, missing](const Interface& interface) -> ::android::sp<IBase> {
-        if (missing.count(std::string(interface.name)) != 0) return nullptr;
-        if (&interface == &projectInterface()) return makeFakeProject(script);
-        if (&interface == &tvInterface()) return makeFakeTv(script);
+        if (missing.count(std::string(interface.name)) != 0) {
+            return nullptr;
+        }
+        if (&interface == &projectInterface()) {
+            return makeFakeProject(script);
+        }
+        if (&interface == &tvInterface()) {
+            return makeFakeTv(script);
+        }
         return makeFakeFramework(script);
     };
 }

@@ -26,7 +26,7 @@ std::string definition(const std::string& file) {
     return std::regex_replace(text, comment, "");
 }
 
-/// The enumerators of a type, in declared order, as "NAME=VALUE".
+// The enumerators of a type, in declared order, as "NAME=VALUE".
 std::vector<std::string> enumerators(const std::string& type) {
     const std::string types = definition("types");
     std::smatch body;
@@ -36,19 +36,22 @@ std::vector<std::string> enumerators(const std::string& type) {
     std::vector<std::string> names;
     static const std::regex row(R"((\w+) *= *(\d+))");
     const std::string text = body[1];
-    for (std::sregex_iterator it(text.begin(), text.end(), row), end; it != end; ++it)
+    for (std::sregex_iterator it(text.begin(), text.end(), row), end; it != end; ++it) {
         names.push_back((*it)[1].str() + '=' + (*it)[2].str());
+    }
     return names;
 }
 
-/// "int32_t cableType" in a form that words can be compared with.
+// "int32_t cableType" in a form that words can be compared with.
 void addWords(const std::string& type, const std::string& name, std::vector<std::string>* words) {
     if (type == "ProjectConfigKey") {
         words->insert(words->end(), {"text CATEGORY", "text KEY"});
         return;
     }
     std::string placeholder = std::regex_replace(name, std::regex("([a-z])([A-Z])"), "$1_$2");
-    for (char& letter : placeholder) letter = static_cast<char>(toupper(letter));
+    for (char& letter : placeholder) {
+        letter = static_cast<char>(toupper(letter));
+    }
     const std::map<std::string, std::string> kinds = {
             {"int32_t", "number "}, {"string", "text "}, {"bool", "flag "}};
     const auto kind = kinds.find(type);
@@ -57,7 +60,9 @@ void addWords(const std::string& type, const std::string& name, std::vector<std:
         return;
     }
     std::string all;
-    for (const std::string& enumerator : enumerators(type)) all += ' ' + enumerator;
+    for (const std::string& enumerator : enumerators(type)) {
+        all += ' ' + enumerator;
+    }
     words->push_back("one of" + all + " as " + placeholder);
 }
 
@@ -65,8 +70,9 @@ std::string wordsOf(const Method& method) {
     std::vector<std::string> words;
     for (const Word& word : method.call.words) {
         std::string all;
-        for (const auto& [name, number] : word.names.rows)
+        for (const auto& [name, number] : word.names.rows) {
             all += ' ' + name + '=' + std::to_string(number);
+        }
         switch (word.kind) {
             case Word::Kind::TEXT:
                 words.push_back("text " + word.name);
@@ -94,8 +100,9 @@ std::vector<std::string> definedMethods(const std::string& interface) {
         std::vector<std::string> words;
         const std::string arguments = (*it)[2];
         for (std::sregex_iterator one(arguments.begin(), arguments.end(), argumentForm); one != end;
-             ++one)
+             ++one) {
             addWords((*one)[1], (*one)[2], &words);
+        }
         methods.push_back((*it)[1].str() + ": " + testing::PrintToString(words));
     }
     return methods;
@@ -106,12 +113,14 @@ class InterfaceTest : public testing::TestWithParam<std::string> {};
 TEST_P(InterfaceTest, HasTheDefinedMethodsAndNoneElse) {
     const std::string& name = GetParam();
     std::vector<std::string> rows;
-    for (const Method& method : interfaceOf(name).methods) rows.push_back(wordsOf(method));
+    for (const Method& method : interfaceOf(name).methods) {
+        rows.push_back(wordsOf(method));
+    }
     EXPECT_THAT(rows, ElementsAreArray(definedMethods(name)));
     EXPECT_FALSE(rows.empty());
 }
 
-/// An argument for a word, and what the method sees of it.
+// An argument for a word, and what the method sees of it.
 std::string argumentFor(const Word& word, size_t index) {
     switch (word.kind) {
         case Word::Kind::TEXT:
@@ -159,7 +168,9 @@ TEST(InterfacesTest, OnlyFilesAreBytes) {
     std::vector<std::string> withBytes;
     for (const Interface* interface : interfaces()) {
         for (const Method& method : interface->methods) {
-            if (method.call.hasBytes) withBytes.emplace_back(method.name);
+            if (method.call.hasBytes) {
+                withBytes.emplace_back(method.name);
+            }
         }
     }
     EXPECT_THAT(withBytes, testing::ElementsAre("getTvFile", "getVendorPartitionFile"));

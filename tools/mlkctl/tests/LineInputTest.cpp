@@ -21,7 +21,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// A pipe whose writing end the test holds.
+// A pipe whose writing end the test holds.
 class Pipe {
   public:
     Pipe() { EXPECT_EQ(pipe(mEnds), 0); }
@@ -37,7 +37,9 @@ class Pipe {
         EXPECT_EQ(::write(mEnds[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
     void finish() {
-        if (mEnds[1] >= 0) close(mEnds[1]);
+        if (mEnds[1] >= 0) {
+            close(mEnds[1]);
+        }
         mEnds[1] = -1;
     }
 
@@ -45,7 +47,7 @@ class Pipe {
     int mEnds[2] = {-1, -1};
 };
 
-/// All lines of a text; "<too long>" for one that is.
+// All lines of a text; "<too long>" for one that is.
 std::vector<std::string> linesOf(const std::string& text, size_t limit) {
     Pipe pipe;
     pipe.write(text);
@@ -90,7 +92,9 @@ TEST(LineInputTest, KeepsNothingOfALineThatGoesOnForever) {
     const pid_t writer = fork();
     if (writer == 0) {
         const std::string piece(kPiece, 'x');
-        for (int i = 0; i < 1000; ++i) pipe.write(piece);
+        for (int i = 0; i < 1000; ++i) {
+            pipe.write(piece);
+        }
         pipe.write("\nok\n");
         _exit(0);
     }
@@ -131,7 +135,7 @@ TEST(LineInputTest, WaitsAtAPipeThatDoesNot) {
     writer.join();
 }
 
-/// The state of a thread of this process as the kernel has it: 'S' while it sleeps.
+// The state of a thread of this process as the kernel has it: 'S' while it sleeps.
 char stateOf(pid_t thread) {
     std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
     std::string text;

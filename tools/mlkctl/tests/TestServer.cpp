@@ -67,7 +67,9 @@ class Stub : public V1_0::BnHwMlkProjectConfigs {
 
 template <typename I>
 void registerIf(bool wanted, const ::android::sp<I>& service) {
-    if (wanted && service->registerAsService() != ::android::OK) _exit(1);
+    if (wanted && service->registerAsService() != ::android::OK) {
+        _exit(1);
+    }
 }
 
 }  // namespace

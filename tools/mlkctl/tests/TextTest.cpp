@@ -15,9 +15,11 @@ struct Row {
     std::string json;  // without its quotes
 };
 
-/// Every row's bytes are shown as its JSON.
+// Every row's bytes are shown as its JSON.
 void expectJson(const std::vector<Row>& rows) {
-    for (const Row& row : rows) EXPECT_EQ(jsonString(row.bytes), '"' + row.json + '"');
+    for (const Row& row : rows) {
+        EXPECT_EQ(jsonString(row.bytes), '"' + row.json + '"');
+    }
 }
 
 TEST(JsonStringTest, ShowsPlainText) {

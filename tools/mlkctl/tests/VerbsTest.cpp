@@ -209,8 +209,9 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
 TEST(DumpTest, PrintsWhatTheServiceWrites) {
     Script script;
     script.dump = std::string("ProjectConfigs:\n\0\xff", 18);
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         script.dump += std::string(10'000, static_cast<char>('a' + i)) + '\n';
+    }
     const Outcome outcome = runMlkctl({"dump"}, script);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, script.dump);
@@ -230,7 +231,7 @@ TEST(DumpTest, SaysWhenThereIsNone) {
     EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
 }
 
-/// What mlkctl writes to a terminal, or to a pipe.
+// What mlkctl writes to a terminal, or to a pipe.
 std::string shownOn(bool terminal, const std::vector<std::string>& words, Script& script) {
     int reader = -1;
     int writer = -1;

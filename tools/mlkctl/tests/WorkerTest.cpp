@@ -24,7 +24,9 @@ TEST(WorkerTest, DoesOnePieceOfWorkAfterTheOther) {
     const std::chrono::minutes later(1);
     Worker worker;
     int done = 0;
-    for (int i = 0; i < 100; ++i) EXPECT_TRUE(worker.run([&done] { ++done; }, later));
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_TRUE(worker.run([&done] { ++done; }, later));
+    }
     EXPECT_EQ(done, 100);
     EXPECT_THROW(worker.run([] { throw usage("no"); }, later), Failure);
     EXPECT_TRUE(worker.run([&done] { ++done; }, later));
@@ -97,8 +99,12 @@ TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
     const auto release = std::make_shared<std::promise<void>>();
     const std::shared_future<void> released = release->get_future();
     Services services([&script, released](const Interface& interface) -> ::android::sp<IBase> {
-        if (&interface == &tvInterface()) released.wait();
-        if (&interface != &projectInterface()) return nullptr;
+        if (&interface == &tvInterface()) {
+            released.wait();
+        }
+        if (&interface != &projectInterface()) {
+            return nullptr;
+        }
         return finderOf(script)(interface);
     });
     const Outcome show = runMlkctl({"show", "--timeout", "0.2"}, services);
