@@ -8,16 +8,18 @@
 
 namespace mlk::ctl {
 
-/// A line of a batch: ["INTERFACE","METHOD",ARGUMENT...].
+/** One line of a batch: ["INTERFACE","METHOD",ARGUMENT...]. */
 struct BatchLine {
     std::string interface;
     std::string method;
     std::vector<Argument> arguments;
 };
 
-/// Reads a line, a JSON array of texts, numbers, true and false. In a text, \udc80 to \udcff that
-/// are not the second half of a surrogate pair are the bytes 80 to ff. Throws Failure USAGE for
-/// everything else, however it is made.
+/**
+ * Parses a line: a JSON array of texts, numbers, true and false. In a text, \udc80 to \udcff stand
+ * for the bytes 80 to ff, unless they are the second half of a surrogate pair. Throws Failure USAGE
+ * for everything else.
+ */
 BatchLine parseBatchLine(std::string_view line);
 
 }  // namespace mlk::ctl

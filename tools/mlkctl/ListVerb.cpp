@@ -64,7 +64,9 @@ std::string numberOr(const std::optional<int>& number, const char* otherwise) {
 void writeJson(const std::vector<Registration>& rows, Output& output) {
     std::string text = "[";
     for (const Registration& row : rows) {
-        if (text.size() > 1) text += ',';
+        if (text.size() > 1) {
+            text += ',';
+        }
         text += R"({"interface":)" + jsonString(row.interface);
         text += R"(,"instance":)" + jsonString(row.instance);
         text += R"(,"state":)" + jsonString(nameOf(row.answering));
