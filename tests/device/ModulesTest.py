@@ -69,7 +69,7 @@ class Modules(unittest.TestCase):
                 self.assertEqual(sorted(properties["srcs"]), sorted(scripts), name)
                 self.assertIn(properties["main"], scripts)
 
-    def test_rooms_without_a_test_module_have_no_test_for_it(self):
+    def test_folders_without_a_test_module_have_no_test_for_it(self):
         with_module = set(TARGETS.values())
         for target, (folder, sources) in self.cmake.items():
             if target not in with_module and folder in tree.ARROWS:
