@@ -32,8 +32,6 @@ def with_entry(modules, name, kind, entry):
 
 
 class Modules(unittest.TestCase):
-    maxDiff = None
-
     @classmethod
     def setUpClass(cls):
         cls.modules = bp.modules()

@@ -140,7 +140,7 @@ class DeviceBuild:
             bp.generated(self.modules, name, folder)
         file = self.out / "build.ninja"
         file.write_text(self.ninja(), encoding="utf-8")
-        status, said = tree.run("ninja", "-C", self.out, "-k", "0")
+        status, said = tree.run("ninja", "--quiet", "-C", self.out, "-k", "0")
         return said if status else ""
 
     def used(self):

@@ -131,4 +131,6 @@ def targets():
 def main():
     """Runs the tests of the calling script; its first argument is the file of CMake's targets."""
     targets.file = sys.argv.pop(1)
+    # What a compiler says is told whole.
+    unittest.TestCase.maxDiff = None
     unittest.main(verbosity=2)
