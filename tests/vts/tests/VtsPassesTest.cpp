@@ -5,6 +5,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <ostream>
 #include <regex>
 
 #include "tests/vts/tests/VtsRun.h"
@@ -21,6 +22,11 @@ struct Set {
     int country;        ///< -1: none is saved
     bool writes;
 };
+
+/** What GoogleTest says in the place of the bytes. */
+void PrintTo(const Set& set, std::ostream* out) {
+    *out << set.name;
+}
 
 class VtsPasses : public VtsRun, public ::testing::WithParamInterface<Set> {};
 
