@@ -137,7 +137,12 @@ class DeviceBuild:
         for name in rules.with_sources(self.modules):
             folder = self.out / "gen" / name
             folder.mkdir(parents=True, exist_ok=True)
-            bp.generated(self.modules, name, folder)
+            with tempfile.TemporaryDirectory() as written:
+                for file in bp.generated(self.modules, name, written):
+                    # One that would be the same again is left as it is: it need not be compiled again.
+                    there = folder / file.name
+                    if not there.exists() or there.read_bytes() != file.read_bytes():
+                        shutil.copy(file, there)
         file = self.out / "build.ninja"
         file.write_text(self.ninja(), encoding="utf-8")
         status, said = tree.run("ninja", "--quiet", "-C", self.out, "-k", "0")
