@@ -315,6 +315,19 @@ TEST_F(IdentityTest, BoardLinesAreBoundedAt255Bytes) {
                             boardFile() + ":2: line longer than 255 bytes, its rest is skipped"));
 }
 
+TEST_F(IdentityTest, BoardFileHas64KiBAtMost) {
+    const std::string line = "BOARD_ID=b.ini\n";
+    const std::string fits = std::string(65536 - 1 - line.size(), '#') + "\n" + line;
+    ASSERT_EQ(fits.size(), 65536U);
+    EXPECT_EQ(boardOf(fits), "b.ini");
+    // Its comment is one long line.
+    const std::string cut = boardFile() + ":1: line longer than 255 bytes, its rest is skipped";
+    EXPECT_THAT(errors(), ElementsAre(cut));
+    EXPECT_EQ(boardOf('#' + fits), "");
+    EXPECT_THAT(errors(),
+                ElementsAre(cut, boardFile() + ": cannot be read: larger than 65536 bytes"));
+}
+
 TEST_F(IdentityTest, MissingBoardFileGivesTheEmptyId) {
     EXPECT_EQ(BoardID(mDir.path()).Get(), "");
     EXPECT_THAT(debugLines(), ElementsAre("Open " + boardFile() + " fail!"));

@@ -308,6 +308,15 @@ TEST_F(CountryIdTest, TheFirstLineWithTheKeywordCounts) {
             << "a line is seen up to its 255th byte";
 }
 
+TEST_F(CountryIdTest, AFileHas64KiBAtMost) {
+    const std::string line = "COUNTRY_ID=14\n";
+    const std::string fits = std::string(65536 - line.size(), '\n') + line;
+    EXPECT_EQ(parse(fits), kGermany);
+    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_EQ(parse('\n' + fits), kNoCountry);
+    EXPECT_EQ(errors().front(), file() + ": cannot be read: larger than 65536 bytes");
+}
+
 TEST_F(CountryIdTest, WithoutAMapNothingIsSaved) {
     mHolder.parseCountryId();
     EXPECT_EQ(mHolder.currentCountry(), kNoCountry);

@@ -59,10 +59,22 @@ TEST(WaitTest, ReturnsWhenAllAnswer) {
     EXPECT_EQ(outcome.out + outcome.err, "");
 }
 
-TEST(WaitTest, TakesADayAndNoMore) {
+// Each command with a time limit takes a day and no more, written either way.
+TEST(TimeoutTest, IsADayAtMost) {
     Script script;
-    EXPECT_EQ(runMlkctl({"wait", "--timeout", "86400"}, script).status, 0);
-    EXPECT_EQ(runMlkctl({"wait", "--timeout", "86400.0001"}, script).status, 2);
+    const std::vector<std::vector<std::string>> commands = {
+            {"wait"}, {"show"}, {"dump"}, {"batch"}, {"call", "IMlkTvConfigs", "pvrEnabled"}};
+    for (const std::vector<std::string>& command : commands) {
+        const auto statusWith = [&](const std::vector<std::string>& option) {
+            std::vector<std::string> words = command;
+            words.insert(words.begin() + 1, option.begin(), option.end());
+            return runMlkctl(words, script).status;
+        };
+        EXPECT_EQ(statusWith({"--timeout=86400"}), 0) << command[0];
+        EXPECT_EQ(statusWith({"--timeout", "86400"}), 0) << command[0];
+        EXPECT_EQ(statusWith({"--timeout=86401"}), 2) << command[0];
+        EXPECT_EQ(statusWith({"--timeout", "86400.0001"}), 2) << command[0];
+    }
 }
 
 TEST(WaitTest, AsksUntilTheyDo) {
