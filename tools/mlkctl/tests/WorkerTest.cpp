@@ -6,6 +6,8 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <string>
+#include <variant>
 #include <vector>
 
 #include "host/testing/Eventually.h"
@@ -119,6 +121,43 @@ TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
     EXPECT_EQ(call.status, 1);
     EXPECT_EQ(call.err,
               "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n");
+    release->set_value();
+    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
+}
+
+// A call that never ends costs its own answer; those before it keep theirs, and those after it are
+// made of an object that is looked up again.
+TEST(ServicesTest, ACallThatHangsIsLeftBehindAndTheRestIsMade) {
+    Script script;
+    int found = 0;
+    Services services([&script, &found](const Interface& interface) {
+        ++found;
+        return finderOf(script)(interface);
+    });
+    services.setLimit(std::chrono::milliseconds(500));
+    const auto release = std::make_shared<std::promise<void>>();
+    const std::shared_future<void> released = release->get_future();
+    const Interface& interface = tvInterface();
+    const Method& method = interface.method("pvrEnabled");
+    std::vector<Services::Request> requests(
+            5, {&interface, &method, [](IBase&) -> std::string { return "answered"; }});
+    requests[2].call = [released](IBase&) -> std::string {
+        released.wait();
+        return "too late";
+    };
+    requests[3].call = [](IBase&) -> std::string {
+        throw Failure(ExitStatus::NO_ANSWER, "no answer");
+    };
+    std::vector<std::string> texts;
+    services.callAll(requests, [&texts](Services::Result&& result) {
+        const auto* failure = std::get_if<Failure>(&result);
+        texts.emplace_back(failure != nullptr ? failure->what() : std::get<std::string>(result));
+    });
+    EXPECT_THAT(texts, ElementsAre("answered", "answered",
+                                   "IMlkTvConfigs pvrEnabled: the service gave no answer within "
+                                   "0.5 s; it hangs",
+                                   HasSubstr("IMlkTvConfigs pvrEnabled: no answer"), "answered"));
+    EXPECT_EQ(found, 2);
     release->set_value();
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
 }
