@@ -182,7 +182,8 @@ TEST_F(LoadTest, ThousandIdleConnections) {
         idle.push_back(attacker());
     }
     EXPECT_GT(callers(4, "1", "3000"), 0U);
-    EXPECT_EQ(settledDescriptors(), mDescriptors + kConnections);
+    // On a busy machine the callers' connections may outlast many calls.
+    EXPECT_TRUE(eventually([&] { return settledDescriptors() == mDescriptors + kConnections; }));
     EXPECT_LE(threadsOf(pid()), kPoolThreads);
     // A connection without a call is a few kilobytes.
     EXPECT_LE(residentOf(pid()),
