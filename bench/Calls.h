@@ -1,4 +1,4 @@
-// Calls over IPC: who takes part, and how many processes call at once.
+// Measuring calls over IPC: contestants and client processes.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace mlk::bench {
 
-/// A client's connection to a server.
+/** A client's connection to a server. */
 class Caller {
   public:
     Caller() = default;
@@ -20,63 +20,68 @@ class Caller {
     Caller(const Caller&) = delete;
     Caller& operator=(const Caller&) = delete;
 
-    /// One call, from the question to the whole answer. Throws std::runtime_error when it fails.
+    /** Makes one call and waits for the whole answer. Throws std::runtime_error on failure. */
     virtual void call() = 0;
 };
 
-/// What a getter sends and gets on our wire, in bytes.
+/** Sizes in bytes of a getter's request and reply in our protocol. */
 struct Payload {
     size_t request = 0;
     size_t reply = 0;
 };
 
-/// One way to ask a server that is a process of its own.
+/** A way to call a server in a separate process. */
 struct CallContestant {
     const char* name;
-    /// The server, a program beside this one, and its arguments.
+    /** The server, a program in the folder of this one, and its arguments. */
     std::vector<std::string> server;
-    /// What it has in the runtime folder once it can be connected to.
+    /** Its entry in the runtime folder once it accepts connections. */
     std::set<std::string> entries;
-    /// A client's connection to it.
+    /** Connects a client to it. */
     std::unique_ptr<Caller> (*connect)(const Payload& payload);
 };
 
-/// Starts the contestant's server and waits for it.
+/** Starts the contestant's server and waits until it is ready. */
 Started startServer(const CallContestant& contestant);
 
-/// What a program of calls measures.
+/** What a program that measures calls does. */
 struct CallsProgram {
-    /// Who takes part, for a payload.
+    /** Returns the contestants for a payload. */
     std::function<std::vector<CallContestant>(const Payload&)> contestants;
-    /// Finds out the payload; a set is there.
+    /** Determines the payload; the set exists by then. */
     std::function<Payload()> payload;
-    /// Calls that are timed one by one.
+    /** The number of calls that are timed one by one. */
     int calls;
-    /// How many clients at once, beside 4, for what is named "growth-calls".
+    /** Numbers of simultaneous clients, besides 4, for "growth-calls". */
     std::vector<size_t> clients;
 };
 
-/// The main function of such a program: measures, or is a client of one.
+/** The main function of such a program: measures, or runs as one of the clients. */
 int callsMain(int argc, char** argv, const CallsProgram& program);
 
-/// The product: the real service and the generated client.
+/** The product: the real service and the generated client. */
 CallContestant ours();
 
-/// The least that any of them does: the same number of bytes sent, awaited and sent back over a
-/// blocking stream socket, with a thread a connection.
+/**
+ * The minimum: the same numbers of bytes sent and received over a blocking stream socket, with one
+ * server thread per connection.
+ */
 CallContestant pingPong(const Payload& payload);
 
-/// Counts what `ours` sends and gets for a call, by calling it through a relay. The service has to
-/// run.
+/**
+ * Measures the sizes of `ours` by calling the service through a relay. The service must be running.
+ */
 Payload payloadOfOurs();
 
-/// Answers a second when so many processes call a server at once, each on a connection of its own,
-/// for `milliseconds`. The processes are this program, with the arguments "client" and those of
-/// runClient.
+/**
+ * Returns the answers per second when `clients` processes call a server for `milliseconds`, each on
+ * its own connection. The processes run this program with the arguments "client" and those of
+ * runClient.
+ */
 double callsPerSecond(const CallContestant& contestant, const Payload& payload, size_t clients,
                       int milliseconds);
 
-/// The client processes' side: calls until it is told to stop.
+/** Runs in a client process: calls until it is told to stop. */
 int runClient(const CallContestant& contestant, const Payload& payload, int sharedMemory,
               size_t index);
 

@@ -1,4 +1,4 @@
-// The product's calls beside the least calls there are.
+// Compares calls to the product with the cheapest possible calls.
 
 #include "bench/Calls.h"
 

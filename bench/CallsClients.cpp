@@ -1,4 +1,4 @@
-// Several client processes at once.
+// Measures several client processes at the same time.
 
 #include <android-base/unique_fd.h>
 #include <sys/mman.h>
@@ -24,8 +24,8 @@ using std::chrono::steady_clock;
 constexpr size_t kMostClients = 64;
 constexpr int kWarmUpCalls = 200;
 
-// What the clients and the process that measures them have in common. Counters do not share a
-// line of the cache.
+// Memory shared by the clients and the process that measures them. Each counter has its own cache
+// line.
 struct Shared {
     struct alignas(64) Counter {
         std::atomic<uint64_t> calls;
@@ -37,14 +37,17 @@ struct Shared {
 Shared* mapShared(int memory) {
     void* const shared =
             mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, memory, 0);
-    if (shared == MAP_FAILED) throw std::runtime_error("no shared memory");
+    if (shared == MAP_FAILED) {
+        throw std::runtime_error("no shared memory");
+    }
     return static_cast<Shared*>(shared);
 }
 
 uint64_t callsOf(const Shared& shared) {
     uint64_t sum = 0;
-    for (const auto& counter : shared.counters)
+    for (const auto& counter : shared.counters) {
         sum += counter.calls.load(std::memory_order_relaxed);
+    }
     return sum;
 }
 
@@ -52,9 +55,13 @@ uint64_t callsOf(const Shared& shared) {
 
 double callsPerSecond(const CallContestant& contestant, const Payload& payload, size_t clients,
                       int duration) {
-    if (clients > kMostClients) throw std::runtime_error("too many clients");
+    if (clients > kMostClients) {
+        throw std::runtime_error("too many clients");
+    }
     const android::base::unique_fd memory(memfd_create("calls", 0));
-    if (ftruncate(memory.get(), sizeof(Shared)) != 0) throw std::runtime_error("no shared memory");
+    if (ftruncate(memory.get(), sizeof(Shared)) != 0) {
+        throw std::runtime_error("no shared memory");
+    }
     Shared* const shared = mapShared(memory.get());
     std::deque<Child> children;
     for (size_t i = 0; i < clients; ++i) {
@@ -64,7 +71,9 @@ double callsPerSecond(const CallContestant& contestant, const Payload& payload, 
     }
     const auto patience = steady_clock::now() + std::chrono::seconds(30);
     while (shared->ready < clients) {
-        if (steady_clock::now() > patience) throw std::runtime_error("clients do not connect");
+        if (steady_clock::now() > patience) {
+            throw std::runtime_error("clients do not connect");
+        }
         std::this_thread::sleep_for(milliseconds(1));
     }
     const auto begin = steady_clock::now();
@@ -81,10 +90,12 @@ int runClient(const CallContestant& contestant, const Payload& payload, int shar
               size_t index) {
     Shared* const shared = mapShared(sharedMemory);
     const std::unique_ptr<Caller> caller = contestant.connect(payload);
-    for (int i = 0; i < kWarmUpCalls; ++i) caller->call();
+    for (int i = 0; i < kWarmUpCalls; ++i) {
+        caller->call();
+    }
     ++shared->ready;
     std::atomic<uint64_t>& calls = shared->counters.at(index).calls;
-    // Until it is killed.
+    // Runs until the process is killed.
     for (uint64_t count = 1;; ++count) {
         caller->call();
         calls.store(count, std::memory_order_relaxed);

@@ -1,7 +1,7 @@
-// A getter over IPC, server and clients being processes of their own:
-//   "call/CONTESTANT/1"               nanoseconds a call, the server and one client on one core
-//   "calls/CONTESTANT/4"              answers a second to so many clients, on all cores
-//   "growth-calls/CONTESTANT/CLIENTS" the same with other numbers of clients
+// Measures a getter over IPC. Server and clients are separate processes:
+//   "call/CONTESTANT/1"               nanoseconds per call, the server and one client on one core
+//   "calls/CONTESTANT/4"              answers per second to that many clients, on all cores
+//   "growth-calls/CONTESTANT/CLIENTS" the same for other numbers of clients
 
 #include "bench/Calls.h"
 
@@ -24,7 +24,9 @@ void measureCall(benchmark::State& state, const CallContestant& contestant,
     const OnOneCore pinned;
     const Started server = startServer(contestant);
     const std::unique_ptr<Caller> caller = contestant.connect(payload);
-    for (benchmark::IterationCount i = 0; i < state.max_iterations / 10; ++i) caller->call();
+    for (benchmark::IterationCount i = 0; i < state.max_iterations / 10; ++i) {
+        caller->call();
+    }
     measureMedian(state, [&] { caller->call(); });
 }
 
@@ -53,7 +55,9 @@ void registerAll(const CallsProgram& program, const Payload& payload) {
             measureCall(state, contestant, payload);
         })->Iterations(program.calls);
     }
-    for (const CallContestant& one : contestants) addCalls("calls", one, payload, 4);
+    for (const CallContestant& one : contestants) {
+        addCalls("calls", one, payload, 4);
+    }
     for (const size_t clients : program.clients) {
         for (const CallContestant& one : contestants) {
             addCalls("growth-calls", one, payload, clients);
@@ -94,7 +98,9 @@ Started startServer(const CallContestant& contestant) {
 
 int callsMain(int argc, char** argv, const CallsProgram& program) {
     try {
-        if (argc == 7 && std::string(argv[1]) == "client") return clientMain(program, argv + 2);
+        if (argc == 7 && std::string(argv[1]) == "client") {
+            return clientMain(program, argv + 2);
+        }
         return benchMain(program, argc, argv);
     } catch (const std::exception& error) {
         fprintf(stderr, "%s: %s\n", argv[0], error.what());

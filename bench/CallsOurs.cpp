@@ -1,4 +1,4 @@
-// The product's side of the calls, and what its messages weigh.
+// Calls to the product, and the size of its messages.
 
 #include <android-base/unique_fd.h>
 #include <poll.h>
@@ -31,15 +31,21 @@ using vendor::morlak::mlkconfigs::V1_0::OptionalString;
 class OurCaller : public Caller {
   public:
     OurCaller() : mService(IMlkProjectConfigs::getService()) {
-        if (mService == nullptr) throw std::runtime_error("the service does not answer");
+        if (mService == nullptr) {
+            throw std::runtime_error("the service does not answer");
+        }
         call();
-        if (mLast != std::strlen(kPanelName)) throw std::runtime_error("the answer is wrong");
+        if (mLast != std::strlen(kPanelName)) {
+            throw std::runtime_error("the answer is wrong");
+        }
     }
 
     void call() override {
         const auto result = mService->getPanelName(
                 [this](const OptionalString& answer) { mLast = answer.value.size(); });
-        if (!result.isOk()) throw std::runtime_error("a call failed");
+        if (!result.isOk()) {
+            throw std::runtime_error("a call failed");
+        }
     }
 
   private:
@@ -49,12 +55,14 @@ class OurCaller : public Caller {
 
 constexpr const char* kName = "/vendor.morlak.mlkconfigs@1.0::IMlkProjectConfigs.default";
 
-// Stands between a client and the service and counts what goes through.
+// Relays between a client and the service and counts the bytes.
 class Relay {
   public:
     Relay(const std::string& folder, std::string service)
         : mService(std::move(service)), mListener(listenOn(folder + kName)) {
-        if (pipe(mEnd.data()) != 0) throw std::runtime_error("no pipe");
+        if (pipe(mEnd.data()) != 0) {
+            throw std::runtime_error("no pipe");
+        }
         mThread = std::thread([this] { run(); });
     }
     ~Relay() {
@@ -81,14 +89,18 @@ class Relay {
                 events.push_back({one.client.get(), POLLIN, 0});
                 events.push_back({one.service.get(), POLLIN, 0});
             }
-            if (poll(events.data(), events.size(), -1) < 0 || events[0].revents != 0) return;
+            if (poll(events.data(), events.size(), -1) < 0 || events[0].revents != 0) {
+                return;
+            }
             for (size_t i = connections.size(); i-- > 0;) {
                 const Connection& one = connections[i];
                 const bool open = (events[2 * i + 2].revents == 0 ||
                                    pass(one.client.get(), one.service.get(), &mRequests)) &&
                                   (events[2 * i + 3].revents == 0 ||
                                    pass(one.service.get(), one.client.get(), &mReplies));
-                if (!open) connections.erase(connections.begin() + static_cast<ptrdiff_t>(i));
+                if (!open) {
+                    connections.erase(connections.begin() + static_cast<ptrdiff_t>(i));
+                }
             }
             if (events[1].revents != 0) {
                 unique_fd client(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
@@ -100,8 +112,10 @@ class Relay {
     static bool pass(int from, int to, std::atomic<size_t>* passed) {
         std::array<char, 65536> bytes;
         const ssize_t size = recv(from, bytes.data(), bytes.size(), 0);
-        if (size <= 0) return false;
-        // Counted first: the caller may look as soon as the bytes are there.
+        if (size <= 0) {
+            return false;
+        }
+        // Counts first: the caller may read the counter as soon as the bytes arrive.
         *passed += static_cast<size_t>(size);
         return send(to, bytes.data(), static_cast<size_t>(size), MSG_NOSIGNAL) == size;
     }
@@ -135,7 +149,9 @@ Payload payloadOfOurs() {
     {
         OurCaller caller;
         const Payload before = relay.passed();
-        for (size_t i = 0; i < kCalls; ++i) caller.call();
+        for (size_t i = 0; i < kCalls; ++i) {
+            caller.call();
+        }
         const Payload after = relay.passed();
         sum = {after.request - before.request, after.reply - before.reply};
     }

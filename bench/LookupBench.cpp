@@ -1,9 +1,9 @@
-// Asking the store for one of its items, nanoseconds an answer:
+// Measures looking up an item in the store, nanoseconds per answer:
 //   "lookup/CONTESTANT/ITEMS"
-//   "growth-lookup/CONTESTANT/ITEMS"  the same at other sizes, of the limit and of ours
+//   "growth-lookup/CONTESTANT/ITEMS"  the same at other sizes, for the limit and ours
 //
-// The items asked for are those that name files, as most getters' do, in no order. Their texts are
-// too long to be kept inside a std::string, so every answer takes memory of its own.
+// The items asked for name files, as those of most getters do, and come in random order. Their
+// texts are too long for the buffer inside a std::string, so every answer allocates memory.
 
 #include <algorithm>
 #include <random>
@@ -22,7 +22,7 @@ namespace {
 using vendor::morlak::mlkconfigs::V1_0::implementation::ConfigKey;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectParser;
 
-/// The product's store, asked as the others are.
+/** The product's store with the interface of the others. */
 class OurStore {
   public:
     OurStore(const std::string& customer, const Mounts& mounts)
@@ -37,7 +37,7 @@ class OurStore {
     ProjectParser mParser;
 };
 
-// The same way every time.
+// Shuffles in the same way every time.
 template <typename T>
 void shuffle(std::vector<T>& things) {
     std::shuffle(things.begin(), things.end(), std::mt19937(1));
@@ -57,7 +57,9 @@ struct Asked {
         const ProjectText project = projectOfItems(items);
         customer = writeProject(set, project);
         for (const Item& item : project.items) {
-            if (!isPath(item.value)) continue;
+            if (!isPath(item.value)) {
+                continue;
+            }
             const std::string section = item.category.substr(1, item.category.size() - 2);
             inOrder.push_back({item.category, section, item.key});
         }
@@ -77,7 +79,9 @@ template <typename Store>
 void measureStore(benchmark::State& state, const Asked& asked, const std::string& path) {
     const Store store(path, asked.mounts);
     for (const Question& question : asked.questions) {
-        if (isNothing(store.getInfo(question))) state.SkipWithError("an item is missing");
+        if (isNothing(store.getInfo(question))) {
+            state.SkipWithError("an item is missing");
+        }
     }
     const auto askAll = [&] {
         for (const Question& question : asked.questions) {
@@ -97,14 +101,18 @@ void measurePeer(benchmark::State& state, const Asked& asked) {
     measureStore<Store>(state, asked, asked.set.dir().path("tvconfigs/project.ini"));
 }
 
-// Copying texts whose places are known: they lie in the order of the file, as a store has them, and
-// are asked for in none.
+// The limit: copies texts whose addresses are known. They lie in memory in the order of the file,
+// as in a store, and are copied in random order.
 void measureLimit(benchmark::State& state, const Asked& asked) {
     const OurStore store(asked.customer, asked.mounts);
     std::vector<std::string> texts;
-    for (const Question& question : asked.inOrder) texts.push_back(store.getInfo(question));
+    for (const Question& question : asked.inOrder) {
+        texts.push_back(store.getInfo(question));
+    }
     std::vector<const std::string*> places;
-    for (const std::string& text : texts) places.push_back(&text);
+    for (const std::string& text : texts) {
+        places.push_back(&text);
+    }
     shuffle(places);
     const auto copyAll = [&] {
         for (const std::string* text : places) {
@@ -134,8 +142,12 @@ void add(const char* family, const Contestant& contestant, size_t items, int ite
 }
 
 void registerAll() {
-    for (const Contestant& one : kBoth) add("lookup", one, 5000, 200);
-    for (const Contestant& one : kPeers) add("lookup", one, 5000, 50);
+    for (const Contestant& one : kBoth) {
+        add("lookup", one, 5000, 200);
+    }
+    for (const Contestant& one : kPeers) {
+        add("lookup", one, 5000, 50);
+    }
     for (const Contestant& one : kBoth) {
         add("growth-lookup", one, 500, 1000);
         add("growth-lookup", one, 5000, 200);

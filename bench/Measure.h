@@ -1,4 +1,4 @@
-// How a number is taken: what every benchmark here shares.
+// How all benchmarks measure.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -12,18 +12,23 @@
 
 namespace mlk::bench {
 
-/// The number that the report takes from a benchmark. It is the median of the run's iterations
-/// where these are long enough to be timed one by one: a mean tells how often the machine was
-/// interrupted.
+/**
+ * Name of the counter that the report reads. Its value is the median of the iterations if each of
+ * them is long enough to be timed; a mean would depend on how often the machine was interrupted.
+ */
 constexpr const char* kValue = "value";
 
-/// Runs `operation` once an iteration, some times before to warm up, and gives the median of its
-/// time in nanoseconds, divided by the number of things that it does.
+/**
+ * Runs `operation` a few times to warm up, then once per iteration. Reports the median time in
+ * nanoseconds, divided by the number of things that the operation does.
+ */
 template <typename Operation>
 void measureMedian(benchmark::State& state, const Operation& operation, double things = 1) {
     using Clock = std::chrono::steady_clock;
     const auto warmUps = std::min<benchmark::IterationCount>(3, state.max_iterations / 2);
-    for (benchmark::IterationCount i = 0; i < warmUps; ++i) operation();
+    for (benchmark::IterationCount i = 0; i < warmUps; ++i) {
+        operation();
+    }
     std::vector<double> times;
     times.reserve(static_cast<size_t>(state.max_iterations));
     for (auto _ : state) {
@@ -36,18 +41,23 @@ void measureMedian(benchmark::State& state, const Operation& operation, double t
     state.counters[kValue] = *middle / things;
 }
 
-/// Keeps the calling thread, and what it starts meanwhile, on one core: the last that it may use.
+/** Binds the calling thread, and what it starts meanwhile, to the last core that it may use. */
 class OnOneCore {
   public:
     OnOneCore() {
-        if (sched_getaffinity(0, sizeof mFormer, &mFormer) != 0)
+        if (sched_getaffinity(0, sizeof mFormer, &mFormer) != 0) {
             throw std::runtime_error("no cores");
+        }
         int core = CPU_SETSIZE - 1;
-        while (!CPU_ISSET(core, &mFormer)) --core;
+        while (!CPU_ISSET(core, &mFormer)) {
+            --core;
+        }
         cpu_set_t one;
         CPU_ZERO(&one);
         CPU_SET(core, &one);
-        if (sched_setaffinity(0, sizeof one, &one) != 0) throw std::runtime_error("cannot pin");
+        if (sched_setaffinity(0, sizeof one, &one) != 0) {
+            throw std::runtime_error("cannot pin");
+        }
     }
     ~OnOneCore() { (void)sched_setaffinity(0, sizeof mFormer, &mFormer); }
     OnOneCore(const OnOneCore&) = delete;
@@ -57,8 +67,10 @@ class OnOneCore {
     cpu_set_t mFormer;
 };
 
-/// What a program of benchmarks does: has them registered, and runs those that its command line
-/// names.
+/**
+ * The main function of a benchmark program: registers its benchmarks and runs those that the
+ * command line selects.
+ */
 inline int benchMain(int argc, char** argv, void (*registerAll)()) {
     benchmark::Initialize(&argc, argv);
     registerAll();

@@ -1,10 +1,10 @@
-// Reading a project file into a store, nanoseconds a file:
-//   "parse/CONTESTANT/LINES"          a store is made, filled, put in order, and thrown away
-//   "update/ours/LINES"               the same, but what only a walk in order needs is left out
-//   "reparse/ours/LINES"              a store that holds the set already reads it anew
-//   "growth-parse/CONTESTANT/ITEMS"   as "parse", by items of the file
-//   "growth-models/CONTESTANT/MODELS" as "parse", by models that the system file lists; the limit
-//                                     is `read` and `memchr` over system and project file
+// Measures reading a project file into a store, nanoseconds per file:
+//   "parse/CONTESTANT/LINES"          a store is made, filled, sorted and destroyed
+//   "update/ours/LINES"               the same without sorting
+//   "reparse/ours/LINES"              a filled store reads the set again
+//   "growth-parse/CONTESTANT/ITEMS"   as "parse", by number of items in the file
+//   "growth-models/CONTESTANT/MODELS" as "parse", by number of models in the system file; the
+//                                     limit is `read` and `memchr` of both files
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,8 +22,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-// The order of items is made by the first who walks them, and those who do also write them. This
-// makes it without a text.
+// The first walk sorts the items, but every public walk also writes them. This one only sorts.
 struct ProjectParserPeer {
     static void putInOrder(const ProjectParser& parser) { (void)parser.mItems.inOrder(); }
 };
@@ -52,15 +51,21 @@ struct Files {
         : models(modelCount), customer(writeProject(set, text, modelCount)) {}
 };
 
-// The least that any reader does: take the bytes in and find the lines.
+// The minimum that any reader does: reads the bytes and finds the lines.
 void readLines(const std::string& path) {
     static std::vector<char> buffer;
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status {};
-    if (file < 0 || fstat(file, &status) != 0) throw std::runtime_error(path);
+    if (file < 0 || fstat(file, &status) != 0) {
+        throw std::runtime_error(path);
+    }
     const auto size = static_cast<size_t>(status.st_size);
-    if (buffer.size() < size) buffer.resize(size);
-    if (read(file, buffer.data(), size) != status.st_size) throw std::runtime_error("short read");
+    if (buffer.size() < size) {
+        buffer.resize(size);
+    }
+    if (read(file, buffer.data(), size) != status.st_size) {
+        throw std::runtime_error("short read");
+    }
     (void)close(file);
     size_t lines = 0;
     const char* at = buffer.data();
@@ -73,11 +78,13 @@ void readLines(const std::string& path) {
 }
 
 void limit(const Files& files) {
-    if (files.models > 1) readLines(files.system);
+    if (files.models > 1) {
+        readLines(files.system);
+    }
     readLines(files.project);
 }
 
-// The whole chain: the two small files that lead to the project file are read as well.
+// Reads the whole chain, including the two small files that lead to the project file.
 void fill(ProjectParser& parser, const Files& files) {
     parser.update(files.customer.c_str(), static_cast<int>(files.models), "DEFAULT_BOARD_ID");
 }
@@ -118,7 +125,7 @@ void measureReparse(benchmark::State& state, const Files& files) {
     });
 }
 
-// Files are written when they are needed, and not before.
+// Writes the files only when the benchmark runs.
 template <typename Make>
 void add(const char* family, const Contestant& contestant, size_t size, int iterations,
          const Make& makeFiles) {
@@ -126,7 +133,9 @@ void add(const char* family, const Contestant& contestant, size_t size, int iter
             std::string(family) + "/" + contestant.name + "/" + std::to_string(size);
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
         const Files files = makeFiles(size);
-        if (contestant.read == nullptr) return measureReparse(state, files);
+        if (contestant.read == nullptr) {
+            return measureReparse(state, files);
+        }
         measureMedian(state, [&] { contestant.read(files); });
     })->Iterations(iterations);
 }
@@ -135,8 +144,12 @@ void registerAll() {
     const auto ofLines = [](size_t lines) { return Files(projectOfLines(lines)); };
     for (const size_t lines : {size_t{5000}, size_t{100000}}) {
         const bool few = lines < 10000;
-        for (const Contestant& one : kBoth) add("parse", one, lines, few ? 40 : 7, ofLines);
-        for (const Contestant& one : kPeers) add("parse", one, lines, few ? 15 : 3, ofLines);
+        for (const Contestant& one : kBoth) {
+            add("parse", one, lines, few ? 40 : 7, ofLines);
+        }
+        for (const Contestant& one : kPeers) {
+            add("parse", one, lines, few ? 15 : 3, ofLines);
+        }
         add("update", {"ours", update}, lines, few ? 40 : 7, ofLines);
         add("reparse", {"ours", nullptr}, lines, few ? 40 : 7, ofLines);
     }

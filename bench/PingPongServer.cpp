@@ -1,5 +1,5 @@
-// The server of the least call there is: bench_pingpong REQUEST REPLY takes so many bytes and sends
-// so many back, a thread a connection, at "pingpong" in the runtime folder.
+// The server of the cheapest possible call: bench_pingpong REQUEST REPLY receives REQUEST bytes and
+// sends REPLY bytes, one thread per connection, at "pingpong" in the runtime folder.
 
 #include <sys/socket.h>
 
@@ -26,13 +26,17 @@ void serve(const unique_fd& connection, size_t request, size_t reply) {
 
 int main(int argc, char** argv) {
     const char* const folder = getenv("MLK_RUNTIME_DIR");
-    if (argc != 3 || folder == nullptr) return 2;
+    if (argc != 3 || folder == nullptr) {
+        return 2;
+    }
     const size_t request = std::stoul(argv[1]);
     const size_t reply = std::stoul(argv[2]);
     const unique_fd listener = mlk::bench::listenOn(std::string(folder) + "/pingpong");
     while (true) {
         unique_fd connection(accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (!connection.ok()) return 1;
+        if (!connection.ok()) {
+            return 1;
+        }
         std::thread([one = std::move(connection), request, reply] {
             serve(one, request, reply);
         }).detach();

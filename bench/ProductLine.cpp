@@ -12,9 +12,9 @@ constexpr const char* kFirstTvSystem = "DVB";
 constexpr const char* kTvSystems[] = {kFirstTvSystem, "ATSC",       "ISDB",
                                       "DTMB",         "DVB_NORDIC", "ATV_ONLY"};
 
-// Beyond the countries that have a name, names that nobody knows: they count as well.
+// After the known countries, unknown names: they count as countries, too.
 std::string countryName(size_t index) {
-    const size_t position = index + 1;  // the first name is nobody's
+    const size_t position = index + 1;  // the first name is no country
     return position < kCountryNames.size() ? std::string(kCountryNames[position])
                                            : "COUNTRY_" + std::to_string(position);
 }
@@ -66,7 +66,9 @@ std::string frequencyMap(size_t countries) {
 
 std::string countryList(size_t countries) {
     std::string text;
-    for (size_t i = 0; i < countries; ++i) text += countryName(i) + ",XX\n";
+    for (size_t i = 0; i < countries; ++i) {
+        text += countryName(i) + ",XX\n";
+    }
     return text;
 }
 

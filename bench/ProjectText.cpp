@@ -10,8 +10,8 @@ namespace mlk::bench {
 
 namespace {
 
-// What the service looks for when it starts, and what the measured getter answers; the files are
-// those of the sample product line.
+// The items that the service reads at start, and the one that the measured getter answers. The
+// files are those of the sample product line.
 struct KnownItem {
     const char* category;
     const char* key;
@@ -64,7 +64,7 @@ constexpr std::array<std::string_view, 12> kRemarks = {
 constexpr std::array<std::string_view, 8> kFolders = {"pq",  "edid", "eq",   "aq",
                                                       "amp", "logo", "keys", "overscan"};
 
-// The same numbers on every machine.
+// A generator that gives the same numbers on every machine.
 class Numbers {
   public:
     size_t below(size_t limit) {
@@ -82,7 +82,9 @@ class Numbers {
 
 std::string lowered(std::string text) {
     for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
     }
     return text;
 }
@@ -95,12 +97,18 @@ class Writer {
         mFile.text.reserve(std::min(mLines, mItems) * 48);
         line("# Written by the benchmark; a product line's project file in its proportions.");
         for (const KnownItem& known : kKnownItems) {
-            if (mCategory != known.category) begin(known.category);
+            if (mCategory != known.category) {
+                begin(known.category);
+            }
             item(known.key, known.value, 22);
         }
-        for (size_t number = 0; !isFull(); ++number) section(number);
-        // A file that is to have so many lines ends in remarks, not in half a section.
-        while (mLines != kNoLimit && mFile.lines < mLines) line("# End.");
+        for (size_t number = 0; !isFull(); ++number) {
+            section(number);
+        }
+        // A file with a given number of lines is filled up with comments, not with half a section.
+        while (mLines != kNoLimit && mFile.lines < mLines) {
+            line("# End.");
+        }
         return std::move(mFile);
     }
 
@@ -110,7 +118,9 @@ class Writer {
     bool isFull() const { return mFile.lines >= mLines || mFile.items.size() >= mItems; }
 
     void line(const std::string& text) {
-        if (mFile.lines >= mLines) return;
+        if (mFile.lines >= mLines) {
+            return;
+        }
         mFile.text += text;
         mFile.text += '\n';
         ++mFile.lines;
@@ -126,12 +136,13 @@ class Writer {
         const std::string name =
                 std::string(kSections[number % kSections.size()]) + "_" + std::to_string(number);
         begin("[" + name + "]");
-        if (mNumbers.below(4) == 0)
+        if (mNumbers.below(4) == 0) {
             line("# " + mNumbers.oneOf(kRemarks) + " unless a line says so.");
+        }
         const size_t count = 6 + mNumbers.below(9);
         const size_t width = 14 + mNumbers.below(12);
         for (size_t i = 0; i < count && !isFull(); ++i) {
-            // The number keeps the keys of a section apart.
+            // The number makes the keys of a section distinct.
             const std::string key = name.substr(0, name.find('_')) + "_" + mNumbers.oneOf(kWords) +
                                     "_" + std::to_string(i);
             item(key, value(), width);
@@ -150,27 +161,41 @@ class Writer {
 
     std::string value() {
         const size_t kind = mNumbers.below(100);
-        if (kind < 40) return std::to_string(mNumbers.below(100000));
+        if (kind < 40) {
+            return std::to_string(mNumbers.below(100000));
+        }
         if (kind < 48) {
             char text[8];
             (void)snprintf(text, sizeof text, "0x%04X",
                            static_cast<unsigned>(mNumbers.below(0x10000)));
             return text;
         }
-        if (kind < 65) return lowered(mNumbers.oneOf(kWords));
-        if (kind < 85) return path();
-        if (kind < 92) return mNumbers.oneOf(kSections) + " " + mNumbers.oneOf(kWords);
-        if (kind < 97) return "TV,AV,HDMI" + std::to_string(mNumbers.below(5));
+        if (kind < 65) {
+            return lowered(mNumbers.oneOf(kWords));
+        }
+        if (kind < 85) {
+            return path();
+        }
+        if (kind < 92) {
+            return mNumbers.oneOf(kSections) + " " + mNumbers.oneOf(kWords);
+        }
+        if (kind < 97) {
+            return "TV,AV,HDMI" + std::to_string(mNumbers.below(5));
+        }
         return "";
     }
 
     void item(const std::string& key, const std::string& value, size_t width) {
-        if (isFull()) return;
+        if (isFull()) {
+            return;
+        }
         std::string text = key;
         text.resize(std::max(width, key.size()), ' ');
         const bool quoted = isPath(value) || value.find(' ') != std::string::npos;
         text += quoted ? " = \"" + value + "\"" : value.empty() ? " =" : " = " + value;
-        if (mNumbers.below(4) == 0) text += "  # " + mNumbers.oneOf(kRemarks);
+        if (mNumbers.below(4) == 0) {
+            text += "  # " + mNumbers.oneOf(kRemarks);
+        }
         line(text);
         mFile.items.push_back({mCategory, key, value});
     }

@@ -1,10 +1,10 @@
-// Starting the service, nanoseconds from before the process is made to the third name in the
-// runtime folder; no names are left from a start before:
-//   "start/CONTESTANT/ITEMS"                 with so many items, 10 models, 200 countries
+// Measures the start of the service, nanoseconds from creating the process to the third name in the
+// runtime folder, which is empty before:
+//   "start/CONTESTANT/ITEMS"                 by number of items, with 10 models, 200 countries
 //   "growth-start/CONTESTANT/ITEMS"          the same, at other sizes
 //   "growth-start-models/CONTESTANT/MODELS"  with 500 items, 200 countries
 //   "growth-start-countries/CONTESTANT/COUNTRIES"  with 500 items, 10 models
-// and "resident/CONTESTANT/ITEMS", bytes once it is idle.
+// and "resident/CONTESTANT/ITEMS", resident bytes of the idle process.
 
 #include <memory>
 #include <string>
@@ -44,23 +44,27 @@ double residentOf(const Started& process) {
     return static_cast<double>(process.residentWhenIdle());
 }
 
-// All contestants in turn, so that a machine that becomes slower becomes so for all of them: the
-// median of each.
+// Starts all contestants in turn, so that a machine that slows down affects all of them equally,
+// and returns the median of each.
 std::vector<double> measureInTurn(const Size& size, int starts, double (*take)(const Started&)) {
     testing::HostSet set;
     writeProductLine(set, size);
     std::vector<std::vector<double>> values(contestants().size());
-    // The first start of each brings its program and its files into the page cache.
+    // The first start of each loads its program and files into the page cache.
     for (int i = -1; i < starts; ++i) {
         for (size_t who = 0; who < values.size(); ++who) {
             const Contestant& contestant = contestants()[who];
             const double value =
                     take(Started({programBeside(contestant.program)}, contestant.entries));
-            if (i >= 0) values[who].push_back(value);
+            if (i >= 0) {
+                values[who].push_back(value);
+            }
         }
     }
     std::vector<double> medians;
-    for (const std::vector<double>& ofOne : values) medians.push_back(medianOf(ofOne));
+    for (const std::vector<double>& ofOne : values) {
+        medians.push_back(medianOf(ofOne));
+    }
     return medians;
 }
 
@@ -72,7 +76,9 @@ void add(const char* family, const Size& size, size_t number, int starts,
                 std::string(family) + "/" + contestants()[who].name + "/" + std::to_string(number);
         const auto measure = [=](benchmark::State& state) {
             for (auto _ : state) {
-                if (medians->empty()) *medians = measureInTurn(size, starts, take);
+                if (medians->empty()) {
+                    *medians = measureInTurn(size, starts, take);
+                }
             }
             state.counters[kValue] = (*medians)[who];
         };

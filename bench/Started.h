@@ -12,17 +12,19 @@
 
 namespace mlk::bench {
 
-/// The names that the service registers, as they appear in the runtime folder.
+/** The names that the service registers, as in the runtime folder. */
 const std::set<std::string>& serviceNames();
 
-/// Full path of a program that was built beside this one: "vendor.morlak.mlconfigs@1.0-service".
+/** Full path of a program that was built beside this one: "vendor.morlak.mlconfigs@1.0-service". */
 std::string programBeside(const std::string& name);
 
-/// A process without input, whose output is dropped. It runs on the cores that the starting thread
-/// may run on, inherits what descriptors are not closed by exec, and is killed by the destructor.
+/**
+ * A process without input, whose output is discarded. It runs on the cores of the starting thread
+ * and inherits the descriptors that exec does not close. The destructor kills it.
+ */
 class Child {
   public:
-    /// Throws std::runtime_error when it cannot be started.
+    /** Starts the program; throws std::runtime_error on failure. */
     explicit Child(const std::vector<std::string>& argv);
     ~Child();
     Child(const Child&) = delete;
@@ -34,17 +36,19 @@ class Child {
     pid_t mPid = -1;
 };
 
-/// A process that says that it is ready by entries in the runtime folder, $MLK_RUNTIME_DIR.
-/// Everything here throws std::runtime_error when it fails, or takes half a minute.
+/**
+ * A process that reports readiness by entries in the runtime folder, $MLK_RUNTIME_DIR. Every
+ * function throws std::runtime_error on failure and after half a minute.
+ */
 class Started {
   public:
-    /// Empties the runtime folder, starts the program and waits for the entries.
+    /** Empties the runtime folder, starts the program and waits for the entries. */
     Started(const std::vector<std::string>& argv, const std::set<std::string>& entries);
 
-    /// From just before the process was made to just after the last entry appeared.
+    /** The time from creating the process until the last entry appeared. */
     std::chrono::nanoseconds timeToReady() const { return mTimeToReady; }
 
-    /// Bytes of its memory that are resident, once it has nothing more to do.
+    /** Waits until the process is idle and returns its resident memory in bytes. */
     size_t residentWhenIdle() const;
 
   private:

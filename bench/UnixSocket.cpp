@@ -23,7 +23,9 @@ constexpr int kBacklog = 128;
 sockaddr_un addressOf(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) throw std::runtime_error(path + ": too long");
+    if (path.size() >= sizeof address.sun_path) {
+        throw std::runtime_error(path + ": too long");
+    }
     path.copy(address.sun_path, path.size());
     return address;
 }
@@ -53,7 +55,9 @@ unique_fd connectTo(const std::string& path) {
 bool sendAll(int socket, const char* bytes, size_t size) {
     while (size > 0) {
         const ssize_t sent = send(socket, bytes, size, MSG_NOSIGNAL);
-        if (sent <= 0) return false;
+        if (sent <= 0) {
+            return false;
+        }
         bytes += sent;
         size -= static_cast<size_t>(sent);
     }
@@ -63,7 +67,9 @@ bool sendAll(int socket, const char* bytes, size_t size) {
 bool receiveAll(int socket, char* bytes, size_t size) {
     while (size > 0) {
         const ssize_t received = recv(socket, bytes, size, 0);
-        if (received <= 0) return false;
+        if (received <= 0) {
+            return false;
+        }
         bytes += received;
         size -= static_cast<size_t>(received);
     }

@@ -1,4 +1,4 @@
-// Stream sockets by their paths, and messages of known sizes on them.
+// Unix stream sockets, and messages of known sizes.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -8,14 +8,16 @@
 
 namespace mlk::bench {
 
-/// A socket that listens there; what is at the path appears only when it does. Throws
-/// std::runtime_error.
+/**
+ * Makes a socket that listens at the path. The path appears only once the socket listens. Throws
+ * std::runtime_error.
+ */
 android::base::unique_fd listenOn(const std::string& path);
 
-/// Throws std::runtime_error.
+/** Connects to the path; throws std::runtime_error. */
 android::base::unique_fd connectTo(const std::string& path);
 
-/// Sends or receives exactly so many bytes; false when the other end is gone.
+/** Sends or receives exactly `size` bytes; false if the other end is closed. */
 bool sendAll(int socket, const char* bytes, size_t size);
 bool receiveAll(int socket, char* bytes, size_t size);
 

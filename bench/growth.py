@@ -1,7 +1,7 @@
-"""What ./run bench says of growth: cost against size, and the exponent that fits it best.
+"""The growth part of the report of ./run bench: cost by size, and the exponent that fits best.
 
-A cost that goes as size^e is a straight line of slope e when both are drawn as logarithms: 1 is
-linear, 0 does not depend on the size, and a logarithm of 500 to 50,000 comes to about 0.1.
+A cost proportional to size^e is a line of slope e on logarithmic axes: 1 is linear, 0 is constant, and
+a logarithm over sizes from 500 to 50,000 gives about 0.1.
 """
 
 from dataclasses import dataclass
@@ -13,7 +13,7 @@ from quantity import decimals, quantity
 
 @dataclass(frozen=True)
 class Series:
-    """What is measured at several sizes: of the limit, and of ours."""
+    """A family measured at several sizes, for the limit and ours."""
 
     family: str
     title: str
@@ -33,21 +33,21 @@ SERIES = (
 
 
 def exponent(sizes, costs):
-    """The slope of the line through the logarithms."""
+    """The slope of the regression line through the logarithms."""
     slope = linear_regression([log(size) for size in sizes], [log(cost) for cost in costs])[0]
     return round(slope, 3) + 0.0  # never -0.0
 
 
 def costs(values, unit):
-    """What is answered in a second costs its inverse."""
+    """Converts answers per second to their inverse, a cost."""
     return [1 / value for value in values] if unit == "/s" else values
 
 
 def of_contestant(measured, series, contestant):
-    """Its sizes, ascending, and what the least disturbed round found there.
+    """The sizes in ascending order, each with the value of the least disturbed round.
 
-    Sizes are compared with each other, and are measured at different moments: what the machine
-    did meanwhile does not cancel out as it does in a ratio."""
+    Different sizes are measured at different times, so that disturbances do not cancel out as
+    they do in a ratio."""
     best = max if series.unit == "/s" else min
     points = sorted((int(name.split("/")[2]), best(numbers)) for name, numbers in measured.items()
                     if name.split("/")[:2] == [series.family, contestant])
@@ -55,7 +55,7 @@ def of_contestant(measured, series, contestant):
 
 
 def evaluate(measured):
-    """One dict a series that was measured at two sizes or more."""
+    """One dict for each series measured at two or more sizes."""
     found = []
     for series in SERIES:
         sizes, ours = of_contestant(measured, series, "ours")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# link-like.sh PROGRAM OBJECT OUTPUT: links an object with the very shared libraries that a program
-# is linked with, whether it needs them or not.
+# link-like.sh PROGRAM OBJECT OUTPUT: links an object with all shared libraries of a program, needed
+# or not.
 set -eu
 program=$1 object=$2 output=$3
 folder=$(dirname "$(ldd "$program" | sed -n 's/.*=> \(.*liblog[^ ]*\) .*/\1/p')")

@@ -1,4 +1,4 @@
-"""The report as a picture: ratios, and growth below them.
+"""The report as a picture: ratios on top, growth below.
 
 Plain SVG without scripts; colours follow the reader's light or dark theme.
 """
@@ -80,7 +80,7 @@ def dot(x, y, radius, classes):
 
 
 class Axis:
-    """From numbers to places, by their logarithms."""
+    """A logarithmic axis: maps values to positions."""
 
     def __init__(self, low, high, start, end):
         self.low, self.start = low, start
@@ -91,7 +91,7 @@ class Axis:
 
 
 def lanes(labels):
-    """Puts labels, (x, words), side by side where they fit and else below each other.
+    """Places labels, (x, words), side by side if they fit, else below each other.
 
     Their words end above x, and whoever stands further right stands lower where they meet, so that
     the line from x down to the words crosses no others. Gives (x, words, lane) for each."""
@@ -104,12 +104,12 @@ def lanes(labels):
 
 
 def as_cost(row, value):
-    """A ratio as a multiple of the limit's time or memory, whatever is better."""
+    """A ratio as a multiple of the limit's time or memory, for any unit."""
     return 1 / value if row["better"] == "more" else value
 
 
 def ratio_row(row, axis, y):
-    """One row, whose dots stand at y: its elements, and where the next may begin."""
+    """One row with its dots at y: its elements, and the y of the next row."""
     out = []
     title, detail = ROWS[row["name"]]
     if title:
@@ -164,7 +164,7 @@ def ratios(full, top):
 
 
 def apart(places, distance, low, high):
-    """Places moved so that they lie so far apart between the two, in the same order."""
+    """Moves positions apart to a minimum distance within two bounds; keeps their order."""
     order = sorted(range(len(places)), key=places.__getitem__)
     moved = list(places)
     for before, after in zip(order, order[1:]):
@@ -185,7 +185,7 @@ def costs_of(series):
 
 
 def growth_axes(points, left, top):
-    """The axes, and what stands for them in the picture: one decade is as long on both."""
+    """The axes and their elements; a decade has the same length on both."""
     decade = 150
     highest = max(100, *(cost for _, cost in points)) * 1.1
     lowest = min(1, *(cost for _, cost in points)) / 1.3

@@ -1,4 +1,4 @@
-"""Numbers as a person reads them."""
+"""Formats numbers for people."""
 
 
 def quantity(value, unit):

@@ -1,4 +1,4 @@
-"""What ./run bench says of ratios: the rows, and how they are computed from what was measured.
+"""The ratios in the report of ./run bench: the rows, and how to compute them from measurements.
 
 Measurements are a dict from a benchmark's name, "FAMILY/CONTESTANT/SIZE", to its numbers, one a
 round. The contestant "limit" is the least that the job takes, "ours" is the product; all others of
@@ -15,7 +15,7 @@ from quantity import quantity
 
 @dataclass(frozen=True)
 class Row:
-    """A ratio to reach: of `ours` to `limit` at one size, or as `over` says."""
+    """A row with its goal: the ratio of `ours` to `limit` at one size, or of what `over` names."""
 
     name: str
     title: str
@@ -54,12 +54,12 @@ UNITS = {"calls": "/s", "resident": "bytes"}  # of a family; the others are time
 
 
 def ratio(numbers, basis):
-    """The median of the rounds' ratios: what slows a whole round down cancels out."""
+    """The median of the rounds' ratios; disturbances of a whole round cancel out."""
     return median(number / base for number, base in zip(numbers, basis))
 
 
 def spread(numbers):
-    """The distance of the quartiles over the median: how unquiet the machine was."""
+    """The noise of the machine: the distance of the quartiles divided by the median."""
     if len(numbers) < 2:
         return 0.0
     low, _, high = quantiles(numbers, n=4, method="inclusive")
@@ -67,7 +67,7 @@ def spread(numbers):
 
 
 def peers_of(measured, row):
-    """The names of the peers that took part in a row."""
+    """The names of the peers measured for a row."""
     names = []
     for name in measured:
         family, contestant, size = name.split("/")
@@ -77,7 +77,7 @@ def peers_of(measured, row):
 
 
 def evaluate(measured, row):
-    """One row of the report as a dict; None when it was not measured."""
+    """One row of the report as a dict; None if it was not measured."""
     ours = measured.get(f"{row.family}/ours/{row.size}")
     basis_name = row.over or f"{row.family}/limit/{row.size}"
     basis = measured.get(basis_name)
@@ -111,7 +111,7 @@ def evaluate(measured, row):
 
 
 def report(measured, rounds, machine):
-    """Everything that is said, as one object for JSON."""
+    """The whole report as one object for JSON."""
     rows = [evaluate(measured, row) for row in ROWS]
     return {
         "machine": machine,
@@ -141,7 +141,7 @@ HEADINGS = ("measured", "ratio", "goal", "reached", "limit", "noise", "peers' ra
 
 
 def aligned(lines, left):
-    """Lines of cells as texts with a rule under the first; `left` are the columns of words."""
+    """A table of texts with a rule under the first line; `left` are the left-aligned columns."""
     widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
     lines.insert(1, tuple("-" * width for width in widths))
     return ["  ".join(cell.ljust(width) if i in left else cell.rjust(width)
@@ -150,7 +150,7 @@ def aligned(lines, left):
 
 
 def table(full):
-    """The report for a person to read."""
+    """The report as text for people."""
     lines = []
     if full["rows"]:
         lines += aligned([HEADINGS] + [cells(row) for row in full["rows"]], (0, 6)) + [""]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures the product beside its limits and its peers, and prints the ratios.
+"""Measures the product, its limits and its peers, and prints the ratios.
 
 Every round runs every benchmark once, one after the other, so that a machine that becomes slower
 becomes so for all of them. Growth is measured in a few of the rounds only.
@@ -18,7 +18,7 @@ import tempfile
 import picture
 import report
 
-# A start takes long and its time scatters: it is measured in several pieces of every round.
+# Starts take long and vary: each round measures them in several portions.
 PROGRAMS = ("bench_parse", "bench_start", "bench_lookup", "bench_start", "bench_calls",
             "bench_start", "bench_call_peers")
 ROUNDS = 11
@@ -27,14 +27,13 @@ GROWTH_EVERY = 4  # rounds
 
 
 def name_of(run_name):
-    """The name that a benchmark was registered by: without what the library appends."""
+    """The registered name of a benchmark, without the suffix of the library."""
     return re.sub(r"(/(iterations|repeats|min_time|manual_time|real_time)(:[\d.]+)?)+$", "",
                   run_name)
 
 
 def command_of(program):
-    """What runs a program: nothing sets the log's filter, and its lines go where those of a daemon
-    go."""
+    """The environment of a program: the log has no filter, and writes where a daemon's log does."""
     environment = {name: value for name, value in os.environ.items()
                    if name != "ANDROID_LOG_TAGS"}
     return {"args": [program], "env": environment, "stdin": subprocess.DEVNULL,
@@ -46,7 +45,7 @@ def complain(program, what):
 
 
 def listed(program):
-    """The names of a program's benchmarks, in full."""
+    """The full names of a program's benchmarks."""
     command = command_of(program)
     command["args"].append("--benchmark_list_tests")
     done = subprocess.run(**command, stdout=subprocess.PIPE, text=True)
@@ -56,12 +55,12 @@ def listed(program):
 
 
 def exactly(names):
-    """A pattern that only these names match."""
+    """A pattern that matches only these names."""
     return "^(" + "|".join(re.sub(r"[.+*?()]", r"[\g<0>]", name) for name in names) + ")$"
 
 
 def run_once(program, names):
-    """Runs these of a program's benchmarks; a dict from name to number."""
+    """Runs these benchmarks of a program; returns a dict from name to number."""
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
         command = command_of(program)
         command["args"] += [f"--benchmark_filter={exactly(names)}", f"--benchmark_out={out.name}",
@@ -78,13 +77,13 @@ def run_once(program, names):
 
 
 def chosen(names, name_filter, number):
-    """Those that match and that a round measures."""
+    """The benchmarks that match and are due in this round."""
     return [name for name in names if re.search(name_filter, name_of(name)) and
             (number % GROWTH_EVERY == 1 or not name.startswith("growth-"))]
 
 
 def measure(folder, rounds, name_filter):
-    """All rounds: a dict from name to numbers."""
+    """Measures all rounds; returns a dict from name to numbers."""
     names = {program: listed(os.path.join(folder, program)) for program in set(PROGRAMS)}
     measured = {}
     for number in range(1, rounds + 1):
@@ -105,7 +104,7 @@ def measure(folder, rounds, name_filter):
 
 
 def machine():
-    """Where it was measured, as far as it matters."""
+    """The properties of the machine that matter."""
     processor = "?"
     with open("/proc/cpuinfo", encoding="ascii", errors="replace") as info:
         for line in info:

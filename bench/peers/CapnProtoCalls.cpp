@@ -15,12 +15,12 @@ class CapnProtoCaller : public Caller {
         call();
         checkAnswer(mKnown, mValue);
     }
-    // Those of the members may throw.
+    // The destructors of the members may throw.
     ~CapnProtoCaller() noexcept override {}
     CapnProtoCaller(const CapnProtoCaller&) = delete;
     CapnProtoCaller& operator=(const CapnProtoCaller&) = delete;
 
-    // Throws kj::Exception, which is a std::exception.
+    // Throws kj::Exception, a std::exception.
     void call() override {
         auto answer = mGetter.getPanelNameRequest().send().wait(mClient.getWaitScope());
         mKnown = answer.getKnown();

@@ -28,7 +28,9 @@ int main() {
                                  grpc::InsecureServerCredentials());
         builder.RegisterService(&getter);
         const std::unique_ptr<grpc::Server> server = builder.BuildAndStart();
-        if (server == nullptr) return 1;
+        if (server == nullptr) {
+            return 1;
+        }
         mlk::bench::sayReady("grpc-ready");
         server->Wait();
         return 0;

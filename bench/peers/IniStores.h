@@ -1,6 +1,6 @@
-// Stores of INI items that a user would pick in place of ours, each as its library is meant to be
-// used. All are made from a path and three mount points, answer getInfo under a lock with a copy,
-// and tell what they hold. They throw std::runtime_error when the file cannot be read.
+// Alternatives to our store of INI items, each using its library as intended. All take a path and
+// three mount points, answer getInfo with a copy made under a lock, and report their content. They
+// throw std::runtime_error if the file cannot be read.
 #pragma once
 
 #include <functional>
@@ -16,30 +16,32 @@ struct _GKeyFile;
 
 namespace mlk::bench {
 
-/// What the names of the partitions at the beginning of a value become.
+/** Replacements for the partition names at the start of a value. */
 struct Mounts {
     const char* tvdata;
     const char* tvconfigs;
     const char* impdata;
 };
 
-/// Section, without brackets, and key.
+/** Section, without brackets, and key. */
 using Name = std::pair<std::string, std::string>;
 using NamedValues = std::map<Name, std::string>;
 
-/// The names of an item as those who ask have them.
+/** The names of an item in a question. */
 struct Question {
     std::string category;  // with brackets
     std::string section;   // without
     std::string key;
 };
 
-/// The order of names: a shorter text comes first. Compares without making texts.
+/** Orders names, shorter ones first, without copying them. */
 struct LengthFirst {
     using is_transparent = void;
     using View = std::pair<std::string_view, std::string_view>;
     static int compare(std::string_view a, std::string_view b) {
-        if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
+        if (a.size() != b.size()) {
+            return a.size() < b.size() ? -1 : 1;
+        }
         return a.compare(b);
     }
     bool operator()(const View& a, const View& b) const {
@@ -48,8 +50,10 @@ struct LengthFirst {
     }
 };
 
-/// The format's rules one by one, as they are stated, into a map: every text that is handed on is a
-/// copy, and so are the two names that the map is asked for.
+/**
+ * Applies the rules of the format literally and fills a map. Copies every text that it passes on,
+ * and both names for each lookup.
+ */
 class LiteralStore {
   public:
     LiteralStore(const std::string& path, const Mounts& mounts);
@@ -64,7 +68,7 @@ class LiteralStore {
     mutable std::mutex mMutex;
 };
 
-/// A dozen lines around std::getline, as they are written in an afternoon.
+/** A simple loop around std::getline. */
 class GetlineStore {
   public:
     GetlineStore(const std::string& path, const Mounts&);
@@ -74,7 +78,7 @@ class GetlineStore {
     NamedValues mItems;
 };
 
-/// inih, which calls back with every item, into a map.
+/** Fills a map from the callbacks of inih. */
 class InihStore {
   public:
     InihStore(const std::string& path, const Mounts&);
@@ -84,7 +88,7 @@ class InihStore {
     NamedValues mItems;
 };
 
-/// SimpleIni, which is its own store.
+/** SimpleIni, which is its own store. */
 class SimpleIniStore {
   public:
     SimpleIniStore(const std::string& path, const Mounts&);
@@ -98,10 +102,10 @@ class SimpleIniStore {
     const std::unique_ptr<File> mFile;
 };
 
-/// GLib's GKeyFile, which is its own store.
+/** GLib's GKeyFile, which is its own store. */
 class KeyFileStore {
   public:
-    /// A text that GLib gave: the copy that a lookup makes.
+    /** A text allocated by GLib, which each lookup copies. */
     using Text = std::unique_ptr<char, void (*)(void*)>;
 
     KeyFileStore(const std::string& path, const Mounts&);
@@ -116,7 +120,7 @@ class KeyFileStore {
     mutable std::mutex mMutex;
 };
 
-/// Boost.PropertyTree, which is its own store.
+/** Boost.PropertyTree, which is its own store. */
 class PropertyTreeStore {
   public:
     PropertyTreeStore(const std::string& path, const Mounts&);
@@ -130,7 +134,7 @@ class PropertyTreeStore {
     const std::unique_ptr<Tree> mTree;
 };
 
-/// std::map in that order, asked with views. Filled by the literal reader.
+/** A std::map with the order above, searched by views. Filled by the literal reader. */
 class MapStore {
   public:
     MapStore(const std::string& path, const Mounts& mounts);
@@ -142,7 +146,7 @@ class MapStore {
     mutable std::mutex mMutex;
 };
 
-/// A vector in that order. Filled by the literal reader.
+/** A sorted vector with the order above. Filled by the literal reader. */
 class SortedStore {
   public:
     SortedStore(const std::string& path, const Mounts& mounts);

@@ -1,6 +1,6 @@
-// Those that are libraries of their own.
+// The stores that use a library.
 
-// The texts are not to become those of another encoding: that costs time, and a library.
+// Disables conversion to other encodings, which takes time and needs a library.
 #define SI_NO_CONVERSION
 #include <SimpleIni.h>
 #include <glib.h>
@@ -18,14 +18,18 @@ InihStore::InihStore(const std::string& path, const Mounts& /*mounts*/) {
         (*static_cast<NamedValues*>(items))[{section, key}] = value;
         return 1;
     };
-    if (ini_parse(path.c_str(), add, &mItems) != 0) throw std::runtime_error(path);
+    if (ini_parse(path.c_str(), add, &mItems) != 0) {
+        throw std::runtime_error(path);
+    }
 }
 
 struct SimpleIniStore::File : CSimpleIniCaseA {};
 
 SimpleIniStore::SimpleIniStore(const std::string& path, const Mounts& /*mounts*/)
     : mFile(std::make_unique<File>()) {
-    if (mFile->LoadFile(path.c_str()) < 0) throw std::runtime_error(path);
+    if (mFile->LoadFile(path.c_str()) < 0) {
+        throw std::runtime_error(path);
+    }
 }
 
 SimpleIniStore::~SimpleIniStore() = default;
@@ -90,7 +94,9 @@ PropertyTreeStore::~PropertyTreeStore() = default;
 NamedValues PropertyTreeStore::items() const {
     NamedValues items;
     for (const auto& [section, keys] : mTree->root) {
-        for (const auto& [key, value] : keys) items[{section, key}] = value.data();
+        for (const auto& [key, value] : keys) {
+            items[{section, key}] = value.data();
+        }
     }
     return items;
 }

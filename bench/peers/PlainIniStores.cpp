@@ -1,4 +1,4 @@
-// Those that need nothing but the standard library.
+// The stores that need only the standard library.
 
 #include <algorithm>
 #include <cstring>
@@ -22,16 +22,22 @@ void eraseEvery(std::string& text, char unwanted) {
 }
 
 void eraseTrailing(std::string& text, char unwanted) {
-    while (!text.empty() && text.back() == unwanted) text.erase(text.size() - 1);
+    while (!text.empty() && text.back() == unwanted) {
+        text.erase(text.size() - 1);
+    }
 }
 
 void eraseLeading(std::string& text, char unwanted) {
-    while (!text.empty() && text.front() == unwanted) text.erase(0, 1);
+    while (!text.empty() && text.front() == unwanted) {
+        text.erase(0, 1);
+    }
 }
 
 void eraseSymbol(std::string& text) {
     const size_t comment = text.find('#');
-    if (comment != std::string::npos) text = text.substr(0, comment);
+    if (comment != std::string::npos) {
+        text = text.substr(0, comment);
+    }
     eraseTrailing(text, '\r');
     eraseEvery(text, '"');
     eraseEvery(text, ';');
@@ -53,7 +59,9 @@ void patchPath(std::string& value, const Mounts& mounts) {
 
 std::string_view trimmed(std::string_view text) {
     const size_t begin = text.find_first_not_of(" \"");
-    if (begin == std::string_view::npos) return {};
+    if (begin == std::string_view::npos) {
+        return {};
+    }
     return text.substr(begin, text.find_last_not_of(" \"") - begin + 1);
 }
 
@@ -62,7 +70,9 @@ std::string_view trimmed(std::string_view text) {
 LiteralStore::LiteralStore(const std::string& path, const Mounts& mounts) {
     constexpr size_t kBuffer = 1024;
     std::ifstream file(path);
-    if (!file) throw std::runtime_error(path);
+    if (!file) {
+        throw std::runtime_error(path);
+    }
     std::string category;
     char buffer[kBuffer];
     while (!file.eof()) {
@@ -84,7 +94,7 @@ LiteralStore::LiteralStore(const std::string& path, const Mounts& mounts) {
     }
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): that is how it is stated
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the literal reader copies
 void LiteralStore::addNewItem(std::string category, std::string line, const Mounts& mounts) {
     eraseSymbol(line);
     std::string key = line;
@@ -110,7 +120,7 @@ std::string LiteralStore::getInfo(const Question& question) const {
     return find(Name(question.category, question.key));
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): that is how it is stated
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the literal reader copies
 std::string LiteralStore::find(Name names) const {
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto item = mItems.find(names);
@@ -127,7 +137,9 @@ NamedValues LiteralStore::items() const {
 
 GetlineStore::GetlineStore(const std::string& path, const Mounts& /*mounts*/) {
     std::ifstream file(path);
-    if (!file) throw std::runtime_error(path);
+    if (!file) {
+        throw std::runtime_error(path);
+    }
     std::string line;
     std::string section;
     while (std::getline(file, line)) {
@@ -143,7 +155,9 @@ GetlineStore::GetlineStore(const std::string& path, const Mounts& /*mounts*/) {
 }
 
 MapStore::MapStore(const std::string& path, const Mounts& mounts) {
-    for (auto& item : LiteralStore(path, mounts).items()) mItems.insert(item);
+    for (auto& item : LiteralStore(path, mounts).items()) {
+        mItems.insert(item);
+    }
 }
 
 std::string MapStore::getInfo(const Question& question) const {
@@ -165,7 +179,9 @@ std::string SortedStore::getInfo(const Question& question) const {
     const auto item = std::lower_bound(
             mItems.begin(), mItems.end(), names,
             [](const auto& a, const LengthFirst::View& b) { return LengthFirst()(a.first, b); });
-    if (item == mItems.end() || LengthFirst()(names, item->first)) return {};
+    if (item == mItems.end() || LengthFirst()(names, item->first)) {
+        return {};
+    }
     return item->second;
 }
 

@@ -1,4 +1,4 @@
-// What sd-bus's server and its clients have in common.
+// Shared by the server and the clients of sd-bus.
 #pragma once
 
 #include <systemd/sd-bus.h>
@@ -17,12 +17,14 @@ constexpr const char* kBusName = "bench.Getter";
 constexpr const char* kBusPath = "/getter";
 constexpr const char* kBusInterface = "bench.Getter";
 
-/// Throws std::runtime_error for the negative numbers of sd-bus.
+/** Throws std::runtime_error for a negative result of sd-bus. */
 inline void check(int result) {
-    if (result < 0) throw std::runtime_error(std::string("sd-bus: ") + strerror(-result));
+    if (result < 0) {
+        throw std::runtime_error(std::string("sd-bus: ") + strerror(-result));
+    }
 }
 
-/// A connection to the server itself.
+/** Connects directly to the server. */
 inline sd_bus* connectToPeer() {
     sd_bus* bus = nullptr;
     check(sd_bus_new(&bus));
@@ -31,7 +33,7 @@ inline sd_bus* connectToPeer() {
     return bus;
 }
 
-/// A connection to the bus daemon.
+/** Connects to the bus daemon. */
 inline sd_bus* connectToBus() {
     sd_bus* bus = nullptr;
     check(sd_bus_new(&bus));

@@ -1,7 +1,7 @@
-// bench_sdbus_server peer: serves its clients on sockets of their own.
+// bench_sdbus_server peer: serves each client on its own socket.
 // bench_sdbus_server daemon: starts a bus daemon and serves through it.
 //
-// One event loop, which is how sd-bus is meant to be used.
+// Uses one event loop, as sd-bus is intended to be used.
 
 #include <signal.h>
 #include <sys/prctl.h>
@@ -38,7 +38,9 @@ void serve(sd_bus* bus, sd_event* events) {
 
 int acceptClient(sd_event_source* source, int listener, uint32_t /*what*/, void* /*data*/) {
     const int socket = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-    if (socket < 0) return -errno;
+    if (socket < 0) {
+        return -errno;
+    }
     sd_bus* bus = nullptr;
     sd_id128_t id;
     check(sd_id128_randomize(&id));
@@ -46,7 +48,7 @@ int acceptClient(sd_event_source* source, int listener, uint32_t /*what*/, void*
     check(sd_bus_set_fd(bus, socket, socket));
     check(sd_bus_set_server(bus, 1, id));
     check(sd_bus_start(bus));
-    // Lives until the process ends.
+    // Never freed: in use until the process ends.
     serve(bus, sd_event_source_get_event(source));
     return 0;
 }
@@ -73,9 +75,11 @@ void startDaemon() {
         _exit(127);
     }
     (void)close(address[1]);
-    // It tells its address once it listens there.
+    // The daemon prints its address once it listens.
     char byte = 0;
-    if (daemon < 0 || read(address[0], &byte, 1) != 1) throw std::runtime_error("no bus daemon");
+    if (daemon < 0 || read(address[0], &byte, 1) != 1) {
+        throw std::runtime_error("no bus daemon");
+    }
     (void)close(address[0]);
 }
 
@@ -96,7 +100,9 @@ int main(int argc, char** argv) {
     try {
         sd_event* events = nullptr;
         check(sd_event_new(&events));
-        if (argc != 2) return 2;
+        if (argc != 2) {
+            return 2;
+        }
         strcmp(argv[1], "daemon") == 0 ? serveOnBus(events) : servePeers(events);
         check(sd_event_loop(events));
         return 0;

@@ -25,7 +25,7 @@ TEST_P(SizesTest, FileHasSoManyLines) {
     const ProjectText project = projectOfLines(GetParam());
     EXPECT_EQ(GetParam(), project.lines);
     EXPECT_EQ(GetParam(), linesOf(project.text));
-    // The rest is sections, remarks and empty lines, as in a maker's file.
+    // The other lines are sections, comments and empty lines, as in real files.
     EXPECT_GT(project.items.size(), GetParam() * 6 / 10);
     EXPECT_LT(project.items.size(), GetParam() * 9 / 10);
 }
@@ -35,7 +35,9 @@ TEST_P(SizesTest, FileHasSoManyItemsAndNoneTwice) {
     EXPECT_EQ(project.lines, linesOf(project.text));
     ASSERT_EQ(GetParam(), project.items.size());
     std::set<std::pair<std::string, std::string>> keys;
-    for (const Item& item : project.items) keys.emplace(item.category, item.key);
+    for (const Item& item : project.items) {
+        keys.emplace(item.category, item.key);
+    }
     EXPECT_EQ(GetParam(), keys.size());
 }
 
@@ -50,7 +52,9 @@ TEST_P(SizesTest, StoreHoldsJustItsItems) {
     for (const Item& item : project.items) {
         categories.insert(item.category);
         std::string value = item.value;
-        if (value.rfind("/tvconfigs", 0) == 0) value.replace(0, 10, tvconfigs);
+        if (value.rfind("/tvconfigs", 0) == 0) {
+            value.replace(0, 10, tvconfigs);
+        }
         EXPECT_EQ(value, parser.getInfo(ConfigKey(item.category, item.key))) << item.key;
     }
     size_t held = 0;

@@ -1,4 +1,4 @@
-"""Growth and the picture, on measurements that were recorded: nothing is timed here."""
+"""Tests growth and the picture with recorded measurements; measures nothing."""
 
 import json
 import os

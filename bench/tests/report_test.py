@@ -1,4 +1,4 @@
-"""The table, on measurements that were recorded: nothing is timed here."""
+"""Tests the table with recorded measurements; measures nothing."""
 
 import json
 import os

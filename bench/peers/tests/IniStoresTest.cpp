@@ -57,7 +57,9 @@ TYPED_TEST(IniStoresTest, HoldsAllItems) {
         expected[{question.section, question.key}] = item.value;
     }
     NamedValues held = this->store.items();
-    for (auto& [name, value] : held) value = cleaned(value);
+    for (auto& [name, value] : held) {
+        value = cleaned(value);
+    }
     EXPECT_EQ(expected, held);
 }
 
