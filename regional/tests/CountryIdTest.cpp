@@ -299,7 +299,7 @@ TEST_F(CountryIdTest, AFileWithoutCountryGivesNothing) {
 
 TEST_F(CountryIdTest, TheFirstLineWithTheKeywordCounts) {
     EXPECT_EQ(parse("x\n\n# COUNTRY_ID = 44 or so\nCOUNTRY_ID=14\n"), kUsa);
-    EXPECT_EQ(parse("a=7 COUNTRY_ID=14\n"), _tv_country{7}) << "the text behind the first =";
+    EXPECT_EQ(parse("a=7 COUNTRY_ID=14\n"), _tv_country{7}) << "the text after the first =";
     EXPECT_EQ(parse("COUNTRY_ID=14"), kGermany);
     EXPECT_EQ(parse("COUNTRY_ID=x\n"), _tv_country{0});
     EXPECT_EQ(parse("COUNTRY_ID=99999999999999999999\n"), kNoCountry) << "as any number too large";

@@ -66,7 +66,7 @@ TEST_F(ListParsersTest, AnUnknownCountryCountsAsTheFirst) {
     EXPECT_EQ(name, " GERMANY") << "a blank sorts before ANDORRA";
 }
 
-TEST_F(ListParsersTest, AnUnknownNameThatSortsBehindDoesNotRenameTheFirst) {
+TEST_F(ListParsersTest, AnUnknownNameThatSortsAfterItDoesNotRenameTheFirst) {
     EXPECT_THAT(countriesOf("Germany\nZEBRA\n"), ElementsAre(0, 0));
     std::string name;
     ASSERT_TRUE(CountryListParser::GetInstance().getCountryName(_tv_country{0}, name));

@@ -98,7 +98,7 @@ TEST(NameTableTest, StopsGrowingAndSaysSoOnce) {
     NameTable table(kRows);
     for (size_t number = 0; number < NameTable::kMostAdded + 100; ++number) {
         EXPECT_EQ(table.valueOf("n" + std::to_string(number)), 0);
-        EXPECT_EQ(table.valueOf("n0"), 0) << "a name that is there takes no room";
+        EXPECT_EQ(table.valueOf("n0"), 0) << "a name that is there is not added again";
     }
     EXPECT_EQ(table.find("n4095"), 0);
     EXPECT_EQ(table.find("n4096"), std::nullopt);

@@ -11,7 +11,7 @@ namespace mlk::bench {
 
 namespace {
 
-// Most dialects keep quotes, and a remark behind a value.
+// Most dialects keep quotes, and a comment after a value.
 std::string cleaned(std::string value) {
     value = value.substr(0, value.find('#'));
     value.erase(std::remove(value.begin(), value.end(), '"'), value.end());
