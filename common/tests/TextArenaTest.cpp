@@ -70,5 +70,15 @@ TEST(TextArenaTest, ClearedArenaUsesItsBlocksAgain) {
     }
 }
 
+TEST(TextArenaTest, ClearedArenaSkipsBlocksThatAreTooSmall) {
+    TextArena arena;
+    arena.allocate(10);
+    arena.clear();
+    Texts texts;
+    texts.add(arena, 5000);
+    texts.add(arena, 10);
+    texts.expectUnchanged();
+}
+
 }  // namespace
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
