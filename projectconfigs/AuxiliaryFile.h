@@ -16,9 +16,9 @@ inline constexpr size_t kFileNameSize = 128;
 struct AuxiliaryFileSource {
     const char* category;
     const char* key;
-    const char* nameLabel;            ///< logged before the file's name
-    const char* missing;              ///< the error if the item is empty
-    const char* pathLabel = nullptr;  ///< logged before the item's value; null: no such line
+    const char* nameLabel;           /**< logged before the file's name */
+    const char* missing;             /**< the error if the item is empty */
+    const char* pathLabel = nullptr; /**< logged before the item's value; null: no such line */
 };
 
 /**

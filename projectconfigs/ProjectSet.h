@@ -16,9 +16,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /** Identifies one set of a product line. */
 struct SetIdentity {
-    int32_t projectId = 0;             ///< the model, the number after "Model_" in the system file
-    std::string boardId;               ///< path of the board file; "DEFAULT_BOARD_ID" for none
-    _tv_country country = kNoCountry;  ///< kNoCountry for the country that the set has saved
+    int32_t projectId = 0; /**< the model, the number after "Model_" in the system file */
+    std::string boardId;   /**< path of the board file; "DEFAULT_BOARD_ID" for none */
+    _tv_country country = kNoCountry; /**< kNoCountry for the country that the set has saved */
 };
 
 /**

@@ -17,15 +17,15 @@ inline constexpr int kWaitForReaders = 2;
 
 enum class WriteOutcome {
     COMPLETE,
-    FAILED,   ///< the descriptor takes no bytes, or no more
-    UNREAD,   ///< the reader read nothing for kReaderPatience
-    CROWDED,  ///< too many threads write, or wait for readers, already
+    FAILED,  /**< the descriptor takes no bytes, or no more */
+    UNREAD,  /**< the reader read nothing for kReaderPatience */
+    CROWDED, /**< too many threads write, or wait for readers, already */
 };
 
 /** The result of writing a text. */
 struct Written {
     WriteOutcome outcome;
-    size_t size;  ///< bytes that the descriptor took
+    size_t size; /**< bytes that the descriptor took */
 };
 
 /**

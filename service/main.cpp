@@ -18,7 +18,7 @@ namespace {
 
 constexpr size_t kThreads = 10;  // the main thread among them
 
-// What reading the files took of memory beyond what is kept is of no use to this process any more.
+// Gives the memory that reading the files needed, and that is free now, back to the system.
 void giveBackFreeMemory() {
 #ifdef M_PURGE  // Android's allocators
     (void)mallopt(M_PURGE, 0);
@@ -30,7 +30,7 @@ void giveBackFreeMemory() {
 }  // namespace
 
 int main() {
-    // A file at the limit of its size is a write that fails, and is logged, not the end.
+    // A write beyond the limit of a file's size fails and is logged; it must not end the process.
     (void)signal(SIGXFSZ, SIG_IGN);
     android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     installMlkProjectConfigsStub();

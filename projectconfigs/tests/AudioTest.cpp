@@ -34,7 +34,7 @@ class AudioTest : public ServiceOnSet {
   protected:
     AudioTest() { mSet.setProperty("ro.hardware", "rock"); }
 
-    // A file of tvconfigs/audio that gives the key this value.
+    // Writes a file of tvconfigs/audio that gives the key this value.
     void audioFile(const std::string& name, const std::string& value) const {
         write("tvconfigs/audio/" + name, "[ARC]\nDELAY=" + value + "\n");
     }
@@ -327,14 +327,14 @@ TEST_F(AudioDeathTest, NameOrPathThatDoesNotFitEndsTheProcess) {
     EXPECT_EXIT(mService->setAvrOSDName(std::string(119, 'n'), [](const auto&) {}),
                 ::testing::KilledBySignal(SIGABRT), "")
             << "129 bytes of a name";
-    const size_t room = 128 - (mSet.tvconfigs() + "/audio/avr/AVR_v_.ini").size();
-    EXPECT_EXIT(mService->setAvrOSDName(std::string(room, 'n'), [](const auto&) {}),
+    const size_t longest = 128 - (mSet.tvconfigs() + "/audio/avr/AVR_v_.ini").size();
+    EXPECT_EXIT(mService->setAvrOSDName(std::string(longest, 'n'), [](const auto&) {}),
                 ::testing::KilledBySignal(SIGABRT), "")
             << "128 bytes of a path";
 }
 
-// Meant for the thread sanitizer, and for a delay that mixes two AVRs. Half of the threads set, so
-// that two setters meet as well.
+// Finds races with the thread sanitizer, and delays that mix two AVRs. Half of the threads set the
+// AVR, so that two setters run at once too.
 TEST_F(AudioTest, QueriesBesideSettersSeeOneAvr) {
     startWithAllFiles();
     audioFile("avr/AVR_X_Y.ini", "50000");

@@ -22,7 +22,7 @@ TEST(ClientDescriptor, PipeThatDoesNotWaitIsWaitedFor) {
 }
 
 TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
-    // A page lasts it much longer than a reader may take for a byte.
+    // It needs much longer for a page than a reader may take for a byte.
     const std::string text(TestPipe::kSize + 1000, 'x');
     TestPipe pipe;
     auto result = writing(pipe.writeEnd(), text);
@@ -47,7 +47,7 @@ TEST(ClientDescriptor, PipeThatNobodyReadsIsGivenUp) {
     EXPECT_GE(steady_clock::now() - begin, kReaderPatience);
 }
 
-// A client that makes room and takes it away again before it can be used.
+// A client that reads from its pipe and fills it again before the writer can use the space.
 TEST(ClientDescriptor, PipeThatItsClientFillsAsWellHoldsNobody) {
     TestPipe pipe;
     pipe.fill();
@@ -109,7 +109,7 @@ TEST(ClientDescriptor, SocketThatNobodyReadsIsGivenUp) {
     EXPECT_GT(outcome.size, 0U);
 }
 
-// What the other end sends says nothing about what it reads.
+// Bytes that the other end sends must not count as bytes that it reads.
 TEST(ClientDescriptor, SocketWhoseOtherEndOnlyTalksIsGivenUp) {
     const Sockets sockets(SOCK_STREAM);
     auto result = writing(sockets.theirs.get(), longText());

@@ -1,11 +1,11 @@
-// How many texts for clients, and readers, may hold how much at once.
+// The limits on texts that are written, and readers that are waited for, at once.
 
 #include "projectconfigs/tests/ClientWriting.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-// Whatever holds a writer, the caller is let go, and so is one who comes when all are held.
+// The caller returns whatever blocks its writer, and so does a caller when all writers are blocked.
 TEST(ClientDescriptor, CallersAreLetGo) {
     std::promise<void> release;
     const std::shared_future<void> released = release.get_future().share();
@@ -34,7 +34,7 @@ TEST(ClientDescriptor, CallersAreLetGo) {
     EXPECT_TRUE(eventually([&] { return written(file.get(), "x") == complete("x"); }));
 }
 
-// The caller leaves, its reader stays and gets the rest.
+// The caller returns; its reader gets the rest.
 TEST(ClientDescriptor, WritingGoesOnWithoutTheCaller) {
     const std::string text(3 * TestPipe::kSize, 'x');
     TestPipe pipe;
@@ -58,7 +58,7 @@ TEST(ClientDescriptor, WritingGoesOnWithoutTheCaller) {
     EXPECT_EQ(outcomeOf(result), complete(text));
 }
 
-// Pipes that hold all places for readers, and what becomes of the texts that are written to them.
+// Pipes that take all places for readers, and the results of the texts written to them.
 struct Waiting {
     std::vector<TestPipe> pipes;
     std::vector<std::future<Written>> results;
@@ -70,7 +70,7 @@ struct Waiting {
             for (TestPipe& pipe : pipes) {
                 results.push_back(writing(pipe.fill().writeEnd(), text));
             }
-            // The probe may have come first, and taken the place of one of them.
+            // The probe may have been first and have taken the place of one of them.
         } while (!eventually([&] { return anyDone() || probeIsCrowded(); }) || anyDone());
     }
 
@@ -104,7 +104,7 @@ TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
         EXPECT_EQ(written(pipe.writeEnd(), "x"), (Written{WriteOutcome::CROWDED, 0}));
     }
     EXPECT_LT(steady_clock::now() - begin, 20 * kReaderPatience) << "they do not wait";
-    // A reader that is there needs no place.
+    // A reader that reads at once needs no place.
     TestPipe prompt;
     EXPECT_EQ(written(prompt.writeEnd(), "x"), complete("x"));
     stop = true;
@@ -120,7 +120,7 @@ TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
     EXPECT_EQ(outcomeOf(result).outcome, WriteOutcome::UNREAD);
 }
 
-// A reader that crawls keeps its place from its first pause to its end, whoever else wants one.
+// A slow reader keeps its place from its first pause to its end.
 TEST(ClientDescriptor, PlaceOfAReaderThatCrawlsIsNotGivenAway) {
     constexpr size_t kPages = 200;
     const std::string text(kPages * TestPipe::kSize, 'x');
@@ -146,7 +146,7 @@ TEST(ClientDescriptor, PlaceOfAReaderThatCrawlsIsNotGivenAway) {
     for (auto& result : waiting.results) {
         EXPECT_EQ(outcomeOf(result), complete(text));
     }
-    // Nobody need wait for a pipe that is read now.
+    // A pipe that is being read needs no wait.
     stop = true;
     full.closeRead();
     for (std::thread& rival : rivals) {
@@ -187,7 +187,7 @@ TEST(ClientDescriptor, ReaderOfTerminalGetsEverything) {
     EXPECT_EQ(got, text);
 }
 
-// Terminals that take nothing hold nobody, however many there are.
+// Terminals that take nothing block no caller, however many there are.
 TEST(ClientDescriptor, TerminalsThatNobodyReadsAreGivenUp) {
     const std::vector<Terminal> terminals(kWriters);
     EXPECT_EQ(tcflow(terminals.front().slave.get(), TCOOFF), 0);

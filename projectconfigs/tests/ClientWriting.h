@@ -31,7 +31,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// How a failed expectation shows it.
+/** The text of a failed expectation. */
 inline void PrintTo(const Written& written, std::ostream* out) {
     *out << "outcome " << static_cast<int>(written.outcome) << " after " << written.size;
 }
@@ -47,7 +47,7 @@ using ::mlk::testing::TestPipe;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// No multiple of a page, and more than a pipe or a socket takes.
+// Not a multiple of a page, and more than a pipe or a socket takes.
 inline std::string longText() {
     std::string text;
     while (text.size() < 600'000) {
@@ -60,7 +60,7 @@ inline Written complete(const std::string& text) {
     return {WriteOutcome::COMPLETE, text.size()};
 }
 
-// What becomes of a text; its writer may be waiting for it still.
+// The result of a text. Its writer may still be waiting for it.
 inline std::future<Written> writing(int descriptor, const std::string& text) {
     const auto outcome = std::make_shared<std::promise<Written>>();
     std::thread([outcome, descriptor = dup(descriptor), text] {
@@ -71,7 +71,7 @@ inline std::future<Written> writing(int descriptor, const std::string& text) {
     return outcome->get_future();
 }
 
-// A text that is done, or given up, before the caller is let go.
+// Writes a text that is written or given up before the caller returns.
 inline Written written(int descriptor, const std::string& text) {
     const auto outcome = std::make_shared<std::promise<Written>>();
     writeToClient(descriptor, text, [outcome](const Written& given) { outcome->set_value(given); });
@@ -82,7 +82,7 @@ inline bool isDone(const std::future<Written>& result) {
     return result.wait_for(milliseconds(0)) == std::future_status::ready;
 }
 
-// What becomes of it within half a minute; afterwards it counts as failed.
+// The result within half a minute; after that the text counts as failed.
 inline Written outcomeOf(std::future<Written>& result) {
     if (result.wait_for(std::chrono::seconds(30)) != std::future_status::ready) {
         ADD_FAILURE() << "it has not ended";

@@ -33,7 +33,7 @@ const Kind kKinds[] = {
 
 class CustomerFilesTest : public ServiceOnSet {
   protected:
-    // The project names a file "<folder>FILE.ini" for each kind; the files hold these lines.
+    // Writes a project that names a file "<folder>FILE.ini" for each kind, and the files' lines.
     void startWith(const std::string& lines, const std::string& folder = "/tvconfigs/",
                    const std::string& name = "file.ini") {
         std::string items;
@@ -44,7 +44,7 @@ class CustomerFilesTest : public ServiceOnSet {
         write("tvconfigs/" + name, "[S]\n" + lines);
         start();
     }
-    // What the four lookups say of a key of section [S].
+    // The results of the four lookups of a key of section [S].
     std::vector<std::string> lookups(const std::string& key) {
         const ProjectConfigKey item{"[S]", key};
         return {number(asked(&Service::getKaraokeConfig, item)),

@@ -1,4 +1,4 @@
-// Files without an end, and sparse ones of many gigabytes, in the place of each file of the set.
+// Files without an end, and sparse files of many gigabytes, in place of each file of the set.
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@ class EndlessFilesTest : public ServiceOnSet, public ::testing::WithParamInterfa
         write("tvconfigs/countries", "GERMANY\n");
         mPath = mSet.dir().path(GetParam());
     }
-    // The set starts, answers, and has told once what was wrong with the file.
+    // The set starts, answers, and has logged the problem of the file once.
     void expectStart() {
         start();
         EXPECT_TRUE(asked(&IMlkProjectConfigs::getPanelName).has_value());

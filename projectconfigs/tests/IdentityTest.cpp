@@ -86,7 +86,7 @@ TEST_F(IdentityTest, ProjectIdIsLookedForChunkByChunk) {
             projectOf(withoutSign + std::string(256 - withoutSign.size(), ' ') + "PROJECT_ID=4\n"),
             0U)
             << "the first one counts without its sign, too";
-    // The number runs into what the longer chunk before left in the buffer.
+    // The number continues with bytes that the longer chunk before left in the buffer.
     EXPECT_EQ(projectOf(std::string(256, '9') + "PROJECT_ID=5"), static_cast<unsigned int>(-1));
     EXPECT_EQ(projectOf(std::string(12, 'x') + "67" + std::string(242, 'x') + "PROJECT_ID=5"),
               567U);
@@ -147,7 +147,7 @@ TEST_F(IdentityTest, ProjectFileThatCannotBeReadGivesTheDefault) {
     mDir.write("project_id.bin", "PROJECT_ID=3\n");
     ASSERT_EQ(chmod(projectFile().c_str(), 0), 0);
     EXPECT_TRUE(asOtherUser(mDir.path(), [&] { return ProjectID(mDir.path(), 7).Get() == 7; }));
-    // It can be opened, but not be read from its start on.
+    // It can be opened, but reading from its start fails.
     ASSERT_EQ(unlink(projectFile().c_str()), 0);
     ASSERT_EQ(symlink("/proc/self/mem", projectFile().c_str()), 0);
     EXPECT_EQ(ProjectID(mDir.path(), 7).Get(), 7U);
@@ -261,8 +261,8 @@ TEST_F(IdentityTest, KillAtEachCallLeavesTheOldIndexOrTheNew) {
     }
 }
 
-TEST_F(IdentityTest, FileBehindALinkIsWrittenAndTheLinkStays) {
-    mDir.write("elsewhere", "PROJECT_ID=2 and much behind it\n");
+TEST_F(IdentityTest, TargetOfALinkIsWrittenAndTheLinkStays) {
+    mDir.write("elsewhere", "PROJECT_ID=2 and much after it\n");
     ASSERT_EQ(symlink("elsewhere", projectFile().c_str()), 0);
     ProjectID id(mDir.path(), 1);
     EXPECT_TRUE(id.Set(3));

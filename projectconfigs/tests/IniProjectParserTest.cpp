@@ -34,7 +34,7 @@ class IniProjectParserTest : public ::testing::Test {
         mParser.dump(out);
         return out.str();
     }
-    // The items that a file of that text gives: "[S]:key=value;" and so on.
+    // The items of a file of that text: "[S]:key=value;" and so on.
     std::string itemsOf(const std::string& text) {
         IniProjectParser parser;
         parser.update(mDir.write("f.ini", text).c_str());
@@ -49,7 +49,7 @@ class IniProjectParserTest : public ::testing::Test {
         }
         return items;
     }
-    // What the value text of a line becomes.
+    // The value that the value text of a line gives.
     std::string valueOf(const std::string& text) {
         IniProjectParser parser;
         parser.update(mDir.write("v.ini", "K=" + text + "\n").c_str());
@@ -186,7 +186,7 @@ TEST_F(IniProjectParserTest, CharacterTakenOutTakesItsFollowersAlong) {
     EXPECT_EQ(valueOf("a\rbc"), "ac");
     EXPECT_EQ(valueOf("ab\r"), "ab");
     EXPECT_EQ(valueOf("\r"), "");
-    // Quotes go first, then semicolons: the first quote takes the semicolon along.
+    // Quotes are removed before semicolons: the first quote takes the semicolon along.
     EXPECT_EQ(valueOf("a\";b"), "ab");
     EXPECT_EQ(valueOf("\"abc\" "), "abc");
 }

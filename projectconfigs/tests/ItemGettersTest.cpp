@@ -17,7 +17,7 @@ using ::testing::Pair;
 using Service = IMlkProjectConfigs;
 using Answer = std::optional<OptionalString>;
 
-// What a call asks for, as the makers of project files know it.
+// A call and the item that it answers with, as makers of project files know it.
 struct Getter {
     const char* name;
     std::function<Answer(Service&)> call;

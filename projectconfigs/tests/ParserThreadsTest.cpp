@@ -14,7 +14,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-// Threads that read while others rebuild; what they see always belongs to one set.
+// Threads that read while others rebuild. All that one call sees belongs to one state.
 TEST(ParserThreadsTest, ReadersSeeOneWholeSetWhileItIsRebuilt) {
     mlk::testing::LogCapture log;
     ProjectFiles files;

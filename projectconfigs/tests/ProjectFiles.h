@@ -8,14 +8,14 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** The parts of a ProjectParser that only it calls. */
+/** The private functions of a ProjectParser. */
 struct ProjectParserPeer {
     static void parseProjectIni(ProjectParser& parser, const char* path) {
         parser.parse_project_ini(path);
     }
 };
 
-/** A small set in a folder of its own: three mount points and a parser on them. */
+/** A small set in its own folder: three mount points and a parser on them. */
 class ProjectFiles {
   public:
     /** A customer file, a system file with one model and that model's file. */

@@ -55,7 +55,7 @@ TEST_F(ProjectIndexTest, ChangeWithPidDoesTheSame) {
 }
 
 TEST_F(ProjectIndexTest, BoardFileInUseStaysInUse) {
-    // The identity file does not matter any more, even where it now says something else.
+    // The identity file is not read any more, even if it has another index now.
     write("impdata/board_id.bin", "BOARD_ID=DEFAULT_BOARD_ID\n");
     write("tvconfigs/board.ini", "[BOARD]\nname=changed\n");
     EXPECT_EQ(set(2), "true");
@@ -133,7 +133,7 @@ TEST_F(ProjectIndexTest, WithPidNeverLooksAgain) {
     EXPECT_THAT(logged(ANDROID_LOG_ERROR), ElementsAre("[mProjectMaxIdx:2] pid:3 is illegal!!"));
     EXPECT_THAT(logged(ANDROID_LOG_DEBUG), Not(Contains(kLookAgain)));
     EXPECT_EQ(panel(), "panel A");
-    // What another change has found counts, though.
+    // But a model that another change has found is accepted.
     EXPECT_EQ(set(4), "false");
     EXPECT_EQ(setWithPid(3), "true");
 }
@@ -200,7 +200,7 @@ TEST_F(ProjectIndexTest, ChangesFromManyThreadsDoNotMix) {
             EXPECT_EQ(asked(&IMlkProjectConfigs::getConfigsByCategory, "[PANEL]")->size(), 1U);
         }
     });
-    // Whoever came last, all three agree.
+    // All three agree, whichever thread was last.
     EXPECT_EQ(projectFile(), "PROJECT_ID=" + projectId() + "\n");
     EXPECT_EQ(panel(), projectId() == "1" ? "panel A" : "panel B");
 }

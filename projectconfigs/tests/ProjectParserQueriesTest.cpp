@@ -194,7 +194,7 @@ TEST_F(ProjectParserQueriesTest, TvFileWithUnmatchedQuoteDoesNotExist) {
 }
 
 TEST_F(ProjectParserQueriesTest, UnmatchedQuoteNeverNamesAFile) {
-    // Even where a file has exactly that name.
+    // Even if a file has exactly that name.
     ASSERT_EQ(chdir(tvconfigs().c_str()), 0);
     write("\"odd", "x");
     EXPECT_EQ(readFile("\"odd"), "");
@@ -258,7 +258,7 @@ TEST_F(ProjectParserQueriesTest, TvFileComesInAsManyReadsAsItTakes) {
 
 TEST_F(ProjectParserQueriesTest, TvFileReadInPartIsEmpty) {
     const std::string path = write("data.bin", "0123456789");
-    // In the middle, and where only the end is left to be seen.
+    // In the middle, and at the end of the file.
     for (const int failing : {1, 2, 4}) {
         mLog.clear();
         ReadHook hook([failing](int descriptor, void* bytes, size_t size) {
@@ -316,7 +316,7 @@ TEST_F(ProjectParserQueriesTest, TvFileOfTheLimitIsReadAndOneByteMoreIsNot) {
 }
 
 TEST_F(ProjectParserQueriesTest, FileWithoutASizeIsEmpty) {
-    // The kernel's own, some of them without an end.
+    // Files of the kernel, some of them without an end.
     EXPECT_EQ(readFile("/proc/self/pagemap"), "");
     EXPECT_EQ(readFile("/proc/self/status"), "");
 }

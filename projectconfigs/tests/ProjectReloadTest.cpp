@@ -1,4 +1,4 @@
-// A model whose files exist but cannot be read is not changed to.
+// The model does not change to one whose files exist but cannot be read.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -17,7 +17,7 @@ namespace {
 
 using ::testing::Contains;
 
-/// While it lives, this process can open no more files.
+/** This process cannot open files during its life. */
 class NoDescriptors {
   public:
     NoDescriptors() {
@@ -60,7 +60,7 @@ class ProjectReloadTest : public ServiceOnSet {
         EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
         EXPECT_EQ(mSet.dir().read("impdata/project_id.bin"), "PROJECT_ID=1\n");
     }
-    /// Something that can be opened, but not be read from its start on.
+    /** Something that can be opened, but reading it from its start fails. */
     void makeUnreadable(const std::string& file) {
         const std::string path = mSet.tvconfigs() + "/" + file;
         unlink(path.c_str());

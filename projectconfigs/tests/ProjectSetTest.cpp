@@ -28,7 +28,7 @@ std::string tvSystem(const std::string& name, const std::string& value) {
            value + "\"/></TvSystem>";
 }
 
-/** A product line of two models and two boards, and no environment variable that names it. */
+/** A product line of two models and two boards. No environment variable names it. */
 class ProjectSetTest : public ::testing::Test {
   protected:
     ProjectSetTest() {
@@ -100,7 +100,7 @@ TEST_F(ProjectSetTest, TwoSetsSideBySide) {
     EXPECT_EQ(b.region().plan(kUsa, FreqTableType::DTV_ANTENNA, AtscCableType::AUTO).size(), 0U);
 }
 
-// What one set's files bring along is no business of another set.
+// What one set learns from its files does not change another set.
 TEST_F(ProjectSetTest, UnknownNamesStayWithTheirSet) {
     RegionalData dataA([this] { return partitions(); });
     RegionalData dataB([this] { return partitions(); });

@@ -22,7 +22,7 @@ using ::testing::SizeIs;
 
 class RegionalMethodsTest : public RegionalOnSet {
   protected:
-    // The project names no regional file at all.
+    // Writes a project that names no regional file.
     void withoutFiles() const { project("[COUNTRY]\nx=\n"); }
 
     std::vector<uint32_t> countries() { return *asked(&IMlkProjectConfigs::getCountryList); }
@@ -37,7 +37,7 @@ class RegionalMethodsTest : public RegionalOnSet {
                                            AtscCableType cableType = AtscCableType::AUTO) {
         return *asked(&IMlkProjectConfigs::getFreqTableList, country, type, cableType);
     }
-    // Errors, but those about the auxiliary files, which this set has not got.
+    // Errors, except those about the auxiliary files, which this set does not have.
     std::vector<std::string> errors() const {
         std::vector<std::string> lines = logged(ANDROID_LOG_ERROR);
         lines.erase(std::remove_if(lines.begin(), lines.end(),
@@ -47,7 +47,7 @@ class RegionalMethodsTest : public RegionalOnSet {
                     lines.end());
         return lines;
     }
-    // The lines that contain a text, of those that the service has logged as debug lines.
+    // The debug lines of the service that contain a text.
     std::vector<std::string> linesWith(const std::string& part) const {
         std::vector<std::string> lines;
         for (const std::string& line : logged(ANDROID_LOG_DEBUG)) {
@@ -128,7 +128,7 @@ TEST_F(RegionalMethodsTest, NoPlanIsAnEmptyList) {
         EXPECT_EQ(logged(ANDROID_LOG_DEBUG).back(), line);
     };
     const std::string failed = "getfreqTable,sucess 0: size: 0";
-    // A plan of remarks is one; its list has nothing in it.
+    // A plan of remarks only is a plan with an empty list.
     expectNone(kUsa, FreqTableType::DTV_CABLE, AtscCableType::HRC,
                "getfreqTable,sucess 1: size: 0");
     expectNone(kUsa, FreqTableType::DTV_CABLE, AtscCableType::AUTO, failed);

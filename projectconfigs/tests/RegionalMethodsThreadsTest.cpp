@@ -16,8 +16,8 @@ constexpr int kRounds = 10;
 
 class RegionalMethodsThreadsTest : public RegionalOnSet {
   protected:
-    // Every method that reads, once; the number of wrong answers. The project may be either of the
-    // two, which name the same files.
+    // Calls every method that reads once; gives the number of wrong answers. The project may be
+    // either of the two, which name the same files.
     int readAll() {
         int wrong = 0;
         wrong += asked(&IMlkProjectConfigs::getCountryList)->size() != 3 ? 1 : 0;
@@ -36,7 +36,7 @@ class RegionalMethodsThreadsTest : public RegionalOnSet {
     int setOne(int number) {
         return setCountry(number % 2 == 0 ? kGermany : kUsa) == "true" ? 0 : 1;
     }
-    // The store and the saved country are those of one and the same call.
+    // True if the items and the saved country come from the same call.
     void expectOneCountry() {
         const bool germany = countryId() == "COUNTRY_ID=14\n";
         EXPECT_TRUE(germany || countryId() == "COUNTRY_ID=44\n") << countryId();
@@ -81,7 +81,7 @@ TEST_F(RegionalMethodsThreadsTest, EveryMethodWhileTheProjectChangesToo) {
     expectOneCountry();
 }
 
-// A country with so many items that other calls come in between, were they let.
+// A country with enough items that other calls could interrupt it, without the lock.
 class ManyItemsThreadsTest : public RegionalOnSet {
   protected:
     ManyItemsThreadsTest() {
@@ -102,7 +102,7 @@ class ManyItemsThreadsTest : public RegionalOnSet {
                       "</TvSystem></TvSystemConfigration>");
         start();
     }
-    // The values that the many items have: more than one when they are not of one state.
+    // The values of the items: more than one value if they come from several calls.
     std::set<std::string> values() {
         std::set<std::string> found;
         const auto items = *asked(&IMlkProjectConfigs::getConfigsByCategory, "[MANY]");
@@ -112,7 +112,7 @@ class ManyItemsThreadsTest : public RegionalOnSet {
         return found;
     }
 
-    // Behind the start, whose log is of no interest either.
+    // After the start, whose log does not matter here.
     const mlk::testing::QuietLog mQuiet;
 };
 

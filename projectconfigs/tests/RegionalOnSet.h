@@ -7,7 +7,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** A set of which the regional files are named by the project; GERMANY is where it starts. */
+/** A set whose project names regional files. Its country is GERMANY. */
 class RegionalOnSet : public ServiceOnSet {
   protected:
     RegionalOnSet() {
@@ -39,7 +39,7 @@ class RegionalOnSet : public ServiceOnSet {
     }
     ~RegionalOnSet() override { RegionalPeer::forget(); }
 
-    // What the country decides, and what names the other files.
+    // The items that the country changes, and those that name the other files.
     static constexpr const char* kOtherItems =
             "COUNTRY_PATH=\"/tvconfigs/menu.txt\"\n"
             "[LiveTV]\nTvConfig=/tvconfigs/tv/model.config\nHbbtv=\n"
@@ -64,13 +64,13 @@ class RegionalOnSet : public ServiceOnSet {
     std::string config(const char* category, const char* key) {
         return text(asked(&IMlkProjectConfigs::getConfig, ProjectConfigKey{category, key}));
     }
-    /** The item of the TV feature file, without the partition in front. */
+    /** The path of the TV feature file, without its partition. */
     std::string tvConfig() {
         const std::string path = config("[LiveTV]", "TvConfig");
         EXPECT_EQ(path.rfind(mSet.tvconfigs(), 0), 0U) << path;
         return path.substr(mSet.tvconfigs().size());
     }
-    /** Answer of setCountryId as flag() has it. */
+    /** The answer of setCountryId, in the form of flag(). */
     std::string setCountry(int32_t country) {
         return flag(asked(&IMlkProjectConfigs::setCountryId, country));
     }

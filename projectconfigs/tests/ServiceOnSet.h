@@ -16,7 +16,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::mlk::testing::ask;
 
-/** A text that is absent, as no client can send it: its pointer is null. */
+/** A text without a pointer. No client can send it. */
 inline ::android::hardware::hidl_string absentText() {
     ::android::hardware::hidl_string text;
     const char* const null = nullptr;
@@ -25,7 +25,7 @@ inline ::android::hardware::hidl_string absentText() {
     return text;
 }
 
-/** A set with two models and what a service on it logs and answers. */
+/** A set with two models, and a service on it with its log and its answers. */
 class ServiceOnSet : public ::testing::Test {
   protected:
     ServiceOnSet() {
@@ -41,7 +41,7 @@ class ServiceOnSet : public ::testing::Test {
     void write(const std::string& name, const std::string& text) const {
         mSet.dir().write(name, text);
     }
-    /** Makes the first model's file hold just this. */
+    /** Writes the first model's file. */
     void project(const std::string& text) const { write("tvconfigs/model/A.ini", text); }
     MlkProjectConfigs& start() {
         mService = new MlkProjectConfigs;
@@ -51,7 +51,7 @@ class ServiceOnSet : public ::testing::Test {
     auto asked(Method method, const Arguments&... arguments) {
         return ask(*mService, method, arguments...);
     }
-    /** The value of an OptionalString that has one, and success true; else a text that says so. */
+    /** The value of an answer with success true; else "no answer" or "no success". */
     static std::string text(const std::optional<OptionalString>& answer) {
         return !answer ? "no answer" : !answer->success ? "no success" : answer->value.c_str();
     }

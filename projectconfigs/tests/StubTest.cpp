@@ -26,8 +26,8 @@ using ::testing::IsEmpty;
 
 using Arguments = std::vector<int32_t>;
 
-// The methods that may leave a call unanswered, with arguments that are answered and some that are
-// not. The codes are those of the interface.
+// The methods that may give no answer, with arguments that get an answer and arguments that do not.
+// The codes are those of the interface.
 struct Method {
     uint32_t code;
     const char* name;
@@ -57,7 +57,7 @@ std::string named(const Method& method, const Arguments& arguments) {
     return std::string(method.name) + "(" + list + ")";
 }
 
-// What a transaction came to.
+// The result of a transaction.
 struct Outcome {
     status_t status = OK;
     int callbacks = 0;
@@ -261,7 +261,7 @@ TEST_F(StubTest, AvrTextThatIsNotThereIsRefused) {
     EXPECT_THAT(logged(ANDROID_LOG_DEBUG), IsEmpty());
 }
 
-// A service whose equaliser method answers in ways of its own.
+// A service whose equaliser method answers as a test wants.
 class OddService : public MlkProjectConfigs {
   public:
     Return<void> getEQPath(int32_t index, getEQPath_cb _hidl_cb) override {

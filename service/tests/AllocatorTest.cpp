@@ -1,5 +1,5 @@
-// Delivery in shared memory where the allocator is missing, has no memory, does not answer, or
-// gives something else than it was asked for.
+// Delivery in shared memory if the allocator is missing, has no memory, does not answer, or gives a
+// block of another size.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -21,14 +21,14 @@ using ::mlk::testing::eventually;
 
 class AllocatorTest : public Delivery {
   protected:
-    /// In place of the real one: its blocks differ from what was asked by that number of bytes.
+    /** Replaces the real allocator: the blocks have `difference` more bytes than asked for. */
     void startFake(int difference) {
         stopAllocator();
         mAllocator = std::make_unique<::mlk::testing::Process>(
                 std::vector<std::string>{SERVICE_FAKE_ALLOCATOR, std::to_string(difference)});
         ASSERT_TRUE(mAllocator->waitForErr("registered")) << mAllocator->err();
     }
-    /// Stops it; it has the sockets of its clients, and reads nothing from them.
+    /** Stops the allocator: it keeps the sockets of its clients and reads nothing from them. */
     void silenceAllocator() {
         mAllocator->kill(SIGSTOP);
         siginfo_t info{};
@@ -41,7 +41,7 @@ class AllocatorTest : public Delivery {
     }
 };
 
-/// Calls that ask for shared memory, each on a thread of its own, until they have an answer.
+/** Calls that ask for shared memory, each on its own thread, until they have an answer. */
 class Askers {
   public:
     Askers(int count, const std::function<std::string()>& ask)

@@ -1,4 +1,4 @@
-// What clients of the real process are answered.
+// The answers of the real process to its clients.
 
 #include <gmock/gmock.h>
 #include <signal.h>

@@ -1,9 +1,9 @@
-// A client process that calls every method with made up arguments.
+// A client process that calls every method with random arguments.
 //
 //   service_caller SEED SECONDS CALLS
 //
-// Ends after so many seconds, or calls, whichever comes first; 0 calls is no limit. Writes how many
-// it made. Its status is 0 unless a call found its object dead.
+// Ends after SECONDS or CALLS, whichever comes first; 0 calls is no limit. Writes the number of
+// calls. Its status is 0 unless a call found its object dead.
 
 #include <algorithm>
 #include <chrono>
@@ -20,8 +20,8 @@ using namespace vendor::morlak::mlkconfigs::V1_0;
 
 namespace {
 
-// Methods that write or read files take a hundred times as long as the others: they are called as
-// much less often, or they would be all that is tried.
+// Methods that write or read files take a hundred times as long as the others. They are called a
+// hundred times less often, so that the others get their share.
 bool isSlow(std::string_view name) {
     constexpr std::string_view kSlow[] = {"set",
                                           "reload",

@@ -17,13 +17,13 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 
-/// The real process on a set of its own, and the allocator of shared memory.
+/** The real process on its own set, and the allocator of shared memory. */
 class Delivery : public ::testing::Test {
   protected:
     void SetUp() override {
         writeProject(mSet);
         mAllocator = startAllocator();
-        // Its memory is measured: the address sanitizer is not to keep what is freed.
+        // The tests measure memory, so the address sanitizer must not keep what is freed.
         std::map<std::string, std::string> environment{
                 {"ASAN_OPTIONS", "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"}};
         environment.insert(mVariables.begin(), mVariables.end());
@@ -35,7 +35,7 @@ class Delivery : public ::testing::Test {
         mAllocator->kill(SIGKILL);
         mAllocator->wait();
     }
-    /// A file of that size and its path.
+    /** Makes a file of that size; gives its path. */
     std::string file(size_t size) {
         mContent.resize(size);
         for (size_t i = 0; i < size; ++i) {
@@ -69,7 +69,7 @@ class Delivery : public ::testing::Test {
                 });
         return status.isOk() ? result : ::testing::AssertionFailure() << status.description();
     }
-    /// What of the memory that the service shares is there, empty when nothing is.
+    /** The blocks of memory that the service shares now; empty if there are no such blocks. */
     std::string shared(const std::string& path) {
         std::string answer = "no answer";
         const auto status = mService->getVendorPartitionFile(
@@ -81,7 +81,7 @@ class Delivery : public ::testing::Test {
                 });
         return status.isOk() ? answer : status.description();
     }
-    /// How often the text is in what the service has logged and the test has received.
+    /** How often the text is in the log that the test has received. */
     size_t logged(const std::string& text) const {
         const std::string log = mServer->process().err();
         size_t count = 0;
@@ -90,7 +90,7 @@ class Delivery : public ::testing::Test {
         }
         return count;
     }
-    /// Whether the log has the text so often, at last.
+    /** Waits until the log has the text that often; false if it does not get there. */
     bool isLogged(const std::string& text, size_t times = 1) const {
         return ::mlk::testing::eventually([&] { return logged(text) >= times; }) &&
                logged(text) == times;
@@ -98,7 +98,7 @@ class Delivery : public ::testing::Test {
     pid_t pid() const { return mServer->process().pid(); }
 
     ::mlk::testing::HostSet mSet;
-    std::map<std::string, std::string> mVariables;  ///< of the service, beside the test's
+    std::map<std::string, std::string> mVariables;  // for the service, besides the test's
     std::unique_ptr<::mlk::testing::Process> mAllocator;
     std::unique_ptr<ServiceProcess> mServer;
     ::android::sp<IMlkProjectConfigs> mService;

@@ -1,4 +1,4 @@
-// What a device does not deliver in a reply, and allocators that are registered but do not serve.
+// Replies that a device does not deliver, and allocators that are registered but do not serve.
 
 #include <gtest/gtest.h>
 
@@ -13,11 +13,13 @@
 namespace vendor::morlak::mlkconfigs::V1_0 {
 namespace {
 
-/// What a device delivers in a reply, and what it does not: with the value of MLK_REPLY_LIMIT.
+/** Replies that a device delivers or does not, with each value of MLK_REPLY_LIMIT. */
 class ReplyLimitTest : public Delivery, public ::testing::WithParamInterface<const char*> {
   protected:
     ReplyLimitTest() {
-        if (*GetParam() != '\0') mVariables["MLK_REPLY_LIMIT"] = GetParam();
+        if (*GetParam() != '\0') {
+            mVariables["MLK_REPLY_LIMIT"] = GetParam();
+        }
     }
     static bool likeADevice() { return std::string(GetParam()) == "device"; }
 };
@@ -53,12 +55,14 @@ INSTANTIATE_TEST_SUITE_P(Values, ReplyLimitTest, ::testing::Values("", "device",
                              return *row.param == '\0' ? "Unset" : std::string(row.param);
                          });
 
-/// An allocator that is registered and does not serve; `mVariables` has the service wait a moment
-/// only.
+/**
+ * An allocator that is registered and does not serve. `mVariables` shortens the service's wait for
+ * it.
+ */
 class DeadAllocatorTest : public Delivery {
   protected:
     DeadAllocatorTest() { mVariables["MLK_CALL_LIMIT_MS"] = "500"; }
-    // The file cannot be had, and that is said in time; everything else can.
+    // Only the file is not delivered, and the client hears that in time.
     void expectNothingShared() {
         const std::string path = file(5);
         const auto start = std::chrono::steady_clock::now();

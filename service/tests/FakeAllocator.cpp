@@ -1,7 +1,7 @@
 // An allocator of shared memory for tests.
 //
-//   service_fake_allocator DIFFERENCE   gives blocks with that number of bytes more than were asked
-//                                       for, or fewer
+//   service_fake_allocator DIFFERENCE   gives blocks that have that many bytes more than asked for;
+//                                       fewer if negative
 
 #include <android/hidl/allocator/1.0/IAllocator.h>
 #include <cutils/native_handle.h>

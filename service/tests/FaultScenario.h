@@ -25,11 +25,10 @@ inline constexpr const char* kProperties[] = {
         "persist.vendor.mlk.tv.dtv_system", "persist.vendor.mlk.forcestr"};
 inline constexpr int kNorway = 29;
 
-/// What the files of a set hold that the process writes, as the next start reads them.
+/** The content of the files that the process writes, as the next start reads it. */
 using State = std::map<std::string, std::string>;
 
-/// A set with two models and two countries, one call of each kind on it, and what they are
-/// answered.
+/** A set with two models and two countries, one call of each kind, and the answers. */
 class Scenario {
   public:
     Scenario() {
@@ -58,8 +57,10 @@ class Scenario {
         mSet.dir().write("impdata/project_id.bin", "PROJECT_ID=1\n");
     }
 
-    /// Starts the process and makes the calls. Gives what each is answered; of a process that does
-    /// not live "dead" from there on. `states` receives what the files hold in between.
+    /**
+     * Starts the process and makes the calls. Gives their answers; after the end of the process
+     * "dead". `states` receives the content of the files after each call.
+     */
     std::vector<std::string> run(const std::map<std::string, std::string>& environment,
                                  std::vector<State>* states = nullptr) {
         std::vector<std::string> answers;
@@ -90,7 +91,7 @@ class Scenario {
             next(delivered(*project, mSet.tvconfigs() + "/list"));
         }
         if (mEnds) {
-            server.process().wait();  // its clients hear of the end before it is over
+            server.process().wait();  // its clients hear of its end before it has ended
         }
         mRuns = server.process().running();
         // Only of a process that has ended is everything here that it wrote.
@@ -99,7 +100,7 @@ class Scenario {
         mLog = server.process().err();
         return answers;
     }
-    /// To be said before a run in which the process ends.
+    /** To be called before a run in which the process ends. */
     void expectEnd() { mEnds = true; }
     void expectNoEnd() { mEnds = false; }
     bool runs() const { return mRuns; }

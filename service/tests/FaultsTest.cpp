@@ -1,6 +1,6 @@
-// Every call of the real process on a file fails, is interrupted or is its last, one after the
-// other. The process lives on where it can; afterwards it starts again, and each file that it
-// writes holds what it held before or after a change.
+// Lets each call of the real process on a file fail, be interrupted or be the last one, in turn.
+// The process lives on if it can. It starts again afterwards, and each file that it writes has the
+// content from before or after a change.
 
 #include <gmock/gmock.h>
 
@@ -25,7 +25,7 @@ std::map<std::string, std::string> preloaded(const HostSet& set) {
     return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
             {"MLK_FAULT_BELOW", set.tvconfigs() + ":" + set.tvdata() + ":" + set.impdata() + ":" +
                                         set.dir().path("data")},
-            // A sanitizer's runtime takes part in the program and does not mind who else does.
+            // The runtime of a sanitizer is preloaded too, and must not complain about that.
             {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}};
 }
 
@@ -35,12 +35,12 @@ std::map<std::string, std::string> faulty(const HostSet& set, const std::string&
     return environment;
 }
 
-/// What a run without faults makes.
+/** The calls of a run without faults. */
 struct Reference {
     std::vector<std::string> answers;
     std::vector<State> states;
-    std::map<std::string, int> calls;  ///< how often each call is made
-    int allCalls = 0;                  ///< but for memory
+    std::map<std::string, int> calls; /**< how often each call is made */
+    int allCalls = 0;                 /**< except those for memory */
 
     Reference() {
         Scenario scenario;
@@ -60,13 +60,15 @@ const Reference& reference() {
     return theReference;
 }
 
-/// Where the digital system can be read nowhere, its default goes to the property.
+/** If the digital system cannot be read anywhere, its default is written to the property. */
 bool isDefaultSystem(const std::string& name, const std::string& content) {
     return name == "persist.vendor.mlk.tv.dtv_system" && content == "0";
 }
 
-/// After whatever happened: each file holds what it held at some moment of a run without faults,
-/// and the process starts and answers.
+/**
+ * After any fault: each file has the content of some moment of a run without faults, and the
+ * process starts and answers.
+ */
 void expectWhole(Scenario& scenario, bool canRead = true) {
     const State state = scenario.state();
     for (const auto& [name, content] : state) {
@@ -96,7 +98,7 @@ TEST(FaultsTest, RunWithoutFaults) {
 struct Fault {
     const char* call;
     const char* action;
-    bool isHarmless;  ///< nobody notices
+    bool isHarmless; /**< no answer shows it */
 };
 
 void PrintTo(const Fault& fault, std::ostream* out) {
@@ -176,8 +178,8 @@ INSTANTIATE_TEST_SUITE_P(Halves, EachCallTest,
 struct Lasting {
     const char* name;
     const char* fault;
-    std::string log;      ///< a part of one line that says so
-    bool canRead = true;  ///< what the files and properties hold
+    std::string log;     /**< a part of one line that reports it */
+    bool canRead = true; /**< the files and properties can be read */
 };
 
 void PrintTo(const Lasting& lasting, std::ostream* out) {
@@ -216,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(
                         false}),
         [](const ::testing::TestParamInfo<Lasting>& lasting) { return lasting.param.name; });
 
-/// A set some of whose partitions are missing.
+/** A set some of whose partitions are missing. */
 class MissingTest : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(MissingTest, PartitionIsToldOnceAndTheRestIsServed) {
@@ -235,7 +237,7 @@ TEST_P(MissingTest, PartitionIsToldOnceAndTheRestIsServed) {
 
 INSTANTIATE_TEST_SUITE_P(, MissingTest, ::testing::Values("tvconfigs", "tvdata", "impdata"));
 
-/// One of so many allocations fails. The process may end, but it starts again.
+/** One of the allocations fails. The process may end, but it starts again. */
 TEST(FaultsTest, NoMemoryForOneAllocation) {
     const auto allocations = reference().calls.find("memory");
     if (allocations == reference().calls.end()) {
@@ -255,7 +257,7 @@ TEST(FaultsTest, NoMemoryForOneAllocation) {
     }
 }
 
-/// One of so many equal parts of all calls, so that they run beside one another.
+/** A part of all calls, so that the parts run in parallel. */
 class EachMomentTest : public ::testing::TestWithParam<int> {
   public:
     static constexpr int kParts = 6;

@@ -1,4 +1,4 @@
-// Files that the real process hands out: as bytes, and in shared memory through the real allocator.
+// Files that the real process delivers: as bytes, and in shared memory through the real allocator.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -44,7 +44,7 @@ TEST_F(FileDeliveryTest, NothingIsSharedOfAFileWithoutBytes) {
     EXPECT_EQ(shared("\"" + file(5)), "empty memory");
 }
 
-// What the process needs at most to answer a call, beside what it has anyway.
+// The most memory that the process needs for one call, besides what it has already.
 template <typename Call>
 size_t peakIn(pid_t pid, const Call& call) {
     const size_t before = residentOf(pid);
@@ -61,7 +61,7 @@ TEST_F(FileDeliveryTest, LargeFileTakesItsSizeOfSharedMemoryAndTwiceItAsBytes) {
     EXPECT_TRUE(isSharedWhole(file(1)));
     const std::string path = file(kSize);
     const size_t before = residentOf(pid());
-    // The client has its answer a moment before the service gives the memory back.
+    // The client has its answer before the service gives the memory back.
     const auto isBack = [&] {
         return kAddressSanitizer || kThreadSanitizer ||
                ::mlk::testing::eventually([&] { return residentOf(pid()) <= before + kBesides; });
@@ -76,7 +76,7 @@ TEST_F(FileDeliveryTest, LargeFileTakesItsSizeOfSharedMemoryAndTwiceItAsBytes) {
     EXPECT_TRUE(isBack());
 }
 
-// A file of that size; its bytes take no room.
+// A sparse file of that size.
 std::string sparse(const ::mlk::testing::HostSet& set, size_t size) {
     const std::string path = set.dir().write("tvdata/sparse", "x");
     EXPECT_EQ(truncate(path.c_str(), static_cast<off_t>(size)), 0);
@@ -139,7 +139,7 @@ TEST_F(FileDeliveryTest, NothingGrowsOverAThousandDeliveries) {
     EXPECT_LE(residentOf(mAllocator->pid()), allocatorMemory + slack);
 }
 
-/// The process with a fault in its reading of files on tvdata.
+/** The process with a fault in its reading of files on tvdata. */
 class FaultyDeliveryTest : public Delivery {
   protected:
     void restart(const std::string& fault) {
@@ -155,7 +155,9 @@ class FaultyDeliveryTest : public Delivery {
     }
     std::string gate() const { return mSet.dir().path("gate"); }
 
-    /// Changes the file between its opening and its first reading, which the process waits with.
+    /**
+     * Changes the file after the process has opened it and before it reads it; the process waits.
+     */
     template <typename Answer, typename Change>
     std::string changedMeanwhile(const Answer& answer, const Change& change) {
         std::string got;

@@ -1,5 +1,5 @@
 // Every method of the three interfaces from ten threads at once, while what they read is changed.
-// The thread sanitizer watches the process; without it, what is seen is that it answers and lives.
+// The thread sanitizer watches the process. Without it, the test sees that the process answers.
 
 #include <cutils/native_handle.h>
 #include <fcntl.h>
@@ -27,7 +27,7 @@ using ::mlk::testing::HostSet;
 constexpr int kThreads = 10;
 constexpr int kRounds = 20;
 
-// Calls each method of the interface once, in an order of its own.
+// Calls each method of the interface once, in a random order.
 template <typename Interface>
 void callAll(Interface& service, std::mt19937& random) {
     auto rows = methodRows<Interface>();
@@ -52,7 +52,7 @@ std::function<void(const Answer&)> success() {
     return [](const Answer& answer) { EXPECT_TRUE(answer.success); };
 }
 
-// Changes all that calls can change, and answers whether each change was answered.
+// Changes all that calls can change; gives true if each change was answered.
 void change(IMlkProjectConfigs& project, IMlkTvConfigs& tv, const std::string& tvConfig,
             int round) {
     const int32_t model = round % 2 + 1;

@@ -13,9 +13,11 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 
-/// One method of an interface. `call` calls it with default arguments; gives whether the call went
-/// through, and counts its answers. `callAnyhow` calls it with made up ones; gives whether it was
-/// answered or refused, and not the object dead.
+/**
+ * One method of an interface. `call` calls it with default arguments, gives true if the call
+ * succeeded, and counts its answers. `callAnyhow` calls it with random arguments, and gives false
+ * if the object was dead.
+ */
 template <typename Interface>
 struct MethodRow {
     uint32_t code;
@@ -24,7 +26,7 @@ struct MethodRow {
     std::function<bool(Interface& object, RandomArguments& arguments)> callAnyhow;
 };
 
-/// All methods of the interface in their declared order. Generated: service/interfaces/methods.
+/** All methods of the interface in their declared order. Generated: service/interfaces/methods. */
 template <typename Interface>
 const std::vector<MethodRow<Interface>>& methodRows();
 

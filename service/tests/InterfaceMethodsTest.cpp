@@ -22,7 +22,7 @@ using ::android::hardware::Parcel;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-/// A remote object that notes what it is asked and serves nothing.
+/** A remote object that notes the calls and serves none. */
 class NotingRemote : public IBinder {
   public:
     status_t transact(uint32_t code, const Parcel&, Parcel*, uint32_t, TransactCallback) override {
@@ -35,8 +35,10 @@ class NotingRemote : public IBinder {
     std::vector<uint32_t> mCodes;
 };
 
-/// The methods of an interface in the order of their codes, from the list of what clients that were
-/// built earlier send: a line "IMlkTvConfigs 27 getFlag(ConfigType) OptionalBool" each.
+/**
+ * The methods of an interface in the order of their codes, from the list of what earlier clients
+ * send. A line is "IMlkTvConfigs 27 getFlag(ConfigType) OptionalBool".
+ */
 std::vector<std::string> committedMethods(const std::string& interface) {
     const char* tree = getenv("MLK_SOURCE_DIR");
     std::ifstream list((tree == nullptr ? "." : tree) +
@@ -62,7 +64,9 @@ void expectCodes() {
     EXPECT_THAT(rows, SizeIs(count));
     const std::string descriptor = Interface::descriptor;
     std::vector<std::string> names;
-    for (const auto& row : rows) names.emplace_back(row.name);
+    for (const auto& row : rows) {
+        names.emplace_back(row.name);
+    }
     EXPECT_EQ(names, committedMethods(descriptor.substr(descriptor.rfind(':') + 1)));
     uint32_t position = 0;
     for (const auto& row : rows) {

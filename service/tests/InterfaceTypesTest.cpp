@@ -1,5 +1,5 @@
-// What travels between processes that were built at different times: the layout of every record and
-// the number of every enumerator.
+// The layout of every record and the number of every enumerator: processes that were built at
+// different times exchange them.
 
 #include <gmock/gmock.h>
 #include <vendor/morlak/mlkconfigs/1.0/types.h>
@@ -19,7 +19,7 @@ using ::android::hardware::hidl_enum_range;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 
-/// Name, type and place of a member.
+/** Name, type and offset of a member. */
 #define EXPECT_MEMBER(Struct, member, Type, place)                 \
     static_assert(std::is_same_v<decltype(Struct::member), Type>); \
     EXPECT_EQ(offsetof(Struct, member), place) << #Struct "." #member
@@ -82,7 +82,7 @@ TEST(InterfaceTypes, AVectorOfFrequenciesHasNothingBetweenItsItems) {
 
 using Enumerators = std::vector<std::pair<uint32_t, std::string>>;
 
-/// All enumerators of the type in their declared order.
+/** All enumerators of the type in their declared order. */
 template <typename Enumeration>
 Enumerators enumeratorsOf() {
     static_assert(std::is_same_v<std::underlying_type_t<Enumeration>, uint32_t>);

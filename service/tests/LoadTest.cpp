@@ -1,7 +1,8 @@
-// The real process under many clients, and under clients that mean it harm. What it takes of the
-// machine is back where it was afterwards, and honest clients are answered all the while.
+// The real process under many clients, and under clients that attack it. Afterwards it uses no more
+// of the machine than before, and honest clients are answered at all times.
 //
-// MLK_SOAK in the environment has each test run for so many seconds instead of a moment.
+// MLK_SOAK in the environment is the number of seconds that each test runs for, instead of a
+// moment.
 
 #include <android-base/unique_fd.h>
 #include <cutils/native_handle.h>
@@ -62,17 +63,19 @@ class LoadTest : public ::testing::Test {
         mSet.copyFrom(::mlk::testing::sourceDir() + "/samples/partitions");
         mAllocator = startAllocator();
         mServer = std::make_unique<ServiceProcess>(std::map<std::string, std::string>{
-                // What is said at each refusal would only fill the test's memory.
+                // The log lines of the refusals would fill the test's memory.
                 {"ANDROID_LOG_TAGS", "*:F"},
-                // What the sanitizer keeps of freed memory would hide what grows.
+                // The freed memory that the sanitizer keeps would hide growth.
                 {"ASAN_OPTIONS", "quarantine_size_mb=16"}});
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
         callers(4, "1", "30000");
         mDescriptors = settledDescriptors();
     }
 
-    /// How many descriptors the process has once it has noticed that former clients are gone: the
-    /// count that does not change while it answers a good many calls.
+    /**
+     * The number of descriptors of the process after it has noticed that former clients are gone:
+     * the number that does not change while it answers many calls.
+     */
     size_t settledDescriptors() const {
         constexpr int kCalls = 200;
         const auto service = IMlkProjectConfigs::getService();
@@ -88,7 +91,7 @@ class LoadTest : public ::testing::Test {
         return count - 1;  // without this client's
     }
 
-    /// So many processes that call at once; gives how many calls they made.
+    /** Runs several processes that call at once; gives the number of their calls. */
     uint64_t callers(int count, const std::string& time, const std::string& calls) {
         std::vector<std::unique_ptr<Process>> processes;
         processes.reserve(static_cast<size_t>(count));
@@ -104,7 +107,7 @@ class LoadTest : public ::testing::Test {
         return made;
     }
 
-    /// Calls as an honest client does until `stop`; every call has to be answered.
+    /** Calls as an honest client does until `stop`; every call must be answered. */
     void callHonestly(const std::atomic<bool>& stop) {
         const auto service = IMlkProjectConfigs::getService();
         do {
@@ -115,13 +118,13 @@ class LoadTest : public ::testing::Test {
         } while (!stop);
     }
 
-    /// The process is as it was: alive, no larger, with the descriptors it had.
+    /** Expects that the process lives, is no larger, and has as many descriptors as before. */
     void expectAsBefore(size_t resident) {
         EXPECT_TRUE(mServer->process().running());
         EXPECT_TRUE(eventually([&] { return threadsOf(pid()) <= kPoolThreads; }));
         EXPECT_TRUE(eventually([&] { return descriptorsOf(pid()) <= mDescriptors; }))
                 << descriptorsOf(pid()) << " descriptors instead of " << mDescriptors;
-        // What the allocators keep for the next call; the sanitizers keep more.
+        // The allocators keep memory for the next call; the sanitizers keep more.
         constexpr size_t kSlack =
                 ::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer ? 96U << 20U
                                                                                       : 4U << 20U;
@@ -244,7 +247,7 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
             EXPECT_NE(client->replyStatus(), ::android::OK);
         });
     });
-    // Methods that there are not.
+    // Methods that do not exist.
     attackers.emplace_back([&] {
         auto client = attacker();
         for (int i = 0; i < unknownCodes; ++i) {
@@ -262,7 +265,7 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
             EXPECT_EQ(client->replyStatus(), ::android::BAD_VALUE);
         });
     });
-    // Texts that the class would die of, and ones that are not there.
+    // Texts that would end the process, and absent texts.
     attackers.emplace_back([&] {
         const auto service = IMlkProjectConfigs::getService();
         const auto client = attacker();
@@ -283,7 +286,7 @@ TEST_F(LoadTest, HostileClientsHurtOnlyThemselves) {
     expectAsBefore(before);
 }
 
-/// A terminal whose screen nobody looks at: it takes what fits and nothing more.
+/** A terminal that nobody reads: it takes what fits and nothing more. */
 class StoppedTerminal {
   public:
     StoppedTerminal() : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
@@ -305,7 +308,7 @@ class StoppedTerminal {
     ::android::base::unique_fd mTerminal;
 };
 
-// Who finds no thread to write a dump is refused at once, so the others wait for nobody.
+// A dump without a free thread is refused at once, so that the other calls do not wait.
 TEST_F(LoadTest, DumpsToStoppedTerminalsDelayNobody) {
     constexpr int kTerminals = 6;
     constexpr int kAskers = 60;
@@ -357,7 +360,7 @@ TEST_F(LoadTest, DumpsThatNobodyReadsHoldNobody) {
     EXPECT_LT(steady_clock::now(), end + kLastOnes);
     stop = true;
     honest.join();
-    // One that waited for its turn among them would be there once a second.
+    // A call that waited for its turn among them would be answered once a second.
     EXPECT_GT(mHonestCalls, 100U);
     expectAsBefore(before);
 }

@@ -1,4 +1,4 @@
-// What one client can make the service write to its log.
+// How much one client can make the service write to its log.
 
 #include <gmock/gmock.h>
 #include <unistd.h>

@@ -26,7 +26,7 @@ using ::mlk::testing::threadsOf;
 
 constexpr size_t kThreads = 10;
 
-/// Has the process wait at each reading of one file until the calls are released.
+/** Makes the process wait at each read of one file until the calls are released. */
 class Gate {
   public:
     explicit Gate(const HostSet& set)
@@ -34,17 +34,17 @@ class Gate {
         EXPECT_EQ(mkfifo(mFifo.c_str(), 0600), 0);
     }
 
-    /// What the process needs in its environment.
+    /** The environment of the process. */
     std::map<std::string, std::string> environment() const {
         return {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
                 {"MLK_FAULT_BELOW", mSlowFile},
                 {"MLK_FAULT_AT", "open 1+ hold"},
                 {"MLK_FAULT_GATE", mFifo},
-                // A sanitizer's runtime takes part in the program and does not mind who else does.
+                // The runtime of a sanitizer is preloaded too, and must not complain about that.
                 {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}};
     }
 
-    /// A call that lasts until it is released; whether it was answered with the file.
+    /** Makes a call that lasts until it is released; true if the answer is the file. */
     std::future<bool> slowCall() const {
         return std::async(std::launch::async, [this] {
             bool answered = false;
@@ -57,7 +57,7 @@ class Gate {
         });
     }
 
-    /// Lets all calls end, later ones too.
+    /** Lets all calls end, later ones too. */
     void open() { mOpen.reset(::open(mFifo.c_str(), O_RDWR | O_CLOEXEC)); }
 
   private:
@@ -84,7 +84,7 @@ TEST(Pool, HasTenThreadsAndMoreCallsWaitForThem) {
     for (auto& call : slow) {
         EXPECT_TRUE(call.get());
     }
-    // Threads never end: these are the most that there were.
+    // Threads never end, so this is the highest number.
     EXPECT_EQ(threadsOf(pid), kThreads);
     EXPECT_TRUE(IMlkTvConfigs::getService()->ping().isOk());
 }

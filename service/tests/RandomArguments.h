@@ -11,11 +11,13 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0 {
 
-/// Makes up arguments: numbers at the edges of what methods take, names that a set has and names
-/// that it has not, paths of files of the set, long texts, odd bytes. The same ones for a seed.
+/**
+ * Random arguments: numbers at the edges of the valid ranges, names that a set has and names that
+ * it does not have, paths of files of the set, long texts, odd bytes. A seed gives the same ones.
+ */
 class RandomArguments {
   public:
-    /// `tvconfigs` is the mount point of the configuration partition, whose files are asked for.
+    /** `tvconfigs` is the mount point of the configuration partition, for paths of its files. */
     RandomArguments(unsigned int seed, const std::string& tvconfigs);
 
     void operator()(bool& argument) { argument = mRandom() % 2 == 0; }
@@ -29,7 +31,7 @@ class RandomArguments {
         argument = static_cast<Enumeration>(number);
     }
 
-    /// A number from 0 to limit - 1.
+    /** A number from 0 to limit - 1. */
     size_t below(size_t limit) { return mRandom() % limit; }
 
   private:

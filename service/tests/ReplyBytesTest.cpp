@@ -1,4 +1,4 @@
-// The bytes of replies of the real process: they tell nothing but the values of their fields.
+// The bytes of the real process's replies: they contain only the values of the fields.
 
 #include <gmock/gmock.h>
 
@@ -31,16 +31,16 @@ using ::mlk::test::WireObject;
 using ::mlk::testing::HostSet;
 using ::testing::IsEmpty;
 
-/// A run of bytes in a struct that belongs to no field.
+/** A run of bytes in a struct that belongs to no field. */
 struct Gap {
     size_t offset;
     size_t size;
 };
 
-constexpr size_t kTextPadding = 13;  ///< of a hidl_string or hidl_vec: after its flag
+constexpr size_t kTextPadding = 13; /**< of a hidl_string or hidl_vec: after its flag */
 constexpr Gap kEndOfText{kTextPadding, 3};
 
-/// The gaps of the struct that an answer of this size is, or of each item of a list.
+/** The gaps of an answer's struct of this size, or of each item of a list. */
 std::vector<Gap> gapsOf(size_t size) {
     static const std::map<size_t, std::vector<Gap>> kGaps{
             {sizeof(OptionalBool), {}},
@@ -53,7 +53,7 @@ std::vector<Gap> gapsOf(size_t size) {
 }
 const std::vector<Gap> kGapsOfChannel{{2, 2}, {17, 3}};
 
-/// Where the memory of a process lies.
+/** The address ranges of a process. */
 class AddressSpace {
   public:
     explicit AddressSpace(pid_t process) {
@@ -83,13 +83,13 @@ class ReplyBytesTest : public ::testing::Test {
     void SetUp() override {
         mSet.copyFrom(::mlk::testing::sourceDir() + "/samples/partitions");
         mAllocator = startAllocator();
-        // What is on the heap when it is allocated is known, and not zero.
+        // Newly allocated memory has a known content other than zero.
         mServer = std::make_unique<ServiceProcess>(
                 std::map<std::string, std::string>{{"MALLOC_PERTURB_", "85"}});
         ASSERT_TRUE(mServer->waitUntilRegistered()) << mServer->process().err();
     }
 
-    /// A call with a few numbers; a method that wants none does not look at them.
+    /** A call with a few numbers; a method without parameters ignores them. */
     static RawMessage call(const std::string& interface, uint32_t code,
                            const std::vector<uint32_t>& numbers) {
         RawMessage message;
@@ -101,7 +101,7 @@ class ReplyBytesTest : public ::testing::Test {
         return message;
     }
 
-    /// The body of a good reply; none of any other.
+    /** The body of a good reply; empty for any other. */
     static std::optional<std::vector<uint8_t>> answer(RawClient& client, const RawMessage& message,
                                                       Header* header) {
         ::android::hardware::transport::MessageReader reader(
@@ -120,7 +120,7 @@ class ReplyBytesTest : public ::testing::Test {
         return std::vector<uint8_t>(reply.body(), reply.body() + header->bodySize);
     }
 
-    /// What a reply holds that is no field's value, a line each.
+    /** The bytes of a reply that belong to no field, a line each. */
     std::vector<std::string> leaks(const std::vector<uint8_t>& body, const Header& header,
                                    size_t channelSize) {
         std::vector<std::string> found;
@@ -167,7 +167,7 @@ TEST_F(ReplyBytesTest, MethodsThatTakeNumbers) {
     for (const auto& [interface, methods] : interfaces) {
         RawClient client(mSet.runtime(), interface);
         ASSERT_TRUE(client.hello());
-        // Twice: what one call leaves on the stack is there for the next.
+        // Twice: the second call finds what the first left on the stack.
         for (uint32_t code = 1; code <= 2 * methods; ++code) {
             Header header{};
             const auto body = answer(

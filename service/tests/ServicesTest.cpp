@@ -22,7 +22,7 @@ using ::testing::ElementsAre;
 std::vector<std::string> gEvents;
 std::string gTvConfigPath;
 
-/// The registered names at the moment, one letter each.
+/** The names registered now, one letter each. */
 std::string registered() {
     std::string names;
     names += IMlkProjectConfigs::tryGetService() != nullptr ? "P" : "";
@@ -31,7 +31,7 @@ std::string registered() {
     return names;
 }
 
-/// A project service with answers of the test's own, and a call that fails after them.
+/** A project service with the test's answers, and a call that fails after them. */
 class TalkingProject : public MlkProjectConfigs {
   public:
     explicit TalkingProject(std::vector<OptionalString> answers) : mAnswers(std::move(answers)) {}

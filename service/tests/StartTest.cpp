@@ -1,4 +1,4 @@
-// Whether the real process starts, and how it ends when it cannot.
+// The start of the real process, and its end if it cannot start.
 
 #include <gmock/gmock.h>
 #include <hidl/ServiceManagement.h>
@@ -37,7 +37,7 @@ std::vector<std::string> listNames() {
     return names;
 }
 
-/// How it ends by itself: as Process::wait() says.
+/** Waits for the end of the process; see Process::wait(). */
 int endOf(ServiceProcess& service) {
     const ::mlk::testing::TimeLimit limit([&] { ::kill(service.process().pid(), SIGKILL); });
     return service.process().wait();
@@ -82,7 +82,7 @@ TEST(Start, GivesBackWhatReadingTook) {
             {{"LD_PRELOAD", ::mlk::testing::binDir() + "/../tests/mlk_faults.so"},
              {"MLK_FAULT_BELOW", set.tvconfigs()},
              {"MLK_FAULT_LOG", calls},
-             // A sanitizer's runtime takes part in the program and does not mind who else does.
+             // The runtime of a sanitizer is preloaded too, and must not complain about that.
              {"ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0"}});
     ASSERT_TRUE(service.waitUntilRegistered()) << service.process().err();
     EXPECT_TRUE(::mlk::testing::eventually([&] {
@@ -112,9 +112,9 @@ TEST(Start, DoesWithoutATvConfigurationFile) {
 }
 
 struct Failure {
-    const char* blocked;               ///< the interface that cannot be registered
-    std::vector<const char*> reached;  ///< those that were, before it
-    std::vector<const char*> missed;   ///< those that never are
+    const char* blocked;              /**< the interface that cannot be registered */
+    std::vector<const char*> reached; /**< the interfaces registered before it */
+    std::vector<const char*> missed;  /**< the interfaces after it */
 };
 
 void PrintTo(const Failure& failure, std::ostream* out) {

@@ -14,14 +14,15 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::vts {
 
-// Answers are compared as text: that is what a failure shows.
+// Answers are compared as text, so that a failure shows them. This is not host/testing/Ask.h: the
+// program runs on devices, and a refused call is an answer here.
 
 /** The text of a call that was refused: not OK, and the service lives on. */
 inline constexpr const char* kRefused = "refused";
 
-/** A text between quotes, what is not printable as "\x0A". */
+/** A text in quotes; a byte that is not printable is written as "\x0A". */
 std::string printable(std::string_view text);
-/** Bytes by their number and a sum of them. */
+/** The number of bytes and their checksum. */
 std::string bytesText(std::string_view bytes);
 
 std::string textOf(uint32_t answer);
@@ -33,7 +34,7 @@ std::string textOf(const OptionalString& answer);
 std::string textOf(const ConfigKeyValue& answer);
 std::string textOf(const HidlFreqListItem& answer);
 std::string textOf(const ::android::hardware::hidl_vec<uint8_t>& answer);
-/** The bytes of the block, as long as it says; maps it. */
+/** The bytes of the block, which the function maps. */
 std::string textOf(const ::android::hardware::hidl_memory& answer);
 
 template <typename List>
@@ -49,7 +50,7 @@ std::string textOf(const ::android::hardware::hidl_vec<Element>& answer) {
     return listText(answer);
 }
 
-/** What a flag, a number, a text is answered as. */
+/** The text of an answer that is a flag, a number or a text. */
 std::string textOfFlag(bool value);
 std::string textOfNumber(int32_t value);
 std::string textOfText(const std::string& value);
@@ -57,8 +58,8 @@ std::string textOfText(const std::string& value);
 #define MLK_METHOD(Interface, method) #method, &Interface::method
 
 /**
- * Calls a method, `MLK_METHOD(IMlkTvConfigs, getFlag)`, with these arguments; gives the answer's
- * text, kRefused, or what else became of the call: "dead object", "no answer", "2 answers".
+ * Calls a method, `MLK_METHOD(IMlkTvConfigs, getFlag)`, with these arguments. Gives the answer's
+ * text or kRefused, or else "dead object", "no answer" or "2 answers".
  */
 template <typename Interface, typename... Parameters, typename... Arguments>
 std::string ask(Interface& service, const char* name,
@@ -77,15 +78,15 @@ std::string ask(Interface& service, const char* name,
     return answers[0];
 }
 
-/** One call, and what the set says that its answer is. */
+/** One call and its answer according to the set. */
 struct Question {
-    std::string call;  ///< "getEQPath(1)"
+    std::string call; /**< "getEQPath(1)" */
     std::function<std::string()> ask;
     std::string expected;
 };
 using Questions = std::vector<Question>;
 
-/** Asks them one after the other; each wrong answer fails the test and names the call. */
+/** Asks the questions in turn. Each wrong answer fails the test and names the call. */
 void check(const Questions& questions);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::vts

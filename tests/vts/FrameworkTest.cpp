@@ -15,7 +15,7 @@ using I = IMlkFrameworkConfigs;
 constexpr const char* kForceStrKey = "persist.vendor.mlk.forcestr";
 constexpr const char* kWowKey = "persist.vendor.mlk.enable_wow";
 
-// What a start makes of the row's property.
+// The value that a start gets from the row's property.
 std::string expectedOf(const implementation::GetterRow& row) {
     const std::string withoutProperty = row.defaultValue;
     if (row.property == nullptr) {

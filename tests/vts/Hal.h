@@ -16,7 +16,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::vts {
 
-/** A test of one registered instance of an interface, and of what its set says. */
+/** A test of one registered instance of an interface against its set. */
 template <typename Interface>
 class HalTest : public ::testing::TestWithParam<std::string> {
   protected:
@@ -36,7 +36,7 @@ class HalTest : public ::testing::TestWithParam<std::string> {
     PlainSet set;
 };
 
-/** The same for a test that changes the set: skipped unless that is asked for. */
+/** The same for a test that changes the set: skipped without the option for writes. */
 template <typename Interface>
 class HalWriteTest : public HalTest<Interface> {
   protected:
@@ -48,7 +48,7 @@ class HalWriteTest : public HalTest<Interface> {
     }
 };
 
-/** Names of tests are made of letters and digits. */
+/** A name for a test, of letters and digits only. */
 inline std::string instanceName(const ::testing::TestParamInfo<std::string>& info) {
     std::string name = info.param;
     for (char& c : name) {

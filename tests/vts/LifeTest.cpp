@@ -1,4 +1,5 @@
-// The three services as a whole: they are there, they serve many at once, and a death is noticed.
+// The three services as a whole: they are registered, they serve many clients at once, and clients
+// notice their death.
 
 #include <cutils/properties.h>
 #include <poll.h>
@@ -65,7 +66,7 @@ TEST(Registration, EachInterfaceHasItsDefaultInstance) {
 
 class Load : public HalTest<IMlkProjectConfigs> {};
 
-// Every thread asks everything, each in an order of its own.
+// Every thread asks all questions in a random order.
 TEST_P(Load, ManyThreadsGetTheSameAnswers) {
     constexpr unsigned int kThreads = 16;
     const sp<IMlkTvConfigs> tv = IMlkTvConfigs::getService(GetParam());
@@ -106,7 +107,7 @@ MLK_ON_EVERY_INSTANCE(Load, IMlkProjectConfigs);
 
 class Death : public HalTest<IMlkProjectConfigs> {
   protected:
-    // Ends the process and waits until another one serves; false after a minute.
+    // Ends the process and waits until a new one serves; false after a minute.
     bool restart() {
         const sp<Mourner> mourner = new Mourner;
         auto cookie = mourner->cookie();
@@ -124,7 +125,7 @@ class Death : public HalTest<IMlkProjectConfigs> {
         EXPECT_EQ(ask(*service, MLK_METHOD(IMlkProjectConfigs, getPanelName)), "dead object");
         const auto end = std::chrono::steady_clock::now() + kPatience;
         do {
-            // The last that a start registers; a name may still be that of the dead one.
+            // A start registers this one last. The name may still belong to the dead process.
             const sp<IMlkFrameworkConfigs> last = IMlkFrameworkConfigs::tryGetService(GetParam());
             service = IMlkProjectConfigs::tryGetService(GetParam());
             if (last != nullptr && last->ping().isOk() && service != nullptr &&

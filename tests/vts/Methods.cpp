@@ -13,7 +13,7 @@ namespace {
 
 struct MethodGroup {
     const char* interface;
-    const char* tests;  ///< the suite that holds these methods against the set
+    const char* tests; /**< the suite that holds these methods against the set */
     bool writes;
     std::vector<const char*> methods;
 };

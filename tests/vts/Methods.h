@@ -13,8 +13,8 @@ void noteCall(const char* descriptor, const char* method);
 void listMethods();
 
 /**
- * Fails the run when a method of the three interfaces was called by none of the tests: a run that
- * leaves none out and of which none failed. Setters count only when they may be called.
+ * Fails the run if no test called some method of the three interfaces. Applies only to a run of all
+ * tests in which no test failed. Setters count only if they may be called.
  */
 class EveryMethod : public ::testing::Environment {
   public:

@@ -99,7 +99,7 @@ void PlainSet::applyCountry(int32_t country) {
     }
 }
 
-// A file's first loading counts, and one without an item is not kept.
+// Only the first loading of a file counts. A file without items is not kept.
 std::string PlainSet::loadAudioFile(const std::string& path) {
     const std::string name = fileName(path);
     const plain::Items items = plain::auxiliaryItems(plain::contentOf(path));
@@ -156,7 +156,7 @@ std::vector<std::pair<std::string, std::string>> PlainSet::avrs() const {
             avrFolder().size() + name.size() >= kNameSize) {
             continue;
         }
-        // Wherever the two parts meet, they make the same name.
+        // Any division of the name into two parts gives the same name.
         const std::string parts =
                 name.substr(start.size(), name.size() - start.size() - end.size());
         const size_t middle = parts.find('_');

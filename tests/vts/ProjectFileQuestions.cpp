@@ -1,4 +1,4 @@
-// What IMlkProjectConfigs answers from files that items name.
+// The answers of IMlkProjectConfigs from files that items name.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@ namespace {
 
 using I = IMlkProjectConfigs;
 
-// A file of this size is sure to fit into an answer on a device.
+// A file of this size fits into an answer on a device.
 constexpr size_t kMostInAnAnswer = 1000000;
 
 std::vector<uint32_t> countryNumbers(const std::string& path, plain::Names& countries) {
@@ -31,7 +31,7 @@ std::vector<uint32_t> countryNumbers(const std::string& path, plain::Names& coun
     return numbers;
 }
 
-// The table of names when both lists of countries have been read.
+// The table of names after both lists of countries have been read.
 plain::Names knownCountries(const PlainSet& set) {
     plain::Names countries = plain::countries();
     countryNumbers(set.value("[COUNTRY]", "COUNTRY_PATH"), countries);
@@ -146,7 +146,7 @@ Questions fileQuestions(const ProjectService& service, const PlainSet& set) {
     }
     Questions questions;
     for (const std::string& path : paths) {
-        // Only a quote at the beginning is one, and takes another at the end of the path.
+        // Only a path that begins with a quote is quoted; it needs a quote at its end.
         std::string bare = path;
         if (!path.empty() && path[0] == '"') {
             const size_t end = path.rfind('"');

@@ -45,7 +45,7 @@ constexpr ItemRow kTexts[] = {
 };
 #undef ROW
 
-// Selectors past both ends of every range.
+// Selectors below and above every range.
 constexpr int32_t kSelectors[] = {-1,
                                   0,
                                   1,
@@ -59,7 +59,7 @@ std::string callText(const char* name, int64_t argument) {
     return std::string(name) + "(" + std::to_string(argument) + ")";
 }
 
-// A method that takes a selector: it chooses the key, and one past the keys gets no answer.
+// A method whose selector chooses the key. A selector without a key gets no answer.
 template <typename Selector>
 void addSelections(Questions& questions, const ProjectService& service, const PlainSet& set,
                    const char* name,
@@ -101,7 +101,7 @@ void addSelectors(Questions& questions, const ProjectService& service, const Pla
                                      ? textOfText(set.value(hdcp[place].c_str(), "HDCP_KEY_File"))
                                      : kRefused});
         for (const int32_t version : kSelectors) {
-            // An unknown version asks for the key without a name; only the port is refused.
+            // An unknown version asks for the empty key; only an unknown port is refused.
             const auto number = static_cast<uint32_t>(version);
             const char* const key = number < versions.size() ? versions[number] : "";
             questions.push_back(
@@ -173,7 +173,7 @@ void addSection(Questions& questions, const ProjectService& service, const std::
 }
 
 void addItems(Questions& questions, const ProjectService& service, const PlainSet& set) {
-    // In the order of a map of texts, which is that of the answer.
+    // The order of a map of texts is that of the answer.
     std::map<std::string, std::vector<ConfigKeyValue>> sections;
     for (const auto& [name, value] : set.items()) {
         addItem(questions, service, name.first, name.second, value);

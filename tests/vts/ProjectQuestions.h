@@ -9,7 +9,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::vts {
 
-// The calls of IMlkProjectConfigs with arguments that matter on this set, and what it says.
+// The calls of IMlkProjectConfigs with arguments that matter on this set, and the right answers.
 
 using ProjectService = ::android::sp<IMlkProjectConfigs>;
 
@@ -22,18 +22,18 @@ Questions customerFileQuestions(const ProjectService& service, const PlainSet& s
 /** The sums of delays, with the file of this AVR in use. */
 Questions audioQuestions(const ProjectService& service, const PlainSet& set,
                          const AuxiliaryFile& avr);
-/** Files that items name, and paths of no use, by the three methods that take a path. */
+/** Files that items name, and invalid paths, for the three methods that take a path. */
 Questions fileQuestions(const ProjectService& service, const PlainSet& set);
 /**
- * Every table of every country. Reading a table may teach the service names of modulations, reading
- * a list names of countries: what is expected is the answer of one that has read everything.
+ * Every table of every country. The service learns names of modulations from tables and names of
+ * countries from lists, so the expected answers are those of a service that has read everything.
  */
 Questions frequencyQuestions(const ProjectService& service, const PlainSet& set);
 
-/** What debug() writes into a pipe; a call that fails, fails the test. */
+/** The text that debug() writes into a pipe. A failed call fails the test. */
 std::string dumpOf(const ::android::sp<::android::hidl::base::V1_0::IBase>& service);
 
-/** The file of the AVR that the service has in use, which nothing tells: found by its delays. */
+/** The file of the AVR that the service uses. No method tells it: the delays do. */
 AuxiliaryFile avrInUse(const ProjectService& service, const PlainSet& set);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::vts

@@ -18,7 +18,7 @@ using ::android::hidl::base::V1_0::IBase;
 
 namespace {
 
-/** A native handle of these descriptors, which it does not own. */
+/** A native handle of these descriptors. It does not own them. */
 class Handle {
   public:
     explicit Handle(const std::vector<int>& descriptors)

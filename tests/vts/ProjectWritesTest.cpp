@@ -1,4 +1,4 @@
-// The setters of IMlkProjectConfigs; each test puts back what it changes.
+// The setters of IMlkProjectConfigs. Each test restores what it changes.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,27 +30,27 @@ class ProjectWrites : public HalWriteTest<IMlkProjectConfigs> {
             return;
         }
         mFormer = set.projectId;
-        // The service reads the map of channel plans once, at the first question.
+        // The service reads the map of channel plans once, at the first call.
         static_cast<void>(ask(*service, MLK_METHOD(I, getFreqTableList), 0,
                               FreqTableType::DTV_ANTENNA, AtscCableType::AUTO));
     }
 
     void TearDown() override {
         if (service != nullptr) {
-            // Without a model there is no index to go back to: the files are read again at least.
+            // Without a model there is no index to restore, but the files are read again.
             EXPECT_EQ(setProjectId(isSelected() ? mFormer : maxIndex() + 1),
                       isSelected() ? "true" : "false")
                     << "setProjectId does not go back";
             mProjectFile.restore();
             mCountryFile.restore();
-            // The items of the saved country; that saves nothing.
+            // Restores the items of the saved country, and saves nothing.
             EXPECT_EQ(setCountryId(-1), "false") << "setCountryId(-1)";
             check(itemQuestions(service, PlainSet()));
         }
         HalWriteTest<IMlkProjectConfigs>::TearDown();
     }
 
-    /** Whether the index of a start is one that the setters take. */
+    /** True if the setters accept the index of the start. */
     bool isSelected() const { return mFormer >= 1 && mFormer <= maxIndex(); }
     int32_t maxIndex() const { return static_cast<int32_t>(set.chain.maxIdx()); }
     std::string setProjectId(int32_t index) {
@@ -64,7 +64,7 @@ class ProjectWrites : public HalWriteTest<IMlkProjectConfigs> {
         return ask(*service, MLK_METHOD(I, setCountryId), country);
     }
 
-    // The service holds the store of the model's files, and has it saved.
+    // The service has the items of the model's files, and has saved the index.
     void expectSelected(const std::string& call, int32_t index) {
         SCOPED_TRACE(call + "(" + std::to_string(index) + ")");
         set.selectProject(index);
@@ -107,7 +107,7 @@ TEST_P(ProjectWrites, AModelThatIsNoneIsRefused) {
         EXPECT_EQ(setProjectId(index), "false") << "setProjectId(" << index << ")";
     }
     check(itemQuestions(service, set));
-    // The files may have changed: an index above the highest has them read again.
+    // The files may have changed: for an index above the highest, the service reads them again.
     EXPECT_EQ(setProjectId(above), "false") << "setProjectId(" << above << ")";
     set.readProjectAgain();
     check(itemQuestions(service, set));
@@ -141,8 +141,9 @@ TEST_P(ProjectWrites, CountriesBringTheirItems) {
 MLK_ON_EVERY_INSTANCE(ProjectWrites, IMlkProjectConfigs);
 
 /**
- * The texts of the AVR have no getters: they are left empty, and the AVR's name as one that has no
- * file, which gives the delays of a start. Its own texts come back when it announces itself.
+ * The texts of the AVR have no getters. The test leaves them empty, and the name of an AVR without
+ * a file in use, which gives the delays of a start. The AVR sets its texts again when it is
+ * announced.
  */
 class AvrWrites : public HalWriteTest<IMlkProjectConfigs> {
   protected:

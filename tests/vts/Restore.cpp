@@ -14,7 +14,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::vts {
 
 namespace {
 
-// In place: owner, mode and label stay.
+// Writes in place, so that owner, mode and label stay.
 bool overwrite(const std::string& path, const std::string& content) {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (file < 0) {

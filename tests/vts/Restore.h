@@ -7,8 +7,8 @@
 namespace vendor::morlak::mlkconfigs::V1_0::vts {
 
 /**
- * Puts a file back, byte for byte, when it goes; one that was missing is removed. The service may
- * have written other bytes of the same meaning. Not being able to fails the test.
+ * Restores a file, byte for byte, in its destructor; removes a file that was missing. The service
+ * may have written other bytes of the same meaning. A failure fails the test.
  */
 class FileGuard {
   public:
@@ -17,7 +17,7 @@ class FileGuard {
     FileGuard(const FileGuard&) = delete;
     FileGuard& operator=(const FileGuard&) = delete;
 
-    /** Does it now. */
+    /** Restores the file now. */
     void restore() const;
 
   private:
@@ -27,8 +27,8 @@ class FileGuard {
 };
 
 /**
- * Puts system properties back when it goes. One that had no value is left empty, which the service
- * does not tell from none. Not being able to fails the test.
+ * Restores system properties in its destructor. A property that was not set becomes empty, which is
+ * the same for the service. A failure fails the test.
  */
 class PropertyGuard {
   public:

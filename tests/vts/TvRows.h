@@ -24,16 +24,17 @@ struct TvFlagRow {
     const char* setterName;
     Setter setter;
     const char* key;
-    ConfigType master;  ///< the flag without which a start loads this one as false; its own: none
+    ConfigType master; /**< a start loads this flag as false without that one; its own type: no
+                          master */
 };
 
-/** All of them, each after its master. */
+/** All flags, each after its master. */
 const std::vector<TvFlagRow>& tvFlagRows();
 
 inline constexpr const char* kAtvSystemKey = "persist.vendor.mlk.tv.atv_system";
 inline constexpr const char* kDtvSystemKey = "persist.vendor.mlk.tv.dtv_system";
 
-/** What a start loads from the TV configuration file and the properties. */
+/** The values that a start loads from the TV configuration file and the properties. */
 struct PlainFeatures {
     explicit PlainFeatures(const std::string& tvConfigPath);
 
@@ -42,7 +43,7 @@ struct PlainFeatures {
     std::map<ConfigType, bool> flags;
 };
 
-/** A value of the TV configuration file; false when it does not hold the key. */
+/** A value of the TV configuration file; false if the file does not have the key. */
 bool tvFileValue(const std::string& tvConfigPath, const std::string& key, std::string& value);
 
 /** Every getter, and getFlag for every number around the enumeration. */

@@ -72,7 +72,7 @@ class TvWrites : public HalWriteTest<IMlkTvConfigs> {
         abort();
     }
 
-    // Masters come first: the flags below them can be put back only while those are on.
+    // Masters come first: the flags below them can be restored only while the masters are on.
     void restoreFlags() {
         for (const TvFlagRow& row : tvFlagRows()) {
             if (flag(row) != mFlags[row.type]) {
@@ -85,11 +85,11 @@ class TvWrites : public HalWriteTest<IMlkTvConfigs> {
     using SystemSetter = ::android::hardware::Return<void> (I::*)(
             int32_t, std::function<void(const OptionalInt32&)>);
     void restoreSystem(const char* name, SystemSetter setter, const std::string& former) {
-        // One that no setter takes was not changed.
+        // A value that no setter accepts was not changed.
         static_cast<void>(ask(*service, name, setter, numberOf(former)));
     }
 
-    // The property, and the file where that holds the key, have the text.
+    // The property has the text, and so has the file if it has the key.
     void expectStored(const std::string& call, const std::string& key, const std::string& text) {
         EXPECT_EQ(propertyOf(key), text) << call << " leaves another value in " << key;
         std::string value;
@@ -103,7 +103,7 @@ class TvWrites : public HalWriteTest<IMlkTvConfigs> {
     std::string mDtvSystem;
 
   private:
-    // Their destructors run last, after the service has put back what it knows.
+    // Their destructors run last, after the service has restored its values.
     const FileGuard mFile{set.tvConfigPath()};
     const PropertyGuard mProperties{tvKeys()};
 };
@@ -182,7 +182,7 @@ TEST_P(TvWrites, SystemsHaveTheirRanges) {
         }
     }
     EXPECT_EQ(ask(*service, MLK_METHOD(I, setDtvSystem), 0), textOf(OptionalInt32{false, 0}));
-    // A file may hold a number that no setter takes: there would be no way back from a change.
+    // A file may have a number that no setter accepts: a change of it could not be undone.
     if (mAtvSystem == "0" || mAtvSystem == "1") {
         const int32_t other = 1 - numberOf(mAtvSystem);
         const std::string text = std::to_string(other);

@@ -1,5 +1,5 @@
-// Auxiliary files (audio, karaoke, keys, DDC/CI): two files of one name in different folders, of
-// which the one that is loaded first counts.
+// Auxiliary files (audio, karaoke, keys, DDC/CI): two files of one name in different folders. The
+// first one that is loaded counts.
 
 #include <sstream>
 
@@ -30,7 +30,7 @@ std::string dumpOf(const plain::Items& items) {
     return "  IniProjectParser deatil:\n" + file + plain::dumpOf(items, "        ");
 }
 
-// What is written so that each part of it counts reads as the same items.
+// Items that are written in full are read as the same items.
 void parseAgain(const plain::Items& items, const std::string& path) {
     plain::Items kept;
     std::string text;

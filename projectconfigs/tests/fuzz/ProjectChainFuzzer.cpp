@@ -1,6 +1,6 @@
-// The chain of project files: six files, which are project_id.bin, board_id.bin, customer.ini, the
-// system file sys.ini, the project file a.ini and the board file b.ini, as the texts in them name
-// each other by "/tvconfigs/sys.ini" and so on.
+// The chain of project files: project_id.bin, board_id.bin, customer.ini, the system file sys.ini,
+// the project file a.ini and the board file b.ini. They name each other by "/tvconfigs/sys.ini" and
+// so on.
 
 #include <algorithm>
 #include <sstream>
@@ -63,7 +63,7 @@ void compare(const ProjectParser& parser, const plain::Chain& chain) {
     }
 }
 
-// Whether a reader has every part of the item as a writer wrote it.
+// True if a reader gets every part of the item as it was written.
 bool survives(const plain::Items::value_type& item) {
     const auto& [name, value] = item;
     const std::string line = name.second + "=" + value;
@@ -73,7 +73,7 @@ bool survives(const plain::Items::value_type& item) {
            *again.begin() == item && value[0] != '/';
 }
 
-// What is dumped in the form of a project file reads as the same items.
+// Items dumped in the form of a project file are read as the same items.
 void parseAgain(const plain::Items& items) {
     std::string text;
     plain::Items kept;

@@ -11,25 +11,27 @@
 
 namespace mlk::fuzzing {
 
-/// Calls of the three services as an engine can make them up: few bytes say what is well-formed, so
-/// that most inputs reach a method, and some say what is not.
-///
-/// An input is a list of calls, of which the first kMostCalls count; a call is these bytes:
-///
-///     service     which of kServices
-///     method      position in codesOf(service); behind its end: the next four bytes are the code
-///     flags       ONEWAY, OTHER_INTERFACE, and how many descriptors the header claims too many
-///     count       of bytes of numbers, then these
-///     count       of objects, then each: its kind and what the kind has
-///                   TEXT    a text
-///                   KEY     two texts, as a ProjectConfigKey has them
-///                   BUFFER  place, and a text that is its content
-///                   HANDLE  place, count of descriptors, count of numbers
-///                   BINDER  nothing
-///                   NOTHING place: a null object
-///
-/// A text is its length in one byte and its bytes. Where it begins with "$" the folder of the set
-/// stands for that. A place is a parent and an offset in it of one byte each; parent 255 is none.
+/**
+ * Calls of the three services as a fuzzing engine can write them. A well-formed call needs only a
+ * few bytes, so that most inputs reach a method; malformed calls are possible too.
+ *
+ * An input is a list of calls, of which the first kMostCalls count; a call is these bytes:
+ *
+ *     service     which of kServices
+ *     method      position in codesOf(service); after its end: the next four bytes are the code
+ *     flags       ONEWAY, OTHER_INTERFACE, and how many descriptors the header claims too many
+ *     count       of bytes of numbers, then these
+ *     count       of objects, then each: its kind and what the kind has
+ *                   TEXT    a text
+ *                   KEY     two texts, as a ProjectConfigKey has them
+ *                   BUFFER  place, and a text that is its content
+ *                   HANDLE  place, count of descriptors, count of numbers
+ *                   BINDER  nothing
+ *                   NOTHING place: a null object
+ *
+ * A text is its length in one byte and its bytes. A "$" at its beginning stands for the folder of
+ * the set. A place is a parent and an offset in it, of one byte each; parent 255 means no parent.
+ */
 struct CallScript {
     enum Flag : uint8_t { ONEWAY = 1, OTHER_INTERFACE = 2, MISSING_DESCRIPTORS = 4 };
     enum Kind : uint8_t { TEXT, KEY, BUFFER, HANDLE, BINDER, NOTHING, KINDS };
@@ -37,13 +39,13 @@ struct CallScript {
     static constexpr size_t kMostCalls = 10;
 };
 
-/// The services' interfaces, in the order of a script's numbers.
+/** The services' interfaces, in the order of a script's numbers. */
 const std::vector<std::string>& services();
 
-/// Transaction codes of a service: its methods, then those of every interface.
+/** Transaction codes of a service: its methods, then those of every interface. */
 const std::vector<uint32_t>& codesOf(size_t service);
 
-/// One call as it is sent.
+/** One call as it is sent. */
 struct ScriptedCall {
     size_t service;
     bool isOneway;
@@ -51,13 +53,13 @@ struct ScriptedCall {
     test::RawMessage message;
 };
 
-/// Takes calls out of a script, one after the other.
+/** Takes calls out of a script, one after the other. */
 class ScriptReader {
   public:
-    /// `root` is what "$" stands for; `descriptors` are sent with handles and binders, in turn.
+    /** `root` is what "$" stands for; `descriptors` are sent with handles and binders, in turn. */
     ScriptReader(const uint8_t* data, size_t size, std::string root, std::vector<int> descriptors);
 
-    /// Nothing at the end.
+    /** Nothing at the end. */
     std::optional<ScriptedCall> next();
 
   private:
@@ -79,10 +81,10 @@ class ScriptReader {
     const std::vector<int> mDescriptors;
 };
 
-/// Writes calls into a script.
+/** Writes calls into a script. */
 class ScriptWriter {
   public:
-    /// `method` is a position in codesOf(service).
+    /** `method` is a position in codesOf(service). */
     void call(size_t service, size_t method, uint8_t flags, const std::vector<uint8_t>& numbers,
               size_t objects);
     void text(std::string_view text);

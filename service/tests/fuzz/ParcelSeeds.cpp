@@ -23,7 +23,7 @@ using fuzzing::CallScript;
 
 namespace {
 
-// What the calls of one round have as arguments.
+// The arguments of the calls of one round.
 struct Arguments {
     uint8_t number;
     const char* text;
@@ -42,7 +42,7 @@ constexpr Arguments kRounds[] = {
         {44, "$/tvconfigs/nothing", "[MICROPHONE]", "MIC_COUNT"},
 };
 
-// Takes down what a proxy sends, as a script.
+// Writes what a proxy sends as a script.
 class Recorder : public IBinder {
   public:
     Recorder(size_t service, const Arguments& arguments)

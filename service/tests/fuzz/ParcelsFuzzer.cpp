@@ -26,10 +26,10 @@ using mlk::test::RawClient;
 namespace {
 
 constexpr size_t kThreads = 4;
-// More than the process ever has; each input that leaks a descriptor moves it nearer.
+// More than the process needs; inputs that leak descriptors reach it.
 constexpr int kMostDescriptors = 200;
 
-// A copy of the sample's set; it goes when the process ends.
+// A copy of the sample's set; it is removed when the process ends.
 mlk::testing::HostSet& set() {
     static mlk::testing::HostSet theSet;
     return theSet;
@@ -76,8 +76,8 @@ Server& server() {
     return *theServer;
 }
 
-// What clients hand over: something that swallows what is written, something that takes nothing,
-// and one end of a connection whose other end is gone.
+// Descriptors that clients send: one that accepts all bytes, one that accepts none, and one end of
+// a connection whose other end is closed.
 std::vector<int> descriptors() {
     int ends[2];
     fuzzing::require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "sockets");
@@ -94,7 +94,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     while (const auto call = script.next()) {
         RawClient& client = server().client(call->service);
         fuzzing::require(client.send(call->message), "a call can be sent");
-        // A call that claims descriptors which do not come may be taken for rubbish.
+        // A call without the descriptors that it claims may be refused as malformed.
         const bool isAnswered = call->isOneway || client.replyStatus().has_value();
         fuzzing::require(isAnswered || !call->isWhole, "a call is answered");
         if (!call->isWhole) {

@@ -1,5 +1,4 @@
-// Values of system properties: what stands in the file of every property that a service reads, and
-// what the services make of it.
+// Values of system properties: any content of the property files, and what the services make of it.
 
 #include <cutils/properties.h>
 #include <unistd.h>
@@ -119,7 +118,7 @@ void expectAnswer(const OptionalBool& answer, bool expected, const char* name) {
     fuzzing::require(answer.success && answer.value == expected, name);
 }
 
-// What an item of the framework service answers, as getterRows prints it.
+// The answer of a getter of the framework service, as getterRows prints it.
 std::string expectedOf(FrameworkItemKind kind, const std::string& value) {
     switch (kind) {
         case FrameworkItemKind::FLAG:
@@ -171,7 +170,7 @@ bool isKey(const std::string& text) {
            text.find_first_not_of(characters) == std::string::npos;
 }
 
-// The text as a value, and as a key, in a store of its own.
+// The text as a value, and as a key, in its own store.
 void compareStore(const std::string& text) {
     static const mlk::testing::TempDir folder;
     const mlk::host::PropertyStore store(folder.path());
@@ -195,7 +194,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const Set set;
     const std::string content(reinterpret_cast<const char*>(data), size);
     set.fill(content);
-    // Another program may have spoilt the file: it counts up to a NUL, and 91 bytes of it at most.
+    // Another program may have written the file: its text ends at a NUL or after 91 bytes.
     const std::string value = content.substr(0, 91).c_str();
     comparePlatform(value);
     compareFramework(value);

@@ -1,5 +1,5 @@
-// The service with one fault, which MLK_FAULT names: "wrong IMlkTvConfigs::getAtvSystem" answers
-// wrong; "idle IMlkTvConfigs::setAtvSystem" answers right and does nothing.
+// The service with one fault, which MLK_FAULT names: "wrong IMlkTvConfigs::getAtvSystem" gives a
+// wrong answer; "idle IMlkTvConfigs::setAtvSystem" gives the right answer and does nothing.
 
 #include <hidl/HidlTransportSupport.h>
 
@@ -31,7 +31,7 @@ bool isFault(const char* kind, const char* interface, const char* method) {
     return kFault == std::string(kind) + " " + interface + "::" + method;
 }
 
-// Each makes another answer of it.
+// Each changes the answer.
 void distort(OptionalBool& answer) {
     answer.value = !answer.value;
 }

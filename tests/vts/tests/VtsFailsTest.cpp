@@ -1,4 +1,4 @@
-// The test program finds a service that is wrong, and names the method.
+// The test program detects a wrong service, and names the method.
 
 #include <gmock/gmock.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// Each method of the program's table in turn has the fault. Nothing on the set stays changed.
+// Each method of the program's table has the fault in turn. The set does not stay changed.
 class VtsFails : public VtsRun, public ::testing::WithParamInterface<const char*> {
   protected:
     void expectFound(const std::string& kind, const std::string& method, const std::string& suite) {
@@ -77,7 +77,7 @@ TEST_F(VtsOf, NoAllocatorFailsForSharedMemory) {
     EXPECT_THAT(outcome.out, HasSubstr("getVendorPartitionFile("));
 }
 
-// What changes on a set after the service has started: the service answers what was there.
+// Changes on a set after the start of the service, which answers from the former state.
 TEST_F(VtsOf, AChangedSetFailsForWhatReadsIt) {
     struct Change {
         const char* file;
@@ -132,7 +132,7 @@ TEST_F(VtsOf, AChangedSetFailsForWhatReadsIt) {
         }
         mSet.dir().write(change.file, before.at(change.file));
     }
-    // The map of the channel plans is read at the first question.
+    // The service reads the map of the channel plans at the first call.
     ASSERT_EQ(run({}).status, 0);
     edit("tvconfigs/freqtables/country_freq_map.xml", "freqtable_eu", "freqtable_dvbt_uhf");
     const Outcome outcome = run({});

@@ -1,4 +1,4 @@
-// The test program finds nothing wrong with a service that is right.
+// The test program passes on a right service.
 
 #include <gmock/gmock.h>
 #include <poll.h>
@@ -18,8 +18,8 @@ using ::testing::HasSubstr;
 struct Set {
     const char* name;
     int model;
-    const char* board;  ///< null: as the sample has it
-    int country;        ///< -1: none is saved
+    const char* board; /**< null: as the sample has it */
+    int country;       /**< -1: none is saved */
     bool writes;
 };
 
@@ -45,7 +45,8 @@ TEST_P(VtsPasses, OnTheSample) {
     const Outcome outcome =
             run(param.writes ? std::vector<std::string>{"--writes"} : std::vector<std::string>{});
     EXPECT_EQ(outcome.status, 0) << outcome.out;
-    // All tests of both kinds but the one that ends the service, and the setters' where they rest.
+    // All tests of both kinds run, except the one that ends the service and the setters' if
+    // disabled.
     EXPECT_THAT(outcome.out,
                 HasSubstr(param.writes ? "[  PASSED  ] 25 tests" : "[  PASSED  ] 14 tests"));
     EXPECT_EQ(files(), before);
@@ -81,7 +82,7 @@ TEST_F(Vts, PassesOnASetWithoutAnyFile) {
     }
 }
 
-// The service writes its own spelling of each; the program puts back what stood there.
+// The service writes each value in its own spelling; the program restores the former text.
 TEST_F(Vts, LeavesEverySpellingAsItWas) {
     edit("tvconfigs/tv/tv_eu.config", "enable_atv=true", "enable_atv=1");
     edit("tvconfigs/tv/tv_eu.config", "enable_vga=false", "enable_vga= no");

@@ -33,7 +33,7 @@ void VtsRun::startService() {
     mService = nullptr;
     mService = std::make_unique<Process>(std::vector<std::string>{mProgram},
                                          Process::Options{mEnvironment});
-    // The last that a start registers.
+    // A start registers this one last.
     ASSERT_TRUE(testing::eventually([&] {
         return IMlkFrameworkConfigs::tryGetService() != nullptr || !mService->running();
     })) << mService->err();
