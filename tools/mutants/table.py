@@ -9,7 +9,7 @@ A table has a part for each source file and in it a row for each bug:
 
 The indented lines are what stands in the file; in [[OLD => NEW]] the bug changes OLD into NEW. They
 have to fit exactly one place of the file. White space in them stands for any white space, so that a
-line that is broken elsewhere still fits. A line that begins with "#" is a remark. Lines that begin
+line that is broken elsewhere still fits; around the change it stands for the braces of a block too. A line that begins with "#" is a remark. Lines that begin
 with "@" between the two say more:
 
     @unseen REASON    no test can notice this bug, and why
@@ -22,6 +22,8 @@ import re
 import zlib
 from dataclasses import dataclass
 
+_SPACE = r"(?:\s|\\\n)+"
+_SPACE_OR_BRACE = r"(?:[\s{}]|\\\n)+"
 _ROW = re.compile(r"([a-z0-9][a-z0-9-]*): (\S.*)")
 
 
@@ -54,16 +56,17 @@ class Bug:
 
     def place(self, text):
         """Gives where OLD begins and ends in the text of its file."""
-        pattern = _flexible(self.before) + "(" + _flexible(self.old) + ")" + _flexible(self.after)
+        pattern = (_flexible(self.before, _SPACE_OR_BRACE) + "(" + _flexible(self.old, _SPACE) + ")"
+                   + _flexible(self.after, _SPACE_OR_BRACE))
         found = list(re.finditer(pattern, text))
         if len(found) != 1:
             raise TableError(f"{self.where}: {self.name}: fits {len(found)} places of {self.file}")
         return found[0].span(1)
 
 
-def _flexible(text):
+def _flexible(text, space):
     words = re.split(r"(\s+)", text)
-    return "".join(r"(?:\s|\\\n)+" if word.isspace() else re.escape(word) for word in words)
+    return "".join(space if word.isspace() else re.escape(word) for word in words)
 
 
 def _directive(bug, line):

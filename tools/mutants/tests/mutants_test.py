@@ -42,6 +42,9 @@ class TreeTest(unittest.TestCase):
             by_file.setdefault(bug.file, []).append(bug)
         wrong = []
         for file, bugs in by_file.items():
+            if not os.path.exists(os.path.join(TREE, file)):
+                wrong += [f"{bug.where}: {bug.name}: there is no {file}" for bug in bugs]
+                continue
             with open(os.path.join(TREE, file), encoding="utf-8") as stream:
                 text = stream.read()
             for bug in bugs:
@@ -51,7 +54,7 @@ class TreeTest(unittest.TestCase):
                     wrong.append(str(error))
             if not wrong:
                 planting.plant(text, bugs, "mutant.h")
-        self.assertEqual([], wrong)
+        self.assertEqual("", "\n".join(wrong))
 
     def test_there_are_enough_and_each_folder_has_some(self):
         self.assertGreaterEqual(len(self.bugs), 150)
@@ -72,6 +75,14 @@ class TableTest(unittest.TestCase):
         bug = read("== common/F.cpp\nx: x\n    f(a, [[b => c]]);\n    g();\n")[0]
         self.assertEqual((7, 8), bug.place("  f(a, b);\n\n\tg();"))
         self.assertEqual((8, 9), bug.place("  f(a,\n b); \\\n g();"))
+
+    def test_braces_around_the_change_may_come_and_go(self):
+        bug = read("== common/F.cpp\nx: x\n    if ([[a => b]]) return c; d();\n")[0]
+        for text in ("if (a) return c; d();", "if (a) {\n    return c;\n}\nd();"):
+            self.assertEqual((4, 5), bug.place(text))
+        bug = read("== common/F.cpp\nx: x\n    [[if (a) b(); => b();]]\n")[0]
+        with self.assertRaisesRegex(table.TableError, "fits 0 places"):
+            bug.place("if (a) { b(); }")
 
     def test_a_place_has_to_be_the_only_one(self):
         bug = read("== common/F.cpp\nx: x\n    f([[a => b]]);\n")[0]
