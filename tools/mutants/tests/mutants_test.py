@@ -106,6 +106,8 @@ class PlantingTest(unittest.TestCase):
     def test_a_part_stands_for_the_expression_it_is_in(self):
         self.assertEqual("if ((acts(1) ? (a(')', x)) : (a(')', x) && b == c))) {",
                          planted("if (a(')', x) && b == c) {", "[[&& b == c => ]]"))
+        self.assertEqual("f(1'000); x = (acts(1) ? (a >= '0') : (a > '0'));",
+                         planted("f(1'000); x = a > '0';", "a [[> => >=]] '0';"))
         self.assertEqual("int x = (acts(1) ? (y <= 3) : (y < 3));",
                          planted("int x = y < 3;", "y [[< 3 => <= 3]];"))
         self.assertEqual("return p ? (acts(1) ? (s. rfind(c)) : (s.find(c))) : 0;",
