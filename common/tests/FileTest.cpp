@@ -48,6 +48,17 @@ TEST(FileTest, FailureAfterSomeBytesIsAFailure) {
     EXPECT_EQ(file.readUpTo(buffer, 8), -1);
 }
 
+TEST(FileTest, DescriptorGoesWithTheObject) {
+    const TempDir dir;
+    const std::string path = dir.write("f", "text");
+    // The lowest number that is free.
+    const int descriptor = File(path).descriptor();
+    EXPECT_GE(descriptor, 0);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(File(path).descriptor(), descriptor);
+    }
+}
+
 TEST(FileTest, MissingFileIsTold) {
     const TempDir dir;
     const File file(dir.path() + "/nothing");

@@ -193,6 +193,12 @@ TEST_F(LineReaderLimitTest, FileWithoutAnEndIsRefused) {
     }
 }
 
+TEST_F(LineReaderLimitTest, LimitsAreThoseThatDevicesAreToldOf) {
+    EXPECT_EQ(largerThan(kMostIdentityBytes), "larger than 65536 bytes");
+    EXPECT_EQ(largerThan(kMostListBytes), "larger than 16777216 bytes");
+    EXPECT_EQ(largerThan(kMostProjectBytes), "larger than 67108864 bytes");
+}
+
 TEST_F(LineReaderLimitTest, SparseFileIsRefused) {
     const std::string sparse = mDir.write("file", "PROJECT_ID=1\n");
     ASSERT_EQ(truncate(sparse.c_str(), off_t{10} << 30), 0);
