@@ -29,8 +29,9 @@ import planting  # noqa: E402
 import programs  # noqa: E402
 import table  # noqa: E402
 
-# Tests up to this many seconds come before the longer ones.
+# Seconds: tests that take no longer are quick, and those that take longer are long.
 QUICK = 0.25
+LONG = 2.0
 
 
 def copy_tree(bugs):
@@ -135,8 +136,11 @@ def measure(pool, built):
 class Run:
     """The bugs that are tried, by several threads, and what they came to."""
 
-    def __init__(self, built, learned, own, verbose):
+    def __init__(self, built, learned, bugs, own, verbose):
         self._built = built  # by preset, then by name
+        self._files = {}  # the bugs of each
+        for bug in bugs:
+            self._files.setdefault(bug.file, []).append(bug.id)
         self._own = own
         self._learned = learned
         self._verbose = verbose
@@ -162,23 +166,49 @@ class Run:
 
     def _noticed_by(self, bug, preset):
         own, above = programs.PROGRAMS[bug.folder]
+        names = own if bug.threads or self._own else own + above
         learned = self._learned.get(bug.id)
         if learned and learned[0] in self._built[preset]:
             by = self._attempt(bug, preset, learned[0], [learned[1]])
             if by:
                 return by
-        for name in own if bug.threads or self._own else own + above:
-            program = self._built[preset][name]
-            tests = [test for test in program.seconds if test not in program.excluded]
-            if bug.threads:
-                tests = program.tests(bug.threads)
-            # The short ones first.
-            for wanted in (True, False):
-                group = [test for test in tests if (program.seconds.get(test, 0) <= QUICK) == wanted]
-                by = group and self._attempt(bug, preset, name, group)
-                if by:
-                    return by
+        tests = {name: self._tests(bug, self._built[preset][name]) for name in names}
+        for name, group in self._groups(bug, tests, preset):
+            by = self._attempt(bug, preset, name, group)
+            if by:
+                return by
         return None
+
+    @staticmethod
+    def _tests(bug, program):
+        if bug.threads:
+            return program.tests(bug.threads)
+        return [test for test in program.seconds if test not in program.excluded]
+
+    def _groups(self, bug, tests, preset):
+        """The tests in the order in which they are likely to notice a bug soon."""
+        # Those that noticed other bugs of the file.
+        with self._lock:
+            similar = {tuple(self._learned[other]) for other in self._files.get(bug.file, [])
+                       if other in self._learned}
+        left = {}
+        for name, some in tests.items():
+            group = [test for test in some if (name, test) in similar]
+            left[name] = [test for test in some if (name, test) not in similar]
+            if group:
+                yield name, group
+        # The folder's own before those above, but the long ones of all last.
+        own = programs.PROGRAMS[bug.folder][0]
+        above = [name for name in left if name not in own]
+        endless = float("inf")
+        for names, least, most in ((own, 0, QUICK), (own, QUICK, LONG), (above, 0, QUICK),
+                                   (above, QUICK, LONG), (own + above, LONG, endless)):
+            for name in names:
+                seconds = self._built[preset][name].seconds
+                group = [test for test in left[name]
+                         if least <= seconds.get(test, 0) < most]
+                if group:
+                    yield name, group
 
     def _attempt(self, bug, preset, name, tests):
         """What noticed the bug: program, test, how; None when nothing did."""
@@ -198,28 +228,27 @@ class Run:
 
 
 def report(bugs, run, seconds):
-    """Prints a line a folder, the missed, and those that nobody can notice."""
-    print(f"\n{'folder':<18}{'planted':>8}{'noticed':>9}{'not':>5}{'unseen':>8}")
-    rows = [(folder, [bug for bug in bugs if bug.folder == folder])
+    """Prints what docs/reliability.md shows: a line a folder, the missed, those nobody can notice."""
+    print("\n| folder | planted | noticed | not noticed | cannot be observed |\n|---|---|---|---|---|")
+    rows = [(f"`{folder}`", [bug for bug in bugs if bug.folder == folder])
             for folder in sorted({bug.folder for bug in bugs})]
     for folder, some in rows + [("all", bugs)]:
-        unseen = [bug for bug in some if bug.unseen]
-        noticed = [bug for bug in some if bug.id in run.noticed]
-        missed = [bug for bug in some if bug in run.missed]
-        print(f"{folder:<18}{len(some):>8}{len(noticed):>9}{len(missed):>5}{len(unseen):>8}")
+        noticed = sum(bug.id in run.noticed for bug in some)
+        missed = sum(bug in run.missed for bug in some)
+        print(f"| {folder} | {len(some)} | {noticed} | {missed} | {len(some) - noticed - missed} |")
     elsewhere = [bug for bug in bugs if bug.id in run.noticed
                  and run.noticed[bug.id][0] not in programs.PROGRAMS[bug.folder][0]]
-    print(f"\nNoticed only by a folder above: {len(elsewhere)}")
+    print(f"\nNoticed by the tests of a folder above: {len(elsewhere)}")
     for bug in elsewhere:
         print(f"  {bug.id}: {' '.join(run.noticed[bug.id])}")
     print(f"\nNot noticed: {len(run.missed)}")
     for bug in run.missed:
         print(f"  {bug.id}: {bug.what} ({bug.file})")
-    unseen = [bug for bug in bugs if bug.unseen]
-    print(f"\nCannot be observed: {len(unseen)}")
-    for bug in unseen:
-        print(f"  {bug.id}: {bug.what}: {bug.unseen}")
-    print(f"\n{seconds / 60:.1f} minutes")
+    print("\n| cannot be observed | bug | why |\n|---|---|---|")
+    for bug in bugs:
+        if bug.unseen and bug.id not in run.noticed:
+            print(f"| `{bug.file}` | {bug.what} | {bug.unseen} |")
+    print(f"\n{len(bugs)} bugs in {seconds / 60:.1f} minutes")
 
 
 def arguments():
@@ -270,7 +299,7 @@ def main():
     built = {preset: build(source, preset, names) for preset, names in targets.items() if names}
     print(f"built after {time.monotonic() - start:.0f} s", flush=True)
     learned = load("learned.json")
-    run = Run(built, learned, options.own, options.verbose)
+    run = Run(built, learned, every, options.own, options.verbose)
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         # Not those for the thread sanitizer: they run only for bugs that it alone shows.
         measure(pool, built.get("default", {}))
