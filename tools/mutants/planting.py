@@ -34,9 +34,13 @@ def _is_statement(text):
     return text.endswith(";") or (text.endswith("}") and ";" in text)
 
 
+def _seen(text):
+    return _OPAQUE.sub(lambda found: "x" * len(found[0]), text)
+
+
 def _whole(text, begin, end):
     """Where the expression begins and ends that a part of it is in."""
-    seen = _OPAQUE.sub(lambda found: "x" * len(found[0]), text)
+    seen = _seen(text)
     depth = 0
     while begin > 0:
         sign = seen[begin - 1]
@@ -58,6 +62,9 @@ def _whole(text, begin, end):
 def _extended(text, bug):
     """Where the text begins and ends that a bug changes, and into what."""
     begin, end = bug.place(text)
+    if _LOG.fullmatch(bug.old) and _LOG.fullmatch(bug.new):
+        stop = _seen(text).index(";", end) + 1
+        return begin, stop, bug.new + text[end:stop]
     if _is_statement(bug.old) or _is_statement(bug.new):
         return begin, end, bug.new
     is_member = text[:begin].endswith((".", "::", "->"))

@@ -119,6 +119,10 @@ class PlantingTest(unittest.TestCase):
         self.assertEqual("a(); if (acts(1)) {  } else { f(); }",
                          planted("a(); f();", "[[f(); => ]]"))
 
+    def test_the_level_of_a_message(self):
+        self.assertEqual('if (acts(1)) { ALOGW("%s;", f(a)); } else { ALOGE("%s;", f(a)); } g();',
+                         planted('ALOGE("%s;", f(a)); g();', '[[ALOGE => ALOGW]]("%s;", f'))
+
     def test_a_lock(self):
         self.assertEqual("const mlk_mutants::MaybeLock<std::mutex, false> lock(m, !acts(1));",
                          planted("const std::lock_guard<std::mutex> lock(m);",
