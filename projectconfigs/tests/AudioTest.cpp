@@ -70,6 +70,13 @@ class AudioTest : public ServiceOnSet {
 
 using AudioDeathTest = AudioTest;
 
+TEST_F(AudioTest, TextOfAnAvrEndsAtItsNul) {
+    startWithAllFiles();
+    audioFile("avr/AVR_X_Y.ini", "50000");
+    setAvr({"X\0tail", 6}, {"Y\0tail", 6});
+    EXPECT_EQ(delay("ARC"), "54321");
+}
+
 TEST_F(AudioTest, FilesAreLoadedInOrder) {
     startWithAllFiles();
     start();

@@ -1,5 +1,7 @@
 // The limits on texts that are written, and readers that are waited for, at once.
 
+#include <fstream>
+
 #include "projectconfigs/tests/ClientWriting.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -218,6 +220,38 @@ TEST(Places, AreTakenAndGivenBack) {
     first.reset();
     EXPECT_TRUE(Places::Taken(places));
     EXPECT_TRUE(Places::Taken(places)) << "each is given back once";
+}
+
+// A place of two threads: one has it, the other waits.
+TEST(Places, WhoWaitsIsToldOfAPlace) {
+    const auto places = std::make_shared<Places>(1);
+    auto first = std::make_unique<Places::Taken>(*places);
+    const auto task = std::make_shared<std::promise<pid_t>>();
+    const auto got = std::make_shared<std::promise<bool>>();
+    auto result = got->get_future();
+    // Not joined: without the place it would wait for an hour.
+    std::thread([places, task, got] {
+        task->set_value(gettid());
+        const Places::Taken second(*places, std::chrono::hours(1));
+        got->set_value(static_cast<bool>(second));
+    }).detach();
+    const std::string state =
+            "/proc/self/task/" + std::to_string(task->get_future().get()) + "/stat";
+    const auto sleeps = [&] {
+        std::string text;
+        std::getline(std::ifstream(state), text);
+        return text.find(") S ") != std::string::npos;
+    };
+    EXPECT_TRUE(eventually(sleeps)) << "nobody waits for a place";
+    first.reset();
+    ASSERT_EQ(result.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    EXPECT_TRUE(result.get());
+}
+
+TEST(Places, PatienceEnds) {
+    Places places(1);
+    const Places::Taken first(places);
+    EXPECT_FALSE(Places::Taken(places, std::chrono::milliseconds(1)));
 }
 
 }  // namespace

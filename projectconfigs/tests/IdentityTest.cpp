@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <string>
@@ -12,6 +13,7 @@
 #include "host/testing/FileCalls.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/OtherUser.h"
+#include "host/testing/ReadHook.h"
 #include "host/testing/SmallDisk.h"
 #include "host/testing/TempDir.h"
 #include "projectconfigs/BoardID.h"
@@ -26,6 +28,7 @@ using mlk::testing::FileCall;
 using mlk::testing::FileCalls;
 using mlk::testing::isKilledAt;
 using mlk::testing::LogCapture;
+using mlk::testing::ReadHook;
 using mlk::testing::SmallDisk;
 using mlk::testing::TempDir;
 using ::testing::AnyOf;
@@ -103,6 +106,13 @@ TEST_F(IdentityTest, ProjectFileIsReadUpTo64KiB) {
     EXPECT_THAT(errors(), IsEmpty());
     EXPECT_EQ(projectOf(std::string(65536, ' ') + "PROJECT_ID=5\n"), 0U);
     EXPECT_THAT(errors(), ElementsAre(projectFile() + ": no index in the first 65536 bytes"));
+}
+
+TEST_F(IdentityTest, ShortReadEndsNoChunk) {
+    const ReadHook hook([](int descriptor, void* bytes, size_t size) {
+        return ReadHook::read(descriptor, bytes, std::min<size_t>(size, 5));
+    });
+    EXPECT_EQ(projectOf("PROJECT_ID=5\n"), 5U);
 }
 
 TEST_F(IdentityTest, MissingProjectFileIsCreatedEmpty) {
