@@ -1,5 +1,7 @@
 // The limits on texts that are written, and readers that are waited for, at once.
 
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "projectconfigs/tests/ClientWriting.h"
@@ -210,6 +212,36 @@ TEST(ClientDescriptor, TerminalThatIsClosedFails) {
     Terminal terminal;
     terminal.master.reset();
     EXPECT_EQ(written(terminal.slave.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
+}
+
+// What a descriptor of the process that writes to the same pipe is closed with; none but those.
+std::vector<int> flagsOfCopies(int descriptor) {
+    struct stat wanted {};
+    EXPECT_EQ(fstat(descriptor, &wanted), 0);
+    std::vector<int> flags;
+    for (int other = 0; other < 1024; ++other) {
+        struct stat status {};
+        if (other != descriptor && fstat(other, &status) == 0 && status.st_ino == wanted.st_ino &&
+            (fcntl(other, F_GETFL) & O_ACCMODE) == O_WRONLY) {
+            flags.push_back(fcntl(other, F_GETFD));
+        }
+    }
+    return flags;
+}
+
+TEST(ClientDescriptor, CopyIsNotInherited) {
+    const TestPipe pipe;
+    const std::string text(3 * TestPipe::kSize, 'x');
+    std::thread caller([&] { writeToClient(pipe.writeEnd(), text, [](const Written&) {}); });
+    std::vector<int> flags;
+    EXPECT_TRUE(eventually([&] {
+        // A reader that goes on keeps the writer there.
+        (void)(pipe.isReadable() ? pipe.read(1) : "");
+        flags = flagsOfCopies(pipe.writeEnd());
+        return !flags.empty();
+    }));
+    EXPECT_EQ(flags, std::vector<int>{FD_CLOEXEC});
+    caller.join();
 }
 
 TEST(Places, AreTakenAndGivenBack) {
