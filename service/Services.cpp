@@ -13,7 +13,9 @@ namespace {
 template <typename Interface>
 void registerOrAbort(const sp<Interface>& service, const char* name) {
     const ::android::status_t status = service->registerAsService("default");
-    LOG_ALWAYS_FATAL_IF(status != ::android::OK, "Could not register %s", name);
+    if (status != ::android::OK) {
+        __android_log_assert("status != OK", LOG_TAG, "Could not register %s", name);
+    }
 }
 
 OptionalString tvConfigOf(IMlkProjectConfigs& project) {

@@ -12,11 +12,13 @@ from typing import Callable
 from table import TableError
 
 _LOCK = re.compile(r"(?:const )?std::(lock_guard|shared_lock)<([\w:]+)> (\w+)\(([^;]*)\);")
-# Beginnings and ends that make a part of an expression incomplete.
+# What begins or ends a part of an expression that is none by itself.
 _BINARY = r"&&|\|\||==|!=|<=|>=|<|>|[-+*/%?:] "
 _PART = re.compile(rf"(?:{_BINARY}).*|.*(?:&&|\|\|)", re.S)
-# Literals and comments, in which brackets do not count.
-_OPAQUE = re.compile(r"""'(?:\\.|[^'\\])+'|"(?:\\.|[^"\\])*"|//[^\n]*""")
+# Literals and remarks, in which a bracket is none. (A quote within a number parts its digits.)
+_OPAQUE = re.compile(r"""(?<!\w)'(?:\\.|[^'\\])+'|"(?:\\.|[^"\\])*"|//[^\n]*""")
+# Macros, which are none without what stands in brackets after them.
+_LOG = re.compile(r"ALOG[VDIWE]")
 _CONSTEXPR = re.compile(r"\b(static )?constexpr\b( const\b)?")
 
 
