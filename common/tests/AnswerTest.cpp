@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <iterator>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {

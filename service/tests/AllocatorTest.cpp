@@ -127,9 +127,9 @@ TEST_F(AllocatorTest, SmallerBlockIsNotWrittenBeyondItsEnd) {
     startFake(-1);
     const std::string path = file(4096);
     EXPECT_EQ(shared(path), "empty memory");
-    EXPECT_TRUE(isLogged("E/MlkProjectConfigs(" + std::to_string(pid()) +
-                         "): getVendorPartitionFile, no shared memory of 4096 bytes: the block "
-                         "cannot be mapped, or is smaller\n"));
+    EXPECT_TRUE(
+            isLogged("): getVendorPartitionFile, no shared memory of 4096 bytes: the block "
+                     "cannot be mapped, or is smaller\n"));
     EXPECT_EQ(panel(), "PANEL_ONE");
 }
 
