@@ -20,7 +20,7 @@ std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSou
     }
     parser.update(path.c_str());
     parser.dumpDetail();
-    const std::string name(fileNameOf(path));
+    std::string name(fileNameOf(path));
     if (name.size() == path.size() || name.size() >= kFileNameSize) {
         return {};
     }

@@ -9,7 +9,6 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
-using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 using ::android::hardware::Void;
 
