@@ -87,10 +87,6 @@ const std::string* tableOf(const CountryFreqMapEntry& entry, FreqTableType type,
 
 }  // namespace
 
-CountryFreqMapParse::CountryFreqMapParse(std::function<Partitions()> partitions,
-                                         const CountryListParser& countries)
-    : mPartitions(std::move(partitions)), mCountries(countries) {}
-
 std::string CountryFreqMapParse::GetTvConfigPath() {
     const std::lock_guard<std::mutex> lock(mMutex);
     return tvConfigPathLocked();

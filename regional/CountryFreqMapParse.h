@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/Partitions.h"
@@ -57,7 +58,8 @@ class CountryFreqMapParse {
      * @param partitions  returns the mount points; called whenever the default folder is needed
      * @param countries   has the names of the countries; must outlive the object
      */
-    CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries);
+    CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries)
+        : mPartitions(std::move(partitions)), mCountries(countries) {}
     /** Returns the object of the process. */
     static CountryFreqMapParse& GetInstance();
     virtual ~CountryFreqMapParse() = default;

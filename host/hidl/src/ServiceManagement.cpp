@@ -100,7 +100,8 @@ std::vector<std::string> getAllHalInstanceNames(const std::string& descriptor) {
     std::vector<std::string> instances;
     const std::string start = descriptor + "/";
     const auto listed = defaultServiceManager()->list([&](const auto& names) {
-        for (const std::string name : names) {
+        for (const auto& listedName : names) {
+            const std::string name = listedName;
             if (name.compare(0, start.size(), start) == 0) {
                 instances.push_back(name.substr(start.size()));
             }
