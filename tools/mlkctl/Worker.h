@@ -9,22 +9,22 @@
 namespace mlk::ctl {
 
 /**
- * A thread that does work for its owner, who can give up waiting. A worker that is at work when it
- * is destroyed is left behind; anyPending() (Pending.h) counts it until its work ends. For one
- * thread.
+ * A thread that does work for its owner, who may stop waiting. If the worker is destroyed during
+ * its work, the thread goes on alone; anyPending() (Pending.h) counts it until its work ends. For
+ * one thread.
  */
 class Worker {
   public:
     using Clock = std::chrono::steady_clock;
     using Duration = std::chrono::duration<double>;
 
-    /** A piece of a group: false when the pieces after it must not begin. */
+    /** A piece of a group. Returns false if the pieces after it must not begin. */
     using Piece = std::function<bool()>;
 
     /** How a group ended. */
     struct Outcome {
-        size_t ended;  ///< So many pieces, from the first, have ended.
-        bool hangs;    ///< The next one took longer than its limit.
+        size_t ended;  ///< number of pieces that have ended, counted from the first
+        bool hangs;    ///< the next piece took longer than its limit
     };
 
     Worker();

@@ -69,7 +69,7 @@ TEST(BatchLineTest, ReadsBytesThatAreNoUtf8) {
     EXPECT_EQ(textOf(R"(\\udc80)"), R"(\udc80)");
     EXPECT_EQ(textOf(R"(\\\udc80)"), "\\\x80");
     EXPECT_EQ(textOf(R"(\"\udc80)"), "\"\x80");
-    // The second half of a pair is none; behind a pair it is one.
+    // In a pair it is the second half; after a whole pair it stands for a byte again.
     EXPECT_EQ(textOf(R"(\ud800\udc80)"), "\xf0\x90\x82\x80");
     EXPECT_EQ(textOf(R"(\ud800\udc80\udc80)"), "\xf0\x90\x82\x80\x80");
     // The character that marks hidden bytes stands for itself beside them.

@@ -1,4 +1,4 @@
-// What takes too long is left behind.
+// Work that takes too long is abandoned.
 #include "tools/mlkctl/Worker.h"
 
 #include <gmock/gmock.h>
