@@ -138,8 +138,8 @@ void Services::callAll(const std::vector<Request>& requests, const Receiver& rec
 
 size_t Services::callSome(const std::vector<Request>& requests, size_t first,
                           const Receiver& receive) {
-    // The thread's, which may be left behind with it: of a piece that has ended, this has the
-    // result.
+    // Shared with the thread, which may outlive this call. Holds the result of each piece that has
+    // ended.
     struct Shared {
         std::vector<Result> results;
         size_t bytes = 0;

@@ -33,16 +33,16 @@ class Worker {
     Worker& operator=(const Worker&) = delete;
 
     /**
-     * Does the work and throws what it throws. False when it takes longer than the limit: then the
-     * worker can only be destroyed, and the work must not refer to anything that may go.
+     * Does the work and throws what it throws. Returns false if it takes longer than the limit:
+     * then the worker can only be destroyed. The work must own everything it refers to.
      */
     bool run(std::function<void()> work, Duration limit);
 
     /**
-     * Does the pieces one after the other, each within the limit. That hands over to the thread
-     * once, which costs more than a quick piece. A piece that throws ends the group, and this
-     * throws the same. After a piece that hangs the worker can only be destroyed, and the pieces
-     * must not refer to anything that may go.
+     * Does the pieces one after the other, each within the limit. The group is handed to the thread
+     * once, because handing over costs more than a quick piece. A piece that throws ends the group,
+     * and this throws the same. After a piece that hangs the worker can only be destroyed. The
+     * pieces must own everything they refer to.
      */
     Outcome runAll(std::vector<Piece> pieces, Duration limit);
 
