@@ -45,8 +45,11 @@ TEST(LogLimitTest, ALoudClientIsLeftOutAndNobodyElse) {
         (void)service->getTvFile("quiet", [](const auto&) {});
         return said().find(told) != std::string::npos;
     }));
-    (void)service->getTvFile("heard again", [](const auto&) {});
-    EXPECT_TRUE(server.process().waitForErr("getTvFile,path:heard again"));
+    // The calls before may have used up what the client may write in this moment.
+    EXPECT_TRUE(eventually([&] {
+        (void)service->getTvFile("heard again", [](const auto&) {});
+        return said().find("getTvFile,path:heard again") != std::string::npos;
+    }));
 }
 
 }  // namespace
