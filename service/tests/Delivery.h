@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "host/testing/Eventually.h"
@@ -44,6 +45,7 @@ class Delivery : public ::testing::Test {
         return mSet.dir().write("tvdata/file", mContent);
     }
     bool isContent(const void* bytes, size_t size) const {
+        const std::lock_guard<std::mutex> lock(mContentLock);
         return size == mContent.size() && memcmp(bytes, mContent.data(), size) == 0;
     }
 
@@ -102,6 +104,8 @@ class Delivery : public ::testing::Test {
     std::unique_ptr<::mlk::testing::Process> mAllocator;
     std::unique_ptr<ServiceProcess> mServer;
     ::android::sp<IMlkProjectConfigs> mService;
+    /** Tells the thread sanitizer which comes first: a change in one thread, a look in another. */
+    mutable std::mutex mContentLock;
     std::string mContent;
 };
 

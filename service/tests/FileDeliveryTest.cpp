@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -164,7 +165,10 @@ class FaultyDeliveryTest : public Delivery {
         std::thread asker([&] { got = answer(); });
         EXPECT_TRUE(::mlk::testing::eventually(
                 [&] { return mSet.dir().read("calls").find("read\n") != std::string::npos; }));
-        change();
+        {
+            const std::lock_guard<std::mutex> lock(mContentLock);
+            change();
+        }
         const int opened = open(gate().c_str(), O_RDWR | O_CLOEXEC);
         asker.join();
         close(opened);

@@ -64,8 +64,13 @@ class AddressSpace {
                 continue;
             }
             const size_t dash = line.find('-');
-            mRanges.emplace_back(std::stoull(line.substr(0, dash), nullptr, 16),
-                                 std::stoull(line.substr(dash + 1), nullptr, 16));
+            const uint64_t begin = std::stoull(line.substr(0, dash), nullptr, 16);
+            const uint64_t end = std::stoull(line.substr(dash + 1), nullptr, 16);
+            // What is larger than any memory is a sanitizer's notes about memory.
+            constexpr uint64_t kLargest = uint64_t{1} << 36U;
+            if (end - begin < kLargest) {
+                mRanges.emplace_back(begin, end);
+            }
         }
     }
     bool holds(uint64_t address) const {

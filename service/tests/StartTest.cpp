@@ -11,6 +11,7 @@
 
 #include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
+#include "host/testing/Sanitizers.h"
 #include "host/testing/TimeLimit.h"
 #include "service/tests/InterfaceMethods.h"
 #include "service/tests/ServiceProcess.h"
@@ -60,6 +61,9 @@ TEST(Start, RegistersAllThreeAndKeepsRunning) {
 
 // The start writes the digital system to the TV configuration file, and to its property.
 TEST(Start, LimitOnTheSizeOfFilesIsAFailedWrite) {
+    if (::mlk::testing::kThreadSanitizer) {
+        GTEST_SKIP() << "a program with the thread sanitizer does not start with this limit";
+    }
     const HostSet set;
     writeProject(set);
     const std::string path = set.dir().write(
