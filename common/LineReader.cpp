@@ -16,14 +16,16 @@ constexpr size_t kChunk = size_t{32} * 1024;
 
 }  // namespace
 
-LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, size_t mostBytes)
+LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, size_t mostBytes,
+                       ReadObserver* observer)
     : mPath(std::move(path)),
       mLimit(bufferSize - 1),
       mMostBytes(mostBytes),
       mLogTag(logTag),
+      mObserver(observer),
       mFile(mPath) {
     if (mFile.isOpen() && mFile.size() > mMostBytes) {
-        fail(": cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, "cannot be read: " + largerThan(mMostBytes));
     } else if (mFile.isOpen()) {
         // The buffer always holds one byte more than the limit, which tells that a line is too
         // long. Files of the kernel report size 0.
@@ -31,7 +33,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
         mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
         mBuffer.reset(new char[mCapacity]);
     } else if (!mFile.isMissing()) {
-        fail(": cannot be read: " + mFile.reason());
+        fail(mPath, "cannot be read: " + mFile.reason());
     }
 }
 
@@ -49,9 +51,17 @@ bool LineReader::next(std::string_view& line) {
         line = cut(line);
     }
     if (mHasNul) {
-        line = line.substr(0, line.find('\0'));
+        line = endAtNul(line);
     }
     return true;
+}
+
+std::string_view LineReader::endAtNul(std::string_view line) {
+    const size_t nul = line.find('\0');
+    if (nul != std::string_view::npos) {
+        mLastNul = mLineNumber;
+    }
+    return line.substr(0, nul);
 }
 
 // As next(), when the buffer has no line feed.
@@ -87,7 +97,8 @@ bool LineReader::nextUnended(std::string_view& line) {
 }
 
 // Logs a line that is too long and returns its beginning.
-std::string_view LineReader::cut(std::string_view line) const {
+std::string_view LineReader::cut(std::string_view line) {
+    mLastCut = mLineNumber;
     complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
     return line.substr(0, mLimit);
 }
@@ -105,6 +116,22 @@ bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
 void LineReader::complain(const std::string& problem) const {
     __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber,
                         problem.c_str());
+    if (mObserver != nullptr) {
+        mObserver->onProblem(mPath, mLineNumber, problem);
+    }
+}
+
+void LineReader::tell(std::string_view text, const ReadLine& read) const {
+    if (mObserver == nullptr) {
+        return;
+    }
+    ReadLine line = read;
+    line.path = mPath;
+    line.number = mLineNumber;
+    line.text = text;
+    line.isCut = mLineNumber == mLastCut;
+    line.hasNul = mLineNumber == mLastNul;
+    mObserver->onLine(line);
 }
 
 // Refills the buffer after the unread bytes. False at the end of the file and on a failure, which
@@ -120,13 +147,13 @@ bool LineReader::fill() {
     const ssize_t result = mFile.read(mBuffer.get() + mEnd, free);
     if (result < 0) {
         const std::string reason = std::generic_category().message(errno);
-        fail(":" + std::to_string(mLineNumber) + ": cannot be read further: " + reason);
+        fail(mPath + ":" + std::to_string(mLineNumber), "cannot be read further: " + reason);
         return false;
     }
     const auto count = static_cast<size_t>(result);
     mRead += count;
     if (mRead > mMostBytes) {
-        fail(": cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, "cannot be read: " + largerThan(mMostBytes));
         return false;
     }
     // Saves the read at the end of a file that has not grown.
@@ -138,12 +165,15 @@ bool LineReader::fill() {
     return count > 0;
 }
 
-// Ends the reading and logs the path and the problem.
-void LineReader::fail(const std::string& problem) {
+// Ends the reading and logs the problem.
+void LineReader::fail(const std::string& place, const std::string& problem) {
     mFailed = true;
     mAtEnd = true;
     mBegin = mEnd = 0;
-    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s%s", mPath.c_str(), problem.c_str());
+    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), problem.c_str());
+    if (mObserver != nullptr) {
+        mObserver->onProblem(mPath, mLineNumber, problem);
+    }
 }
 
 // False if the file ends within that line.

@@ -7,6 +7,7 @@
 
 #include "common/File.h"
 #include "common/FileLimits.h"
+#include "common/ReadObserver.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -39,9 +40,10 @@ class LineReader {
      *                    bytes, not counting its line feed
      * @param logTag      tag of the log lines; must outlive the reader
      * @param mostBytes   limit of the file's size, skipped bytes included
+     * @param observer    hears of problems, and what tell() is given; null for none
      */
     LineReader(std::string path, size_t bufferSize, const char* logTag,
-               size_t mostBytes = kMostProjectBytes);
+               size_t mostBytes = kMostProjectBytes, ReadObserver* observer = nullptr);
 
     /** False if the file could not be opened, or was larger than mostBytes when opened. */
     bool isOpen() const { return mBuffer != nullptr; }
@@ -82,17 +84,37 @@ class LineReader {
     /** Logs an error about the line that next() gave last: "path:line: problem". */
     void complain(const std::string& problem) const;
 
+    /** True if somebody wants to hear what becomes of the lines. */
+    bool isObserved() const { return mObserver != nullptr; }
+
+    /**
+     * Tells the observer, if there is one, what became of the line that next() gave last.
+     *
+     * @param text  that line, as next() gave it
+     * @param read  the rest: use, section, key, value and whether the item is new
+     */
+    void tell(std::string_view text, const ReadLine& read) const;
+    void tell(std::string_view text, LineUse use) const {
+        if (isObserved()) {
+            ReadLine read;
+            read.use = use;
+            tell(text, read);
+        }
+    }
+
   private:
     bool nextUnended(std::string_view& line);
-    std::string_view cut(std::string_view line) const;
+    std::string_view cut(std::string_view line);
+    std::string_view endAtNul(std::string_view line);
     bool fill();
     bool skipRestOfLine();
-    void fail(const std::string& problem);
+    void fail(const std::string& place, const std::string& problem);
 
     const std::string mPath;
     const size_t mLimit;
     const size_t mMostBytes;
     const char* const mLogTag;
+    ReadObserver* const mObserver;
     File mFile;
     std::unique_ptr<char[]> mBuffer;
     size_t mCapacity = 0;
@@ -104,6 +126,8 @@ class LineReader {
     bool mFailed = false;
     bool mInLongLine = false;
     size_t mLineNumber = 0;
+    size_t mLastCut = 0;  // number of the last line that was too long
+    size_t mLastNul = 0;  // number of the last line that had a NUL
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

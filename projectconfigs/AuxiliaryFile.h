@@ -41,8 +41,9 @@ std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSou
  */
 class AuxiliaryFile {
   public:
-    AuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSource& source)
-        : mName(loadAuxiliaryFile(items, source, mParser)) {}
+    AuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSource& source,
+                  ReadObserver* observer = nullptr)
+        : mParser(observer), mName(loadAuxiliaryFile(items, source, mParser)) {}
 
     /** Value of an item; empty if the set has no such file or the file no such item. */
     std::string lookUp(const ConfigKey& key) const { return mParser.getInfo(mName.c_str(), key); }

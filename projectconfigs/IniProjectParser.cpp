@@ -52,12 +52,16 @@ std::string_view nextToken(std::string_view& line) {
     return token;
 }
 
-// False if the line has no value.
-bool addNewItem(ItemStore::Section section, std::string_view line, ItemStore& items) {
+// Adds the item of a line, unless it has no value.
+void addNewItem(ItemStore::Section section, std::string_view line, const LineReader& reader,
+                ItemStore& items) {
+    const std::string_view wholeLine = line;
     std::string key(nextToken(line));
     std::string value(nextToken(line));
     if (value.empty()) {
-        return false;
+        reader.complain("no value, line skipped");
+        reader.tell(wholeLine, LineUse::IGNORED);
+        return;
     }
     eraseTrailingSpaces(key);
     value.erase(0, value.find_first_not_of(' '));
@@ -65,8 +69,26 @@ bool addNewItem(ItemStore::Section section, std::string_view line, ItemStore& it
     eraseWithFollowers(value, '"');
     eraseWithFollowers(value, ';');
     eraseCarriageReturnChar(value);
-    items.insert(section, key, value);
-    return true;
+    const auto [item, isNew] = items.insert(section, key, value);
+    if (reader.isObserved()) {
+        ReadLine read;
+        read.use = LineUse::ITEM;
+        read.section = items.sectionOf(item);
+        read.key = key;
+        read.value = value;
+        read.isNew = isNew;
+        reader.tell(wholeLine, read);
+    }
+}
+
+void beginSection(std::string_view line, const LineReader& reader, ItemStore& items,
+                  ItemStore::Section& section) {
+    ReadLine read;
+    read.use = LineUse::SECTION;
+    const std::string category = categoryOf(line);
+    read.section = category;
+    section = items.section(category);
+    reader.tell(line, read);
 }
 
 }  // namespace
@@ -83,13 +105,13 @@ void IniProjectParser::update(const char* path) {
     }
 }
 
-ItemStore IniProjectParser::parse_ini(const char* path) {
+ItemStore IniProjectParser::parse_ini(const char* path) const {
     ItemStore items;
     if (!pathExists(path)) {
         ALOGD("%s don't exist.", path);
         return items;
     }
-    LineReader reader(path, kBufferSize, LOG_TAG, kMostListBytes);
+    LineReader reader(path, kBufferSize, LOG_TAG, kMostListBytes, mObserver);
     items.expect(reader.size());
     ItemStore::Section section = items.section("");
     std::string_view line;
@@ -99,14 +121,13 @@ ItemStore IniProjectParser::parse_ini(const char* path) {
             case '\r':
             case '#':
             case ';':
+                reader.tell(line, LineUse::NOTHING);
                 break;
             case '[':
-                section = items.section(categoryOf(line));
+                beginSection(line, reader, items, section);
                 break;
             default:
-                if (!addNewItem(section, line, items)) {
-                    reader.complain("no value, line skipped");
-                }
+                addNewItem(section, line, reader, items);
         }
     }
     return reader.failed() ? ItemStore() : std::move(items);

@@ -8,6 +8,7 @@
 
 #include "common/ConfigKey.h"
 #include "common/ItemStore.h"
+#include "common/ReadObserver.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -30,7 +31,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class IniProjectParser {
   public:
-    IniProjectParser() = default;
+    /** @param observer  hears of every line; must outlive the object; null for none */
+    explicit IniProjectParser(ReadObserver* observer = nullptr) : mObserver(observer) {}
     IniProjectParser(const IniProjectParser&) = delete;
     IniProjectParser& operator=(const IniProjectParser&) = delete;
 
@@ -55,8 +57,9 @@ class IniProjectParser {
     void dump(std::ostream& out) const;
 
   private:
-    static ItemStore parse_ini(const char* path);
+    ItemStore parse_ini(const char* path) const;
 
+    ReadObserver* const mObserver;
     std::map<std::string, ItemStore, std::less<>> mIniMap;
     mutable std::mutex mMutex;
     std::string mIniPath;

@@ -10,6 +10,7 @@
 
 #include "common/ConfigKey.h"
 #include "common/ItemStore.h"
+#include "projectconfigs/ProjectFileReader.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -18,10 +19,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * system file, the system file lists the project file of every model, the project index picks one
  * of these, and the board file overrides its items.
  *
- * Grammar of project and board files: "[SECTION]" lines, "key=value" lines, "#" comments. If a key
- * occurs twice in one section, the last value counts. Comments, quotes and semicolons are removed
- * from values, and a leading partition name becomes the partition's mount point. A missing or
- * unreadable file is logged and skipped; a line that cannot be used is skipped alone.
+ * ProjectFileReader documents the grammar. A missing or unreadable file is logged and skipped.
  *
  * Owned by ProjectStore. Any number of threads may call it: each operation holds mMutex while it
  * uses a member, and update() for its whole run, so that no caller sees a half-built store. While
@@ -32,8 +30,11 @@ class ProjectParser {
     /**
      * Starts with an empty store. The texts are the mount points that replace the prefixes
      * "/tvdata", "/tvconfigs" and "/impdata"; they are not copied and must outlive the object.
+     *
+     * @param observer  hears of every line; must outlive the object; null for none
      */
-    ProjectParser(const char* tvdataPath, const char* tvconfigsPath, const char* impdataPath);
+    ProjectParser(const char* tvdataPath, const char* tvconfigsPath, const char* impdataPath,
+                  ReadObserver* observer = nullptr);
     ProjectParser(const ProjectParser&) = delete;
     ProjectParser& operator=(const ProjectParser&) = delete;
 
@@ -101,18 +102,12 @@ class ProjectParser {
   private:
     friend struct ProjectParserPeer;  // tests
 
-    static bool isMissing(const std::string& path, const char* function, int sourceLine);
-
     // These run with mMutex held. False if a project or board file cannot be read.
     bool readChain(const char* customerIniPath, int projectId, const std::string& boardId);
-    void parse_customer_ini(const char* path, std::string& customerId, std::string& sysIniPath);
-    void parse_sys_ini(const char* path, std::string& projectIniPath, unsigned int& maxIdx);
-    bool parse_project_ini(const char* path);
     bool parse_board_id_ini(const std::string& boardId);
-    void addNewItem(ItemStore::Section section, std::string_view line);
-    std::string_view PatchIniItemPath(std::string_view value);
     void logSources() const;
 
+    ProjectFileReader mReader;
     ItemStore mItems;
     ItemStore mFormerItems;  // of the previous update, during one; keeps its memory for the next
     bool mIsRead = false;    // after the first update
@@ -123,12 +118,6 @@ class ProjectParser {
     std::string mSysIniPath;
     std::string mProjectIniPath;
     std::string mBoardIniPath;
-    std::string mCleanedKey;  // buffers for texts that differ from their line
-    std::string mCleaned;
-    std::string mPatched;
-    const char* const mTvdataPath;
-    const char* const mTvconfigsPath;
-    const char* const mImpdataPath;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -62,7 +62,7 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
         const std::lock_guard<std::mutex> lock(mMutex);
         path = mSysIniPath;
     }
-    if (path.empty() || isMissing(path, __func__, __LINE__)) {
+    if (path.empty() || ProjectFileReader::isMissing(path, __func__, __LINE__)) {
         return;
     }
     constexpr std::string_view kModel = "Model_";

@@ -19,13 +19,14 @@ constexpr AuxiliaryFileSource kCustomerDdcci = {
 
 // The members are constructed, and the files read, in the order of their declaration.
 ProjectSet::ProjectSet(Partitions partitions, const Properties& properties, RegionalData& data,
-                       const SetIdentity& identity)
+                       const SetIdentity& identity, ReadObserver* observer)
     : mPartitions(std::move(partitions)),
-      mStore(mPartitions, properties, identity.projectId, identity.boardId),
-      mSounds(mStore.items(), mPartitions, properties.get("ro.hardware")),
-      mKaraoke(mStore.items(), kKaraoke),
-      mGlobalKeys(mStore.items(), kGlobalKeys),
-      mCustomerDdcci(mStore.items(), kCustomerDdcci),
+      mStore(mPartitions, properties, identity.projectId, identity.boardId, identity.customer,
+             observer),
+      mSounds(mStore.items(), mPartitions, properties.get("ro.hardware"), observer),
+      mKaraoke(mStore.items(), kKaraoke, observer),
+      mGlobalKeys(mStore.items(), kGlobalKeys, observer),
+      mCustomerDdcci(mStore.items(), kCustomerDdcci, observer),
       mRegion(mStore.items(), mPartitions, properties, data) {
     mRegion.apply(identity.country);
 }

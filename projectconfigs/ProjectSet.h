@@ -19,6 +19,7 @@ struct SetIdentity {
     int32_t projectId = 0; /**< the model, the number after "Model_" in the system file */
     std::string boardId;   /**< path of the board file; "DEFAULT_BOARD_ID" for none */
     _tv_country country = kNoCountry; /**< kNoCountry for the country that the set has saved */
+    std::string customer{}; /**< the customer file; empty for that of the tvconfigs partition */
 };
 
 /**
@@ -35,9 +36,11 @@ class ProjectSet {
      * @param properties  the set's system properties; must outlive the object
      * @param data        what the set's regional files share; must outlive the object
      * @param identity    the model, the board and the country
+     * @param observer    hears of every line of project and auxiliary files; must outlive the
+     *                    object; null for none
      */
     ProjectSet(Partitions partitions, const Properties& properties, RegionalData& data,
-               const SetIdentity& identity);
+               const SetIdentity& identity, ReadObserver* observer = nullptr);
     ProjectSet(const ProjectSet&) = delete;
     ProjectSet& operator=(const ProjectSet&) = delete;
 

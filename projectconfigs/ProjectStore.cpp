@@ -9,10 +9,12 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 ProjectStore::ProjectStore(const Partitions& partitions, const Properties& properties,
-                           int projectId, const std::string& boardId)
+                           int projectId, const std::string& boardId, const std::string& customer,
+                           ReadObserver* observer)
     : mProperties(properties),
-      mCustomerIniPath(partitions.tvconfigs + "/customer.ini"),
-      mItems(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str()) {
+      mCustomerIniPath(customer.empty() ? partitions.tvconfigs + "/customer.ini" : customer),
+      mItems(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str(),
+             observer) {
     load(projectId, boardId);
     ALOGD("mProjectMaxIdx:%d", static_cast<int>(mItems.getProjectMaxIdx()));
     logItems();

@@ -23,9 +23,12 @@ class ProjectStore {
      * @param properties  decide how much is logged; must outlive the object
      * @param projectId   the model, the number after "Model_" in the system file
      * @param boardId     path of the board file; "DEFAULT_BOARD_ID" for none
+     * @param customer    the customer file; empty for "customer.ini" of the tvconfigs partition
+     * @param observer    hears of every line that is read; must outlive the object; null for none
      */
     ProjectStore(const Partitions& partitions, const Properties& properties, int projectId,
-                 const std::string& boardId);
+                 const std::string& boardId, const std::string& customer = "",
+                 ReadObserver* observer = nullptr);
 
     /**
      * Loads the items of another model.

@@ -31,7 +31,8 @@ std::vector<_tv_country> Region::cltvCountries() const {
 
 std::vector<std::string> Region::languages() const {
     std::vector<std::string> languages;
-    LanguageListParser::GetInstance().getLanguageList(mItems.getInfo(kLanguageList), languages);
+    LanguageListParser::GetInstance().getLanguageList(mItems.getInfo(kLanguageList), languages,
+                                                      mData.observer);
     return languages;
 }
 

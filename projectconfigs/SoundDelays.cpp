@@ -33,8 +33,9 @@ int32_t add(int32_t a, int32_t b) {
 }  // namespace
 
 SoundDelays::SoundDelays(const ProjectParser& items, const Partitions& partitions,
-                         const std::string& hardware)
+                         const std::string& hardware, ReadObserver* observer)
     : mItems(items),
+      mFiles(observer),
       mPanelName(loadAuxiliaryFile(items, kPanel, mFiles)),
       mICName(loadAuxiliaryFile(items, kIC, mFiles)),
       mAvrDefaultName(loadAuxiliaryFile(items, kAvrDefault, mFiles)),

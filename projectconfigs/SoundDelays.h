@@ -31,9 +31,10 @@ class SoundDelays {
      *
      * @param items     the project's items; must outlive the object
      * @param hardware  the property "ro.hardware"
+     * @param observer  hears of every line of these files; must outlive the object; null for none
      */
     SoundDelays(const ProjectParser& items, const Partitions& partitions,
-                const std::string& hardware);
+                const std::string& hardware, ReadObserver* observer = nullptr);
 
     /**
      * Sets one of the two texts that identify the AVR in use. If both are known, loads the AVR's

@@ -30,28 +30,35 @@ constexpr CableTypeRow kCableTypes[] = {
 };
 
 // The cable tables of a block; of several with one type, the first.
-CountryFreqMapEntry::CableTables cableTablesOf(const tinyxml2::XMLElement& block,
-                                               const char* element) {
+CountryFreqMapEntry::CableTables cableTablesOf(const XmlFile& file,
+                                               const tinyxml2::XMLElement& block,
+                                               const char* element, std::string_view country) {
     CountryFreqMapEntry::CableTables tables;
     for (const auto* cable = block.FirstChildElement(element); cable != nullptr;
          cable = cable->NextSiblingElement(element)) {
         AtscCableType type = AtscCableType::AUTO;
         const char* const text = cable->GetText();
+        ReadLine read;
+        read.owner = country;
+        read.value = orEmpty(text);
         if (const char* const value = cable->Attribute("TYPE")) {
+            read.section = value;
             const std::string_view given = value;
             const auto* const row = std::find_if(
                     std::begin(kCableTypes), std::end(kCableTypes), [given](const CableTypeRow& r) {
                         return given.substr(0, r.word.size()) == r.word;
                     });
             if (row == std::end(kCableTypes)) {
+                file.tell(*cable, LineUse::IGNORED, read);
                 continue;
             }
             type = row->type;
             ALOGD("loadCountryFreqMapXML cable %s name: %s", row->logged, orEmpty(text));
         }
         if (text != nullptr) {
-            tables.try_emplace(type, text);
+            read.isNew = tables.try_emplace(type, text).second;
         }
+        file.tell(*cable, text != nullptr ? LineUse::ITEM : LineUse::IGNORED, read);
     }
     return tables;
 }
@@ -63,6 +70,28 @@ const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
         ALOGE("loadCountryFreqMapXML without %s", complaint);
     }
     return orEmpty(textOfChild(block, element));
+}
+
+// Tells what becomes of the elements of a block, except the cable tables.
+void tellBlock(const XmlFile& file, const tinyxml2::XMLElement& block, std::string_view country) {
+    constexpr std::string_view kRead[] = {"COUNTRY_NAME", "DTV_ANTENA", "ATV_ANTENA"};
+    constexpr std::string_view kCables[] = {"DTV_CABLE", "ATV_CABLE"};
+    const auto isOneOf = [](const auto& names, std::string_view name) {
+        return std::find(std::begin(names), std::end(names), name) != std::end(names);
+    };
+    ReadLine read;
+    read.owner = country;
+    file.tell(block, LineUse::SECTION, read);
+    for (const auto* child = block.FirstChildElement(); child != nullptr;
+         child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        if (isOneOf(kCables, name)) {
+            continue;
+        }
+        read.value = orEmpty(child->GetText());
+        read.isNew = block.FirstChildElement(child->Name()) == child;
+        file.tell(*child, isOneOf(kRead, name) ? LineUse::ITEM : LineUse::IGNORED, read);
+    }
 }
 
 // Name of the table of one kind; null if the entry has none.
@@ -155,31 +184,36 @@ bool CountryFreqMapParse::loadLocked() {
     ALOGD("loadCountryFreqMapXML begin, country freq map size: %d, %s",
           static_cast<int>(mCoutryFreqMap.size()), path.c_str());
     mCoutryFreqMap.clear();
-    const XmlFile file(path);
+    const XmlFile file(path, mObserver);
     if (const char* const error = file.error()) {
         ALOGE("loadCountryFreqMapXML LoadFile fail, error %s", error);
         return false;
     }
-    for (const auto* block = file.first("COUNTRY_FREQ_MAP"); block != nullptr;
-         block = block->NextSiblingElement()) {
-        addBlockLocked(*block);
+    const tinyxml2::XMLElement* const first = file.first("COUNTRY_FREQ_MAP");
+    file.tellIgnoredBefore(first, file.top());
+    for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
+        addBlockLocked(file, *block);
     }
     ALOGD("loadCountryFreqMapXML done, size %d", static_cast<int>(mCoutryFreqMap.size()));
     return true;
 }
 
-void CountryFreqMapParse::addBlockLocked(const tinyxml2::XMLElement& block) {
+void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XMLElement& block) {
     const char* const countryName = textOfChild(block, "COUNTRY_NAME");
     if (countryName == nullptr) {
         ALOGE("loadCountryFreqMapXML without country name");
+        file.tell(block, LineUse::IGNORED, {});
         return;
+    }
+    if (file.isObserved()) {
+        tellBlock(file, block, countryName);
     }
     CountryFreqMapEntry entry;
     entry.countryName = countryName;
     entry.dtvAntenna = antennaOf(block, "DTV_ANTENA", "antena name");
     entry.atvAntenna = antennaOf(block, "ATV_ANTENA", "antena a name");
-    entry.dtvCable = cableTablesOf(block, "DTV_CABLE");
-    entry.atvCable = cableTablesOf(block, "ATV_CABLE");
+    entry.dtvCable = cableTablesOf(file, block, "DTV_CABLE", countryName);
+    entry.atvCable = cableTablesOf(file, block, "ATV_CABLE", countryName);
     mCoutryFreqMap.push_back(std::move(entry));
 }
 

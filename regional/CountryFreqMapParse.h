@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/Partitions.h"
+#include "common/ReadObserver.h"
 #include "regional/CountryTable.h"
 
 namespace tinyxml2 {
@@ -19,6 +20,7 @@ class XMLElement;
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 class CountryListParser;
+class XmlFile;
 
 /** The record of one country in the map file: names of its frequency tables, empty if missing. */
 struct CountryFreqMapEntry {
@@ -58,8 +60,9 @@ class CountryFreqMapParse {
      * @param partitions  returns the mount points; called whenever the default folder is needed
      * @param countries   has the names of the countries; must outlive the object
      */
-    CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries)
-        : mPartitions(std::move(partitions)), mCountries(countries) {}
+    CountryFreqMapParse(std::function<Partitions()> partitions, const CountryListParser& countries,
+                        ReadObserver* observer = nullptr)
+        : mPartitions(std::move(partitions)), mCountries(countries), mObserver(observer) {}
     /** Returns the object of the process. */
     static CountryFreqMapParse& GetInstance();
     virtual ~CountryFreqMapParse() = default;
@@ -110,10 +113,11 @@ class CountryFreqMapParse {
     bool lookUpLocked(const std::string& countryName, FreqTableType type, AtscCableType cableType,
                       std::string& name);
     bool loadLocked();
-    void addBlockLocked(const tinyxml2::XMLElement& block);
+    void addBlockLocked(const XmlFile& file, const tinyxml2::XMLElement& block);
 
     const std::function<Partitions()> mPartitions;
     const CountryListParser& mCountries;
+    ReadObserver* const mObserver;
     std::mutex mMutex;
     std::vector<CountryFreqMapEntry> mCoutryFreqMap;  // in file order
     std::string mTvConfigPath;

@@ -10,9 +10,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 std::vector<_tv_country> CountryListParser::getCountryList(const std::string& path) {
     std::vector<_tv_country> countries;
-    const ReadResult result = readListFile(path, [&](std::string_view name) {
+    const auto take = [&](std::string_view name) {
         countries.push_back(_tv_country{mNames.valueOf(name)});
-    });
+    };
+    const ReadResult result = readListFile(path, take, mObserver);
     if (result == ReadResult::UNREADABLE) {
         countries.clear();
     }

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "common/ReadObserver.h"
 #include "regional/CountryTable.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -15,7 +16,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class CountryListParser {
   public:
-    CountryListParser() = default;
+    /** @param observer  hears of every line of a list; must outlive the object; null for none */
+    explicit CountryListParser(ReadObserver* observer = nullptr) : mObserver(observer) {}
     /** Returns the object of the process. */
     static CountryListParser& GetInstance();
     virtual ~CountryListParser() = default;
@@ -44,6 +46,7 @@ class CountryListParser {
   private:
     friend struct RegionalPeer;  // tests
 
+    ReadObserver* const mObserver;
     NameTable mNames = countryNames();
 };
 

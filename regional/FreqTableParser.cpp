@@ -52,6 +52,20 @@ std::string_view nextColumn(std::string_view& piece) {
     return column;
 }
 
+// Tells what became of a piece, and moves `read` to the next one.
+void tellPiece(ReadObserver& observer, std::string_view piece, std::string_view taken,
+               ReadLine& read) {
+    const bool endsLine = taken.back() == '\n';
+    read.text = piece.substr(0, piece.find('\n'));
+    read.isCut = !endsLine && taken.size() == kPieceSize;
+    read.hasNul = piece.size() < taken.size();
+    std::string_view columns = piece;
+    read.key = nextColumn(columns);
+    observer.onLine(read);
+    read.column = endsLine ? 1 : read.column + taken.size();
+    read.number += endsLine ? 1 : 0;
+}
+
 std::string_view folderOf(FreqTableType type) {
     switch (type) {
         case FreqTableType::DTV_ANTENNA:
@@ -108,19 +122,29 @@ bool FreqTableParser::ParseFreqTable(const std::string& path,
         return false;
     }
     std::string text;
-    if (readTextFile(path, text) != ReadResult::DONE) {
+    if (readTextFile(path, text, mData.observer) != ReadResult::DONE) {
         ALOGE("[%s %d] fd is null, %s", __func__, log_line::kTableUnreadable, path.c_str());
         return false;
     }
     items.clear();
+    ReadLine read;
+    read.path = path;
+    read.number = 1;
     for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view before = rest;
         const std::string_view piece = takePiece(rest);
-        if (piece.size() < 2 || piece.substr(0, 2) == "//") {
-            continue;
+        const std::string_view taken = before.substr(0, before.size() - rest.size());
+        read.use = LineUse::NOTHING;
+        if (piece.size() >= 2 && piece.substr(0, 2) != "//") {
+            const HidlFreqListItem item = parsePiece(piece);
+            const bool isChannel = item.frequency >= 1;
+            read.use = isChannel ? LineUse::ITEM : LineUse::IGNORED;
+            if (isChannel) {
+                items.push_back(item);
+            }
         }
-        const HidlFreqListItem item = parsePiece(piece);
-        if (item.frequency >= 1) {
-            items.push_back(item);
+        if (mData.observer != nullptr) {
+            tellPiece(*mData.observer, piece, taken, read);
         }
     }
     return true;

@@ -10,10 +10,11 @@ LanguageListParser& LanguageListParser::GetInstance() {
 }
 
 void LanguageListParser::getLanguageList(const std::string& path,
-                                         std::vector<std::string>& languages) const {
+                                         std::vector<std::string>& languages,
+                                         ReadObserver* observer) const {
     const size_t before = languages.size();
-    const ReadResult result = readListFile(
-            path, [&languages](std::string_view name) { languages.emplace_back(name); });
+    const auto take = [&languages](std::string_view name) { languages.emplace_back(name); };
+    const ReadResult result = readListFile(path, take, observer);
     if (result == ReadResult::UNREADABLE) {
         languages.resize(before);
     }

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "common/ReadObserver.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
@@ -23,8 +25,10 @@ class LanguageListParser {
      * @param path       the file, possibly in double quotes
      * @param languages  the languages are appended in file order; untouched if the file is missing
      *                   or cannot be read
+     * @param observer   hears of every line; null for none
      */
-    void getLanguageList(const std::string& path, std::vector<std::string>& languages) const;
+    void getLanguageList(const std::string& path, std::vector<std::string>& languages,
+                         ReadObserver* observer = nullptr) const;
 
   private:
     LanguageListParser() = default;

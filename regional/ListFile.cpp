@@ -18,8 +18,8 @@ constexpr size_t kBufferSize = 256;
 
 }  // namespace
 
-ReadResult readListFile(const std::string& path,
-                        const std::function<void(std::string_view)>& take) {
+ReadResult readListFile(const std::string& path, const std::function<void(std::string_view)>& take,
+                        ReadObserver* observer) {
     if (path.empty()) {
         return ReadResult::MISSING;
     }
@@ -30,18 +30,24 @@ ReadResult readListFile(const std::string& path,
         ALOGE("%s don't exist.", name);
         return ReadResult::MISSING;
     }
-    LineReader reader(*file, kBufferSize, LOG_TAG, kMostListBytes);
+    LineReader reader(*file, kBufferSize, LOG_TAG, kMostListBytes, observer);
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty()) {
+            reader.tell(line, LineUse::NOTHING);
             continue;
         }
-        line.remove_prefix(std::min(line.find_first_not_of(','), line.size()));
-        if (line.empty()) {
+        ReadLine read;
+        read.key = line.substr(std::min(line.find_first_not_of(','), line.size()));
+        if (read.key.empty()) {
             reader.complain("nothing but commas, line skipped");
+            reader.tell(line, LineUse::IGNORED);
             continue;
         }
-        take(line.substr(0, line.find(',')));
+        read.key = read.key.substr(0, read.key.find(','));
+        take(read.key);
+        read.use = LineUse::ITEM;
+        reader.tell(line, read);
     }
     return reader.failed() ? ReadResult::UNREADABLE : ReadResult::DONE;
 }

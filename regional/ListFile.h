@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/ReadObserver.h"
 #include "regional/TextFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -17,9 +18,11 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * @param path  the file, possibly in double quotes; an empty path or one with a lone opening quote
  *              counts as missing
  * @param take  called with each entry in file order
+ * @param observer  hears of every line; null for none
  * @return UNREADABLE if not all entries could be read; `take` may have got some of them by then,
  * and the caller must drop those
  */
-ReadResult readListFile(const std::string& path, const std::function<void(std::string_view)>& take);
+ReadResult readListFile(const std::string& path, const std::function<void(std::string_view)>& take,
+                        ReadObserver* observer = nullptr);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

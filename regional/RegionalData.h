@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/Partitions.h"
+#include "common/ReadObserver.h"
 #include "regional/CountryFreqMapParse.h"
 #include "regional/CountryListParser.h"
 #include "regional/CountryTable.h"
@@ -21,17 +22,23 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class RegionalData {
   public:
-    /** @param partitions  returns the set's mount points; called when a default folder is needed */
-    explicit RegionalData(std::function<Partitions()> partitions)
-        : plans(std::move(partitions), countries) {}
+    /**
+     * @param partitions  returns the set's mount points; called when a default folder is needed
+     * @param hearer      hears of every line of the regional files; must outlive the object; null
+     *                    for none
+     */
+    explicit RegionalData(std::function<Partitions()> partitions, ReadObserver* hearer = nullptr)
+        : observer(hearer), plans(std::move(partitions), countries, hearer) {}
     RegionalData(const RegionalData&) = delete;
     RegionalData& operator=(const RegionalData&) = delete;
 
     /** Returns the object of the process, which uses systemPartitions(). */
     static RegionalData& GetInstance();
 
+    /** Hears of every line of the regional files; null for none. */
+    ReadObserver* const observer;
     /** Reads country lists and has the names of countries. */
-    CountryListParser countries;
+    CountryListParser countries{observer};
     /** Countries of TV system maps. */
     NameTable tvSystemCountries = countryNames();
     /** Modulations of frequency tables. */

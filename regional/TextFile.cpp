@@ -18,20 +18,23 @@ namespace {
 
 constexpr size_t kChunk = size_t{64} * 1024;
 
-ReadResult unreadable(const std::string& path, const std::string& reason) {
+ReadResult unreadable(const std::string& path, const std::string& reason, ReadObserver* observer) {
     ALOGE("%s: cannot be read: %s", path.c_str(), reason.c_str());
+    if (observer != nullptr) {
+        observer->onProblem(path, 0, "cannot be read: " + reason);
+    }
     return ReadResult::UNREADABLE;
 }
 
 }  // namespace
 
-ReadResult readTextFile(const std::string& path, std::string& text) {
+ReadResult readTextFile(const std::string& path, std::string& text, ReadObserver* observer) {
     File file(path);
     if (!file.isOpen()) {
-        return file.isMissing() ? ReadResult::MISSING : unreadable(path, file.reason());
+        return file.isMissing() ? ReadResult::MISSING : unreadable(path, file.reason(), observer);
     }
     if (file.size() > kMostListBytes) {
-        return unreadable(path, largerThan(kMostListBytes));
+        return unreadable(path, largerThan(kMostListBytes), observer);
     }
     // Reads to the end: a file can grow, and some files of the kernel report size 0.
     std::string content;
@@ -40,7 +43,7 @@ ReadResult readTextFile(const std::string& path, std::string& text) {
     do {
         filled += static_cast<size_t>(count);
         if (filled > kMostListBytes) {
-            return unreadable(path, largerThan(kMostListBytes));
+            return unreadable(path, largerThan(kMostListBytes), observer);
         }
         if (filled == content.size()) {
             content.resize(std::max(filled + kChunk, file.size() + 1));
@@ -48,7 +51,7 @@ ReadResult readTextFile(const std::string& path, std::string& text) {
         count = file.read(content.data() + filled, content.size() - filled);
     } while (count > 0);
     if (count < 0) {
-        return unreadable(path, std::generic_category().message(errno));
+        return unreadable(path, std::generic_category().message(errno), observer);
     }
     content.resize(filled);
     text = std::move(content);

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "common/ReadObserver.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /** The result of reading a file. */
@@ -15,8 +17,10 @@ enum class ReadResult {
  * Reads a whole file of at most kMostListBytes. Refuses anything but a regular file, so that no
  * FIFO or device can block the caller. Logs why a file is unreadable. Thread-safe.
  *
- * @param text  set to the content if the result is DONE; untouched otherwise
+ * @param text      set to the content if the result is DONE; untouched otherwise
+ * @param observer  hears why a file is unreadable; null for none
  */
-ReadResult readTextFile(const std::string& path, std::string& text);
+ReadResult readTextFile(const std::string& path, std::string& text,
+                        ReadObserver* observer = nullptr);
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

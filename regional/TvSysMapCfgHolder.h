@@ -15,6 +15,8 @@ class XMLElement;
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+class XmlFile;
+
 /** A TV system and the configuration items of sets in its countries. */
 struct TvSysToConfigMap {
     std::string tvSysName;
@@ -148,8 +150,8 @@ class TvSysMapCfgHolder {
     bool dumpsAreOn() const;
     bool moveToTvconfigs(std::string& path) const;
     const CoutryTvConfigMap* recordOf(_tv_country country) const;
-    void addTvSystem(const std::string& file, const tinyxml2::XMLElement& element);
-    void addCountry(const tinyxml2::XMLElement& block);
+    void addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element);
+    void addCountry(const XmlFile& file, const tinyxml2::XMLElement& block);
     void readCountryId(const std::string& path);
     void writeFirstCountryId(const std::string& path);
 

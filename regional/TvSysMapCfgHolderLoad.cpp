@@ -31,6 +31,36 @@ std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* eleme
     return orEmpty(textOfChild(block, element));
 }
 
+// Tells what becomes of the elements at the top of a TV system file; null if one is missing.
+void tellTopLevel(const XmlFile& file, const tinyxml2::XMLElement* mapFile,
+                  const tinyxml2::XMLElement* section) {
+    for (const auto* element = file.top(); element != nullptr;
+         element = element->NextSiblingElement()) {
+        ReadLine read;
+        read.value = orEmpty(element->GetText());
+        if (element == mapFile) {
+            file.tell(*element, LineUse::ITEM, read);
+        } else if (element != section) {
+            file.tell(*element, LineUse::IGNORED, read);
+        }
+    }
+}
+
+// Tells what becomes of the elements of a country's record.
+void tellCountry(const XmlFile& file, const tinyxml2::XMLElement& block, const char* country) {
+    ReadLine read;
+    read.owner = country;
+    file.tell(block, LineUse::SECTION, read);
+    for (const auto* child = block.FirstChildElement(); child != nullptr;
+         child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        const bool isRead = name == "COUNTRY_NAME" || name == "TV_SYSTEM" || name == "TV_CONFIG";
+        read.value = orEmpty(child->GetText());
+        read.isNew = block.FirstChildElement(child->Name()) == child;
+        file.tell(*child, isRead ? LineUse::ITEM : LineUse::IGNORED, read);
+    }
+}
+
 }  // namespace
 
 bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
@@ -39,7 +69,7 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
         ALOGE("[%s:%d] chkchk xmlFile is empty!!", __func__, log_line::kNoSystemFile);
         return false;
     }
-    const XmlFile file(xmlFile);
+    const XmlFile file(xmlFile, mData.observer);
     if (const char* const error = file.error()) {
         ALOGE("[%s:%d] LoadFile fail, error %s", __func__, log_line::kSystemFileBroken, error);
         return false;
@@ -49,34 +79,51 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
     ALOGD("[%s:%d] mCountryTvConfigMapFile=%s", __func__, log_line::kMapFile,
           mCountryTvConfigMapFile.c_str());
     mTvSysToConfigMap.clear();
-    if (const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration")) {
-        for (const auto* element = section->FirstChildElement("TvSystem"); element != nullptr;
+    const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration");
+    if (file.isObserved()) {
+        tellTopLevel(file, mapFile, section);
+    }
+    if (section != nullptr) {
+        const tinyxml2::XMLElement* const first = section->FirstChildElement("TvSystem");
+        file.tellIgnoredBefore(first, section->FirstChildElement());
+        for (const auto* element = first; element != nullptr;
              element = element->NextSiblingElement()) {
-            addTvSystem(xmlFile, *element);
+            addTvSystem(file, *element);
         }
     }
     return true;
 }
 
-void TvSysMapCfgHolder::addTvSystem(const std::string& file, const tinyxml2::XMLElement& element) {
+void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element) {
     const char* const type = element.Attribute("type");
     if (type == nullptr) {
-        ALOGE("%s:%d: TV system without type, skipped", file.c_str(), element.GetLineNum());
+        file.complain(element, "TV system without type, skipped");
+        file.tell(element, LineUse::IGNORED, {});
         return;
     }
+    ReadLine read;
+    read.owner = type;
+    file.tell(element, LineUse::SECTION, read);
     TvSysToConfigMap system;
     system.tvSysName = type;
-    for (const auto* item = element.FirstChildElement("Item"); item != nullptr;
-         item = item->NextSiblingElement()) {
+    const tinyxml2::XMLElement* const first = element.FirstChildElement("Item");
+    file.tellIgnoredBefore(first, element.FirstChildElement(), type);
+    for (const auto* item = first; item != nullptr; item = item->NextSiblingElement()) {
         const char* const category = item->Attribute("category");
         const char* const key = item->Attribute("key");
         const char* const value = item->Attribute("value");
+        read.section = orEmpty(category);
+        read.key = orEmpty(key);
+        read.value = orEmpty(value);
+        read.isNew = true;
         if (category == nullptr || key == nullptr || value == nullptr) {
-            ALOGE("%s:%d: item without category, key or value, skipped", file.c_str(),
-                  item->GetLineNum());
+            file.complain(*item, "item without category, key or value, skipped");
+            file.tell(*item, LineUse::IGNORED, read);
             continue;
         }
-        system.configs.insert(system.configs.section(category), key, patchToTargetBoardPath(value));
+        const ItemStore::Section section = system.configs.section(category);
+        read.isNew = system.configs.insert(section, key, patchToTargetBoardPath(value)).isNew;
+        file.tell(*item, LineUse::ITEM, read);
     }
     mTvSysToConfigMap.push_back(std::move(system));
 }
@@ -94,16 +141,17 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
     }
     ALOGD("[%s:%d] mCoutryTvConfigMap.size()=%d, xmlPath=%s", __func__, log_line::kMapPath,
           static_cast<int>(mCoutryTvConfigMap.size()), path.c_str());
-    const XmlFile file(path);
+    const XmlFile file(path, mData.observer);
     if (const char* const error = file.error()) {
         ALOGE("[%s:%d] LoadFile fail, error %s", __func__, log_line::kMapFileBroken, error);
         return false;
     }
     mCoutryTvConfigMap.clear();
     mCountryList.clear();
-    for (const auto* block = file.first("COUNTRY_TVCONFIG_MAP"); block != nullptr;
-         block = block->NextSiblingElement()) {
-        addCountry(*block);
+    const tinyxml2::XMLElement* const first = file.first("COUNTRY_TVCONFIG_MAP");
+    file.tellIgnoredBefore(first, file.top());
+    for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
+        addCountry(file, *block);
     }
     ALOGD("[%s:%d] size of {mCoutryTvConfigMap, mCountryList}={%d, %d}", __func__,
           log_line::kMapSize, static_cast<int>(mCoutryTvConfigMap.size()),
@@ -111,13 +159,17 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
     return true;
 }
 
-void TvSysMapCfgHolder::addCountry(const tinyxml2::XMLElement& block) {
+void TvSysMapCfgHolder::addCountry(const XmlFile& file, const tinyxml2::XMLElement& block) {
     constexpr const char* kFunction =
             "loadCountryTvConfigMapXML";  // the function that the messages name
     const char* const countryName = textOfChild(block, "COUNTRY_NAME");
     if (countryName == nullptr) {
         ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
+        file.tell(block, LineUse::IGNORED, {});
         return;
+    }
+    if (file.isObserved()) {
+        tellCountry(file, block, countryName);
     }
     mCountryList.push_back(_tv_country{mData.tvSystemCountries.valueOf(countryName)});
     CoutryTvConfigMap record;

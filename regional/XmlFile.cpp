@@ -59,6 +59,34 @@ size_t mostAttributes(std::string_view text) {
     return most;
 }
 
+// What the XML reader expected where it gave up.
+const char* expectationOf(tinyxml2::XMLError error) {
+    switch (error) {
+        case tinyxml2::XML_ERROR_PARSING_ELEMENT:
+            return "a tag is not closed by \">\"";
+        case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
+            return "an attribute needs the form name=\"value\"";
+        case tinyxml2::XML_ERROR_PARSING_TEXT:
+            return "a text is not followed by a tag";
+        case tinyxml2::XML_ERROR_PARSING_CDATA:
+            return "a CDATA section is not closed by \"]]>\"";
+        case tinyxml2::XML_ERROR_PARSING_COMMENT:
+            return "a comment is not closed by \"-->\"";
+        case tinyxml2::XML_ERROR_PARSING_DECLARATION:
+            return "a declaration stands only at the top and ends with \"?>\"";
+        case tinyxml2::XML_ERROR_PARSING_UNKNOWN:
+            return "a \"<!\" is not closed by \">\"";
+        case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
+            return "the file has no element";
+        case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
+            return "an element that begins here is not closed by a tag of its own name";
+        case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
+            return "elements are nested too deeply";
+        default:
+            return "the text does not follow the rules of XML";
+    }
+}
+
 size_t references(std::string_view text) {
     constexpr std::string_view kMark = "&#";
     size_t count = 0;
@@ -71,7 +99,8 @@ size_t references(std::string_view text) {
 
 }  // namespace
 
-XmlFile::XmlFile(const std::string& path) : mError(load(path)) {}
+XmlFile::XmlFile(const std::string& path, ReadObserver* observer)
+    : mPath(path), mObserver(observer), mError(load()) {}
 
 const char* XmlFile::error() const {
     return mError == tinyxml2::XML_SUCCESS ? nullptr : tinyxml2::XMLDocument::ErrorIDToName(mError);
@@ -81,9 +110,9 @@ const tinyxml2::XMLElement* XmlFile::first(const char* name) const {
     return mDocument.FirstChildElement(name);
 }
 
-tinyxml2::XMLError XmlFile::load(const std::string& path) {
+tinyxml2::XMLError XmlFile::load() {
     std::string text;
-    switch (readTextFile(path, text)) {
+    switch (readTextFile(mPath, text, mObserver)) {
         case ReadResult::MISSING:
             return tinyxml2::XML_ERROR_FILE_NOT_FOUND;
         case ReadResult::UNREADABLE:
@@ -92,16 +121,57 @@ tinyxml2::XMLError XmlFile::load(const std::string& path) {
             break;
     }
     if (mostAttributes(text) > kMostAttributes || references(text) > kMostReferences) {
-        ALOGE("%s: more than %zu attributes in an element or %zu character "
-              "references in all",
-              path.c_str(), kMostAttributes, kMostReferences);
+        const std::string problem =
+                "more than " + std::to_string(kMostAttributes) + " attributes in an element or " +
+                std::to_string(kMostReferences) + " character references in all";
+        ALOGE("%s: %s", mPath.c_str(), problem.c_str());
+        if (isObserved()) {
+            mObserver->onProblem(mPath, 0, problem);
+        }
         return tinyxml2::XML_ERROR_PARSING;
     }
     const tinyxml2::XMLError error = mDocument.Parse(text.data(), text.size());
     if (error != tinyxml2::XML_SUCCESS) {
-        ALOGE("%s:%d: no well-formed XML", path.c_str(), mDocument.ErrorLineNum());
+        ALOGE("%s:%d: no well-formed XML", mPath.c_str(), mDocument.ErrorLineNum());
+        if (isObserved()) {
+            mObserver->onProblem(mPath, static_cast<size_t>(mDocument.ErrorLineNum()),
+                                 std::string("no well-formed XML: ") + expectationOf(error));
+        }
     }
     return error;
+}
+
+void XmlFile::complain(const tinyxml2::XMLElement& element, const std::string& problem) const {
+    ALOGE("%s:%d: %s", mPath.c_str(), element.GetLineNum(), problem.c_str());
+    if (isObserved()) {
+        mObserver->onProblem(mPath, static_cast<size_t>(element.GetLineNum()), problem);
+    }
+}
+
+void XmlFile::tell(const tinyxml2::XMLElement& element, LineUse use, ReadLine read) const {
+    if (!isObserved()) {
+        return;
+    }
+    read.path = mPath;
+    read.number = static_cast<size_t>(element.GetLineNum());
+    read.column = 0;
+    read.use = use;
+    if (read.key.empty()) {
+        read.key = element.Name();
+    }
+    mObserver->onLine(read);
+}
+
+void XmlFile::tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
+                                std::string_view owner) const {
+    if (!isObserved()) {
+        return;
+    }
+    for (; first != nullptr && first != end; first = first->NextSiblingElement()) {
+        ReadLine read;
+        read.owner = owner;
+        tell(*first, LineUse::IGNORED, read);
+    }
 }
 
 const char* textOfChild(const tinyxml2::XMLElement& parent, const char* name) {

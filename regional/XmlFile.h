@@ -3,6 +3,9 @@
 #include <tinyxml2.h>
 
 #include <string>
+#include <string_view>
+
+#include "common/ReadObserver.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -15,8 +18,13 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class XmlFile {
   public:
-    /** Loads the file; error() tells whether that succeeded. Logs where a file is malformed. */
-    explicit XmlFile(const std::string& path);
+    /**
+     * Loads the file; error() tells whether that succeeded. Logs where a file is malformed.
+     *
+     * @param observer  hears of problems, and what tell() is given; must outlive the object; null
+     *                  for none
+     */
+    explicit XmlFile(const std::string& path, ReadObserver* observer = nullptr);
 
     /** Returns TinyXML-2's name of the loading error; null if the file is loaded. */
     const char* error() const;
@@ -24,9 +32,39 @@ class XmlFile {
     /** Returns the first top-level element of this name; null if there is none. */
     const tinyxml2::XMLElement* first(const char* name) const;
 
-  private:
-    tinyxml2::XMLError load(const std::string& path);
+    /** Logs an error about an element: "path:line: problem". */
+    void complain(const tinyxml2::XMLElement& element, const std::string& problem) const;
 
+    /** True if somebody wants to hear what becomes of the elements. */
+    bool isObserved() const { return mObserver != nullptr; }
+
+    /**
+     * Tells the observer, if there is one, what became of an element.
+     *
+     * @param use   what became of it
+     * @param read  the rest: owner, section, key, value and whether the item is new. An empty key
+     *              becomes the element's name
+     */
+    void tell(const tinyxml2::XMLElement& element, LineUse use, ReadLine read) const;
+
+    /**
+     * Tells the observer, if there is one, that elements are ignored.
+     *
+     * @param end    the sibling to stop at; null for all of them
+     * @param first  the first sibling
+     * @param owner  the TV system that they belong to
+     */
+    void tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
+                           std::string_view owner = "") const;
+
+    /** The first top-level element; null if there is none. */
+    const tinyxml2::XMLElement* top() const { return mDocument.FirstChildElement(); }
+
+  private:
+    tinyxml2::XMLError load();
+
+    const std::string mPath;
+    ReadObserver* const mObserver;
     tinyxml2::XMLDocument mDocument{true, tinyxml2::PRESERVE_WHITESPACE};
     const tinyxml2::XMLError mError;
 };

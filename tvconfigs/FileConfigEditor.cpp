@@ -80,7 +80,39 @@ bool hasRoom(const std::string& line) {
 
 }  // namespace
 
-FileConfigEditor::FileConfigEditor(const char* path) : mPath(pathOf(path)) {
+// Follows the lines of the file for the observer.
+class FileConfigEditor::Lines {
+  public:
+    Lines(const std::string& path, ReadObserver* observer) : mObserver(observer) {
+        mRead.path = path;
+    }
+
+    /** Tells the observer, if there is one, what became of the present line. */
+    void tell(const std::string& line, LineUse use, const Item* item = nullptr) {
+        ++mRead.number;
+        if (mObserver == nullptr) {
+            return;
+        }
+        mRead.use = use;
+        mRead.text = line;
+        mRead.key = item != nullptr ? std::string_view(item->first) : "";
+        mRead.value = item != nullptr ? std::string_view(item->second) : "";
+        mObserver->onLine(mRead);
+    }
+    /** Tells that the file is not read from the present line on. */
+    void tellEnd(const std::string& line, bool isTooLong) {
+        mRead.isCut = isTooLong;
+        mRead.hasNul = !isTooLong;
+        tell(line, LineUse::LOST);
+    }
+
+  private:
+    ReadObserver* const mObserver;
+    ReadLine mRead;
+};
+
+FileConfigEditor::FileConfigEditor(const char* path, ReadObserver* observer)
+    : mPath(pathOf(path)), mObserver(observer) {
     Update(mPath.c_str());
 }
 
@@ -96,12 +128,15 @@ bool FileConfigEditor::Update(const char* path) {
     Items items;
     std::string problem;
     try {
-        problem = ReadItems(file, items);
+        problem = ReadItems(file, items, Lines(name, mObserver));
     } catch (const std::bad_alloc&) {
         problem = "out of memory";
     }
     if (!problem.empty()) {
         ALOGE("ERROR: Read %s fail! %s", name.c_str(), problem.c_str());
+        if (mObserver != nullptr) {
+            mObserver->onProblem(name, 0, "cannot be read: " + problem);
+        }
         return false;
     }
     mItems = std::move(items);
@@ -109,7 +144,7 @@ bool FileConfigEditor::Update(const char* path) {
 }
 
 // Returns what kept the file from being read whole, or an empty text.
-std::string FileConfigEditor::ReadItems(File& file, Items& items) {
+std::string FileConfigEditor::ReadItems(File& file, Items& items, Lines lines) {
     const auto block = std::make_unique<char[]>(kBlockSize);
     std::string line;
     line.reserve(kLineSize);
@@ -128,7 +163,8 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items) {
             return "more than " + std::to_string(kFileSize) + " bytes";
         }
         for (const char byte : bytes) {
-            if (!TakeByte(byte, line, items)) {
+            if (!TakeByte(byte, line, items, lines)) {
+                lines.tellEnd(line, byte != '\0');
                 return {};
             }
             if (items.size() > kEntries) {
@@ -136,19 +172,28 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items) {
             }
         }
     }
-    hasRoom(line);  // a full line is too long at the end of the file, too
+    const bool fits = hasRoom(line);  // a full line is too long at the end of the file, too
+    if (!fits) {
+        lines.tellEnd(line, true);
+    } else if (!line.empty()) {
+        lines.tell(line, LineUse::LOST);
+    }
     return {};
 }
 
-bool FileConfigEditor::TakeByte(char byte, std::string& line, Items& items) {
+bool FileConfigEditor::TakeByte(char byte, std::string& line, Items& items, Lines& lines) {
     // The order matters: after a full line, a NUL byte is no error, but a carriage return, a line
     // feed or the end of the file is one.
     if (byte == '\0' || !hasRoom(line)) {
         return false;
     }
     if (byte == '\n') {
-        if (line.empty() || line.front() != '#') {
-            AddLine(line.c_str(), items);
+        if (line.empty() || line.front() == '#') {
+            lines.tell(line, LineUse::NOTHING);
+        } else if (AddLine(line.c_str(), items)) {
+            lines.tell(line, LineUse::ITEM, &items.back());
+        } else {
+            lines.tell(line, LineUse::IGNORED);
         }
         line.clear();
     } else if (byte != '\r') {

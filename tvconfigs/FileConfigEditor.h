@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/File.h"
+#include "common/ReadObserver.h"
 #include "tvconfigs/ConfigEditor.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -34,8 +35,9 @@ class FileConfigEditor : public ConfigEditor {
      *
      * @param path  the file that is read and later written. At most 127 characters of it are used;
      *              null is the empty path
+     * @param observer  hears of every line that is read; must outlive the object; null for none
      */
-    explicit FileConfigEditor(const char* path);
+    explicit FileConfigEditor(const char* path, ReadObserver* observer = nullptr);
 
     /**
      * Replaces the entries by those of a file. Set() goes on writing to the file of the
@@ -82,11 +84,14 @@ class FileConfigEditor : public ConfigEditor {
     using Item = std::pair<std::string, std::string>;
     using Items = std::vector<Item>;
 
-    static std::string ReadItems(File& file, Items& items);
-    static bool TakeByte(char byte, std::string& line, Items& items);
+    class Lines;
+
+    static std::string ReadItems(File& file, Items& items, Lines lines);
+    static bool TakeByte(char byte, std::string& line, Items& items, Lines& lines);
     static bool AddLine(const char* line, Items& items);
 
     const std::string mPath;
+    ReadObserver* const mObserver;
     Items mItems;
     bool mIsStored = true;  // false after a Save() that failed: the file may hold part of it
 };

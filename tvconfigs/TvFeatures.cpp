@@ -73,17 +73,17 @@ bool TvConfigInfo::*masterOf(const TvFlagRow& row) {
     return nullptr;
 }
 
-std::string fileToUse(const char* path, const Partitions& partitions) {
+}  // namespace
+
+std::string tvFeatureFile(const char* path, const Partitions& partitions) {
     if (path != nullptr && access(path, R_OK) == 0) {
         return path;
     }
     return partitions.tvconfigs + "/tv.config";
 }
 
-}  // namespace
-
 TvFeatures::TvFeatures(const char* path, const Partitions& partitions, Properties& properties)
-    : TvFeatures(std::make_unique<FileConfigEditor>(fileToUse(path, partitions).c_str()), [&] {
+    : TvFeatures(std::make_unique<FileConfigEditor>(tvFeatureFile(path, partitions).c_str()), [&] {
           EditorList others;
           others.push_back(std::make_unique<PropConfigEditor>(properties));
           return others;

@@ -16,6 +16,14 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
+ * The TV configuration file of a set.
+ *
+ * @param path  the file that the project names; null for none
+ * @return `path` if it can be read, else "/tv.config" on the tvconfigs partition
+ */
+std::string tvFeatureFile(const char* path, const Partitions& partitions);
+
+/**
  * The television features of one set, and its analogue and digital TV system.
  *
  * Every value is kept under a key (TvConfigItems.h). It is loaded from the TV configuration file if

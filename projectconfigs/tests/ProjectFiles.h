@@ -11,7 +11,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /** The private functions of a ProjectParser. */
 struct ProjectParserPeer {
     static void parseProjectIni(ProjectParser& parser, const char* path) {
-        parser.parse_project_ini(path);
+        parser.mReader.parse_project_ini(path, parser.mItems);
     }
 };
 

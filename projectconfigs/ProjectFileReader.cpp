@@ -1,0 +1,249 @@
+#define LOG_TAG "MlkProjectConfigs"
+
+#include "projectconfigs/ProjectFileReader.h"
+
+#include <log/log.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "common/Decimal.h"
+#include "common/LineReader.h"
+#include "common/Paths.h"
+
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+namespace {
+
+constexpr size_t kListBufferSize = 256;      // customer and system file
+constexpr size_t kProjectBufferSize = 1024;  // project and board file
+
+constexpr auto npos = std::string_view::npos;
+
+// Removes the comment and the carriage returns at the end of what is left.
+std::string_view withoutComment(std::string_view text) {
+    text = text.substr(0, text.find('#'));
+    while (!text.empty() && text.back() == '\r') {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::string_view withoutSpaces(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && text.back() == ' ') {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+bool hasSymbols(std::string_view text) {
+    return text.find('"') != npos || text.find(';') != npos;
+}
+
+// Removes quotes and semicolons everywhere, and then spaces at both ends. The result is a part of
+// the text, unless there is a quote or semicolon in the middle: then it is in scratch.
+std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
+    const auto isSymbol = [](char c) { return c == '"' || c == ';'; };
+    const auto goes = [&](char c) { return c == ' ' || isSymbol(c); };
+    while (!text.empty() && goes(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && goes(text.back())) {
+        text.remove_suffix(1);
+    }
+    if (!hasSymbols(text)) {
+        return text;
+    }
+    scratch = text;
+    scratch.erase(std::remove_if(scratch.begin(), scratch.end(), isSymbol), scratch.end());
+    return scratch;
+}
+
+std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
+    return withoutSymbols(withoutComment(text), scratch);
+}
+
+bool contains(std::string_view line, std::string_view word) {
+    return line.find(word) != npos;
+}
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+void tellSection(const LineReader& reader, std::string_view line, std::string_view name) {
+    ReadLine read;
+    read.use = LineUse::SECTION;
+    read.section = name;
+    reader.tell(line, read);
+}
+
+void tellItem(const LineReader& reader, std::string_view line, std::string_view section,
+              std::string_view key, std::string_view value, bool isNew = true) {
+    ReadLine read;
+    read.use = LineUse::ITEM;
+    read.section = section;
+    read.key = key;
+    read.value = value;
+    read.isNew = isNew;
+    reader.tell(line, read);
+}
+
+const char* orEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+ProjectFileReader::ProjectFileReader(const char* tvdataPath, const char* tvconfigsPath,
+                                     const char* impdataPath, ReadObserver* observer)
+    : mTvdataPath(orEmpty(tvdataPath)),
+      mTvconfigsPath(orEmpty(tvconfigsPath)),
+      mImpdataPath(orEmpty(impdataPath)),
+      mObserver(observer) {}
+
+bool ProjectFileReader::isMissing(const std::string& path, const char* function, int sourceLine) {
+    if (pathExists(path)) {
+        return false;
+    }
+    ALOGD("[%s %d] %s don't exist.", function, sourceLine, path.c_str());
+    return true;
+}
+
+void ProjectFileReader::parse_customer_ini(const char* path, std::string& customerId,
+                                           std::string& sysIniPath) {
+    if (isMissing(path, __func__, __LINE__)) {
+        return;
+    }
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
+    std::string_view line;
+    std::string_view value;
+    while (reader.next(line)) {
+        const bool isCustomerId = contains(line, "CUSTOMER_ID");
+        if (!isCustomerId && !contains(line, "SYS_INI")) {
+            reader.tell(line, LineUse::NOTHING);
+            continue;
+        }
+        if (!reader.valueOf(line, value)) {
+            reader.tell(line, LineUse::IGNORED);
+            continue;
+        }
+        value = eraseSymbol(value, mCleaned);
+        tellItem(reader, line, "", isCustomerId ? "CUSTOMER_ID" : "SYS_INI", value);
+        if (isCustomerId) {
+            customerId = value;
+        } else {
+            sysIniPath = PatchIniItemPath(value);
+        }
+    }
+}
+
+void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
+                                      std::string& projectIniPath, uint32_t& maxIdx) {
+    if (isMissing(path, __func__, __LINE__)) {
+        return;
+    }
+    constexpr std::string_view kModel = "Model_";
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
+    std::string_view line;
+    std::string_view value;
+    while (reader.next(line)) {
+        const size_t model = line.find(kModel);
+        if (model == npos) {
+            reader.tell(line, LineUse::NOTHING);
+            continue;
+        }
+        if (!reader.valueOf(line, value)) {
+            reader.tell(line, LineUse::IGNORED);
+            continue;
+        }
+        const int32_t number = parseDecimal(line.substr(model + kModel.size()));
+        if (reader.isObserved()) {
+            const std::string key = std::string(kModel) + std::to_string(number);
+            tellItem(reader, line, "", key, eraseSymbol(value, mCleaned));
+        }
+        // Unsigned: a negative number counts as larger than all others.
+        maxIdx = std::max(maxIdx, static_cast<uint32_t>(number));
+        if (number == projectId) {
+            projectIniPath = PatchIniItemPath(eraseSymbol(value, mCleaned));
+        }
+    }
+}
+
+bool ProjectFileReader::parse_project_ini(const char* path, ItemStore& items) {
+    if (path == nullptr) {
+        ALOGD("path is null");
+        return true;
+    }
+    if (isMissing(path, __func__, __LINE__)) {
+        return true;
+    }
+    LineReader reader(path, kProjectBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
+    items.expect(reader.size());
+    ItemStore::Section section = items.section("");
+    std::string_view line;
+    while (reader.next(line)) {
+        if (line.empty() || line.front() == '\r' || line.front() == '#') {
+            reader.tell(line, LineUse::NOTHING);
+        } else if (line.front() == '[') {
+            const std::string_view name = eraseSymbol(line, mCleaned);
+            section = items.section(name);
+            tellSection(reader, line, name);
+        } else {
+            addNewItem(items, section, line, reader);
+        }
+    }
+    return !reader.failed();
+}
+
+std::string_view ProjectFileReader::cleanPath(std::string_view value) {
+    return PatchIniItemPath(eraseSymbol(value, mCleaned));
+}
+
+void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
+                                   std::string_view wholeLine, const LineReader& reader) {
+    const std::string_view line = withoutComment(wholeLine);
+    // One search of the line is faster than one each of key and value.
+    const bool isQuoted = hasSymbols(line);
+    const auto clean = [isQuoted](std::string_view text, std::string& scratch) {
+        return isQuoted ? withoutSymbols(text, scratch) : withoutSpaces(text);
+    };
+    const size_t equals = line.find('=');
+    const std::string_view key = clean(line.substr(0, equals), mCleanedKey);
+    const std::string_view written =
+            equals == npos ? key : clean(line.substr(equals + 1), mCleaned);
+    const std::string_view value = PatchIniItemPath(written);
+
+    const auto [item, isNew] = items.insert(section, key, value);
+    if (!isNew) {
+        const std::string text(value);
+        ALOGD("[%s %d] update value (%s -> %s) due to the same key (%s)", __func__, __LINE__,
+              items.valueOf(item).data(), text.c_str(), items.keyOf(item).data());
+        items.replace(item, value);
+    }
+    if (reader.isObserved()) {
+        tellItem(reader, wholeLine, items.sectionOf(item), key, written, isNew);
+    }
+}
+
+std::string_view ProjectFileReader::PatchIniItemPath(std::string_view value) {
+    if (!startsWith(value, "/")) {
+        return value;
+    }
+    // The prefix need not be followed by a "/".
+    const std::pair<std::string_view, const char*> prefixes[] = {
+            {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
+    for (const auto& [prefix, mountPoint] : prefixes) {
+        if (startsWith(value, prefix)) {
+            mPatched = mountPoint;
+            mPatched.append(value.substr(prefix.size()));
+            return mPatched;
+        }
+    }
+    return value;
+}
+
+}  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
