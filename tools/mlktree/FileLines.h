@@ -1,0 +1,100 @@
+#pragma once
+
+#include <vendor/morlak/mlkconfigs/1.0/types.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "common/ReadObserver.h"
+#include "common/TextArena.h"
+
+namespace mlk::tree {
+
+using vendor::morlak::mlkconfigs::V1_0::HidlFreqListItem;
+using vendor::morlak::mlkconfigs::V1_0::implementation::LineUse;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ReadLine;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ReadObserver;
+
+/** The formats of the files of a tree. */
+enum class Format {
+    CUSTOMER,
+    SYSTEM,
+    PROJECT, /**< a model's file or a board file */
+    AUXILIARY,
+    TV_FEATURES,
+    COUNTRY_LIST,
+    LANGUAGE_LIST,
+    CHANNEL_PLAN,
+    TV_SYSTEMS,
+    COUNTRY_MAP,
+    FREQUENCY_MAP,
+    PROJECT_ID,
+    BOARD_ID,
+    COUNTRY_ID,
+    OPAQUE, /**< handed to clients, not read */
+};
+
+/** "project file" and so on, for messages. */
+std::string_view nameOf(Format format);
+
+/** What the reader complained about; line 0 for the whole file. */
+struct Problem {
+    size_t line;
+    std::string text;
+};
+
+/**
+ * What the service's reader makes of one file of the tree, line by line. Read once, then immutable
+ * and thread-safe. The views of the lines belong to this object.
+ */
+class FileLines : public ReadObserver {
+  public:
+    FileLines(std::string path, Format format) : mPath(std::move(path)), mFormat(format) {}
+
+    /** Relative to the tree. */
+    const std::string& path() const { return mPath; }
+    Format format() const { return mFormat; }
+
+    /** False if nothing has that path. */
+    bool exists() const { return mExists; }
+    /** True if the file exists but is not used, because it cannot be read whole. */
+    bool isUnreadable() const;
+
+    /** In the order of the file; `path` of a line is empty. An XML file has its elements here. */
+    const std::vector<ReadLine>& lines() const { return mLines; }
+    const std::vector<Problem>& problems() const { return mProblems; }
+
+    /** Of a channel plan: the channel of each line with use ITEM, in their order. */
+    const std::vector<HidlFreqListItem>& channels() const { return mChannels; }
+
+    /** The line that gives the item its value, by the format's rule; null if none does. */
+    const ReadLine* find(std::string_view section, std::string_view key) const;
+
+    /** Sections that occur, from name to their first line. */
+    const std::map<std::string_view, const ReadLine*>& sections() const { return mSections; }
+
+    // Used while the file is read (FileReading.cpp).
+    void onLine(const ReadLine& line) override;
+    void onProblem(std::string_view path, size_t line, std::string_view problem) override;
+    void finish(bool exists, std::vector<HidlFreqListItem> channels);
+
+  private:
+    std::string_view keep(std::string_view text);
+
+    const std::string mPath;
+    const Format mFormat;
+    bool mExists = false;
+    vendor::morlak::mlkconfigs::V1_0::implementation::TextArena mTexts;
+    std::vector<ReadLine> mLines;
+    std::vector<Problem> mProblems;
+    std::vector<HidlFreqListItem> mChannels;
+    std::map<std::string_view, const ReadLine*> mSections;
+    std::unordered_map<std::string, const ReadLine*> mItems;  // by section, NUL and key
+};
+
+}  // namespace mlk::tree

@@ -1,0 +1,162 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "regional/CountryTable.h"
+#include "tools/mlktree/FileLines.h"
+#include "tools/mlktree/Settings.h"
+#include "tools/mlktree/Tree.h"
+#include "tools/mlktree/TreeProperties.h"
+
+namespace mlk::tree {
+
+using vendor::morlak::mlkconfigs::V1_0::implementation::_tv_country;
+
+/** A customer file and the system file that it names. */
+struct Customer {
+    const FileLines* file = nullptr;
+    const ReadLine* systemLine = nullptr; /**< the line that names the system file; null for none */
+    const FileLines* system = nullptr;    /**< null if no line names one */
+};
+
+/** A "Model_" line of a system file. */
+struct Model {
+    int32_t index = 0;
+    const Customer* customer = nullptr;
+    const ReadLine* line = nullptr;  /**< of the system file */
+    const FileLines* file = nullptr; /**< the project file; null if the line has no path */
+    bool counts = true;              /**< false if a later line has the same index */
+};
+
+/** A board that the tree has. */
+struct Board {
+    std::string name;                /**< file name; "none" for a set without a board file */
+    const FileLines* file = nullptr; /**< null for a set without a board file */
+};
+
+/** A line that names a file. */
+struct Naming {
+    const FileLines* file = nullptr; /**< the file that the line stands in; null for a property */
+    const ReadLine* line = nullptr;  /**< null if a rule of the service names it: audio_<hw>.ini */
+};
+
+/** An item of a set of one model and one board: the line that counts, and the one it replaces. */
+struct LayeredItem {
+    const FileLines* file = nullptr; /**< null if no line gives the item */
+    const ReadLine* line = nullptr;
+    const FileLines* replacedFile = nullptr; /**< null if the line replaces no other file's */
+    const ReadLine* replacedLine = nullptr;
+
+    explicit operator bool() const { return line != nullptr; }
+};
+
+/** A TV system file with its country map. */
+struct TvSystems {
+    const FileLines* file = nullptr;
+    const FileLines* map = nullptr; /**< null if no map is named */
+};
+
+/** A folder of channel plans. */
+struct PlanFolder {
+    std::string path; /**< relative to the tree */
+    const FileLines* map = nullptr;
+};
+
+/** Which models, boards, customers and countries a command looks at; empty for all. */
+struct Selection {
+    std::optional<int32_t> model;
+    std::string board;                  /**< as on the command line; "none" for no board file */
+    std::vector<std::string> customers; /**< as on the command line */
+    std::string country;
+};
+
+/**
+ * All that a tree holds: every file that a set can use, read once by the service's own readers, and
+ * how the files name each other.
+ *
+ * The constructor reads everything, on all cores. The object does not change afterwards, and any
+ * thread may ask it.
+ */
+class ProductLine {
+  public:
+    /**
+     * @param tree        must outlive the object
+     * @param settings    must outlive the object
+     * @param properties  must outlive the object
+     * @throw UsageError if the selection names a file, model or country that does not exist
+     */
+    ProductLine(const Tree& tree, const Settings& settings, const TreeProperties& properties,
+                const Selection& selection);
+    ~ProductLine();
+
+    const Tree& tree() const { return mTree; }
+    const Settings& settings() const { return mSettings; }
+    const TreeProperties& properties() const { return mProperties; }
+
+    const std::vector<Customer>& customers() const { return mCustomers; }
+    const std::vector<Model>& models() const { return mModels; }
+    const std::vector<Board>& boards() const { return mBoards; }
+    const std::vector<TvSystems>& tvSystems() const { return mTvSystems; }
+    const std::vector<PlanFolder>& planFolders() const { return mPlanFolders; }
+
+    /** Countries that some list or map of the tree names, in the order of their values. */
+    const std::vector<_tv_country>& countries() const { return mCountries; }
+
+    /** models x boards x countries (at least one of each). */
+    size_t setCount() const;
+
+    /** Every file that was read, by its path relative to the tree. */
+    const std::map<std::string, std::unique_ptr<FileLines>, std::less<>>& files() const {
+        return mFiles;
+    }
+    /** The file that was read of that path; null if none was. */
+    const FileLines* find(std::string_view path) const;
+
+    /** Identity files; they may not exist. */
+    const FileLines& projectId() const { return *mProjectId; }
+    const FileLines& boardId() const { return *mBoardId; }
+    const FileLines& countryId() const { return *mCountryId; }
+
+    /** The lines that name a path (relative to the tree), of readable files and others. */
+    const std::vector<Naming>& namings(std::string_view path) const;
+    /** Every path that a line names, with those lines. */
+    const std::map<std::string, std::vector<Naming>, std::less<>>& namedPaths() const {
+        return mNamings;
+    }
+
+    /** The item of a set of that model and board. */
+    LayeredItem item(const Model& model, const Board& board, std::string_view section,
+                     std::string_view key) const;
+
+    /**
+     * The groups of sets that use a file, in the form of Finding::sets: from the chain that names
+     * it. Empty if no set uses it.
+     */
+    std::vector<std::string> setsOf(std::string_view path) const;
+
+  private:
+    friend class ProductLineBuilder;
+
+    const Tree& mTree;
+    const Settings& mSettings;
+    const TreeProperties& mProperties;
+    std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
+    std::vector<Customer> mCustomers;
+    std::vector<Model> mModels;
+    std::vector<Board> mBoards;
+    std::vector<TvSystems> mTvSystems;
+    std::vector<PlanFolder> mPlanFolders;
+    std::vector<_tv_country> mCountries;
+    const FileLines* mProjectId = nullptr;
+    const FileLines* mBoardId = nullptr;
+    const FileLines* mCountryId = nullptr;
+    std::map<std::string, std::vector<Naming>, std::less<>> mNamings;
+};
+
+}  // namespace mlk::tree

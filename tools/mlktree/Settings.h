@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/mlktree/Finding.h"
+
+namespace mlk::tree {
+
+/** Type of a value of the line's own keys. */
+enum class OwnType { TEXT, PATH, BOOLEAN, INTEGER, CHOICE, PATTERN };
+
+/** An item that mlktree.toml declares: the service does not know it, the line's programs do. */
+struct OwnKey {
+    std::string section; /**< with its brackets; may hold "*" and "?" */
+    std::string key;     /**< may hold "*" and "?" */
+    OwnType type = OwnType::TEXT;
+    std::optional<int64_t> least;     /**< of INTEGER */
+    std::optional<int64_t> most;      /**< of INTEGER */
+    std::vector<std::string> choices; /**< of CHOICE */
+    std::string pattern;              /**< of PATTERN: an ECMAScript regular expression */
+    bool isRequired = false;          /**< every model must have it */
+    std::string remark;               /**< `mlktree explain` shows it */
+    size_t line = 0;                  /**< in mlktree.toml */
+};
+
+/** A rule that is switched off or has another severity for some files. */
+struct RuleSetting {
+    std::string rule;  /**< its name; "*" for all */
+    std::string files; /**< pattern of paths relative to the tree; "**" for any number of folders */
+    Severity severity = Severity::OFF;
+    std::string reason; /**< never empty for OFF */
+    size_t line = 0;    /**< in mlktree.toml */
+};
+
+/** What mlktree.toml at the top of a tree says. */
+struct Settings {
+    std::vector<OwnKey> keys;
+    std::vector<RuleSetting> rules;
+
+    /** The declaration of an item; null if there is none. */
+    const OwnKey* find(std::string_view section, std::string_view key) const;
+    /** True if some key of that section is declared. */
+    bool knowsSection(std::string_view section) const;
+};
+
+}  // namespace mlk::tree
