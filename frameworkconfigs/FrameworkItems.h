@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "common/RowOf.h"
+#include "common/ValueType.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -15,11 +16,27 @@ enum class FrameworkItemKind {
     TEXT,      ///< a string that is always empty; no property is read, on purpose
 };
 
+/** What a property of that kind may hold. */
+constexpr ValueType typeOf(FrameworkItemKind kind) {
+    switch (kind) {
+        case FrameworkItemKind::FLAG:
+            return ValueType::PROPERTY_SWITCH;
+        case FrameworkItemKind::NUMBER:
+            return ValueType::PROPERTY_NUMBER;
+        case FrameworkItemKind::INVERTED:
+            return ValueType::INVERTED_NUMBER;
+        case FrameworkItemKind::TEXT:
+            break;
+    }
+    return ValueType::TEXT;
+}
+
 /** One getter of IMlkFrameworkConfigs that answers with a cached value. */
 struct FrameworkItemRow {
     const char* method;
     FrameworkItemKind kind;
-    const char* property;  ///< null for a TEXT
+    const char* property;          ///< null for a TEXT
+    const char* setter = nullptr;  ///< the interface's setter; null if there is none
 };
 
 /** All of them, in the order in which a start reads them. */
@@ -39,8 +56,10 @@ inline constexpr FrameworkItemRow kFrameworkItems[] = {
          "vendor.mlk.m.mlkp.dbg.adpstrm"},
         {"getTvserviceDumpLevel", FrameworkItemKind::NUMBER, "vendor.mlk.nt.dumplevel"},
         {"strEnabled", FrameworkItemKind::FLAG, "persist.vendor.mlk.enstr"},
-        {"getForceStrEnabled", FrameworkItemKind::INVERTED, "persist.vendor.mlk.forcestr"},
-        {"getWowEnabled", FrameworkItemKind::FLAG, "persist.vendor.mlk.enable_wow"},
+        {"getForceStrEnabled", FrameworkItemKind::INVERTED, "persist.vendor.mlk.forcestr",
+         "setForceStrEnabled"},
+        {"getWowEnabled", FrameworkItemKind::FLAG, "persist.vendor.mlk.enable_wow",
+         "setWowEnabled"},
         {"getMediaDebugCmd", FrameworkItemKind::TEXT, nullptr},
         {"getResumePowerKey", FrameworkItemKind::TEXT, nullptr},
         {"getMediaVdecInfo", FrameworkItemKind::TEXT, nullptr},

@@ -10,7 +10,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 std::string loadAuxiliaryFile(const ProjectParser& items, const AuxiliaryFileSource& source,
                               IniProjectParser& parser) {
-    const std::string path = items.getInfo({source.category, source.key});
+    const std::string path = items.getInfo(source.item);
     if (source.pathLabel != nullptr) {
         ALOGD("%s%s", source.pathLabel, path.c_str());
     }

@@ -4,18 +4,15 @@
 #include <string_view>
 
 #include "common/ConfigKey.h"
+#include "common/FileLimits.h"
 #include "projectconfigs/IniProjectParser.h"
 #include "projectconfigs/ProjectParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/** The size of a buffer for the name of an auxiliary file, with its final NUL. */
-inline constexpr size_t kFileNameSize = 128;
-
 /** The project item that names an auxiliary file, and the log texts of its loading. */
 struct AuxiliaryFileSource {
-    const char* category;
-    const char* key;
+    ConfigKey item;
     const char* nameLabel;           /**< logged before the file's name */
     const char* missing;             /**< the error if the item is empty */
     const char* pathLabel = nullptr; /**< logged before the item's value; null: no such line */

@@ -14,8 +14,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kBufferSize = 256;
-
 // Removes a character everywhere. If it is found at position p, the p characters after it are
 // removed too; at the start of a text it is removed alone.
 void eraseWithFollowers(std::string& text, char symbol) {
@@ -111,7 +109,7 @@ ItemStore IniProjectParser::parse_ini(const char* path) const {
         ALOGD("%s don't exist.", path);
         return items;
     }
-    LineReader reader(path, kBufferSize, LOG_TAG, kMostListBytes, mObserver);
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostListBytes, mObserver);
     items.expect(reader.size());
     ItemStore::Section section = items.section("");
     std::string_view line;

@@ -155,7 +155,7 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
         return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
     }
     /** Answers with the value of an item; empty if there is no such item. */
-    void answerValue(const char* category, const char* key, const TextCallback& callback) const;
+    void answerValue(const ConfigKey& key, const TextCallback& callback) const;
 
     /** Answers with an item of the table. Gives no answer if a selector is out of range. */
     template <size_t kRow, typename Callback>

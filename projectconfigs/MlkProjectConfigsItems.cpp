@@ -1,3 +1,4 @@
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,9 +13,8 @@ using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using ::android::hardware::Void;
 
-void MlkProjectConfigs::answerValue(const char* category, const char* key,
-                                    const TextCallback& callback) const {
-    const std::string value = mSet.items().getInfo(ConfigKey(category, key));
+void MlkProjectConfigs::answerValue(const ConfigKey& key, const TextCallback& callback) const {
+    const std::string value = mSet.items().getInfo(key);
     OptionalString answer{};
     clearPadding(answer);
     answer.success = true;
@@ -25,10 +25,8 @@ void MlkProjectConfigs::answerValue(const char* category, const char* key,
 
 void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
                                    const TextCallback& callback) const {
-    const char* const sectionName = sectionOf(row, section);
-    const char* const keyName = keyOf(row, key);
-    if (sectionName != nullptr && keyName != nullptr) {
-        answerValue(sectionName, keyName, callback);
+    if (const std::optional<ConfigKey> item = itemOf(row, section, key)) {
+        answerValue(*item, callback);
     }
 }
 
@@ -40,10 +38,11 @@ void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, 
 }
 
 Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
-    constexpr int32_t kHighestMode = 2;
-    return answer<projectItem("getPowerOnMode")>(TextCallback([&](const OptionalString& text) {
+    constexpr size_t kRow = projectItem("getPowerOnMode");
+    constexpr const KnownItem& kItem = kKnownItems[kProjectItems[kRow].first];
+    return answer<kRow>(TextCallback([&](const OptionalString& text) {
         const int32_t mode = parseDecimal(text.value.c_str());
-        if (mode >= 0 && mode <= kHighestMode) {
+        if (mode >= kItem.least && mode <= kItem.most) {
             answerWith(_hidl_cb, true, mode);
         }
     }));
@@ -67,7 +66,7 @@ Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
 }
 
 Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
-    answerValue(key.category.c_str(), key.key.c_str(), _hidl_cb);
+    answerValue({key.category.c_str(), key.key.c_str()}, _hidl_cb);
     return Void();
 }
 

@@ -10,13 +10,11 @@
 #include "common/Decimal.h"
 #include "common/LineReader.h"
 #include "common/Paths.h"
+#include "projectconfigs/ChainKeywords.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
-
-constexpr size_t kListBufferSize = 256;      // customer and system file
-constexpr size_t kProjectBufferSize = 1024;  // project and board file
 
 constexpr auto npos = std::string_view::npos;
 
@@ -122,8 +120,8 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
     std::string_view line;
     std::string_view value;
     while (reader.next(line)) {
-        const bool isCustomerId = contains(line, "CUSTOMER_ID");
-        if (!isCustomerId && !contains(line, "SYS_INI")) {
+        const bool isCustomerId = contains(line, keyword::kCustomerId);
+        if (!isCustomerId && !contains(line, keyword::kSystemFile)) {
             reader.tell(line, LineUse::NOTHING);
             continue;
         }
@@ -132,7 +130,8 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
             continue;
         }
         value = eraseSymbol(value, mCleaned);
-        tellItem(reader, line, "", isCustomerId ? "CUSTOMER_ID" : "SYS_INI", value);
+        tellItem(reader, line, "", isCustomerId ? keyword::kCustomerId : keyword::kSystemFile,
+                 value);
         if (isCustomerId) {
             customerId = value;
         } else {
@@ -146,12 +145,11 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
     if (isMissing(path, __func__, __LINE__)) {
         return;
     }
-    constexpr std::string_view kModel = "Model_";
     LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
     std::string_view line;
     std::string_view value;
     while (reader.next(line)) {
-        const size_t model = line.find(kModel);
+        const size_t model = line.find(keyword::kModel);
         if (model == npos) {
             reader.tell(line, LineUse::NOTHING);
             continue;
@@ -160,9 +158,9 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
             reader.tell(line, LineUse::IGNORED);
             continue;
         }
-        const int32_t number = parseDecimal(line.substr(model + kModel.size()));
+        const int32_t number = parseDecimal(line.substr(model + keyword::kModel.size()));
         if (reader.isObserved()) {
-            const std::string key = std::string(kModel) + std::to_string(number);
+            const std::string key = std::string(keyword::kModel) + std::to_string(number);
             tellItem(reader, line, "", key, eraseSymbol(value, mCleaned));
         }
         // Unsigned: a negative number counts as larger than all others.

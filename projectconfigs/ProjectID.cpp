@@ -10,20 +10,20 @@
 #include <system_error>
 
 #include "common/Decimal.h"
+#include "common/FileLimits.h"
 #include "common/SaveFile.h"
+#include "projectconfigs/ChainKeywords.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr std::string_view kKeyword = "PROJECT_ID";
 constexpr size_t kChunk = 256;
-constexpr size_t kFileSize = size_t{64} * 1024;  // a real file has one line
 
 }  // namespace
 
 ProjectID::ProjectID(const std::string& directory, unsigned int defaultIndex)
-    : mFilePath(directory + "/project_id.bin") {
+    : mFilePath(directory + keyword::kProjectIdFile) {
     if (!Read()) {
         mId = defaultIndex;
     }
@@ -51,7 +51,7 @@ bool ProjectID::ReadFrom(File& file) {
     ssize_t count = 0;
     while ((count = file.readUpTo(buffer, sizeof buffer)) > 0) {
         const std::string_view text(buffer, strnlen(buffer, sizeof buffer));
-        const size_t keyword = text.find(kKeyword);
+        const size_t keyword = text.find(keyword::kProjectId);
         if (keyword != std::string_view::npos) {
             const size_t equals = text.find('=', keyword);
             if (equals != std::string_view::npos) {
@@ -60,8 +60,8 @@ bool ProjectID::ReadFrom(File& file) {
             return true;
         }
         total += static_cast<size_t>(count);
-        if (total >= kFileSize) {
-            ALOGE("%s: no index in the first %zu bytes", mFilePath.c_str(), kFileSize);
+        if (total >= kMostIdentityBytes) {
+            ALOGE("%s: no index in the first %zu bytes", mFilePath.c_str(), kMostIdentityBytes);
             return true;
         }
     }
@@ -82,8 +82,8 @@ bool ProjectID::Set(unsigned int index) {
     }
     mId = index;
     mIsWritten = false;
-    const std::string line =
-            std::string(kKeyword) + "=" + std::to_string(static_cast<int32_t>(index)) + "\n";
+    const std::string line = std::string(keyword::kProjectId) + "=" +
+                             std::to_string(static_cast<int32_t>(index)) + "\n";
     const Saved saved = saveFile(mFilePath, line);
     if (saved == Saved::DONE) {
         mIsWritten = true;

@@ -1,11 +1,15 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <iterator>
+#include <optional>
 #include <string_view>
 
+#include "common/ConfigKey.h"
 #include "common/RowOf.h"
+#include "projectconfigs/KnownItems.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -17,43 +21,60 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 struct ProjectItemRow {
     const char* method;
-    std::array<const char*, 4> sections;  // in order; null after the last
-    std::array<const char*, 3> keys;      // in order; null after the last
-    const char* otherKey = nullptr;       // key for every further selector; null: no answer
+    size_t first;                    // row of its first item in kKnownItems
+    size_t sections;                 // how many sections it has
+    size_t keys;                     // how many keys it has in each of them
+    const char* otherKey = nullptr;  // key for every further selector; null: no answer
 };
+
+/** True if the item decides the answer of that method. */
+constexpr bool isReadBy(const KnownItem& item, std::string_view method) {
+    const std::string_view reader = item.readers[0];
+    return reader.substr(0, reader.find(' ')) == method;
+}
+
+/**
+ * The row of a getter. In a constant expression, as in kProjectItems, this does not compile for a
+ * method without items or with items in the wrong order.
+ */
+constexpr ProjectItemRow itemsOf(const char* method, const char* otherKey = nullptr) {
+    size_t first = 0;
+    while (!isReadBy(kKnownItems[first], method)) {
+        ++first;  // not beyond the table in a constant expression
+    }
+    size_t end = first;
+    size_t sections = 0;
+    for (; end < std::size(kKnownItems) && isReadBy(kKnownItems[end], method); ++end) {
+        const bool isSameSection =
+                end > first && kKnownItems[end].name.category == kKnownItems[end - 1].name.category;
+        sections += isSameSection ? 0 : 1;
+    }
+    const size_t keys = (end - first) / sections;
+    for (size_t row = first; row < end; ++row) {
+        const size_t offset = row - first;
+        if (kKnownItems[row].name.key != kKnownItems[first + offset % keys].name.key ||
+            kKnownItems[row].name.category != kKnownItems[row - offset % keys].name.category) {
+            std::abort();
+        }
+    }
+    return {method, first, sections, keys, otherKey};
+}
 
 /** All such getters, in the order of the interface. */
 inline constexpr ProjectItemRow kProjectItems[] = {
-        {"getClientType", {"[CLIENT_TYPE_INFO]"}, {"CLIENT_TYPE"}},
-        {"getProjectName", {"[PROJECT_NAME_CFG]"}, {"PROJECT_NAME"}},
-        {"getPanelName", {"[PANEL]"}, {"m_pPanelName"}},
-        {"getOverscanPath", {"[OVERSCAN]"}, {"OVERSCAN_PATH"}},
-        {"getSSCPath", {"[SSC]"}, {"m_pSSCName"}},
-        {"getPQPath", {"[MISC_PQ_MAP_CFG]"}, {"PQ"}},
-        {"getEQPath", {"[DIGITAL_AMPLIFIER_CFG]"}, {"ST_EQ0_NAME", "ST_EQ1_NAME"}},
-        {"getAMPSelection",
-         {"[DIGITAL_AMPLIFIER_CFG]"},
-         {"ST_AMP_SELECTION", "ST_AMP_SUB_SELECTION"}},
-        {"getAMPAddr", {"[DIGITAL_AMPLIFIER_CFG]"}, {"ST_AMP_ADDR0", "ST_AMP_ADDR1"}},
-        {"getVolumeCurve", {"[VOLUME_CURVE_CFG]"}, {"VOLUME_CURVE"}},
-        {"getAQPath", {"[AQ]"}, {"AQBin_Path"}},
-        {"getHDMIEdidPath",
-         {"[HDMI_EDID_1]", "[HDMI_EDID_2]", "[HDMI_EDID_3]", "[HDMI_EDID_4]"},
-         {"HDMI_EDID_File_1P4", "HDMI_EDID_File_2P0", "HDMI_EDID_File_2P1"},
-         ""},
-        {"getHDMIHdcpPath", {"[HDCP_KEY_1X]", "[HDCP_KEY_2X]"}, {"HDCP_KEY_File"}},
-        {"getPowerOnMode", {"[PowerOnMode]"}, {"ModeStatus"}},
-        {"getPowerLogoPath", {"[PowerLogoMode]"}, {"PowerLogoPath"}},
-        {"getBootAnimationPath", {"[BootAnimation]"}, {"FileName"}},
-        {"getInputSource", {"[LiveTV]"}, {"inputSource"}},
-        {"getTunerType", {"[LiveTV]"}, {"tuner_type"}},
-        {"getDPVREnabled", {"[LiveTV]"}, {"DPVR"}},
-        {"getHBBTVEnabled", {"[LiveTV]"}, {"Hbbtv"}},
-        {"getIRConfig", {"[IR]"}, {"IR_CONFIG"}},
-        {"getRegionName", {"[MODEL_REGION_NAME_CFG]"}, {"REGION_NAME"}},
-        {"getTunerConfig", {"[Tuner]"}, {"TP0_FE", "TP1_FE"}},
-        {"getTvChannelDatabasePath", {"[LiveTV]"}, {"TvChannelDatabasePath"}},
-        {"getIRFilter", {"[IRFilter]"}, {"IR_Filter"}},
+        itemsOf("getClientType"),    itemsOf("getProjectName"),
+        itemsOf("getPanelName"),     itemsOf("getOverscanPath"),
+        itemsOf("getSSCPath"),       itemsOf("getPQPath"),
+        itemsOf("getEQPath"),        itemsOf("getAMPSelection"),
+        itemsOf("getAMPAddr"),       itemsOf("getVolumeCurve"),
+        itemsOf("getAQPath"),        itemsOf("getHDMIEdidPath", ""),
+        itemsOf("getHDMIHdcpPath"),  itemsOf("getPowerOnMode"),
+        itemsOf("getPowerLogoPath"), itemsOf("getBootAnimationPath"),
+        itemsOf("getInputSource"),   itemsOf("getTunerType"),
+        itemsOf("getDPVREnabled"),   itemsOf("getHBBTVEnabled"),
+        itemsOf("getIRConfig"),      itemsOf("getRegionName"),
+        itemsOf("getTunerConfig"),   itemsOf("getTvChannelDatabasePath"),
+        itemsOf("getIRFilter"),
 };
 
 /** The index of a method's row. */
@@ -61,15 +82,20 @@ constexpr size_t projectItem(std::string_view method) {
     return rowOf(kProjectItems, method);
 }
 
-/** Section that a selector chooses; null for one that is out of range. */
-constexpr const char* sectionOf(const ProjectItemRow& row, uint32_t selector) {
-    return selector < row.sections.size() ? row.sections[selector] : nullptr;
-}
-
-/** Key that a selector chooses; null for one that is out of range. */
-constexpr const char* keyOf(const ProjectItemRow& row, uint32_t selector) {
-    const char* const key = selector < row.keys.size() ? row.keys[selector] : nullptr;
-    return key != nullptr ? key : row.otherKey;
+/** The item that two selectors choose; nothing if one of them is out of range. */
+constexpr std::optional<ConfigKey> itemOf(const ProjectItemRow& row, uint32_t section,
+                                          uint32_t key) {
+    if (section >= row.sections) {
+        return std::nullopt;
+    }
+    const size_t ofSection = row.first + section * row.keys;
+    if (key < row.keys) {
+        return kKnownItems[ofSection + key].name;
+    }
+    if (row.otherKey == nullptr) {
+        return std::nullopt;
+    }
+    return ConfigKey(kKnownItems[ofSection].name.category, row.otherKey);
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -7,13 +7,9 @@
 #include <tuple>
 #include <utility>
 
+#include "projectconfigs/ChainKeywords.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-namespace {
-
-constexpr const char* kNoBoardFile = "DEFAULT_BOARD_ID";
-
-}  // namespace
 
 ProjectParser::ProjectParser(const char* tvdataPath, const char* tvconfigsPath,
                              const char* impdataPath, ReadObserver* observer)
@@ -62,7 +58,7 @@ bool ProjectParser::readChain(const char* customerIniPath, int projectId,
 }
 
 bool ProjectParser::parse_board_id_ini(const std::string& boardId) {
-    if (boardId == kNoBoardFile) {
+    if (boardId == keyword::kNoBoardFile) {
         mBoardIniPath.clear();
         return true;
     }

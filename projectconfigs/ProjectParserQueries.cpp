@@ -7,15 +7,10 @@
 
 #include "common/LineReader.h"
 #include "common/Paths.h"
+#include "projectconfigs/ChainKeywords.h"
 #include "projectconfigs/ProjectParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
-
-namespace {
-
-constexpr size_t kListBufferSize = 256;
-
-}  // namespace
 
 std::string ProjectParser::getInfo(const ConfigKey& key) const {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -65,19 +60,18 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
     if (path.empty() || ProjectFileReader::isMissing(path, __func__, __LINE__)) {
         return;
     }
-    constexpr std::string_view kModel = "Model_";
-    constexpr std::string_view kFolder = "model/";
     constexpr size_t kCutWithoutFolder = 5;
     const size_t before = list.size();
     LineReader reader(path, kListBufferSize, LOG_TAG);
     std::string_view line;
     while (reader.next(line)) {
-        if (line.find(kModel) == std::string_view::npos) {
+        if (line.find(keyword::kModel) == std::string_view::npos) {
             continue;
         }
-        const size_t folder = line.find(kFolder);
-        std::string entry(line.substr(folder == std::string_view::npos ? kCutWithoutFolder
-                                                                       : folder + kFolder.size()));
+        const size_t folder = line.find(keyword::kModelFolder);
+        std::string entry(line.substr(folder == std::string_view::npos
+                                              ? kCutWithoutFolder
+                                              : folder + keyword::kModelFolder.size()));
         entry.erase(std::remove(entry.begin(), entry.end(), '"'), entry.end());
         list.push_back(std::move(entry));
     }

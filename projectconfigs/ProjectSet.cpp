@@ -2,16 +2,19 @@
 
 #include <utility>
 
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/KnownProperties.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr AuxiliaryFileSource kKaraoke = {"[KARAOKE]", "KARAOKE_CONFIG_PATH",
+constexpr AuxiliaryFileSource kKaraoke = {item::kKaraoke,
                                           "mKarakeName:", "Can't get karaoke config path!"};
-constexpr AuxiliaryFileSource kGlobalKeys = {"[KEY]", "KEY_CONFIG_PATH",
+constexpr AuxiliaryFileSource kGlobalKeys = {item::kGlobalKeys,
                                              "mGlobalKeyName:", "Can't get key config path!"};
 constexpr AuxiliaryFileSource kCustomerDdcci = {
-        "[DDCCI]", "CUSTOMER_DDCCI_PATH",
+        item::kCustomerDdcci,
         "[DDCCI] mCustomerDdcciName: ", "Can't get Customer DDCCI config path!",
         "[DDCCI] customerDdcciConfigPath = "};
 
@@ -23,7 +26,7 @@ ProjectSet::ProjectSet(Partitions partitions, const Properties& properties, Regi
     : mPartitions(std::move(partitions)),
       mStore(mPartitions, properties, identity.projectId, identity.boardId, identity.customer,
              observer),
-      mSounds(mStore.items(), mPartitions, properties.get("ro.hardware"), observer),
+      mSounds(mStore.items(), mPartitions, properties.get(property::kHardware), observer),
       mKaraoke(mStore.items(), kKaraoke, observer),
       mGlobalKeys(mStore.items(), kGlobalKeys, observer),
       mCustomerDdcci(mStore.items(), kCustomerDdcci, observer),

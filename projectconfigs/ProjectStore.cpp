@@ -5,6 +5,8 @@
 #include <log/log.h>
 
 #include "common/Decimal.h"
+#include "projectconfigs/ChainKeywords.h"
+#include "projectconfigs/KnownProperties.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -12,7 +14,7 @@ ProjectStore::ProjectStore(const Partitions& partitions, const Properties& prope
                            int projectId, const std::string& boardId, const std::string& customer,
                            ReadObserver* observer)
     : mProperties(properties),
-      mCustomerIniPath(customer.empty() ? partitions.tvconfigs + "/customer.ini" : customer),
+      mCustomerIniPath(customer.empty() ? partitions.tvconfigs + keyword::kCustomerFile : customer),
       mItems(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str(),
              observer) {
     load(projectId, boardId);
@@ -25,7 +27,7 @@ bool ProjectStore::load(int projectId, const std::string& boardId) {
 }
 
 void ProjectStore::logItems() const {
-    if (parseDecimal(mProperties.get("persist.vendor.mlk.configs.debug")) < 1) {
+    if (parseDecimal(mProperties.get(property::kLogItems)) < 1) {
         mItems.dump();
     } else {
         mItems.dumpDetail();

@@ -4,34 +4,24 @@
 
 #include <log/log.h>
 
+#include "projectconfigs/KnownItems.h"
 #include "projectconfigs/LogNumbers.h"
 #include "regional/FreqTableParser.h"
 #include "regional/LanguageListParser.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-namespace {
-
-// The items that name the files.
-constexpr ConfigKey kTvSysMap("[COUNTRY]", "tvSysMap");
-constexpr ConfigKey kCountryList("[COUNTRY]", "COUNTRY_PATH");
-constexpr ConfigKey kCLTVCountryList("[LiveTV]", "LaunchCLTVByCountry");
-constexpr ConfigKey kLanguageList("[TV_LANGUAGE]", "LANGUAGE_PATH");
-constexpr ConfigKey kFreqTables("[FREQTABLE]", "FREQ_TABLE_PATH");
-
-}  // namespace
-
 std::vector<_tv_country> Region::countries() const {
-    return mData.countries.getCountryList(mItems.getInfo(kCountryList));
+    return mData.countries.getCountryList(mItems.getInfo(item::kCountries));
 }
 
 std::vector<_tv_country> Region::cltvCountries() const {
-    return mData.countries.getCountryList(mItems.getInfo(kCLTVCountryList));
+    return mData.countries.getCountryList(mItems.getInfo(item::kCLTVCountries));
 }
 
 std::vector<std::string> Region::languages() const {
     std::vector<std::string> languages;
-    LanguageListParser::GetInstance().getLanguageList(mItems.getInfo(kLanguageList), languages,
+    LanguageListParser::GetInstance().getLanguageList(mItems.getInfo(item::kLanguages), languages,
                                                       mData.observer);
     return languages;
 }
@@ -39,14 +29,14 @@ std::vector<std::string> Region::languages() const {
 std::vector<HidlFreqListItem> Region::plan(_tv_country country, FreqTableType type,
                                            AtscCableType cableType) const {
     std::vector<HidlFreqListItem> channels;
-    const bool found = FreqTableParser(mData).GetTableList(mItems.getInfo(kFreqTables), country,
-                                                           type, cableType, channels);
+    const bool found = FreqTableParser(mData).GetTableList(mItems.getInfo(item::kChannelPlans),
+                                                           country, type, cableType, channels);
     ALOGD("getfreqTable,sucess %d: size: %d", found ? 1 : 0, static_cast<int>(channels.size()));
     return channels;
 }
 
 bool Region::hasTvSystems() const {
-    return !mItems.getInfo(kTvSysMap).empty();
+    return !mItems.getInfo(item::kTvSystems).empty();
 }
 
 TvSysMapCfgHolder Region::holder() const {
@@ -54,7 +44,7 @@ TvSysMapCfgHolder Region::holder() const {
 }
 
 void Region::apply(_tv_country country) {
-    const std::string file = mItems.getInfo(kTvSysMap);
+    const std::string file = mItems.getInfo(item::kTvSystems);
     ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", kLineOfTvSysMap, file.c_str());
     if (file.empty()) {
         return;

@@ -7,23 +7,18 @@
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "projectconfigs/AuxiliaryFile.h"
+#include "projectconfigs/KnownItems.h"
 #include "projectconfigs/LogNumbers.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kCategory = "[AUDIO]";
-constexpr const char* kAvrPathKey = "AUDIO_CONFIG_AVR_PATH";
-/** Bytes of the buffer that holds the path of an AVR's file. */
-constexpr size_t kAvrPathSize = 128;
-
-constexpr AuxiliaryFileSource kPanel = {kCategory, "AUDIO_CONFIG_PATH",
+constexpr AuxiliaryFileSource kPanel = {item::kPanelAudio,
                                         "mPanelName:", "Can't get audio config path!"};
-constexpr AuxiliaryFileSource kIC = {kCategory, "AUDIO_CONFIG_IC_PATH",
-                                     "mICName:", "Can't get audio config IC path!"};
+constexpr AuxiliaryFileSource kIC = {item::kICAudio, "mICName:", "Can't get audio config IC path!"};
 constexpr AuxiliaryFileSource kAvrDefault = {
-        kCategory, kAvrPathKey, "mAvrDefaultName:", "Can't get audio config AVR path!"};
+        item::kAvrAudio, "mAvrDefaultName:", "Can't get audio config AVR path!"};
 
 // A sum out of the range of 32 bits wraps.
 int32_t add(int32_t a, int32_t b) {
@@ -39,8 +34,8 @@ SoundDelays::SoundDelays(const ProjectParser& items, const Partitions& partition
       mPanelName(loadAuxiliaryFile(items, kPanel, mFiles)),
       mICName(loadAuxiliaryFile(items, kIC, mFiles)),
       mAvrDefaultName(loadAuxiliaryFile(items, kAvrDefault, mFiles)),
-      mHardwareName("audio_" + hardware + ".ini") {
-    mFiles.update((partitions.tvconfigs + "/audio/" + mHardwareName).c_str());
+      mHardwareName(kHardwareAudioPrefix + hardware + kAudioFileEnd) {
+    mFiles.update((partitions.tvconfigs + kHardwareAudioFolder + mHardwareName).c_str());
     mFiles.dumpDetail();
 }
 
@@ -76,7 +71,7 @@ bool SoundDelays::updateAudioConfig() {
     if (mAvrVendorId.empty() || mAvrOSDName.empty()) {
         return true;
     }
-    const std::string name = "AVR_" + mAvrVendorId + "_" + mAvrOSDName + ".ini";
+    const std::string name = kAvrAudioPrefix + mAvrVendorId + "_" + mAvrOSDName + kAudioFileEnd;
     if (name.size() > kFileNameSize) {
         return false;
     }
@@ -85,7 +80,7 @@ bool SoundDelays::updateAudioConfig() {
     if (mFiles.findItem(name.c_str())) {
         return true;
     }
-    const std::string defaultPath = mItems.getInfo({kCategory, kAvrPathKey});
+    const std::string defaultPath = mItems.getInfo(item::kAvrAudio);
     if (defaultPath.empty()) {
         return true;
     }

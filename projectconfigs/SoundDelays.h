@@ -13,6 +13,12 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+// The names of the audio files that no item names.
+inline constexpr const char* kHardwareAudioFolder = "/audio/"; /**< of tvconfigs */
+inline constexpr const char* kHardwareAudioPrefix = "audio_";  /**< the hardware's name follows */
+inline constexpr const char* kAvrAudioPrefix = "AVR_"; /**< vendor id, "_" and OSD name follow */
+inline constexpr const char* kAudioFileEnd = ".ini";
+
 /**
  * The audio files of a set and the sound delays that they add up to.
  *

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "regional/CountryListParser.h"
+#include "regional/RegionalNames.h"
 #include "regional/XmlFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -23,10 +24,10 @@ struct CableTypeRow {
 };
 
 constexpr CableTypeRow kCableTypes[] = {
-        {"AUTO", AtscCableType::AUTO, "auto"},
-        {"STD", AtscCableType::STD, "std"},
-        {"HRC", AtscCableType::HRC, "hrc"},
-        {"IRC", AtscCableType::IRC, "irc"},
+        {cable::kAuto, AtscCableType::AUTO, "auto"},
+        {cable::kStd, AtscCableType::STD, "std"},
+        {cable::kHrc, AtscCableType::HRC, "hrc"},
+        {cable::kIrc, AtscCableType::IRC, "irc"},
 };
 
 // The cable tables of a block; of several with one type, the first.
@@ -41,7 +42,7 @@ CountryFreqMapEntry::CableTables cableTablesOf(const XmlFile& file,
         ReadLine read;
         read.owner = country;
         read.value = orEmpty(text);
-        if (const char* const value = cable->Attribute("TYPE")) {
+        if (const char* const value = cable->Attribute(attribute::kCableType)) {
             read.section = value;
             const std::string_view given = value;
             const auto* const row = std::find_if(
@@ -74,8 +75,9 @@ const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
 
 // Tells what becomes of the elements of a block, except the cable tables.
 void tellBlock(const XmlFile& file, const tinyxml2::XMLElement& block, std::string_view country) {
-    constexpr std::string_view kRead[] = {"COUNTRY_NAME", "DTV_ANTENA", "ATV_ANTENA"};
-    constexpr std::string_view kCables[] = {"DTV_CABLE", "ATV_CABLE"};
+    constexpr std::string_view kRead[] = {element::kCountryName, element::kDtvAntenna,
+                                          element::kAtvAntenna};
+    constexpr std::string_view kCables[] = {element::kDtvCable, element::kAtvCable};
     const auto isOneOf = [](const auto& names, std::string_view name) {
         return std::find(std::begin(names), std::end(names), name) != std::end(names);
     };
@@ -151,7 +153,7 @@ bool CountryFreqMapParse::loadCountryFreqMapXML() {
 
 const std::string& CountryFreqMapParse::tvConfigPathLocked() {
     if (mTvConfigPath.empty()) {
-        mTvConfigPath = mPartitions().tvconfigs + "/freqtables";
+        mTvConfigPath = mPartitions().tvconfigs + kDefaultPlansFolder;
         ALOGD("GetTvConfigPath from TvPartitionPath: %s", mTvConfigPath.c_str());
     }
     return mTvConfigPath;
@@ -180,7 +182,7 @@ bool CountryFreqMapParse::lookUpLocked(const std::string& countryName, FreqTable
 }
 
 bool CountryFreqMapParse::loadLocked() {
-    const std::string path = mTvConfigPath + "/country_freq_map.xml";
+    const std::string path = mTvConfigPath + kChannelMapFile;
     ALOGD("loadCountryFreqMapXML begin, country freq map size: %d, %s",
           static_cast<int>(mCoutryFreqMap.size()), path.c_str());
     mCoutryFreqMap.clear();
@@ -189,7 +191,7 @@ bool CountryFreqMapParse::loadLocked() {
         ALOGE("loadCountryFreqMapXML LoadFile fail, error %s", error);
         return false;
     }
-    const tinyxml2::XMLElement* const first = file.first("COUNTRY_FREQ_MAP");
+    const tinyxml2::XMLElement* const first = file.first(element::kPlansOfCountry);
     file.tellIgnoredBefore(first, file.top());
     for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
         addBlockLocked(file, *block);
@@ -199,7 +201,7 @@ bool CountryFreqMapParse::loadLocked() {
 }
 
 void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XMLElement& block) {
-    const char* const countryName = textOfChild(block, "COUNTRY_NAME");
+    const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("loadCountryFreqMapXML without country name");
         file.tell(block, LineUse::IGNORED, {});
@@ -210,10 +212,10 @@ void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XM
     }
     CountryFreqMapEntry entry;
     entry.countryName = countryName;
-    entry.dtvAntenna = antennaOf(block, "DTV_ANTENA", "antena name");
-    entry.atvAntenna = antennaOf(block, "ATV_ANTENA", "antena a name");
-    entry.dtvCable = cableTablesOf(file, block, "DTV_CABLE", countryName);
-    entry.atvCable = cableTablesOf(file, block, "ATV_CABLE", countryName);
+    entry.dtvAntenna = antennaOf(block, element::kDtvAntenna, "antena name");
+    entry.atvAntenna = antennaOf(block, element::kAtvAntenna, "antena a name");
+    entry.dtvCable = cableTablesOf(file, block, element::kDtvCable, countryName);
+    entry.atvCable = cableTablesOf(file, block, element::kAtvCable, countryName);
     mCoutryFreqMap.push_back(std::move(entry));
 }
 

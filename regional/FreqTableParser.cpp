@@ -10,31 +10,24 @@
 #include <string_view>
 
 #include "common/Decimal.h"
+#include "common/FileLimits.h"
 #include "common/Paths.h"
 #include "regional/LogLines.h"
+#include "regional/Modulations.h"
 #include "regional/RegionalData.h"
+#include "regional/RegionalNames.h"
 #include "regional/TextFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kPieceSize = 49;
 constexpr int32_t kDefaultBandwidth = 6000000;
-
-// The files of all products write "ATV}" with its brace; "ATV" is a label.
-constexpr auto kModulations = sortedByName(std::array<NamedValue, 24>{{
-        {"UNKNOW", 0},    {"ATV}", 1},    {"OQPSK", 2},      {"VSB8", 3},        {"VSB16", 4},
-        {"QAM_AUTO", 5},  {"QAM4", 6},    {"QAM16", 7},      {"QAM32", 8},       {"QAM64", 9},
-        {"QAM128", 10},   {"QAM256", 11}, {"QAM512", 12},    {"QAM1024", 13},    {"QPSK", 14},
-        {"BPSK", 15},     {"OFDM", 16},   {"ISDB_AUTO", 17}, {"DVB_AUTO", 18},   {"DTMB_AUTO", 19},
-        {"ABS_AUTO", 20}, {"DVB_S", 21},  {"DVB_S2", 22},    {"DVB_S_AUTO", 23},
-}});
 
 // Removes and returns the next piece: up to its line feed, the limit or the end. A NUL byte ends
 // the returned text, as in a fixed buffer.
 std::string_view takePiece(std::string_view& text) {
-    std::string_view piece = text.substr(0, kPieceSize);
+    std::string_view piece = text.substr(0, kPlanPieceSize);
     const size_t lineFeed = piece.find('\n');
     if (lineFeed != std::string_view::npos) {
         piece = piece.substr(0, lineFeed + 1);
@@ -57,7 +50,7 @@ void tellPiece(ReadObserver& observer, std::string_view piece, std::string_view 
                ReadLine& read) {
     const bool endsLine = taken.back() == '\n';
     read.text = piece.substr(0, piece.find('\n'));
-    read.isCut = !endsLine && taken.size() == kPieceSize;
+    read.isCut = !endsLine && taken.size() == kPlanPieceSize;
     read.hasNul = piece.size() < taken.size();
     std::string_view columns = piece;
     read.key = nextColumn(columns);
@@ -70,10 +63,10 @@ std::string_view folderOf(FreqTableType type) {
     switch (type) {
         case FreqTableType::DTV_ANTENNA:
         case FreqTableType::DTV_CABLE:
-            return "/dtv/";
+            return kDtvPlansFolder;
         case FreqTableType::ATV_ANTENNA:
         case FreqTableType::ATV_CABLE:
-            return "/atv/";
+            return kAtvPlansFolder;
     }
     return "";  // a client may send any number
 }

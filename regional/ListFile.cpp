@@ -12,12 +12,6 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-namespace {
-
-constexpr size_t kBufferSize = 256;
-
-}  // namespace
-
 ReadResult readListFile(const std::string& path, const std::function<void(std::string_view)>& take,
                         ReadObserver* observer) {
     if (path.empty()) {
@@ -30,7 +24,7 @@ ReadResult readListFile(const std::string& path, const std::function<void(std::s
         ALOGE("%s don't exist.", name);
         return ReadResult::MISSING;
     }
-    LineReader reader(*file, kBufferSize, LOG_TAG, kMostListBytes, observer);
+    LineReader reader(*file, kListBufferSize, LOG_TAG, kMostListBytes, observer);
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty()) {

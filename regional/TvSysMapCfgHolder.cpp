@@ -8,6 +8,7 @@
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
+#include "regional/RegionalNames.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -16,7 +17,7 @@ TvSysMapCfgHolder::TvSysMapCfgHolder(Partitions partitions, const Properties& pr
     : mPartitions(std::move(partitions)), mProperties(properties), mData(data) {}
 
 bool TvSysMapCfgHolder::dumpsAreOn() const {
-    return parseDecimal(mProperties.get("persist.vendor.mlk.tvsysmap.debug")) >= 1;
+    return parseDecimal(mProperties.get(kLogTvSystemsProperty)) >= 1;
 }
 
 ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country country) {
@@ -44,7 +45,7 @@ ItemStore TvSysMapCfgHolder::getConfigs(const std::string& xmlFile, _tv_country 
     // TV system.
     const std::string tvConfig = getTvConfigFilePath(mCountryIdx);
     if (!tvConfig.empty()) {
-        configs.insert(configs.section("[LiveTV]"), "TvConfig", tvConfig);
+        configs.insert(configs.section(kTvConfigItem.category), kTvConfigItem.key, tvConfig);
     }
     const std::string tvSysName = getTvSysName(mCountryIdx);
     for (const TvSysToConfigMap& system : mTvSysToConfigMap) {

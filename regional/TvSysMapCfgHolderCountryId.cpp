@@ -14,14 +14,13 @@
 #include "common/LineReader.h"
 #include "common/SaveFile.h"
 #include "regional/LogLines.h"
+#include "regional/RegionalNames.h"
 #include "regional/TvSysMapCfgHolder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr const char* kKeyword = "COUNTRY_ID";
-constexpr size_t kBufferSize = 256;
 constexpr mode_t kFolderMode = 0700;
 
 // Guards the file, which all holders of the process share.
@@ -31,7 +30,7 @@ std::mutex& fileMutex() {
 }
 
 std::string filePath(const std::string& folder) {
-    return folder + "/country_id.bin";
+    return folder + kCountryIdFile;
 }
 
 // Creates the folder if it is missing; function and line are those of the message.
@@ -47,7 +46,7 @@ void createFolder(const std::string& folder, const char* function, int line) {
 }
 
 std::string lineOf(_tv_country country) {
-    return std::string(kKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n";
+    return std::string(kCountryIdKeyword) + "=" + std::to_string(static_cast<int>(country)) + "\n";
 }
 
 // Logs a failure; function and line are those of the message for a file that cannot be opened.
@@ -63,7 +62,7 @@ void complain(const std::string& path, Saved saved, const char* function, int li
 }  // namespace
 
 std::string TvSysMapCfgHolder::getCountryBinFolderPath() const {
-    return mPartitions.tvdata + "/tvsysmap";
+    return mPartitions.tvdata + kCountryIdFolder;
 }
 
 void TvSysMapCfgHolder::parseCountryId() {
@@ -84,14 +83,14 @@ void TvSysMapCfgHolder::parseCountryId() {
 }
 
 void TvSysMapCfgHolder::readCountryId(const std::string& path) {
-    LineReader reader(path, kBufferSize, LOG_TAG, kMostIdentityBytes);
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostIdentityBytes);
     if (!reader.isOpen()) {
         ALOGE("[%s:%d] Open %s failed!", "parseCountryId", log_line::kIdNotRead, path.c_str());
         return;
     }
     std::string_view line;
     while (reader.next(line)) {
-        if (line.find(kKeyword) != std::string_view::npos) {
+        if (line.find(kCountryIdKeyword) != std::string_view::npos) {
             std::string_view value;
             if (reader.valueOf(line, value)) {
                 mCountryIdx = _tv_country{parseDecimal(value)};

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "regional/LogLines.h"
+#include "regional/RegionalNames.h"
 #include "regional/TvSysMapCfgHolder.h"
 #include "regional/XmlFile.h"
 
@@ -54,7 +55,8 @@ void tellCountry(const XmlFile& file, const tinyxml2::XMLElement& block, const c
     for (const auto* child = block.FirstChildElement(); child != nullptr;
          child = child->NextSiblingElement()) {
         const std::string_view name = child->Name();
-        const bool isRead = name == "COUNTRY_NAME" || name == "TV_SYSTEM" || name == "TV_CONFIG";
+        const bool isRead = name == element::kCountryName || name == element::kSystemOfCountry ||
+                            name == element::kFeaturesOfCountry;
         read.value = orEmpty(child->GetText());
         read.isNew = block.FirstChildElement(child->Name()) == child;
         file.tell(*child, isRead ? LineUse::ITEM : LineUse::IGNORED, read);
@@ -74,17 +76,17 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
         ALOGE("[%s:%d] LoadFile fail, error %s", __func__, log_line::kSystemFileBroken, error);
         return false;
     }
-    const tinyxml2::XMLElement* const mapFile = file.first("CountryTvSysMapXML");
+    const tinyxml2::XMLElement* const mapFile = file.first(element::kCountryMap);
     mCountryTvConfigMapFile = mapFile != nullptr ? orEmpty(mapFile->GetText()) : "";
     ALOGD("[%s:%d] mCountryTvConfigMapFile=%s", __func__, log_line::kMapFile,
           mCountryTvConfigMapFile.c_str());
     mTvSysToConfigMap.clear();
-    const tinyxml2::XMLElement* const section = file.first("TvSystemConfigration");
+    const tinyxml2::XMLElement* const section = file.first(element::kTvSystems);
     if (file.isObserved()) {
         tellTopLevel(file, mapFile, section);
     }
     if (section != nullptr) {
-        const tinyxml2::XMLElement* const first = section->FirstChildElement("TvSystem");
+        const tinyxml2::XMLElement* const first = section->FirstChildElement(element::kTvSystem);
         file.tellIgnoredBefore(first, section->FirstChildElement());
         for (const auto* element = first; element != nullptr;
              element = element->NextSiblingElement()) {
@@ -95,7 +97,7 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
 }
 
 void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element) {
-    const char* const type = element.Attribute("type");
+    const char* const type = element.Attribute(attribute::kType);
     if (type == nullptr) {
         file.complain(element, "TV system without type, skipped");
         file.tell(element, LineUse::IGNORED, {});
@@ -106,12 +108,12 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
     file.tell(element, LineUse::SECTION, read);
     TvSysToConfigMap system;
     system.tvSysName = type;
-    const tinyxml2::XMLElement* const first = element.FirstChildElement("Item");
+    const tinyxml2::XMLElement* const first = element.FirstChildElement(element::kItem);
     file.tellIgnoredBefore(first, element.FirstChildElement(), type);
     for (const auto* item = first; item != nullptr; item = item->NextSiblingElement()) {
-        const char* const category = item->Attribute("category");
-        const char* const key = item->Attribute("key");
-        const char* const value = item->Attribute("value");
+        const char* const category = item->Attribute(attribute::kCategory);
+        const char* const key = item->Attribute(attribute::kKey);
+        const char* const value = item->Attribute(attribute::kValue);
         read.section = orEmpty(category);
         read.key = orEmpty(key);
         read.value = orEmpty(value);
@@ -148,7 +150,7 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
     }
     mCoutryTvConfigMap.clear();
     mCountryList.clear();
-    const tinyxml2::XMLElement* const first = file.first("COUNTRY_TVCONFIG_MAP");
+    const tinyxml2::XMLElement* const first = file.first(element::kCountry);
     file.tellIgnoredBefore(first, file.top());
     for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
         addCountry(file, *block);
@@ -162,7 +164,7 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
 void TvSysMapCfgHolder::addCountry(const XmlFile& file, const tinyxml2::XMLElement& block) {
     constexpr const char* kFunction =
             "loadCountryTvConfigMapXML";  // the function that the messages name
-    const char* const countryName = textOfChild(block, "COUNTRY_NAME");
+    const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
         file.tell(block, LineUse::IGNORED, {});
@@ -174,10 +176,10 @@ void TvSysMapCfgHolder::addCountry(const XmlFile& file, const tinyxml2::XMLEleme
     mCountryList.push_back(_tv_country{mData.tvSystemCountries.valueOf(countryName)});
     CoutryTvConfigMap record;
     record.countryName = countryName;
-    record.tvSysName =
-            textOrComplaint(block, "TV_SYSTEM", kFunction, log_line::kNoTvSystem, "tvSysName");
-    record.tvConfigName =
-            textOrComplaint(block, "TV_CONFIG", kFunction, log_line::kNoTvConfig, "tvConfigName");
+    record.tvSysName = textOrComplaint(block, element::kSystemOfCountry, kFunction,
+                                       log_line::kNoTvSystem, "tvSysName");
+    record.tvConfigName = textOrComplaint(block, element::kFeaturesOfCountry, kFunction,
+                                          log_line::kNoTvConfig, "tvConfigName");
     mCoutryTvConfigMap.push_back(std::move(record));
 }
 

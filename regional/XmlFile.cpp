@@ -7,17 +7,12 @@
 #include <algorithm>
 #include <string_view>
 
+#include "common/FileLimits.h"
 #include "regional/TextFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
-
-// TinyXML-2 compares an attribute with all preceding ones of its element, and searches the rest of
-// a text for the end of a character reference. Both take quadratic time; within these limits a file
-// of the largest size loads in seconds.
-constexpr size_t kMostAttributes = 256;
-constexpr size_t kMostReferences = 4096;
 
 // Moves `at` past the next occurrence of `mark`, or to the end of the text.
 void skipPast(std::string_view text, size_t& at, std::string_view mark) {

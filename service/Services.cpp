@@ -4,6 +4,8 @@
 
 #include <log/log.h>
 
+#include "projectconfigs/KnownItems.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 using ::android::sp;
@@ -21,7 +23,7 @@ void registerOrAbort(const sp<Interface>& service, const char* name) {
 OptionalString tvConfigOf(IMlkProjectConfigs& project) {
     OptionalString tvConfig{false, ""};
     // A failed call needs no handling: without an answer the path is empty.
-    static_cast<void>(project.getConfig({"[LiveTV]", "TvConfig"},
+    static_cast<void>(project.getConfig({kTvConfigItem.category.data(), kTvConfigItem.key.data()},
                                         [&](const OptionalString& answer) { tvConfig = answer; })
                               .isOk());
     return tvConfig;

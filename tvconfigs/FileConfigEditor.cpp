@@ -13,28 +13,24 @@
 #include <string_view>
 #include <system_error>
 
+#include "common/FileLimits.h"
 #include "common/SaveFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr size_t kPathSize = 128;   // with the final NUL
-constexpr size_t kLineSize = 1024;  // with the final NUL
 constexpr size_t kBlockSize = size_t{1} << 14U;
-// Clients may name any file. A real one has 2 KiB and 28 entries.
-constexpr size_t kFileSize = size_t{1} << 22U;
-constexpr size_t kEntries = size_t{1} << 16U;
 
 std::string pathOf(const char* path) {
-    return path == nullptr ? std::string() : std::string(path, strnlen(path, kPathSize - 1));
+    return path == nullptr ? std::string() : std::string(path, strnlen(path, kFeaturePathSize - 1));
 }
 
 // An entry as it is written: the content of a line buffer up to its first line feed, or all of it
 // if the line feed does not fit.
 std::string lineOf(const std::string& key, const std::string& value) {
     std::string line = key + '=' + value + '\n';
-    line.resize(std::min(line.size(), kLineSize - 1));
+    line.resize(std::min(line.size(), kFeatureLineSize - 1));
     const size_t end = line.find('\n');
     if (end == std::string::npos) {
         line += '\0';
@@ -71,10 +67,10 @@ auto firstOf(Items& items, const char* key) {
 
 // Whether the line buffer takes another character. Logs it if not.
 bool hasRoom(const std::string& line) {
-    if (line.size() < kLineSize) {
+    if (line.size() < kFeatureLineSize) {
         return true;
     }
-    ALOGE("ERROR: line out of buf size=%d", static_cast<int>(kLineSize));
+    ALOGE("ERROR: line out of buf size=%d", static_cast<int>(kFeatureLineSize));
     return false;
 }
 
@@ -147,7 +143,7 @@ bool FileConfigEditor::Update(const char* path) {
 std::string FileConfigEditor::ReadItems(File& file, Items& items, Lines lines) {
     const auto block = std::make_unique<char[]>(kBlockSize);
     std::string line;
-    line.reserve(kLineSize);
+    line.reserve(kFeatureLineSize);
     size_t total = 0;
     for (;;) {
         const ssize_t count = file.read(block.get(), kBlockSize);
@@ -159,16 +155,16 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items, Lines lines) {
         }
         const std::string_view bytes(block.get(), static_cast<size_t>(count));
         total += bytes.size();
-        if (total > kFileSize) {
-            return "more than " + std::to_string(kFileSize) + " bytes";
+        if (total > kMostFeatureBytes) {
+            return "more than " + std::to_string(kMostFeatureBytes) + " bytes";
         }
         for (const char byte : bytes) {
             if (!TakeByte(byte, line, items, lines)) {
                 lines.tellEnd(line, byte != '\0');
                 return {};
             }
-            if (items.size() > kEntries) {
-                return "more than " + std::to_string(kEntries) + " entries";
+            if (items.size() > kMostFeatures) {
+                return "more than " + std::to_string(kMostFeatures) + " entries";
             }
         }
     }

@@ -5,9 +5,13 @@
 #include <string_view>
 
 #include "common/RowOf.h"
+#include "common/ValueType.h"
 #include "tvconfigs/TvConfigInfo.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+
+/** The TV feature file of a set that names none: a path on tvconfigs. */
+inline constexpr const char* kDefaultTvConfigFile = "/tv.config";
 
 /** How a flag depends on its master, another flag. */
 enum class FlagRule {
@@ -20,7 +24,10 @@ enum class FlagRule {
 
 /** One of the systems. A value from a file or a property may be outside of the range. */
 struct TvSystemRow {
+    static constexpr ValueType kType = ValueType::INTEGER;
+
     const char* method;  ///< the interface's getter
+    const char* setter;  ///< the interface's setter
     const char* name;    ///< as dumped
     int32_t TvConfigInfo::*field;
     const char* key;
@@ -30,7 +37,10 @@ struct TvSystemRow {
 
 /** One of the flags. */
 struct TvFlagRow {
+    static constexpr ValueType kType = ValueType::FEATURE;
+
     const char* method;  ///< the interface's getter
+    const char* setter;  ///< the interface's setter
     uint32_t type;       ///< the interface's number of the flag
     const char* name;    ///< as dumped
     bool TvConfigInfo::*field;
@@ -40,9 +50,9 @@ struct TvFlagRow {
 
 /** All systems, in the order of the record. */
 inline constexpr TvSystemRow kTvSystems[] = {
-        {"getAtvSystem", "mAtvSystem", &TvConfigInfo::mAtvSystem,
+        {"getAtvSystem", "setAtvSystem", "mAtvSystem", &TvConfigInfo::mAtvSystem,
          "persist.vendor.mlk.tv.atv_system", 0, 1},
-        {"getDtvSystem", "mDtvSystem", &TvConfigInfo::mDtvSystem,
+        {"getDtvSystem", "setDtvSystem", "mDtvSystem", &TvConfigInfo::mDtvSystem,
          "persist.vendor.mlk.tv.dtv_system", 1, 4},
 };
 
@@ -51,56 +61,61 @@ inline constexpr TvSystemRow kTvSystems[] = {
  * uses the same property.
  */
 inline constexpr TvFlagRow kTvFlags[] = {
-        {"atvEnabled", 1, "mAtvEnabled", &TvConfigInfo::mAtvEnabled,
+        {"atvEnabled", "setAtvEnabled", 1, "mAtvEnabled", &TvConfigInfo::mAtvEnabled,
          "persist.vendor.mlk.tv.enable_atv", FlagRule::PLAIN},
-        {"atvAntennaEnabled", 2, "mAtvAntennaEnabled", &TvConfigInfo::mAtvAntennaEnabled,
-         "persist.vendor.mlk.tv.atv_antenna", FlagRule::UNDER_ATV},
-        {"atvCableEnabled", 3, "mAtvCableEnabled", &TvConfigInfo::mAtvCableEnabled,
-         "persist.vendor.mlk.tv.atv_cable", FlagRule::UNDER_ATV},
-        {"dtvEnabled", 5, "mDtvEnabled", &TvConfigInfo::mDtvEnabled,
+        {"atvAntennaEnabled", "setAtvAntennaEnabled", 2, "mAtvAntennaEnabled",
+         &TvConfigInfo::mAtvAntennaEnabled, "persist.vendor.mlk.tv.atv_antenna",
+         FlagRule::UNDER_ATV},
+        {"atvCableEnabled", "setAtvCableEnabled", 3, "mAtvCableEnabled",
+         &TvConfigInfo::mAtvCableEnabled, "persist.vendor.mlk.tv.atv_cable", FlagRule::UNDER_ATV},
+        {"dtvEnabled", "setDtvEnabled", 5, "mDtvEnabled", &TvConfigInfo::mDtvEnabled,
          "persist.vendor.mlk.tv.enable_dtv", FlagRule::PLAIN},
-        {"dtvAntennaEnabled", 6, "mDtvAntennaEnabled", &TvConfigInfo::mDtvAntennaEnabled,
-         "persist.vendor.mlk.tv.dtv_antenna", FlagRule::UNDER_DTV},
-        {"dtvCableEnabled", 7, "mDtvCableEnabled", &TvConfigInfo::mDtvCableEnabled,
-         "persist.vendor.mlk.tv.dtv_cable", FlagRule::UNDER_DTV},
-        {"dtvSatelliteEnabled", 8, "mDtvSatelliteEnabled", &TvConfigInfo::mDtvSatelliteEnabled,
-         "persist.vendor.mlk.tv.dtv_satellite", FlagRule::UNDER_DTV},
-        {"pvrEnabled", 9, "mPvrEnabled", &TvConfigInfo::mPvrEnabled,
+        {"dtvAntennaEnabled", "setDtvAntennaEnabled", 6, "mDtvAntennaEnabled",
+         &TvConfigInfo::mDtvAntennaEnabled, "persist.vendor.mlk.tv.dtv_antenna",
+         FlagRule::UNDER_DTV},
+        {"dtvCableEnabled", "setDtvCableEnabled", 7, "mDtvCableEnabled",
+         &TvConfigInfo::mDtvCableEnabled, "persist.vendor.mlk.tv.dtv_cable", FlagRule::UNDER_DTV},
+        {"dtvSatelliteEnabled", "setDtvSatelliteEnabled", 8, "mDtvSatelliteEnabled",
+         &TvConfigInfo::mDtvSatelliteEnabled, "persist.vendor.mlk.tv.dtv_satellite",
+         FlagRule::UNDER_DTV},
+        {"pvrEnabled", "setPvrEnabled", 9, "mPvrEnabled", &TvConfigInfo::mPvrEnabled,
          "persist.vendor.mlk.tv.enable_pvr", FlagRule::PLAIN},
-        {"livepauseEnabled", 10, "mLivepauseEnabled", &TvConfigInfo::mLivepauseEnabled,
-         "persist.vendor.mlk.tv.enable_livepause", FlagRule::PLAIN},
-        {"hdmiEnabled", 11, "mHdmiEnabled", &TvConfigInfo::mHdmiEnabled,
+        {"livepauseEnabled", "setLivepauseEnabled", 10, "mLivepauseEnabled",
+         &TvConfigInfo::mLivepauseEnabled, "persist.vendor.mlk.tv.enable_livepause",
+         FlagRule::PLAIN},
+        {"hdmiEnabled", "setHdmiEnabled", 11, "mHdmiEnabled", &TvConfigInfo::mHdmiEnabled,
          "persist.vendor.mlk.tv.enable_hdmi", FlagRule::PLAIN},
-        {"vgaEnabled", 12, "mVgaEnabled", &TvConfigInfo::mVgaEnabled,
+        {"vgaEnabled", "setVgaEnabled", 12, "mVgaEnabled", &TvConfigInfo::mVgaEnabled,
          "persist.vendor.mlk.tv.enable_vga", FlagRule::PLAIN},
-        {"avEnabled", 13, "mAvEnabled", &TvConfigInfo::mAvEnabled,
+        {"avEnabled", "setAvEnabled", 13, "mAvEnabled", &TvConfigInfo::mAvEnabled,
          "persist.vendor.mlk.tv.enable_av", FlagRule::PLAIN},
-        {"yppEnabled", 14, "mYppEnabled", &TvConfigInfo::mYppEnabled,
+        {"yppEnabled", "setYppEnabled", 14, "mYppEnabled", &TvConfigInfo::mYppEnabled,
          "persist.vendor.mlk.tv.enable_ypp", FlagRule::PLAIN},
-        {"ciEnabled", 15, "mCiEnabled", &TvConfigInfo::mCiEnabled,
+        {"ciEnabled", "setCiEnabled", 15, "mCiEnabled", &TvConfigInfo::mCiEnabled,
          "persist.vendor.mlk.tv.enable_ci", FlagRule::PLAIN},
-        {"pipEnabled", 16, "mPipEnabled", &TvConfigInfo::mPipEnabled,
+        {"pipEnabled", "setPipEnabled", 16, "mPipEnabled", &TvConfigInfo::mPipEnabled,
          "persist.vendor.mlk.tv.enable_pip", FlagRule::PLAIN},
-        {"mheg5Enabled", 17, "mMheg5Enabled", &TvConfigInfo::mMheg5Enabled,
+        {"mheg5Enabled", "setMheg5Enabled", 17, "mMheg5Enabled", &TvConfigInfo::mMheg5Enabled,
          "persist.vendor.mlk.tv.enable_mheg5", FlagRule::PLAIN},
-        {"gingaEnabled", 18, "mGingaEnabled", &TvConfigInfo::mGingaEnabled,
+        {"gingaEnabled", "setGingaEnabled", 18, "mGingaEnabled", &TvConfigInfo::mGingaEnabled,
          "persist.vendor.mlk.tv.enable_ginga", FlagRule::PLAIN},
-        {"hbbtvEnabled", 19, "mHbbtvEnabled", &TvConfigInfo::mHbbtvEnabled,
+        {"hbbtvEnabled", "setHbbtvEnabled", 19, "mHbbtvEnabled", &TvConfigInfo::mHbbtvEnabled,
          "persist.vendor.mlk.tv.enable_hbbtv", FlagRule::PLAIN},
-        {"teltexEnabled", 20, "mTeltexEnabled", &TvConfigInfo::mTeltexEnabled,
+        {"teltexEnabled", "setTeltexEnabled", 20, "mTeltexEnabled", &TvConfigInfo::mTeltexEnabled,
          "persist.vendor.mlk.tv.enable_tt", FlagRule::PLAIN},
-        {"closeCaptionEnabled", 21, "mCloseCaptionEnabled", &TvConfigInfo::mCloseCaptionEnabled,
-         "persist.vendor.mlk.tv.enable_cc", FlagRule::CAPTION_MASTER},
-        {"atscCloseCaptionEnabled", 22, "mAtscCloseCaptionEnabled",
+        {"closeCaptionEnabled", "setCloseCaptionEnabled", 21, "mCloseCaptionEnabled",
+         &TvConfigInfo::mCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_cc",
+         FlagRule::CAPTION_MASTER},
+        {"atscCloseCaptionEnabled", "setAtscCloseCaptionEnabled", 22, "mAtscCloseCaptionEnabled",
          &TvConfigInfo::mAtscCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_atsc_cc",
          FlagRule::CAPTION},
-        {"ntscCloseCaptionEnabled", 23, "mNtscCloseCaptionEnabled",
+        {"ntscCloseCaptionEnabled", "setNtscCloseCaptionEnabled", 23, "mNtscCloseCaptionEnabled",
          &TvConfigInfo::mNtscCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_ntsc_cc",
          FlagRule::CAPTION},
-        {"isdbCloseCaptionEnabled", 24, "mIsdbCloseCaptionEnabled",
+        {"isdbCloseCaptionEnabled", "setIsdbCloseCaptionEnabled", 24, "mIsdbCloseCaptionEnabled",
          &TvConfigInfo::mIsdbCloseCaptionEnabled, "persist.vendor.mlk.tv.enable_isdb_cc",
          FlagRule::CAPTION},
-        {"getWOWEnabled", 25, "mWOWEnabled", &TvConfigInfo::mWOWEnabled,
+        {"getWOWEnabled", "setWOWEnabled", 25, "mWOWEnabled", &TvConfigInfo::mWOWEnabled,
          "persist.vendor.mlk.enable_wow", FlagRule::PLAIN},
 };
 

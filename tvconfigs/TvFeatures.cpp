@@ -79,7 +79,7 @@ std::string tvFeatureFile(const char* path, const Partitions& partitions) {
     if (path != nullptr && access(path, R_OK) == 0) {
         return path;
     }
-    return partitions.tvconfigs + "/tv.config";
+    return partitions.tvconfigs + kDefaultTvConfigFile;
 }
 
 TvFeatures::TvFeatures(const char* path, const Partitions& partitions, Properties& properties)

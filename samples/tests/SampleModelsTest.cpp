@@ -9,8 +9,8 @@
 
 #include "host/testing/LogCapture.h"
 #include "projectconfigs/BoardID.h"
+#include "projectconfigs/KnownItems.h"
 #include "projectconfigs/ProjectID.h"
-#include "projectconfigs/ProjectItems.h"
 #include "samples/tests/SampleSet.h"
 
 namespace mlk::samples {
@@ -25,33 +25,14 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 using vendor::morlak::mlkconfigs::V1_0::implementation::BoardID;
-using vendor::morlak::mlkconfigs::V1_0::implementation::kProjectItems;
+using vendor::morlak::mlkconfigs::V1_0::implementation::findKnownItem;
+using vendor::morlak::mlkconfigs::V1_0::implementation::kKnownItems;
+using vendor::morlak::mlkconfigs::V1_0::implementation::KnownItem;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectID;
-using vendor::morlak::mlkconfigs::V1_0::implementation::ProjectItemRow;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ValueType;
 
 constexpr const char* kNoBoard = "DEFAULT_BOARD_ID";
 constexpr size_t kLeastItems = 200;
-
-struct Item {
-    const char* section;
-    const char* key;
-};
-
-// What the service asks the project store for besides the getters' own table.
-constexpr Item kReadBesidesGetters[] = {
-        {"[LiveTV]", "TvConfig"},
-        {"[LiveTV]", "LaunchCLTVByCountry"},
-        {"[AUDIO]", "AUDIO_CONFIG_PATH"},
-        {"[AUDIO]", "AUDIO_CONFIG_IC_PATH"},
-        {"[AUDIO]", "AUDIO_CONFIG_AVR_PATH"},
-        {"[KARAOKE]", "KARAOKE_CONFIG_PATH"},
-        {"[KEY]", "KEY_CONFIG_PATH"},
-        {"[DDCCI]", "CUSTOMER_DDCCI_PATH"},
-        {"[COUNTRY]", "COUNTRY_PATH"},
-        {"[COUNTRY]", "tvSysMap"},
-        {"[TV_LANGUAGE]", "LANGUAGE_PATH"},
-        {"[FREQTABLE]", "FREQ_TABLE_PATH"},
-};
 
 // Distinct values of one item over all models.
 std::set<std::string> valuesOf(SampleSet& sample, const char* section, const char* key) {
@@ -190,23 +171,9 @@ TEST_P(SampleModel, HasTwoHundredItemsAndMore) {
 TEST_P(SampleModel, HasEveryItemThatTheServiceReads) {
     mSample.select(GetParam(), kNoBoard);
     const Items items = mSample.items();
-    const auto expect = [&](const char* section, const char* key) {
-        EXPECT_EQ(items.count({section, key}), 1U) << section << " " << key;
-    };
-    size_t read = 0;
-    for (const ProjectItemRow& row : kProjectItems) {
-        for (const char* section : row.sections) {
-            for (const char* key : row.keys) {
-                if (section != nullptr && key != nullptr) {
-                    expect(section, key);
-                    ++read;
-                }
-            }
-        }
-    }
-    EXPECT_EQ(read, 41U);
-    for (const Item& item : kReadBesidesGetters) {
-        expect(item.section, item.key);
+    for (const KnownItem& row : kKnownItems) {
+        const ItemName name{std::string(row.name.category), std::string(row.name.key)};
+        EXPECT_EQ(items.count(name), 1U) << row.name.category << " " << row.name.key;
     }
 }
 
@@ -217,7 +184,8 @@ TEST_P(SampleModel, NamesOnlyFilesThatAreThere) {
         for (const std::string partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
             if (value.rfind(mSample.path(partition), 0) == 0) {
                 partitions.insert(partition);
-                const bool isFolder = key.key == "FREQ_TABLE_PATH";
+                const KnownItem* const row = findKnownItem({key.category, key.key});
+                const bool isFolder = row != nullptr && row->type == ValueType::FOLDER;
                 EXPECT_TRUE(isFolder ? std::filesystem::is_directory(value)
                                      : std::filesystem::is_regular_file(value))
                         << key.category << " " << key.key << ": " << value;

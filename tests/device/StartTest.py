@@ -97,11 +97,9 @@ class InitFile(unittest.TestCase):
                 ["chmod", "0644", "/impdata/project_id.bin"],
             ],
         )
-        country = tree.code("regional/TvSysMapCfgHolderCountryId.cpp")
-        self.assertIn('"/tvsysmap"', country)
-        self.assertIn("kFolderMode = 0700", country)
-        project = tree.code("projectconfigs/ProjectID.cpp")
-        self.assertIn('"/project_id.bin"', project)
+        self.assertIn('kCountryIdFolder = "/tvsysmap"', tree.code("regional/RegionalNames.h"))
+        self.assertIn("kFolderMode = 0700", tree.code("regional/TvSysMapCfgHolderCountryId.cpp"))
+        self.assertIn('kProjectIdFile = "/project_id.bin"', tree.code("projectconfigs/ChainKeywords.h"))
         self.assertIn("kMode = 0644", tree.code("common/SaveFile.cpp"))
 
 

@@ -93,7 +93,7 @@ def properties():
 def framework_items():
     """(getter, kind, property) of every switch that is read from a property."""
     return re.findall(
-        r'\{"(\w+)",\s*FrameworkItemKind::(\w+),\s*"([^"]+)"\}', code("frameworkconfigs/FrameworkItems.h")
+        r'\{"(\w+)",\s*FrameworkItemKind::(\w+),\s*"([^"]+)"[,}]', code("frameworkconfigs/FrameworkItems.h")
     )
 
 

@@ -79,17 +79,13 @@ TEST(DescriptionsTest, ArgumentsAreThoseThatTheCallTakes) {
 
 TEST(DescriptionsTest, NameTheItemsOfTheProjectService) {
     for (const auto& row : product::kProjectItems) {
-        Texts keys;
-        for (const char* key : row.keys) {
-            if (key != nullptr) {
-                keys.emplace_back(key);
-            }
-        }
         Items items;
-        for (const char* section : row.sections) {
-            if (section != nullptr) {
-                items.emplace_back(section, keys);
+        for (uint32_t section = 0; section < row.sections; ++section) {
+            Texts keys;
+            for (uint32_t key = 0; key < row.keys; ++key) {
+                keys.emplace_back(itemOf(row, section, key)->key);
             }
+            items.emplace_back(itemOf(row, section, 0)->category, keys);
         }
         EXPECT_EQ(itemsOf(described(projectInterface(), row.method)), items) << row.method;
     }
@@ -103,16 +99,9 @@ TEST(DescriptionsTest, SayWhichSelectorsTheProjectServiceServes) {
                 continue;
             }
             // The selector is of the sections if there are several, else of the keys.
-            const bool ofSections = row.sections[1] != nullptr;
-            int64_t last = -1;
-            const size_t most = ofSections ? row.sections.size() : row.keys.size();
-            for (uint32_t i = 0; i < most; ++i) {
-                if ((ofSections ? sectionOf(row, i) : keyOf(row, i)) != nullptr) {
-                    last = i;
-                }
-            }
+            const size_t count = row.sections > 1 ? row.sections : row.keys;
             EXPECT_EQ(argument.low, 0) << row.method;
-            EXPECT_EQ(argument.high, last) << row.method;
+            EXPECT_EQ(argument.high, static_cast<int64_t>(count) - 1) << row.method;
             EXPECT_NE(description.noAnswer, "") << row.method;
         }
     }
@@ -122,9 +111,10 @@ TEST(DescriptionsTest, NameThePropertiesOfTheFrameworkService) {
     std::map<std::string, Texts> expected;
     for (const auto& row : product::kFrameworkItems) {
         expected[row.method] = row.property == nullptr ? Texts() : Texts{row.property};
+        if (row.setter != nullptr) {
+            expected[row.setter] = expected[row.method];
+        }
     }
-    expected["setForceStrEnabled"] = expected["getForceStrEnabled"];
-    expected["setWowEnabled"] = expected["getWowEnabled"];
     for (const Method& method : frameworkInterface().methods) {
         EXPECT_EQ(textsOf(method.description->properties), expected[std::string(method.name)])
                 << method.name;
@@ -133,12 +123,11 @@ TEST(DescriptionsTest, NameThePropertiesOfTheFrameworkService) {
 
 TEST(DescriptionsTest, NameThePropertiesOfTheTvService) {
     std::map<std::string, Texts> expected;
-    // "mAtvEnabled" is set by setAtvEnabled.
     for (const auto& row : product::kTvFlags) {
-        expected[row.method] = expected["set" + std::string(row.name + 1)] = {row.key};
+        expected[row.method] = expected[row.setter] = {row.key};
     }
     for (const auto& row : product::kTvSystems) {
-        expected[row.method] = expected["set" + std::string(row.name + 1)] = {row.key};
+        expected[row.method] = expected[row.setter] = {row.key};
     }
     for (const Method& method : tvInterface().methods) {
         EXPECT_EQ(textsOf(method.description->properties), expected[std::string(method.name)])
@@ -148,8 +137,7 @@ TEST(DescriptionsTest, NameThePropertiesOfTheTvService) {
 
 TEST(DescriptionsTest, SayWhichSystemsTheTvServiceAccepts) {
     for (const auto& row : product::kTvSystems) {
-        const ArgumentDescription& system =
-                described(tvInterface(), "set" + std::string(row.name + 1)).arguments[0];
+        const ArgumentDescription& system = described(tvInterface(), row.setter).arguments[0];
         EXPECT_EQ(system.low, row.least) << row.method;
         EXPECT_EQ(system.high, row.most) << row.method;
     }
