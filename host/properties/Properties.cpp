@@ -5,14 +5,12 @@
 #include <cutils/properties.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cinttypes>
 #include <cstring>
 #include <limits>
 #include <string>
-#include <string_view>
 
 #include "host/properties/PropertyStore.h"
+#include "host/properties/PropertyValue.h"
 
 using mlk::host::PropertyStore;
 
@@ -24,13 +22,10 @@ std::string valueOf(const char* key) {
 
 template <typename Integer>
 Integer integerOf(const char* key, Integer defaultValue) {
-    const std::string value = valueOf(key);
-    char* end = nullptr;
-    errno = 0;
-    const intmax_t number = strtoimax(value.c_str(), &end, 0);
-    const bool fits = errno != ERANGE && number >= std::numeric_limits<Integer>::min() &&
-                      number <= std::numeric_limits<Integer>::max();
-    return end != value.c_str() && fits ? static_cast<Integer>(number) : defaultValue;
+    return static_cast<Integer>(mlk::host::numberOf(valueOf(key),
+                                                    std::numeric_limits<Integer>::min(),
+                                                    std::numeric_limits<Integer>::max(),
+                                                    defaultValue));
 }
 
 }  // namespace
@@ -45,16 +40,10 @@ int property_get(const char* key, char* value, const char* default_value) {
 }
 
 int8_t property_get_bool(const char* key, int8_t default_value) {
-    struct Word {
-        std::string_view text;
-        int8_t value;
-    };
-    static constexpr Word kWords[] = {{"1", 1}, {"true", 1},  {"y", 1}, {"yes", 1}, {"on", 1},
-                                      {"0", 0}, {"false", 0}, {"n", 0}, {"no", 0},  {"off", 0}};
+    // A caller may have a default that is neither 0 nor 1.
     const std::string value = valueOf(key);
-    const auto* word = std::find_if(std::begin(kWords), std::end(kWords),
-                                    [&](const Word& each) { return each.text == value; });
-    return word == std::end(kWords) ? default_value : word->value;
+    const bool isSwitch = mlk::host::switchOf(value, true) == mlk::host::switchOf(value, false);
+    return isSwitch ? static_cast<int8_t>(mlk::host::switchOf(value, false)) : default_value;
 }
 
 int64_t property_get_int64(const char* key, int64_t default_value) {

@@ -8,39 +8,23 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "common/FileFormat.h"
 #include "common/ReadObserver.h"
 #include "common/TextArena.h"
 
 namespace mlk::tree {
 
 using vendor::morlak::mlkconfigs::V1_0::HidlFreqListItem;
+using vendor::morlak::mlkconfigs::V1_0::implementation::FileFormat;
 using vendor::morlak::mlkconfigs::V1_0::implementation::LineUse;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ReadLine;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ReadObserver;
 
-/** The formats of the files of a tree. */
-enum class Format {
-    CUSTOMER,
-    SYSTEM,
-    PROJECT, /**< a model's file or a board file */
-    AUXILIARY,
-    TV_FEATURES,
-    COUNTRY_LIST,
-    LANGUAGE_LIST,
-    CHANNEL_PLAN,
-    TV_SYSTEMS,
-    COUNTRY_MAP,
-    FREQUENCY_MAP,
-    PROJECT_ID,
-    BOARD_ID,
-    COUNTRY_ID,
-    OPAQUE, /**< handed to clients, not read */
-};
-
-/** "project file" and so on, for messages. */
-std::string_view nameOf(Format format);
+/** "project or board file" and so on, for messages. */
+std::string_view nameOf(FileFormat format);
 
 /** What the reader complained about; line 0 for the whole file. */
 struct Problem {
@@ -54,11 +38,11 @@ struct Problem {
  */
 class FileLines : public ReadObserver {
   public:
-    FileLines(std::string path, Format format) : mPath(std::move(path)), mFormat(format) {}
+    FileLines(std::string path, FileFormat format) : mPath(std::move(path)), mFormat(format) {}
 
     /** Relative to the tree. */
     const std::string& path() const { return mPath; }
-    Format format() const { return mFormat; }
+    FileFormat format() const { return mFormat; }
 
     /** False if nothing has that path. */
     bool exists() const { return mExists; }
@@ -75,7 +59,7 @@ class FileLines : public ReadObserver {
     /** The line that gives the item its value, by the format's rule; null if none does. */
     const ReadLine* find(std::string_view section, std::string_view key) const;
 
-    /** Sections that occur, from name to their first line. */
+    /** Sections, TV systems or countries that occur, from name to their first line. */
     const std::map<std::string_view, const ReadLine*>& sections() const { return mSections; }
 
     // Used while the file is read (FileReading.cpp).
@@ -84,17 +68,25 @@ class FileLines : public ReadObserver {
     void finish(bool exists, std::vector<HidlFreqListItem> channels);
 
   private:
+    using ItemName = std::pair<std::string_view, std::string_view>;  // section and key
+    struct ItemHash {
+        size_t operator()(const ItemName& name) const {
+            const std::hash<std::string_view> hash;
+            return hash(name.first) * 31 + hash(name.second);
+        }
+    };
     std::string_view keep(std::string_view text);
 
     const std::string mPath;
-    const Format mFormat;
+    const FileFormat mFormat;
     bool mExists = false;
     vendor::morlak::mlkconfigs::V1_0::implementation::TextArena mTexts;
+    std::string_view mLastSection;
     std::vector<ReadLine> mLines;
     std::vector<Problem> mProblems;
     std::vector<HidlFreqListItem> mChannels;
     std::map<std::string_view, const ReadLine*> mSections;
-    std::unordered_map<std::string, const ReadLine*> mItems;  // by section, NUL and key
+    std::unordered_map<ItemName, const ReadLine*, ItemHash> mItems;
 };
 
 }  // namespace mlk::tree

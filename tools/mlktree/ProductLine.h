@@ -10,13 +10,13 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/FileLines.h"
+#include "tools/mlktree/RegionalFiles.h"
 #include "tools/mlktree/Settings.h"
+#include "tools/mlktree/Sources.h"
 #include "tools/mlktree/Tree.h"
 #include "tools/mlktree/TreeProperties.h"
 
 namespace mlk::tree {
-
-using vendor::morlak::mlkconfigs::V1_0::implementation::_tv_country;
 
 /** A customer file and the system file that it names. */
 struct Customer {
@@ -57,15 +57,16 @@ struct LayeredItem {
 };
 
 /** A TV system file with its country map. */
-struct TvSystems {
+struct TvSystemFiles {
     const FileLines* file = nullptr;
     const FileLines* map = nullptr; /**< null if no map is named */
+    std::unique_ptr<TvSystems> systems;
 };
 
 /** A folder of channel plans. */
-struct PlanFolder {
-    std::string path; /**< relative to the tree */
+struct PlanFiles {
     const FileLines* map = nullptr;
+    std::unique_ptr<PlanFolder> folder;
 };
 
 /** Which models, boards, customers and countries a command looks at; empty for all. */
@@ -102,14 +103,20 @@ class ProductLine {
     const std::vector<Customer>& customers() const { return mCustomers; }
     const std::vector<Model>& models() const { return mModels; }
     const std::vector<Board>& boards() const { return mBoards; }
-    const std::vector<TvSystems>& tvSystems() const { return mTvSystems; }
-    const std::vector<PlanFolder>& planFolders() const { return mPlanFolders; }
+    const std::vector<TvSystemFiles>& tvSystems() const { return mTvSystems; }
+    const std::vector<PlanFiles>& planFolders() const { return mPlanFolders; }
 
     /** Countries that some list or map of the tree names, in the order of their values. */
     const std::vector<_tv_country>& countries() const { return mCountries; }
 
+    /** The board file that "board_id.bin" names, relative to the tree; empty for none. */
+    const std::string& boardOfSet() const { return mBoardIdPath; }
+
     /** models x boards x countries (at least one of each). */
     size_t setCount() const;
+
+    /** The bytes of the files. */
+    const Sources& sources() const { return mSources; }
 
     /** Every file that was read, by its path relative to the tree. */
     const std::map<std::string, std::unique_ptr<FileLines>, std::less<>>& files() const {
@@ -117,11 +124,6 @@ class ProductLine {
     }
     /** The file that was read of that path; null if none was. */
     const FileLines* find(std::string_view path) const;
-
-    /** Identity files; they may not exist. */
-    const FileLines& projectId() const { return *mProjectId; }
-    const FileLines& boardId() const { return *mBoardId; }
-    const FileLines& countryId() const { return *mCountryId; }
 
     /** The lines that name a path (relative to the tree), of readable files and others. */
     const std::vector<Naming>& namings(std::string_view path) const;
@@ -146,16 +148,15 @@ class ProductLine {
     const Tree& mTree;
     const Settings& mSettings;
     const TreeProperties& mProperties;
+    const Sources mSources;
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;
     std::vector<Board> mBoards;
-    std::vector<TvSystems> mTvSystems;
-    std::vector<PlanFolder> mPlanFolders;
+    std::vector<TvSystemFiles> mTvSystems;
+    std::vector<PlanFiles> mPlanFolders;
     std::vector<_tv_country> mCountries;
-    const FileLines* mProjectId = nullptr;
-    const FileLines* mBoardId = nullptr;
-    const FileLines* mCountryId = nullptr;
+    std::string mBoardIdPath;
     std::map<std::string, std::vector<Naming>, std::less<>> mNamings;
 };
 

@@ -69,7 +69,6 @@ class Tree {
     std::string hostOfArgument(const std::string& argument) const;
 
   private:
-    struct Mount;
     std::string mRoot;
     Partitions mPartitions;
 };

@@ -1,0 +1,89 @@
+#include "tools/mlktree/FileLines.h"
+
+#include <cstring>
+#include <utility>
+
+namespace mlk::tree {
+
+namespace {
+
+// Whether the last of several lines of one name counts; else the first does.
+bool lastCounts(FileFormat format) {
+    return format == FileFormat::PROJECT || format == FileFormat::CUSTOMER ||
+           format == FileFormat::SYSTEM;
+}
+
+}  // namespace
+
+std::string_view nameOf(FileFormat format) {
+    const auto* const row = vendor::morlak::mlkconfigs::V1_0::implementation::formatRow(format);
+    return row != nullptr ? row->name : "file";
+}
+
+bool FileLines::isUnreadable() const {
+    for (const Problem& problem : mProblems) {
+        if (problem.text.find("cannot be read") == 0 || problem.text.find("no well-formed") == 0 ||
+            problem.text.find("more than") == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+const ReadLine* FileLines::find(std::string_view section, std::string_view key) const {
+    const auto found = mItems.find(ItemName{section, key});
+    return found != mItems.end() ? found->second : nullptr;
+}
+
+void FileLines::onLine(const ReadLine& line) {
+    ReadLine& kept = mLines.emplace_back(line);
+    kept.path = {};
+    kept.text = keep(line.text);
+    // Most keys and values are a part of the line.
+    const auto part = [&](std::string_view text) {
+        const bool isInside = text.data() >= line.text.data() &&
+                              text.data() + text.size() <= line.text.data() + line.text.size();
+        return isInside && !line.text.empty()
+                       ? kept.text.substr(static_cast<size_t>(text.data() - line.text.data()),
+                                          text.size())
+                       : keep(text);
+    };
+    kept.owner = keep(line.owner);
+    kept.section = line.section == mLastSection ? mLastSection : keep(line.section);
+    mLastSection = kept.section;
+    kept.key = part(line.key);
+    kept.value = part(line.value);
+}
+
+void FileLines::onProblem(std::string_view /* path */, size_t line, std::string_view problem) {
+    mProblems.push_back({line, std::string(problem)});
+}
+
+void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {
+    mExists = exists;
+    mChannels = std::move(channels);
+    mItems.reserve(mLines.size());
+    for (const ReadLine& line : mLines) {
+        if (line.use == LineUse::SECTION) {
+            mSections.try_emplace(line.owner.empty() ? line.section : line.owner, &line);
+        }
+        if (line.use != LineUse::ITEM) {
+            continue;
+        }
+        const auto [item, isNew] = mItems.try_emplace(ItemName{line.section, line.key}, &line);
+        if (!isNew && lastCounts(mFormat)) {
+            item->second = &line;
+        }
+    }
+}
+
+std::string_view FileLines::keep(std::string_view text) {
+    if (text.empty()) {
+        return {};
+    }
+    char* const copy = mTexts.allocate(text.size());
+    std::memcpy(copy, text.data(), text.size());
+    return {copy, text.size()};
+}
+
+}  // namespace mlk::tree

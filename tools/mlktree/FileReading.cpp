@@ -1,0 +1,83 @@
+#include "tools/mlktree/FileReading.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "common/ItemStore.h"
+#include "common/Paths.h"
+#include "projectconfigs/IniProjectParser.h"
+#include "projectconfigs/ProjectFileReader.h"
+#include "regional/FreqTableParser.h"
+#include "regional/ListFile.h"
+#include "regional/RegionalData.h"
+#include "tvconfigs/FileConfigEditor.h"
+
+namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+namespace {
+
+product::ProjectFileReader chainReader(const Tree& tree, FileLines& lines) {
+    const Partitions& partitions = tree.partitions();
+    return {partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str(),
+            &lines};
+}
+
+}  // namespace
+
+std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, FileFormat format) {
+    auto lines = std::make_unique<FileLines>(path, format);
+    const std::string host = tree.host(path);
+    std::vector<HidlFreqListItem> channels;
+    const auto ignore = [](std::string_view /* entry */) {};
+    switch (format) {
+        case FileFormat::CUSTOMER: {
+            std::string id;
+            std::string system;
+            chainReader(tree, *lines).parse_customer_ini(host.c_str(), id, system);
+            break;
+        }
+        case FileFormat::SYSTEM: {
+            std::string project;
+            uint32_t highest = 0;
+            chainReader(tree, *lines).parse_sys_ini(host.c_str(), 0, project, highest);
+            break;
+        }
+        case FileFormat::PROJECT: {
+            product::ItemStore items;
+            chainReader(tree, *lines).parse_project_ini(host.c_str(), items);
+            break;
+        }
+        case FileFormat::AUXILIARY:
+            product::IniProjectParser(lines.get()).update(host.c_str());
+            break;
+        case FileFormat::TV_FEATURES:
+            product::FileConfigEditor(nullptr, lines.get()).Update(host.c_str());
+            break;
+        case FileFormat::COUNTRY_LIST:
+        case FileFormat::LANGUAGE_LIST:
+            product::readListFile(host, ignore, lines.get());
+            break;
+        case FileFormat::CHANNEL_PLAN: {
+            product::RegionalData data([&tree] { return tree.partitions(); }, lines.get());
+            product::FreqTableParser(data).ParseFreqTable(host, channels);
+            break;
+        }
+        case FileFormat::NONE:
+        case FileFormat::OPAQUE:
+        case FileFormat::CHANNEL_MAP:
+        case FileFormat::TV_SYSTEMS:
+        case FileFormat::COUNTRY_MAP:
+        case FileFormat::CHANNEL_PLANS:
+        case FileFormat::PROJECT_ID:
+        case FileFormat::BOARD_ID:
+        case FileFormat::COUNTRY_ID:
+            break;
+    }
+    lines->finish(product::pathExists(host), std::move(channels));
+    return lines;
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,131 @@
+#include "tools/mlktree/ProductLine.h"
+
+#include <algorithm>
+#include <set>
+
+#include "tools/mlktree/ProductLineBuilder.h"
+
+namespace mlk::tree {
+
+namespace {
+
+const std::vector<Naming> kNobody;
+
+// Collects the sets that lead to a file, from the lines that name it upwards.
+class SetFinder {
+  public:
+    explicit SetFinder(const ProductLine& line) : mLine(line) {}
+
+    void follow(const std::string& path) {
+        if (!mVisited.insert(path).second) {
+            return;
+        }
+        for (const Customer& customer : mLine.customers()) {
+            mIsAll |= customer.file->path() == path ||
+                      (customer.system != nullptr && customer.system->path() == path);
+        }
+        for (const Model& model : mLine.models()) {
+            if (model.counts && model.file != nullptr && model.file->path() == path) {
+                mModels.insert(model.index);
+            }
+        }
+        for (const Board& board : mLine.boards()) {
+            if (board.file != nullptr && board.file->path() == path) {
+                mBoards.insert(board.name);
+            }
+        }
+        for (const Naming& naming : mLine.namings(path)) {
+            if (naming.file == nullptr) {
+                mIsAll |= mVisited.size() > 1 || !isBoard(path);
+            } else if (naming.file->format() != FileFormat::SYSTEM &&
+                       naming.file->format() != FileFormat::CUSTOMER) {
+                follow(naming.file->path());
+            }
+        }
+    }
+
+    std::vector<std::string> groups() const {
+        const size_t models = countOfModels();
+        if (mIsAll || (mModels.size() == models && models > 0) ||
+            (mBoards.size() == mLine.boards().size() && !mBoards.empty())) {
+            return {"all"};
+        }
+        std::vector<std::string> groups;
+        for (const int32_t model : mModels) {
+            groups.push_back("model=" + std::to_string(model));
+        }
+        for (const std::string& board : mBoards) {
+            groups.push_back("board=" + board);
+        }
+        return groups;
+    }
+
+  private:
+    bool isBoard(const std::string& path) const {
+        return std::any_of(mLine.boards().begin(), mLine.boards().end(), [&](const Board& board) {
+            return board.file != nullptr && board.file->path() == path;
+        });
+    }
+    size_t countOfModels() const {
+        std::set<int32_t> indices;
+        for (const Model& model : mLine.models()) {
+            indices.insert(model.index);
+        }
+        return indices.size();
+    }
+
+    const ProductLine& mLine;
+    std::set<std::string> mVisited;
+    std::set<int32_t> mModels;
+    std::set<std::string> mBoards;
+    bool mIsAll = false;
+};
+
+}  // namespace
+
+ProductLine::ProductLine(const Tree& tree, const Settings& settings,
+                         const TreeProperties& properties, const Selection& selection)
+    : mTree(tree), mSettings(settings), mProperties(properties), mSources(tree) {
+    ProductLineBuilder(*this, selection).build();
+}
+
+ProductLine::~ProductLine() = default;
+
+size_t ProductLine::setCount() const {
+    const auto models = static_cast<size_t>(std::count_if(
+            mModels.begin(), mModels.end(), [](const Model& model) { return model.counts; }));
+    return models * mBoards.size() * std::max<size_t>(mCountries.size(), 1);
+}
+
+const FileLines* ProductLine::find(std::string_view path) const {
+    const auto file = mFiles.find(path);
+    return file != mFiles.end() ? file->second.get() : nullptr;
+}
+
+const std::vector<Naming>& ProductLine::namings(std::string_view path) const {
+    const auto found = mNamings.find(path);
+    return found != mNamings.end() ? found->second : kNobody;
+}
+
+LayeredItem ProductLine::item(const Model& model, const Board& board, std::string_view section,
+                              std::string_view key) const {
+    LayeredItem item;
+    for (const FileLines* const file : {model.file, board.file}) {
+        const ReadLine* const line = file != nullptr ? file->find(section, key) : nullptr;
+        if (line != nullptr) {
+            item.replacedFile = item.file;
+            item.replacedLine = item.line;
+            item.file = file;
+            item.line = line;
+        }
+    }
+    return item;
+}
+
+std::vector<std::string> ProductLine::setsOf(std::string_view path) const {
+    SetFinder finder(*this);
+    finder.follow(std::string(path));
+    return finder.groups();
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/mlktree/ProductLine.h"
+
+namespace mlk::tree {
+
+/**
+ * Follows the chain of a tree's files and reads each of them once.
+ *
+ * Works in waves: all files that are known by then are read on all cores, then their lines are
+ * searched for further files.
+ */
+class ProductLineBuilder {
+  public:
+    ProductLineBuilder(ProductLine& line, const Selection& selection)
+        : mLine(line), mSelection(selection) {}
+
+    /** Fills the product line. @throw UsageError, see ProductLine */
+    void build();
+
+  private:
+    using Request = std::pair<std::string, FileFormat>;  // path relative to the tree
+
+    void findCustomers();
+    void findModels();
+    void findBoards();
+    void readProjects();
+    void followItems();
+    void followTvSystems();
+    void followPlans();
+    void findCountries();
+    void selectCountry();
+
+    const FileLines* fileOf(const std::string& path) const { return mLine.find(path); }
+    /** Remembers that a line names a path. */
+    void name(const std::string& path, const FileLines* file, const ReadLine* line);
+    /** Remembers what an item names, and asks for the file if the service reads it. */
+    void followItem(const FileLines& file, const ReadLine& line);
+    void ask(const std::string& path, FileFormat format) { mRequests.emplace_back(path, format); }
+    void readRequests();
+    std::string pathOf(std::string_view value) const;
+
+    ProductLine& mLine;
+    const Selection& mSelection;
+    std::vector<Request> mRequests;
+    std::vector<std::string> mTvSystemPaths;
+    std::vector<std::string> mPlanFolders;
+};
+
+/** The regular files of a folder with that ending, in byte order; empty if there is no folder. */
+std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view ending);
+
+}  // namespace mlk::tree

@@ -1,0 +1,65 @@
+#include "tools/mlktree/Reporter.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mlk::tree {
+
+namespace {
+
+// An element's attributes may stand on the lines after its name.
+constexpr size_t kLinesOfElement = 8;
+
+bool isPartOf(std::string_view part, std::string_view text) {
+    return part.data() >= text.data() && part.data() + part.size() <= text.data() + text.size();
+}
+
+Place placeInXml(const ProductLine& line, const FileLines& file, const ReadLine& read,
+                 std::string_view needle) {
+    Place place{file.path(), read.number, 0};
+    for (size_t i = 0; i < kLinesOfElement; ++i) {
+        const std::string_view source = line.sources().line(file.path(), read.number + i);
+        const size_t found = source.find(needle);
+        if (found != std::string_view::npos) {
+            place.line = read.number + i;
+            place.column = found + 1;
+            return place;
+        }
+        if (source.find('>') != std::string_view::npos) {
+            break;
+        }
+    }
+    const size_t begin = line.sources().line(file.path(), read.number).find('<');
+    place.column = begin != std::string_view::npos ? begin + 1 : 0;
+    return place;
+}
+
+}  // namespace
+
+Place placeOf(const ProductLine& line, const FileLines& file, const ReadLine& read,
+              std::string_view needle) {
+    if (read.column == 0) {
+        return placeInXml(line, file, read, needle.empty() ? "<" : needle);
+    }
+    const bool isPart = isPartOf(needle, read.text) && !needle.empty();
+    const size_t found =
+            isPart ? static_cast<size_t>(needle.data() - read.text.data()) : read.text.find(needle);
+    return {file.path(), read.number, read.column + (found != std::string_view::npos ? found : 0)};
+}
+
+Place placeOf(const FileLines& file) {
+    return {file.path(), 0, 0};
+}
+
+void Reporter::report(Place place, std::string message, std::vector<Related> related) {
+    std::vector<std::string> sets = mLine.setsOf(place.file);
+    reportIn(std::move(sets), std::move(place), std::move(message), std::move(related));
+}
+
+void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string message,
+                        std::vector<Related> related) {
+    mFindings.push_back({std::string(mRule.name), mRule.severity, std::move(place),
+                         std::move(message), std::move(sets), std::move(related)});
+}
+
+}  // namespace mlk::tree

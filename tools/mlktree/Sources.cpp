@@ -1,0 +1,51 @@
+#include "tools/mlktree/Sources.h"
+
+#include <utility>
+
+#include "common/File.h"
+
+namespace mlk::tree {
+
+namespace {
+
+using vendor::morlak::mlkconfigs::V1_0::implementation::File;
+
+std::string textOf(const std::string& path) {
+    File file(path);
+    if (!file.isOpen() || file.size() > Sources::kMostBytes) {
+        return {};
+    }
+    std::string text(file.size(), '\0');
+    const ssize_t count = file.readUpTo(text.data(), text.size());
+    text.resize(count > 0 ? static_cast<size_t>(count) : 0);
+    return text;
+}
+
+std::vector<std::string_view> linesOf(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const size_t end = text.find('\n');
+        lines.push_back(text.substr(0, end));
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return lines;
+}
+
+}  // namespace
+
+const std::vector<std::string_view>& Sources::lines(const std::string& path) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto [file, isNew] = mFiles.try_emplace(path);
+    if (isNew) {
+        file->second.text = textOf(mTree.host(path));
+        file->second.lines = linesOf(file->second.text);
+    }
+    return file->second.lines;
+}
+
+std::string_view Sources::line(const std::string& path, size_t number) const {
+    const std::vector<std::string_view>& all = lines(path);
+    return number >= 1 && number <= all.size() ? all[number - 1] : std::string_view();
+}
+
+}  // namespace mlk::tree

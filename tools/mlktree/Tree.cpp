@@ -1,0 +1,126 @@
+#include "tools/mlktree/Tree.h"
+
+#include <sys/stat.h>
+
+#include <utility>
+
+namespace mlk::tree {
+
+namespace {
+
+bool isFolder(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+std::string withoutSlashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+// True if the path is the folder or lies in it.
+bool isIn(std::string_view path, std::string_view folder) {
+    return startsWith(path, folder) &&
+           (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
+}
+
+struct Mount {
+    std::string_view name;
+    std::string Partitions::*folder;
+};
+
+// In the order in which the service looks for them.
+constexpr Mount kMounts[] = {{"tvconfigs", &Partitions::tvconfigs},
+                             {"tvdata", &Partitions::tvdata},
+                             {"impdata", &Partitions::impdata}};
+
+}  // namespace
+
+Tree::Tree(std::string root, const Apart& apart) : mRoot(withoutSlashes(std::move(root))) {
+    const std::string& base = mRoot == "/" ? "" : mRoot;
+    const auto folder = [&](const std::string& given, const char* name) {
+        return given.empty() ? base + "/" + name : withoutSlashes(given);
+    };
+    mPartitions.tvconfigs = folder(apart.tvconfigs, "tvconfigs");
+    mPartitions.tvdata = folder(apart.tvdata, "tvdata");
+    mPartitions.impdata = folder(apart.impdata, "impdata");
+    if (!isFolder(mPartitions.tvconfigs)) {
+        throw UsageError("no partition tree: there is no folder " + mPartitions.tvconfigs +
+                         "; name a folder that has tvconfigs/, or the partition with --tvconfigs");
+    }
+    for (const auto& [given, option] :
+         {std::pair{apart.tvdata, "--tvdata"}, std::pair{apart.impdata, "--impdata"}}) {
+        if (!given.empty() && !isFolder(given)) {
+            throw UsageError(std::string(option) + ": there is no folder " + given);
+        }
+    }
+}
+
+std::string Tree::relative(std::string_view hostPath) const {
+    for (const Mount& mount : kMounts) {
+        const std::string& folder = mPartitions.*mount.folder;
+        if (isIn(hostPath, folder)) {
+            return std::string(mount.name).append(hostPath.substr(folder.size()));
+        }
+    }
+    if (isIn(hostPath, mRoot) && hostPath.size() > mRoot.size()) {
+        return std::string(hostPath.substr(mRoot == "/" ? 1 : mRoot.size() + 1));
+    }
+    return std::string(hostPath);
+}
+
+std::string Tree::written(std::string_view hostPath) const {
+    for (const Mount& mount : kMounts) {
+        const std::string& folder = mPartitions.*mount.folder;
+        if (startsWith(hostPath, folder)) {
+            return "/" + std::string(mount.name).append(hostPath.substr(folder.size()));
+        }
+    }
+    return std::string(hostPath);
+}
+
+std::string Tree::host(std::string_view relativePath) const {
+    if (startsWith(relativePath, "/")) {
+        return std::string(relativePath);
+    }
+    for (const Mount& mount : kMounts) {
+        if (isIn(relativePath, mount.name)) {
+            return std::string(mPartitions.*mount.folder)
+                    .append(relativePath.substr(mount.name.size()));
+        }
+    }
+    return (mRoot == "/" ? "" : mRoot) + "/" + std::string(relativePath);
+}
+
+std::string Tree::hostOfWritten(std::string_view writtenPath) const {
+    for (const Mount& mount : kMounts) {
+        const std::string prefix = "/" + std::string(mount.name);
+        if (startsWith(writtenPath, prefix)) {
+            return std::string(mPartitions.*mount.folder).append(writtenPath.substr(prefix.size()));
+        }
+    }
+    return std::string(writtenPath);
+}
+
+std::string Tree::hostOfArgument(const std::string& argument) const {
+    const auto exists = [](const std::string& path) {
+        struct stat info {};
+        return stat(path.c_str(), &info) == 0;
+    };
+    const std::string asWritten = hostOfWritten(argument);
+    const std::string asRelative = host(argument);
+    for (const std::string& path : {asWritten, asRelative, argument}) {
+        if (exists(path)) {
+            return path;
+        }
+    }
+    return startsWith(argument, "/") ? asWritten : asRelative;
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,25 @@
+// All families of rules.
+
+#include "tools/mlktree/rules/Families.h"
+
+namespace mlk::tree {
+
+const std::vector<RuleFamily>& ruleFamilies() {
+    static const std::vector<RuleFamily> families = {
+            paths(),
+    };
+    return families;
+}
+
+const Rule* findRule(std::string_view name) {
+    for (const RuleFamily& family : ruleFamilies()) {
+        for (size_t i = 0; i < family.count; ++i) {
+            if (family.rules[i].name == name) {
+                return &family.rules[i];
+            }
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace mlk::tree

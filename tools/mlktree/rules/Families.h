@@ -1,0 +1,10 @@
+#pragma once
+
+#include "tools/mlktree/Rule.h"
+
+namespace mlk::tree {
+
+// One function for each file of rules; Families.cpp lists them.
+RuleFamily paths();
+
+}  // namespace mlk::tree
