@@ -6,7 +6,7 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            paths(),
+            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
     };
     return families;
 }

@@ -5,6 +5,10 @@
 namespace mlk::tree {
 
 // One function for each file of rules; Families.cpp lists them.
+RuleFamily readingBytes();
+RuleFamily readingLines();
+RuleFamily readingValues();
+RuleFamily replacing();
 RuleFamily paths();
 
 }  // namespace mlk::tree

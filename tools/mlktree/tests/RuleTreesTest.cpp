@@ -43,13 +43,17 @@ void layOver(const fs::path& overlay, const fs::path& tree) {
 }
 
 // The findings, one a line, with related places indented.
-std::string findingsOf(const std::string& root) {
+// Notes of other rules than this one are left out: a sound tree may have them.
+std::string findingsOf(const std::string& root, const std::string& rule) {
     const Tree tree(root, {});
     const Settings settings;
     const TreeProperties properties(root + "/data/property", {});
     const ProductLine line(tree, settings, properties, {});
     std::ostringstream out;
     for (const Finding& finding : check(line)) {
+        if (finding.severity == Severity::NOTE && finding.rule != rule) {
+            continue;
+        }
         const Place& place = finding.place;
         out << place.file << ':' << place.line << ':' << place.column << ": "
             << nameOf(finding.severity) << ": " << finding.message << " [" << finding.rule << "]";
@@ -83,7 +87,7 @@ class RuleTrees : public ::testing::TestWithParam<std::string> {
         if (!overlay.empty()) {
             layOver(folderOfRules() / GetParam() / overlay, dir.path());
         }
-        return findingsOf(dir.path());
+        return findingsOf(dir.path(), GetParam());
     }
 };
 
@@ -112,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(EachRule, RuleTrees, ::testing::ValuesIn(namesOfRules()
                          });
 
 TEST(RuleTreesTest, BaseIsSound) {
-    EXPECT_EQ(findingsOf((folderOfRules() / "base").string()), "");
+    EXPECT_EQ(findingsOf((folderOfRules() / "base").string(), ""), "");
 }
 
 TEST(RuleTreesTest, EveryFolderBelongsToARule) {

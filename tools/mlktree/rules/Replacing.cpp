@@ -1,0 +1,203 @@
+// Rules about lines of which only one counts.
+
+#include <iterator>
+#include <map>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
+#include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+using product::fileNameOf;
+
+constexpr size_t kMostRelated = 5;
+
+std::string nameOfItem(const ReadLine& read) {
+    return read.section.empty() ? std::string(read.key)
+                                : std::string(read.section) + " " + std::string(read.key);
+}
+
+void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, file] : line.files()) {
+        const bool hasItems =
+                file->format() == FileFormat::PROJECT || file->format() == FileFormat::AUXILIARY ||
+                file->format() == FileFormat::TV_FEATURES || file->format() == FileFormat::CUSTOMER;
+        if (!hasItems) {
+            continue;
+        }
+        std::map<std::pair<std::string_view, std::string_view>, const ReadLine*> seen;
+        for (const ReadLine& read : file->lines()) {
+            const bool isComment =
+                    file->format() == FileFormat::CUSTOMER && looksLikeComment(read.text);
+            if (read.use != LineUse::ITEM || isComment) {
+                continue;
+            }
+            const auto [former, isNew] = seen.try_emplace({read.section, read.key}, &read);
+            if (isNew) {
+                continue;
+            }
+            const ReadLine* const counts = file->find(read.section, read.key);
+            const bool isLast = counts->number > former->second->number;
+            const std::string message = quoted(read.key) + " stands twice; the " +
+                                        (isLast ? "lower" : "upper") +
+                                        " line counts: " + quoted(counts->value) + ", not " +
+                                        quoted(isLast ? former->second->value : read.value);
+            reporter.report(placeOf(line, *file, read, read.key), message,
+                            {{placeOf(line, *file, *former->second, former->second->key),
+                              "the other line"}});
+            former->second = isLast ? &read : former->second;
+        }
+    }
+}
+
+void checkBoards(const ProductLine& line, Reporter& reporter) {
+    for (const Board& board : line.boards()) {
+        if (board.file == nullptr) {
+            continue;
+        }
+        for (const ReadLine& read : board.file->lines()) {
+            if (read.use != LineUse::ITEM || board.file->find(read.section, read.key) != &read) {
+                continue;
+            }
+            std::vector<Related> related;
+            std::set<const FileLines*> files;
+            for (const Model& model : line.models()) {
+                const ReadLine* const other =
+                        model.file != nullptr ? model.file->find(read.section, read.key) : nullptr;
+                if (other != nullptr && other->value != read.value &&
+                    files.insert(model.file).second && related.size() < kMostRelated) {
+                    related.push_back({placeOf(line, *model.file, *other, other->value),
+                                       "replaced: " + quoted(other->value)});
+                }
+            }
+            if (!files.empty()) {
+                reporter.report(placeOf(line, *board.file, read, read.value),
+                                "the board replaces " + nameOfItem(read) + " of " +
+                                        counted(files.size(), "model file", "model files"),
+                                std::move(related));
+            }
+        }
+    }
+}
+
+// The models whose TV system file this is.
+std::vector<const Model*> modelsOf(const ProductLine& line, const FileLines& systems) {
+    std::vector<const Model*> models;
+    for (const Model& model : line.models()) {
+        for (const Naming& naming : line.namings(systems.path())) {
+            if (model.file != nullptr && naming.file == model.file) {
+                models.push_back(&model);
+                break;
+            }
+        }
+    }
+    return models;
+}
+
+void checkCountries(const ProductLine& line, Reporter& reporter) {
+    for (const TvSystemFiles& systems : line.tvSystems()) {
+        const std::vector<const Model*> models = modelsOf(line, *systems.file);
+        const ReadLine* first = nullptr;
+        std::vector<Related> related;
+        std::set<std::string> names;
+        for (const ReadLine& read : systems.file->lines()) {
+            if (read.use != LineUse::ITEM || read.section.empty()) {
+                continue;
+            }
+            for (const Model* const model : models) {
+                const ReadLine* const other = model->file->find(read.section, read.key);
+                if (other == nullptr || !names.insert(nameOfItem(read)).second) {
+                    continue;
+                }
+                first = first == nullptr ? &read : first;
+                if (related.size() < kMostRelated) {
+                    related.push_back({placeOf(line, *model->file, *other, other->value),
+                                       nameOfItem(read) + " is replaced"});
+                }
+            }
+        }
+        if (first != nullptr) {
+            reporter.report(placeOf(line, *systems.file, *first),
+                            "the TV systems of this file replace " +
+                                    counted(names.size(), "item", "items") + " of model files",
+                            std::move(related));
+        }
+    }
+}
+
+// Audio files are known by their names: of two with one name, the first that is loaded stays.
+void checkAudioNames(const ProductLine& line, Reporter& reporter) {
+    const product::ConfigKey keys[] = {product::item::kPanelAudio, product::item::kICAudio,
+                                       product::item::kAvrAudio};
+    std::set<const ReadLine*> reported;
+    for (const Model& model : line.models()) {
+        for (const Board& board : line.boards()) {
+            std::map<std::string_view, LayeredItem> loaded;
+            for (const product::ConfigKey& key : keys) {
+                const LayeredItem item = line.item(model, board, key.category, key.key);
+                if (!item || item.line->value.empty()) {
+                    continue;
+                }
+                const auto [first, isNew] = loaded.try_emplace(fileNameOf(item.line->value), item);
+                if (isNew || !reported.insert(item.line).second) {
+                    continue;
+                }
+                const bool isSame = first->second.line->value == item.line->value;
+                reporter.report(
+                        placeOf(line, *item.file, *item.line, item.line->value),
+                        isSame ? "the same file as " + std::string(first->second.line->key) +
+                                         ", so its delays count twice"
+                               : "another audio file is named " + quoted(first->first) +
+                                         ", too; files are known by their names without folders, "
+                                         "and this one is not loaded",
+                        {{placeOf(line, *first->second.file, *first->second.line,
+                                  first->second.line->value),
+                          "the file of that name that counts"}});
+            }
+        }
+    }
+}
+
+constexpr Rule kRules[] = {
+        {"key-twice", Severity::WARNING, "a key stands twice in one section",
+         "Only one line counts: the lower one in customer, model and board files, the upper one in "
+         "audio, karaoke, key, DDC/CI and TV feature files. A change of the other line does "
+         "nothing.",
+         "[PANEL]\nm_nWidth = 1920\nm_nWidth = 3840", "[PANEL]\nm_nWidth = 3840", checkKeysTwice},
+        {"board-replaces", Severity::NOTE, "a board file replaces an item of model files",
+         "A board file holds for every model, so its value wins over each model's.",
+         "[DIGITAL_AMPLIFIER_CFG]      (of a board file)\nST_AMP_ADDR0 = 0x35",
+         "the item in the board file alone, or in the model files alone", checkBoards},
+        {"country-replaces", Severity::NOTE, "a TV system replaces an item of model files",
+         "The value of the model file holds until the set knows its country, and for countries "
+         "without a TV system.",
+         "<Item category=\"[LiveTV]\" key=\"SubtitleDefault\" value=\"off\"/>",
+         "an item that all TV systems of the file set, and a model's value that serves as default",
+         checkCountries},
+        {"same-audio-name", Severity::ERROR, "two audio files of a set have one name",
+         "Audio files are known by their names without folders. The second one is not loaded, and "
+         "the delays of the first count twice.",
+         "AUDIO_CONFIG_PATH = /tvconfigs/audio/panel/delay.ini\n"
+         "AUDIO_CONFIG_IC_PATH = /tvconfigs/audio/ic/delay.ini",
+         "AUDIO_CONFIG_PATH = /tvconfigs/audio/panel_delay.ini\n"
+         "AUDIO_CONFIG_IC_PATH = /tvconfigs/audio/ic_delay.ini",
+         checkAudioNames},
+};
+
+}  // namespace
+
+RuleFamily replacing() {
+    return {"replacing", "Lines of which only one counts", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace mlk::tree {
+
+/** A text in double quotes, with control characters and quotes written as escapes. */
+std::string quoted(std::string_view text);
+
+/** The text without blanks and tabs at both ends; a part of it. */
+std::string_view trimmed(std::string_view text);
+
+/** True if the text begins with the start. */
+bool beginsWith(std::string_view text, std::string_view start);
+
+/** True for a line that its author takes for a comment, whatever the format. */
+bool looksLikeComment(std::string_view text);
+
+/** The three bytes that some editors write at the beginning of a UTF-8 file. */
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/** The position of the first byte that is not part of valid UTF-8; npos if there is none. */
+size_t invalidUtf8At(std::string_view text);
+
+/** "1 line" or "3 lines". */
+std::string counted(size_t count, std::string_view singular, std::string_view plural);
+
+}  // namespace mlk::tree
