@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <string_view>
 
 #include "common/FileFormat.h"
 #include "common/ValueType.h"
+#include "regional/RegionalNames.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -35,16 +37,43 @@ struct ChainKeyword {
     FileFormat file;
     std::string_view word;
     ValueType type;
-    FileFormat names; /**< the format of the file that the value names */
+    FileFormat names;                   /**< the format of the file that the value names */
+    std::array<const char*, 2> readers; /**< as in KnownItem */
+    const char* note = "";              /**< what else there is to know of the value */
 };
 
 /** All of them. */
 inline constexpr ChainKeyword kChainKeywords[] = {
-        {FileFormat::CUSTOMER, keyword::kCustomerId, ValueType::TEXT, FileFormat::NONE},
-        {FileFormat::CUSTOMER, keyword::kSystemFile, ValueType::PATH, FileFormat::SYSTEM},
-        {FileFormat::SYSTEM, keyword::kModel, ValueType::PATH, FileFormat::PROJECT},
-        {FileFormat::PROJECT_ID, keyword::kProjectId, ValueType::INTEGER, FileFormat::NONE},
-        {FileFormat::BOARD_ID, keyword::kBoardId, ValueType::PATH, FileFormat::PROJECT},
+        {FileFormat::CUSTOMER,
+         keyword::kCustomerId,
+         ValueType::TEXT,
+         FileFormat::NONE,
+         {"getCustomerId"}},
+        {FileFormat::CUSTOMER, keyword::kSystemFile, ValueType::PATH, FileFormat::SYSTEM, {}},
+        {FileFormat::SYSTEM,
+         keyword::kModel,
+         ValueType::PATH,
+         FileFormat::PROJECT,
+         {"getProjectMaxIdx", "getProjectIniList"},
+         "the index of the model follows the word, a decimal number from 1 on"},
+        {FileFormat::PROJECT_ID,
+         keyword::kProjectId,
+         ValueType::INTEGER,
+         FileFormat::NONE,
+         {"getProjectId", "setProjectId"},
+         "the index of the model"},
+        {FileFormat::BOARD_ID,
+         keyword::kBoardId,
+         ValueType::PATH,
+         FileFormat::PROJECT,
+         {},
+         "its items replace those of the model; exactly `DEFAULT_BOARD_ID` for no board file"},
+        {FileFormat::COUNTRY_ID,
+         kCountryIdKeyword,
+         ValueType::INTEGER,
+         FileFormat::NONE,
+         {"setCountryId"},
+         "a country"},
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

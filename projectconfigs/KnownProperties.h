@@ -26,7 +26,8 @@ inline constexpr KnownProperty kKnownProperties[] = {
          "from 1 on, a start and a change of model log every item"},
         {kLogTvSystemsProperty, ValueType::INTEGER,
          "from 1 on, a start and a change of country log TV systems and countries"},
-        {property::kHardware, ValueType::TEXT, "names the audio file of the hardware"},
+        {property::kHardware, ValueType::TEXT,
+         "names the audio file of the hardware, `/tvconfigs/audio/audio_<ro.hardware>.ini`"},
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

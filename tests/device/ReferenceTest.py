@@ -1,10 +1,6 @@
-"""The guide to bring-up says what the code does: every name, every limit, and its examples."""
+"""The guides say what the code does: every name and every limit."""
 
-import json
-import os
 import re
-import subprocess
-import tempfile
 import unittest
 import xml.etree.ElementTree as xml
 from pathlib import Path
@@ -12,9 +8,7 @@ from pathlib import Path
 import bp
 import platform_modules as platform
 import tree
-
-GUIDE = "docs/device.md"
-FENCE = re.compile(r"^ *```.*?^ *```$", re.MULTILINE | re.DOTALL)
+from guides import FORMATS, GUIDE, ITEMS, PAGES, anchors, countries, said, section, table, words
 
 # Words of the code that look like names in files and are not.
 NO_NAMES = {
@@ -39,36 +33,24 @@ LIMITS = {
 }
 
 
-def section(heading):
-    """The text below a heading, up to the next one of its level or above."""
-    text = tree.read(GUIDE)
-    # Examples have lines that look like headings.
-    plain = FENCE.sub(lambda m: re.sub(r"[^\n]", "~", m[0]), text)
-    start = plain.index(f"\n{heading}\n")
-    level = len(heading.split()[0])
-    end = re.compile(rf"\n#{{1,{level}}} ").search(plain, start + len(heading) + 1)
-    return text[start : end.start() if end else len(text)]
+def items():
+    return table(section("## Project and board files", ITEMS), "section")
 
 
-def table(text, first):
-    """The rows of the table whose first column has this title."""
-    lines = text.splitlines()
-    start = next(i for i, line in enumerate(lines) if line.startswith(f"| {first} |"))
-    rows = []
-    for line in lines[start + 2 :]:
-        if not line.startswith("|"):
-            break
-        rows.append([cell.strip() for cell in re.split(r"(?<!\\)\|", line.strip("|"))])
-    return rows
-
-
-def words(text):
-    """What stands in backquotes."""
-    return re.findall(r"`([^`]+)`", FENCE.sub("", text))
-
-
-def reference():
-    return table(section("## Reference"), "file")
+def names_of_the_reference():
+    """What stands in the columns of names, by heading."""
+    columns = {
+        "## Customer, system and identity files": ("file", (1,)),
+        "## Project and board files": ("section", (0, 1)),
+        "## XML files": ("file", (1, 2, 3)),
+        "## TV features": ("key", (0,)),
+        "## Properties": ("property", (0,)),
+    }
+    return {
+        heading: [tuple(words(row[i])[0] for i in places if words(row[i]))
+                  for row in table(section(heading, ITEMS), first)]
+        for heading, (first, places) in columns.items()
+    }
 
 
 def items_of_the_code():
@@ -80,21 +62,25 @@ def items_of_the_code():
 
 
 def items_of_the_guide():
-    return {(words(row[1])[0], words(row[2])[0]) for row in reference() if row[1].startswith("`[")}
+    return {(words(row[0])[0], words(row[1])[0]) for row in items()}
 
 
 class Names(unittest.TestCase):
     def test_items_of_the_code_are_in_the_reference(self):
         self.assertEqual(items_of_the_code() - items_of_the_guide(), set())
 
+    def test_items_stand_in_the_tables_alone(self):
+        """No section and no item is spelt anywhere else in the product."""
+        tables = {"projectconfigs/KnownItems.h", "regional/RegionalNames.h"}
+        for source in set(tree.product_sources()) - tables:
+            literals = tree.literals(source)
+            self.assertEqual({text for text in literals if re.fullmatch(r"\[\w+\]", text)}, set(), source)
+            self.assertEqual(literals & {key for _, key in items_of_the_guide()}, set(), source)
+
     def test_items_of_the_reference_are_in_the_code(self):
         names = tree.all_literals()
         for category, key in items_of_the_guide():
             self.assertEqual({category, key} - names, set(), f"{category} {key}")
-
-    def test_sections_of_the_code_are_in_the_reference(self):
-        sections = {text for text in tree.all_literals() if re.fullmatch(r"\[\w+\]", text)}
-        self.assertEqual({category for category, _ in items_of_the_guide()}, sections)
 
     def test_items_of_the_methods_are_in_the_reference(self):
         methods = "".join(
@@ -109,8 +95,8 @@ class Names(unittest.TestCase):
         self.assertEqual(items_of_the_code() - items, {("[LiveTV]", "TvConfig")})
 
     def test_no_row_stands_twice(self):
-        rows = [tuple(row[:3]) for row in reference()]
-        self.assertEqual(len(rows), len(set(rows)))
+        for heading, rows in names_of_the_reference().items():
+            self.assertEqual(len(rows), len(set(rows)), heading)
 
     def test_other_names_of_the_code_are_in_the_guide(self):
         methods = set(re.findall(r"^    (\w+)\(", "".join(
@@ -119,60 +105,55 @@ class Names(unittest.TestCase):
         ), re.MULTILINE))
         self.assertGreater(len(methods), 100)
         countries = set(tree.literals("regional/CountryTable.h"))
-        said = {part for word in words(tree.read(GUIDE)) for part in (word, *re.findall(r"\w+", word))}
+        parts = {part for word in said() for part in (word, *re.findall(r"\w+", word))}
         for source in tree.product_sources():
             # What begins as mAtvEnabled does is a member, for the log.
             names = {text for text in tree.literals(source) if re.fullmatch(r"(?!m[A-Z])[A-Za-z]\w*\}?", text)}
-            self.assertEqual(names - said - methods - countries - NO_NAMES, set(), source)
+            self.assertEqual(names - parts - methods - countries - NO_NAMES, set(), source)
 
     def test_names_of_the_reference_are_in_the_code(self):
         code = tree.all_literals()
-        for row in reference():
-            self.assertEqual(set(words(row[2])) - code, set())
+        for heading, rows in names_of_the_reference().items():
+            self.assertGreater(len(rows), 5, heading)
+            self.assertEqual({name for row in rows for name in row} - code, set(), heading)
 
     def test_properties(self):
-        named = [word for row in reference() for word in words(row[2]) if "." in word]
-        self.assertEqual(sorted(named), sorted(tree.properties()))
-        features = set(tree.literals("tvconfigs/TvConfigItems.h"))
-        for row in reference():
-            for name in words(row[2]):
-                if name in features:
-                    self.assertEqual(row[0], "TV feature, then property", name)
+        names = names_of_the_reference()
+        features = {name for (name,) in names["## TV features"]}
+        self.assertEqual(features, set(tree.literals("tvconfigs/TvConfigItems.h")) & tree.properties())
+        self.assertEqual(features | {name for (name,) in names["## Properties"]}, tree.properties())
 
     def test_numbers_whose_base_is_inferred(self):
         """Those that the framework's switches read as integers, and no others."""
-        items = [(kind, name) for _, kind, name in tree.framework_items()]
-        self.assertGreater(len(items), 15)
-        integers = {name for kind, name in items if kind != "FLAG"}
-        inferred = {words(row[2])[0] for row in reference() if "base is inferred" in row[3]}
-        self.assertEqual(inferred, integers)
-        switches = {words(row[2])[0] for row in reference() if row[3].startswith("switch")}
-        self.assertEqual(switches, {name for kind, name in items if kind == "FLAG"}
-                         - set(tree.literals("tvconfigs/TvConfigItems.h")))
+        kinds = {name: kind for _, kind, name in tree.framework_items()}
+        self.assertGreater(len(kinds), 15)
+        rows = {words(row[0])[0]: row[1] for row in table(section("## Properties", ITEMS), "property")}
+        values = {"FLAG": "switch", "NUMBER": "number of any base", "INVERTED": "inverted number"}
+        self.assertEqual({name: rows[name] for name in kinds}, {name: values[kind] for name, kind in kinds.items()})
 
     def test_files_that_the_code_names(self):
-        said = tree.read(GUIDE)
-        for text in tree.all_literals():
-            if re.fullmatch(r"/[\w.]+/?", text):
-                self.assertIn(text.strip("/"), said)
+        text = "".join(tree.read(page) for page in PAGES)
+        for literal in tree.all_literals():
+            if re.fullmatch(r"/[\w.]+/?", literal):
+                self.assertIn(literal.strip("/"), text)
 
     def test_countries(self):
-        names = re.search(r"```countries\n(.*?)```", tree.read(GUIDE), re.DOTALL)[1].split()
         code = tree.code("regional/CountryTable.h")
-        self.assertEqual(names, list(tree.literals_in(code[code.index("kCountryNames = {") :]))[: len(names)])
-        self.assertIn(f"std::array<std::string_view, {len(names)}> kCountryNames", code)
+        self.assertEqual(countries(),
+                         list(tree.literals_in(code[code.index("kCountryNames = {") :]))[: len(countries())])
+        self.assertIn(f"std::array<std::string_view, {len(countries())}> kCountryNames", code)
         self.assertIn("kUnused = 161", code)
 
     def test_modulations(self):
         code = re.findall(r'\{"([A-Z0-9_}]+)", (\d+)\}', tree.code("regional/Modulations.h"))
         self.assertEqual(len(code), 24)
-        listed = re.search(r"The modulations:\n(.*?)\. ", tree.read(GUIDE), re.DOTALL)[1]
-        self.assertEqual(re.findall(r"`([^`]+)` (\d+)", listed), code)
+        listed = [(words(row[0])[0], row[1]) for row in table(section("## Modulations", ITEMS), "name")]
+        self.assertEqual(listed, code)
 
 
 class Limits(unittest.TestCase):
     def test_lines(self):
-        rows = {row[0]: row[1] for row in table(section("## Formats and their traps"), "format")}
+        rows = {row[0]: row[1] for row in table(section("## Limits", FORMATS), "format")}
         self.assertEqual(set(rows), set(LIMITS))
         for name, constant in LIMITS.items():
             size = int(re.search(rf"{constant} = (\d+)", tree.code("common/FileLimits.h"))[1])
@@ -182,7 +163,7 @@ class Limits(unittest.TestCase):
         code = tree.code("common/FileLimits.h")
         for constant in ("kMostAttributes", "kMostReferences"):
             number = re.search(rf"{constant} = (\d+)", code)[1]
-            self.assertIn(f" {number} ", section("## Formats and their traps"))
+            self.assertIn(f" {number} ", section("## TV system file and country map", FORMATS))
         self.assertIn("kMostListBytes = size_t{16} << 20", tree.code("common/FileLimits.h"))
 
 
@@ -238,151 +219,16 @@ class Device(unittest.TestCase):
             self.assertIn(path, said)
 
     def test_links(self):
-        text = tree.read(GUIDE)
-        anchors = {
-            re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
-            for heading in re.findall(r"^#+ (.*)$", text, re.MULTILINE)
-        }
-        for link in re.findall(r"\]\(([^)]+)\)", text):
-            if link.startswith("#"):
-                self.assertIn(link[1:], anchors)
-            else:
-                self.assertTrue((tree.ROOT / "docs" / link).is_file(), link)
+        for page in PAGES:
+            for link in re.findall(r"\]\(([^)]+)\)", tree.read(page)):
+                name, _, anchor = link.partition("#")
+                target = tree.ROOT / (f"docs/{name}" if name else page)
+                self.assertTrue(target.is_file(), f"{page}: {link}")
+                if anchor:
+                    self.assertIn(anchor, anchors(target), f"{page}: {link}")
+            if page != GUIDE:
+                self.assertIn(f"]({Path(page).name})", tree.read(GUIDE))
         self.assertIn("docs/device.md", tree.read("README.md"))
-
-
-class Examples(unittest.TestCase):
-    """A set made of the guide's own examples, and the service on it."""
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.root = Path(folder.name)
-        guide = tree.read(GUIDE)
-        for path, content in re.findall(r"```\n# (/\S+)\n(.*?)```", section("### A smallest set"), re.DOTALL):
-            self.put(path, content)
-        self.put("/impdata/project_id.bin", re.search(r"```\n(PROJECT_ID=.*?)```", guide, re.DOTALL)[1])
-        self.environment = {
-            **os.environ,
-            "MLK_ROOT": str(self.root),
-            "MLK_RUNTIME_DIR": str(self.root / "run"),
-            "ANDROID_LOG_TAGS": "*:S",
-        }
-
-        self.client = Path(os.environ["MLK_BIN_DIR"]) / "mlkctl"
-        self.service = None
-
-    def put(self, path, content, mode="w"):
-        file = self.root / path.lstrip("/")
-        file.parent.mkdir(parents=True, exist_ok=True)
-        with file.open(mode, encoding="utf-8") as stream:
-            stream.write(content)
-
-    def start(self):
-        program = Path(os.environ["MLK_BIN_DIR"]) / "vendor.morlak.mlconfigs@1.0-service"
-        self.stop()
-        self.service = subprocess.Popen([program], env=self.environment)
-        self.addCleanup(self.stop)
-        subprocess.run([self.client, "wait", "--timeout", "60"], env=self.environment, check=True)
-
-    def stop(self):
-        if self.service:
-            self.service.kill()
-            self.service.wait()
-            self.service = None
-
-    def ask(self, interface, method, *arguments):
-        done = subprocess.run([self.client, "call", interface, method, *arguments], env=self.environment,
-                              stdout=subprocess.PIPE, check=True)
-        answer = json.loads(done.stdout)
-        return answer["value"] if isinstance(answer, dict) else answer
-
-    def test_smallest_set(self):
-        self.start()
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getCustomerId"), "17")
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getProjectName"), "First")
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getPanelName"), "LC430-A")
-        self.assertIs(self.ask("IMlkTvConfigs", "dtvAntennaEnabled"), True)
-        self.assertIs(self.ask("IMlkTvConfigs", "atvEnabled"), False)
-
-    def test_lines_of_the_formats(self):
-        formats = section("## Formats and their traps")
-        project, auxiliary = (
-            table(formats[formats.index(heading) :], "line")
-            for heading in ("**Project and board file.**", "**Audio, karaoke, key and DDC/CI files.**")
-        )
-        features = table(formats[formats.index("**TV feature file.**") :], "line")
-        self.put("/tvconfigs/model/first.ini", "[PANEL]\n" + "".join(f"{words(row[0])[0]}\n" for row in project)
-                 + "[KEY]\nKEY_CONFIG_PATH = /tvconfigs/keys/pad.ini\n[LiveTV]\nTvConfig = /tvconfigs/tv/tv.config\n")
-        self.put("/tvconfigs/keys/pad.ini", "[PAD]\n" + "".join(f"{words(row[0])[0]}\n" for row in auxiliary))
-        self.put("/tvconfigs/tv/tv.config", "".join(f"{words(row[0])[0]}\n" for row in features))
-        self.start()
-
-        replaced = {"nothing": "", "the mount point of tvconfigs and `/logo.png`": f"{self.root}/tvconfigs/logo.png"}
-        for rows, method, category in ((project, "getConfig", "[PANEL]"), (auxiliary, "getGlobalKeyConfig", "[PAD]")):
-            for line, key, value in (row for row in rows if row[1]):
-                expected = replaced.get(value, value.removeprefix("`").removesuffix("`"))
-                self.assertEqual(self.ask("IMlkProjectConfigs", method, category, words(key)[0]), expected, line)
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getGlobalKeyConfig", "[PAD]", "NOTHING"), "")
-        for flag, on in (("av", False), ("dtv", True), ("pvr", False), ("ci", False), ("hdmi", False)):
-            self.assertIs(self.ask("IMlkTvConfigs", f"{flag}Enabled"), on, flag)
-
-    def set_properties(self, values):
-        for key, value in values.items():
-            subprocess.run([self.client, "prop", "set", key, value], env=self.environment, check=True)
-
-    def test_switches_and_numbers_of_properties(self):
-        text = section("## Reference")
-        on, off = (words(part) for part in re.search(r"A switch is on for (.*?), off for (.*?), and has", text,
-                                                     re.DOTALL).groups())
-        numbers = re.findall(r"`(\w+)` is (\d+)", text.split("All other numbers")[0])
-        self.assertEqual((len(on), len(off), len(numbers)), (5, 5, 3))
-        questions = [("getTvserviceDumpLevel", "vendor.mlk.nt.dumplevel", number, int(value)) for number, value in numbers]
-        questions += [("getTvserviceDumpLevel", "vendor.mlk.nt.dumplevel", word, number)
-                      for word, number in (("12abc", 12), ("a1", 0), ("2147483648", 0))]
-        questions += [("strEnabled", "persist.vendor.mlk.enstr", word, word in on) for word in (*on, *off, "True", "2")]
-        for method, key, value, answer in questions:
-            with self.subTest(value=value):
-                self.set_properties({key: value})
-                self.start()
-                self.assertEqual(self.ask("IMlkFrameworkConfigs", method), answer)
-
-    def test_countries_of_the_formats(self):
-        formats = section("## Formats and their traps")
-        tv_systems, country_map, plans = re.findall(r"```xml\n(.*?)```", formats, re.DOTALL)
-        channels = re.search(r"```\n(// channel, .*?)```", formats, re.DOTALL)[1]
-        countries = table(formats[formats.index("**Country and language lists.**") :], "line")
-        self.put("/tvconfigs/model/first.ini", """
-[LiveTV]
-TvConfig = /tvconfigs/tv/tv_uk.config
-tuner_type = DVB_T
-[COUNTRY]
-COUNTRY_PATH = /tvconfigs/country/eu.txt
-tvSysMap = /tvconfigs/tvsysmap/tvsys_eu.xml
-""")
-        self.put("/tvconfigs/country/eu.txt", "".join(f"{words(row[0])[0]}\n" for row in countries))
-        self.put("/tvconfigs/tvsysmap/tvsys_eu.xml", tv_systems)
-        self.put(re.search(r"<CountryTvSysMapXML>(.*?)<", tv_systems)[1], country_map)
-        self.put("/tvconfigs/freqtables/country_freq_map.xml", plans)
-        self.put("/tvconfigs/freqtables/dtv/" + re.search(r"<DTV_ANTENA>(.*?)<", plans)[1], channels)
-        (self.root / "tvdata").mkdir()
-        self.start()
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getTunerType"), "DVB_T2_C")
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getConfig", "[LiveTV]", "TvConfig"),
-                         f"{self.root}/tvconfigs/tv/tv_eu.config")
-        self.assertEqual((self.root / "tvdata/tvsysmap/country_id.bin").read_text(encoding="utf-8"),
-                         f"COUNTRY_ID={self.names().index('SWEDEN') - 1}\n")
-        self.assertEqual(self.ask("IMlkProjectConfigs", "getCountryList"), [14, 0, 0, 14])
-        self.assertEqual(self.names()[14 + 1], "GERMANY")
-        found = self.ask("IMlkProjectConfigs", "getFreqTableList", "14", "DTV_ANTENNA", "AUTO")
-        self.assertEqual(
-            [(c["channel"], c["bandwidth"], c["frequency"], c["label"], c["modulation"]) for c in found],
-            [(21, 8000000, 474000, "E21", 18), (22, 6000000, 482000, "", 9)],
-        )
-
-    @staticmethod
-    def names():
-        return re.search(r"```countries\n(.*?)```", tree.read(GUIDE), re.DOTALL)[1].split()
 
 
 if __name__ == "__main__":
