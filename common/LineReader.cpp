@@ -25,7 +25,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
       mObserver(observer),
       mFile(mPath) {
     if (mFile.isOpen() && mFile.size() > mMostBytes) {
-        fail(mPath, "cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, 0, "cannot be read: " + largerThan(mMostBytes));
     } else if (mFile.isOpen()) {
         // The buffer always holds one byte more than the limit, which tells that a line is too
         // long. Files of the kernel report size 0.
@@ -33,7 +33,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
         mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
         mBuffer.reset(new char[mCapacity]);
     } else if (!mFile.isMissing()) {
-        fail(mPath, "cannot be read: " + mFile.reason());
+        fail(mPath, 0, "cannot be read: " + mFile.reason());
     }
 }
 
@@ -147,13 +147,14 @@ bool LineReader::fill() {
     const ssize_t result = mFile.read(mBuffer.get() + mEnd, free);
     if (result < 0) {
         const std::string reason = std::generic_category().message(errno);
-        fail(mPath + ":" + std::to_string(mLineNumber), "cannot be read further: " + reason);
+        fail(mPath + ":" + std::to_string(mLineNumber), mLineNumber,
+             "cannot be read further: " + reason);
         return false;
     }
     const auto count = static_cast<size_t>(result);
     mRead += count;
     if (mRead > mMostBytes) {
-        fail(mPath, "cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, 0, "cannot be read: " + largerThan(mMostBytes));
         return false;
     }
     // Saves the read at the end of a file that has not grown.
@@ -165,14 +166,14 @@ bool LineReader::fill() {
     return count > 0;
 }
 
-// Ends the reading and logs the problem.
-void LineReader::fail(const std::string& place, const std::string& problem) {
+// Ends the reading and logs the problem. The line is for the observer, 0 for the whole file.
+void LineReader::fail(const std::string& place, size_t line, const std::string& problem) {
     mFailed = true;
     mAtEnd = true;
     mBegin = mEnd = 0;
     __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), problem.c_str());
     if (mObserver != nullptr) {
-        mObserver->onProblem(mPath, mLineNumber, problem);
+        mObserver->onProblem(mPath, line, problem);
     }
 }
 

@@ -88,7 +88,8 @@ class LineReader {
     bool isObserved() const { return mObserver != nullptr; }
 
     /**
-     * Tells the observer, if there is one, what became of the line that next() gave last.
+     * Tells the observer, if there is one, what became of the line that next() gave last. Adds the
+     * path, the number, and whether the line was cut or ended at a NUL.
      *
      * @param text  that line, as next() gave it
      * @param read  the rest: use, section, key, value and whether the item is new
@@ -102,13 +103,24 @@ class LineReader {
         }
     }
 
+    /** Tells the observer, if there is one, that the line has an item that is new. */
+    void tellItem(std::string_view text, std::string_view key, std::string_view value) const {
+        if (isObserved()) {
+            ReadLine read;
+            read.use = LineUse::ITEM;
+            read.key = key;
+            read.value = value;
+            tell(text, read);
+        }
+    }
+
   private:
     bool nextUnended(std::string_view& line);
     std::string_view cut(std::string_view line);
     std::string_view endAtNul(std::string_view line);
     bool fill();
     bool skipRestOfLine();
-    void fail(const std::string& place, const std::string& problem);
+    void fail(const std::string& place, size_t line, const std::string& problem);
 
     const std::string mPath;
     const size_t mLimit;

@@ -11,35 +11,49 @@ enum class LineUse {
     SECTION, /**< begins a section, a TV system or the record of a country */
     ITEM,    /**< an item, an entry of a list, or a channel */
     IGNORED, /**< should have been one of these, but the reader skips it */
-    LOST,    /**< not read at all, for example a last line without the line feed that it needs */
+    /**
+     * The last line that a reader sees of a TV feature file, if it does not count: it has no line
+     * feed, is too long or has a NUL. In the last two cases, the lines after it are not read, nor
+     * told.
+     */
+    LOST,
 };
 
 /**
  * One line of a text file, or one element of an XML file, as a reader understood it.
  *
- * The texts are valid during the call only. A format fills in what it has:
+ * The texts are valid during the call only. If the use is NOTHING, section, key and value are
+ * empty. Otherwise a format fills in what it has:
  *
  * | format | section | key | value |
  * |---|---|---|---|
  * | customer file | | "CUSTOMER_ID" or "SYS_INI" | the value |
- * | system file | | "Model_" and the number as written | the path |
+ * | system file | | "Model_" and the index that the reader takes | the path |
  * | project, board, auxiliary file | its name, with brackets | the key | the value |
  * | TV feature file | | the key | the value |
  * | list | | the entry | |
  * | channel plan | | the first column | |
- * | TV system file | the attribute "category" | "key" | "value" |
+ * | saved identity | | "PROJECT_ID", "BOARD_ID" or "COUNTRY_ID" | the text after "=" |
+ * | item of a TV system | the attribute "category" | "key" | "value" |
+ * | other element of a TV system file | | the element's name | its text |
  * | country map | | the element's name | its text |
  * | frequency map | the attribute "TYPE" | the element's name | its text |
  *
- * Values are cleaned, but partition names in them are not replaced by mount points.
+ * Values are cleaned, but partition names in them are not replaced by mount points. A saved
+ * identity is read up to the line that has it.
+ *
+ * A channel plan is read in pieces of at most 49 bytes, line feed included. Each piece is told by
+ * itself, with its column. A piece that is no comment, but no channel either, is IGNORED.
+ *
+ * In a TV system file, an item whose key another TV system of the same name has is not new.
  */
 struct ReadLine {
     std::string_view path; /**< the file, as it was opened */
     size_t number = 0;     /**< of the line, from 1 */
-    size_t column = 1;     /**< where the text begins in its line, from 1; 0 for XML */
+    size_t column = 1;     /**< the byte of its line where the text begins, from 1; 0 for XML */
     LineUse use = LineUse::NOTHING;
     std::string_view text;  /**< as the reader has it, without its line feed; empty for XML */
-    bool isCut = false;     /**< the line is longer than its format allows */
+    bool isCut = false;     /**< the line goes on, because it is longer than its format allows */
     bool hasNul = false;    /**< a NUL byte ends the text early */
     std::string_view owner; /**< the TV system or the country that an XML element belongs to */
     std::string_view section;
@@ -47,7 +61,8 @@ struct ReadLine {
     std::string_view value;
     /**
      * False if the reader has an item of this name already, which the format either keeps or
-     * replaces. Lists, channel plans and TV feature files do not tell.
+     * replaces. In a map, each record has names of its own. Always true for sections, lists,
+     * channel plans and TV feature files.
      */
     bool isNew = true;
 };
@@ -66,14 +81,23 @@ class ReadObserver {
     ReadObserver(const ReadObserver&) = delete;
     ReadObserver& operator=(const ReadObserver&) = delete;
 
-    /** Called for every line that was read, in the order of the file. */
+    /**
+     * Called for every line that was read, in the order of the file. For an XML file, called for
+     * the elements that the reader looks at, those at the top first, and the cable plans of a
+     * country after its other elements.
+     *
+     * If a file cannot be read to its end, its reader may drop all items although their lines were
+     * told; onProblem() tells of that afterwards.
+     */
     virtual void onLine(const ReadLine& line) = 0;
 
     /**
-     * Called for every problem that the reader also logs.
+     * Called for every problem of reading that is also logged. A missing file is none, nor is an
+     * element that a record lacks. The problems of a line come before the line.
      *
      * @param path     the file
-     * @param line     its number, from 1; 0 for a problem of the whole file
+     * @param line     its number, from 1, also if the file cannot be read on after that line; 0 for
+     *                 a problem of the whole file
      * @param problem  a text without file and line
      */
     virtual void onProblem(std::string_view path, size_t line, std::string_view problem) = 0;

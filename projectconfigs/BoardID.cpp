@@ -11,9 +11,9 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-BoardID::BoardID(const std::string& directory) {
+BoardID::BoardID(const std::string& directory, ReadObserver* observer) {
     const std::string path = directory + keyword::kBoardIdFile;
-    LineReader reader(path, kListBufferSize, LOG_TAG, kMostIdentityBytes);
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostIdentityBytes, observer);
     if (!reader.isOpen()) {
         ALOGD("Open %s fail!", path.c_str());
         return;
@@ -21,7 +21,12 @@ BoardID::BoardID(const std::string& directory) {
     std::string_view line;
     std::string_view value;
     while (reader.next(line)) {
-        if (line.find(keyword::kBoardId) != std::string_view::npos && reader.valueOf(line, value)) {
+        if (line.find(keyword::kBoardId) == std::string_view::npos) {
+            reader.tell(line, LineUse::NOTHING);
+        } else if (!reader.valueOf(line, value)) {
+            reader.tell(line, LineUse::IGNORED);
+        } else {
+            reader.tellItem(line, keyword::kBoardId, value);
             mBoardId = value;
             return;
         }

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "common/ReadObserver.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
@@ -13,8 +15,13 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class BoardID {
   public:
-    /** Reads the board id. @param directory the folder of the file, without a "/" at its end */
-    explicit BoardID(const std::string& directory);
+    /**
+     * Reads the board id.
+     *
+     * @param directory  the folder of the file, without a "/" at its end
+     * @param observer   hears of every line up to that of the board id; null for none
+     */
+    explicit BoardID(const std::string& directory, ReadObserver* observer = nullptr);
 
     /**
      * The board id as the file has it: not trimmed, with its carriage return or comment. Empty if

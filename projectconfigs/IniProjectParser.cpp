@@ -81,12 +81,14 @@ void addNewItem(ItemStore::Section section, std::string_view line, const LineRea
 
 void beginSection(std::string_view line, const LineReader& reader, ItemStore& items,
                   ItemStore::Section& section) {
-    ReadLine read;
-    read.use = LineUse::SECTION;
     const std::string category = categoryOf(line);
-    read.section = category;
     section = items.section(category);
-    reader.tell(line, read);
+    if (reader.isObserved()) {
+        ReadLine read;
+        read.use = LineUse::SECTION;
+        read.section = category;
+        reader.tell(line, read);
+    }
 }
 
 }  // namespace

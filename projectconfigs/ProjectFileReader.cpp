@@ -5,6 +5,7 @@
 #include <log/log.h>
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "common/Decimal.h"
@@ -73,6 +74,9 @@ bool startsWith(std::string_view text, std::string_view start) {
 }
 
 void tellSection(const LineReader& reader, std::string_view line, std::string_view name) {
+    if (!reader.isObserved()) {
+        return;
+    }
     ReadLine read;
     read.use = LineUse::SECTION;
     read.section = name;
@@ -80,7 +84,10 @@ void tellSection(const LineReader& reader, std::string_view line, std::string_vi
 }
 
 void tellItem(const LineReader& reader, std::string_view line, std::string_view section,
-              std::string_view key, std::string_view value, bool isNew = true) {
+              std::string_view key, std::string_view value, bool isNew) {
+    if (!reader.isObserved()) {
+        return;
+    }
     ReadLine read;
     read.use = LineUse::ITEM;
     read.section = section;
@@ -119,6 +126,8 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
     LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
     std::string_view line;
     std::string_view value;
+    bool hasCustomerId = false;
+    bool hasSystemFile = false;
     while (reader.next(line)) {
         const bool isCustomerId = contains(line, keyword::kCustomerId);
         if (!isCustomerId && !contains(line, keyword::kSystemFile)) {
@@ -130,8 +139,10 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
             continue;
         }
         value = eraseSymbol(value, mCleaned);
+        bool& isKnown = isCustomerId ? hasCustomerId : hasSystemFile;
         tellItem(reader, line, "", isCustomerId ? keyword::kCustomerId : keyword::kSystemFile,
-                 value);
+                 value, !isKnown);
+        isKnown = true;
         if (isCustomerId) {
             customerId = value;
         } else {
@@ -148,6 +159,7 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
     LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
     std::string_view line;
     std::string_view value;
+    std::set<int32_t> told;  // the indexes that the observer has heard of
     while (reader.next(line)) {
         const size_t model = line.find(keyword::kModel);
         if (model == npos) {
@@ -161,7 +173,8 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
         const int32_t number = parseDecimal(line.substr(model + keyword::kModel.size()));
         if (reader.isObserved()) {
             const std::string key = std::string(keyword::kModel) + std::to_string(number);
-            tellItem(reader, line, "", key, eraseSymbol(value, mCleaned));
+            tellItem(reader, line, "", key, eraseSymbol(value, mCleaned),
+                     told.insert(number).second);
         }
         // Unsigned: a negative number counts as larger than all others.
         maxIdx = std::max(maxIdx, static_cast<uint32_t>(number));

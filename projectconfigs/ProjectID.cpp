@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
@@ -20,56 +21,107 @@ namespace {
 
 constexpr size_t kChunk = 256;
 
-}  // namespace
+std::string pathIn(const std::string& directory) {
+    return directory + keyword::kProjectIdFile;
+}
 
-ProjectID::ProjectID(const std::string& directory, unsigned int defaultIndex)
-    : mFilePath(directory + keyword::kProjectIdFile) {
-    if (!Read()) {
-        mId = defaultIndex;
+void complain(const std::string& path, const std::string& problem, ReadObserver* observer) {
+    ALOGE("%s: %s", path.c_str(), problem.c_str());
+    if (observer != nullptr) {
+        observer->onProblem(path, 0, problem);
     }
 }
 
-bool ProjectID::Read() {
-    // Opened for writing too, so that the log tells now whether a later change can be stored.
-    File file(mFilePath, O_RDWR);
-    if (file.isOpen()) {
-        return ReadFrom(file);
-    }
-    if (file.isMissing() && createFile(mFilePath, "") == Saved::DONE) {
-        return true;
-    }
-    ALOGD("Open %s fail!", mFilePath.c_str());
-    File readOnly(mFilePath);
-    return readOnly.isOpen() && ReadFrom(readOnly);
+size_t lineFeeds(std::string_view text) {
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-bool ProjectID::ReadFrom(File& file) {
+// Tells of the line of the keyword; the number is that of the text's first line.
+void tell(ReadObserver& observer, const std::string& path, size_t number, std::string_view text,
+          size_t keyword, size_t equals) {
+    const std::string_view before = text.substr(0, keyword);
+    const size_t begin = before.rfind('\n') + 1;  // 0 if there is none
+    ReadLine read;
+    read.path = path;
+    read.number = number + lineFeeds(before);
+    read.text = text.substr(begin, text.find('\n', keyword) - begin);
+    read.use = LineUse::IGNORED;
+    if (equals != std::string_view::npos) {
+        read.use = LineUse::ITEM;
+        read.key = keyword::kProjectId;
+        read.value = text.substr(equals + 1, text.find('\n', equals) - equals - 1);
+    }
+    observer.onLine(read);
+}
+
+// The index in the file, 0 if it has none; nullopt if it cannot be read.
+std::optional<uint32_t> readFrom(File& file, const std::string& path,
+                                 ReadObserver* observer = nullptr) {
     // Each chunk is searched by itself. A short last one leaves the end of the chunk before in the
     // buffer, which is searched with it.
     char buffer[kChunk] = {};
     size_t total = 0;
+    size_t number = 1;  // of the line that the chunk begins in
     ssize_t count = 0;
     while ((count = file.readUpTo(buffer, sizeof buffer)) > 0) {
         const std::string_view text(buffer, strnlen(buffer, sizeof buffer));
         const size_t keyword = text.find(keyword::kProjectId);
         if (keyword != std::string_view::npos) {
             const size_t equals = text.find('=', keyword);
-            if (equals != std::string_view::npos) {
-                mId = static_cast<uint32_t>(parseDecimal(text.substr(equals + 1)));
+            if (observer != nullptr) {
+                tell(*observer, path, number, text, keyword, equals);
             }
-            return true;
+            return equals == std::string_view::npos
+                           ? 0
+                           : static_cast<uint32_t>(parseDecimal(text.substr(equals + 1)));
         }
-        total += static_cast<size_t>(count);
+        const auto size = static_cast<size_t>(count);
+        number += lineFeeds({buffer, size});
+        total += size;
         if (total >= kMostIdentityBytes) {
-            ALOGE("%s: no index in the first %zu bytes", mFilePath.c_str(), kMostIdentityBytes);
-            return true;
+            complain(path, "no index in the first " + std::to_string(kMostIdentityBytes) + " bytes",
+                     observer);
+            return 0;
         }
     }
     if (count < 0) {
-        const std::string reason = std::generic_category().message(errno);
-        ALOGE("%s: cannot be read: %s", mFilePath.c_str(), reason.c_str());
+        complain(path, "cannot be read: " + std::generic_category().message(errno), observer);
+        return {};
     }
-    return count == 0;
+    return 0;
+}
+
+}  // namespace
+
+ProjectID::ProjectID(const std::string& directory, unsigned int defaultIndex)
+    : mFilePath(pathIn(directory)) {
+    mId = Read().value_or(defaultIndex);
+}
+
+std::optional<uint32_t> ProjectID::read(const std::string& directory, ReadObserver* observer) {
+    const std::string path = pathIn(directory);
+    File file(path);
+    if (file.isOpen()) {
+        return readFrom(file, path, observer);
+    }
+    if (!file.isMissing()) {
+        complain(path, "cannot be read: " + file.reason(), observer);
+    }
+    return {};
+}
+
+std::optional<uint32_t> ProjectID::Read() const {
+    // Opened for writing too, so that the log tells now whether a later change can be stored.
+    File file(mFilePath, O_RDWR);
+    if (file.isOpen()) {
+        return readFrom(file, mFilePath);
+    }
+    if (file.isMissing() && createFile(mFilePath, "") == Saved::DONE) {
+        return 0;
+    }
+    ALOGD("Open %s fail!", mFilePath.c_str());
+    File readOnly(mFilePath);
+    return readOnly.isOpen() ? readFrom(readOnly, mFilePath) : std::nullopt;
 }
 
 bool ProjectID::SetId(unsigned int index, const std::string& /* processName */, int /* pid */) {

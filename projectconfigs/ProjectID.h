@@ -2,9 +2,11 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "common/File.h"
+#include "common/ReadObserver.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -30,6 +32,17 @@ class ProjectID {
      */
     ProjectID(const std::string& directory, unsigned int defaultIndex);
 
+    /**
+     * Reads the index as the constructor does, but creates nothing and needs no right to write.
+     *
+     * @param directory  the folder of the file, without a "/" at its end
+     * @param observer   hears of the line that has the word "PROJECT_ID", and why the file cannot
+     *                   be read; null for none
+     * @return the index, 0 if the file has none; nullopt if it is missing or cannot be read
+     */
+    static std::optional<uint32_t> read(const std::string& directory,
+                                        ReadObserver* observer = nullptr);
+
     /** The current index. */
     unsigned int Get() const { return mId; }
 
@@ -49,8 +62,7 @@ class ProjectID {
     static bool WriteTestLog(const char* /* text */) { return true; }
 
   private:
-    bool Read();
-    bool ReadFrom(File& file);
+    std::optional<uint32_t> Read() const;
 
     const std::string mFilePath;
     std::atomic<uint32_t> mId = 0;

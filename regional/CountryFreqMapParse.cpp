@@ -204,6 +204,7 @@ void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XM
     const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("loadCountryFreqMapXML without country name");
+        file.tellProblem(block, "country without COUNTRY_NAME, skipped");
         file.tell(block, LineUse::IGNORED, {});
         return;
     }

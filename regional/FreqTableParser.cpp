@@ -23,6 +23,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 constexpr int32_t kDefaultBandwidth = 6000000;
+constexpr std::string_view kComment = "//";
 
 // Removes and returns the next piece: up to its line feed, the limit or the end. A NUL byte ends
 // the returned text, as in a fixed buffer.
@@ -45,15 +46,26 @@ std::string_view nextColumn(std::string_view& piece) {
     return column;
 }
 
-// Tells what became of a piece, and moves `read` to the next one.
+bool isComment(std::string_view piece) {
+    return piece.substr(0, kComment.size()) == kComment;
+}
+
+// Tells what became of a piece, and moves `read` to the next one. `taken` is the piece as the file
+// has it, `rest` what follows in the file.
 void tellPiece(ReadObserver& observer, std::string_view piece, std::string_view taken,
-               ReadLine& read) {
+               std::string_view rest, bool isChannel, ReadLine& read) {
     const bool endsLine = taken.back() == '\n';
-    read.text = piece.substr(0, piece.find('\n'));
-    read.isCut = !endsLine && taken.size() == kPlanPieceSize;
-    read.hasNul = piece.size() < taken.size();
-    std::string_view columns = piece;
+    std::string_view columns = isComment(piece) ? "" : piece;
     read.key = nextColumn(columns);
+    read.use = LineUse::IGNORED;
+    if (isChannel) {
+        read.use = LineUse::ITEM;
+    } else if (read.key.empty()) {
+        read.use = LineUse::NOTHING;
+    }
+    read.text = piece.substr(0, piece.find('\n'));
+    read.isCut = !endsLine && !rest.empty();
+    read.hasNul = piece.size() < taken.size();
     observer.onLine(read);
     read.column = endsLine ? 1 : read.column + taken.size();
     read.number += endsLine ? 1 : 0;
@@ -124,20 +136,18 @@ bool FreqTableParser::ParseFreqTable(const std::string& path,
     read.path = path;
     read.number = 1;
     for (std::string_view rest = text; !rest.empty();) {
-        const std::string_view before = rest;
+        const std::string_view unread = rest;
         const std::string_view piece = takePiece(rest);
-        const std::string_view taken = before.substr(0, before.size() - rest.size());
-        read.use = LineUse::NOTHING;
-        if (piece.size() >= 2 && piece.substr(0, 2) != "//") {
+        const std::string_view taken = unread.substr(0, unread.size() - rest.size());
+        const size_t before = items.size();
+        if (piece.size() >= 2 && !isComment(piece)) {
             const HidlFreqListItem item = parsePiece(piece);
-            const bool isChannel = item.frequency >= 1;
-            read.use = isChannel ? LineUse::ITEM : LineUse::IGNORED;
-            if (isChannel) {
+            if (item.frequency >= 1) {
                 items.push_back(item);
             }
         }
         if (mData.observer != nullptr) {
-            tellPiece(*mData.observer, piece, taken, read);
+            tellPiece(*mData.observer, piece, taken, rest, items.size() > before, read);
         }
     }
     return true;

@@ -31,17 +31,15 @@ ReadResult readListFile(const std::string& path, const std::function<void(std::s
             reader.tell(line, LineUse::NOTHING);
             continue;
         }
-        ReadLine read;
-        read.key = line.substr(std::min(line.find_first_not_of(','), line.size()));
-        if (read.key.empty()) {
+        std::string_view entry = line.substr(std::min(line.find_first_not_of(','), line.size()));
+        if (entry.empty()) {
             reader.complain("nothing but commas, line skipped");
             reader.tell(line, LineUse::IGNORED);
             continue;
         }
-        read.key = read.key.substr(0, read.key.find(','));
-        take(read.key);
-        read.use = LineUse::ITEM;
-        reader.tell(line, read);
+        entry = entry.substr(0, entry.find(','));
+        take(entry);
+        reader.tellItem(line, entry, "");
     }
     return reader.failed() ? ReadResult::UNREADABLE : ReadResult::DONE;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/ItemStore.h"
@@ -69,8 +71,8 @@ class TvSysMapCfgHolder {
     /**
      * @param partitions  the set's mount points
      * @param properties  decide whether loaded data is logged; must outlive the holder
-     * @param data        has the names of countries, to which unknown ones are added; must outlive
-     *                    the holder
+     * @param data        has the names of countries, to which unknown ones are added, and the
+     *                    observer; must outlive the holder
      */
     TvSysMapCfgHolder(Partitions partitions, const Properties& properties, RegionalData& data);
     virtual ~TvSysMapCfgHolder() = default;
@@ -112,6 +114,16 @@ class TvSysMapCfgHolder {
      */
     void parseCountryId();
 
+    /**
+     * Reads the saved country as parseCountryId does, but writes nothing.
+     *
+     * @return the country, kNoCountry if the file has none; nullopt if there is no file
+     */
+    std::optional<_tv_country> savedCountry() const;
+
+    /** Returns the country of the first record of the loaded map; kNoCountry without a map. */
+    _tv_country firstCountry() const;
+
     /** Saves the country and brings it to storage. @return false for kNoCountry and on failure */
     bool saveCountryId(_tv_country country);
 
@@ -151,8 +163,9 @@ class TvSysMapCfgHolder {
     bool moveToTvconfigs(std::string& path) const;
     const CoutryTvConfigMap* recordOf(_tv_country country) const;
     void addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element);
+    bool hasItem(std::string_view tvSysName, const char* category, const char* key) const;
     void addCountry(const XmlFile& file, const tinyxml2::XMLElement& block);
-    void readCountryId(const std::string& path);
+    _tv_country readCountryId(const std::string& path) const;
     void writeFirstCountryId(const std::string& path);
 
     const Partitions mPartitions;

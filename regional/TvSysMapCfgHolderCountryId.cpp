@@ -12,6 +12,7 @@
 
 #include "common/Decimal.h"
 #include "common/LineReader.h"
+#include "common/Paths.h"
 #include "common/SaveFile.h"
 #include "regional/LogLines.h"
 #include "regional/RegionalNames.h"
@@ -75,41 +76,59 @@ void TvSysMapCfgHolder::parseCountryId() {
           path.c_str(), exists ? 1 : 0, exists ? 0 : 1);
     mCountryIdx = kNoCountry;
     if (exists) {
-        readCountryId(path);
+        mCountryIdx = readCountryId(path);
     } else {
         writeFirstCountryId(path);
     }
     ALOGD("[%s:%d] mCountryIdx=%d", __func__, log_line::kIdInUse, static_cast<int>(mCountryIdx));
 }
 
-void TvSysMapCfgHolder::readCountryId(const std::string& path) {
-    LineReader reader(path, kListBufferSize, LOG_TAG, kMostIdentityBytes);
+std::optional<_tv_country> TvSysMapCfgHolder::savedCountry() const {
+    const std::lock_guard<std::mutex> fileLock(fileMutex());
+    const std::string path = filePath(getCountryBinFolderPath());
+    return pathExists(path) ? std::optional(readCountryId(path)) : std::nullopt;
+}
+
+_tv_country TvSysMapCfgHolder::firstCountry() const {
+    return mCountryList.empty() ? kNoCountry : mCountryList.front();
+}
+
+// The first line with the keyword counts, even if it has no country. Runs with the file's mutex
+// held.
+_tv_country TvSysMapCfgHolder::readCountryId(const std::string& path) const {
+    LineReader reader(path, kListBufferSize, LOG_TAG, kMostIdentityBytes, mData.observer);
     if (!reader.isOpen()) {
         ALOGE("[%s:%d] Open %s failed!", "parseCountryId", log_line::kIdNotRead, path.c_str());
-        return;
+        return kNoCountry;
     }
     std::string_view line;
+    std::string_view value;
     while (reader.next(line)) {
-        if (line.find(kCountryIdKeyword) != std::string_view::npos) {
-            std::string_view value;
-            if (reader.valueOf(line, value)) {
-                mCountryIdx = _tv_country{parseDecimal(value)};
-            }
-            return;
+        if (line.find(kCountryIdKeyword) == std::string_view::npos) {
+            reader.tell(line, LineUse::NOTHING);
+            continue;
         }
+        if (!reader.valueOf(line, value)) {
+            reader.tell(line, LineUse::IGNORED);
+            return kNoCountry;
+        }
+        reader.tellItem(line, kCountryIdKeyword, value);
+        return _tv_country{parseDecimal(value)};
     }
+    return kNoCountry;
 }
 
 void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
     // Without a map no file is created, so that a later start with a map saves its first country.
-    if (mCountryList.empty()) {
+    const _tv_country first = firstCountry();
+    if (first == kNoCountry) {
         return;
     }
     // Not saveFile: a file that is only inaccessible now has the country of this set.
-    const Saved saved = createFile(path, lineOf(mCountryList.front()));
+    const Saved saved = createFile(path, lineOf(first));
     complain(path, saved, "parseCountryId", log_line::kIdNotWritten);
     if (saved != Saved::NOT_OPENED) {
-        mCountryIdx = mCountryList.front();
+        mCountryIdx = first;
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -125,9 +126,22 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
         }
         const ItemStore::Section section = system.configs.section(category);
         read.isNew = system.configs.insert(section, key, patchToTargetBoardPath(value)).isNew;
-        file.tell(*item, LineUse::ITEM, read);
+        if (file.isObserved()) {
+            read.isNew = read.isNew && !hasItem(type, category, key);
+            file.tell(*item, LineUse::ITEM, read);
+        }
     }
     mTvSysToConfigMap.push_back(std::move(system));
+}
+
+// True if one of the TV systems of this name that precede in the file has the item.
+bool TvSysMapCfgHolder::hasItem(std::string_view tvSysName, const char* category,
+                                const char* key) const {
+    return std::any_of(mTvSysToConfigMap.begin(), mTvSysToConfigMap.end(),
+                       [&](const TvSysToConfigMap& system) {
+                           return system.tvSysName == tvSysName &&
+                                  system.configs.find(category, key) != ItemStore::kNone;
+                       });
 }
 
 bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
@@ -167,6 +181,7 @@ void TvSysMapCfgHolder::addCountry(const XmlFile& file, const tinyxml2::XMLEleme
     const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
+        file.tellProblem(block, "country without COUNTRY_NAME, skipped");
         file.tell(block, LineUse::IGNORED, {});
         return;
     }

@@ -57,6 +57,8 @@ size_t mostAttributes(std::string_view text) {
 // What the XML reader expected where it gave up.
 const char* expectationOf(tinyxml2::XMLError error) {
     switch (error) {
+        case tinyxml2::XML_ERROR_PARSING:
+            return "the file ends within an element that begins here";
         case tinyxml2::XML_ERROR_PARSING_ELEMENT:
             return "a tag is not closed by \">\"";
         case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
@@ -127,10 +129,10 @@ tinyxml2::XMLError XmlFile::load() {
     }
     const tinyxml2::XMLError error = mDocument.Parse(text.data(), text.size());
     if (error != tinyxml2::XML_SUCCESS) {
-        ALOGE("%s:%d: no well-formed XML", mPath.c_str(), mDocument.ErrorLineNum());
+        const std::string problem = std::string("no well-formed XML: ") + expectationOf(error);
+        ALOGE("%s:%d: %s", mPath.c_str(), mDocument.ErrorLineNum(), problem.c_str());
         if (isObserved()) {
-            mObserver->onProblem(mPath, static_cast<size_t>(mDocument.ErrorLineNum()),
-                                 std::string("no well-formed XML: ") + expectationOf(error));
+            mObserver->onProblem(mPath, static_cast<size_t>(mDocument.ErrorLineNum()), problem);
         }
     }
     return error;
@@ -138,6 +140,10 @@ tinyxml2::XMLError XmlFile::load() {
 
 void XmlFile::complain(const tinyxml2::XMLElement& element, const std::string& problem) const {
     ALOGE("%s:%d: %s", mPath.c_str(), element.GetLineNum(), problem.c_str());
+    tellProblem(element, problem);
+}
+
+void XmlFile::tellProblem(const tinyxml2::XMLElement& element, std::string_view problem) const {
     if (isObserved()) {
         mObserver->onProblem(mPath, static_cast<size_t>(element.GetLineNum()), problem);
     }
@@ -151,7 +157,7 @@ void XmlFile::tell(const tinyxml2::XMLElement& element, LineUse use, ReadLine re
     read.number = static_cast<size_t>(element.GetLineNum());
     read.column = 0;
     read.use = use;
-    if (read.key.empty()) {
+    if (read.key.data() == nullptr) {
         read.key = element.Name();
     }
     mObserver->onLine(read);

@@ -35,6 +35,9 @@ class XmlFile {
     /** Logs an error about an element: "path:line: problem". */
     void complain(const tinyxml2::XMLElement& element, const std::string& problem) const;
 
+    /** Tells the observer, if there is one, of a problem that the caller logs in words of its own. */
+    void tellProblem(const tinyxml2::XMLElement& element, std::string_view problem) const;
+
     /** True if somebody wants to hear what becomes of the elements. */
     bool isObserved() const { return mObserver != nullptr; }
 
@@ -42,8 +45,8 @@ class XmlFile {
      * Tells the observer, if there is one, what became of an element.
      *
      * @param use   what became of it
-     * @param read  the rest: owner, section, key, value and whether the item is new. An empty key
-     *              becomes the element's name
+     * @param read  the rest: owner, section, key, value and whether the item is new. A key that was
+     *              not set becomes the element's name
      */
     void tell(const tinyxml2::XMLElement& element, LineUse use, ReadLine read) const;
 
@@ -52,7 +55,7 @@ class XmlFile {
      *
      * @param end    the sibling to stop at; null for all of them
      * @param first  the first sibling
-     * @param owner  the TV system that they belong to
+     * @param owner  the TV system that they belong to; empty for none
      */
     void tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
                            std::string_view owner = "") const;

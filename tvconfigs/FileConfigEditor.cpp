@@ -83,7 +83,7 @@ class FileConfigEditor::Lines {
         mRead.path = path;
     }
 
-    /** Tells the observer, if there is one, what became of the present line. */
+    /** Moves to the next line and tells the observer, if there is one, what became of it. */
     void tell(const std::string& line, LineUse use, const Item* item = nullptr) {
         ++mRead.number;
         if (mObserver == nullptr) {
@@ -95,8 +95,13 @@ class FileConfigEditor::Lines {
         mRead.value = item != nullptr ? std::string_view(item->second) : "";
         mObserver->onLine(mRead);
     }
-    /** Tells that the file is not read from the present line on. */
+    /** The same for a line that is too long, or has a NUL, and so ends the reading. */
     void tellEnd(const std::string& line, bool isTooLong) {
+        if (isTooLong && mObserver != nullptr) {
+            mObserver->onProblem(mRead.path, mRead.number + 1,
+                                 "line longer than " + std::to_string(kLineSize - 1) +
+                                         " bytes, the file is read up to it");
+        }
         mRead.isCut = isTooLong;
         mRead.hasNul = !isTooLong;
         tell(line, LineUse::LOST);
@@ -117,6 +122,9 @@ bool FileConfigEditor::Update(const char* path) {
     File file(name);
     if (!file.isOpen()) {
         ALOGE("ERROR: Open %s fail!", name.c_str());
+        if (mObserver != nullptr && !file.isMissing()) {
+            mObserver->onProblem(name, 0, "cannot be read: " + file.reason());
+        }
         return false;
     }
     // An error line on purpose: every filter shows which file is in use.

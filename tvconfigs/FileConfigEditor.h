@@ -33,8 +33,8 @@ class FileConfigEditor : public ConfigEditor {
     /**
      * Reads the file, as Update() does.
      *
-     * @param path  the file that is read and later written. At most 127 characters of it are used;
-     *              null is the empty path
+     * @param path      the file that is read and later written. At most 127 characters of it are
+     *                  used; null is the empty path
      * @param observer  hears of every line that is read; must outlive the object; null for none
      */
     explicit FileConfigEditor(const char* path, ReadObserver* observer = nullptr);

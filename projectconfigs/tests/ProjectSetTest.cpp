@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common/testing/FixedProperties.h"
+#include "common/testing/RecordedLines.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/TempDir.h"
 
@@ -112,6 +113,44 @@ TEST_F(ProjectSetTest, UnknownNamesStayWithTheirSet) {
     EXPECT_EQ(name, "AMERICA");
     EXPECT_TRUE(dataB.countries.getCountryName(_tv_country{0}, name));
     EXPECT_EQ(name, "ANDORRA");
+}
+
+TEST_F(ProjectSetTest, EachReaderOfASetTellsItsObserver) {
+    RecordedLines heard;
+    RegionalData data([this] { return partitions(); }, &heard);
+    const auto path = [this](const std::string& name) { return mDir.path("tvconfigs/" + name); };
+    write("other.ini", "SYS_INI=/tvconfigs/sys.ini\n");
+    write("model/A.ini",
+          "[COUNTRY]\ntvSysMap=/tvconfigs/systems.xml\n"
+          "COUNTRY_PATH=/tvconfigs/list.txt\n"
+          "[TV_LANGUAGE]\nLANGUAGE_PATH=/tvconfigs/languages.txt\n"
+          "[FREQTABLE]\nFREQ_TABLE_PATH=/tvconfigs/freqtables\n"
+          "[AUDIO]\nAUDIO_CONFIG_PATH=/tvconfigs/audio/a.ini\n"
+          "AUDIO_CONFIG_IC_PATH=/tvconfigs/audio/ic.ini\n"
+          "AUDIO_CONFIG_AVR_PATH=/tvconfigs/audio/avr.ini\n"
+          "[KARAOKE]\nKARAOKE_CONFIG_PATH=/tvconfigs/karaoke.ini\n"
+          "[KEY]\nKEY_CONFIG_PATH=/tvconfigs/keys.ini\n"
+          "[DDCCI]\nCUSTOMER_DDCCI_PATH=/tvconfigs/ddcci.ini\n");
+    for (const char* name : {"audio/ic.ini", "audio/avr.ini", "keys.ini", "ddcci.ini"}) {
+        write(name, "[A]\nb=1\n");
+    }
+    write("languages.txt", "en\n");
+    const ProjectSet set(partitions(), mProperties, data,
+                         {1, "/tvconfigs/board/one.ini", kGermany, path("other.ini")}, &heard);
+    EXPECT_THAT(heard.files(),
+                ElementsAre(path("other.ini"), path("sys.ini"), path("model/A.ini"),
+                            path("board/one.ini"), path("audio/a.ini"), path("audio/ic.ini"),
+                            path("audio/avr.ini"), path("audio/audio_chip.ini"),
+                            path("karaoke.ini"), path("keys.ini"), path("ddcci.ini"),
+                            path("systems.xml"), path("countries.xml")));
+    heard.clear();
+    EXPECT_EQ(set.region().countries().size(), 3U);
+    EXPECT_EQ(set.region().languages().size(), 1U);
+    EXPECT_EQ(set.region().plan(kGermany, FreqTableType::DTV_ANTENNA, AtscCableType::AUTO).size(),
+              1U);
+    EXPECT_THAT(heard.files(),
+                ElementsAre(path("list.txt"), path("languages.txt"),
+                            path("freqtables/country_freq_map.xml"), path("freqtables/dtv/eu")));
 }
 
 TEST_F(ProjectSetTest, TwoProductLinesSideBySide) {

@@ -224,7 +224,8 @@ TEST_F(CountryFreqMapParseTest, AMissingOrBrokenFileIsTriedAgain) {
     const std::string path = writeFreqMap("<COUNTRY_FREQ_MAP>\n");
     EXPECT_EQ(lookUp(kUsa, kDtvAntenna), "no: untouched");
     EXPECT_THAT(errors(),
-                ElementsAre(path + ":1: no well-formed XML",
+                ElementsAre(path + ":1: no well-formed XML: the file ends within an element that "
+                                   "begins here",
                             "loadCountryFreqMapXML LoadFile fail, error XML_ERROR_PARSING"));
     EXPECT_THAT(debugLines(), Contains("GetFreqTableNameByCountryName read success: 0"));
     writeFreqMap(block("USA", "<DTV_ANTENA>u</DTV_ANTENA>"));

@@ -73,7 +73,9 @@ TEST_F(XmlFileTest, NamesItsErrors) {
     EXPECT_EQ(errorOf("  \n"), "XML_ERROR_EMPTY_DOCUMENT");
     mLog.clear();
     EXPECT_EQ(errorOf("<A>\n<B></A>"), "XML_ERROR_MISMATCHED_ELEMENT");
-    EXPECT_THAT(errors(), ElementsAre(mDir.path("file.xml") + ":2: no well-formed XML"));
+    EXPECT_THAT(errors(), ElementsAre(mDir.path("file.xml") +
+                                      ":2: no well-formed XML: an element that begins here is not "
+                                      "closed by a tag of its own name"));
 }
 
 TEST_F(XmlFileTest, OpensOnlyRegularFiles) {
