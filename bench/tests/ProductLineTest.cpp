@@ -30,8 +30,8 @@ TEST(ProductLineTest, LastModelIsSelected) {
     int32_t project = 0;
     EXPECT_TRUE(service->getProjectId([&](const OptionalInt32& answer) { project = answer.value; })
                         .isOk());
-    EXPECT_EQ(20, project);
-    EXPECT_EQ(kPanelName, panelName(*service));
+    EXPECT_EQ(project, 20);
+    EXPECT_EQ(panelName(*service), kPanelName);
 }
 
 // Every file that a start reads is there: a start on an incomplete set would be too cheap.

@@ -23,7 +23,7 @@ class SizesTest : public ::testing::TestWithParam<size_t> {};
 
 TEST_P(SizesTest, FileHasSoManyLines) {
     const ProjectText project = projectOfLines(GetParam());
-    EXPECT_EQ(GetParam(), project.lines);
+    EXPECT_EQ(project.lines, GetParam());
     EXPECT_EQ(GetParam(), linesOf(project.text));
     // The other lines are sections, comments and empty lines, as in real files.
     EXPECT_GT(project.items.size(), GetParam() * 6 / 10);
@@ -33,12 +33,12 @@ TEST_P(SizesTest, FileHasSoManyLines) {
 TEST_P(SizesTest, FileHasSoManyItemsAndNoneTwice) {
     const ProjectText project = projectOfItems(GetParam());
     EXPECT_EQ(project.lines, linesOf(project.text));
-    ASSERT_EQ(GetParam(), project.items.size());
+    ASSERT_EQ(project.items.size(), GetParam());
     std::set<std::pair<std::string, std::string>> keys;
     for (const Item& item : project.items) {
         keys.emplace(item.category, item.key);
     }
-    EXPECT_EQ(GetParam(), keys.size());
+    EXPECT_EQ(keys.size(), GetParam());
 }
 
 TEST_P(SizesTest, StoreHoldsJustItsItems) {
@@ -55,7 +55,7 @@ TEST_P(SizesTest, StoreHoldsJustItsItems) {
         if (value.rfind("/tvconfigs", 0) == 0) {
             value.replace(0, 10, tvconfigs);
         }
-        EXPECT_EQ(value, parser.getInfo(ConfigKey(item.category, item.key))) << item.key;
+        EXPECT_EQ(parser.getInfo(ConfigKey(item.category, item.key)), value) << item.key;
     }
     size_t held = 0;
     for (const std::string& category : categories) {

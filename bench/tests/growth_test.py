@@ -29,20 +29,20 @@ class GrowthTest(unittest.TestCase):
 
     def test_exponents_of_known_laws(self):
         sizes = [10, 100, 1000]
-        self.assertEqual(1, growth.exponent(sizes, [7 * size for size in sizes]))
-        self.assertEqual(2, growth.exponent(sizes, [size * size for size in sizes]))
-        self.assertEqual(0, growth.exponent(sizes, [3, 3, 3]))
+        self.assertEqual(growth.exponent(sizes, [7 * size for size in sizes]), 1)
+        self.assertEqual(growth.exponent(sizes, [size * size for size in sizes]), 2)
+        self.assertEqual(growth.exponent(sizes, [3, 3, 3]), 0)
 
     def test_least_disturbed_round_counts_and_sizes_ascend_as_numbers(self):
         parse = self.series["growth-parse"]
-        self.assertEqual([500, 5000, 50000], parse["sizes"])
-        self.assertEqual([50000, 490000, 4900000], parse["ours"])
-        self.assertEqual([80000, 81000], self.series["growth-calls"]["ours"])
-        self.assertAlmostEqual(0.996, parse["exponent"], places=3)
-        self.assertEqual(1, parse["limit_exponent"])
+        self.assertEqual(parse["sizes"], [500, 5000, 50000])
+        self.assertEqual(parse["ours"], [50000, 490000, 4900000])
+        self.assertEqual(self.series["growth-calls"]["ours"], [80000, 81000])
+        self.assertAlmostEqual(parse["exponent"], 0.996, places=3)
+        self.assertEqual(parse["limit_exponent"], 1)
 
     def test_what_hardly_grows_has_a_small_exponent(self):
-        self.assertAlmostEqual(0.15, self.series["growth-lookup"]["exponent"], places=2)
+        self.assertAlmostEqual(self.series["growth-lookup"]["exponent"], 0.15, places=2)
 
     def test_more_answers_a_second_cost_less_each(self):
         calls = self.series["growth-calls"]
@@ -93,11 +93,11 @@ class PictureTest(unittest.TestCase):
                 self.assertIn(one, classes | {"small", "head", "bold", "stroke"})
 
     def test_every_series_has_a_line(self):
-        self.assertEqual({series.family for series in growth.SERIES}, set(picture.LINES))
+        self.assertEqual(set(picture.LINES), {series.family for series in growth.SERIES})
 
     def test_rows_that_are_drawn_exist(self):
         drawn = {row.name: row for row in report.ROWS if row.name in picture.ROWS}
-        self.assertEqual(set(picture.ROWS), set(drawn))
+        self.assertEqual(set(drawn), set(picture.ROWS))
         self.assertFalse([name for name, row in drawn.items() if row.goal is None])
 
     def test_either_panel_alone_is_a_picture(self):
@@ -106,8 +106,8 @@ class PictureTest(unittest.TestCase):
 
     def test_words_lie_apart(self):
         labels = [(100, "first 1"), (104, "second 2"), (300, "far away 3")]
-        self.assertEqual([0, 1, 0], [lane for _, _, lane in picture.lanes(labels)])
-        self.assertEqual([60, 98, 136], picture.apart([100, 100, 130], 38, 60, 136))
+        self.assertEqual([lane for _, _, lane in picture.lanes(labels)], [0, 1, 0])
+        self.assertEqual(picture.apart([100, 100, 130], 38, 60, 136), [60, 98, 136])
 
 
 if __name__ == "__main__":

@@ -41,8 +41,8 @@ TEST(TextHashTest, ReadsNothingBesideTheText) {
         }
         const std::string surrounded = "<" + text + ">";
         const uint64_t hash = hashText({exact.get(), size}, 7);
-        EXPECT_EQ(hash, hashText(text, 7));
-        EXPECT_EQ(hash, hashText(std::string_view(surrounded).substr(1, size), 7)) << size;
+        EXPECT_EQ(hashText(text, 7), hash);
+        EXPECT_EQ(hashText(std::string_view(surrounded).substr(1, size), 7), hash) << size;
     }
 }
 

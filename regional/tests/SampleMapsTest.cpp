@@ -183,7 +183,7 @@ TEST_F(SampleMapsTest, ANewSetStartsInTheCountryOfItsModel) {
                       "\"/tvconfigs/tvsysmap/tvsys_" + std::string(region.name) + ".xml\"");
             EXPECT_EQ(items.at("[FREQTABLE] FREQ_TABLE_PATH"), "\"/tvconfigs/freqtables\"");
             const std::string own = items.at("[LiveTV] TvConfig");
-            EXPECT_EQ("\"" + holder.getTvConfigName(holder.currentCountry()) + "\"", own)
+            EXPECT_EQ(own, "\"" + holder.getTvConfigName(holder.currentCountry()) + "\"")
                     << "a set that has no country yet uses the same file";
         }
     }

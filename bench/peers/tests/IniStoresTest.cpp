@@ -60,12 +60,12 @@ TYPED_TEST(IniStoresTest, HoldsAllItems) {
     for (auto& [name, value] : held) {
         value = cleaned(value);
     }
-    EXPECT_EQ(expected, held);
+    EXPECT_EQ(held, expected);
 }
 
 TYPED_TEST(AskedStoresTest, AnswersWithTheValue) {
     for (const Item& item : this->project.items) {
-        EXPECT_EQ(item.value, cleaned(textOf(this->store.getInfo(questionOf(item)))));
+        EXPECT_EQ(cleaned(textOf(this->store.getInfo(questionOf(item)))), item.value);
     }
 }
 

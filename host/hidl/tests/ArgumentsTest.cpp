@@ -104,7 +104,7 @@ TEST_F(ArgumentsTest, TextsKeepEveryByte) {
             std::string(8, 'z'),
     };
     for (const std::string& sent : rows) {
-        EXPECT_EQ(sent, echoed(sent));
+        EXPECT_EQ(echoed(sent), sent);
     }
 }
 
@@ -141,7 +141,7 @@ TEST_F(ArgumentsTest, MatrixKeepsItsPlaces) {
                                      ++calls;
                                      for (size_t row = 0; row < 2; ++row) {
                                          for (size_t column = 0; column < 3; ++column) {
-                                             EXPECT_EQ(sent[row][column], turned[column][row]);
+                                             EXPECT_EQ(turned[column][row], sent[row][column]);
                                          }
                                      }
                                  })
@@ -224,21 +224,21 @@ Record makeRecord(const std::string& name, int number) {
 void expectRecord(const Record& got, const std::string& name, int number) {
     EXPECT_EQ(name, got.name);
     ASSERT_EQ(got.path.size(), 2U);
-    EXPECT_EQ((Point{number, number + 1}), got.path[0]);
-    EXPECT_EQ((Point{-number, 0}), got.path[1]);
-    EXPECT_EQ(static_cast<uint8_t>(number + 3), got.tag[3]);
+    EXPECT_EQ(got.path[0], (Point{number, number + 1}));
+    EXPECT_EQ(got.path[1], (Point{-number, 0}));
+    EXPECT_EQ(got.tag[3], static_cast<uint8_t>(number + 3));
     ASSERT_EQ(got.notes.size(), 2U);
-    EXPECT_EQ(name + " noted", got.notes[1]);
+    EXPECT_EQ(got.notes[1], name + " noted");
     ASSERT_NE(got.h.getNativeHandle(), nullptr);
     ASSERT_EQ(got.h->numFds, 1);
     ASSERT_EQ(got.h->numInts, 1);
-    EXPECT_EQ(name + " in a file", contentOf(got.h->data[0]));
-    EXPECT_EQ(number, (&got.h->data[0])[1]);
+    EXPECT_EQ(contentOf(got.h->data[0]), name + " in a file");
+    EXPECT_EQ((&got.h->data[0])[1], number);
     EXPECT_EQ(got.m.name(), "ashmem");
-    EXPECT_EQ(name.size() + 10, got.m.size());
+    EXPECT_EQ(got.m.size(), name.size() + 10);
     ASSERT_NE(got.m.handle(), nullptr);
-    EXPECT_EQ(name + " in memory", contentOf(got.m.handle()->data[0]));
-    EXPECT_EQ(static_cast<float>(number) / 4, got.grid[1][2]);
+    EXPECT_EQ(contentOf(got.m.handle()->data[0]), name + " in memory");
+    EXPECT_EQ(got.grid[1][2], static_cast<float>(number) / 4);
     EXPECT_EQ(got.grid[0][0], 0.0F);
     EXPECT_EQ(got.c, Colour::BLUE);
 }
@@ -302,7 +302,7 @@ TEST_F(ArgumentsTest, OnewayCallsKeepTheirOrderWithTheNextCall) {
     }
     std::vector<int32_t> got;
     ASSERT_TRUE(mService->poked([&](const hidl_vec<int32_t>& n) { got = n; }).isOk());
-    EXPECT_EQ(expected, got);
+    EXPECT_EQ(got, expected);
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST_F(CallLimitTest, CountsForWaitingForAConnection) {
     const auto bad = server("500");
     const auto client = listen();
     const std::vector<uint8_t> bytes = answerBytes();
-    ASSERT_EQ(static_cast<ssize_t>(bytes.size()), write(mOurs.get(), bytes.data(), bytes.size()));
+    ASSERT_EQ(write(mOurs.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     ASSERT_EQ(client->replyStatus(), OK);
     // The server keeps the listener, which has one connection: one call is sent, the others wait.
     std::vector<std::future<int32_t>> calls;
@@ -159,7 +159,7 @@ TEST_F(CallLimitTest, ThreadsOfThePoolHaveOne) {
     ASSERT_NE(pool.add(probe, true), 0U);
     pool.start();
     probe->trigger();
-    ASSERT_EQ(std::future_status::ready, limit.wait_for(seconds(20)));
+    ASSERT_EQ(limit.wait_for(seconds(20)), std::future_status::ready);
     EXPECT_LE(limit.get(), seconds(5));
 }
 

@@ -62,7 +62,7 @@ TEST_F(DeathTest, RecipientHearsWithItsCookie) {
     mServer->kill();
     ASSERT_TRUE(mRecipient->heard(1));
     EXPECT_EQ(mRecipient->cookies(), std::vector<uint64_t>{0xfeedULL << 32U});
-    EXPECT_EQ(sp<IBase>(mService), mRecipient->who());
+    EXPECT_EQ(mRecipient->who(), sp<IBase>(mService));
 }
 
 TEST_F(DeathTest, EveryLinkIsHeardOfOnce) {

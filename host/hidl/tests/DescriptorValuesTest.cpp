@@ -51,7 +51,7 @@ TEST(HidlHandleTest, CopyHasDescriptorsOfItsOwn) {
     {
         const hidl_handle original = fileHandle("kept");
         copy = original;
-        EXPECT_NE(original->data[0], copy->data[0]);
+        EXPECT_NE(copy->data[0], original->data[0]);
         const hidl_handle& itself = copy;
         copy = itself;
     }
@@ -71,7 +71,7 @@ TEST(HidlHandleTest, MoveHandsTheDescriptorsOver) {
     const int descriptor = source->data[0];
     hidl_handle target(std::move(source));
     EXPECT_EQ(source.getNativeHandle(), nullptr);
-    EXPECT_EQ(descriptor, target->data[0]);
+    EXPECT_EQ(target->data[0], descriptor);
     hidl_handle& itself = target;
     target = std::move(itself);
     EXPECT_TRUE(isOpen(descriptor));
@@ -83,16 +83,16 @@ TEST(HidlMemoryTest, CopiesAndMoves) {
     hidl_memory original = memoryWith("content");
     const int descriptor = original.handle()->data[0];
     hidl_memory copy(original);
-    EXPECT_NE(descriptor, copy.handle()->data[0]);
+    EXPECT_NE(copy.handle()->data[0], descriptor);
     EXPECT_EQ(contentOf(copy.handle()->data[0]), "content");
     EXPECT_EQ(copy.name(), "ashmem");
     EXPECT_EQ(copy.size(), 7U);
     copy = std::move(original);
-    EXPECT_EQ(descriptor, copy.handle()->data[0]);
+    EXPECT_EQ(copy.handle()->data[0], descriptor);
     EXPECT_FALSE(original.valid());
     EXPECT_EQ(original.size(), 0U);
     const hidl_memory moved(std::move(copy));
-    EXPECT_EQ(descriptor, moved.handle()->data[0]);
+    EXPECT_EQ(moved.handle()->data[0], descriptor);
     EXPECT_EQ(::android::hardware::toString(moved), "memory \"ashmem\" of 7 bytes");
     EXPECT_FALSE(hidl_memory().valid());
 }

@@ -30,7 +30,7 @@ class ExhaustionTest : public ::testing::Test {
         broken.descriptors.clear();
         broken.fdCount = 1;
         ASSERT_TRUE(client.send(broken));
-        ASSERT_EQ(::android::BAD_VALUE, client.replyStatus());
+        ASSERT_EQ(client.replyStatus(), ::android::BAD_VALUE);
     }
     static std::vector<unique_fd> files() {
         std::vector<unique_fd> two;

@@ -105,7 +105,7 @@ TEST_F(FoldersTest, DefaultsWithoutTheVariable) {
         } else {
             unsetenv("MLK_RUNTIME_DIR");
         }
-        EXPECT_EQ(mBase + "/session/mlkconfigs", transport::findRuntimeFolder().path);
+        EXPECT_EQ(transport::findRuntimeFolder().path, mBase + "/session/mlkconfigs");
     }
     EXPECT_TRUE(works());
     EXPECT_EQ(modeOf(mBase + "/session/mlkconfigs"), 0700U);
@@ -151,7 +151,7 @@ TEST_F(FoldersTest, FolderOfAnotherUser) {
     ASSERT_EQ(chown(mSet.runtime().c_str(), 65534, 65534), 0);
     const testing::LogCapture log;
     const sp<IEverything> service = new Everything;
-    EXPECT_NE(::android::OK, service->registerAsService("default"));
+    EXPECT_NE(service->registerAsService("default"), ::android::OK);
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
                 ElementsAre(mSet.runtime() + ": the runtime folder belongs to user 65534"));
 }

@@ -75,7 +75,7 @@ TEST_F(HandlesTest, SeveralDescriptorsAndNumbers) {
                                  EXPECT_THAT(std::vector<int>(data + 3, data + 5),
                                              ElementsAre(7, 8));
                                  // Another descriptor, which started programs do not inherit.
-                                 EXPECT_NE((&sent->data[0])[0], data[0]);
+                                 EXPECT_NE(data[0], (&sent->data[0])[0]);
                                  EXPECT_NE(fcntl(data[0], F_GETFD) & FD_CLOEXEC, 0);
                              })
                         .isOk());
@@ -181,8 +181,8 @@ TEST_F(HandlesTest, ThousandCallsLeaveNoDescriptorBehind) {
     for (int i = 0; i < 500; ++i) {
         call();
     }
-    EXPECT_EQ(here, descriptorsOf(getpid()));
-    EXPECT_EQ(there, descriptorsOf(mServer.pid()));
+    EXPECT_EQ(descriptorsOf(getpid()), here);
+    EXPECT_EQ(descriptorsOf(mServer.pid()), there);
 }
 
 TEST_F(HandlesTest, DescriptorThatIsNoneFailsTheCallAndNothingElse) {
@@ -237,7 +237,7 @@ TEST_F(HandlesTest, DescriptorsOfARefusedCallEndWithIt) {
     RawMessage call = fdCall({pipe.in.get()});
     call.objects.clear();  // it belongs to no object
     ASSERT_TRUE(client.send(call));
-    EXPECT_EQ(::android::BAD_VALUE, client.replyStatus());
+    EXPECT_EQ(client.replyStatus(), ::android::BAD_VALUE);
     pipe.in.reset();
     EXPECT_TRUE(ends(pipe));
 }

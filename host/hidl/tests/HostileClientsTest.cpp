@@ -241,7 +241,7 @@ TEST_F(HostileClientsTest, ListenerThatNeverReads) {
     answer.number(0);
     answer.number(1);
     const std::vector<uint8_t> bytes = answer.bytes();
-    ASSERT_EQ(static_cast<ssize_t>(bytes.size()), write(ours.get(), bytes.data(), bytes.size()));
+    ASSERT_EQ(write(ours.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     ASSERT_EQ(attacker->replyStatus(), OK);
     // One-way calls fail when the socket stays full; they do not wait for ever.
     int sent = 0;

@@ -49,7 +49,7 @@ class HostileTest : public ::testing::Test {
         ASSERT_TRUE(length.isOk()) << length.description();
         EXPECT_EQ(static_cast<uint32_t>(length), 4U);
         expectAllThreadsAnswer();
-        EXPECT_EQ(kThreads + 1, threadsOf(mServer.pid()));
+        EXPECT_EQ(threadsOf(mServer.pid()), kThreads + 1);
         EXPECT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) == mDescriptors; }))
                 << mDescriptors << " descriptors before, " << descriptorsOf(mServer.pid())
                 << " now";

@@ -295,7 +295,7 @@ TEST_P(HostileMessagesTest, HarmsNobody) {
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send(GetParam().message()));
     if (GetParam().answer.has_value()) {
-        EXPECT_EQ(GetParam().answer, attacker->replyStatus());
+        EXPECT_EQ(attacker->replyStatus(), GetParam().answer);
         // The connection still works.
         ASSERT_TRUE(attacker->send(textCall("again")));
         EXPECT_EQ(attacker->replyStatus(), OK);

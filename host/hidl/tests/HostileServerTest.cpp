@@ -223,8 +223,8 @@ TEST_P(FailingAnswerTest, FailsItsCallOnly) {
     ASSERT_NE(proxy, nullptr);
     const size_t before = descriptorsOf(getpid());
     const auto called = proxy->text("text", [](const hidl_string& s) { EXPECT_EQ(s, "text"); });
-    EXPECT_EQ(GetParam().description, called.description());
-    EXPECT_EQ(before, descriptorsOf(getpid()));
+    EXPECT_EQ(called.description(), GetParam().description);
+    EXPECT_EQ(descriptorsOf(getpid()), before);
     int answers = 0;
     EXPECT_TRUE(proxy->text("text", [&](const hidl_string&) { ++answers; }).isOk());
     EXPECT_EQ(answers, 1);

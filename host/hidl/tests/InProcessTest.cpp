@@ -54,7 +54,7 @@ TEST(InProcessTest, OneStubForOneImplementation) {
     sp<IBinder> stub = toBinder(one);
     ASSERT_NE(stub, nullptr);
     EXPECT_NE(stub->localBinder(), nullptr);
-    EXPECT_EQ(stub, toBinder(one));
+    EXPECT_EQ(toBinder(one), stub);
     EXPECT_NE(stub, newStub());
     EXPECT_EQ(getOrCreateCachedBinder(nullptr), nullptr);
     // The cache keeps no dead stub: the next one is new.
@@ -142,8 +142,8 @@ TEST(InProcessTest, LocalObjectsHaveNoDeath) {
 
 TEST(InProcessTest, LocalObjectComesBackAsItself) {
     const sp<IEverything> service = new Everything;
-    EXPECT_EQ(service,
-              (fromBinder<IEverything, BpHwEverything, BnHwEverything>(toBinder(service))));
+    EXPECT_EQ((fromBinder<IEverything, BpHwEverything, BnHwEverything>(toBinder(service))),
+              service);
     EXPECT_EQ((fromBinder<IListener, BpHwListener, BnHwListener>(toBinder(service))), nullptr);
     EXPECT_EQ((fromBinder<IListener, BpHwListener, BnHwListener>(nullptr)), nullptr);
 }
@@ -224,7 +224,7 @@ TEST(PassthroughTest, RemoteObjectIsNotWrapped) {
     const testing::HostSet set;
     const Server server;
     const sp<IEverything> service = server.service();
-    EXPECT_EQ(service, wrapPassthrough(service));
+    EXPECT_EQ(wrapPassthrough(service), service);
 }
 
 }  // namespace

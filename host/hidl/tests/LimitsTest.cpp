@@ -49,7 +49,7 @@ TEST_F(LimitsTest, CallAtTheLimitAndAbove) {
     const size_t frame = alignedToEight(strlen(IEverything::descriptor) + 1) +
                          2 * sizeof(WireObject) + sizeof(hidl_string);
     const size_t longest = kMaxCallBody - frame - 1;
-    EXPECT_EQ(longest, static_cast<uint32_t>(mService->length(std::string(longest, 'x'))));
+    EXPECT_EQ(static_cast<uint32_t>(mService->length(std::string(longest, 'x'))), longest);
     const auto above = mService->length(std::string(longest + 1, 'x'));
     EXPECT_EQ(above.description(), "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
     EXPECT_TRUE(mService->ping().isOk());

@@ -63,8 +63,8 @@ TEST_F(NamesTest, ThereAreNoPassthroughImplementations) {
 TEST_F(NamesTest, InstancesAreApart) {
     const Server one({"one", "4", ""});
     const Server other({"other", "4", ""});
-    EXPECT_EQ(one.pid(), pidOf(IEverything::getService("one")));
-    EXPECT_EQ(other.pid(), pidOf(IEverything::getService("other")));
+    EXPECT_EQ(pidOf(IEverything::getService("one")), one.pid());
+    EXPECT_EQ(pidOf(IEverything::getService("other")), other.pid());
     EXPECT_EQ(IEverything::getService("default"), nullptr);
 }
 
@@ -72,7 +72,7 @@ TEST_F(NamesTest, NameOfTheDeadIsTakenWithoutALine) {
     Server first;
     first.kill();
     const Server later;
-    EXPECT_EQ(later.pid(), pidOf(IEverything::getService()));
+    EXPECT_EQ(pidOf(IEverything::getService()), later.pid());
     EXPECT_EQ(later.err(), "");
 }
 
@@ -80,8 +80,8 @@ TEST_F(NamesTest, LaterServerTakesTheName) {
     const Server first;
     const sp<IEverything> toFirst = first.service();
     std::optional<Server> later(std::in_place);
-    EXPECT_EQ(later->pid(), pidOf(IEverything::getService()));
-    EXPECT_EQ(first.pid(), pidOf(toFirst));
+    EXPECT_EQ(pidOf(IEverything::getService()), later->pid());
+    EXPECT_EQ(pidOf(toFirst), first.pid());
     // Both processes log it.
     EXPECT_TRUE(later->says("this process takes the name from process " +
                             std::to_string(first.pid()) + ", which still has it\n"));
@@ -91,7 +91,7 @@ TEST_F(NamesTest, LaterServerTakesTheName) {
     // The name is free when its last owner dies; the former owner does not get it back.
     later->kill();
     EXPECT_EQ(IEverything::getService(), nullptr);
-    EXPECT_EQ(first.pid(), pidOf(toFirst));
+    EXPECT_EQ(pidOf(toFirst), first.pid());
 }
 
 TEST_F(NamesTest, ProxyOfTheFirstNeverCallsTheLater) {
@@ -113,7 +113,7 @@ TEST_F(NamesTest, FileOfADeadServerIsNoHindrance) {
                                         "/mlk.test.everything@1.0::IEverything.default"));
     EXPECT_EQ(IEverything::getService(), nullptr);
     server.emplace();
-    EXPECT_EQ(server->pid(), pidOf(IEverything::getService()));
+    EXPECT_EQ(pidOf(IEverything::getService()), server->pid());
 }
 
 TEST_F(NamesTest, InstancesOfAnInterfaceAreListedByTheirNames) {
@@ -152,7 +152,7 @@ TEST_F(NamesTest, GoodInstances) {
     const std::string rows[] = {"default", "x y", ".", "..", "a.b", "\xff", longest};
     const sp<IEverything> service = new Everything;
     for (const std::string& instance : rows) {
-        EXPECT_EQ(::android::OK, service->registerAsService(instance)) << instance;
+        EXPECT_EQ(service->registerAsService(instance), ::android::OK) << instance;
         const sp<IEverything> found = IEverything::getService(instance);
         ASSERT_NE(found, nullptr) << instance;
         EXPECT_TRUE(found->ping().isOk()) << instance;
@@ -165,7 +165,7 @@ TEST_F(NamesTest, BadInstances) {
     const std::string rows[] = {"", "/", "a/b", std::string("a\0b", 3), tooLong};
     const sp<IEverything> service = new Everything;
     for (const std::string& instance : rows) {
-        EXPECT_EQ(::android::BAD_VALUE, service->registerAsService(instance)) << instance;
+        EXPECT_EQ(service->registerAsService(instance), ::android::BAD_VALUE) << instance;
         EXPECT_EQ(IEverything::getService(instance), nullptr) << instance;
     }
     EXPECT_THAT(listed(), IsEmpty());
@@ -173,19 +173,19 @@ TEST_F(NamesTest, BadInstances) {
 
 TEST_F(NamesTest, ProxyCannotBeRegistered) {
     const Server server;
-    EXPECT_EQ(::android::BAD_VALUE, server.service()->registerAsService("again"));
+    EXPECT_EQ(server.service()->registerAsService("again"), ::android::BAD_VALUE);
 }
 
 TEST_F(NamesTest, SeveralServicesInOneProcess) {
     const sp<IEverything> everything = new Everything;
     const sp<Listener> listener = new Listener;
-    ASSERT_EQ(::android::OK, everything->registerAsService("here"));
-    ASSERT_EQ(::android::OK, listener->registerAsService("here"));
+    ASSERT_EQ(everything->registerAsService("here"), ::android::OK);
+    ASSERT_EQ(listener->registerAsService("here"), ::android::OK);
     const sp<IListener> proxy = IListener::getService("here");
     ASSERT_NE(proxy, nullptr);
     EXPECT_EQ(static_cast<int32_t>(proxy->heard("by name")), 1);
     EXPECT_THAT(listener->texts(), ElementsAre("by name"));
-    EXPECT_EQ(getpid(), pidOf(IEverything::getService("here")));
+    EXPECT_EQ(pidOf(IEverything::getService("here")), getpid());
     EXPECT_THAT(listed(), ElementsAre("mlk.test.everything@1.0::IEverything/here",
                                       "mlk.test.everything@1.0::IListener/here"));
 }
@@ -216,7 +216,7 @@ TEST(SocketNameTest, NamesAndFiles) {
         }
         EXPECT_EQ(row.descriptor, descriptor);
         EXPECT_EQ(row.instance, instance);
-        EXPECT_EQ(row.file, transport::socketName(descriptor, instance));
+        EXPECT_EQ(transport::socketName(descriptor, instance), row.file);
     }
     EXPECT_EQ(transport::socketName("", "default"), "");
 }

@@ -125,7 +125,7 @@ TEST(ParcelErrorsTest, ReadingOfAParcelThatIsBeingWritten) {
     for (const Misread& row : kMisreads) {
         Parcel parcel;
         row.write(&parcel);
-        EXPECT_EQ(row.expected, row.read(parcel)) << row.name;
+        EXPECT_EQ(row.read(parcel), row.expected) << row.name;
     }
 }
 
@@ -135,7 +135,7 @@ TEST(ParcelErrorsTest, ReadingOfAParcelThatArrived) {
         row.write(&written);
         Parcel arrived;
         ASSERT_EQ(travel(written, &arrived), OK) << row.name;
-        EXPECT_EQ(row.expected, row.read(arrived)) << row.name;
+        EXPECT_EQ(row.read(arrived), row.expected) << row.name;
     }
 }
 

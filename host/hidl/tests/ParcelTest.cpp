@@ -137,7 +137,7 @@ TEST_P(ParcelTest, EmbeddedBuffersAreFoundThroughTheirParent) {
     const void* bytes;
     ASSERT_EQ(parcel.readEmbeddedBuffer(5, &child, parent, 8, &bytes), OK);
     EXPECT_STREQ(static_cast<const char*>(bytes), "abcd");
-    EXPECT_EQ(bytes, static_cast<const char* const*>(got)[1]);
+    EXPECT_EQ(static_cast<const char* const*>(got)[1], bytes);
     // Reading repairs the copy that arrived, not the writer's buffers.
     EXPECT_EQ(text, slots[1]);
 }
@@ -158,7 +158,7 @@ TEST_P(ParcelTest, EmptyAndNullBuffersGiveNull) {
     EXPECT_EQ(parcel.readNullableEmbeddedBuffer(0, &child, parent, 8, &bytes), OK);
     EXPECT_EQ(bytes, nullptr);
     // A pointer of the sender is cleared.
-    EXPECT_EQ(GetParam() ? 0U : 0x1234U, static_cast<const uint64_t*>(got)[0]);
+    EXPECT_EQ(static_cast<const uint64_t*>(got)[0], GetParam() ? 0U : 0x1234U);
 }
 
 TEST_P(ParcelTest, Handles) {

@@ -38,13 +38,13 @@ class PoolTest : public ::testing::Test {
 // Holds calls on a pool: as many arrive as there are threads, the others when threads become free.
 void expectPoolOf(size_t threads, size_t calls, const std::vector<sp<IEverything>>& proxies,
                   const Server& server, size_t others) {
-    ASSERT_EQ(calls, proxies.size());
+    ASSERT_EQ(proxies.size(), calls);
     HeldCalls held(proxies);
     ASSERT_TRUE(held.arrived(threads));
     EXPECT_FALSE(held.moreArrive());
-    EXPECT_EQ(threads + others, threadsOf(server.pid()));
-    EXPECT_EQ(calls, held.release());
-    EXPECT_EQ(threads + others, threadsOf(server.pid()));
+    EXPECT_EQ(threadsOf(server.pid()), threads + others);
+    EXPECT_EQ(held.release(), calls);
+    EXPECT_EQ(threadsOf(server.pid()), threads + others);
 }
 
 TEST_F(PoolTest, FourteenCallsOnTenThreads) {
@@ -195,7 +195,7 @@ TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
     }
     ASSERT_TRUE(client.send(both));
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(::android::OK, client.replyStatus()) << i;
+        EXPECT_EQ(client.replyStatus(), ::android::OK) << i;
     }
 }
 

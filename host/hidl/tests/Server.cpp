@@ -51,7 +51,7 @@ sp<IEverything> Server::service() const {
 void Server::kill() {
     mOver = true;
     mProcess->kill(SIGKILL);
-    EXPECT_EQ(128 + SIGKILL, mProcess->wait()) << mProcess->err();
+    EXPECT_EQ(mProcess->wait(), 128 + SIGKILL) << mProcess->err();
 }
 
 int Server::wait() {

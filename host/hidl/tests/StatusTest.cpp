@@ -46,10 +46,10 @@ TEST(StatusTest, Descriptions) {
             {Status::fromExceptionCode(77), "Status(77): ''"},
     };
     for (const auto& [status, text] : rows) {
-        EXPECT_EQ(text, status.description());
+        EXPECT_EQ(status.description(), text);
         std::ostringstream stream;
         stream << status;
-        EXPECT_EQ(text, stream.str());
+        EXPECT_EQ(stream.str(), text);
     }
 }
 
@@ -57,9 +57,9 @@ TEST(StatusTest, Parts) {
     Status status = Status::fromStatusT(::android::NO_MEMORY);
     EXPECT_FALSE(status.isOk());
     EXPECT_EQ(status.exceptionCode(), Status::EX_TRANSACTION_FAILED);
-    EXPECT_EQ(::android::NO_MEMORY, status.transactionError());
+    EXPECT_EQ(status.transactionError(), ::android::NO_MEMORY);
     status = Status::fromExceptionCode(Status::EX_SECURITY, "message");
-    EXPECT_EQ(::android::OK, status.transactionError());
+    EXPECT_EQ(status.transactionError(), ::android::OK);
     EXPECT_STREQ(status.exceptionMessage(), "message");
     status.setFromStatusT(::android::OK);
     EXPECT_TRUE(status.isOk());

@@ -122,10 +122,10 @@ TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
             bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
         }
         const size_t start = sizeof(Header) + 8 + sizeof(WireObject);
-        ASSERT_EQ(start + alignedToEight(length), bytes.size());
+        ASSERT_EQ(bytes.size(), start + alignedToEight(length));
         EXPECT_EQ(bytes.substr(sizeof(Header), 8), std::string("12\0\0\0\0\0\0", 8));
-        EXPECT_EQ(block, bytes.substr(start, length));
-        EXPECT_EQ(std::string(alignedToEight(length) - length, '\0'), bytes.substr(start + length));
+        EXPECT_EQ(bytes.substr(start, length), block);
+        EXPECT_EQ(bytes.substr(start + length), std::string(alignedToEight(length) - length, '\0'));
     }
 }
 
@@ -141,7 +141,7 @@ TEST_F(TransportTest, MessagesCarryNothingOfEarlierOnes) {
         const iovec& piece = message.sending().pieces[0];
         const std::string bytes(static_cast<const char*>(piece.iov_base), piece.iov_len);
         const std::string padding(alignedToEight(length) - length, '\0');
-        EXPECT_EQ(block + padding, bytes.substr(sizeof(Header) + sizeof(WireObject)));
+        EXPECT_EQ(bytes.substr(sizeof(Header) + sizeof(WireObject)), block + padding);
         message.finish();
     }
     message.encodeStatus(NO_MEMORY);
@@ -171,13 +171,13 @@ TEST_F(TransportTest, MessagesCarryNoAddressesAndNoDescriptorNumbers) {
         std::string expected = parent;
         expected.replace(8, 16, 16, '\0');
         const size_t start = sizeof(Header) + 3 * sizeof(WireObject);
-        EXPECT_EQ(expected, bytes.substr(start, length)) << length;
-        EXPECT_EQ(child, bytes.substr(start + length, child.size()));
+        EXPECT_EQ(bytes.substr(start, length), expected) << length;
+        EXPECT_EQ(bytes.substr(start + length, child.size()), child);
         const size_t number = start + length + 8 + sizeof(native_handle_t);
         EXPECT_EQ(bytes.substr(number, 4), std::string(4, '\0'));
         EXPECT_EQ(parent, std::string(length, 'p')) << "the sender's own is as it was";
-        EXPECT_EQ(file.get(), native->data[0]);
-        EXPECT_EQ(message.bodySize() + sizeof(Header), bytes.size());
+        EXPECT_EQ(native->data[0], file.get());
+        EXPECT_EQ(bytes.size(), message.bodySize() + sizeof(Header));
         (void)native_handle_delete(native);
     }
 }
@@ -241,8 +241,8 @@ TEST_F(TransportTest, KindsOfDescriptors) {
     const unique_fd packets(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     EXPECT_FALSE(isStreamSocket(packets.get()));
     EXPECT_FALSE(isHungUp(mHere.get()));
-    EXPECT_EQ(getuid(), peerUser(mHere.get()));
-    EXPECT_EQ(static_cast<uid_t>(-1), peerUser(pipe.out.get()));
+    EXPECT_EQ(peerUser(mHere.get()), getuid());
+    EXPECT_EQ(peerUser(pipe.out.get()), static_cast<uid_t>(-1));
     EXPECT_FALSE(peerIsTrusted(pipe.out.get()));
     EXPECT_FALSE(waitFor(mThere.get(), POLLIN, milliseconds(1)));
     EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));

@@ -20,7 +20,7 @@ class UnansweredTest : public ::testing::Test {
 TEST_F(UnansweredTest, NoAnswerEndsTheServer) {
     const auto called = mService->silent([](const hidl_string&) { FAIL(); });
     EXPECT_TRUE(called.isDeadObject()) << called.description();
-    EXPECT_EQ(128 + SIGABRT, mServer.wait());
+    EXPECT_EQ(mServer.wait(), 128 + SIGABRT);
     EXPECT_TRUE(mServer.says("silent: _hidl_cb not called, but must be called once."));
 }
 
@@ -29,7 +29,7 @@ TEST_F(UnansweredTest, TwoAnswersGiveTheFirstAndEndTheServer) {
     const auto called = mService->twice([&](const hidl_string& text) { answer = text; });
     EXPECT_TRUE(called.isOk()) << called.description();
     EXPECT_EQ(answer, "first");
-    EXPECT_EQ(128 + SIGABRT, mServer.wait());
+    EXPECT_EQ(mServer.wait(), 128 + SIGABRT);
     EXPECT_TRUE(mService->ping().isDeadObject());
 }
 

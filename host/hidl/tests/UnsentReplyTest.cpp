@@ -113,8 +113,8 @@ TEST_F(UnsentReplyTest, ItsCopiesOfDescriptorsAreForThisProgramOnly) {
     const std::vector<int> before = inheritable();
     const size_t open = testing::descriptorsOf(getpid());
     ASSERT_TRUE(unsent.keep(sending));
-    EXPECT_EQ(open + 2, testing::descriptorsOf(getpid()));
-    EXPECT_EQ(before, inheritable());
+    EXPECT_EQ(testing::descriptorsOf(getpid()), open + 2);
+    EXPECT_EQ(inheritable(), before);
 }
 
 TEST_F(UnsentReplyTest, DescriptorsGoWithItsFirstByte) {
@@ -126,12 +126,12 @@ TEST_F(UnsentReplyTest, DescriptorsGoWithItsFirstByte) {
     UnsentReply unsent(mHere.get());
     const size_t before = testing::descriptorsOf(getpid());
     ASSERT_TRUE(unsent.keep(sending));
-    EXPECT_EQ(before + 1, testing::descriptorsOf(getpid()));
+    EXPECT_EQ(testing::descriptorsOf(getpid()), before + 1);
     // Sends what fits into the socket, which is only a part.
     EXPECT_TRUE(unsent.flush());
     EXPECT_FALSE(unsent.empty());
     // The remaining one is in flight in the socket.
-    EXPECT_EQ(before, testing::descriptorsOf(getpid()));
+    EXPECT_EQ(testing::descriptorsOf(getpid()), before);
 }
 
 }  // namespace

@@ -72,11 +72,11 @@ TEST(HidlStringTest, Moves) {
     hidl_string source("a text");
     const char* bytes = source.c_str();
     hidl_string text(std::move(source));
-    EXPECT_EQ(bytes, text.c_str());
+    EXPECT_EQ(text.c_str(), bytes);
     EXPECT_EQ(source, "");
     hidl_string third("former");
     third = std::move(text);
-    EXPECT_EQ(bytes, third.c_str());
+    EXPECT_EQ(third.c_str(), bytes);
     EXPECT_EQ(text, "");
     hidl_string& itself = third;
     third = std::move(itself);
@@ -95,10 +95,10 @@ TEST(HidlVecTest, CopiesAndMoves) {
     EXPECT_THAT(std::vector<int>(copy), ElementsAre(1, 2));
     const int* data = source.data();
     hidl_vec<int> moved(std::move(source));
-    EXPECT_EQ(data, moved.data());
+    EXPECT_EQ(moved.data(), data);
     EXPECT_EQ(source.size(), 0U);
     copy = std::move(moved);
-    EXPECT_EQ(data, copy.data());
+    EXPECT_EQ(copy.data(), data);
     EXPECT_EQ(moved.size(), 0U);
     copy = std::vector<int>{7};
     EXPECT_THAT(std::vector<int>(copy), ElementsAre(7));
@@ -111,9 +111,9 @@ TEST(HidlStringTest, RefersToATextOfSomebodyElses) {
     const char bytes[] = "outside";
     hidl_string text("former");
     text.setToExternal(bytes, 7);
-    EXPECT_EQ(bytes, text.c_str());
+    EXPECT_EQ(text.c_str(), bytes);
     const hidl_string copy(text);
-    EXPECT_NE(bytes, copy.c_str());
+    EXPECT_NE(copy.c_str(), bytes);
     EXPECT_EQ(copy, "outside");
     text.setToExternal(new char[3]{'o', 'k', '\0'}, 2, true);
     EXPECT_EQ(text, "ok");
@@ -227,7 +227,7 @@ TEST(HidlArrayTest, OneDimension) {
     array[1] = 5;
     const hidl_array<int, 3> copy = array;
     EXPECT_EQ(copy, array);
-    EXPECT_EQ((std::array<int, 3>{1, 5, 3}), (static_cast<std::array<int, 3>>(copy)));
+    EXPECT_EQ((static_cast<std::array<int, 3>>(copy)), (std::array<int, 3>{1, 5, 3}));
     EXPECT_NE(copy, (hidl_array<int, 3>(std::array<int, 3>{1, 2, 3})));
     array = source;
     EXPECT_EQ(array[1], 2);

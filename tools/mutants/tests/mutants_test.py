@@ -54,11 +54,11 @@ class TreeTest(unittest.TestCase):
                     wrong.append(str(error))
             if not wrong:
                 planting.plant(text, bugs, "mutant.h")
-        self.assertEqual("", "\n".join(wrong))
+        self.assertEqual("\n".join(wrong), "")
 
     def test_there_are_enough_and_each_folder_has_some(self):
         self.assertGreaterEqual(len(self.bugs), 150)
-        self.assertEqual(set(programs.PROGRAMS), {bug.folder for bug in self.bugs})
+        self.assertEqual({bug.folder for bug in self.bugs}, set(programs.PROGRAMS))
         for bug in self.bugs:
             self.assertTrue(bug.file.startswith(bug.folder + "/"), bug.id)
 
@@ -67,19 +67,19 @@ class TableTest(unittest.TestCase):
     def test_a_row(self):
         bug = read("# a remark\n\n== common/F.cpp\n\nless: a \"what\"\n"
                    "    @unseen why not\n    if ([[a < b => a <= b]]) {\n        c();\n")[0]
-        self.assertEqual(("common:less", 'a "what"', "why not"), (bug.id, bug.what, bug.unseen))
-        self.assertEqual(("if (", "a < b", "a <= b", ") {\nc();"),
-                         (bug.before, bug.old, bug.new, bug.after))
+        self.assertEqual((bug.id, bug.what, bug.unseen), ("common:less", 'a "what"', "why not"))
+        self.assertEqual((bug.before, bug.old, bug.new, bug.after),
+                         ("if (", "a < b", "a <= b", ") {\nc();"))
 
     def test_white_space_of_any_kind_fits(self):
         bug = read("== common/F.cpp\nx: x\n    f(a, [[b => c]]);\n    g();\n")[0]
-        self.assertEqual((7, 8), bug.place("  f(a, b);\n\n\tg();"))
-        self.assertEqual((8, 9), bug.place("  f(a,\n b); \\\n g();"))
+        self.assertEqual(bug.place("  f(a, b);\n\n\tg();"), (7, 8))
+        self.assertEqual(bug.place("  f(a,\n b); \\\n g();"), (8, 9))
 
     def test_braces_around_the_change_may_come_and_go(self):
         bug = read("== common/F.cpp\nx: x\n    if ([[a => b]]) return c; d();\n")[0]
         for text in ("if (a) return c; d();", "if (a) {\n    return c;\n}\nd();"):
-            self.assertEqual((4, 5), bug.place(text))
+            self.assertEqual(bug.place(text), (4, 5))
         bug = read("== common/F.cpp\nx: x\n    [[if (a) b(); => b();]]\n")[0]
         with self.assertRaisesRegex(table.TableError, "fits 0 places"):
             bug.place("if (a) { b(); }")
@@ -101,45 +101,43 @@ class TableTest(unittest.TestCase):
 
 class PlantingTest(unittest.TestCase):
     def test_an_expression(self):
-        self.assertEqual("f((acts(1) ? (c) : (a)));", planted("f(a);", "f([[a => c]]);"))
+        self.assertEqual(planted("f(a);", "f([[a => c]]);"), "f((acts(1) ? (c) : (a)));")
 
     def test_a_part_stands_for_the_expression_it_is_in(self):
-        self.assertEqual("if ((acts(1) ? (a(')', x)) : (a(')', x) && b == c))) {",
-                         planted("if (a(')', x) && b == c) {", "[[&& b == c => ]]"))
-        self.assertEqual("f(1'000); x = (acts(1) ? (a >= '0') : (a > '0'));",
-                         planted("f(1'000); x = a > '0';", "a [[> => >=]] '0';"))
-        self.assertEqual("int x = (acts(1) ? (y <= 3) : (y < 3));",
-                         planted("int x = y < 3;", "y [[< 3 => <= 3]];"))
-        self.assertEqual("return p ? (acts(1) ? (s. rfind(c)) : (s.find(c))) : 0;",
-                         planted("return p ? s.find(c) : 0;", "s.[[find(c) => rfind(c)]]"))
+        self.assertEqual(planted("if (a(')', x) && b == c) {", "[[&& b == c => ]]"),
+                         "if ((acts(1) ? (a(')', x)) : (a(')', x) && b == c))) {")
+        self.assertEqual(planted("f(1'000); x = a > '0';", "a [[> => >=]] '0';"),
+                         "f(1'000); x = (acts(1) ? (a >= '0') : (a > '0'));")
+        self.assertEqual(planted("int x = y < 3;", "y [[< 3 => <= 3]];"),
+                         "int x = (acts(1) ? (y <= 3) : (y < 3));")
+        self.assertEqual(planted("return p ? s.find(c) : 0;", "s.[[find(c) => rfind(c)]]"),
+                         "return p ? (acts(1) ? (s. rfind(c)) : (s.find(c))) : 0;")
 
     def test_a_statement_and_one_that_is_left_out(self):
-        self.assertEqual("if (acts(1)) { g(); } else { f(); }",
-                         planted("f();", "[[f(); => g();]]"))
-        self.assertEqual("a(); if (acts(1)) {  } else { f(); }",
-                         planted("a(); f();", "[[f(); => ]]"))
+        self.assertEqual(planted("f();", "[[f(); => g();]]"), "if (acts(1)) { g(); } else { f(); }")
+        self.assertEqual(planted("a(); f();", "[[f(); => ]]"), "a(); if (acts(1)) {  } else { f(); }")
 
     def test_the_level_of_a_message(self):
-        self.assertEqual('if (acts(1)) { ALOGW("%s;", f(a)); } else { ALOGE("%s;", f(a)); } g();',
-                         planted('ALOGE("%s;", f(a)); g();', '[[ALOGE => ALOGW]]("%s;", f'))
+        self.assertEqual(planted('ALOGE("%s;", f(a)); g();', '[[ALOGE => ALOGW]]("%s;", f'),
+                         'if (acts(1)) { ALOGW("%s;", f(a)); } else { ALOGE("%s;", f(a)); } g();')
 
     def test_a_lock(self):
-        self.assertEqual("const mlk_mutants::MaybeLock<std::mutex, false> lock(m, !acts(1));",
-                         planted("const std::lock_guard<std::mutex> lock(m);",
-                                 "[[const std::lock_guard<std::mutex> lock(m); => ]]"))
+        self.assertEqual(planted("const std::lock_guard<std::mutex> lock(m);",
+                                 "[[const std::lock_guard<std::mutex> lock(m); => ]]"),
+                         "const mlk_mutants::MaybeLock<std::mutex, false> lock(m, !acts(1));")
 
     def test_a_constant_is_no_constexpr(self):
-        self.assertEqual("static const int k = (acts(1) ? (2) : (1));",
-                         planted("constexpr int k = 1;", "@constant\nint k = [[1 => 2]];"))
-        self.assertEqual("static const char* k = (acts(1) ? (\"b\") : (\"a\"));",
-                         planted("constexpr const char* k = \"a\";",
-                                 "@constant\nk = [[\"a\" => \"b\"]];"))
+        self.assertEqual(planted("constexpr int k = 1;", "@constant\nint k = [[1 => 2]];"),
+                         "static const int k = (acts(1) ? (2) : (1));")
+        self.assertEqual(planted("constexpr const char* k = \"a\";",
+                                 "@constant\nk = [[\"a\" => \"b\"]];"),
+                         "static const char* k = (acts(1) ? (\"b\") : (\"a\"));")
 
     def test_two_in_one_place_and_one_within_the_other(self):
-        self.assertEqual("f((acts(1) ? (b) : ((acts(2) ? (c) : (a)))));",
-                         planted("f(a);", "f([[a => b]]);", "f([[a => c]]);"))
-        self.assertEqual("if (acts(2)) {  } else { f((acts(1) ? (b) : (a))); }",
-                         planted("f(a);", "f([[a => b]]);", "[[f(a); => ]]"))
+        self.assertEqual(planted("f(a);", "f([[a => b]]);", "f([[a => c]]);"),
+                         "f((acts(1) ? (b) : ((acts(2) ? (c) : (a)))));")
+        self.assertEqual(planted("f(a);", "f([[a => b]]);", "[[f(a); => ]]"),
+                         "if (acts(2)) {  } else { f((acts(1) ? (b) : (a))); }")
 
     def test_places_that_overlap_are_refused(self):
         with self.assertRaisesRegex(table.TableError, "overlap"):
@@ -153,14 +151,14 @@ class OutcomeTest(unittest.TestCase):
 
     def test_which_test_noticed_it_and_how(self):
         run = "[ RUN      ] S.a\n[       OK ] S.a (0 ms)\n[ RUN      ] S.b/0\n"
-        self.assertEqual(("S.b/0", "fails"), self.explained(
-            1, run + "[  FAILED  ] S.b/0, where GetParam() = 1 (3 ms)\n"))
-        self.assertEqual(("S.b/0", "ends its process"), self.explained(-11, run))
-        self.assertEqual(("S.b/0", "hangs"), self.explained(None, run))
-        self.assertEqual(("S.b/0", "races"), self.explained(
+        self.assertEqual(self.explained(
+            1, run + "[  FAILED  ] S.b/0, where GetParam() = 1 (3 ms)\n"), ("S.b/0", "fails"))
+        self.assertEqual(self.explained(-11, run), ("S.b/0", "ends its process"))
+        self.assertEqual(self.explained(None, run), ("S.b/0", "hangs"))
+        self.assertEqual(self.explained(
             66, run + "WARNING: ThreadSanitizer: data race\n[       OK ] S.b/0 (0 ms)\n"
-            "[ RUN      ] S.c\n[       OK ] S.c (0 ms)\n"))
-        self.assertEqual(("S.first", "ends its process"), self.explained(-6, ""))
+            "[ RUN      ] S.c\n[       OK ] S.c (0 ms)\n"), ("S.b/0", "races"))
+        self.assertEqual(self.explained(-6, ""), ("S.first", "ends its process"))
 
 
 if __name__ == "__main__":
