@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "common/Answer.h"
+#include "common/ConfigKey.h"
 #include "common/Decimal.h"
 #include "platform/Platform.h"
 #include "projectconfigs/ClientDescriptor.h"
@@ -62,6 +63,10 @@ void logDump(const Written& written) {
     ALOGW("debug -- dumping failed -- write() given up after %zu bytes, %s", written.size,
           written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
                                                   : "too many dumps wait already");
+}
+
+ConfigKey nameOf(const ProjectConfigKey& key) {
+    return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
 }
 
 hidl_vec<uint32_t> numbersOf(const std::vector<_tv_country>& countries) {

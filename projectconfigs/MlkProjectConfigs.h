@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <functional>
 
-#include "common/ConfigKey.h"
 #include "common/Partitions.h"
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/ProjectID.h"
@@ -58,11 +57,13 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     // section or the key; one that is out of range gets no answer.
 #define MLK_GETTER(method)                               \
     Return<void> method(method##_cb _hidl_cb) override { \
-        return answer<projectItem(#method)>(_hidl_cb);   \
+        constexpr size_t kRow = projectItem(#method);    \
+        return answer(kProjectItems[kRow], _hidl_cb);    \
     }
-#define MLK_GETTER_BY_KEY(method, Selector)                              \
-    Return<void> method(Selector key, method##_cb _hidl_cb) override {   \
-        return answer<projectItem(#method)>(_hidl_cb, 0, uint32_t(key)); \
+#define MLK_GETTER_BY_KEY(method, Selector)                             \
+    Return<void> method(Selector key, method##_cb _hidl_cb) override {  \
+        constexpr size_t kRow = projectItem(#method);                   \
+        return answer(kProjectItems[kRow], _hidl_cb, 0, uint32_t(key)); \
     }
     MLK_GETTER(getClientType)
     MLK_GETTER(getProjectName)
@@ -76,12 +77,8 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     MLK_GETTER(getVolumeCurve)
     MLK_GETTER(getAQPath)
     Return<void> getHDMIEdidPath(int32_t port, EdidVer version,
-                                 getHDMIEdidPath_cb _hidl_cb) override {
-        return answer<projectItem("getHDMIEdidPath")>(_hidl_cb, uint32_t(port), uint32_t(version));
-    }
-    Return<void> getHDMIHdcpPath(HdcpVer version, getHDMIHdcpPath_cb _hidl_cb) override {
-        return answer<projectItem("getHDMIHdcpPath")>(_hidl_cb, uint32_t(version));
-    }
+                                 getHDMIEdidPath_cb _hidl_cb) override;
+    Return<void> getHDMIHdcpPath(HdcpVer version, getHDMIHdcpPath_cb _hidl_cb) override;
     Return<void> getPowerOnMode(getPowerOnMode_cb _hidl_cb) override;
     MLK_GETTER(getPowerLogoPath)
     MLK_GETTER(getBootAnimationPath)
@@ -151,22 +148,11 @@ class MlkProjectConfigs : public IMlkProjectConfigs {
     using TextCallback = std::function<void(const OptionalString&)>;
     using FlagCallback = std::function<void(const OptionalBool&)>;
 
-    static ConfigKey nameOf(const ProjectConfigKey& key) {
-        return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
-    }
-    /** Answers with the value of an item; empty if there is no such item. */
-    void answerValue(const ConfigKey& key, const TextCallback& callback) const;
-
     /** Answers with an item of the table. Gives no answer if a selector is out of range. */
-    template <size_t kRow, typename Callback>
-    Return<void> answer(const Callback& callback, uint32_t section = 0, uint32_t key = 0) const {
-        answerItem(kProjectItems[kRow], section, key, callback);
-        return ::android::hardware::Void();
-    }
-    void answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
-                    const TextCallback& callback) const;
-    void answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
-                    const FlagCallback& callback) const;
+    Return<void> answer(const ProjectItemRow& row, const TextCallback& callback,
+                        uint32_t section = 0, uint32_t key = 0) const;
+    /** The same for a flag, which is set if the item is "true". */
+    Return<void> answer(const ProjectItemRow& row, const FlagCallback& callback) const;
 
     const Partitions mPartitions;
     ProjectID mProjectID;

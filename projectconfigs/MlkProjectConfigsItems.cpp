@@ -1,3 +1,4 @@
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,8 +14,12 @@ using ::android::hardware::hidl_string;
 using ::android::hardware::Return;
 using ::android::hardware::Void;
 
-void MlkProjectConfigs::answerValue(const ConfigKey& key, const TextCallback& callback) const {
-    const std::string value = mSet.items().getInfo(key);
+namespace {
+
+// Answers with the value of an item; empty if there is no such item.
+void answerValue(const ProjectParser& items, const ConfigKey& key,
+                 const std::function<void(const OptionalString&)>& callback) {
+    const std::string value = items.getInfo(key);
     OptionalString answer{};
     clearPadding(answer);
     answer.success = true;
@@ -23,29 +28,43 @@ void MlkProjectConfigs::answerValue(const ConfigKey& key, const TextCallback& ca
     callback(answer);
 }
 
-void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
-                                   const TextCallback& callback) const {
+}  // namespace
+
+Return<void> MlkProjectConfigs::answer(const ProjectItemRow& row, const TextCallback& callback,
+                                       uint32_t section, uint32_t key) const {
     if (const std::optional<ConfigKey> item = itemOf(row, section, key)) {
-        answerValue(*item, callback);
+        answerValue(mSet.items(), *item, callback);
     }
+    return Void();
 }
 
-void MlkProjectConfigs::answerItem(const ProjectItemRow& row, uint32_t section, uint32_t key,
-                                   const FlagCallback& callback) const {
-    answerItem(row, section, key, TextCallback([&](const OptionalString& text) {
-                   callback({true, text.value == "true"});
-               }));
+Return<void> MlkProjectConfigs::answer(const ProjectItemRow& row,
+                                       const FlagCallback& callback) const {
+    return answer(row, TextCallback([&](const OptionalString& text) {
+                      callback({true, text.value == "true"});
+                  }));
+}
+
+Return<void> MlkProjectConfigs::getHDMIEdidPath(int32_t port, EdidVer version,
+                                                getHDMIEdidPath_cb _hidl_cb) {
+    constexpr size_t kRow = projectItem("getHDMIEdidPath");
+    return answer(kProjectItems[kRow], _hidl_cb, uint32_t(port), uint32_t(version));
+}
+
+Return<void> MlkProjectConfigs::getHDMIHdcpPath(HdcpVer version, getHDMIHdcpPath_cb _hidl_cb) {
+    constexpr size_t kRow = projectItem("getHDMIHdcpPath");
+    return answer(kProjectItems[kRow], _hidl_cb, uint32_t(version));
 }
 
 Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
     constexpr size_t kRow = projectItem("getPowerOnMode");
     constexpr const KnownItem& kItem = kKnownItems[kProjectItems[kRow].first];
-    return answer<kRow>(TextCallback([&](const OptionalString& text) {
-        const int32_t mode = parseDecimal(text.value.c_str());
-        if (mode >= kItem.least && mode <= kItem.most) {
-            answerWith(_hidl_cb, true, mode);
-        }
-    }));
+    return answer(kProjectItems[kRow], TextCallback([&](const OptionalString& text) {
+                      const int32_t mode = parseDecimal(text.value.c_str());
+                      if (mode >= kItem.least && mode <= kItem.most) {
+                          answerWith(_hidl_cb, true, mode);
+                      }
+                  }));
 }
 
 Return<void> MlkProjectConfigs::getProjectMaxIdx(getProjectMaxIdx_cb _hidl_cb) {
@@ -66,7 +85,7 @@ Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
 }
 
 Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
-    answerValue({key.category.c_str(), key.key.c_str()}, _hidl_cb);
+    answerValue(mSet.items(), {key.category.c_str(), key.key.c_str()}, _hidl_cb);
     return Void();
 }
 

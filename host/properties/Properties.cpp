@@ -22,10 +22,9 @@ std::string valueOf(const char* key) {
 
 template <typename Integer>
 Integer integerOf(const char* key, Integer defaultValue) {
-    return static_cast<Integer>(mlk::host::numberOf(valueOf(key),
-                                                    std::numeric_limits<Integer>::min(),
-                                                    std::numeric_limits<Integer>::max(),
-                                                    defaultValue));
+    return static_cast<Integer>(
+            mlk::host::numberOf(valueOf(key), std::numeric_limits<Integer>::min(),
+                                std::numeric_limits<Integer>::max(), defaultValue));
 }
 
 }  // namespace
