@@ -1,6 +1,6 @@
 #include "common/ItemStore.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <cstring>
@@ -157,8 +157,8 @@ void ItemStore::log(const char* tag) const {
         return;
     }
     for (const Item item : inOrder()) {
-        __android_log_print(ANDROID_LOG_DEBUG, tag, "\t%s:%s=%s", sectionOf(item).data(),
-                            keyOf(item).data(), valueOf(item).data());
+        LOG_PRI(ANDROID_LOG_DEBUG, tag, "\t%s:%s=%s", sectionOf(item).data(), keyOf(item).data(),
+                valueOf(item).data());
     }
 }
 

@@ -1,6 +1,6 @@
 #include "common/LineReader.h"
 
-#include <android/log.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -114,8 +114,7 @@ bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
 }
 
 void LineReader::complain(const std::string& problem) const {
-    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber,
-                        problem.c_str());
+    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber, problem.c_str());
     if (mObserver != nullptr) {
         mObserver->onProblem(mPath, mLineNumber, problem);
     }
@@ -171,7 +170,7 @@ void LineReader::fail(const std::string& place, size_t line, const std::string& 
     mFailed = true;
     mAtEnd = true;
     mBegin = mEnd = 0;
-    __android_log_print(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), problem.c_str());
+    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), problem.c_str());
     if (mObserver != nullptr) {
         mObserver->onProblem(mPath, line, problem);
     }

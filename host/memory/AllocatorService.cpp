@@ -1,7 +1,9 @@
 // The process of the "ashmem" allocator. It has neither a command line nor a configuration.
 
-#include <android/log.h>
+#define LOG_TAG "ashmem"
+
 #include <hidl/HidlTransportSupport.h>
+#include <log/log.h>
 #include <signal.h>
 
 #include <cstdlib>
@@ -28,10 +30,10 @@ int main() {
     android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
     const sp<IAllocator> allocator = new mlk::host::AshmemAllocator;
     if (allocator->registerAsService(mlk::host::kAshmem) != OK) {
-        __android_log_print(ANDROID_LOG_ERROR, mlk::host::kAshmem, "could not register IAllocator");
+        ALOGE("could not register IAllocator");
         return EXIT_FAILURE;
     }
-    __android_log_print(ANDROID_LOG_DEBUG, mlk::host::kAshmem, "registered IAllocator");
+    ALOGD("registered IAllocator");
     android::hardware::joinRpcThreadpool();
     return EXIT_SUCCESS;
 }

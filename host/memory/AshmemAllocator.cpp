@@ -1,7 +1,9 @@
+#define LOG_TAG "ashmem"
+
 #include "host/memory/AshmemAllocator.h"
 
-#include <android/log.h>
 #include <cutils/native_handle.h>
+#include <log/log.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -55,9 +57,7 @@ bool AshmemAllocator::make(uint64_t size, uint64_t count, Blocks* blocks) const 
         return true;
     }
     blocks->clear();
-    __android_log_print(ANDROID_LOG_ERROR, kAshmem,
-                        "refused %" PRIu64 " block(s) of %" PRIu64 " bytes: %s", count, size,
-                        failure.c_str());
+    ALOGE("refused %" PRIu64 " block(s) of %" PRIu64 " bytes: %s", count, size, failure.c_str());
     return false;
 }
 

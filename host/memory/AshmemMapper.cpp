@@ -1,7 +1,9 @@
+#define LOG_TAG "hidlmemory"
+
 #include "host/memory/AshmemMapper.h"
 
-#include <android/log.h>
 #include <fcntl.h>
+#include <log/log.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 
@@ -63,9 +65,7 @@ Return<sp<IMemory>> AshmemMapper::mapMemory(const hidl_memory& memory) {
         }
         obstacle = std::string("mmap: ") + strerror(errno);
     }
-    __android_log_print(ANDROID_LOG_ERROR, "hidlmemory",
-                        "cannot map memory of %" PRIu64 " bytes: %s", memory.size(),
-                        obstacle.c_str());
+    ALOGE("cannot map memory of %" PRIu64 " bytes: %s", memory.size(), obstacle.c_str());
     return sp<IMemory>();
 }
 

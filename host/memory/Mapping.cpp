@@ -1,5 +1,7 @@
-#include <android/log.h>
+#define LOG_TAG "hidlmemory"
+
 #include <hidlmemory/mapping.h>
+#include <log/log.h>
 
 #include "host/memory/AshmemMapper.h"
 #include "host/memory/SharedBlock.h"
@@ -14,8 +16,7 @@ sp<::android::hidl::memory::V1_0::IMemory> mapMemory(const hidl_memory& memory) 
         obstacle = "there is no mapper for its kind";
     }
     if (obstacle != nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, "hidlmemory", "cannot map memory of kind \"%s\": %s",
-                            memory.name().c_str(), obstacle);
+        ALOGE("cannot map memory of kind \"%s\": %s", memory.name().c_str(), obstacle);
         return nullptr;
     }
     const sp<mlk::host::AshmemMapper> mapper = new mlk::host::AshmemMapper;

@@ -5,6 +5,9 @@
 #include <cstring>
 #include <ostream>
 
+#undef LOG_TAG
+#define LOG_TAG "hidl"
+
 namespace android::hardware {
 
 namespace {
@@ -112,8 +115,7 @@ return_status& return_status::operator=(return_status&& other) noexcept {
 
 return_status::~return_status() {
     if (!mChecked && !mStatus.isOk()) {
-        __android_log_print(ANDROID_LOG_WARN, "hidl", "a failed call was not looked at: %s",
-                            mStatus.description().c_str());
+        ALOGW("a failed call was not looked at: %s", mStatus.description().c_str());
     }
 }
 
