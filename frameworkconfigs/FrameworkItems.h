@@ -10,10 +10,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /** How a property's value becomes an answer. */
 enum class FrameworkItemKind {
-    FLAG,      ///< a bool; the property is read as one, false by default
-    NUMBER,    ///< an int32; the property is read as one, 0 by default
-    INVERTED,  ///< a bool that is true exactly when the property, an int32 with default 0, is 0
-    TEXT,      ///< a string that is always empty; no property is read, on purpose
+    FLAG,     /**< a bool; the property is read as one, false by default */
+    NUMBER,   /**< an int32; the property is read as one, 0 by default */
+    INVERTED, /**< a bool that is true exactly when the property, an int32 with default 0, is 0 */
+    TEXT,     /**< a string that is always empty; no property is read, on purpose */
 };
 
 /** What a property of that kind may hold. */
@@ -35,8 +35,8 @@ constexpr ValueType typeOf(FrameworkItemKind kind) {
 struct FrameworkItemRow {
     const char* method;
     FrameworkItemKind kind;
-    const char* property;          ///< null for a TEXT
-    const char* setter = nullptr;  ///< the interface's setter; null if there is none
+    const char* property;         /**< null for a TEXT */
+    const char* setter = nullptr; /**< the interface's setter; null if there is none */
 };
 
 /** All of them, in the order in which a start reads them. */

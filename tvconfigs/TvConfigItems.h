@@ -15,34 +15,34 @@ inline constexpr const char* kDefaultTvConfigFile = "/tv.config";
 
 /** How a flag depends on its master, another flag. */
 enum class FlagRule {
-    PLAIN,           ///< has no master
-    UNDER_ATV,       ///< loaded as false if its master, ATV, is false; can be set nevertheless
-    UNDER_DTV,       ///< the same with DTV
-    CAPTION_MASTER,  ///< the master of the captions: setting it to false sets them to false
-    CAPTION          ///< false while its master, CLOSE_CAPTION, is false
+    PLAIN,          /**< has no master */
+    UNDER_ATV,      /**< loaded as false if its master, ATV, is false; can be set nevertheless */
+    UNDER_DTV,      /**< the same with DTV */
+    CAPTION_MASTER, /**< the master of the captions: setting it to false sets them to false */
+    CAPTION         /**< false while its master, CLOSE_CAPTION, is false */
 };
 
 /** One of the systems. A value from a file or a property may be outside of the range. */
 struct TvSystemRow {
     static constexpr ValueType kType = ValueType::INTEGER;
 
-    const char* method;  ///< the interface's getter
-    const char* setter;  ///< the interface's setter
-    const char* name;    ///< as dumped
+    const char* method; /**< the interface's getter */
+    const char* setter; /**< the interface's setter */
+    const char* name;   /**< as dumped */
     int32_t TvConfigInfo::*field;
     const char* key;
-    int32_t least;  ///< lowest value that a client may set
-    int32_t most;   ///< highest value that a client may set
+    int32_t least; /**< lowest value that a client may set */
+    int32_t most;  /**< highest value that a client may set */
 };
 
 /** One of the flags. */
 struct TvFlagRow {
     static constexpr ValueType kType = ValueType::FEATURE;
 
-    const char* method;  ///< the interface's getter
-    const char* setter;  ///< the interface's setter
-    uint32_t type;       ///< the interface's number of the flag
-    const char* name;    ///< as dumped
+    const char* method; /**< the interface's getter */
+    const char* setter; /**< the interface's setter */
+    uint32_t type;      /**< the interface's number of the flag */
+    const char* name;   /**< as dumped */
     bool TvConfigInfo::*field;
     const char* key;
     FlagRule rule;

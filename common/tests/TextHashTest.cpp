@@ -31,7 +31,7 @@ TEST(TextHashTest, DependsOnEveryByteTheSizeAndTheSeed) {
 }
 
 TEST(TextHashTest, ReadsNothingBesideTheText) {
-    // The address sanitizer watches this test; what surrounds the text must not count either.
+    // The bytes around a text must not count. The address sanitizer reports if any of them is read.
     for (size_t size = 0; size < 40; ++size) {
         const std::unique_ptr<char[]> exact(new char[size]);
         std::string text;

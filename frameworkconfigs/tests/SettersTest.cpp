@@ -18,7 +18,7 @@ using ::mlk::testing::inThreads;
 constexpr const char* kForceStr = "persist.vendor.mlk.forcestr";
 constexpr const char* kWow = "persist.vendor.mlk.enable_wow";
 
-/// While it lives, this process can write no byte to any file: a store that is full.
+/** While it lives, this process can write no byte to any file: a store that is full. */
 class NoSpace {
   public:
     NoSpace() : mHandler(signal(SIGXFSZ, SIG_IGN)) {

@@ -22,7 +22,7 @@ TEST(ClientDescriptor, PipeThatDoesNotWaitIsWaitedFor) {
 }
 
 TEST(ClientDescriptor, SlowReaderThatGoesOnGetsEverything) {
-    // It needs much longer for a page than a reader may take for a byte.
+    // The reader needs longer for a page than the service waits for a single byte.
     const std::string text(TestPipe::kSize + 1000, 'x');
     TestPipe pipe;
     auto result = writing(pipe.writeEnd(), text);
@@ -176,7 +176,7 @@ TEST(ClientDescriptor, WhatCannotBeWrittenFails) {
     const unique_fd file(open(dir.write("dump", "").c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_EQ(written(file.get(), "x"), (Written{WriteOutcome::FAILED, 0}));
     EXPECT_EQ(written(-1, "x"), (Written{WriteOutcome::FAILED, 0}));
-    // It may wait for ever to add one number to another.
+    // A write to an eventfd's counter may wait for ever.
     const unique_fd counter(eventfd(0, EFD_CLOEXEC));
     EXPECT_EQ(written(counter.get(), "12345678"), (Written{WriteOutcome::FAILED, 0}));
     const unique_fd folder(open(dir.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

@@ -1,4 +1,4 @@
-// The limits on texts that are written, and readers that are waited for, at once.
+// The limits on how many texts are written, and how many readers are waited for, at the same time.
 
 #include <filesystem>
 #include <fstream>
@@ -10,7 +10,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
-// The caller returns whatever blocks its writer, and so does a caller when all writers are blocked.
+// The caller returns, whatever blocks its writer. So does a caller while all writers are blocked.
 TEST(ClientDescriptor, CallersAreLetGo) {
     std::promise<void> release;
     const std::shared_future<void> released = release.get_future().share();
@@ -93,7 +93,7 @@ TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
     Waiting waiting("x");
     std::vector<TestPipe>& held = waiting.pipes;
     std::atomic<bool> stop{false};
-    // These read on, a byte at a time: they keep their places.
+    // The readers of these continue, a byte at a time, and keep their places.
     std::thread readers([&] {
         while (!stop) {
             for (const TestPipe& pipe : held) {
@@ -248,7 +248,7 @@ TEST(ClientDescriptor, CopyIsNotInherited) {
     std::thread caller([&] { writeToClient(pipe.writeEnd(), text, [](const Written&) {}); });
     std::vector<int> flags;
     EXPECT_TRUE(eventually([&] {
-        // A reader that goes on keeps the writer there.
+        // While the reader continues, the writer stays in its place.
         (void)(pipe.isReadable() ? pipe.read(1) : "");
         flags = flagsOfCopies(pipe.writeEnd());
         return !flags.empty();
@@ -267,14 +267,14 @@ TEST(Places, AreTakenAndGivenBack) {
     EXPECT_TRUE(Places::Taken(places)) << "each is given back once";
 }
 
-// A place of two threads: one has it, the other waits.
+// Two threads need the same place: one has it, the other waits.
 TEST(Places, WhoWaitsIsToldOfAPlace) {
     const auto places = std::make_shared<Places>(1);
     auto first = std::make_unique<Places::Taken>(*places);
     const auto task = std::make_shared<std::promise<pid_t>>();
     const auto got = std::make_shared<std::promise<bool>>();
     auto result = got->get_future();
-    // Not joined: without the place it would wait for an hour.
+    // Nobody joins this thread, because without the place it would wait for an hour.
     std::thread([places, task, got] {
         task->set_value(gettid());
         const Places::Taken second(*places, std::chrono::hours(1));

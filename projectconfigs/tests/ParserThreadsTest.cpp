@@ -18,7 +18,7 @@ namespace {
 TEST(ParserThreadsTest, ReadersSeeOneWholeSetWhileItIsRebuilt) {
     mlk::testing::LogCapture log;
     ProjectFiles files;
-    // Long texts: how a short one is assigned the thread sanitizer does not see.
+    // The texts are long, because the thread sanitizer does not see the assignment of short ones.
     const std::string customer(60, 'c');
     files.customer("CUSTOMER_ID=" + customer + "\nSYS_INI=/tvconfigs/sys.ini\n");
     files.system("Model_1=/tvconfigs/model/A.ini\nModel_2=/tvconfigs/model/B.ini\n");

@@ -205,7 +205,7 @@ TEST_F(ProjectIndexTest, ChangesFromManyThreadsDoNotMix) {
     EXPECT_EQ(panel(), projectId() == "1" ? "panel A" : "panel B");
 }
 
-// Each refusal reads the highest index, which every second of them has just looked up anew.
+// Each refusal reads the highest index. Every second one first reads the files again to find it.
 TEST_F(ProjectIndexTest, RefusedIndicesFromManyThreads) {
     const mlk::testing::QuietLog quiet;
     mlk::testing::inThreads(4, [&](int thread) {

@@ -65,7 +65,7 @@ TEST(NameTableTest, AnotherTableDoesNotSeeWhatIsAdded) {
     EXPECT_EQ(other.find("plum"), std::nullopt);
 }
 
-// Against a plain map with insertion, which is what the order of names is defined by.
+// Compares with a plain map with insertion, which defines the order of names.
 TEST(NameTableTest, BehavesLikeAMapThatInsertsZero) {
     NameTable table(kRows);
     std::map<std::string, int32_t> model;
@@ -122,7 +122,7 @@ TEST(NameTableTest, ThreadsAddAndLookUpAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
-// Half of the threads only look up: nothing but the lock keeps them from what the others add.
+// Half of the threads only look up: the lock alone protects them from what the others add.
 TEST(NameTableTest, SomeThreadsAddWhileOthersLookUp) {
     NameTable table(kRows);
     std::atomic<int> wrong = 0;

@@ -65,7 +65,7 @@ class RegionalThreadsTest : public ::testing::Test, protected TvSysMapFiles {
 TEST_F(RegionalThreadsTest, EveryReaderFromManyThreadsWhileTheCountryChanges) {
     std::atomic<int> wrong = 0;
     const mlk::testing::QuietLog quiet;
-    // The folder is chosen before anybody asks by a name alone.
+    // The folder is chosen before any thread asks with a name alone.
     EXPECT_EQ(readAll(0, false), 0);
     mlk::testing::inThreads(kThreads, [&](int id) {
         for (int round = 0; round < kRounds; ++round) {

@@ -1,4 +1,4 @@
-// Holds the sample's country maps together: every name leads somewhere, and to the right place.
+// Checks the sample's country maps against each other: every name leads to an entry, the right one.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -214,7 +214,7 @@ TEST_F(SampleMapsTest, EveryCountryFindsItsOwnRecord) {
     EXPECT_THAT(errors(), IsEmpty());
 }
 
-// What one country changes the next one has to change, too: nothing is taken back.
+// A change of the country undoes nothing, so each country has to set all items that another sets.
 TEST_F(SampleMapsTest, TheSystemsOfARegionHaveTheSameItemsAndTheModelsKnowThem) {
     for (const Region& region : kRegions) {
         const std::string xml = path("tvsysmap/tvsys_" + std::string(region.name) + ".xml");

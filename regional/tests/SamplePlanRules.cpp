@@ -124,7 +124,7 @@ int harmonicOf(int channel) {
     return 0;
 }
 
-// Carriers in bands of the air traffic keep off its frequencies.
+// Carriers in bands of the air traffic are shifted off its frequencies.
 int64_t aeronauticalOffset(int64_t carrier) {
     const auto within = [carrier](int64_t from, int64_t to) {
         return carrier >= from * 100000 && carrier < to * 100000;

@@ -1,4 +1,4 @@
-// Holds the sample's channel plans against the standards that they follow.
+// Compares the sample's channel plans with the standards that they follow.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,7 +58,7 @@ TEST(SamplePlansTest, NoneIsLeftUnchecked) {
     EXPECT_EQ(files, plans.size());
 }
 
-// Frequencies that anyone who knows the plan knows.
+// Well-known frequencies of the plans.
 TEST(SamplePlansTest, WellKnownChannels) {
     const auto expect = [](const std::string& plan, const std::string& line) {
         EXPECT_THAT(readPlan(plan), ::testing::Contains(line)) << plan;

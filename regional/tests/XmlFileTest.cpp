@@ -141,7 +141,7 @@ TEST_F(XmlFileTest, ManyCharacterReferencesAreRefused) {
     EXPECT_EQ(errorOf("<A>" + repeat(1000000, "&#") + "</A>"), "XML_ERROR_PARSING");
 }
 
-// What looks like the beginning of something that never ends.
+// Texts that begin a construct of XML and never end it.
 TEST_F(XmlFileTest, UnfinishedFilesAreErrors) {
     for (const char* const text : {"<", "<A", "<A b", "<A b=", "<A b='", "<A b='x", "<A>x", "<!--",
                                    "<!-- -", "<![CDATA[", "<![CDATA[ ]]", "<?xml", "<!DOCTYPE"}) {
@@ -151,7 +151,7 @@ TEST_F(XmlFileTest, UnfinishedFilesAreErrors) {
     EXPECT_NE(errorOf(repeat(1000000, "<A '")), "none");
 }
 
-// TinyXML-2 knows no document types, so that no declaration can blow a text up.
+// TinyXML-2 ignores document types, so that no declared entity can make a text large.
 TEST_F(XmlFileTest, ADeclaredEntityIsNotExpanded) {
     const XmlFile file(mDir.write("file.xml", "<!DOCTYPE A><!ENTITY x \"xxxx\"><A>&x;</A>"));
     EXPECT_EQ(file.error(), nullptr);

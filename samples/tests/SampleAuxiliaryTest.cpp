@@ -45,7 +45,7 @@ class SampleAuxiliary : public ::testing::TestWithParam<int> {
         return name;
     }
 
-    // What the files of these names add up to.
+    // The sum of the item's values in the files of these names.
     int sum(const std::vector<std::string>& names, const char* section, const char* key) const {
         int total = 0;
         for (const std::string& name : names) {
@@ -141,8 +141,8 @@ TEST(SampleAuxiliaryGrammar, OfTwoEqualKeysTheUpperOneCounts) {
     EXPECT_EQ(parser.getInfo("keys_seven.ini", ConfigKey("[KEYPAD]", "LONG_PRESS")), "1500");
 }
 
-// The reader takes characters along with a quote in the middle of a value, keeps blanks before a
-// comment, and wants a value in every line.
+// The reader removes more than a quote in the middle of a value, keeps blanks before a comment, and
+// needs a value in every line.
 TEST(SampleAuxiliaryGrammar, EveryLineIsOneThatTheReaderTakesAsItLooks) {
     for (const std::string& file : partitionFiles()) {
         const std::string folder = file.substr(0, file.rfind('/') + 1);

@@ -1,4 +1,4 @@
-// What a country decides, seen by clients of the service that runs on the sample.
+// What the country changes for clients of the service that runs on the sample.
 
 #include <gmock/gmock.h>
 
@@ -33,7 +33,7 @@ class SampleCountryTest : public ServedSample {
     static std::string feature(const std::string& name) {
         return call({"IMlkTvConfigs", "getFlag", name});
     }
-    // How many channels a plan of the sample has: the lines that are no remarks.
+    // The number of channels of a plan of the sample: its lines without remarks.
     static size_t channelsOf(const std::string& plan) {
         const auto lines = linesOf(contentOf("tvconfigs/freqtables/" + plan));
         return static_cast<size_t>(

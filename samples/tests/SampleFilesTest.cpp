@@ -1,4 +1,4 @@
-// What holds for the files of the sample whatever reads them: limits, spelling, completeness.
+// Rules for all files of the sample, whatever reads them: limits, spelling, completeness.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@ using ::testing::ContainerEq;
 using ::testing::EndsWith;
 using ::testing::StartsWith;
 
-// Longest line that the reader of a folder takes; the first prefix that fits counts. Files that
-// only other programs read are held to the narrowest limit, too.
+// The longest line that the reader of a folder takes; the first prefix that fits counts. Files that
+// only other programs read must keep to the narrowest limit, too.
 struct Limit {
     const char* prefix;
     size_t characters;
@@ -147,7 +147,7 @@ TEST(SampleFiles, TvFeatureFilesHoldKnownKeysOnceEachWithValuesThatAreTaken) {
     }
 }
 
-// The lists have no comments: every line is an entry, and an unknown country is taken for another.
+// The lists have no comments: every line is an entry, and an unknown name counts as a country.
 TEST(SampleFiles, ListsHoldNothingButEntries) {
     const std::regex country("[A-Z_]+,[A-Z]{2}");
     const std::regex language("[a-z]{3},[A-Z][a-z]+");
@@ -199,7 +199,7 @@ TEST(SampleFiles, EveryEdidIsOneOfItsSocket) {
     }
 }
 
-// Whatever only stands for a table of a real set has to say so.
+// A placeholder for a table of a real set says that it is one.
 TEST(SampleFiles, PlaceholdersSaySo) {
     for (const char* prefix :
          {"tvconfigs/pq/", "tvconfigs/aq/", "tvconfigs/eq/", "tvdata/channels/", "impdata/hdcp/"}) {

@@ -13,14 +13,14 @@
 
 namespace mlk::samples {
 
-/// A copy of the sample under the real service, asked by the real client.
+/** A copy of the sample under the real service, asked by the real client. */
 class ServedSample : public ::testing::Test {
   protected:
     ServedSample() { mSet.copyFrom(samplesFolder() / "partitions"); }
 
     void SetUp() override { start(); }
 
-    /// Starts the service, in place of the one that runs, and waits until it answers.
+    /** Starts the service, in place of the one that runs, and waits until it answers. */
     void start() {
         mService = nullptr;
         mService = std::make_unique<testing::Process>(std::vector<std::string>{
@@ -30,7 +30,7 @@ class ServedSample : public ::testing::Test {
                 0);
     }
 
-    /// What mlkctl prints when it is given these words.
+    /** What mlkctl prints when it is given these words. */
     static std::string mlkctl(std::vector<std::string> words) {
         words.insert(words.begin(), testing::binDir() + "/mlkctl");
         testing::Process process(std::move(words));
@@ -38,7 +38,7 @@ class ServedSample : public ::testing::Test {
         return process.out();
     }
 
-    /// The same for a call: interface, method, arguments.
+    /** The same for a call: interface, method, arguments. */
     static std::string call(std::vector<std::string> words) {
         words.insert(words.begin(), "call");
         return mlkctl(std::move(words));

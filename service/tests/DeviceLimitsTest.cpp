@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(Values, ReplyLimitTest, ::testing::Values("", "device",
 class DeadAllocatorTest : public Delivery {
   protected:
     DeadAllocatorTest() { mVariables["MLK_CALL_LIMIT_MS"] = "500"; }
-    // Only the file is not delivered, and the client hears that in time.
+    // The answer is empty and arrives in time. The same file is delivered as bytes.
     void expectNothingShared() {
         const std::string path = file(5);
         const auto start = std::chrono::steady_clock::now();

@@ -91,10 +91,10 @@ class Scenario {
             next(delivered(*project, mSet.tvconfigs() + "/list"));
         }
         if (mEnds) {
-            server.process().wait();  // its clients hear of its end before it has ended
+            server.process().wait();  // clients learn of the end before it is complete
         }
         mRuns = server.process().running();
-        // Only of a process that has ended is everything here that it wrote.
+        // The whole output of the process is here only after its end.
         server.process().kill(SIGKILL);
         server.process().wait();
         mLog = server.process().err();

@@ -45,7 +45,7 @@ TEST_F(FileDeliveryTest, NothingIsSharedOfAFileWithoutBytes) {
     EXPECT_EQ(shared("\"" + file(5)), "empty memory");
 }
 
-// The most memory that the process needs for one call, besides what it has already.
+// The highest amount of memory that the process needs for one call, in addition to what it has.
 template <typename Call>
 size_t peakIn(pid_t pid, const Call& call) {
     const size_t before = residentOf(pid);

@@ -159,7 +159,7 @@ TEST_F(LoadTest, SixtyFourProcessesAtOnce) {
 }
 
 TEST_F(LoadTest, NothingGrowsWithTheNumberOfCalls) {
-    // Four callers beside the four that ran before this: 100,000 calls have settled it.
+    // The memory settles within the first 100,000 calls.
     const uint64_t calls = isSoak() ? 10'000'000 : 40'000;
     callers(4, seconds(), "25000");
     const size_t settled = residentOf(pid());

@@ -59,14 +59,14 @@ class AddressSpace {
     explicit AddressSpace(pid_t process) {
         std::ifstream maps("/proc/" + std::to_string(process) + "/maps");
         for (std::string line; std::getline(maps, line);) {
-            // What cannot be read has no addresses of anything; a sanitizer reserves much of that.
+            // Ranges that cannot be read hold nothing; a sanitizer reserves large ones.
             if (line.find(" r") == std::string::npos) {
                 continue;
             }
             const size_t dash = line.find('-');
             const uint64_t begin = std::stoull(line.substr(0, dash), nullptr, 16);
             const uint64_t end = std::stoull(line.substr(dash + 1), nullptr, 16);
-            // What is larger than any memory is a sanitizer's notes about memory.
+            // A range larger than any memory holds a sanitizer's notes about memory.
             constexpr uint64_t kLargest = uint64_t{1} << 36U;
             if (end - begin < kLargest) {
                 mRanges.emplace_back(begin, end);

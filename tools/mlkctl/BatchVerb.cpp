@@ -65,7 +65,7 @@ std::string messageOf(const Failure& failure) {
            jsonString(failure.what()) + '}';
 }
 
-/// Lines that were read, until they are answered. For one thread.
+/** Lines that were read, until they are answered. For one thread. */
 class Group {
   public:
     bool isFull() const { return mAnswers.size() == kMostLines; }
@@ -86,7 +86,7 @@ class Group {
         }
     }
 
-    /// Makes the calls and answers each line, in the order of the lines.
+    /** Makes the calls and answers each line, in the order of the lines. */
     void answer(Environment& environment) {
         size_t line = 0;
         const auto writeKnown = [&] {

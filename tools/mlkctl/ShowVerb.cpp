@@ -21,7 +21,7 @@ Usage: mlkctl show [--json] [--timeout SECONDS]
 
 Shows, for a person to read, what the service makes of the partitions: which project is selected
 and which there are, panel, sound, inputs and tuners, the country and what it decides, power, remote
-control, and where the partitions are. Any single value is had with mlkctl call.
+control, and where the partitions are. Use mlkctl call for a single value.
 
 The country is the saved one, with its TV system, its TV configuration file and the number of
 channels in each of its plans. The features are those of the file that the service has started on:
@@ -34,12 +34,12 @@ Options:
   -h, --help         this text
 
 Output:
-  Lines under headings. "-" stands for an empty value. Where there is none, the reason stands in
-  brackets: (refused) by the service, (no answer) to this call, (not reachable); no country
+  Lines under headings. "-" stands for an empty value. A reason in brackets stands for a missing
+  one: (refused) by the service, (no answer) to this call, (not reachable); no country
   (none saved), one without a name (unknown), its maps (not readable).
 
   With --json, one line: {"project":{"name":"...","index":1,...},"picture":{...},...}, where null
-  stands for a value that there is not.
+  stands for a missing value.
 
 Exit status:
   0  shown

@@ -23,8 +23,8 @@ class Worker {
 
     /** How a group ended. */
     struct Outcome {
-        size_t ended;  ///< number of pieces that have ended, counted from the first
-        bool hangs;    ///< the next piece took longer than its limit
+        size_t ended; /**< number of pieces that have ended, counted from the first */
+        bool hangs;   /**< the next piece took longer than its limit */
     };
 
     Worker();

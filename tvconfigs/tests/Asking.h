@@ -13,7 +13,7 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
-/// An answer as text: "true", "4"; behind "refused " where success is false.
+/** An answer as text: "true", "4"; after "refused " if success is false. */
 inline std::string textOf(const OptionalBool& answer) {
     return std::string(answer.success ? "" : "refused ") + (answer.value ? "true" : "false");
 }
@@ -26,7 +26,7 @@ using Callback = std::function<void(const Answer&)>;
 template <typename Answer, typename... Arguments>
 using Method = ::android::hardware::Return<void> (IMlkTvConfigs::*)(Arguments..., Callback<Answer>);
 
-/// Calls the method; gives its answer. Fails the test unless there is exactly one.
+/** Calls the method; gives its answer. Fails the test unless there is exactly one. */
 template <typename Answer, typename Result, typename... Parameters, typename... Arguments>
 std::string askFor(IMlkTvConfigs& service, Result (IMlkTvConfigs::*method)(Parameters...),
                    Arguments&&... arguments) {
@@ -35,14 +35,14 @@ std::string askFor(IMlkTvConfigs& service, Result (IMlkTvConfigs::*method)(Param
     return answer ? textOf(*answer) : "no answer";
 }
 
-/// A flag of the interface, as the tests want it to be.
+/** A flag of the interface, as the tests want it to be. */
 struct TvFlag {
-    const char* name;  ///< as dumped
+    const char* name; /**< as dumped */
     ConfigType type;
     Method<OptionalBool> getter;
     Method<OptionalBool, bool> setter;
     const char* key;
-    const char* master;  ///< key of the flag without which it is loaded as false; null: none
+    const char* master; /**< key of the flag without which it is loaded as false; null: none */
     bool isCaption = false;
 
     std::string get(IMlkTvConfigs& service) const { return askFor<OptionalBool>(service, getter); }
@@ -51,15 +51,15 @@ struct TvFlag {
     }
 };
 
-/// All 24, in the order of their types.
+/** All 24, in the order of their types. */
 const std::vector<TvFlag>& tvFlags();
 
-/// The flag with that key.
+/** The flag with that key. */
 const TvFlag& tvFlag(const std::string& key);
 
-/// A system of the interface.
+/** A system of the interface. */
 struct TvSystem {
-    const char* name;  ///< as dumped
+    const char* name; /**< as dumped */
     Method<OptionalInt32> getter;
     Method<OptionalInt32, int32_t> setter;
     const char* key;
@@ -72,7 +72,7 @@ struct TvSystem {
     }
 };
 
-/// The analogue one and the digital one.
+/** The analogue one and the digital one. */
 const std::vector<TvSystem>& tvSystems();
 
 inline std::string getFlag(IMlkTvConfigs& service, ConfigType type) {

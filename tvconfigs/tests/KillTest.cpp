@@ -74,11 +74,11 @@ class SharedCount {
 
 /** How often each outcome was found. */
 struct Found {
-    int before = 0;   ///< all entries, as before the change that the kill interrupted
-    int after = 0;    ///< all entries, as after that change
-    int neither = 0;  ///< something else
-    int damaged = 0;  ///< of these: more than two unchanged lines are lost
-    int empty = 0;    ///< of these: without any entry
+    int before = 0;  /**< all entries, as before the change that the kill interrupted */
+    int after = 0;   /**< all entries, as after that change */
+    int neither = 0; /**< something else */
+    int damaged = 0; /**< of these: more than two unchanged lines are lost */
+    int empty = 0;   /**< of these: without any entry */
 };
 
 std::set<std::string> linesOf(const std::string& text) {

@@ -49,7 +49,7 @@ TYPED_TEST_SUITE(IniStoresTest, Readers);
 using Asked = ::testing::Types<LiteralStore, MapStore, SortedStore, KeyFileStore>;
 TYPED_TEST_SUITE(AskedStoresTest, Asked);
 
-// Whoever finds less in the file than our store does has an easier job.
+// A store that finds fewer items in the file than ours would have less to do.
 TYPED_TEST(IniStoresTest, HoldsAllItems) {
     NamedValues expected;
     for (const Item& item : this->project.items) {

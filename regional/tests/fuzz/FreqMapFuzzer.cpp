@@ -18,8 +18,8 @@ constexpr FreqTableType kTypes[] = {FreqTableType::DTV_ANTENNA, FreqTableType::D
 constexpr AtscCableType kCables[] = {AtscCableType::AUTO, AtscCableType::STD, AtscCableType::HRC,
                                      AtscCableType::IRC, AtscCableType{9}};
 
-// The text as an XML file has to write it to get it back: blanks at its ends as well, and an empty
-// one that is not none.
+// Escapes a text so that a reader of XML gets exactly this text, including blanks at its ends. The
+// result is never empty: an empty element would have no text.
 std::string escaped(const std::string& text) {
     std::string result = text.empty() ? "&#0;" : "";
     for (size_t i = 0; i < text.size(); ++i) {
@@ -57,7 +57,7 @@ std::string xmlOf(const std::vector<CountryFreqMapEntry>& entries) {
     return text;
 }
 
-// What the entries say, a table at a time.
+// The entries' table for a country, found by a walk over all entries.
 bool lookUp(const std::vector<CountryFreqMapEntry>& entries, const std::string& country,
             FreqTableType type, AtscCableType cable, std::string& name) {
     bool found = false;

@@ -20,7 +20,7 @@ std::string textOf(const std::vector<HidlFreqListItem>& items) {
     return text;
 }
 
-// The channels as a table: what a reader makes of it are the same channels. Nothing for those that
+// Writes the channels as a table, from which a reader gets the same channels. Leaves out those that
 // no line can hold.
 std::string tableOf(std::vector<HidlFreqListItem>& items) {
     std::vector<HidlFreqListItem> kept;

@@ -24,7 +24,7 @@ std::string printed(const T& value) {
     return out;
 }
 
-// A block of memory that says it has `size` bytes.
+// A block of memory that claims to have `size` bytes.
 class Memory {
   public:
     Memory(const std::string& content, size_t size) {
@@ -129,7 +129,7 @@ TEST(AnswerTest, MemoryThatLiesKillsNobody) {
                                        ::testing::HasSubstr("it is empty")));
 }
 
-// An answer with a byte that is no truth value, at a place of its own.
+// The message about an answer with this byte at this place. The byte is not a truth value.
 template <typename Answer>
 std::string refusalOf(size_t place, uint8_t byte) {
     Answer answer{};

@@ -99,7 +99,7 @@ TEST(ArgumentTest, TextsAreBytes) {
     EXPECT_EQ(word("--foo").toText(kText), "--foo");
     EXPECT_EQ(word("5").toText(kText), "5");
     EXPECT_EQ(word("\xff\\udc80").toText(kText), "\xff\x80");
-    // In JSON the parser has read the escapes; what looks like one was written with two
+    // A JSON parser has already replaced the escapes. A text that looks like one had two
     // backslashes.
     EXPECT_EQ(Argument::ofText("\\udc80").toText(kText), "\\udc80");
     EXPECT_EQ(Argument::ofText(std::string("a\0b", 3)).toText(kText), std::string("a\0b", 3));

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 const Word kText{"TEXT", Word::Kind::TEXT};
 const Word kNumber{"NUMBER", Word::Kind::NUMBER};
 
-// The text of a line with one argument, as it stands in JSON between the quotes.
+// The argument of a line whose JSON has this text between the quotes.
 std::string textOf(const std::string& json) {
     const BatchLine line = parseBatchLine(R"(["I","m",")" + json + R"("])");
     EXPECT_EQ(line.arguments.size(), 1U);
@@ -65,14 +65,14 @@ TEST(BatchLineTest, ReadsBytesThatAreNoUtf8) {
     EXPECT_EQ(textOf(R"(a\udc80b)"),
               "a\x80"
               "b"s);
-    // What a backslash in front of it makes of it.
+    // The same after a backslash.
     EXPECT_EQ(textOf(R"(\\udc80)"), R"(\udc80)");
     EXPECT_EQ(textOf(R"(\\\udc80)"), "\\\x80");
     EXPECT_EQ(textOf(R"(\"\udc80)"), "\"\x80");
-    // In a pair it is the second half; after a whole pair it stands for a byte again.
+    // In a pair it is the second half; after a whole pair it is a byte again.
     EXPECT_EQ(textOf(R"(\ud800\udc80)"), "\xf0\x90\x82\x80");
     EXPECT_EQ(textOf(R"(\ud800\udc80\udc80)"), "\xf0\x90\x82\x80\x80");
-    // The character that marks hidden bytes stands for itself beside them.
+    // The character that marks hidden bytes may also occur by itself.
     EXPECT_EQ(textOf("\x7f\\udc80\\u007f\x7f"
                      "80\\u007F80"),
               "\x7f\x80\x7f\x7f"

@@ -132,7 +132,7 @@ TEST(BatchTest, LooksAgainForAServiceThatHasDied) {
     EXPECT_EQ(outcome.status, 0);
 }
 
-// More lines than are called in one go, of two interfaces, with lines that are wrong between them.
+// More lines than one round of calls takes, of two interfaces, with wrong lines between them.
 TEST(BatchTest, ManyLinesKeepTheirOrder) {
     Script script;
     std::string input;

@@ -74,7 +74,7 @@ TEST(CommandLineTest, EveryCommandHasAManualPage) {
                 EXPECT_THAT(outcome.out, HasSubstr(heading)) << name;
             }
         }
-        // Every option is in the page, and no line is too wide for a terminal.
+        // The page has every option, and no line is too wide for a terminal.
         CLI::App app;
         verb->addOptions(app);
         const std::string page = verb->help();

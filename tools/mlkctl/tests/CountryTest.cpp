@@ -1,4 +1,4 @@
-// Countries by name, and what show says of the country that a set stands in.
+// Countries by name, and what show prints about the country of a set.
 
 #include <gmock/gmock.h>
 
@@ -47,7 +47,7 @@ TEST(CountryTest, AWrongNameIsToldSo) {
     EXPECT_TRUE(script.calls.empty());
 }
 
-// Fakes of a set that stands in a country, of which the maps are there.
+// Fakes of a set with a saved country, and the maps of that country.
 class ShowCountryTest : public ::testing::Test {
   protected:
     ShowCountryTest() {
@@ -63,7 +63,7 @@ class ShowCountryTest : public ::testing::Test {
         mScript.channels.resize(3);
         saved("COUNTRY_ID=44\n");
     }
-    // What the file of the saved country holds.
+    // Sets the content of the file of the saved country.
     void saved(const std::string& text) { mScript.bytes.assign(text.begin(), text.end()); }
     Outcome show(const Words& options = {}) {
         Words words = {"show"};

@@ -1,4 +1,4 @@
-// What the interfaces' definitions say about the methods, against the tables that the services
+// Compares what the interfaces' definitions say about the methods with the tables that the services
 // answer from.
 
 #include <gmock/gmock.h>

@@ -105,7 +105,7 @@ TEST_F(EndToEndTest, ARefusedCallIsNoAnswerAndTheServiceLivesOn) {
     EXPECT_TRUE(mService->running());
 }
 
-// Each way of asking looks at a truth value's byte before it takes it for one.
+// Each way of asking checks the byte of a truth value before it uses it.
 TEST_F(EndToEndTest, ATruthValueThatIsNoneIsNoAnswer) {
     startService({"--unsound", "IMlkProjectConfigs", "IMlkTvConfigs", "IMlkFrameworkConfigs"});
     ASSERT_EQ(run({"wait", "--timeout", "60"}).status, 0);
@@ -137,7 +137,7 @@ TEST_F(EndToEndTest, WaitNamesWhatIsMissing) {
     startService({"IMlkTvConfigs"});
     const Process wait(mlkctl({"wait", "--timeout", "3600"}));
     EXPECT_TRUE(wait.running());
-    // Registered by the time that the first answers.
+    // When the first call is answered, the name is registered.
     Outcome outcome;
     do {
         outcome = run({"wait", "--timeout", "0"});
@@ -169,7 +169,7 @@ TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
     EXPECT_EQ(run({"wait"}).status, 0);
 }
 
-// Names whose servers take connections and say nothing, and some that do not even take one.
+// Names whose servers accept connections and stay silent, and some that do not even accept one.
 TEST_F(EndToEndTest, HundredsOfSilentNamesAreListedSoon) {
     constexpr size_t kNames = 300;
     constexpr size_t kFull = 3;

@@ -19,7 +19,8 @@ using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 
-/** What the fakes answer, to every method with an answer of that type, and what they were asked. */
+/** The answers of the fakes by type, for every method with an answer of that type, and the calls.
+ */
 struct Script {
     Script() = default;
     ~Script();
@@ -29,7 +30,7 @@ struct Script {
     bool success = true;
     bool flag = true;
     int32_t number = 42;
-    /** Texts are answered with this; when empty, with the method's name, unless emptyTexts. */
+    /** Every text; if it is empty, methods answer their names, unless emptyTexts is set. */
     std::string text;
     bool emptyTexts = false;
     std::vector<hidl_string> texts = {"one", "two"};
@@ -45,7 +46,7 @@ struct Script {
     /** Methods that fail with EX_ILLEGAL_STATE, and those that fail like dead objects. */
     std::set<std::string> failing;
     std::set<std::string> dying;
-    /** What the failing ones say. */
+    /** The message of the failing ones. */
     std::string failure = "not now";
 
     /** A call with this text as its last argument ends the process. */

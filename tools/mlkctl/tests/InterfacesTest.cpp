@@ -1,4 +1,4 @@
-// The tables against the interfaces' own definition, and every row against what it calls.
+// Compares the tables with the interfaces' definition, and every row with the call that it makes.
 
 #include <gmock/gmock.h>
 
@@ -42,7 +42,7 @@ std::vector<std::string> enumerators(const std::string& type) {
     return names;
 }
 
-// "int32_t cableType" in a form that words can be compared with.
+// Adds the words of a parameter, "int32_t cableType", in the form of the client's table.
 void addWords(const std::string& type, const std::string& name, std::vector<std::string>* words) {
     if (type == "ProjectConfigKey") {
         words->insert(words->end(), {"text CATEGORY", "text KEY"});

@@ -135,7 +135,7 @@ TEST(LineInputTest, WaitsAtAPipeThatDoesNot) {
     writer.join();
 }
 
-// The state of a thread of this process as the kernel has it: 'S' while it sleeps.
+// The state that the kernel shows for a thread of this process: 'S' while it sleeps.
 char stateOf(pid_t thread) {
     std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
     std::string text;
@@ -144,7 +144,7 @@ char stateOf(pid_t thread) {
     return end == std::string::npos ? '?' : text[end + 2];
 }
 
-// It sleeps until there is something: one that asked again and again would run.
+// A reader sleeps until there is input. One that polled the pipe in a loop would run.
 TEST(LineInputTest, SleepsAtAPipeThatDoesNotWait) {
     Pipe pipe;
     ASSERT_EQ(fcntl(pipe.reader(), F_SETFL, O_NONBLOCK), 0);

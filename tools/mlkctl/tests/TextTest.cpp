@@ -101,12 +101,12 @@ TEST(WithoutByteEscapesTest, ReadsExactlyTheBytes) {
                              R"(\Udc80)", R"(\n\u0041)", R"(\)"}) {
         EXPECT_EQ(withoutByteEscapes(text), text);
     }
-    // A backslash escapes nothing, another backslash neither.
+    // A backslash escapes nothing, not even another backslash.
     EXPECT_EQ(withoutByteEscapes(R"(\\udc80)"), "\\\x80");
 }
 
-// What a JSON parser and restoreBytes make of the hidden form is tested with BatchLine; this is
-// about what is hidden at all.
+// Tests which bytes are hidden. BatchLineTest tests the way back, through a JSON parser and
+// restoreBytes.
 TEST(HideByteEscapesTest, HidesOnlyLoneBytes) {
     std::string plain;
     EXPECT_FALSE(hideByteEscapes(R"(["a","\u0041"])", &plain));

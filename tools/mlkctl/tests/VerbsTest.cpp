@@ -201,7 +201,7 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
               "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Suspend forced    (not reachable)\n"),
                                    HasSubstr("  Panel             getPanelName\n")));
-    // One that dies meanwhile.
+    // A service that dies meanwhile.
     script.dying = {"getPanelName"};
     outcome = runMlkctl({"show"}, script);
     EXPECT_EQ(outcome.status, 1);
