@@ -32,7 +32,7 @@ COLOURS = (
     ("line3", "stroke", "#1a7f37", "#3fb950"),
 )
 
-ROWS = {  # name: what stands beside it
+ROWS = {  # name: label
     "parse-5000": ("Reading a project file", "5,000 lines into the ordered store"),
     "parse-100000": ("", "100,000 lines"),
     "lookup-5000": ("One item", "of 5,000"),
@@ -93,8 +93,8 @@ class Axis:
 def lanes(labels):
     """Places labels, (x, words), side by side if they fit, else below each other.
 
-    Their words end above x, and whoever stands further right stands lower where they meet, so that
-    the line from x down to the words crosses no others. Gives (x, words, lane) for each."""
+    Their words end above x, and of labels that would overlap the one further right is lower, so that
+    the line from x down to the words crosses no others. Returns (x, words, lane) for each."""
     placed = []
     for x, words in sorted(labels):
         begin = x - len(words) * LETTER
@@ -224,7 +224,7 @@ def growth(full, top):
                 for x, y in points]
         ends.append(points[-1])
     words_x = x_of(100) + 100
-    # Lines that end at the same height: first whose end lies further right.
+    # Of lines that end at the same height, the one that ends further right comes first.
     places = apart([y - x / 1000 for x, y in ends], 38, top + 60, bottom - 10)
     for one, (x, y), place in zip(series, ends, places):
         classes, title, dashes = LINES[one["name"]]

@@ -2,7 +2,7 @@
 
 Measurements are a dict from a benchmark's name, "FAMILY/CONTESTANT/SIZE", to its numbers, one a
 round. The contestant "limit" is the least that the job takes, "ours" is the product; all others of
-a family and size are peers and stand beside the row of themselves.
+a family and size are peers, shown in their own column.
 """
 
 from dataclasses import dataclass
@@ -24,7 +24,7 @@ class Row:
     goal: Optional[float]  # None: shown for what it explains
     more_is_better: bool = False
     over: str = ""  # another benchmark in place of the family's limit
-    against_peers: bool = False  # how often ours goes into the best peer
+    against_peers: bool = False  # the ratio is the best peer's time over ours
 
 
 ROWS = (

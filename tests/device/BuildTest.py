@@ -40,7 +40,7 @@ class Build(unittest.TestCase):
         for text in (
             "void f() { throw 1; }",
             "#include <typeinfo>\nbool f(int i) { return typeid(i) == typeid(1); }",
-            # The libraries that a module does not name have no headers for it.
+            # A module sees no headers of libraries that it does not name.
             "#include <cutils/properties.h>",
             "#include <hidl/HidlSupport.h>",
         ):

@@ -1,4 +1,4 @@
-"""The labels that files get in an image, where the platform's rows stand among the service's."""
+"""The labels of files in an image, which has the platform's rows and the service's."""
 
 import re
 import unittest

@@ -12,11 +12,10 @@ from device_build import DeviceBuild
 from publicnames import PublicNames
 
 NAMESPACES = ("android::hardware", "android::hidl::manager", "TvPartitionPath")
-# What stands below these is the runtime's own business: IncludesTest has the few names of them that
-# sources may use.
+# Names below these belong to the runtime. IncludesTest lists the few of them that sources may use.
 INTERNAL = "android::hardware::details"
 USED_INTERNALS = {"android::hardware::details::return_status"}
-# Parts of <hidl/HidlSupport.h>, and what hides the transport's parts of classes.
+# Parts of <hidl/HidlSupport.h>, and the header that hides the transport's parts of classes.
 PIECES = {"hidl/HidlArray.h", "hidl/HidlHandle.h", "hidl/HidlString.h", "hidl/HidlToString.h", "hidl/HidlVec.h",
           "hidl/HostTransport.h"}
 
@@ -40,7 +39,7 @@ class Runtime:
 
 
 def headers_of_host():
-    """Every header of the host that stands for one of the platform's, by the name it is included by."""
+    """Every header of the host that replaces one of the platform's, by the name in the include."""
     return {str(path.relative_to(folder)): path
             for folder in sorted((tree.ROOT / "host").glob("*/include"))
             for path in sorted(folder.rglob("*.h"))}
@@ -57,7 +56,7 @@ class HostHeaders(unittest.TestCase):
         cls.offered = PublicNames(text, cls.folders, NAMESPACES).offered
 
     def beyond(self, offered):
-        """What is offered and is not in the table."""
+        """The names that the host offers and the table lacks."""
         return {
             f"{scope}::{name}"
             for scope, names in offered.items()
@@ -117,7 +116,7 @@ class HostHeaders(unittest.TestCase):
 
 
 class Uses(unittest.TestCase):
-    """Sources that use what only a host has do not compile with the headers of the device's build."""
+    """Sources that use names of the host alone do not compile with the headers of the device's build."""
 
     INCLUDES = "#include <hidl/HidlSupport.h>\n#include <hidl/Static.h>\n#include <hwbinder/Parcel.h>\n"
 

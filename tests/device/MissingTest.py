@@ -13,7 +13,7 @@ import tree
 from device_build import DeviceBuild
 
 LISTS = ("srcs", "generated_sources", "tools", *rules.LIBRARIES)
-# Modules that write sources, or hold what these are written from.
+# Modules that generate sources, or hold the input of such modules.
 WRITING = {"filegroup", "genrule", "python_binary_host"}
 
 
@@ -61,7 +61,7 @@ class Modules(unittest.TestCase):
         return texts
 
     def findings(self, modules):
-        """What is said of modules before anything is linked."""
+        """The findings about modules before anything is linked."""
         return [*rules.findings(modules, self.cmake), *rules.headers_without_library(modules, self.used)]
 
 
@@ -93,7 +93,7 @@ class Missing(Modules):
         self.assertEqual(idle, [])
 
     def test_linker_misses_what_programs_use(self):
-        """It alone, whatever the other rules say."""
+        """Tests one rule, regardless of the others."""
         for name, kind, entry in (
             ("mlkctl", "static_libs", "libmlkconfigs_common"),
             ("mlkctl", "static_libs", "libmlkconfigs_regional"),

@@ -11,7 +11,7 @@ import tree
 from modulerules import TARGETS, stands_alone
 
 def unformatted(paths):
-    """What bpfmt would change. It exits with 0 all the same."""
+    """The changes that bpfmt would make. Its exit status is 0 in any case."""
     status, said = tree.run("bpfmt", "-d", *paths)
     return said if status == 0 else f"bpfmt: status {status}\n{said}"
 
@@ -82,7 +82,7 @@ class Modules(unittest.TestCase):
                 self.assertTrue(f"`{name}`" in guide or f"name: \"{name}\"" in guide, name)
 
     def test_platforms_modules_are_in_use(self):
-        """A row that nobody names would let a wrong name pass unseen one day."""
+        """Every row has a user: a superfluous one could hide a wrong name."""
         used = {library for name in rules.with_sources(self.modules) for library in rules.named(self.modules, name)}
         used |= set(tree.read("docs/device.md").split())
         self.assertEqual(set(platform_modules.table()) - used, set())
@@ -109,7 +109,7 @@ class Interface(unittest.TestCase):
         folder, _, properties = modules[self.PACKAGE]
         root_folder, kind, root = modules[properties["root"]]
         self.assertEqual(kind, "hidl_package_root")
-        # Where the tree stands in a platform's.
+        # The place of this tree in the platform's.
         path = root["path"].removeprefix("vendor/morlak/mlkconfigs/")
         self.assertTrue(path.startswith(root_folder))
         with tempfile.TemporaryDirectory() as out:
@@ -118,7 +118,7 @@ class Interface(unittest.TestCase):
                 "-r", "android.hidl:host/hidl/interfaces", "-r", f"{root['name']}:{path}", self.PACKAGE,
             )
             self.assertEqual((status, said), (0, ""))
-            # The compiler puts the file where the package lies.
+            # The compiler writes the file into the folder of the package.
             written = (Path(out) / folder / "Android.bp").read_text(encoding="utf-8")
         # This compiler is Android 10's, which put packages of other roots into the product partition.
         # From Android 11 on it is system_ext, where system clients find them.

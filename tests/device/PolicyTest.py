@@ -8,7 +8,7 @@ from contexts import label, rows, type_of
 from policy import Policy, compiled, expanded
 from writers import PLACES, READ, WRITERS
 
-# The platform labels these, and lets every domain read them.
+# The platform labels these and lets every domain read them.
 PLATFORM_PROPERTIES = {"ro.hardware"}
 
 
@@ -65,7 +65,7 @@ class Compiles(unittest.TestCase):
 
 
 class Allows(unittest.TestCase):
-    """What the sources do, and the runtime for them, is allowed."""
+    """The policy allows what the sources do, and what the runtime does for them."""
 
     @classmethod
     def setUpClass(cls):
@@ -140,7 +140,7 @@ def property_types():
 
 class Properties(unittest.TestCase):
     def test_calls_name_properties_by_tables_or_literals(self):
-        """Else the list of them, which is taken from the literals, would have holes."""
+        """Every name is a whole literal, because the list of them is made from the literals."""
         arguments = {
             argument
             for source in tree.product_sources()
@@ -163,7 +163,7 @@ class Properties(unittest.TestCase):
             self.assertEqual(kind, expected, name)
 
     def test_values_are_texts_as_the_service_reads_them(self):
-        """Init refuses what is not of a row's kind, and its numbers and switches are fewer than the getters'."""
+        """Init refuses values of another kind, and its kinds allow fewer values than the getters accept."""
         self.assertEqual({tuple(row[2:]) for row in rows("property_contexts")}, {("exact", "string")})
 
 

@@ -96,7 +96,7 @@ class Promises(unittest.TestCase):
         for kind in self.policy.members("file_type"):
             if kind not in written | {"property_socket"}:
                 for object_class in KINDS_OF_FILES:
-                    # Of its two folders on the partitions a name may come and go.
+                    # Names may be added and removed only in its two folders on the partitions.
                     names = {"write", "add_name", "remove_name"} if (kind, object_class) in {
                         (label("/impdata"), "dir"), (label("/tvdata"), "dir")} else set()
                     self.cannot("mlkconfigs", kind, object_class, *(CHANGING_FOLDER - names))
@@ -158,7 +158,7 @@ class Promises(unittest.TestCase):
 
 
 class Answers(unittest.TestCase):
-    """The questions notice a policy that says something else."""
+    """The questions notice another policy."""
 
     def test_missing_and_surplus_rules(self):
         without = re.sub(r"\nallow mlkconfigs \{ mlkconfigs_features_file[^;]*lnk_file[^;]*;", "", expanded())

@@ -10,7 +10,7 @@ import platform_modules as platform
 import tree
 from guides import FORMATS, GUIDE, ITEMS, PAGES, anchors, countries, said, section, table, words
 
-# Words of the code that look like names in files and are not.
+# Words of the code that look like names in files but are none.
 NO_NAMES = {
     # tags and interfaces
     "IMlkFrameworkConfigs", "IMlkProjectConfigs", "IMlkTvConfigs", "IniProjectParser", "MlkProjectConfigs",
@@ -91,7 +91,7 @@ class Names(unittest.TestCase):
                  for key in re.findall(r"\w+", keys)}
         self.assertGreater(len(items), 40)
         self.assertEqual(items - items_of_the_guide(), set())
-        # The features' file is for the process that starts the services: no method names it.
+        # Only the process entry reads the item of the features' file; no method names it.
         self.assertEqual(items_of_the_code() - items, {("[LiveTV]", "TvConfig")})
 
     def test_no_row_stands_twice(self):
@@ -107,7 +107,7 @@ class Names(unittest.TestCase):
         countries = set(tree.literals("regional/CountryTable.h"))
         parts = {part for word in said() for part in (word, *re.findall(r"\w+", word))}
         for source in tree.product_sources():
-            # What begins as mAtvEnabled does is a member, for the log.
+            # A name like mAtvEnabled is a member's, for the log.
             names = {text for text in tree.literals(source) if re.fullmatch(r"(?!m[A-Z])[A-Za-z]\w*\}?", text)}
             self.assertEqual(names - parts - methods - countries - NO_NAMES, set(), source)
 

@@ -65,14 +65,14 @@ NAMES = {
     "variant": "get_if holds_alternative monostate variant visit",
     "vector": "vector",
 }
-# Names that several headers have, the first of which is as good as the second.
+# Names that several headers have; any of these headers will do.
 ALSO = {"get": "variant", "swap": "algorithm", "pair": "map", "hash": "string_view"}
 HEADERS = {name: set(headers.split()) | set(ALSO.get(name, "").split())
            for headers, names in NAMES.items() for name in names.split()}
 
 
 def lacking(file):
-    """The names that a file uses without a header of them, in it or in the headers of ours that it includes."""
+    """The names that a file uses although neither it nor our headers that it includes include their header."""
     files = {file, *rules.included(file)}
     there = {header.strip('<>"') for each in files for header in tree.includes(each)}
     used = set(re.findall(r"\bstd::(\w+)", tree.code(file)))
@@ -88,7 +88,7 @@ class Standard(unittest.TestCase):
         self.assertEqual({file: names for file in sorted(files) if (names := lacking(file))}, {})
 
     def test_table_knows_what_is_used(self):
-        """A name that the table lacks would go unseen."""
+        """The table has every name that a source uses."""
         modules = bp.modules()
         used = {name for module in rules.with_sources(modules) for source in rules.sources_of(modules, module)
                 for file in (source, *rules.included(source))

@@ -70,7 +70,7 @@ def files():
 
 
 def modules():
-    """All modules by their names: (folder, type, properties), what they take from defaults in."""
+    """All modules by their names: (folder, type, properties), including those of their defaults."""
     found = {}
     for name in files():
         for kind, properties in modules_of(tree.read(name)):
@@ -81,7 +81,7 @@ def modules():
 
 
 def whole(modules_by_name, name):
-    """A module's properties together with those of its defaults, as far as these are of this tree."""
+    """A module's properties, with those of its defaults that are in this tree."""
     _, _, own = modules_by_name[name]
     merged = {}
     for default in (default for default in own.get("defaults", []) if default in modules_by_name):
@@ -109,7 +109,7 @@ def generated_names(modules_by_name, name):
 
 
 def script_of(modules_by_name, tool, where):
-    """A script in a folder that holds what it is made of, and nothing else, as a build makes it."""
+    """A script in a folder with its sources and nothing else, as a build makes it."""
     folder, _, properties = modules_by_name[tool]
     for source in properties["srcs"]:
         shutil.copy(tree.ROOT / folder / source, where)
@@ -117,7 +117,7 @@ def script_of(modules_by_name, tool, where):
 
 
 def generated(modules_by_name, name, out):
-    """Has a module's generated sources written below a folder, as a build does; their paths."""
+    """Writes a module's generated sources below a folder, as a build does. Returns their paths."""
     with tempfile.TemporaryDirectory() as tools:
         return generated_by(modules_by_name, name, out, tools)
 

@@ -1,4 +1,4 @@
-"""Contexts files, and the label that a path gets by them in an image."""
+"""Contexts files, and the label that they give a path in an image."""
 
 import re
 
@@ -36,7 +36,7 @@ class Row:
         assert len(rest) == 1 or self.file_type in FILE_TYPES, (pattern, rest)
 
     def order(self):
-        """The less specific, the smaller: what the image builder's fc_sort compares, in this order.
+        """The sort key of the image builder's fc_sort, smaller for less specific rows. It compares in this order.
 
         Rows with meta characters before those without; the shorter text before the first meta
         character (the stem) first; the shorter whole first; a row for one type of file last.
@@ -47,7 +47,7 @@ class Row:
 
 
 def image_rows(ours=None):
-    """The platform's rows and ours (or those given) in the order that an image is labelled by."""
+    """The platform's rows and ours (or the given ones) in the order in which an image uses them."""
     platform = rows_of((PLATFORM / "file_contexts").read_text(encoding="utf-8"))
     ours = rows("file_contexts") if ours is None else ours
     return sorted((Row(*words) for words in platform + ours), key=Row.order)

@@ -1,8 +1,8 @@
 """Builds every module of the Android.bp files from exactly what they say, in a folder of the build.
 
-A module's sources see the headers of the libraries that it names, and of those that these pass on; a
-program is linked with what it names. The platform's libraries are stubs (stub.py) made of what stands
-in for them on a host. Ninja does the work, and only what changed is done again.
+A module's sources see the headers of the libraries that it names, and of those that these re-export. A
+program is linked with the libraries that it names. The platform's libraries are stubs (stub.py), made
+from their replacements on a host. Ninja does the work, and repeats only what changed.
 """
 
 import os
@@ -19,7 +19,7 @@ import tree
 
 # What the build system adds to every module that does not say otherwise.
 PLATFORM_FLAGS = ["-fno-exceptions", "-fno-rtti", "-fPIC"]
-# Nothing here runs: the code need not be good.
+# Nothing here runs, so the code need not be fast.
 QUICK = ["-O0", "-g0"]
 LINK = ["clang++", "-fuse-ld=lld", "-Wl,--no-undefined", "-Wl,--no-allow-shlib-undefined"]
 GTEST = {"libgtest": "-lgtest", "libgtest_main": "-lgtest_main", "libgmock": "-lgmock"}
@@ -32,7 +32,7 @@ def flags_of(modules, name):
 
 
 class DeviceBuild:
-    """`platform`: the file that says what stands in for a library; the build is made beside it."""
+    """`platform`: the file with the replacement of each library; the build is made beside it."""
 
     def __init__(self, modules, platform):
         self.modules = modules
@@ -45,7 +45,7 @@ class DeviceBuild:
         self.make_headers()
 
     def make_headers(self):
-        """A folder of headers for each library, with those that are its own."""
+        """A folder for each library, with only its own headers."""
         shutil.rmtree(self.out / "include", ignore_errors=True)
         table = platform_modules.table()
         for name, folders in self.headers.items():
@@ -77,7 +77,7 @@ class DeviceBuild:
         return self.out / "obj" / name / f"{source}.o"
 
     def sources_of(self, name):
-        """The names of a module's sources, each with its path; generated ones lie in the build's folder."""
+        """The names of a module's sources, each with its path; generated ones are in the build's folder."""
         folder = tree.ROOT / self.modules[name][0]
         return [
             *((source, folder / source) for source in bp.whole(self.modules, name)["srcs"]),
@@ -98,7 +98,7 @@ class DeviceBuild:
     def linker_inputs(self, modules, name):
         """What a program is linked from: its objects, and the libraries that it names.
 
-        The objects of a static library stand here one by one, as the linker sees an archive's.
+        It lists the objects of a static library one by one, as the linker sees those of an archive.
         """
         whole = bp.whole(modules, name)
         words = self.objects_of(modules, name)
@@ -110,9 +110,9 @@ class DeviceBuild:
         return words
 
     def link(self, modules, name):
-        """Links a program as these definitions say; the linker's words, empty when it succeeds."""
-        # To a file of its own: the compiler removes what it was to write when the linker fails, and
-        # root's would remove /dev/null.
+        """Links a program as these definitions say. Returns the linker's messages, empty on success."""
+        # The output is a file of its own: if the linker fails, the compiler removes the output, and
+        # root's compiler would remove /dev/null.
         with tempfile.TemporaryDirectory(dir=self.out) as folder:
             status, said = tree.run(*LINK, *self.linker_inputs(modules, name), "-o", f"{folder}/program")
         return said if status else ""
@@ -132,14 +132,14 @@ class DeviceBuild:
         return "\n".join(lines).replace("$$", "$") + "\n"
 
     def make(self):
-        """Compiles everything; the compiler's words, empty when it succeeds."""
+        """Compiles everything. Returns the compiler's messages, empty on success."""
         self.out.mkdir(parents=True, exist_ok=True)
         for name in rules.with_sources(self.modules):
             folder = self.out / "gen" / name
             folder.mkdir(parents=True, exist_ok=True)
             with tempfile.TemporaryDirectory() as written:
                 for file in bp.generated(self.modules, name, written):
-                    # One that would be the same again is left as it is: it need not be compiled again.
+                    # An unchanged file is not written, so that it is not compiled again.
                     there = folder / file.name
                     if not there.exists() or there.read_bytes() != file.read_bytes():
                         shutil.copy(file, there)

@@ -1,4 +1,4 @@
-"""What has to hold of the modules of the Android.bp files: each rule gives a list of findings."""
+"""The rules for the modules of the Android.bp files. Each rule returns a list of findings."""
 
 import functools
 import re
@@ -12,7 +12,7 @@ LIBRARIES = ("static_libs", "shared_libs", "header_libs")
 PACKAGE = "vendor/morlak/mlkconfigs/"
 INTERFACE = "vendor.morlak.mlkconfigs@1.0"
 
-# Each module of our own sources, and CMake's target for the same.
+# Each module of our own sources, and CMake's target with the same sources.
 TARGETS = {
     "libmlkconfigs_common": "common",
     "libmlkconfigs_platform": "platform",
@@ -37,7 +37,7 @@ TARGETS = {
 
 
 def with_sources(modules):
-    """The names of the modules that are compiled by this tree."""
+    """The names of the modules that this tree compiles."""
     return [name for name, (_, kind, properties) in modules.items() if kind.startswith("cc_") and "srcs" in properties]
 
 
@@ -57,7 +57,7 @@ def named(modules, name):
 
 
 def passed_on(libraries):
-    """These libraries and those whose headers their own headers bring along."""
+    """These libraries, and those whose headers their headers include."""
     table = platform_modules.table()
     found = set()
     waiting = list(libraries)
@@ -65,14 +65,14 @@ def passed_on(libraries):
         library = waiting.pop()
         if library not in found:
             found.add(library)
-            # What a compiled interface includes is the runtime's.
+            # A compiled interface includes headers of the runtime.
             waiting += ["libhidlbase"] if library == INTERFACE else getattr(table.get(library), "passes_on", [])
     return found
 
 
 @functools.cache
 def included(source):
-    """Everything of the tree that a source includes, by way of others too."""
+    """Everything of the tree that a source includes, directly or indirectly."""
     seen, waiting = set(), [source]
     while waiting:
         for name in (name.strip('<>"') for name in tree.includes(waiting.pop())):
@@ -97,7 +97,7 @@ def sources_differ(modules, cmake):
     for name in with_sources(modules):
         folder, kind, properties = modules[name]
         where, sources = cmake[TARGETS[name]]
-        # What is written at build time stands outside of the sources.
+        # Generated sources are outside of the tree.
         written = [Path(source).name for source in sources if Path(source).is_absolute()]
         if bp.generated_names(modules, name) != written:
             yield f"{name}: generated_sources are not those of {TARGETS[name]}"
@@ -166,7 +166,7 @@ def headers_without_library(modules, used):
 
 
 def libraries_left_out(modules):
-    """Libraries of ours that a program needs by way of others; a static library brings none along."""
+    """Libraries of ours that a program needs indirectly: a static library does not include its own libraries."""
     def below(name):
         libraries = {each for each in bp.whole(modules, name).get("static_libs", []) if each in modules}
         return libraries.union(*(below(other) for other in libraries))
@@ -177,6 +177,6 @@ def libraries_left_out(modules):
 
 
 def findings(modules, cmake):
-    """All that can be said without compiling."""
+    """The findings that need no compiler."""
     return [*unknown_names(modules), *sources_differ(modules, cmake), *unnamed_libraries(modules),
             *libraries_left_out(modules)]

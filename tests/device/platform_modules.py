@@ -10,7 +10,7 @@ RELEASES = {11, 12, 13, 14}
 class Module:
     def __init__(self, line):
         self.name, releases, *rest = line.split()
-        # Two lists, of headers and of modules, told apart by the slash or the suffix of a header.
+        # Two lists: headers, which have a slash or a suffix, and modules.
         words = [word for word in rest if word != "-"]
         self.headers = [word for word in words if word.endswith(("/", ".h"))]
         self.passes_on = [word for word in words if word not in self.headers]

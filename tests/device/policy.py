@@ -26,7 +26,7 @@ def expanded(extra=""):
 
 
 def compiled(text):
-    """What the compiler says to a policy: its status and its words."""
+    """The compiler's exit status and messages for a policy."""
     with tempfile.TemporaryDirectory() as folder:
         return compile_into(Path(folder) / "policy", text)
 
@@ -59,7 +59,7 @@ class Policy:
             binary, rules = Path(folder) / "policy", Path(folder) / "policy.cil"
             status, said = compile_into(binary, text)
             assert status == 0, said
-            # From the binary, not from the source: what the compiler made of it.
+            # From the binary, which has the result of the compiler.
             status, said = tree.run("checkpolicy", "-M", "-b", "-C", "-o", rules, binary)
             assert status == 0, said
             expressions = parsed(rules.read_text(encoding="utf-8"))

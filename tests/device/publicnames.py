@@ -1,4 +1,4 @@
-"""The names that headers offer: what the compiler found in them, class by class."""
+"""The names that headers offer, class by class, as the compiler sees them."""
 
 import json
 import subprocess
@@ -22,7 +22,7 @@ def parsed(text, folders, namespaces):
 
 
 class PublicNames:
-    """What a class offers, but to friends, and what a namespace declares, by its qualified name."""
+    """The names of a class, except those for friends, and of a namespace, by its qualified name."""
 
     def __init__(self, text, folders, namespaces):
         self.offered = {}
@@ -53,7 +53,7 @@ class PublicNames:
             for each in (each for each in inner if each["kind"] == "EnumConstantDecl"):
                 self.add(inside, each["name"])
         elif kind.endswith("Decl") and kind not in NO_NAMES and name:
-            # A definition outside of its class stands there with its class.
+            # A definition outside of its class is listed with its class.
             if "parentDeclContextId" not in declaration:
                 self.add(scope, name)
 

@@ -1,7 +1,7 @@
-"""stub.py OUT NAME LIBRARY...: a shared library that defines what others define, and is nothing else.
+"""stub.py OUT NAME LIBRARY...: a shared library that defines the symbols of others and nothing else.
 
-A program that links it instead of them gets their symbols and none of the libraries that they need
-themselves: what a device's linker does, which takes nothing that is not named.
+A program that links it instead of them gets their symbols, but none of the libraries that they need
+themselves. A device's linker does the same: it takes no library that is not named.
 """
 
 import subprocess

@@ -1,4 +1,4 @@
-"""What the device's tests know of the source tree: its folders, its sources and what they say."""
+"""The source tree for the device's tests: its folders, its sources and their content."""
 
 import functools
 import itertools
@@ -58,7 +58,7 @@ def includes(name):
 
 
 def code(name):
-    """A source without comments, includes and log messages: what is left, does something."""
+    """A source without comments, includes and log messages, which have no effect."""
     text = INCLUDE.sub("", read(name))
     text = TOKEN.sub(lambda m: m[0] if m["text"] is not None or m[0][0] in "'R" else " ", text)
     return re.sub(r'\b(?:__android_log_\w+|ALOG[DEIW]|LOG_PRI)\((?:[^;"]|"(?:\\.|[^"\\\n])*")*;', ";", text)
@@ -106,7 +106,7 @@ def written_properties():
 
 
 def run(*command, text=None):
-    """Runs a program; its exit status and everything that it says."""
+    """Runs a program. Returns its exit status and its whole output."""
     done = subprocess.run(
         [str(word) for word in command],
         input=text,
@@ -131,6 +131,6 @@ def targets():
 def main():
     """Runs the tests of the calling script; its first argument is the file of CMake's targets."""
     targets.file = sys.argv.pop(1)
-    # What a compiler says is told whole.
+    # Shows the compiler's messages in full.
     unittest.TestCase.maxDiff = None
     unittest.main(verbosity=2)

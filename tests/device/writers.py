@@ -12,7 +12,7 @@ WRITERS = {
         "/tvconfigs/tv.config": ("mlkconfigs_features_file", REWRITE),
         "/tvconfigs/tv/tv_eu.config": ("mlkconfigs_features_file", REWRITE),
     },
-    # These two are made from a ".new" when they are missing.
+    # If one of these two is missing, it is made from a ".new" file.
     "projectconfigs/ProjectID.cpp": {
         "/impdata/project_id.bin": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
         "/impdata/project_id.bin.new": ("mlkconfigs_project_id_file", MAKE | {"unlink", "rename"}),
@@ -27,7 +27,7 @@ WRITING = re.compile(
     r"|(?<!std::)\b(?:fopen|freopen|creat|mkdir|mkdirat|mkstemp|rename|renameat|unlink|unlinkat|remove|rmdir"
     r"|symlink|link|chmod|fchmod|chown|fchown|truncate|utimes|mknod|mount|setxattr|system|popen|exec[lv]\w*|fork)\("
 )
-# What names a file in the product, and where on a set that is.
+# Names of files in the product, and their places on a set.
 PLACES = {
     "/tvconfigs": "/tvconfigs",
     "/tvdata": "/tvdata",

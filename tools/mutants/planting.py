@@ -1,4 +1,4 @@
-"""Plants all bugs of a file at once: each is there, and the one that is asked for acts.
+"""Plants all bugs of a file at once. Only the bug that the environment selects takes effect.
 
 An expression becomes a conditional one, a statement a branch. What is planted asks
 mlk_mutants::acts(NUMBER), see mutant.h. A part of an expression, such as "&& isOpen()", stands for
@@ -12,19 +12,19 @@ from typing import Callable
 from table import TableError
 
 _LOCK = re.compile(r"(?:const )?std::(lock_guard|shared_lock)<([\w:]+)> (\w+)\(([^;]*)\);")
-# What begins or ends a part of an expression that is none by itself.
+# Texts that begin or end a part of an expression which is no expression by itself.
 _BINARY = r"&&|\|\||==|!=|<=|>=|<|>|[-+*/%?:] "
 _PART = re.compile(rf"(?:{_BINARY}).*|.*(?:&&|\|\|)", re.S)
-# Literals and remarks, in which a bracket is none. (A quote within a number parts its digits.)
+# Literals and comments: a bracket in them does not count. (A quote in a number separates digits.)
 _OPAQUE = re.compile(r"""(?<!\w)'(?:\\.|[^'\\])+'|"(?:\\.|[^"\\])*"|//[^\n]*""")
-# Macros, which are none without what stands in brackets after them.
+# Macros, which need the brackets after them.
 _LOG = re.compile(r"ALOG[VDIWE]")
 _CONSTEXPR = re.compile(r"\b(static )?constexpr\b( const\b)?")
 
 
 @dataclass
 class _Edit:
-    """What stands between two positions becomes what `make` gives for it."""
+    """Replaces the text between two positions by the result of `make`."""
 
     begin: int
     end: int
@@ -41,7 +41,7 @@ def _seen(text):
 
 
 def _whole(text, begin, end):
-    """Where the expression begins and ends that a part of it is in."""
+    """The begin and the end of the expression that contains this part."""
     seen = _seen(text)
     depth = 0
     while begin > 0:
@@ -62,7 +62,7 @@ def _whole(text, begin, end):
 
 
 def _extended(text, bug):
-    """Where the text begins and ends that a bug changes, and into what."""
+    """The begin and the end of the text that a bug changes, and the new text."""
     begin, end = bug.place(text)
     if _LOG.fullmatch(bug.old) and _LOG.fullmatch(bug.new):
         stop = _seen(text).index(";", end) + 1
@@ -110,7 +110,7 @@ def _render(text, begin, end, edits):
         for other in rest:
             if other.begin < edit.end < other.end:
                 raise TableError(f"{edit.name} and {other.name} overlap")
-        # Of an empty place at its end too, but not of what follows an empty place.
+        # Includes an empty place at the end, but nothing after an empty place.
         inner = [one for one in rest if one.end <= edit.end and one.begin < edit.end] \
             if edit.begin < edit.end else []
         result += text[begin:edit.begin] + edit.make(_render(text, edit.begin, edit.end, inner))

@@ -50,7 +50,7 @@ class Outcome:
 
 @dataclass
 class Program:
-    """A test program and what the run without a bug has shown of it."""
+    """A test program and the results of its run without a bug."""
 
     path: str
     environment: dict
@@ -62,7 +62,7 @@ class Program:
         return os.path.basename(self.path)
 
     def run(self, bug, filters, limit, *options):
-        """Runs the tests of a filter with a bug (0: without); True and its output, or how not."""
+        """Runs the tests of a filter with a bug (0: without). Returns True and the output, or how it ended."""
         environment = dict(os.environ, **self.environment)
         environment.pop("MLK_MUTANT", None)
         if bug:
@@ -72,7 +72,7 @@ class Program:
         environment["TMPDIR"] = folder
         try:
             with tempfile.TemporaryFile() as output:
-                # A session of its own: what is left of it can be ended.
+                # In a session of its own, so that its remaining processes can be killed.
                 process = subprocess.Popen(
                     [self.path, "--gtest_filter=" + filters, "--gtest_color=no", *options],
                     stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
@@ -117,14 +117,14 @@ class Program:
                         failed.append(name)
             if text:
                 alone = failed
-        # What fails among others but not alone, as CTest runs it, is no failure.
+        # A test that fails among others but passes alone, as CTest runs it, has not failed.
         for name in alone:
             self.seconds.setdefault(name, 1.0)
             if self.outcome(0, [name], 180).failed:
                 self.excluded.append(name)
 
     def outcome(self, bug, names, limit):
-        """Runs tests, in one process where that can be, up to the first that fails."""
+        """Runs tests, in one process if possible, until one fails."""
         groups = [[name] for name in names] if self.name in _APART else [names]
         for group in groups:
             status, text = self.run(bug, ":".join(group), limit, "--gtest_fail_fast")
@@ -148,7 +148,7 @@ class Program:
         return Outcome(running, "ends its process")
 
     def limit(self, names):
-        """Seconds after which these tests hang. They were measured beside as many others."""
+        """The seconds after which these tests count as hanging. They were measured under the same load."""
         return 10 + 4 * sum(self.seconds.get(name, 1.0) for name in names)
 
 

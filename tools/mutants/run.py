@@ -83,7 +83,7 @@ def build(source, preset, targets):
         with open(os.path.join(TREE, "CMakePresets.json"), encoding="utf-8") as file:
             flags = next(one["cacheVariables"]["CMAKE_CXX_FLAGS"]
                          for one in json.load(file)["configurePresets"] if one["name"] == preset)
-        # What is planted may warn.
+        # Planted bugs may cause warnings.
         subprocess.run(["cmake", "--preset", preset, "-B", folder, f"-DCMAKE_CXX_FLAGS={flags} -w"],
                        cwd=source, check=True, stdout=sys.stderr)
     if subprocess.run(["cmake", "--build", folder, "--target", *sorted(targets)],
@@ -99,7 +99,7 @@ def build(source, preset, targets):
 
 
 def load(name):
-    """What a run before has left in build/mutants; empty when there was none."""
+    """The results of an earlier run in build/mutants; empty if there was none."""
     path = os.path.join(BUILD, name)
     if not os.path.exists(path):
         return {}
@@ -134,7 +134,7 @@ def measure(pool, built):
 
 
 class Run:
-    """The bugs that are tried, by several threads, and what they came to."""
+    """The bugs that several threads try, and the outcomes."""
 
     def __init__(self, built, learned, bugs, own, verbose):
         self._built = built  # by preset, then by name
@@ -149,7 +149,7 @@ class Run:
         self.missed = []
 
     def attempt(self, bug):
-        """Tries one bug and tells what came of it."""
+        """Tries one bug and prints the outcome."""
         start = time.monotonic()
         preset = "tsan" if bug.threads else "default"
         by = self._noticed_by(bug, preset)
@@ -197,7 +197,7 @@ class Run:
             left[name] = [test for test in some if (name, test) not in similar]
             if group:
                 yield name, group
-        # The folder's own before those above, but the long ones of all last.
+        # Tests of the bug's folder come before those of the folders above; all long tests come last.
         own = programs.PROGRAMS[bug.folder][0]
         above = [name for name in left if name not in own]
         endless = float("inf")
@@ -211,7 +211,7 @@ class Run:
                     yield name, group
 
     def _attempt(self, bug, preset, name, tests):
-        """What noticed the bug: program, test, how; None when nothing did."""
+        """The program and the test that noticed the bug, and how; None if no test did."""
         program = self._built[preset][name]
         while tests:
             outcome = program.outcome(bug.number, tests, program.limit(tests))
@@ -222,7 +222,7 @@ class Run:
                 bug.number, alone, program.limit(alone))
             if again.failed:
                 return name, outcome.failed, outcome.how
-            # It passes alone: go on with the tests after it.
+            # It passes alone, so continue with the tests after it.
             tests = tests[tests.index(outcome.failed) + 1:] if outcome.failed in tests else []
         return None
 
@@ -267,7 +267,7 @@ def arguments():
 
 
 def chosen(bugs, options):
-    """Of all bugs those that the command line means."""
+    """The bugs that the command line selects."""
     for folder in options.folders:
         if folder.rstrip("/") not in programs.PROGRAMS:
             sys.exit(f"mutants: no folder {folder}: {', '.join(programs.PROGRAMS)}")

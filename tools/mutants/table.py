@@ -7,7 +7,7 @@ A table has a part for each source file and in it a row for each bug:
     long-piece: a piece may have 50 characters
         constexpr size_t kPieceSize = [[49 => 50]];
 
-The indented lines are what stands in the file; in [[OLD => NEW]] the bug changes OLD into NEW. They
+The indented lines are text of the file; in [[OLD => NEW]] the bug changes OLD into NEW. They
 have to fit exactly one place of the file. White space in them stands for any white space, so that a
 line that is broken elsewhere still fits; around the change it stands for the braces of a block too. A line that begins with "#" is a remark. Lines that begin
 with "@" between the two say more:
@@ -28,7 +28,7 @@ _ROW = re.compile(r"([a-z0-9][a-z0-9-]*): (\S.*)")
 
 
 class TableError(Exception):
-    """A table, or a place that a row names, is not as it has to be."""
+    """An error in a table, or in the place that a row names."""
 
 
 @dataclass
@@ -51,11 +51,11 @@ class Bug:
 
     @property
     def id(self):
-        """Names the bug on the command line and in what is learned."""
+        """The name of the bug on the command line and in the learned results."""
         return f"{self.folder}:{self.name}"
 
     def place(self, text):
-        """Gives where OLD begins and ends in the text of its file."""
+        """Returns the begin and the end of OLD in the text of its file."""
         pattern = (_flexible(self.before, _SPACE_OR_BRACE) + "(" + _flexible(self.old, _SPACE) + ")"
                    + _flexible(self.after, _SPACE_OR_BRACE))
         found = list(re.finditer(pattern, text))
@@ -122,7 +122,7 @@ def read_table(folder, text, name):
 
 
 def read_tables(folder):
-    """Reads all tables of a folder. A bug's number stays when others come or go."""
+    """Reads all tables of a folder. A bug keeps its number if others are added or removed."""
     bugs = []
     for name in sorted(os.listdir(folder)):
         if name.endswith(".txt"):

@@ -17,7 +17,7 @@ def optional(number):
 
 
 class Lists:
-    """Constant arrays, declared before what refers to them; equal ones once."""
+    """Constant arrays, declared before their first use; equal ones only once."""
 
     def __init__(self):
         self.names = {}
@@ -61,7 +61,7 @@ def description_row(lists, package, method):
 
 
 def parameter(argument):
-    """What the client's method() takes for an argument."""
+    """The argument of the client's method() for an argument of the interface."""
     if argument.range and argument.range.is_country:
         return "countryParameter()"
     return literal(argument.name)

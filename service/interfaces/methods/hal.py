@@ -16,7 +16,7 @@ A method's comment has a regular form:
      */
 
 RANGE says which values a method serves: "0 or 1", "0 to 3", "1 or more", "at most 128 bytes" or "a country". Without
-one (the text stands alone) it serves every value of the type. What departs from the form is an error.
+one (there is only the text), it serves every value of the type. Any other form is an error.
 """
 
 import re
@@ -39,12 +39,12 @@ TOKEN = re.compile(
 
 
 class Error(Exception):
-    """What is wrong in a definition, with file and line in front."""
+    """An error in a definition. The message begins with file and line."""
 
 
 @dataclass
 class Range:
-    """Which values of its type an argument may have; low and high are None where there is no limit."""
+    """The values of its type that an argument may have; low and high are None if there is no limit."""
 
     text: str
     low: Optional[int]
@@ -115,7 +115,7 @@ def paragraphs_of(doc):
 
 
 def range_of(text):
-    """(range, rest) of what stands after an argument's name."""
+    """(range, rest) of the text after an argument's name."""
     head, _, rest = (part.strip() for part in text.partition(";"))
     for form, limits in RANGES:
         match = form.fullmatch(head)
@@ -127,7 +127,7 @@ def range_of(text):
 
 
 def describe(method, doc):
-    """Takes what a method's comment says."""
+    """Stores the content of a method's comment."""
     tags = [paragraph for paragraph in paragraphs_of(doc) if paragraph.startswith("@")]
     method.details = [paragraph for paragraph in paragraphs_of(doc) if not paragraph.startswith("@")]
     if not method.details:
@@ -188,7 +188,7 @@ class Reader:
         return self.tokens[0][0] if self.tokens else None
 
     def doc(self):
-        """The comment here, as it stands; empty for none."""
+        """The comment at this token, unchanged; empty if it has none."""
         text = ""
         while self.tokens and self.tokens[0][0] is None:
             text = self.tokens.pop(0)[1]

@@ -197,7 +197,7 @@ Says more.
 
 
 class Committed(unittest.TestCase):
-    """What is in the tree, against the definitions."""
+    """Compares the files in the tree with the definitions."""
 
     def setUp(self):
         self.package = hal.read([(file.name, file.read_text(encoding="utf-8")) for file in HALS])
