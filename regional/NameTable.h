@@ -35,9 +35,8 @@ constexpr std::array<NamedValue, N> sortedByName(std::array<NamedValue, N> rows)
  * Maps names to values: fixed rows, and unknown names that were found in files.
  *
  * A file may name a country or a modulation that this software does not know. Such a name gets the
- * value 0 and stays in the table until the process ends: find() and firstNameOf() know it. The
- * table keeps each name once and at most kMostAdded of them, so that no file makes the process grow
- * without bound.
+ * value 0 and stays in the table: find() and firstNameOf() know it. The table keeps each name once
+ * and at most kMostAdded of them, so that no file makes the process grow without bound.
  *
  * Thread-safe; looking up a name of the fixed rows takes no lock.
  */

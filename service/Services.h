@@ -28,9 +28,9 @@ class Services {
     /**
      * Makes and registers the project, the TV and the framework service, in that order. Each is
      * registered as instance "default" before the next is made, so that a client that waits for
-     * the last one finds all. The TV service gets the path that the project service answers; it
-     * may be empty or wrong. If a service cannot be registered, logs the interface and aborts the
-     * process; init starts it again.
+     * the last one finds all of them. The TV service gets the path that the project service
+     * answers; it may be empty or wrong. If a service cannot be registered, logs the interface and
+     * aborts the process; init starts it again.
      */
     explicit Services(const ServiceMakers& makers);
     Services(const Services&) = delete;

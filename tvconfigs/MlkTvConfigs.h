@@ -34,9 +34,9 @@ class MlkTvConfigs : public IMlkTvConfigs {
     /** Answers for these features, which may not be null. */
     explicit MlkTvConfigs(std::unique_ptr<TvFeatures> features);
 
-    // The systems and flags. A getter answers success and the value. The setter of a system answers
-    // success false and what was asked for if that is outside of the range. All other setters
-    // answer success and the value afterwards, even if it cannot be stored: see TvFeatures.
+    // The systems and flags. A getter answers success true and the value. The setter of a system
+    // answers success false and the requested value if that is outside of the range. All other
+    // setters answer success true and the new value, even if it cannot be stored: see TvFeatures.
 #define MLK_SYSTEM(getter, setter)                                                            \
     ::android::hardware::Return<void> getter(getter##_cb _hidl_cb) override {                 \
         constexpr size_t kRow = tvSystemItem(#getter);                                        \
@@ -84,17 +84,17 @@ class MlkTvConfigs : public IMlkTvConfigs {
     MLK_FLAG(getWOWEnabled, setWOWEnabled)
 #undef MLK_FLAG
 
-    /** Answers the value of the flag of that type; success false and false for no flag's type. */
+    /** Answers the value of the flag of that type. If there is none: success false, and false. */
     ::android::hardware::Return<void> getFlag(ConfigType type, getFlag_cb _hidl_cb) override;
 
     /**
-     * Calls the setter of the flag of that type, which gives the answer. Answers success false and
-     * what was asked for if no flag has the type.
+     * Calls the setter of the flag of that type, which gives the answer. If there is none, answers
+     * success false and the value of `enabled`.
      */
     ::android::hardware::Return<void> setFlag(ConfigType type, bool enabled,
                                               setFlag_cb _hidl_cb) override;
 
-    /** Answers success always, and whether the file could be read; if not, nothing changes. */
+    /** Answers success true, and whether the file could be read; if not, nothing changes. */
     ::android::hardware::Return<void> reloadTvConfig(const ::android::hardware::hidl_string& path,
                                                      reloadTvConfig_cb _hidl_cb) override;
 
