@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/Answer.h"
+#include "common/ConfigKey.h"
 #include "common/Decimal.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 
