@@ -1,5 +1,16 @@
-# What ./run and ./test share: the packages they need, and building a preset. Sourced by bash, with
-# the tree as the working directory. Only the caller writes to standard output.
+# What ./run and ./test share: the packages they need, building a preset, and the sets and logs of
+# ./run. Sourced by bash, with the tree as the working directory. Only the caller writes to standard
+# output.
+
+# say MESSAGE: a line on standard error, after the name of the command.
+say() {
+    echo "${0##*/}: $1" >&2
+}
+
+# print_help: the comment at the beginning of the script that calls it.
+print_help() {
+    sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "${BASH_SOURCE[1]##*/}"
+}
 
 packages=(
     android-libbase-dev android-libcutils-dev android-liblog-dev android-libutils-dev
@@ -43,6 +54,27 @@ need() {
             apt-get install -y --no-install-recommends "${missing[@]}" >&2
 }
 
+# can_build PRESET: fails with a message unless this user may write what a build of it writes.
+can_build() {
+    local folder=build/$1
+    local path
+    # The first thing that another user has left; a preset that was never built has its parent's.
+    while [[ ! -e $folder && $folder != . ]]; do
+        folder=$(dirname "$folder")
+    done
+    if [[ -d $folder && $folder == build/* ]]; then
+        path=$(find "$folder" \( -type d -o -name '.ninja_*' -o -name CMakeCache.txt \) \
+            ! -writable -print -quit 2>/dev/null)
+    elif [[ ! -w $folder ]]; then
+        path=$folder
+    fi
+    [[ -z ${path-} ]] && return
+    [[ $path == . ]] && path=$PWD
+    say "$(id -un 2>/dev/null || id -u) cannot build here: $path belongs to $(stat -c %U "$path");\
+ build as that user, or in a copy of the tree without build/"
+    return 1
+}
+
 # build PRESET [TARGET...]: configures the preset unless that is done, and builds.
 build() {
     local preset=$1
@@ -53,4 +85,37 @@ build() {
         cmake --preset "$preset" >&2 || return
     fi
     cmake --build "build/$preset" "${targets[@]}" >&2
+}
+
+# copy_set FROM TO: copies the partitions and the property store, with what their links lead to, so
+# that no write to the copy reaches the set. A link that leads nowhere is left out.
+copy_set() {
+    local part errors
+    for part in tvconfigs tvdata impdata data/property; do
+        [[ -d $1/$part ]] || continue
+        mkdir -p "$2/$part" || return
+        errors=$(LC_ALL=C cp -RL -- "$1/$part/." "$2/$part" 2>&1) && continue
+        errors=$(grep -v "^cp: cannot stat '.*': No such file or directory\$" <<<"$errors") || continue
+        printf '%s\n' "$errors" >&2
+        return 1
+    done
+    chmod -R u+rwX "$2"
+}
+
+# new_log FOLDER: makes the file for the log of this run, the one that ./run --log prints, and prints
+# its path. It is in FOLDER if this user cannot write to build/. Deletes the logs of runs that have
+# ended, except for the last one.
+new_log() {
+    local log=$PWD/build/log/$$.log
+    local old
+    if ! mkdir -p build/log 2>/dev/null || [[ ! -w build/log ]]; then
+        log=$1/log
+        : >"$log" && echo "$log"
+        return
+    fi
+    for old in build/log/*.log; do
+        [[ -d /proc/$(basename "$old" .log) || $old -ef build/log/last ]] || rm -f "$old"
+    done
+    : >"$log" && ln -sf "$$.log" "build/log/last.$$" && mv -fT "build/log/last.$$" build/log/last &&
+        echo "$log"
 }
