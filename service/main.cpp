@@ -1,5 +1,5 @@
-// The process of the three configuration services. It has no command line and no configuration of
-// its own.
+// The process of the three configuration services. It has no options and no configuration of its
+// own.
 
 #include <hidl/HidlTransportSupport.h>
 #include <malloc.h>
@@ -9,6 +9,7 @@
 #include "frameworkconfigs/MlkFrameworkConfigs.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 #include "projectconfigs/MlkProjectConfigsStub.h"
+#include "service/CommandLine.h"
 #include "service/Services.h"
 #include "tvconfigs/MlkTvConfigs.h"
 
@@ -29,7 +30,10 @@ void giveBackFreeMemory() {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    if (const auto status = answerArguments(argc, argv)) {
+        return *status;
+    }
     // A write beyond the limit of a file's size fails and is logged; it must not end the process.
     (void)signal(SIGXFSZ, SIG_IGN);
     android::hardware::configureRpcThreadpool(kThreads, true /* callerWillJoin */);
