@@ -20,6 +20,16 @@ std::vector<std::string_view> namesOf(const NumberNames& names) {
     return list;
 }
 
+// All names, in order: "EDID_1P4, EDID_2P0 or EDID_2P1".
+std::string enumeratorsOf(const NumberNames& names) {
+    std::string list;
+    for (size_t i = 0; i < names.rows.size(); ++i) {
+        const bool isLast = i + 1 == names.rows.size();
+        list += (i == 0 ? "" : isLast ? " or " : ", ") + names.rows[i].first;
+    }
+    return list;
+}
+
 }  // namespace
 
 std::optional<int64_t> numberFrom(std::string_view text) {
@@ -44,14 +54,18 @@ std::optional<int64_t> numberFrom(std::string_view text) {
 }
 
 std::string Word::allowed() const {
+    const std::string_view range = argument == nullptr ? std::string_view() : argument->range;
     switch (kind) {
         case Kind::TEXT:
-            return "a text";
+            return range.empty() ? "a text" : "a text of " + std::string(range);
         case Kind::FLAG:
             return "true or false";
         case Kind::NUMBER: {
             const std::string number = "a number from -2147483648 to 2147483647";
-            return names.rows.empty() ? number : std::string(names.what) + " or " + number;
+            if (!names.rows.empty()) {
+                return std::string(names.what) + " or " + number;
+            }
+            return range.empty() ? number : "a number, " + std::string(range);
         }
         case Kind::ENUMERATOR:
             break;
@@ -116,6 +130,44 @@ std::optional<int64_t> Argument::numberFor(const Word& word) const {
         return {};
     }
     return numberFrom(mText);
+}
+
+std::string Argument::outsideOf(const Word& word) const {
+    if (word.argument == nullptr) {
+        return {};
+    }
+    const ArgumentDescription& argument = *word.argument;
+    const std::string name(argument.name);
+    if (word.kind == Word::Kind::TEXT) {
+        if (!isText() || !argument.high) {
+            return {};
+        }
+        const auto size = static_cast<int64_t>(toText(word).size());
+        return size <= *argument.high
+                       ? std::string()
+                       : name + " of " + std::to_string(size) + " bytes: " + word.allowed();
+    }
+    const auto number = numberFor(word);
+    if (!number || word.kind == Word::Kind::FLAG) {
+        return {};
+    }
+    const std::string given = name + ' ' + std::to_string(*number) + ": ";
+    if (!word.names.rows.empty()) {
+        for (const auto& row : word.names.rows) {
+            if (row.second == *number) {
+                return {};
+            }
+        }
+        if (word.kind == Word::Kind::NUMBER) {
+            return given + "no country has this number";
+        }
+        constexpr size_t kMostNames = 6;
+        return given + (word.names.rows.size() <= kMostNames ? enumeratorsOf(word.names)
+                                                             : "no enumerator has this number");
+    }
+    const bool isInside = (!argument.low || *number >= *argument.low) &&
+                          (!argument.high || *number <= *argument.high);
+    return isInside ? std::string() : given + std::string(argument.range);
 }
 
 int64_t Argument::toNumber(const Word& word, int64_t least, int64_t most) const {

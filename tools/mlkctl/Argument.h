@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/mlkctl/MethodDescription.h"
+
 namespace mlk::ctl {
 
 /** Names that a user may write instead of a number, such as those of countries. */
@@ -22,8 +24,10 @@ struct Word {
     std::string name;  // as help and messages show it: "INDEX"
     Kind kind;
     NumberNames names = {};  // of an ENUMERATOR: all of them; of a NUMBER: optional
+    /** The argument that the word is, or is a part of, as the interface declares it. */
+    const ArgumentDescription* argument = nullptr;
 
-    /** The allowed values, for a message: "a number from -2147483648 to 2147483647". */
+    /** The allowed values, for a message: "a number, 0 or 1", "a text". */
     std::string allowed() const;
 };
 
@@ -54,6 +58,12 @@ class Argument {
     bool toFlag(const Word& word) const;
     /** At least `least`, at most `most`; for a word with names, also the number of a name. */
     int64_t toNumber(const Word& word, int64_t least, int64_t most) const;
+
+    /**
+     * Why the method does not serve this value, though its type has it: "index 5: 0 or 1". Empty if
+     * the value is in the word's range, or the word has none.
+     */
+    std::string outsideOf(const Word& word) const;
 
     /** What the user wrote, for a message. */
     std::string written() const;

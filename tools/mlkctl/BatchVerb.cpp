@@ -78,8 +78,9 @@ class Group {
             const BatchLine line = parseBatchLine(text);
             const Interface& interface = interfaceOf(line.interface);
             const Method& method = interface.method(line.method);
+            BoundCall call = bind(interface, method, line.arguments, Form::JSON);
             mRequests.push_back(
-                    {&interface, &method, bind(interface, method, line.arguments, Form::JSON)});
+                    {&interface, &method, std::move(call), outsideRanges(method, line.arguments)});
             mAnswers.emplace_back();
         } catch (const Failure& failure) {
             mAnswers.emplace_back(messageOf(failure));

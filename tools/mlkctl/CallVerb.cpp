@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 
+#include "tools/mlkctl/Describe.h"
 #include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
@@ -10,11 +11,14 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl call - call one method
 
-Usage: mlkctl call [OPTION]... INTERFACE METHOD [ARGUMENT]...
+Usage: mlkctl call [OPTION]... [INTERFACE] METHOD [ARGUMENT]...
        mlkctl call INTERFACE --help
+       mlkctl call [INTERFACE] METHOD --help
 
-INTERFACE is IMlkProjectConfigs, IMlkTvConfigs or IMlkFrameworkConfigs. With --help as METHOD, the
-methods of the interface are listed with what they take.
+INTERFACE is IMlkProjectConfigs, IMlkTvConfigs or IMlkFrameworkConfigs, or project, tv or framework.
+It may be left out if only one interface has the METHOD. With --help as METHOD, the methods of the
+interface are listed with what they take. With --help as the only word after METHOD, the method is
+described as by mlkctl describe; after `call --` it is an argument.
 
 Arguments stand in the order that the interface declares. Words after METHOD are arguments,
 never options: -3 and --foo are values, and so is an empty word.
@@ -56,6 +60,7 @@ Exit status:
 
 Examples:
   mlkctl call IMlkProjectConfigs getPanelName
+  mlkctl call getPanelName
   mlkctl call IMlkProjectConfigs getConfig '[LiveTV]' TvConfig
   mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0
   mlkctl call IMlkProjectConfigs getFreqTableList USA DTV_CABLE HRC
@@ -80,23 +85,27 @@ class CallVerb : public Verb {
     }
     bool hasValue(std::string_view option) const override { return option == "--timeout"; }
     bool takesWords() const override { return true; }
+    void endOptions() override { mMayAskForHelp = false; }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
         if (words.empty()) {
             throw usage("INTERFACE and METHOD are missing; see mlkctl call --help");
         }
-        const Interface& interface = interfaceOf(words[0]);
-        const std::string help = "mlkctl call " + words[0] + " --help lists what it has";
-        if (words.size() < 2) {
-            throw usage("METHOD is missing; " + help);
-        }
-        if (words[1] == "--help" || words[1] == "-h") {
-            environment.output.write(methodsHelp(interface));
+        const Interface* named = findInterface(words[0]);
+        if (named != nullptr && words.size() > 1 && (words[1] == "--help" || words[1] == "-h")) {
+            environment.output.write(methodsHelp(*named));
             return ExitStatus::ANSWERED;
         }
-        const Method& method = interface.method(words[1]);
+        size_t used = 0;
+        const MethodOf target = methodFrom(words, name(), &used);
+        const Interface& interface = *target.interface;
+        const Method& method = *target.method;
+        if (mMayAskForHelp && words.size() == used + 1 && words.back() == "--help") {
+            environment.output.write(describe(interface, method));
+            return ExitStatus::ANSWERED;
+        }
         std::vector<Argument> arguments;
-        for (size_t i = 2; i < words.size(); ++i) {
+        for (size_t i = used; i < words.size(); ++i) {
             arguments.push_back(Argument::ofCommandLine(words[i]));
         }
         // There is one word more than arguments, so the last one is not an argument.
@@ -109,10 +118,15 @@ class CallVerb : public Verb {
         const Form form = mRaw ? Form::RAW : Form::JSON;
         const std::string answer = environment.services.call(interface, method, arguments, form);
         mRaw ? environment.output.bytes(answer) : environment.output.line(answer);
+        const std::string outside = outsideRanges(method, arguments);
+        if (!outside.empty()) {
+            environment.note(outside);
+        }
         return ExitStatus::ANSWERED;
     }
 
   private:
+    bool mMayAskForHelp = true;
     bool mRaw = false;
     std::string mSeconds = kDefaultTimeout;
 };

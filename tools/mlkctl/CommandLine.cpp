@@ -81,11 +81,12 @@ Verb& verbOf(const std::vector<std::unique_ptr<Verb>>& verbs, const std::string&
 struct Split {
     std::vector<std::string> options;
     std::vector<std::string> words;
+    bool optionsEnd = false;  // "--" stood in front of the words
 };
 
 Split split(const Verb& verb, const std::vector<std::string>& rest) {
     if (!verb.takesWords()) {
-        return {rest, {}};
+        return {rest, {}, false};
     }
     const auto isWord = [](const std::string& word) {
         return word.size() < 2 || word.front() != '-' || word == "--";
@@ -95,8 +96,9 @@ Split split(const Verb& verb, const std::vector<std::string>& rest) {
         const bool valueFollows = verb.hasValue(*begin) && begin + 1 != rest.end();
         begin += valueFollows ? 2 : 1;
     }
-    Split result{{rest.begin(), begin}, {}};
+    Split result{{rest.begin(), begin}, {}, false};
     if (begin != rest.end() && *begin == "--") {
+        result.optionsEnd = true;
         ++begin;
     }
     result.words.assign(begin, rest.end());
@@ -137,6 +139,9 @@ ExitStatus runVerb(Verb& verb, const std::vector<std::string>& rest, Environment
     } catch (const CLI::ParseError& error) {
         throw usage(explain(error, app) + " (see mlkctl " + std::string(verb.name()) + " --help)");
     }
+    if (parts.optionsEnd) {
+        verb.endOptions();
+    }
     return verb.run(parts.words, environment);
 }
 
@@ -158,10 +163,16 @@ ExitStatus run(const std::vector<std::string>& words, Environment& environment) 
 
 }  // namespace
 
+void Environment::note(const std::string& text) {
+    output.flush();
+    errors << "mlkctl: " << printable(text) << std::endl;
+}
+
 std::vector<std::unique_ptr<Verb>> makeVerbs() {
     std::vector<std::unique_ptr<Verb>> verbs;
-    for (const auto make : {makeListVerb, makeWaitVerb, makeCallVerb, makeBatchVerb, makeDumpVerb,
-                            makeShowVerb, makePropVerb, makeCompletionVerb}) {
+    for (const auto make :
+         {makeListVerb, makeWaitVerb, makeCallVerb, makeDescribeVerb, makeBatchVerb, makeDumpVerb,
+          makeShowVerb, makePropVerb, makeCompletionVerb}) {
         verbs.push_back(make());
     }
     return verbs;

@@ -13,7 +13,9 @@ namespace mlk::ctl {
  * base interface.
  */
 struct Interface {
-    std::string_view name;  // without its package: "IMlkTvConfigs"
+    std::string_view name;       // without its package: "IMlkTvConfigs"
+    std::string_view shortName;  // which a user may write instead: "tv"
+    std::string_view summary;    // one sentence or more: what it answers
     std::vector<Method> methods;
     /**
      * Returns a new proxy of the instance "default", or null if it is not registered. Does not
@@ -34,8 +36,27 @@ const Interface& frameworkInterface();
 /** All three. */
 const std::vector<const Interface*>& interfaces();
 
-/** The interface of this name. Throws Failure USAGE, which suggests a similar name. */
+/** The interface of this name or short name, or null. */
+const Interface* findInterface(std::string_view name);
+
+/** The same; throws Failure USAGE, which suggests a similar name, if there is none. */
 const Interface& interfaceOf(std::string_view name);
+
+/** A method and its interface. */
+struct MethodOf {
+    const Interface* interface;
+    const Method* method;
+};
+
+/** The methods of this name in all interfaces; at most one of each. */
+std::vector<MethodOf> methodsNamed(std::string_view name);
+
+/**
+ * The method that the words begin with: interface and method, or only the method if its name is
+ * unique. Sets `used` to the number of those words. There must be a word. Throws Failure USAGE,
+ * which suggests a similar name; `verb` is the command in its message.
+ */
+MethodOf methodFrom(const std::vector<std::string>& words, std::string_view verb, size_t* used);
 
 /** The arguments as a manual writes them: "PORT VERSION"; empty for none. */
 std::string synopsis(const Method& method);
@@ -44,6 +65,12 @@ std::string synopsis(const Method& method);
  * The ranges of the arguments that have one: "PORT is 0 to 3"; empty if no argument has one.
  */
 std::string limits(const Method& method);
+
+/**
+ * What is outside the range that the method serves: "index 5: 0 or 1"; empty if nothing is. The
+ * arguments must be bound already.
+ */
+std::string outsideRanges(const Method& method, const std::vector<Argument>& arguments);
 
 /**
  * Binds the arguments to a method. Throws Failure USAGE if their number or values are wrong, or if
@@ -58,9 +85,13 @@ Failure about(const Interface& interface, const Failure& failure);
 /** The failure with interface and method in front of its message. */
 Failure about(const Interface& interface, const Method& method, const Failure& failure);
 
+/** Lets each word of the methods refer to the argument that it is, or is a part of. */
+std::vector<Method> withArguments(std::vector<Method> methods);
+
 template <typename I>
-Interface makeInterface(std::string_view name, std::vector<Method> methods) {
-    return {name, std::move(methods),
+Interface makeInterface(std::string_view name, std::string_view shortName, std::string_view summary,
+                        std::vector<Method> methods) {
+    return {name, shortName, summary, withArguments(std::move(methods)),
             []() -> ::android::sp<IBase> { return I::tryGetService("default"); }};
 }
 

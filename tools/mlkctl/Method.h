@@ -48,10 +48,10 @@ struct Call {
     bool hasBytes;            // the answer is bytes: Form::RAW is possible
 
     /**
-     * Reads the arguments; their number is that of the words. Throws Failure USAGE if one of them
+     * Reads the arguments for these words; there are as many. Throws Failure USAGE if one of them
      * is wrong.
      */
-    std::function<BoundCall(const std::vector<Argument>&, Form)> bind;
+    std::function<BoundCall(const std::vector<Word>&, const std::vector<Argument>&, Form)> bind;
 };
 
 /** A row of a table. */
@@ -120,7 +120,8 @@ Call makeCall(Return<void> (I::*pointer)(Params...), std::index_sequence<Index..
 
     Call call{{}, kHasBytes<Answer>, nullptr};
     (describe(Type<std::tuple_element_t<Index, Values>>(), parameters[Index], &call.words), ...);
-    call.bind = [pointer, words = call.words](const std::vector<Argument>& arguments, Form form) {
+    call.bind = [pointer](const std::vector<Word>& words, const std::vector<Argument>& arguments,
+                          Form form) {
         Values values;
         ArgumentReader reader(words, arguments);
         (read(reader, &std::get<Index>(values)), ...);

@@ -36,13 +36,17 @@ Clock::time_point after(std::chrono::duration<double> limit) {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
 }
 
-// The failure; if there was no answer, with the description of when the method gives no answer.
-Failure explained(const Failure& failure, const MethodDescription& description) {
-    if (failure.status() != ExitStatus::NO_ANSWER || description.noAnswer.empty()) {
+// The failure; if there was no answer, with the argument that is out of its range, else with the
+// description of when the method gives no answer.
+Failure explained(const Failure& failure, const Services::Request& request) {
+    const std::string_view noAnswer = request.method->description->noAnswer;
+    if (failure.status() != ExitStatus::NO_ANSWER || noAnswer.empty()) {
         return failure;
     }
-    return {failure.status(), std::string(failure.what()) + "; there is none if " +
-                                      std::string(description.noAnswer)};
+    return {failure.status(),
+            std::string(failure.what()) + "; " +
+                    (request.outside.empty() ? "there is none if " + std::string(noAnswer)
+                                             : request.outside)};
 }
 
 }  // namespace
@@ -114,7 +118,8 @@ std::map<const Interface*, Failure> Services::findAll() {
 std::string Services::call(const Interface& interface, const Method& method,
                            const std::vector<Argument>& arguments, Form form) {
     Result result;
-    callAll({{&interface, &method, bind(interface, method, arguments, form)}},
+    BoundCall call = bind(interface, method, arguments, form);
+    callAll({{&interface, &method, std::move(call), outsideRanges(method, arguments)}},
             [&result](Result&& given) { result = std::move(given); });
     if (const auto* failure = std::get_if<Failure>(&result)) {
         throw Failure(*failure);
@@ -177,8 +182,7 @@ size_t Services::callSome(const std::vector<Request>& requests, size_t first,
         if (failure.status() == ExitStatus::UNREACHABLE) {
             mObjects.erase(request.interface);
         }
-        const MethodDescription& description = *request.method->description;
-        receive(about(*request.interface, *request.method, explained(failure, description)));
+        receive(about(*request.interface, *request.method, explained(failure, request)));
     };
     for (size_t i = 0; i < outcome.ended; ++i) {
         Result& result = shared->results[i];

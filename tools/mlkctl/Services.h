@@ -60,6 +60,7 @@ class Services {
         const Interface* interface;
         const Method* method;
         BoundCall call;
+        std::string outside = {};  // outsideRanges() of its arguments
     };
 
     /** The answer as it is printed, or why there is none. */

@@ -10,6 +10,24 @@ char small(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
+bool isSameButForCase(std::string_view one, std::string_view other) {
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [](char left, char right) { return small(left) == small(right); });
+}
+
+// The initials of the words that "_" separates; empty for a single word.
+std::string initialsOf(std::string_view name) {
+    std::string initials;
+    bool atStart = true;
+    for (const char letter : name) {
+        if (atStart && letter != '_') {
+            initials += letter;
+        }
+        atStart = letter == '_';
+    }
+    return initials.size() > 1 ? initials : std::string();
+}
+
 }  // namespace
 
 size_t editDistance(std::string_view one, std::string_view other) {
@@ -39,6 +57,16 @@ size_t editDistance(std::string_view one, std::string_view other) {
 
 std::string_view suggestion(std::string_view word,
                             const std::vector<std::string_view>& candidates) {
+    for (const std::string_view candidate : candidates) {
+        if (!word.empty() && isSameButForCase(word, candidate)) {
+            return candidate;
+        }
+    }
+    for (const std::string_view candidate : candidates) {
+        if (!word.empty() && isSameButForCase(word, initialsOf(candidate))) {
+            return candidate;
+        }
+    }
     std::string_view nearest;
     size_t least = 0;
     for (const std::string_view candidate : candidates) {

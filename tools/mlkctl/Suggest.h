@@ -13,8 +13,10 @@ namespace mlk::ctl {
 size_t editDistance(std::string_view one, std::string_view other);
 
 /**
- * The candidate that the user probably meant: the nearest one if it is near enough for its length,
- * the first of equally near ones; otherwise empty.
+ * The candidate that the user probably meant. That is the first one that differs only in case; else
+ * the first one of several words whose initials these are ("UK" of "UNITED_KINGDOM"); else the
+ * nearest one by edit distance if it is near enough for its length, the first of equally near ones.
+ * Otherwise empty.
  */
 std::string_view suggestion(std::string_view word, const std::vector<std::string_view>& candidates);
 

@@ -2,17 +2,9 @@
 
 #include <algorithm>
 
+#include "tools/mlkctl/Wrap.h"
+
 namespace mlk::ctl {
-
-namespace {
-
-size_t widthOf(const std::string& cell) {
-    return static_cast<size_t>(std::count_if(cell.begin(), cell.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xc0U) != 0x80U;
-    }));
-}
-
-}  // namespace
 
 std::string aligned(const Table& table) {
     std::vector<size_t> widths;
@@ -21,7 +13,7 @@ std::string aligned(const Table& table) {
             widths.resize(row.size());
         }
         for (size_t i = 0; i + 1 < row.size(); ++i) {
-            widths[i] = std::max(widths[i], widthOf(row[i]));
+            widths[i] = std::max(widths[i], columnsOf(row[i]));
         }
     }
     std::string text;
@@ -30,7 +22,7 @@ std::string aligned(const Table& table) {
         for (size_t i = 0; i < row.size(); ++i) {
             line += row[i];
             if (i + 1 < row.size()) {
-                line.append(widths[i] + 2 - widthOf(row[i]), ' ');
+                line.append(widths[i] + 2 - columnsOf(row[i]), ' ');
             }
         }
         line.erase(line.find_last_not_of(' ') + 1);

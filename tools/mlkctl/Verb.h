@@ -22,6 +22,12 @@ struct Environment {
     Output& output;        // standard output
     std::ostream& errors;  // standard error, for findings that do not end the verb
     Services& services;
+
+    /**
+     * Writes one line to standard error that does not end the verb. Flushes standard output first,
+     * so that the line stands after the answer that it is about.
+     */
+    void note(const std::string& text);
 };
 
 /**
@@ -48,6 +54,9 @@ class Verb {
      */
     virtual bool takesWords() const { return false; }
 
+    /** Called if "--" stood in front of the words: none of them is an option. */
+    virtual void endOptions() {}
+
     /** Whether a value follows the option. Only asked if words may follow. */
     virtual bool hasValue(std::string_view /* option */) const { return false; }
 
@@ -61,6 +70,7 @@ class Verb {
 std::unique_ptr<Verb> makeListVerb();
 std::unique_ptr<Verb> makeWaitVerb();
 std::unique_ptr<Verb> makeCallVerb();
+std::unique_ptr<Verb> makeDescribeVerb();
 std::unique_ptr<Verb> makeBatchVerb();
 std::unique_ptr<Verb> makeDumpVerb();
 std::unique_ptr<Verb> makeShowVerb();

@@ -79,9 +79,10 @@ def client(package):
         rows = "".join(description_row(lists, package, method) for method in interface.methods)
         tables += f"\nconstexpr MethodDescription k{interface.name}[] = {{\n{rows}}};\n"
         # IMlkTvConfigs: tvInterface()
-        function = re.fullmatch("IMlk(\\w+)Configs", interface.name)[1].lower() + "Interface"
-        functions += f"\nconst Interface& {function}() {{\n    using I = ::{NAMESPACE}::{interface.name};\n"
-        functions += f"    static const Interface interface = makeInterface<I>({literal(interface.name)}, {{\n"
+        short = re.fullmatch("IMlk(\\w+)Configs", interface.name)[1].lower()
+        functions += f"\nconst Interface& {short}Interface() {{\n    using I = ::{NAMESPACE}::{interface.name};\n"
+        functions += f"    static const Interface interface = makeInterface<I>({literal(interface.name)}, "
+        functions += f"{literal(short)},\n            {literal(' '.join(interface.paragraphs))}, {{\n"
         for method in interface.methods:
             words = "".join(f", {parameter(argument)}" for argument in method.arguments)
             functions += (

@@ -80,14 +80,14 @@ garbage
                     R"({"error":"usage","message":"IMlkTvConfigs has no method \"pvrEnabld\"; did you mean pvrEnabled?"})",
                     MatchesRegex(usage +
                                  R"(IMlkTvConfigs getFlag: TYPE is .*did you mean HBBTV\?"})"),
-                    R"({"error":"usage","message":"IMlkTvConfigs setAtvSystem: SYSTEM is a number from -2147483648 to 2147483647, not \"1\""})",
+                    R"({"error":"usage","message":"IMlkTvConfigs setAtvSystem: SYSTEM is a number, 0 or 1, not \"1\""})",
                     MatchesRegex(usage + R"(IMlkTvConfigs setAtvSystem: .*, not 1\.0"})"),
                     MatchesRegex(usage + R"(IMlkTvConfigs setAtvSystem: .*, not true"})"),
                     MatchesRegex(usage + R"(IMlkTvConfigs setAtvSystem: .*, not 2147483648"})"),
                     R"({"error":"usage","message":"IMlkTvConfigs setPvrEnabled: ENABLED is true or false, not \"true\""})",
                     R"({"error":"usage","message":"IMlkTvConfigs reloadTvConfig: PATH is a text, not 5"})",
                     R"({"error":"usage","message":"IMlkTvConfigs pvrEnabled: it takes no argument; there is 1"})",
-                    R"({"error":"no-answer","message":"IMlkProjectConfigs getEQPath: no answer; there is none if the index is not 0 or 1"})",
+                    R"({"error":"no-answer","message":"IMlkProjectConfigs getEQPath: no answer; index 2: 0 or 1"})",
                     R"({"success":true,"value":true})"));
 }
 

@@ -48,21 +48,16 @@ TEST(CallTest, PrintsTheAnswerAsALine) {
     expectAnswer({"IMlkProjectConfigs", "getTvFile", "/x"}, script,
                  R"({"size":3,"base64":"AAH/"})");
     script.success = false;
-    expectAnswer({"IMlkTvConfigs", "getFlag", "0"}, script, R"({"success":false,"value":true})");
+    expectAnswer({"IMlkTvConfigs", "getFlag", "1"}, script, R"({"success":false,"value":true})");
 }
 
 TEST(CallTest, WhatStandsBehindTheMethodIsAnArgument) {
     Script script;
     const std::vector<Words> calls = {
-            {"setProjectId", "-3"},
-            {"getTvFile", "--foo"},
-            {"getTvFile", "--raw"},
-            {"getTvFile", "--help"},
-            {"getTvFile", ""},
-            {"getTvFile", "--"},
-            {"setAvrOSDName", "list"},
-            {"getConfig", "", "-h"},
-            {"getAudioDelay", "[A]", "--json", "-x"},
+            {"setProjectId", "-3"},  {"getTvFile", "--foo"},
+            {"getTvFile", "--raw"},  {"getTvFile", ""},
+            {"getTvFile", "--"},     {"setAvrOSDName", "list"},
+            {"getConfig", "", "-h"}, {"getAudioDelay", "[A]", "--json", "-x"},
     };
     for (const Words& call : calls) {
         Words words = {"IMlkProjectConfigs"};
@@ -102,13 +97,25 @@ TEST(CallTest, ACommandLineThatIsWrongSaysWhatIsRight) {
     Script script;
     expectFailure({}, script, 2, "INTERFACE and METHOD are missing; see mlkctl call --help");
     expectFailure({"IMlkTvConfig"}, script, 2,
-                  R"(there is no interface "IMlkTvConfig"; did you mean IMlkTvConfigs?)");
+                  R"(there is no interface or method "IMlkTvConfig"; did you mean IMlkTvConfigs?)");
     expectFailure({"vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default", "getFlag"}, script, 2,
-                  R"(there is no interface "vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default")"
+                  "there is no interface or method "
+                  R"("vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default")"
                   "; did you mean IMlkTvConfigs?");
     expectFailure({"Television"}, script, 2,
-                  R"(there is no interface "Television"; there are IMlkProjectConfigs, )"
-                  "IMlkTvConfigs, IMlkFrameworkConfigs");
+                  R"(there is no interface or method "Television"; the interfaces are )"
+                  "IMlkProjectConfigs, IMlkTvConfigs, IMlkFrameworkConfigs");
+    expectFailure({"hbbtvEnabled"}, script, 2,
+                  "hbbtvEnabled is a method of several interfaces; name one: mlkctl call tv "
+                  "hbbtvEnabled, or mlkctl call framework hbbtvEnabled");
+    expectFailure({"getEQPath", "one"}, script, 2,
+                  R"(IMlkProjectConfigs getEQPath: INDEX is a number, 0 or 1, not "one")");
+    expectFailure({"setCountryId", "UK"}, script, 2,
+                  "IMlkProjectConfigs setCountryId: COUNTRY is a country's name or a number from "
+                  R"(-2147483648 to 2147483647, not "UK"; did you mean UNITED_KINGDOM?)");
+    expectFailure({"setCountryId", "Germany"}, script, 2,
+                  "IMlkProjectConfigs setCountryId: COUNTRY is a country's name or a number from "
+                  R"(-2147483648 to 2147483647, not "Germany"; did you mean GERMANY?)");
     expectFailure({"IMlkTvConfigs"}, script, 2,
                   "METHOD is missing; mlkctl call IMlkTvConfigs --help lists what it has");
     expectFailure({"IMlkTvConfigs", "getFlaf", "1"}, script, 2,
@@ -154,15 +161,53 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
     script.silent = {"getEQPath"};
     script.failing = {"getPowerOnMode"};
     script.dying = {"getPanelName"};
-    expectFailure({"IMlkProjectConfigs", "getEQPath", "2"}, script, 3,
+    expectFailure({"IMlkProjectConfigs", "getEQPath", "1"}, script, 3,
                   "IMlkProjectConfigs getEQPath: no answer; there is none if the index is not 0 or "
                   "1");
+    expectFailure({"IMlkProjectConfigs", "getEQPath", "5"}, script, 3,
+                  "IMlkProjectConfigs getEQPath: no answer; index 5: 0 or 1");
     expectFailure({"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
                   "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not "
                   "now'; there "
                   "is none if the item is a number other than 0, 1 and 2");
     expectFailure({"IMlkProjectConfigs", "getPanelName"}, script, 1,
                   "IMlkProjectConfigs getPanelName: the service died during the call");
+}
+
+// Such a call is made all the same: the service decides.
+TEST(CallTest, AnAnsweredCallOutOfItsRangeIsNoted) {
+    Script script;
+    const auto noted = [&](const Words& words) {
+        const Outcome outcome = runMlkctl(callOf(words), script);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_NE(outcome.out, "");
+        return outcome.err;
+    };
+    EXPECT_EQ(noted({"tv", "setAtvSystem", "1"}), "");
+    EXPECT_EQ(noted({"tv", "setAtvSystem", "2"}), "mlkctl: system 2: 0 or 1\n");
+    EXPECT_EQ(noted({"tv", "setAtvSystem", "-1"}), "mlkctl: system -1: 0 or 1\n");
+    EXPECT_EQ(noted({"setProjectId", "1"}), "");
+    EXPECT_EQ(noted({"setProjectId", "0"}), "mlkctl: projectId 0: 1 or more\n");
+    EXPECT_EQ(noted({"setAvrVendorId", std::string(128, 'x')}), "");
+    EXPECT_EQ(noted({"setAvrVendorId", std::string(129, 'x')}),
+              "mlkctl: vendorId of 129 bytes: a text of at most 128 bytes\n");
+    EXPECT_EQ(noted({"setCountryId", "-1"}), "");
+    EXPECT_EQ(noted({"setCountryId", "999"}), "mlkctl: country 999: no country has this number\n");
+    EXPECT_EQ(noted({"getHDMIEdidPath", "4", "7"}),
+              "mlkctl: port 4: 0 to 3, version 7: EDID_1P4, EDID_2P0 or EDID_2P1\n");
+    EXPECT_EQ(noted({"getFlag", "0"}), "mlkctl: type 0: no enumerator has this number\n");
+}
+
+TEST(CallTest, AnInterfaceMayBeShortOrLeftOut) {
+    Script script;
+    for (const Words& words : {Words{"IMlkTvConfigs", "getFlag", "HDMI"},
+                               Words{"tv", "getFlag", "HDMI"}, Words{"getFlag", "HDMI"}}) {
+        EXPECT_EQ(runMlkctl(callOf(words), script).err, "");
+        EXPECT_THAT(script.calls.back(), ElementsAre("getFlag", "11"));
+    }
+    expectAnswer({"framework", "hbbtvEnabled"}, script, R"({"success":true,"value":true})");
+    EXPECT_EQ(runMlkctl({"call", "--raw", "getTvFile", "x"}, script).out,
+              std::string("\0\1\xff", 3));
 }
 
 TEST(CallTest, RawPrintsTheBytes) {

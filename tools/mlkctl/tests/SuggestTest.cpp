@@ -37,6 +37,21 @@ TEST(SuggestionTest, AShortWordHasToBeNearer) {
     EXPECT_EQ(suggestion("ax", {"AV", "PVR"}), "");
 }
 
+TEST(SuggestionTest, KnowsInitialsAndCase) {
+    const std::vector<std::string_view> countries = {
+            "UKRAINE", "UAE_NO", "UNITED_KINGDOM", "NEW_ZEALAND", "UNITED_ARAB_EMIRATES", "OMAN"};
+    EXPECT_EQ(suggestion("UK", countries), "UNITED_KINGDOM");
+    EXPECT_EQ(suggestion("uk", countries), "UNITED_KINGDOM");
+    EXPECT_EQ(suggestion("nz", countries), "NEW_ZEALAND");
+    EXPECT_EQ(suggestion("UAE", countries), "UNITED_ARAB_EMIRATES");
+    EXPECT_EQ(suggestion("oman", countries), "OMAN");
+    EXPECT_EQ(suggestion("O", countries), "");  // one word has no initials
+    // Case comes before initials, initials before distance.
+    EXPECT_EQ(suggestion("ab", {"A_B", "AB"}), "AB");
+    EXPECT_EQ(suggestion("abc", {"abx", "Axx_Bxx_Cxx"}), "Axx_Bxx_Cxx");
+    EXPECT_EQ(suggestion("ab", {"abc", "_A__B_"}), "_A__B_");
+}
+
 TEST(DidYouMeanTest, AsksOrSaysTheOther) {
     EXPECT_EQ(didYouMean("lsit", {"list"}, "; no"), "; did you mean list?");
     EXPECT_EQ(didYouMean("dance", {"list"}, "; no"), "; no");
