@@ -2,13 +2,17 @@
 """Plants bugs and reports those that no test notices.
 
     ./test --mutants [FOLDER]... [--list] [--only ID]... [--jobs N] [--verbose]
-                   [--own] [--no-threads]
+                   [--own] [--no-threads] [--results FILE]
 
 Each row of tools/mutants/bugs/*.txt is a bug. A copy of the tree, in build/mutants, contains all of
 them; each acts only if the environment variable MLK_MUTANT has its number. The copy is built once.
 Then the tests of a bug's folder run with that bug, and if they pass, those of the folders above. A bug
 is noticed if a test fails, ends its process or hangs, and does so again when it runs alone. The test
 that noticed it is stored in build/mutants/learned.json and runs first the next time.
+
+With --results each outcome is added to FILE at once, and a bug is left out that FILE has an outcome of
+with its row and all files of its folder as they are now. A run can so be made in parts, and goes on
+where it was interrupted. Change a file elsewhere that matters, and FILE has to go.
 """
 
 import argparse
@@ -27,6 +31,7 @@ sys.path.insert(0, HERE)
 
 import planting  # noqa: E402
 import programs  # noqa: E402
+from results import Results, listed_files  # noqa: E402
 import table  # noqa: E402
 
 # Seconds: tests that take no longer are quick, and those that take longer are long.
@@ -36,17 +41,13 @@ LONG = 2.0
 
 def copy_tree(bugs):
     """Brings the copy up to date; files that stay the same are not touched, for the build's sake."""
-    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=TREE,
-                            check=True, capture_output=True).stdout.decode().split("\0")
     source = os.path.join(BUILD, "source")
     by_file = {}
     for bug in bugs:
         by_file.setdefault(bug.file, []).append(bug)
     wanted = set()
-    for file in filter(None, listed):
+    for file in listed_files(TREE):
         path = os.path.join(TREE, file)
-        if not os.path.isfile(path):
-            continue
         wanted.add(file)
         with open(path, "rb") as stream:
             content = stream.read()
@@ -136,13 +137,14 @@ def measure(pool, built):
 class Run:
     """The bugs that several threads try, and the outcomes."""
 
-    def __init__(self, built, learned, bugs, own, verbose):
+    def __init__(self, built, learned, bugs, results, own, verbose):
         self._built = built  # by preset, then by name
         self._files = {}  # the bugs of each
         for bug in bugs:
             self._files.setdefault(bug.file, []).append(bug.id)
         self._own = own
         self._learned = learned
+        self._results = results
         self._verbose = verbose
         self._lock = threading.Lock()
         self.noticed = {}
@@ -153,16 +155,21 @@ class Run:
         start = time.monotonic()
         preset = "tsan" if bug.threads else "default"
         by = self._noticed_by(bug, preset)
+        seconds = time.monotonic() - start
         with self._lock:
-            if by:
-                self.noticed[bug.id] = by
-                self._learned[bug.id] = by[:2]
-            else:
-                self.missed.append(bug)
+            self.take(bug, by)
+            self._results.add(bug, by, seconds)
             if self._verbose or not by:
-                seconds = time.monotonic() - start
                 text = f"{by[0]} {by[1]} {by[2]}" if by else "NOT NOTICED"
                 print(f"{bug.id}: {text} ({seconds:.1f} s): {bug.what}", flush=True)
+
+    def take(self, bug, by):
+        """Counts a bug; `by` is program, test and how, or None."""
+        if by:
+            self.noticed[bug.id] = by
+            self._learned[bug.id] = by[:2]
+        else:
+            self.missed.append(bug)
 
     def _noticed_by(self, bug, preset):
         own, above = programs.PROGRAMS[bug.folder]
@@ -261,6 +268,8 @@ def arguments():
     parser.add_argument("--no-threads", action="store_true",
                         help="leave out the bugs for the thread sanitizer, which is a second build")
     parser.add_argument("--own", action="store_true", help="only the tests of a bug's own folder")
+    parser.add_argument("--results", metavar="FILE",
+                        help="add the outcomes to FILE, and leave out what it has of the same sources")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="bugs at once")
     parser.add_argument("--verbose", action="store_true", help="what noticed each bug")
     return parser.parse_args()
@@ -289,7 +298,10 @@ def main():
             print(f"{bug.id}: {bug.what} ({bug.file})")
         return 0
     start = time.monotonic()
-    tried = [bug for bug in bugs if not bug.unseen or options.only]
+    results = Results(options.results, TREE, bugs)
+    wanted = [bug for bug in bugs if not bug.unseen or options.only]
+    known = {bug.id: results.of(bug) for bug in wanted}
+    tried = [bug for bug in wanted if not known[bug.id]]
     source = copy_tree(every)
     targets = {"default": set(), "tsan": set()}
     for bug in tried:
@@ -299,7 +311,10 @@ def main():
     built = {preset: build(source, preset, names) for preset, names in targets.items() if names}
     print(f"built after {time.monotonic() - start:.0f} s", flush=True)
     learned = load("learned.json")
-    run = Run(built, learned, every, options.own, options.verbose)
+    run = Run(built, learned, every, results, options.own, options.verbose)
+    for bug in wanted:
+        if known[bug.id]:
+            run.take(bug, known[bug.id]["by"])
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         # Not those for the thread sanitizer: they run only for bugs that it alone shows.
         measure(pool, built.get("default", {}))

@@ -1,7 +1,9 @@
 """The tables of planted bugs, and how bugs are planted."""
 
 import os
+import subprocess
 import sys
+import tempfile
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -11,6 +13,7 @@ sys.path.insert(0, FOLDER)
 
 import planting  # noqa: E402
 import programs  # noqa: E402
+import results  # noqa: E402
 import table  # noqa: E402
 
 
@@ -159,6 +162,53 @@ class OutcomeTest(unittest.TestCase):
             66, run + "WARNING: ThreadSanitizer: data race\n[       OK ] S.b/0 (0 ms)\n"
             "[ RUN      ] S.c\n[       OK ] S.c (0 ms)\n"), ("S.b/0", "races"))
         self.assertEqual(self.explained(-6, ""), ("S.first", "ends its process"))
+
+
+class ResultsTest(unittest.TestCase):
+    ROW = "== common/F.cpp\nrow: a bug\n    f([[a => b]]);\n"
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.tree = os.path.join(folder.name, "tree")
+        self.file = os.path.join(folder.name, "results")
+        subprocess.run(["git", "init", "-q", self.tree], check=True)
+        self.write("common/F.cpp", "f(a);")
+        self.bug = read(self.ROW)[0]
+
+    def write(self, name, text):
+        path = os.path.join(self.tree, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def opened(self):
+        return results.Results(self.file, self.tree, [self.bug])
+
+    def known(self, bug=None):
+        outcome = self.opened().of(bug or self.bug)
+        return outcome and outcome["by"]
+
+    def test_the_last_outcome_of_a_bug_counts(self):
+        self.assertIsNone(self.opened().of(self.bug))
+        self.opened().add(self.bug, None, 1.0)
+        self.assertIsNotNone(self.opened().of(self.bug))
+        self.assertIsNone(self.known())
+        self.opened().add(self.bug, ["p", "S.a", "fails"], 1.0)
+        self.assertEqual(["p", "S.a", "fails"], self.known())
+
+    def test_an_outcome_of_another_row_or_other_sources_does_not_count(self):
+        self.opened().add(self.bug, ["p", "S.a", "fails"], 1.0)
+        self.assertIsNone(self.known(read(self.ROW.replace("=> b", "=> c"))[0]))
+        self.write("regional/G.cpp", "g();")
+        self.assertEqual(["p", "S.a", "fails"], self.known())
+        self.write("common/tests/FTest.cpp", "TEST(F, a) {}")
+        self.assertIsNone(self.known())
+
+    def test_without_a_file_nothing_is_kept(self):
+        kept = results.Results(None, self.tree, [self.bug])
+        kept.add(self.bug, None, 1.0)
+        self.assertIsNone(kept.of(self.bug))
 
 
 if __name__ == "__main__":
