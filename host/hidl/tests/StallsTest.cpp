@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <log/log.h>
 #include <poll.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <deque>
@@ -107,6 +108,17 @@ TEST_F(StallsTest, OldOnesOfOneSizeMakeRoomTheOldestFirst) {
     EXPECT_FALSE(connect().stall->keep(5000, 0));
 }
 
+TEST_F(StallsTest, OfOldOnesOfOneSizeTheOldestGoes) {
+    Connection& first = keeping(3000);
+    Connection& second = keeping(3000);
+    Connection& third = keeping(3000);
+    grow();
+    EXPECT_TRUE(connect().stall->keep(3000, 0));
+    EXPECT_TRUE(first.closed());
+    EXPECT_FALSE(second.closed());
+    EXPECT_FALSE(third.closed());
+}
+
 TEST_F(StallsTest, SmallerOnesStay) {
     for (int i = 0; i < 10; ++i) {
         (void)keeping(1000);
@@ -127,6 +139,18 @@ TEST_F(StallsTest, DescriptorsOfBothKindsHaveABound) {
     EXPECT_FALSE(hoarder.closed());
     EXPECT_TRUE(connect(Kind::MESSAGE).stall->keep(1, 1));
     EXPECT_TRUE(hoarder.closed());
+}
+
+TEST_F(StallsTest, DescriptorsAreAQuarterOfThoseOfTheProcess) {
+    Stalls many{{kMessages, kReplies, 1'000'000, milliseconds(50)}};
+    Connection connection(Kind::MESSAGE, many);
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit low{400, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
+    EXPECT_FALSE(connection.stall->keep(1, 101));
+    EXPECT_TRUE(connection.stall->keep(1, 100));
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
 }
 
 TEST_F(StallsTest, WhatIsKeptInsteadCountsAlone) {

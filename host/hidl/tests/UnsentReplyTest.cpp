@@ -88,6 +88,23 @@ TEST_F(UnsentReplyTest, IsNotKeptWithoutItsDescriptor) {
     EXPECT_TRUE(unsent.keep(sending));
 }
 
+TEST_F(UnsentReplyTest, CountsItsDescriptorsUntilTheyAreSent) {
+    Stalls stalls({1000, 1000, 2, std::chrono::milliseconds(50)});
+    const unique_fd file = fileWith("content");
+    char byte = 'x';
+    Sending sending;
+    sending.pieces = {{&byte, 1}};
+    sending.descriptors = {file.get(), file.get()};
+    UnsentReply two(mHere.get(), stalls);
+    EXPECT_TRUE(two.keep(sending));
+    sending.descriptors.push_back(file.get());
+    UnsentReply three(mHere.get(), stalls);
+    EXPECT_FALSE(three.keep(sending));
+    EXPECT_TRUE(three.empty());
+    sending.begun = true;  // they were sent with the first byte
+    EXPECT_TRUE(three.keep(sending));
+}
+
 // The open descriptors of this process that a program would inherit.
 std::vector<int> inheritable() {
     std::vector<int> found;
