@@ -208,6 +208,21 @@ TEST(LogOutput, AMessageThatIsBegunIsFinishedFirst) {
     EXPECT_THAT(got, EndsWith("after\n"));
 }
 
+TEST(LogOutput, EachLineOfADroppedMessageCounts) {
+    Ends ends;
+    ASSERT_TRUE(::android::base::Socketpair(AF_UNIX, SOCK_STREAM, 0, &ends.read, &ends.write));
+    const std::string filling(4096, 'x');
+    while (send(ends.write.get(), filling.data(), filling.size(), MSG_DONTWAIT) > 0) {
+    }
+    LogOutput output(ends.write.get());
+    output.write("one\ntwo\nthree\n");
+    output.write("four\nfive\n");
+    (void)readNow(ends.read.get());
+    output.write("after\n");
+    EXPECT_THAT(readNow(ends.read.get()),
+                EndsWith("): 5 lines dropped: nobody read standard error in time\nafter\n"));
+}
+
 TEST(LogOutput, AnotherFileGetsNothingOfTheLastOnes) {
     const TempDir dir;
     const Ends first = pipeEnds();

@@ -59,6 +59,12 @@ class TreeTest(unittest.TestCase):
                 planting.plant(text, bugs, "mutant.h")
         self.assertEqual("\n".join(wrong), "")
 
+    def test_no_two_rows_are_one_bug(self):
+        self.assertEqual([], [
+            (one.id, other.id) for i, one in enumerate(self.bugs) for other in self.bugs[:i]
+            if (one.file, one.before, one.old, one.new, one.after)
+            == (other.file, other.before, other.old, other.new, other.after)])
+
     def test_there_are_enough_and_each_folder_has_some(self):
         self.assertGreaterEqual(len(self.bugs), 150)
         self.assertEqual({bug.folder for bug in self.bugs}, set(programs.PROGRAMS))
