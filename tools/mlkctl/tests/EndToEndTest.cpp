@@ -12,8 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
+#include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {
 
@@ -103,6 +105,21 @@ TEST_F(EndToEndTest, ARefusedCallIsNoAnswerAndTheServiceLivesOn) {
             HasSubstr("getPowerOnMode: no answer: Status(EX_TRANSACTION_FAILED): 'BAD_VALUE: '"));
     EXPECT_EQ(run({"call", "IMlkProjectConfigs", "getPanelName"}).status, 0);
     EXPECT_TRUE(mService->running());
+}
+
+// As after a look-up that was given up: no object, though the service manager has the name.
+TEST_F(EndToEndTest, WhatIsRegisteredWithoutAnObjectIsNotMissing) {
+    startService({"IMlkTvConfigs"});
+    ASSERT_TRUE(mlk::testing::eventually([] {
+        return run({"call", "IMlkTvConfigs", "getAtvSystem"}).status == 0;
+    }));
+    Services services([](const Interface&) { return nullptr; });
+    const auto registered = runMlkctl({"call", "IMlkTvConfigs", "getAtvSystem"}, services);
+    EXPECT_EQ(registered.status, 1);
+    EXPECT_EQ(registered.err, "mlkctl: IMlkTvConfigs: registered, but it does not answer\n");
+    const auto missing = runMlkctl({"call", "IMlkProjectConfigs", "getPanelName"}, services);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
 }
 
 // Each way of asking checks the byte of a truth value before it uses it.
