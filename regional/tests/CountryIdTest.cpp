@@ -17,6 +17,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using ::mlk::testing::asOtherUser;
+using ::mlk::testing::FileCall;
+using ::mlk::testing::FileCalls;
 using ::mlk::testing::isKilledAt;
 using ::mlk::testing::SmallDisk;
 using ::testing::AnyOf;
@@ -79,6 +81,18 @@ TEST_F(CountryIdTest, SavesACountry) {
     EXPECT_THAT(debugLines(), Contains("[saveCountryId:133] id=14"));
     EXPECT_THAT(errors(), IsEmpty());
     EXPECT_NE(access((file() + ".new").c_str(), F_OK), 0) << "nothing is left lying about";
+}
+
+// Or a power cut could take the new folder with the file in it.
+TEST_F(CountryIdTest, AFolderThatIsMadeIsSyncedBeforeItsFile) {
+    {
+        const FileCalls calls;
+        EXPECT_TRUE(mHolder.saveCountryId(kGermany));
+        EXPECT_EQ(calls.calls().at(0), FileCall::FSYNC);
+    }
+    const FileCalls calls;
+    EXPECT_TRUE(mHolder.saveCountryId(kUsa));
+    EXPECT_EQ(calls.calls().at(0), FileCall::PWRITE) << "the folder is there already";
 }
 
 TEST_F(CountryIdTest, ASavedCountryReplacesTheFormerOneWhole) {

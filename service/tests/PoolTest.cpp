@@ -3,6 +3,7 @@
 #include <android-base/unique_fd.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 
 #include <future>
@@ -29,8 +30,8 @@ constexpr size_t kThreads = 10;
 /** Makes the process wait at each read of one file until the calls are released. */
 class Gate {
   public:
-    explicit Gate(const HostSet& set)
-        : mSlowFile(set.dir().write("tvdata/slow", "slow")), mFifo(set.dir().path("gate")) {
+    explicit Gate(const HostSet& set, const std::string& slowFile = "tvdata/slow")
+        : mSlowFile(set.dir().write(slowFile, "slow")), mFifo(set.dir().path("gate")) {
         EXPECT_EQ(mkfifo(mFifo.c_str(), 0600), 0);
     }
 
@@ -87,6 +88,31 @@ TEST(Pool, HasTenThreadsAndMoreCallsWaitForThem) {
     // Threads never end, so this is the highest number.
     EXPECT_EQ(threadsOf(pid), kThreads);
     EXPECT_TRUE(IMlkTvConfigs::getService()->ping().isOk());
+}
+
+// The main thread is still reading a file when more calls come than there are threads.
+TEST(Pool, KeepsThePlaceOfTheMainThreadUntilItJoins) {
+    const HostSet set;
+    writeProject(set);
+    Gate gate(set, "tvconfigs/one/tv.config");
+    ServiceProcess service(gate.environment());
+    ASSERT_TRUE(eventually([] { return IMlkProjectConfigs::tryGetService() != nullptr; }));
+    const pid_t pid = service.process().pid();
+    constexpr size_t kCalls = kThreads + 4;
+    std::vector<std::future<bool>> slow;
+    slow.reserve(kCalls);
+    for (size_t i = 0; i < kCalls; ++i) {
+        slow.push_back(gate.slowCall());
+    }
+    EXPECT_TRUE(eventually([&] { return threadsOf(pid) >= kThreads; })) << threadsOf(pid);
+    // Time for a thread too many to start; nothing tells that none will.
+    (void)poll(nullptr, 0, 200);
+    gate.open();
+    for (auto& call : slow) {
+        EXPECT_TRUE(call.get());
+    }
+    EXPECT_EQ(threadsOf(pid), kThreads);
+    EXPECT_TRUE(service.waitUntilRegistered()) << service.process().err();
 }
 
 }  // namespace
