@@ -99,7 +99,7 @@ class FileConfigEditor::Lines {
     void tellEnd(const std::string& line, bool isTooLong) {
         if (isTooLong && mObserver != nullptr) {
             mObserver->onProblem(mRead.path, mRead.number + 1,
-                                 "line longer than " + std::to_string(kLineSize - 1) +
+                                 "line longer than " + std::to_string(kFeatureLineSize - 1) +
                                          " bytes, the file is read up to it");
         }
         mRead.isCut = isTooLong;

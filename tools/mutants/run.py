@@ -37,6 +37,8 @@ import table  # noqa: E402
 # Seconds: tests that take no longer are quick, and those that take longer are long.
 QUICK = 0.25
 LONG = 2.0
+# Seconds that a test has more when it runs alone.
+PATIENCE = 60
 
 
 def copy_tree(bugs):
@@ -224,12 +226,13 @@ class Run:
             outcome = program.outcome(bug.number, tests, program.limit(tests))
             if not outcome.failed:
                 return None
+            # Alone it has much more time: a busy machine is no hang, and many tests fail by
+            # themselves after half a minute.
             alone = [outcome.failed]
-            again = outcome if len(tests) == 1 and outcome.how == "hangs" else program.outcome(
-                bug.number, alone, program.limit(alone))
+            again = program.outcome(bug.number, alone, program.limit(alone) + PATIENCE)
             if again.failed:
-                return name, outcome.failed, outcome.how
-            # It passes alone, so continue with the tests after it.
+                return name, outcome.failed, again.how
+            # It passes alone: go on with the tests after it.
             tests = tests[tests.index(outcome.failed) + 1:] if outcome.failed in tests else []
         return None
 
