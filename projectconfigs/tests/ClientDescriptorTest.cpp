@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
 #include "projectconfigs/tests/ClientWriting.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -154,6 +158,26 @@ TEST(ClientDescriptor, FileIsWrittenAtItsPosition) {
     const unique_fd file(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
     EXPECT_EQ(written(file.get(), text), complete(text));
     EXPECT_EQ(dir.read("dump"), "before " + text);
+}
+
+// How many descriptors of this process are of the file.
+size_t descriptorsOfFile(const std::string& path) {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<size_t>(std::count_if(begin(all), end(all), [&](const auto& entry) {
+        std::error_code gone;
+        return std::filesystem::read_symlink(entry.path(), gone) == path;
+    }));
+}
+
+// The client may look for the end of a pipe as soon as it hears that the dump has ended.
+TEST(ClientDescriptor, CopyIsClosedBeforeTheEndIsTold) {
+    const TempDir dir;
+    const std::string path = dir.write("dump", "");
+    const unique_fd file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const auto count = std::make_shared<std::promise<size_t>>();
+    writeToClient(file.get(), "x",
+                  [count, path](const Written&) { count->set_value(descriptorsOfFile(path)); });
+    EXPECT_EQ(count->get_future().get(), 1U);
 }
 
 TEST(ClientDescriptor, ManyFilesAreWrittenAtOnce) {
