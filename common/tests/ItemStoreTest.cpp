@@ -14,9 +14,12 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "common/ConfigKey.h"
+#include "common/TextHash.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/Sanitizers.h"
 
@@ -108,6 +111,32 @@ TEST(ItemStoreTest, FindsByBothNames) {
     EXPECT_EQ(get(store, "[A]", "K"), "none");
     EXPECT_EQ(get(store, "[A]k", ""), "none");
     EXPECT_EQ(store.size(), 3U);
+}
+
+// Two sections in which a key has one hash. Of this many sections there are about ten such pairs.
+std::pair<std::string, std::string> sectionsOfOneHash(std::string_view key) {
+    std::unordered_map<uint32_t, std::string> sections;
+    for (int i = 0; i < 300'000; ++i) {
+        const std::string section = "section " + std::to_string(i);
+        const uint32_t hash = shortHash(hashText(key, hashText(section, 0)));
+        const auto [known, isNew] = sections.emplace(hash, section);
+        if (!isNew) {
+            return {known->second, section};
+        }
+    }
+    return {};
+}
+
+TEST(ItemStoreTest, TellsApartSectionsOfOneHash) {
+    const auto [one, other] = sectionsOfOneHash("key");
+    ASSERT_NE(one, other);
+    ItemStore items;
+    const auto first = items.insert(items.section(one), "key", "1");
+    EXPECT_EQ(items.find(other, "key"), ItemStore::kNone);
+    const auto second = items.insert(items.section(other), "key", "2");
+    EXPECT_TRUE(second.isNew);
+    EXPECT_EQ(items.find(one, "key"), first.item);
+    EXPECT_EQ(items.find(other, "key"), second.item);
 }
 
 TEST(ItemStoreTest, FirstItemOfANameStays) {

@@ -1,7 +1,11 @@
 #include "common/Paths.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <string>
+
+#include "host/testing/OtherUser.h"
 #include "host/testing/TempDir.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -37,6 +41,13 @@ TEST(PathsTest, WhateverHasThePathExists) {
     EXPECT_TRUE(pathExists(dir.path()));
     EXPECT_FALSE(pathExists(dir.path() + "/nothing"));
     EXPECT_FALSE(pathExists(""));
+}
+
+TEST(PathsTest, FileThatMayNotBeReadExists) {
+    const mlk::testing::TempDir dir;
+    const std::string file = dir.write("file", "");
+    EXPECT_EQ(chmod(file.c_str(), 0), 0);
+    EXPECT_TRUE(mlk::testing::asOtherUser(dir.path(), [&] { return pathExists(file); }));
 }
 
 }  // namespace

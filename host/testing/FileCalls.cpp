@@ -43,9 +43,13 @@ FileCallFate FileCalls::ask(FileCall call) {
     if (self == nullptr) {
         return {};
     }
-    const std::lock_guard<std::mutex> lock(self->mMutex);
-    self->mCalls.push_back(call);
-    return self->mJudge ? self->mJudge(call, self->mCalls.size() - 1) : FileCallFate{};
+    size_t number = 0;
+    {
+        const std::lock_guard<std::mutex> lock(self->mMutex);
+        number = self->mCalls.size();
+        self->mCalls.push_back(call);
+    }
+    return self->mJudge ? self->mJudge(call, number) : FileCallFate{};
 }
 
 FileCalls::Judge failing(FileCall call, int error) {

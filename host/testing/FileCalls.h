@@ -22,7 +22,8 @@ struct FileCallFate {
 
 /**
  * Asks a function about the fate of each call, by its number, and records the calls, while the
- * object lives. Only one at a time; the calls may come from any thread.
+ * object lives. Only one at a time. The calls may come from any thread, and the function is called
+ * on that thread: it may wait there for another one.
  */
 class FileCalls {
   public:

@@ -17,6 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
 using ::testing::Not;
 using ::testing::SizeIs;
 
@@ -214,6 +215,8 @@ TEST_F(RegionalMethodsTest, ACountryIsInForceAtOnceAndAfterARestart) {
     EXPECT_EQ(linesWith("tvSysMapCfgIni="),
               std::vector<std::string>{"[InitTvSysMapInfo:875] tvSysMapCfgIni=" + mSet.tvconfigs() +
                                        "/tvsys.xml"});
+    EXPECT_THAT(logged(ANDROID_LOG_DEBUG).back(), MatchesRegex("\\[saveCountryId:[0-9]+\\] id=44"))
+            << "it is saved when its items are there";
     EXPECT_EQ(countryId(), "COUNTRY_ID=44\n");
     const auto expectUsa = [&] {
         EXPECT_EQ(tvConfig(), "/tv/na.config");

@@ -1,10 +1,13 @@
 #include <android/log.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <thread>
 
+#include "host/testing/OtherUser.h"
 #include "platform/Platform.h"
 #include "projectconfigs/ProjectSet.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
@@ -33,6 +36,20 @@ TEST_F(StartUpTest, AMissingPartitionIsToldWithItsReason) {
     EXPECT_THAT(logged(ANDROID_LOG_ERROR),
                 Contains("partition " + mSet.tvdata() +
                          " cannot be read and written: No such file or directory"));
+}
+
+TEST_F(StartUpTest, APartitionThatCannotBeWrittenIsTold) {
+    for (const std::string& path : {mSet.impdata(), mSet.tvdata()}) {
+        ASSERT_EQ(chmod(path.c_str(), 0555), 0);
+        EXPECT_TRUE(mlk::testing::asOtherUser(mSet.dir().path(), [&] {
+            start();
+            const std::vector<std::string> errors = logged(ANDROID_LOG_ERROR);
+            return std::count(errors.begin(), errors.end(),
+                              "partition " + path +
+                                      " cannot be read and written: Permission denied") == 1;
+        })) << path;
+        ASSERT_EQ(chmod(path.c_str(), 0755), 0);
+    }
 }
 
 TEST_F(StartUpTest, ReadsTheSetAndLogsWhereItComesFrom) {

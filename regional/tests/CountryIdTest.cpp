@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <future>
 #include <string>
 
 #include "host/testing/FileCalls.h"
@@ -18,6 +20,7 @@ namespace {
 
 using ::mlk::testing::asOtherUser;
 using ::mlk::testing::FileCall;
+using ::mlk::testing::FileCallFate;
 using ::mlk::testing::FileCalls;
 using ::mlk::testing::isKilledAt;
 using ::mlk::testing::SmallDisk;
@@ -93,6 +96,26 @@ TEST_F(CountryIdTest, AFolderThatIsMadeIsSyncedBeforeItsFile) {
     const FileCalls calls;
     EXPECT_TRUE(mHolder.saveCountryId(kUsa));
     EXPECT_EQ(calls.calls().at(0), FileCall::PWRITE) << "the folder is there already";
+}
+
+// The second one must not write until the first has cut the file to its own length.
+TEST_F(CountryIdTest, TwoHoldersSaveOneAfterTheOther) {
+    writeCountryId("COUNTRY_ID=100\n");
+    TvSysMapCfgHolder other = processHolder();
+    std::future<bool> second;
+    const FileCalls calls([&](FileCall call, size_t) {
+        if (call == FileCall::FTRUNCATE && !second.valid()) {
+            second = std::async(std::launch::async,
+                                [&] { return other.saveCountryId(_tv_country{185}); });
+            // Nothing tells that it waits.
+            EXPECT_EQ(second.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+        }
+        return FileCallFate{};
+    });
+    EXPECT_TRUE(mHolder.saveCountryId(_tv_country{0}));
+    ASSERT_TRUE(second.valid());
+    EXPECT_TRUE(second.get());
+    EXPECT_EQ(countryId(), "COUNTRY_ID=185\n");
 }
 
 TEST_F(CountryIdTest, ASavedCountryReplacesTheFormerOneWhole) {

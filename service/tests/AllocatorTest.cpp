@@ -88,6 +88,8 @@ TEST_F(AllocatorTest, NothingIsSharedWhereTheAllocatorHasNoMemory) {
     stopAllocator();
     mAllocator = startAllocator({"prlimit", "--fsize=4096"});
     EXPECT_EQ(shared(file(4097)), "empty memory");
+    EXPECT_TRUE(isLogged(
+            "getVendorPartitionFile, no shared memory of 4097 bytes: the allocator has none\n"));
     EXPECT_TRUE(isSharedWhole(file(4096)));
 }
 

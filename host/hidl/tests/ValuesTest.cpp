@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlSupport.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstring>
@@ -12,6 +13,9 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "host/testing/ProcessUsage.h"
+#include "host/testing/Sanitizers.h"
 
 namespace mlk::test {
 namespace {
@@ -64,6 +68,20 @@ TEST(HidlStringTest, Assignments) {
     text = "again";
     text.clear();
     EXPECT_TRUE(text.empty());
+}
+
+TEST(HidlStringTest, AnAssignmentFreesTheFormerText) {
+    if (testing::kAddressSanitizer) {
+        GTEST_SKIP() << "the sanitizer keeps freed memory";
+    }
+    constexpr size_t kSize = size_t{4} << 20U;
+    constexpr size_t kTexts = 100;
+    hidl_string text;
+    const size_t before = testing::residentOf(getpid());
+    for (size_t i = 0; i < kTexts; ++i) {
+        text = std::string(kSize, 'x');
+    }
+    EXPECT_LT(testing::residentOf(getpid()), before + kTexts * kSize / 2);
 }
 
 // These tests check that a moved-from text is empty, as the class promises.
