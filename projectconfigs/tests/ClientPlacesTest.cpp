@@ -69,14 +69,23 @@ struct Waiting {
     std::vector<std::future<Written>> results;
 
     explicit Waiting(const std::string& text) {
-        do {
+        constexpr int kTries = 20;
+        for (int i = 0; i < kTries; ++i) {
             pipes = std::vector<TestPipe>(kWaitForReaders);
             results.clear();
             for (TestPipe& pipe : pipes) {
                 results.push_back(writing(pipe.fill().writeEnd(), text));
             }
-            // The probe may have been first and have taken the place of one of them.
-        } while (!eventually([&] { return anyDone() || probeIsCrowded(); }) || anyDone());
+            if (!eventually([&] { return anyDone() || probeIsCrowded(); })) {
+                ADD_FAILURE() << "there are more places";
+                return;
+            }
+            if (!anyDone()) {
+                return;
+            }
+            // The probe was first and has taken the place of one of them.
+        }
+        ADD_FAILURE() << "no text waits for its reader";
     }
 
   private:
@@ -91,6 +100,7 @@ struct Waiting {
 
 TEST(ClientDescriptor, OnlyAFewWaitForReaders) {
     Waiting waiting("x");
+    ASSERT_FALSE(::testing::Test::HasFailure());
     std::vector<TestPipe>& held = waiting.pipes;
     std::atomic<bool> stop{false};
     // The readers of these continue, a byte at a time, and keep their places.
@@ -130,6 +140,7 @@ TEST(ClientDescriptor, PlaceOfAReaderThatCrawlsIsNotGivenAway) {
     constexpr size_t kPages = 200;
     const std::string text(kPages * TestPipe::kSize, 'x');
     Waiting waiting(text);
+    ASSERT_FALSE(::testing::Test::HasFailure());
     TestPipe full;
     full.fill();
     std::atomic<bool> stop{false};
