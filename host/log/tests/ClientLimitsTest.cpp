@@ -59,6 +59,14 @@ TEST(ClientLimits, AnAccountIsFilledOverTime) {
     EXPECT_FALSE(limits.take(1, 1, 1, now));
 }
 
+TEST(ClientLimits, AnAccountThatIsNotEmptyHoldsNoMoreThanABurst) {
+    ClientLimits limits;
+    EXPECT_TRUE(limits.take(1, kAll / 2, 1, kStart));
+    const auto later = kStart + seconds(1'000'000);
+    EXPECT_TRUE(limits.take(1, kAll, 1, later));
+    EXPECT_FALSE(limits.take(1, 1, 1, later));
+}
+
 TEST(ClientLimits, OneClientTooManyTakesTheRichestPlace) {
     ClientLimits limits;
     EXPECT_FALSE(limits.take(1, kAll + 1, 1, kStart));

@@ -29,6 +29,7 @@ using ::mlk::testing::Process;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 // The standard error of a writer with these filter rules.
 struct Written {
@@ -70,6 +71,7 @@ TEST(HostLog, ComplainsOnceAboutRulesThatAreNone) {
     EXPECT_THAT(written.err,
                 HasSubstr("): ANDROID_LOG_TAGS: ignored, not of the form TAG[:VDIWEFS]: \"tag:X\" "
                           "\":\"\n"));
+    EXPECT_THAT(written.err, StartsWith("W/log     ("));
     EXPECT_EQ(std::count(written.err.begin(), written.err.end(), '\n'), 2);
     EXPECT_THAT(written.err, EndsWith(written.prefix + "hello\n"));
 }
