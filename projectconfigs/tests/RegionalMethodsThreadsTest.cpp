@@ -118,7 +118,7 @@ class ManyItemsThreadsTest : public RegionalOnSet {
 
 TEST_F(ManyItemsThreadsTest, OfTwoCountriesAtOnceOneIsInTheStoreAndTheSameIsSaved) {
     for (int round = 0; round < kRounds; ++round) {
-        mlk::testing::inThreads(2, [&](int id) { setCountry(id == 0 ? kGermany : kUsa); });
+        mlk::testing::inThreads(6, [&](int id) { setCountry(id % 2 == 0 ? kGermany : kUsa); });
         const auto found = values();
         ASSERT_EQ(found.size(), 1U);
         EXPECT_EQ(countryId(), "COUNTRY_ID=" + *found.begin() + "\n");
