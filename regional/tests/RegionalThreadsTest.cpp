@@ -85,6 +85,35 @@ TEST_F(RegionalThreadsTest, EveryReaderFromManyThreadsWhileTheCountryChanges) {
     EXPECT_TRUE((std::set<std::string>{"COUNTRY_ID=14\n", "COUNTRY_ID=44\n"}).count(countryId()));
 }
 
+// Threads that do nothing else, so that they nearly always meet.
+TEST_F(RegionalThreadsTest, LookUpsWhileTheMapIsLoadedAgain) {
+    constexpr int kLookUps = 300;
+    std::atomic<int> wrong = 0;
+    const mlk::testing::QuietLog quiet;
+    EXPECT_EQ(readAll(0, false), 0);
+    mlk::testing::inThreads(4, [&](int id) {
+        CountryFreqMapParse& map = CountryFreqMapParse::GetInstance();
+        for (int round = 0; round < kLookUps; ++round) {
+            std::string name;
+            if (id == 0) {
+                wrong += map.loadCountryFreqMapXML() ? 0 : 1;
+            } else if (id == 1) {
+                const std::string folder =
+                        set().tvconfigs() + (round % 2 == 0 ? "/freqtables" : "/other");
+                const bool found = map.GetFreqTableNameByCountry(folder, _tv_country{44},
+                                                                 FreqTableType::DTV_ANTENNA,
+                                                                 AtscCableType::AUTO, name);
+                wrong += found && name == "air" ? 0 : 1;
+            } else {
+                const bool found = map.GetFreqTableNameByCountryName(
+                        "USA", FreqTableType::DTV_ANTENNA, AtscCableType::AUTO, name);
+                wrong += found && name == "air" ? 0 : 1;
+            }
+        }
+    });
+    EXPECT_EQ(wrong, 0);
+}
+
 // A set whose first start sees two callers at once has one country, and both get its items.
 TEST_F(RegionalThreadsTest, TheFirstStartByManyThreads) {
     std::atomic<int> wrong = 0;

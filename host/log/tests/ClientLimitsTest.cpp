@@ -45,13 +45,13 @@ TEST(ClientLimits, WhatWasLeftOutIsToldOnceItIsHeardAgain) {
 TEST(ClientLimits, AnAccountIsFilledOverTime) {
     ClientLimits limits;
     EXPECT_TRUE(limits.take(1, kAll, 1, kStart));
-    // The account fills a millisecond at a time, up to its limit.
+    // The account fills a millisecond at a time, up to its limit; parts of one are not lost.
     auto now = kStart;
     for (int i = 0; i < 10'000; ++i) {
-        now += std::chrono::microseconds(100);
+        now += std::chrono::microseconds(700);
         (void)limits.take(1, 0, 1, now);
     }
-    EXPECT_TRUE(limits.take(1, ClientLimits::kEachSecond, 1, now));
+    EXPECT_TRUE(limits.take(1, 7 * ClientLimits::kEachSecond, 1, now));
     EXPECT_FALSE(limits.take(1, 1, 1, now));
     now += seconds(1'000'000);
     EXPECT_TRUE(limits.leftOut(now).has_value());
@@ -65,6 +65,17 @@ TEST(ClientLimits, AnAccountThatIsNotEmptyHoldsNoMoreThanABurst) {
     const auto later = kStart + seconds(1'000'000);
     EXPECT_TRUE(limits.take(1, kAll, 1, later));
     EXPECT_FALSE(limits.take(1, 1, 1, later));
+}
+
+TEST(ClientLimits, ThereAreNoMoreAccountsThanTheMost) {
+    ClientLimits limits;
+    EXPECT_TRUE(limits.take(0, kAll / 2, 1, kStart));
+    for (int client = 1; client < static_cast<int>(ClientLimits::kMost); ++client) {
+        EXPECT_TRUE(limits.take(client, kAll, 1, kStart));
+    }
+    EXPECT_FALSE(limits.take(0, kAll, 1, kStart)) << "all have an account";
+    EXPECT_TRUE(limits.take(ClientLimits::kMost, kAll, 1, kStart));
+    EXPECT_TRUE(limits.take(0, kAll, 1, kStart)) << "its account went, and it has a new one";
 }
 
 TEST(ClientLimits, OneClientTooManyTakesTheRichestPlace) {
