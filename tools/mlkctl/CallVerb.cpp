@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/mlkctl/Describe.h"
+#include "tools/mlkctl/Hints.h"
 #include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
@@ -30,7 +31,8 @@ never options: -3 and --foo are values, and so is an empty word.
   text          its bytes as they are. \udc80 to \udcff (six characters) stand for the bytes 80 to
                 ff, as answers print what is not UTF-8; no other character is special. (A text that
                 has such six characters of its own can be given in a batch: "\\udc80".)
-  item          two words, category and key, the category with its brackets: '[LiveTV]' TvConfig
+  item          two words, category and key: '[LiveTV]' TvConfig. The category's brackets may be
+                left out: LiveTV is asked for first, and [LiveTV] if that has no answer
 
 Options:
   --raw       print the bytes of an answer as they are; on a terminal, with control characters
@@ -51,6 +53,10 @@ Output:
   bytes, memory    {"size":3,"base64":"..."}
   A byte XX of a text that is no part of valid UTF-8 is printed as \udcXX, a control character
   as its escape.
+
+  A line on standard error says what may be wrong although there is an answer: an argument out of
+  its range; or, if the answer is empty, 0 or false, a section or key of a near name, a path that
+  begins with a partition's name and not with its mount point, and no allocator of shared memory.
 
 Exit status:
   0  answered (also with success false)
@@ -116,12 +122,10 @@ class CallVerb : public Verb {
         }
         environment.services.setLimit(limitOf(mSeconds));
         const Form form = mRaw ? Form::RAW : Form::JSON;
-        const std::string answer = environment.services.call(interface, method, arguments, form);
+        const std::string answer =
+                callWithSection(environment.services, interface, method, &arguments, form);
         mRaw ? environment.output.bytes(answer) : environment.output.line(answer);
-        const std::string outside = outsideRanges(method, arguments);
-        if (!outside.empty()) {
-            environment.note(outside);
-        }
+        hint(method, arguments, answer, form, environment);
         return ExitStatus::ANSWERED;
     }
 

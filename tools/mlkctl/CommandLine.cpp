@@ -171,8 +171,8 @@ void Environment::note(const std::string& text) {
 std::vector<std::unique_ptr<Verb>> makeVerbs() {
     std::vector<std::unique_ptr<Verb>> verbs;
     for (const auto make :
-         {makeListVerb, makeWaitVerb, makeCallVerb, makeDescribeVerb, makeBatchVerb, makeDumpVerb,
-          makeShowVerb, makePropVerb, makeCompletionVerb}) {
+         {makeListVerb, makeWaitVerb, makeCallVerb, makeDescribeVerb, makeGetVerb, makeBatchVerb,
+          makeDumpVerb, makeShowVerb, makeWatchVerb, makePropVerb, makeCompletionVerb}) {
         verbs.push_back(make());
     }
     return verbs;

@@ -1,23 +1,17 @@
-#include <android-base/unique_fd.h>
-#include <cutils/native_handle.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <memory>
-#include <new>
 #include <string>
 #include <system_error>
 
+#include "tools/mlkctl/Dump.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
 
 namespace {
-
-using ::android::base::unique_fd;
 
 constexpr const char* kHelp = R"(mlkctl dump - the diagnostic dump
 
@@ -45,30 +39,6 @@ Example:
 
 [[noreturn]] void throwErrno(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
-}
-
-// A file in memory: the service never waits for a reader, and the death of a reader cannot kill the
-// service.
-unique_fd memoryFile() {
-    unique_fd file(memfd_create("mlkctl-dump", MFD_CLOEXEC));
-    if (!file.ok()) {
-        throwErrno("a file in memory");
-    }
-    return file;
-}
-
-void askForDump(IBase& object, int file) {
-    native_handle_t* native = native_handle_create(1, 0);
-    if (native == nullptr) {
-        throw std::bad_alloc();
-    }
-    native->data[0] = dup(file);
-    ::android::hardware::hidl_handle handle;
-    handle.setTo(native, true);
-    if (native->data[0] < 0) {
-        throwErrno("a descriptor");
-    }
-    checkOutcome(object.debug(handle, {}), true);
 }
 
 // Returns the number of bytes.
@@ -108,12 +78,8 @@ class DumpVerb : public Verb {
 
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
         environment.services.setLimit(limitOf(mSeconds));
-        const auto file = std::make_shared<const unique_fd>(memoryFile());
-        environment.services.ask(projectInterface(), [file](IBase& object) {
-            askForDump(object, file->get());
-            return true;
-        });
-        if (copy(file->get(), environment.output) == 0) {
+        const auto file = dumpInto(environment.services);
+        if (copy(file.get(), environment.output) == 0) {
             throw Failure(ExitStatus::NO_ANSWER, "the service wrote no dump");
         }
         return ExitStatus::ANSWERED;

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 
+#include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Registry.h"
 #include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/Text.h"
@@ -35,8 +36,8 @@ Output:
   where state is told, hangs, untold or absent; pid and threads are null when not known.
 
 Exit status:
-  0  done, even when nothing is registered
-  1  the service manager cannot be reached
+  0  done
+  1  nothing is registered, or the service manager cannot be reached
 
 Examples:
   mlkctl list
@@ -94,7 +95,15 @@ class ListVerb : public Verb {
 
     ExitStatus run(const std::vector<std::string>&, Environment& environment) override {
         const auto rows = registrations(std::chrono::seconds(2));
-        mJson ? writeJson(rows, environment.output) : writeTable(rows, environment.output);
+        if (mJson) {
+            writeJson(rows, environment.output);
+        } else if (!rows.empty()) {
+            writeTable(rows, environment.output);
+        }
+        if (rows.empty()) {
+            environment.note("nothing is registered" + aboutSockets());
+            return ExitStatus::UNREACHABLE;
+        }
         return ExitStatus::ANSWERED;
     }
 

@@ -25,6 +25,7 @@ class Output {
     void bytes(std::string_view text);
     /** Whether the output is a terminal, so that a person reads it. */
     bool isTerminal() const { return mIsTerminal; }
+    int descriptor() const { return mDescriptor; }
 
   private:
     int mDescriptor;

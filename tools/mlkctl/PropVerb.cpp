@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/mlkctl/HostFolders.h"
+#include "tools/mlkctl/PropertyList.h"
 #include "tools/mlkctl/Suggest.h"
 #include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/Verb.h"
@@ -40,7 +42,7 @@ Output:
 
 Exit status:
   0  done
-  1  the property cannot be set
+  1  the property cannot be set, or there is none to list
   2  the command line is wrong
 
 Examples:
@@ -48,24 +50,15 @@ Examples:
   mlkctl prop set persist.vendor.mlk.forcestr true
 )";
 
-using Properties = std::vector<std::pair<std::string, std::string>>;
-
-Properties allProperties() {
-    Properties properties;
-    property_list([](const char* key, const char* value,
-                     void* cookie) { static_cast<Properties*>(cookie)->emplace_back(key, value); },
-                  &properties);
-    std::sort(properties.begin(), properties.end());
-    return properties;
-}
-
-void list(const std::vector<std::string>& words, Output& output) {
+ExitStatus list(const std::vector<std::string>& words, Environment& environment) {
+    Output& output = environment.output;
     const bool json = words.size() == 1 && words[0] == "--json";
     if (!words.empty() && !json) {
         throw usage("prop list takes --json or nothing");
     }
     std::string object;
-    for (const auto& [key, value] : allProperties()) {
+    const Properties properties = allProperties();
+    for (const auto& [key, value] : properties) {
         if (json) {
             object += (object.empty() ? "" : ",") + jsonString(key) + ':' + jsonString(value);
         } else {
@@ -75,6 +68,12 @@ void list(const std::vector<std::string>& words, Output& output) {
     if (json) {
         output.line('{' + object + '}');
     }
+    if (properties.empty()) {
+        const std::string where = aboutProperties();
+        environment.note("there are no properties" + (where.empty() ? "" : ": " + where));
+        return ExitStatus::UNREACHABLE;
+    }
+    return ExitStatus::ANSWERED;
 }
 
 void get(const std::vector<std::string>& words, Output& output) {
@@ -118,8 +117,10 @@ void set(const std::vector<std::string>& words) {
     errno = 0;
     if (property_set(words[0].c_str(), value.c_str()) != 0) {
         const int error = errno;
-        throw Failure(ExitStatus::UNREACHABLE,
-                      "cannot set " + excerpt(words[0]) + ": " + reason(words[0], error));
+        const std::string file = propertyFile(words[0]);
+        throw Failure(ExitStatus::UNREACHABLE, "cannot set " + excerpt(words[0]) + ": " +
+                                                       (file.empty() ? "" : file + ": ") +
+                                                       reason(words[0], error));
     }
 }
 
@@ -135,8 +136,9 @@ class PropVerb : public Verb {
         }
         const std::vector<std::string> rest(words.begin() + 1, words.end());
         if (words[0] == "list") {
-            list(rest, environment.output);
-        } else if (words[0] == "get") {
+            return list(rest, environment);
+        }
+        if (words[0] == "get") {
             get(rest, environment.output);
         } else if (words[0] == "set") {
             set(rest);

@@ -134,15 +134,15 @@ std::vector<Registration> registrations(std::chrono::milliseconds limit) {
     return rows;
 }
 
-bool isRegistered(std::string_view interface) {
+std::optional<bool> isRegistered(std::string_view interface, std::string_view instance) {
     const Names names = registeredNames();
     const auto* list = std::get_if<std::vector<Name>>(&names);
-    const std::string end = "::" + std::string(interface);
-    return list != nullptr && std::any_of(list->begin(), list->end(), [&](const Name& name) {
-               return name.instance == "default" && name.interface.size() > end.size() &&
-                      name.interface.compare(name.interface.size() - end.size(), end.size(), end) ==
-                              0;
-           });
+    if (list == nullptr) {
+        return {};
+    }
+    return std::any_of(list->begin(), list->end(), [&](const Name& name) {
+        return name.interface == interface && name.instance == instance;
+    });
 }
 
 }  // namespace mlk::ctl

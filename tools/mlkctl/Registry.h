@@ -33,10 +33,10 @@ struct Registration {
 std::vector<Registration> registrations(std::chrono::milliseconds limit);
 
 /**
- * Whether the service manager has the instance "default" of this interface (named without its
- * package). False if the service manager does not answer.
+ * Whether the service manager has this instance of an interface, which is named with its package.
+ * Nothing if the service manager does not answer.
  */
-bool isRegistered(std::string_view interface);
+std::optional<bool> isRegistered(std::string_view interface, std::string_view instance);
 
 /** The number of threads in a text like /proc/PID/status; nothing if the text has none. */
 std::optional<int> threadsIn(const std::string& status);

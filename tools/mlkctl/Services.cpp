@@ -1,5 +1,6 @@
 #include "tools/mlkctl/Services.h"
 
+#include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Registry.h"
 
@@ -12,10 +13,15 @@ using Clock = Worker::Clock;
 // The reason why an interface has no object. A runtime that gives up on a hanging service returns
 // no object either, but the service manager still has the name.
 Failure noObject(const Interface& interface) {
-    return {ExitStatus::UNREACHABLE,
-            std::string(interface.name) + (isRegistered(interface.name)
-                                                   ? ": registered, but it does not answer"
-                                                   : ": not registered; is the service running?")};
+    const std::string name = "vendor.morlak.mlkconfigs@1.0::" + std::string(interface.name);
+    const std::string instance = "default";
+    const std::string shortName(interface.name);
+    if (isRegistered(name, instance).value_or(false)) {
+        return {ExitStatus::UNREACHABLE, shortName + ": registered, but it does not answer"};
+    }
+    return {ExitStatus::UNREACHABLE, shortName + ": not registered" +
+                                             aboutSocket(name + '.' + instance) +
+                                             "; is the service running?"};
 }
 
 std::string shownSeconds(std::chrono::duration<double> limit) {

@@ -6,6 +6,7 @@
 
 #include "tools/mlkctl/Ask.h"
 #include "tools/mlkctl/CountryRows.h"
+#include "tools/mlkctl/Dump.h"
 
 namespace mlk::ctl {
 
@@ -77,8 +78,44 @@ ShowQuestion features(bool on) {
                 if (!known) {
                     return NoValue{"(refused)"};
                 }
-                return list;
+                return Names{list};
             }};
+}
+
+// The files of the EDIDs of a port, by their versions.
+ShowQuestion edids(int32_t port) {
+    return {&projectInterface(), [port](IBase& object) -> ShowValue {
+                Files files;
+                for (const auto version : ::android::hardware::hidl_enum_range<V1_0::EdidVer>()) {
+                    // EDID_2P0
+                    const std::string name = toString(version).substr(5);
+                    files.emplace_back(
+                            name,
+                            textOf(ask(object, &IMlkProjectConfigs::getHDMIEdidPath, port, version)
+                                           .value));
+                }
+                return files;
+            }};
+}
+
+ShowQuestion item(const char* section, const char* key) {
+    return answer(&IMlkProjectConfigs::getConfig, V1_0::ProjectConfigKey{section, key});
+}
+
+ShowQuestion languages() {
+    return {&projectInterface(), [](IBase& object) -> ShowValue {
+                Names names;
+                for (const hidl_string& name : ask(object, &IMlkProjectConfigs::getLanguageList)) {
+                    names.list.push_back(textOf(name));
+                }
+                return names;
+            }};
+}
+
+// A file that only the dump names.
+ShowQuestion dumped(std::string DumpedSet::*file) {
+    return {&projectInterface(),
+            [file](IBase& object) -> ShowValue { return dumpedSet(object).*file; }};
 }
 
 std::vector<ShowRow> makeRows() {
@@ -91,6 +128,8 @@ std::vector<ShowRow> makeRows() {
             {"Project", "Customer", "customer", answer(&P::getCustomerId)},
             {"Project", "Client type", "clientType", answer(&P::getClientType)},
             {"Project", "Region", "region", answer(&P::getRegionName)},
+            {"Project", "Model file", "modelFile", dumped(&DumpedSet::projectFile)},
+            {"Project", "Board file", "boardFile", dumped(&DumpedSet::boardFile)},
             {"Project", "Project files", "projectFiles", answer(&P::getProjectIniList)},
 
             {"Picture", "Panel", "panel", answer(&P::getPanelName)},
@@ -108,6 +147,17 @@ std::vector<ShowRow> makeRows() {
              answer(&P::getAMPSelection, CommonPath::AMP_SUB)},
             {"Sound", "Second address", "secondAmplifierAddress", answer(&P::getAMPAddr, 1)},
 
+            {"Sound", "Panel's delays", "panelDelays", item("[AUDIO]", "AUDIO_CONFIG_PATH")},
+            {"Sound", "IC's delays", "icDelays", item("[AUDIO]", "AUDIO_CONFIG_IC_PATH")},
+            {"Sound", "AVR's delays", "avrDelays", item("[AUDIO]", "AUDIO_CONFIG_AVR_PATH")},
+
+            {"HDMI", "EDID of port 0", "edid0", edids(0)},
+            {"HDMI", "EDID of port 1", "edid1", edids(1)},
+            {"HDMI", "EDID of port 2", "edid2", edids(2)},
+            {"HDMI", "EDID of port 3", "edid3", edids(3)},
+            {"HDMI", "HDCP 1.x", "hdcp1", item("[HDCP_KEY_1X]", "HDCP_KEY_File")},
+            {"HDMI", "HDCP 2.x", "hdcp2", item("[HDCP_KEY_2X]", "HDCP_KEY_File")},
+
             {"Reception", "Inputs", "inputs", answer(&P::getInputSource)},
             {"Reception", "Tuner type", "tunerType", answer(&P::getTunerType)},
             {"Reception", "Tuner 0", "tuner0", answer(&P::getTunerConfig, 0)},
@@ -122,9 +172,9 @@ std::vector<ShowRow> makeRows() {
             {"Country", "Name", "name", countryName()},
             {"Country", "Number", "number", countryNumber()},
             {"Country", "TV system", "tvSystem", countryTvSystem()},
-            {"Country", "TV configuration", "tvConfiguration",
-             answer(&P::getConfig, V1_0::ProjectConfigKey{"[LiveTV]", "TvConfig"})},
+            {"Country", "TV configuration", "tvConfiguration", item("[LiveTV]", "TvConfig")},
             {"Country", "Channels", "channels", countryChannels()},
+            {"Country", "Languages", "languages", languages()},
 
             {"Power", "Mode at power-on", "powerOnMode", answer(&P::getPowerOnMode)},
             {"Power", "Logo", "logo", answer(&P::getPowerLogoPath)},

@@ -19,8 +19,17 @@ struct NoValue {
 /** Names and their numbers, in the order in which they are shown. */
 using Counts = std::vector<std::pair<std::string, int32_t>>;
 
-using ShowValue =
-        std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>, Counts>;
+/** Kinds of a file and their paths, in order; empty for none. */
+using Files = std::vector<std::pair<std::string, std::string>>;
+
+/** Short names that are shown side by side. */
+struct Names {
+    std::vector<std::string> list;
+};
+
+/** A value. Of a vector of texts each has its own line. */
+using ShowValue = std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>, Names,
+                               Counts, Files>;
 
 /** How a fact is asked for. */
 struct ShowQuestion {

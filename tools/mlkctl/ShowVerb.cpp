@@ -1,15 +1,22 @@
 #include <CLI/CLI.hpp>
 
+#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
+
 #include <cctype>
+#include <cstdlib>
 #include <map>
 #include <ostream>
+#include <set>
 #include <string>
 
-#include "tools/mlkctl/ShowRows.h"
-#include "tools/mlkctl/Table.h"
+#include "tools/mlkctl/Ask.h"
+#include "tools/mlkctl/Dump.h"
+#include "tools/mlkctl/Overloaded.h"
+#include "tools/mlkctl/ShowTable.h"
 #include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
+#include "tools/mlkctl/Wrap.h"
 
 namespace mlk::ctl {
 
@@ -20,8 +27,10 @@ constexpr const char* kHelp = R"(mlkctl show - what this set is
 Usage: mlkctl show [--json] [--timeout SECONDS]
 
 Shows, for a person to read, what the service makes of the partitions: which project is selected
-and which there are, panel, sound, inputs and tuners, the country and what it decides, power, remote
-control, and where the partitions are. Use mlkctl call for a single value.
+and which there are, board, panel, sound, HDMI, inputs and tuners, the country and what it decides,
+languages, power, remote control, and where the partitions are. Use mlkctl call for a
+single value. Paths are shown as the partitions' files have them, /tvconfigs/...; the last lines are the
+mount points. A path that does not exist is marked (missing).
 
 The country is the saved one, with its TV system, its TV configuration file and the number of
 channels in each of its plans. The features are those of the file that the service has started on:
@@ -34,12 +43,15 @@ Options:
   -h, --help         this text
 
 Output:
-  Lines under headings. "-" stands for an empty value. A reason in brackets stands for a missing
-  one: (refused) by the service, (no answer) to this call, (not reachable); no country
-  (none saved), one without a name (unknown), its maps (not readable).
+  Lines of at most 60 columns under headings. "-" stands for an empty value. If there is no value,
+  the reason stands in brackets: (refused) by the service, (no answer) to this call,
+  (not reachable); no country (none saved), one without a name (unknown), its maps (not readable).
+  A first line says so if the set has no model. On a terminal headings are bold, what is off or
+  empty is faint, and what is missing is red; not so if NO_COLOR is set.
 
-  With --json, one line: {"project":{"name":"...","index":1,...},"picture":{...},...}, where null
-  stands for a missing value.
+  With --json, one line: {"project":{"name":"...","index":1,...},"picture":{...},...}, with null for
+  a missing value and paths as the service answers them; "missing":[...] lists those that do not
+  exist.
 
 Exit status:
   0  shown
@@ -51,13 +63,6 @@ Examples:
 )";
 
 using Answers = std::vector<ShowValue>;
-
-template <typename... Cases>
-struct Overloaded : Cases... {
-    using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 // The reasons why interfaces cannot be reached.
 using Unreachable = std::map<const Interface*, Failure>;
@@ -84,32 +89,69 @@ Answers askAll(Services& services, Unreachable* unreachable) {
     return answers;
 }
 
-std::string shown(const std::string& text) {
-    return text.empty() ? "-" : printable(text);
+// Which of the paths do not exist, as far as the service tells.
+std::set<std::string> missingOf(const std::set<std::string>& paths, Services& services) {
+    try {
+        return services.ask(projectInterface(), [paths](IBase& object) {
+            std::set<std::string> missing;
+            for (const std::string& path : paths) {
+                const auto exists =
+                        ask(object, &V1_0::IMlkProjectConfigs::isFileExist, hidl_string(path));
+                if (exists.success && exists.value == 0) {
+                    missing.insert(path);
+                }
+            }
+            return missing;
+        });
+    } catch (const Failure&) {
+        return {};
+    }
 }
 
-// The lines of a value, at least one.
-std::vector<std::string> linesOf(const ShowValue& value) {
-    using Lines = std::vector<std::string>;
-    return std::visit(Overloaded{[](const NoValue& none) { return Lines{none.why}; },
-                                 [](const std::string& text) { return Lines{shown(text)}; },
-                                 [](int32_t number) { return Lines{std::to_string(number)}; },
-                                 [](bool flag) { return Lines{flag ? "on" : "off"}; },
-                                 [](const Lines& list) {
-                                     Lines lines;
-                                     for (const std::string& text : list) {
-                                         lines.push_back(shown(text));
-                                     }
-                                     return list.empty() ? Lines{"-"} : lines;
-                                 },
-                                 [](const Counts& counts) {
-                                     Lines lines;
-                                     for (const auto& [what, count] : counts) {
-                                         lines.push_back(what + ": " + std::to_string(count));
-                                     }
-                                     return counts.empty() ? Lines{"-"} : lines;
-                                 }},
-                      value);
+ShowFrame frameOf(const Answers& answers, Services& services) {
+    ShowFrame frame;
+    try {
+        frame.mounts = mountsOf(services);
+        frame.missing = missingOf(pathsIn(answers), services);
+    } catch (const Failure&) {
+        // Paths are shown as the service has them.
+    }
+    return frame;
+}
+
+// Says that the set has no model, if the service says so.
+std::string modelLine(const Mounts& mounts, Services& services) {
+    DumpedSet set;
+    std::string dump;
+    try {
+        dump = dumpOf(services);
+    } catch (const Failure&) {
+        return {};
+    }
+    set = parseDump(dump);
+    if (dump.find("Project ini file:") == std::string::npos || !set.projectFile.empty()) {
+        return {};
+    }
+    return "This set has no model: " +
+           (set.systemFile.empty()
+                    ? "there is no system file that lists models."
+                    : printable(mounts.asWritten(set.systemFile)) + " has none for the index.");
+}
+
+// Colours for a person who wants them.
+bool wantsStyles(const Output& output) {
+    const char* noColour = getenv("NO_COLOR");
+    const char* terminal = getenv("TERM");
+    return output.isTerminal() && (noColour == nullptr || *noColour == '\0') &&
+           (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+std::string arrayOf(const std::vector<std::string>& list) {
+    std::string array;
+    for (const std::string& text : list) {
+        array += (array.empty() ? "" : ",") + jsonString(text);
+    }
+    return '[' + array + ']';
 }
 
 std::string jsonOf(const ShowValue& value) {
@@ -117,12 +159,15 @@ std::string jsonOf(const ShowValue& value) {
                                  [](const std::string& text) { return jsonString(text); },
                                  [](int32_t number) { return std::to_string(number); },
                                  [](bool flag) { return std::string(flag ? "true" : "false"); },
-                                 [](const std::vector<std::string>& list) {
-                                     std::string array;
-                                     for (const std::string& text : list) {
-                                         array += (array.empty() ? "" : ",") + jsonString(text);
+                                 [](const std::vector<std::string>& list) { return arrayOf(list); },
+                                 [](const Names& names) { return arrayOf(names.list); },
+                                 [](const Files& files) {
+                                     std::string object;
+                                     for (const auto& [what, path] : files) {
+                                         object += (object.empty() ? "" : ",") + jsonString(what) +
+                                                   ':' + jsonString(path);
                                      }
-                                     return '[' + array + ']';
+                                     return '{' + object + '}';
                                  },
                                  [](const Counts& counts) {
                                      std::string object;
@@ -135,32 +180,17 @@ std::string jsonOf(const ShowValue& value) {
                       value);
 }
 
-std::string tableOf(const Answers& answers) {
-    Table table;
-    for (size_t i = 0; i < answers.size(); ++i) {
-        const ShowRow& row = showRows()[i];
-        if (i == 0 || row.group != showRows()[i - 1].group) {
-            if (i != 0) {
-                table.push_back({""});
-            }
-            table.push_back({row.group});
-        }
-        std::string label = "  " + row.label;
-        for (const std::string& line : linesOf(answers[i])) {
-            table.push_back({label, line});
-            label.clear();
-        }
-    }
-    return aligned(table);
-}
-
 // Turns a heading into a key.
 std::string keyOf(std::string group) {
-    group[0] = static_cast<char>(tolower(group[0]));
+    // HDMI is written in capitals.
+    const bool isWord = group.size() > 1 && islower(group[1]) != 0;
+    for (size_t i = 0; i < (isWord ? 1 : group.size()); ++i) {
+        group[i] = static_cast<char>(tolower(group[i]));
+    }
     return group;
 }
 
-std::string objectOf(const Answers& answers) {
+std::string objectOf(const Answers& answers, const std::set<std::string>& missing) {
     std::string text = "{";
     for (size_t i = 0; i < answers.size(); ++i) {
         const ShowRow& row = showRows()[i];
@@ -171,7 +201,7 @@ std::string objectOf(const Answers& answers) {
         }
         text += jsonString(row.key) + ':' + jsonOf(answers[i]);
     }
-    return text + "}}\n";
+    return text + "},\"missing\":" + arrayOf({missing.begin(), missing.end()}) + "}\n";
 }
 
 class ShowVerb : public Verb {
@@ -188,7 +218,7 @@ class ShowVerb : public Verb {
         Unreachable unreachable = environment.services.findAll();
         if (unreachable.size() < interfaces().size()) {
             const Answers answers = askAll(environment.services, &unreachable);
-            environment.output.write(mJson ? objectOf(answers) : tableOf(answers));
+            write(answers, environment);
         }
         if (unreachable.empty()) {
             return ExitStatus::ANSWERED;
@@ -205,6 +235,20 @@ class ShowVerb : public Verb {
     }
 
   private:
+    void write(const Answers& answers, Environment& environment) const {
+        ShowFrame frame = frameOf(answers, environment.services);
+        if (mJson) {
+            environment.output.write(objectOf(answers, frame.missing));
+            return;
+        }
+        const std::string noModel = modelLine(frame.mounts, environment.services);
+        if (!noModel.empty()) {
+            environment.output.write(paragraph("", noModel, 0, 60) + '\n');
+        }
+        frame.styled = wantsStyles(environment.output);
+        environment.output.write(showTable(answers, frame));
+    }
+
     bool mJson = false;
     std::string mSeconds = "5";
 };

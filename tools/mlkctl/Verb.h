@@ -71,6 +71,8 @@ std::unique_ptr<Verb> makeListVerb();
 std::unique_ptr<Verb> makeWaitVerb();
 std::unique_ptr<Verb> makeCallVerb();
 std::unique_ptr<Verb> makeDescribeVerb();
+std::unique_ptr<Verb> makeGetVerb();
+std::unique_ptr<Verb> makeWatchVerb();
 std::unique_ptr<Verb> makeBatchVerb();
 std::unique_ptr<Verb> makeDumpVerb();
 std::unique_ptr<Verb> makeShowVerb();

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <thread>
 
+#include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
@@ -86,8 +87,8 @@ class WaitVerb : public Verb {
         if (missing.empty()) {
             return ExitStatus::ANSWERED;
         }
-        throw Failure(ExitStatus::UNREACHABLE,
-                      "no answer within " + mSeconds + " s from " + joined(missing));
+        throw Failure(ExitStatus::UNREACHABLE, "no answer within " + mSeconds + " s from " +
+                                                       joined(missing) + aboutSockets());
     }
 
   private:

@@ -31,10 +31,11 @@ void expectUsage(const Words& words, const std::string& message) {
 TEST(CommandLineTest, NamesWhatWouldBeRight) {
     expectUsage({}, "which command? mlkctl --help lists them");
     expectUsage({"lsit"}, R"(there is no command "lsit"; did you mean list?)");
-    expectUsage({"dance"}, R"(there is no command "dance"; there are list, wait, call, describe, )"
-                           "batch, dump, show, prop, completion");
-    expectUsage({""}, R"(there is no command ""; there are list, wait, call, describe, batch, )"
-                      "dump, show, prop, completion");
+    expectUsage({"dance"},
+                R"(there is no command "dance"; there are list, wait, call, describe, get, )"
+                "batch, dump, show, watch, prop, completion");
+    expectUsage({""}, R"(there is no command ""; there are list, wait, call, describe, get, )"
+                      "batch, dump, show, watch, prop, completion");
     expectUsage({"--jason"}, R"(there is no option "--jason"; there are --help, --version)");
     expectUsage({"list", "--jsn"},
                 R"(there is no option "--jsn"; did you mean --json? (see mlkctl list --help))");

@@ -50,8 +50,9 @@ Words completions(const Words& words, const std::string& folder = "") {
 
 TEST(CompletionTest, CompletesCommandsAndOptions) {
     EXPECT_THAT(completions({"c"}), ElementsAre("call", "completion"));
-    EXPECT_THAT(completions({""}), ElementsAre("--help", "--version", "batch", "call", "completion",
-                                               "describe", "dump", "list", "prop", "show", "wait"));
+    EXPECT_THAT(completions({""}),
+                ElementsAre("--help", "--version", "batch", "call", "completion", "describe",
+                            "dump", "get", "list", "prop", "show", "wait", "watch"));
     EXPECT_THAT(completions({"wait", ""}), ElementsAre("--help", "--timeout"));
     EXPECT_THAT(completions({"show", "--j"}), ElementsAre("--json"));
     EXPECT_THAT(completions({"completion", ""}), ElementsAre("--help", "bash"));

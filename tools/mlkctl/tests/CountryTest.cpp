@@ -95,15 +95,18 @@ TEST_F(ShowCountryTest, NamesTheCountryAndWhatItDecides) {
                                        "                    ATV_CABLE AUTO: 3\n"
                                        "                    ATV_CABLE STD: 3\n"
                                        "                    ATV_CABLE HRC: 3\n"
-                                       "                    ATV_CABLE IRC: 3\n\n"));
-    EXPECT_THAT(show({"--json"}).out,
-                HasSubstr(R"("country":{"name":"USA","number":44,"tvSystem":"ATSC",)"
-                          R"("tvConfiguration":")" +
-                          mScript.text +
-                          R"(","channels":{"DTV_ANTENNA":3,"DTV_CABLE AUTO":3,)"
-                          R"("DTV_CABLE STD":3,"DTV_CABLE HRC":3,"DTV_CABLE IRC":3,)"
-                          R"("ATV_ANTENNA":3,"ATV_CABLE AUTO":3,"ATV_CABLE STD":3,)"
-                          R"("ATV_CABLE HRC":3,"ATV_CABLE IRC":3}},"power")"));
+                                       "                    ATV_CABLE IRC: 3\n"
+                                       "  Languages         one, two\n\n"));
+    EXPECT_THAT(
+            show({"--json"}).out,
+            HasSubstr(
+                    R"("country":{"name":"USA","number":44,"tvSystem":"ATSC",)"
+                    R"("tvConfiguration":")" +
+                    mScript.text +
+                    R"(","channels":{"DTV_ANTENNA":3,"DTV_CABLE AUTO":3,)"
+                    R"("DTV_CABLE STD":3,"DTV_CABLE HRC":3,"DTV_CABLE IRC":3,)"
+                    R"("ATV_ANTENNA":3,"ATV_CABLE AUTO":3,"ATV_CABLE STD":3,)"
+                    R"("ATV_CABLE HRC":3,"ATV_CABLE IRC":3},"languages":["one","two"]},"power")"));
 }
 
 TEST_F(ShowCountryTest, AsksForTheFileOfTheCountryAndItsPlans) {
@@ -121,7 +124,7 @@ TEST_F(ShowCountryTest, AsksForTheFileOfTheCountryAndItsPlans) {
 TEST_F(ShowCountryTest, PlansWithoutChannelsAreLeftOut) {
     mScript.channels.resize(0);
     EXPECT_THAT(show().out, HasSubstr("\n  Channels          -\n"));
-    EXPECT_THAT(show({"--json"}).out, HasSubstr(R"("channels":{}})"));
+    EXPECT_THAT(show({"--json"}).out, HasSubstr(R"("channels":{},)"));
 }
 
 TEST_F(ShowCountryTest, WithoutASavedCountry) {

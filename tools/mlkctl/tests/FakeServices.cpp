@@ -35,6 +35,13 @@ void note(Words& words, E value) {
     words.push_back(std::to_string(static_cast<uint32_t>(value)));
 }
 
+// The answer to this call if the script has one, else the other.
+template <typename T>
+T chosen(const std::map<Words, T>& answers, const Words& call, const T& otherwise) {
+    const auto found = answers.find(call);
+    return found == answers.end() ? otherwise : found->second;
+}
+
 template <typename Callback>
 struct AnswerOf;
 template <typename Answer>
@@ -55,6 +62,9 @@ Return<void> take(Script& script, const char* method, const Callback& callback,
         const std::lock_guard<std::mutex> lock(script.mutex);
         script.calls.push_back(words);
     }
+    if (script.onCall) {
+        script.onCall(words);
+    }
     if (script.failing.count(method) != 0) {
         return Status::fromExceptionCode(Status::EX_ILLEGAL_STATE, script.failure.c_str());
     }
@@ -63,7 +73,7 @@ Return<void> take(Script& script, const char* method, const Callback& callback,
     }
     using Answer = typename AnswerOf<Callback>::Type;
     if (script.silent.count(method) == 0) {
-        callback(answerFrom(script, method, static_cast<Answer*>(nullptr)));
+        callback(answerFrom(script, words, static_cast<Answer*>(nullptr)));
     }
     return Void();
 }
@@ -280,40 +290,42 @@ Script::~Script() {
     }
 }
 
-OptionalBool answerFrom(Script& script, const char*, OptionalBool*) {
+OptionalBool answerFrom(Script& script, const Script::Words&, OptionalBool*) {
     return {script.success, script.flag};
 }
 
-OptionalInt32 answerFrom(Script& script, const char*, OptionalInt32*) {
-    return {script.success, script.number};
+OptionalInt32 answerFrom(Script& script, const Script::Words& call, OptionalInt32*) {
+    return {script.success, chosen(script.numberOf, call, script.number)};
 }
 
-OptionalString answerFrom(Script& script, const char* method, OptionalString*) {
+OptionalString answerFrom(Script& script, const Script::Words& call, OptionalString*) {
     const bool named = script.text.empty() && !script.emptyTexts;
-    return {script.success, named ? hidl_string(method) : hidl_string(script.text)};
+    return {script.success, chosen(script.textOf, call, named ? call[0] : script.text)};
 }
 
-hidl_vec<hidl_string> answerFrom(Script& script, const char*, hidl_vec<hidl_string>*) {
+hidl_vec<hidl_string> answerFrom(Script& script, const Script::Words&, hidl_vec<hidl_string>*) {
     return script.texts;
 }
 
-hidl_vec<uint32_t> answerFrom(Script& script, const char*, hidl_vec<uint32_t>*) {
+hidl_vec<uint32_t> answerFrom(Script& script, const Script::Words&, hidl_vec<uint32_t>*) {
     return script.numbers;
 }
 
-hidl_vec<uint8_t> answerFrom(Script& script, const char*, hidl_vec<uint8_t>*) {
-    return script.bytes;
+hidl_vec<uint8_t> answerFrom(Script& script, const Script::Words& call, hidl_vec<uint8_t>*) {
+    return chosen(script.bytesOf, call, script.bytes);
 }
 
-hidl_vec<ConfigKeyValue> answerFrom(Script& script, const char*, hidl_vec<ConfigKeyValue>*) {
-    return script.items;
+hidl_vec<ConfigKeyValue> answerFrom(Script& script, const Script::Words& call,
+                                    hidl_vec<ConfigKeyValue>*) {
+    return chosen(script.itemsOf, call, script.items);
 }
 
-hidl_vec<HidlFreqListItem> answerFrom(Script& script, const char*, hidl_vec<HidlFreqListItem>*) {
+hidl_vec<HidlFreqListItem> answerFrom(Script& script, const Script::Words&,
+                                      hidl_vec<HidlFreqListItem>*) {
     return script.channels;
 }
 
-hidl_memory answerFrom(Script& script, const char*, hidl_memory*) {
+hidl_memory answerFrom(Script& script, const Script::Words&, hidl_memory*) {
     if (script.memory.empty()) {
         return {};
     }

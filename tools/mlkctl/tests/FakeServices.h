@@ -5,6 +5,8 @@
 #include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <set>
 #include <string>
@@ -30,7 +32,19 @@ struct Script {
     bool success = true;
     bool flag = true;
     int32_t number = 42;
-    /** Every text; if it is empty, methods answer their names, unless emptyTexts is set. */
+    /** A call with its arguments: {"getConfig", "[LiveTV]", "TvConfig"}. */
+    using Words = std::vector<std::string>;
+
+    /** Answers to single calls, in place of those below. */
+    std::map<Words, std::string> textOf;
+    std::map<Words, int32_t> numberOf;
+    std::map<Words, std::vector<V1_0::ConfigKeyValue>> itemsOf;
+    std::map<Words, std::vector<uint8_t>> bytesOf;
+
+    /** Called with each call before it is answered. */
+    std::function<void(const Words&)> onCall;
+
+    /** Texts are answered with this; when empty, with the method's name, unless emptyTexts. */
     std::string text;
     bool emptyTexts = false;
     std::vector<hidl_string> texts = {"one", "two"};
@@ -59,17 +73,17 @@ struct Script {
     int memoryFile = -1;
 };
 
-V1_0::OptionalBool answerFrom(Script& script, const char* method, V1_0::OptionalBool*);
-V1_0::OptionalInt32 answerFrom(Script& script, const char* method, V1_0::OptionalInt32*);
-V1_0::OptionalString answerFrom(Script& script, const char* method, V1_0::OptionalString*);
-hidl_vec<hidl_string> answerFrom(Script& script, const char* method, hidl_vec<hidl_string>*);
-hidl_vec<uint32_t> answerFrom(Script& script, const char* method, hidl_vec<uint32_t>*);
-hidl_vec<uint8_t> answerFrom(Script& script, const char* method, hidl_vec<uint8_t>*);
-hidl_vec<V1_0::ConfigKeyValue> answerFrom(Script& script, const char* method,
+V1_0::OptionalBool answerFrom(Script& script, const Script::Words& call, V1_0::OptionalBool*);
+V1_0::OptionalInt32 answerFrom(Script& script, const Script::Words& call, V1_0::OptionalInt32*);
+V1_0::OptionalString answerFrom(Script& script, const Script::Words& call, V1_0::OptionalString*);
+hidl_vec<hidl_string> answerFrom(Script& script, const Script::Words& call, hidl_vec<hidl_string>*);
+hidl_vec<uint32_t> answerFrom(Script& script, const Script::Words& call, hidl_vec<uint32_t>*);
+hidl_vec<uint8_t> answerFrom(Script& script, const Script::Words& call, hidl_vec<uint8_t>*);
+hidl_vec<V1_0::ConfigKeyValue> answerFrom(Script& script, const Script::Words& call,
                                           hidl_vec<V1_0::ConfigKeyValue>*);
-hidl_vec<V1_0::HidlFreqListItem> answerFrom(Script& script, const char* method,
+hidl_vec<V1_0::HidlFreqListItem> answerFrom(Script& script, const Script::Words& call,
                                             hidl_vec<V1_0::HidlFreqListItem>*);
-hidl_memory answerFrom(Script& script, const char* method, hidl_memory*);
+hidl_memory answerFrom(Script& script, const Script::Words& call, hidl_memory*);
 
 ::android::sp<V1_0::IMlkProjectConfigs> makeFakeProject(Script& script);
 ::android::sp<V1_0::IMlkTvConfigs> makeFakeTv(Script& script);

@@ -44,14 +44,6 @@ TEST(RegistryTest, ReadsTheNumberOfThreads) {
     EXPECT_EQ(threadsIn(""), std::nullopt);
 }
 
-TEST(ListTest, AnEmptySetHasAHeadingOnly) {
-    const HostSet set;
-    Script script;
-    EXPECT_EQ(runMlkctl({"list"}, script).out, "INTERFACE  INSTANCE  PID  THREADS\n");
-    EXPECT_EQ(runMlkctl({"list", "--json"}, script).out, "[]\n");
-    EXPECT_EQ(runMlkctl({"list"}, script).status, 0);
-}
-
 TEST(WaitTest, ReturnsWhenAllAnswer) {
     Script script;
     const Outcome outcome = runMlkctl({"wait", "--timeout", "0"}, script);
@@ -92,8 +84,8 @@ TEST(WaitTest, NamesWhatDoesNotAnswer) {
     const std::set<std::string> missing = {"IMlkTvConfigs", "IMlkFrameworkConfigs"};
     const Outcome outcome = runMlkctl({"wait", "--timeout", "0.05"}, script, "", missing);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "mlkctl: no answer within 0.05 s from IMlkTvConfigs, IMlkFrameworkConfigs\n");
+    EXPECT_THAT(outcome.err, StartsWith("mlkctl: no answer within 0.05 s from IMlkTvConfigs, "
+                                        "IMlkFrameworkConfigs; sockets are "));
 }
 
 TEST(WaitTest, WhatIsRegisteredButDeadDoesNotAnswer) {
@@ -101,7 +93,7 @@ TEST(WaitTest, WhatIsRegisteredButDeadDoesNotAnswer) {
     script.dying = {"ping"};
     const Outcome outcome = runMlkctl({"wait", "--timeout", "0"}, script);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "mlkctl: no answer within 0 s from IMlkTvConfigs\n");
+    EXPECT_THAT(outcome.err, StartsWith("mlkctl: no answer within 0 s from IMlkTvConfigs; "));
 }
 
 TEST(WaitTest, RefusesWhatIsNoTime) {
@@ -130,8 +122,8 @@ TEST(ShowTest, ShowsTheSet) {
     EXPECT_THAT(outcome.out,
                 HasSubstr("\n  Project files     one\n                    two\n\nPicture\n"));
     EXPECT_THAT(outcome.out, HasSubstr("\n  Suspend forced    on\n"));
-    EXPECT_THAT(outcome.out,
-                HasSubstr("\n  Features on       ATV\n                    ATV_ANTENNA\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\n  Features on       ATV, ATV_ANTENNA, ATV_CABLE, DTV,\n  "
+                                       "                  DTV_ANTENNA, "));
     EXPECT_THAT(outcome.out, HasSubstr("\n  Features off      -\n"));
 }
 
@@ -142,14 +134,15 @@ TEST(ShowTest, AsksForTheRightThings) {
     for (const char* part :
          {R"({"project":{"name":"getProjectName","index":42,"highestIndex":42,)"
           R"("customer":"getCustomerId","clientType":"getClientType",)"
-          R"("region":"getRegionName","projectFiles":["one","two"]},"picture":{)",
+          R"("region":"getRegionName","modelFile":"","boardFile":"",)"
+          R"("projectFiles":["one","two"]},"picture":{)",
           R"("panel":"getPanelName","pictureQuality":"getPQPath",)",
           R"("tunerType":"getTunerType","tuner0":"getTunerConfig","tuner1":"getTunerConfig",)",
           R"("inputs":"getInputSource",)", R"("featuresOff":[]},"country":{)",
           R"("power":{"powerOnMode":42,"logo":"getPowerLogoPath",)",
           R"("suspendToRam":true,"suspendForced":true,"wakeOnWireless":true},)",
           R"("partitions":{"tvconfigs":"getTvconfigsPath","tvdata":"getTvdataPath",)"
-          R"("impdata":"getImpdataPath"}})"}) {
+          R"("impdata":"getImpdataPath"},"missing":[]})"}) {
         EXPECT_THAT(outcome.out, HasSubstr(part));
     }
     const auto asked = [&](const std::vector<std::string>& call) {
@@ -197,8 +190,7 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
     Script script;
     Outcome outcome = runMlkctl({"show"}, script, "", {"IMlkFrameworkConfigs"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
+    EXPECT_THAT(outcome.err, StartsWith("mlkctl: IMlkFrameworkConfigs: not registered: "));
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("  Suspend forced    (not reachable)\n"),
                                    HasSubstr("  Panel             getPanelName\n")));
     // A service that dies meanwhile.
@@ -215,7 +207,7 @@ TEST(ShowTest, ShowsWhatCanBeReached) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 3);
-    EXPECT_THAT(outcome.err, HasSubstr("IMlkTvConfigs: not registered; is the service running?\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("mlkctl: IMlkTvConfigs: not registered: "));
 }
 
 TEST(DumpTest, PrintsWhatTheServiceWrites) {
@@ -240,7 +232,7 @@ TEST(DumpTest, SaysWhenThereIsNone) {
     EXPECT_EQ(runMlkctl({"dump"}, script).status, 1);
     outcome = runMlkctl({"dump"}, script, "", {"IMlkProjectConfigs"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
+    EXPECT_THAT(outcome.err, StartsWith("mlkctl: IMlkProjectConfigs: not registered: "));
 }
 
 // What mlkctl writes to a terminal, or to a pipe.
@@ -336,7 +328,8 @@ TEST(PropTest, SaysWhyAPropertyCannotBeSet) {
               "2 mlkctl: VALUE has at most 91 bytes; there are 92\n");
     EXPECT_EQ(refused("ro.serial", "1"), "0 ");
     EXPECT_EQ(refused("ro.serial", "2"),
-              "1 mlkctl: cannot set \"ro.serial\": it is set already, and is set once\n");
+              "1 mlkctl: cannot set \"ro.serial\": " + set.dir().path("data/property/ro.serial") +
+                      ": it is set already, and is set once\n");
     for (const char* key : {"", "a b", "../x", "a=b"}) {
         EXPECT_EQ(refused(key, "1"),
                   "2 mlkctl: \"" + std::string(key) +

@@ -112,9 +112,10 @@ TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
     });
     const Outcome show = runMlkctl({"show", "--timeout", "0.2"}, services);
     EXPECT_EQ(show.status, 1);
-    EXPECT_EQ(show.err,
-              "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n"
-              "mlkctl: IMlkFrameworkConfigs: not registered; is the service running?\n");
+    EXPECT_THAT(show.err,
+                ::testing::StartsWith(
+                        "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n"
+                        "mlkctl: IMlkFrameworkConfigs: not registered: "));
     EXPECT_THAT(show.out, AllOf(HasSubstr("  Panel             getPanelName\n"),
                                 HasSubstr("  Features on       (not reachable)\n")));
     const Outcome call =

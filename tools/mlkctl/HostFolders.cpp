@@ -1,0 +1,149 @@
+#include "tools/mlkctl/HostFolders.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace mlk::ctl {
+
+namespace {
+
+#ifdef __ANDROID__
+constexpr bool kIsHost = false;
+#else
+constexpr bool kIsHost = true;
+#endif
+
+// The variable's value; empty if it is not set.
+std::string variable(const char* name) {
+    const char* value = getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// Which variables name the folder of the sockets.
+std::string originOfRuntimeFolder() {
+    if (!variable("MLK_RUNTIME_DIR").empty()) {
+        return "MLK_RUNTIME_DIR";
+    }
+    if (!variable("XDG_RUNTIME_DIR").empty()) {
+        return "$XDG_RUNTIME_DIR/mlkconfigs, as MLK_RUNTIME_DIR is not set";
+    }
+    return "the default, as neither MLK_RUNTIME_DIR nor XDG_RUNTIME_DIR is set";
+}
+
+// Only root may create the default folder.
+std::string advice() {
+    const bool isDefault =
+            variable("MLK_RUNTIME_DIR").empty() && variable("XDG_RUNTIME_DIR").empty();
+    return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to the folder of the service" : "";
+}
+
+struct Folder {
+    int error;                       // an errno if it cannot be read
+    std::vector<std::string> names;  // sorted, without hidden ones
+};
+
+Folder readFolder(const std::string& path) {
+    struct Closer {
+        void operator()(DIR* folder) const { (void)closedir(folder); }
+    };
+    const std::unique_ptr<DIR, Closer> folder(opendir(path.c_str()));
+    if (folder == nullptr) {
+        return {errno, {}};
+    }
+    Folder result{0, {}};
+    while (const dirent* entry = readdir(folder.get())) {
+        if (entry->d_name[0] != '.') {
+            result.names.emplace_back(entry->d_name);
+        }
+    }
+    std::sort(result.names.begin(), result.names.end());
+    return result;
+}
+
+// What is in a folder: "does not exist", "is empty", "holds a, b, c and 2 more".
+std::string contentOf(const Folder& folder) {
+    if (folder.error == ENOENT) {
+        return "does not exist";
+    }
+    if (folder.error != 0) {
+        return std::string("cannot be read: ") + strerror(folder.error);
+    }
+    if (folder.names.empty()) {
+        return "is empty";
+    }
+    constexpr size_t kMostNames = 3;
+    std::string list;
+    for (size_t i = 0; i < std::min(folder.names.size(), kMostNames); ++i) {
+        list += (i == 0 ? "" : ", ") + folder.names[i];
+    }
+    if (folder.names.size() > kMostNames) {
+        list += " and " + std::to_string(folder.names.size() - kMostNames) + " more";
+    }
+    return "holds " + list;
+}
+
+std::string namedRuntimeFolder() {
+    return runtimeFolder() + " (" + originOfRuntimeFolder() + ')';
+}
+
+std::string propertyFolder() {
+    return variable("MLK_ROOT") + "/data/property";
+}
+
+}  // namespace
+
+std::string runtimeFolder() {
+    if (!kIsHost) {
+        return {};
+    }
+    std::string own = variable("MLK_RUNTIME_DIR");
+    while (own.size() > 1 && own.back() == '/') {
+        own.pop_back();
+    }
+    if (!own.empty()) {
+        return own;
+    }
+    const std::string session = variable("XDG_RUNTIME_DIR");
+    return session.empty() ? "/run/mlkconfigs" : session + "/mlkconfigs";
+}
+
+std::string aboutSockets() {
+    if (!kIsHost) {
+        return {};
+    }
+    return "; sockets are looked for in " + namedRuntimeFolder() + ", which " +
+           contentOf(readFolder(runtimeFolder())) + advice();
+}
+
+std::string aboutSocket(const std::string& name) {
+    if (!kIsHost) {
+        return {};
+    }
+    const Folder folder = readFolder(runtimeFolder());
+    if (std::binary_search(folder.names.begin(), folder.names.end(), name)) {
+        return ": no process serves the socket " + name + " in " + namedRuntimeFolder();
+    }
+    return ": no socket " + name + " in " + namedRuntimeFolder() + ": the folder " +
+           contentOf(folder) + advice();
+}
+
+std::string propertyFile(const std::string& key) {
+    return kIsHost ? propertyFolder() + '/' + key : std::string();
+}
+
+std::string aboutProperties() {
+    if (!kIsHost) {
+        return {};
+    }
+    return propertyFolder() + (variable("MLK_ROOT").empty() ? " (MLK_ROOT is not set) " : " ") +
+           contentOf(readFolder(propertyFolder()));
+}
+
+}  // namespace mlk::ctl

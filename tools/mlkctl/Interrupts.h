@@ -1,0 +1,34 @@
+#pragma once
+
+#include <csignal>
+
+#include <chrono>
+
+namespace mlk::ctl {
+
+/**
+ * While it lives, SIGINT and SIGTERM do not end the process: they end a pause. Threads that are
+ * started meanwhile do not take them. One object at a time; create it before other threads.
+ */
+class Interrupts {
+  public:
+    Interrupts();
+    ~Interrupts();
+    Interrupts(const Interrupts&) = delete;
+    Interrupts& operator=(const Interrupts&) = delete;
+
+    enum class Pause { OVER, INTERRUPTED, NO_READER };
+
+    /**
+     * Waits for this time. Ends at once if a signal comes or has come since the object exists, or
+     * if nobody reads the pipe of the descriptor any more.
+     */
+    Pause wait(std::chrono::duration<double> time, int descriptor) const;
+
+  private:
+    sigset_t mFormerMask;
+    struct sigaction mFormerInterrupt;
+    struct sigaction mFormerTermination;
+};
+
+}  // namespace mlk::ctl

@@ -1,0 +1,78 @@
+#include "tools/mlkctl/Mounts.h"
+
+#include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
+
+#include <array>
+
+#include "tools/mlkctl/Ask.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+using V1_0::IMlkProjectConfigs;
+
+constexpr std::array<std::string_view, 3> kNames = {"/tvconfigs", "/tvdata", "/impdata"};
+
+// The rest of a path after a folder: "" or "/x". Nothing if the path is not below the folder.
+std::optional<std::string_view> below(std::string_view path, std::string_view folder) {
+    if (folder.empty() || path.substr(0, folder.size()) != folder) {
+        return {};
+    }
+    path.remove_prefix(folder.size());
+    return path.empty() || path.front() == '/' ? std::optional(path) : std::nullopt;
+}
+
+// The rest of a path after a partition's name.
+std::optional<std::string_view> afterName(std::string_view path, std::string_view name) {
+    const auto rest = below(path, name);
+    return rest ? rest : below(path, name.substr(1));
+}
+
+}  // namespace
+
+std::optional<Mounted> Mounts::find(std::string_view path) const {
+    for (const Mount& mount : mMounts) {
+        if (const auto rest = afterName(path, mount.name)) {
+            return Mounted{mount.name, mount.mountPoint, mount.mountPoint + std::string(*rest)};
+        }
+    }
+    return {};
+}
+
+std::string Mounts::asWritten(const std::string& path) const {
+    for (const Mount& mount : mMounts) {
+        const auto rest = below(path, mount.mountPoint);
+        if (rest && !rest->empty()) {
+            return mount.name + std::string(*rest);
+        }
+    }
+    return path;
+}
+
+Mounts mountsOf(Services& services) {
+    return services.ask(projectInterface(), [](IBase& object) {
+        using P = IMlkProjectConfigs;
+        const std::array<std::string, 3> points = {ask(object, &P::getTvconfigsPath).value,
+                                                   ask(object, &P::getTvdataPath).value,
+                                                   ask(object, &P::getImpdataPath).value};
+        std::vector<Mounts::Mount> mounts;
+        for (size_t i = 0; i < kNames.size(); ++i) {
+            if (!points[i].empty()) {
+                mounts.push_back({std::string(kNames[i]), points[i]});
+            }
+        }
+        return Mounts(std::move(mounts));
+    });
+}
+
+bool beginsWithPartition(std::string_view path) {
+    for (const std::string_view name : kNames) {
+        if (afterName(path, name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace mlk::ctl

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace mlk::ctl {
+
+/** One function object of several, for std::visit. */
+template <typename... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+}  // namespace mlk::ctl
