@@ -97,7 +97,7 @@ class Missing(Modules):
         for name, kind, entry in (
             ("mlkctl", "static_libs", "libmlkconfigs_common"),
             ("mlkctl", "static_libs", "libmlkconfigs_regional"),
-            ("libmlkconfigs_mlkctl", "srcs", "Table.cpp"),
+            ("libmlkconfigs_tools", "srcs", "Table.cpp"),
             ("vendor.morlak.mlconfigs@1.0-service", "static_libs", "libmlkconfigs_projectconfigs"),
             ("mlkconfigs_platform_defaults", "shared_libs", "android.hidl.allocator@1.0"),
             ("mlkconfigs_platform_defaults", "shared_libs", "libcutils"),

@@ -27,11 +27,13 @@ TARGETS = {
     "libmlkconfigs_tvconfigs_testing": "tvconfigs_testing",
     "VtsHalMlkConfigsV1_0TargetTest": "VtsHalMlkConfigsV1_0TargetTest",
     "libmlkconfigs_mlkctl": "mlkctl_lib",
+    "libmlkconfigs_tools": "tools_common",
     "vendor.morlak.mlconfigs@1.0-service": "mlkconfigs_service",
     "mlkctl": "mlkctl",
     "mlkconfigs_common_test": "common_test",
     "mlkconfigs_regional_test": "regional_test",
     "mlkconfigs_service_test": "service_test",
+    "mlkconfigs_tools_test": "tools_common_test",
     "mlkctl_test": "mlkctl_test",
 }
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Failure.h"
 #include "tools/mlkctl/SharedMemory.h"
-#include "tools/mlkctl/Text.h"
 
 namespace mlk::ctl {
 

@@ -4,9 +4,9 @@
 #include <limits>
 #include <system_error>
 
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Failure.h"
-#include "tools/mlkctl/Suggest.h"
-#include "tools/mlkctl/Text.h"
 
 namespace mlk::ctl {
 

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <limits>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Failure.h"
-#include "tools/mlkctl/Text.h"
 
 namespace mlk::ctl {
 

@@ -1,9 +1,9 @@
 #include <optional>
 #include <variant>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/BatchLine.h"
 #include "tools/mlkctl/LineInput.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 

@@ -1,8 +1,8 @@
 #include <CLI/CLI.hpp>
 
+#include "tools/common/Table.h"
 #include "tools/mlkctl/Describe.h"
 #include "tools/mlkctl/Hints.h"
-#include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 

@@ -6,8 +6,8 @@
 #include <ostream>
 #include <system_error>
 
-#include "tools/mlkctl/Suggest.h"
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
 
 namespace mlk::ctl {
 

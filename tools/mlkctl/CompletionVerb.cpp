@@ -1,5 +1,5 @@
+#include "tools/common/Text.h"
 #include "tools/mlkctl/BashCompletion.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {

@@ -1,6 +1,6 @@
 #include "tools/mlkctl/Describe.h"
 
-#include "tools/mlkctl/Wrap.h"
+#include "tools/common/Wrap.h"
 
 namespace mlk::ctl {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Items.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 

@@ -4,11 +4,11 @@
 
 #include <optional>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Ask.h"
 #include "tools/mlkctl/Items.h"
 #include "tools/mlkctl/Mounts.h"
 #include "tools/mlkctl/Registry.h"
-#include "tools/mlkctl/Text.h"
 
 namespace mlk::ctl {
 

@@ -1,7 +1,7 @@
 #include "tools/mlkctl/Interface.h"
 
-#include "tools/mlkctl/Suggest.h"
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
 
 namespace mlk::ctl {
 

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Ask.h"
-#include "tools/mlkctl/Suggest.h"
-#include "tools/mlkctl/Text.h"
 
 namespace mlk::ctl {
 

@@ -2,8 +2,6 @@
 
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Registry.h"
-#include "tools/mlkctl/Table.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {

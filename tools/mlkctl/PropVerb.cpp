@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/PropertyList.h"
-#include "tools/mlkctl/Suggest.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {

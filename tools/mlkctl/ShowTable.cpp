@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "tools/common/Text.h"
+#include "tools/common/Wrap.h"
 #include "tools/mlkctl/Overloaded.h"
-#include "tools/mlkctl/Text.h"
-#include "tools/mlkctl/Wrap.h"
 
 namespace mlk::ctl {
 

@@ -9,14 +9,14 @@
 #include <set>
 #include <string>
 
+#include "tools/common/Text.h"
+#include "tools/common/Wrap.h"
 #include "tools/mlkctl/Ask.h"
 #include "tools/mlkctl/Dump.h"
 #include "tools/mlkctl/Overloaded.h"
 #include "tools/mlkctl/ShowTable.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
-#include "tools/mlkctl/Wrap.h"
 
 namespace mlk::ctl {
 

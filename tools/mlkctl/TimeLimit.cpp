@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Text.h"
 
 namespace mlk::ctl {
 

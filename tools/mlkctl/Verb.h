@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/common/Output.h"
 #include "tools/mlkctl/Failure.h"
-#include "tools/mlkctl/Output.h"
 #include "tools/mlkctl/Services.h"
 
 namespace CLI {

@@ -3,7 +3,6 @@
 
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 

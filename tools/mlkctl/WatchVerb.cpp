@@ -7,11 +7,11 @@
 #include <map>
 #include <system_error>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Ask.h"
 #include "tools/mlkctl/CountryRows.h"
 #include "tools/mlkctl/Interrupts.h"
 #include "tools/mlkctl/PropertyList.h"
-#include "tools/mlkctl/Text.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     // A write to a pipe that nobody reads must fail and not kill: a shell would show a status above
     // 125.
     (void)std::signal(SIGPIPE, SIG_IGN);
-    mlk::ctl::Output output(STDOUT_FILENO);
+    mlk::Output output(STDOUT_FILENO);
     mlk::ctl::Services services;
     mlk::ctl::Environment environment{STDIN_FILENO, output, std::cerr, services};
     const auto status = static_cast<int>(

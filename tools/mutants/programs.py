@@ -29,6 +29,7 @@ PROGRAMS = {
     "host/partitions": (["host_partitions_test"], ["regional_test", _SERVICE]),
     "host/properties": (["host_properties_test"],
                         ["frameworkconfigs_test", "tvconfigs_test", "mlkctl_test", _SERVICE]),
+    "tools/common": (["tools_common_test"], ["mlkctl_test"]),
     "tools/mlkctl": (["mlkctl_test"], ["samples_test"]),
 }
 

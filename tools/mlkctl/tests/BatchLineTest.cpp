@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Failure.h"
-#include "tools/mlkctl/Text.h"
 
 using namespace std::string_literals;
 

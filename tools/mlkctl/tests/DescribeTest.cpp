@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "tools/mlkctl/Wrap.h"
+#include "tools/common/Wrap.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "host/testing/Eventually.h"
-#include "tools/mlkctl/Output.h"
+#include "tools/common/Output.h"
 
 namespace mlk::ctl {
 

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "tools/common/Wrap.h"
 #include "tools/mlkctl/CommandLine.h"
-#include "tools/mlkctl/Wrap.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {

@@ -10,9 +10,9 @@
 #include <sstream>
 
 #include "host/testing/HostSet.h"
+#include "tools/common/Table.h"
 #include "tools/mlkctl/CommandLine.h"
 #include "tools/mlkctl/Registry.h"
-#include "tools/mlkctl/Table.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {

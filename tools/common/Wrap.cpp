@@ -1,8 +1,8 @@
-#include "tools/mlkctl/Wrap.h"
+#include "tools/common/Wrap.h"
 
 #include <algorithm>
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::string paragraph(const std::string& begin, std::string_view text, size_t in
     return out;
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -1,10 +1,10 @@
-#include "tools/mlkctl/Table.h"
+#include "tools/common/Table.h"
 
 #include <algorithm>
 
-#include "tools/mlkctl/Wrap.h"
+#include "tools/common/Wrap.h"
 
-namespace mlk::ctl {
+namespace mlk {
 
 std::string aligned(const Table& table) {
     std::vector<size_t> widths;
@@ -31,4 +31,4 @@ std::string aligned(const Table& table) {
     return text;
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace mlk::ctl {
+namespace mlk {
 
 /**
  * The number of columns that a text takes: its UTF-8 characters; a byte that is no part of one
@@ -25,4 +25,4 @@ std::vector<std::string> wrapped(std::string_view text, size_t width, std::strin
  */
 std::string paragraph(const std::string& begin, std::string_view text, size_t indent, size_t width);
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -1,4 +1,4 @@
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Text.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +6,7 @@
 
 using namespace std::string_literals;
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -129,4 +129,4 @@ TEST(JoinedTest, PutsCommasBetween) {
 
 }  // namespace
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -1,8 +1,8 @@
-#include "tools/mlkctl/Suggest.h"
+#include "tools/common/Suggest.h"
 
 #include <gmock/gmock.h>
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -59,4 +59,4 @@ TEST(DidYouMeanTest, AsksOrSaysTheOther) {
 
 }  // namespace
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -10,7 +10,7 @@
  * JSON is UTF-8, so a byte XX outside of valid UTF-8 is written as the escape \udcXX (half of a
  * surrogate pair, which no valid text has) and read back as that byte.
  */
-namespace mlk::ctl {
+namespace mlk {
 
 /**
  * Appends a text as a JSON string, with its quotes. Valid UTF-8 stays as it is; quotes, backslashes
@@ -56,4 +56,4 @@ std::string restoreBytes(std::string_view text);
 /** The texts with ", " between them. */
 std::string joined(const std::vector<std::string>& texts);
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -1,4 +1,4 @@
-#include "tools/mlkctl/Output.h"
+#include "tools/common/Output.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <system_error>
 
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Text.h"
 
-namespace mlk::ctl {
+namespace mlk {
 
 Output::Output(int descriptor) : mDescriptor(descriptor), mIsTerminal(isatty(descriptor) != 0) {}
 
@@ -51,4 +51,4 @@ void Output::flush() {
     mPending.clear();
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk

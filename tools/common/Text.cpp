@@ -1,9 +1,9 @@
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Text.h"
 
 #include <algorithm>
 #include <array>
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -187,4 +187,4 @@ std::string joined(const std::vector<std::string>& texts) {
     return out;
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk

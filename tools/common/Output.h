@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace mlk::ctl {
+namespace mlk {
 
 /**
  * Collects what goes to standard output and writes it in large pieces. A failure to write throws
@@ -33,4 +33,4 @@ class Output {
     std::string mPending;
 };
 
-}  // namespace mlk::ctl
+}  // namespace mlk

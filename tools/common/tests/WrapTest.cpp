@@ -1,8 +1,8 @@
-#include "tools/mlkctl/Wrap.h"
+#include "tools/common/Wrap.h"
 
 #include <gmock/gmock.h>
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -47,4 +47,4 @@ TEST(ParagraphTest, IndentsEveryLineButTheFirst) {
 
 }  // namespace
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace mlk::ctl {
+namespace mlk {
 
 /** Rows of cells for a person to read. A cell holds one line. */
 using Table = std::vector<std::vector<std::string>>;
@@ -15,4 +15,4 @@ using Table = std::vector<std::vector<std::string>>;
  */
 std::string aligned(const Table& table);
 
-}  // namespace mlk::ctl
+}  // namespace mlk

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace mlk::ctl {
+namespace mlk {
 
 /**
  * The number of letters that have to be changed, added, removed or swapped with a neighbour to turn
@@ -24,4 +24,4 @@ std::string_view suggestion(std::string_view word, const std::vector<std::string
 std::string didYouMean(std::string_view word, const std::vector<std::string_view>& candidates,
                        const std::string& otherwise);
 
-}  // namespace mlk::ctl
+}  // namespace mlk

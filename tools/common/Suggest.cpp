@@ -1,8 +1,8 @@
-#include "tools/mlkctl/Suggest.h"
+#include "tools/common/Suggest.h"
 
 #include <algorithm>
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -91,4 +91,4 @@ std::string didYouMean(std::string_view word, const std::vector<std::string_view
     return meant.empty() ? otherwise : "; did you mean " + std::string(meant) + "?";
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk

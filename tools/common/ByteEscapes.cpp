@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "tools/mlkctl/Text.h"
+#include "tools/common/Text.h"
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
@@ -144,4 +144,4 @@ std::string restoreBytes(std::string_view text) {
     return out;
 }
 
-}  // namespace mlk::ctl
+}  // namespace mlk
