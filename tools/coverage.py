@@ -32,6 +32,7 @@ FOLDERS = {
     "host/properties": 0,
     "tools/common": 0,
     "tools/mlkctl": 0,
+    "tools/mlktree": 0,
 }
 
 

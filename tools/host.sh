@@ -14,8 +14,8 @@ print_help() {
 
 packages=(
     android-libbase-dev android-libcutils-dev android-liblog-dev android-libutils-dev
-    cmake g++ hidl-gen libcli11-dev libgmock-dev libgtest-dev libtinyxml2-dev ninja-build
-    nlohmann-json3-dev python3
+    cmake g++ hidl-gen libcli11-dev libgmock-dev libgtest-dev libtinyxml2-dev
+    libtomlplusplus-dev ninja-build nlohmann-json3-dev python3 python3-jsonschema
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)

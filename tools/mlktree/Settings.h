@@ -36,15 +36,36 @@ struct RuleSetting {
     size_t line = 0;    /**< in mlktree.toml */
 };
 
+/** Findings that are allowed, for files that can hold no comment. */
+struct Allowance {
+    std::string rule;
+    std::string files;  /**< as in RuleSetting */
+    std::string text;   /**< the source line without blanks at its ends; empty for any */
+    std::string reason; /**< never empty */
+    size_t line = 0;    /**< in mlktree.toml */
+};
+
 /** What mlktree.toml at the top of a tree says. */
 struct Settings {
     std::vector<OwnKey> keys;
     std::vector<RuleSetting> rules;
+    std::vector<Allowance> allowances;
 
     /** The declaration of an item; null if there is none. */
     const OwnKey* find(std::string_view section, std::string_view key) const;
     /** True if some key of that section is declared. */
     bool knowsSection(std::string_view section) const;
 };
+
+/** The name of a type in mlktree.toml: "integer". */
+std::string_view nameOf(OwnType type);
+
+/**
+ * Reads mlktree.toml.
+ *
+ * @param path  a file of this machine; if nothing has that path, the settings are empty
+ * @throw UsageError with file, line and column, what is wrong and what would be right
+ */
+Settings readSettings(const std::string& path);
 
 }  // namespace mlk::tree

@@ -6,7 +6,7 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
+            readingBytes(), readingLines(), readingValues(), replacing(), paths(), allowing(),
     };
     return families;
 }

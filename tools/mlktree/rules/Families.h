@@ -10,5 +10,6 @@ RuleFamily readingLines();
 RuleFamily readingValues();
 RuleFamily replacing();
 RuleFamily paths();
+RuleFamily allowing();
 
 }  // namespace mlk::tree

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "host/testing/TempDir.h"
-#include "tools/mlktree/Checker.h"
+#include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Rule.h"
 
 namespace mlk::tree {
@@ -50,7 +50,7 @@ std::string findingsOf(const std::string& root, const std::string& rule) {
     const TreeProperties properties(root + "/data/property", {});
     const ProductLine line(tree, settings, properties, {});
     std::ostringstream out;
-    for (const Finding& finding : check(line)) {
+    for (const Finding& finding : examine(line, true).findings) {
         if (finding.severity == Severity::NOTE && finding.rule != rule) {
             continue;
         }

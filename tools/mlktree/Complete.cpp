@@ -1,0 +1,182 @@
+#include "tools/mlktree/Complete.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "tools/common/Text.h"
+#include "tools/mlktree/CompletionScripts.h"
+#include "tools/mlktree/Rule.h"
+
+namespace mlk::tree {
+
+namespace {
+
+bool isOption(const std::string& word) {
+    return word.size() > 1 && word.front() == '-';
+}
+
+// The command line before the word that is completed. It may be wrong.
+struct Before {
+    Arguments given;
+    const Option* open = nullptr;  // an option whose value is the word
+    bool hasEnded = false;         // "--" came: no options follow
+};
+
+Before read(const Command& command, const std::vector<std::string>& words) {
+    Before before;
+    for (const std::string& word : words) {
+        if (before.open != nullptr) {
+            before.given.add(before.open->name, word);
+            before.open = nullptr;
+        } else if (before.hasEnded || !isOption(word)) {
+            before.given.addWord(word);
+        } else if (word == "--") {
+            before.hasEnded = true;
+        } else {
+            const size_t equals = word.find('=');
+            const Option* option = command.find(word.substr(0, equals));
+            if (option != nullptr && equals != std::string::npos) {
+                before.given.add(option->name, word.substr(equals + 1));
+            } else if (option != nullptr && !option->value.empty()) {
+                before.open = option;
+            } else if (option != nullptr) {
+                before.given.add(option->name, "");
+            }
+        }
+    }
+    return before;
+}
+
+void addRules(std::vector<Candidate>& out) {
+    for (const RuleFamily& family : ruleFamilies()) {
+        for (size_t i = 0; i < family.count; ++i) {
+            const Rule& rule = family.rules[i];
+            out.push_back({std::string(rule.name), std::string(rule.summary)});
+        }
+    }
+}
+
+void addCommands(std::vector<Candidate>& out) {
+    for (const Command& command : commands()) {
+        if (!command.isHidden) {
+            out.push_back({std::string(command.name), std::string(command.summary)});
+        }
+    }
+}
+
+void add(Candidates& out, Completion kind, const Before& before, TreeNames& names) {
+    switch (kind) {
+        case Completion::NOTHING:
+        case Completion::CHOICE:
+            return;
+        case Completion::FILE:
+            out.files = true;
+            return;
+        case Completion::FOLDER:
+            out.folders = true;
+            return;
+        case Completion::COMMAND:
+            return addCommands(out.words);
+        case Completion::RULE:
+            return addRules(out.words);
+        case Completion::SHELL:
+            for (const ShellScript& shell : completionScripts()) {
+                out.words.push_back({std::string(shell.name), ""});
+            }
+            return;
+        default:
+            const std::vector<std::string>& words = before.given.words();
+            const auto found = names.of(kind, before.given, words.empty() ? "" : words.back());
+            out.words.insert(out.words.end(), found.begin(), found.end());
+    }
+}
+
+void addValues(Candidates& out, const Option& option, const Before& before, TreeNames& names) {
+    for (const std::string_view choice : option.choices) {
+        out.words.push_back({std::string(choice), ""});
+    }
+    add(out, option.completion, before, names);
+}
+
+void addOptions(std::vector<Candidate>& out, const Command& command, const Before& before) {
+    for (const OptionGroup& group : command.groups) {
+        for (const Option& option : group.options) {
+            if (option.repeats || !before.given.has(option.name)) {
+                out.push_back({std::string(option.name), std::string(option.help)});
+            }
+        }
+    }
+    out.push_back({std::string(helpOption().name), std::string(helpOption().help)});
+}
+
+// "--model=" and its values, for a word that has the "=" already.
+std::optional<Candidates> valuesAfterEquals(const Command& command, const std::string& word,
+                                            const Before& before, TreeNames& names) {
+    const size_t equals = word.find('=');
+    if (!isOption(word) || equals == std::string::npos) {
+        return std::nullopt;
+    }
+    Candidates found;
+    const Option* option = command.find(word.substr(0, equals));
+    if (option != nullptr && !option->value.empty()) {
+        addValues(found, *option, before, names);
+        for (Candidate& candidate : found.words) {
+            candidate.word.insert(0, word.substr(0, equals + 1));
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+Candidates candidatesFor(const std::vector<std::string>& words, TreeNames& names) {
+    Candidates found;
+    if (words.size() < 2) {
+        addCommands(found.words);
+        found.words.push_back({"--help", "print what mlktree does"});
+        found.words.push_back({"--version", "print the version"});
+        return found;
+    }
+    const Command* command = findCommand(words.front());
+    if (command == nullptr || command->isHidden) {
+        return found;
+    }
+    const std::string& word = words.back();
+    const Before before = read(*command, {words.begin() + 1, words.end() - 1});
+    if (before.open != nullptr) {
+        addValues(found, *before.open, before, names);
+        return found;
+    }
+    if (!before.hasEnded) {
+        if (const auto values = valuesAfterEquals(*command, word, before, names)) {
+            return *values;
+        }
+    }
+    if (!before.hasEnded && !word.empty() && word.front() == '-') {
+        addOptions(found.words, *command, before);
+        return found;
+    }
+    if (command->nextWord != nullptr && before.given.words().size() < command->mostWords) {
+        for (const Completion kind : command->nextWord(before.given.words())) {
+            add(found, kind, before, names);
+        }
+    }
+    return found;
+}
+
+std::string shownCandidates(const Candidates& candidates, const std::string& begun) {
+    std::string lines;
+    if (candidates.files || candidates.folders) {
+        lines += candidates.files ? ":files\n" : ":folders\n";
+    }
+    for (const Candidate& candidate : candidates.words) {
+        const std::string& word = candidate.word;
+        // A word with a line feed or a tab cannot be handed to a shell in this form.
+        if (word.compare(0, begun.size(), begun) == 0 && printable(word) == word) {
+            lines += word + (candidate.what.empty() ? "" : "\t" + printable(candidate.what)) + "\n";
+        }
+    }
+    return lines;
+}
+
+}  // namespace mlk::tree

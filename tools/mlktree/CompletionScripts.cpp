@@ -1,0 +1,94 @@
+#include "tools/mlktree/CompletionScripts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+// Each script hands the words of the command line to `mlktree complete`, which knows the rest.
+// A line ":files" or ":folders" asks the shell for its own.
+
+constexpr std::string_view kBash = R"bash(# bash completion for mlktree
+
+_mlktree() {
+    local IFS=$'\n' current=${COMP_WORDS[COMP_CWORD]} line offered
+    local -a words=("${COMP_WORDS[@]:1:COMP_CWORD-1}")
+    # "=" is a word of its own to bash, and to mlktree part of the option.
+    if [[ $current == = ]]; then
+        current=
+    fi
+    COMPREPLY=()
+    offered=$("${COMP_WORDS[0]}" complete -- "${words[@]}" "$current" 2>/dev/null) || return
+    for line in $offered; do
+        case $line in
+            :files)
+                compopt -o filenames 2>/dev/null
+                COMPREPLY+=($(compgen -f -- "$current"))
+                ;;
+            :folders)
+                compopt -o filenames 2>/dev/null
+                COMPREPLY+=($(compgen -d -- "$current"))
+                ;;
+            *) COMPREPLY+=("$(printf %q "${line%%$'\t'*}")") ;;
+        esac
+    done
+}
+
+complete -F _mlktree mlktree
+)bash";
+
+constexpr std::string_view kZsh = R"zsh(#compdef mlktree
+
+_mlktree() {
+    local line
+    local -a offered words_only described
+    offered=("${(@f)$("${words[1]}" complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)}")
+    for line in "${offered[@]}"; do
+        case $line in
+            '') ;;
+            :files) _files ;;
+            :folders) _files -/ ;;
+            *)
+                words_only+=("${line%%$'\t'*}")
+                described+=("${line/$'\t'/  -- }")
+                ;;
+        esac
+    done
+    ((${#words_only})) && compadd -l -d described -a words_only
+}
+
+if [[ $funcstack[1] == _mlktree ]]; then
+    _mlktree "$@"
+else
+    compdef _mlktree mlktree
+fi
+)zsh";
+
+constexpr std::string_view kFish = R"fish(# fish completion for mlktree
+
+function __mlktree_complete
+    set -l words (commandline -opc)
+    set -l current (commandline -ct)
+    for line in ($words[1] complete -- $words[2..-1] "$current" 2>/dev/null)
+        switch $line
+            case ':files'
+                __fish_complete_path "$current"
+            case ':folders'
+                __fish_complete_directories "$current" ''
+            case '*'
+                echo $line
+        end
+    end
+end
+
+complete -c mlktree -f -a '(__mlktree_complete)'
+)fish";
+
+}  // namespace
+
+const std::vector<ShellScript>& completionScripts() {
+    static const std::vector<ShellScript> kScripts = {
+            {"bash", kBash}, {"zsh", kZsh}, {"fish", kFish}};
+    return kScripts;
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,82 @@
+// Findings for people and for editors: file:line:column: severity: message [rule].
+
+#include "tools/mlktree/Formats.h"
+#include "tools/mlktree/ShownLine.h"
+
+namespace mlk::tree {
+
+namespace {
+
+constexpr std::string_view kBold = "\033[1m";
+constexpr std::string_view kRed = "\033[1;31m";
+constexpr std::string_view kYellow = "\033[1;33m";
+constexpr std::string_view kCyan = "\033[1;36m";
+constexpr std::string_view kGreen = "\033[1;32m";
+constexpr std::string_view kDim = "\033[2m";
+constexpr std::string_view kPlain = "\033[0m";
+
+std::string_view colourOf(Severity severity) {
+    return severity == Severity::ERROR ? kRed : severity == Severity::WARNING ? kYellow : kCyan;
+}
+
+class Printer {
+  public:
+    Printer(const FormatContext& context, const Sink& sink) : mContext(context), mSink(sink) {}
+
+    void print(const Finding& finding) {
+        mSink(head(finding.place, nameOf(finding.severity), colourOf(finding.severity)));
+        mSink(in(kBold, shownText(finding.message)) + in(kDim, " [" + finding.rule + "]") + "\n");
+        printSource(finding.place);
+        for (const Related& related : finding.related) {
+            mSink(head(related.place, "note", kCyan) + shownText(related.message) + "\n");
+        }
+        const std::string sets = setsInWords(finding);
+        if (!sets.empty()) {
+            mSink(in(kDim, "    " + sets) + "\n");
+        }
+    }
+
+  private:
+    std::string in(std::string_view colour, const std::string& text) const {
+        return mContext.isColoured ? std::string(colour) + text + std::string(kPlain) : text;
+    }
+
+    std::string head(const Place& place, std::string_view severity, std::string_view colour) const {
+        std::string where = shownText(place.file);
+        if (place.line != 0) {
+            where += ":" + std::to_string(place.line);
+        }
+        if (place.line != 0 && place.column != 0) {
+            where += ":" + std::to_string(place.column);
+        }
+        return in(kBold, where + ":") + " " + in(colour, std::string(severity) + ":") + " ";
+    }
+
+    void printSource(const Place& place) {
+        if (place.line == 0) {
+            return;
+        }
+        const std::string_view source = mContext.lineOf(place.file, place.line);
+        if (source.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+            return;
+        }
+        const ShownLine shown = shownLine(source, place.column);
+        mSink("    " + shown.text + "\n    " + std::string(shown.caret, ' ') + in(kGreen, "^") +
+              "\n");
+    }
+
+    const FormatContext& mContext;
+    const Sink& mSink;
+};
+
+}  // namespace
+
+void formatText(const CheckReport& report, const FormatContext& context, const Sink& sink) {
+    Printer printer(context, sink);
+    for (const Finding& finding : report.findings) {
+        printer.print(finding);
+    }
+    sink(summaryOf(report) + "\n");
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,127 @@
+#include "tools/mlktree/Help.h"
+
+#include <algorithm>
+
+#include "tools/common/Text.h"
+#include "tools/common/Wrap.h"
+
+namespace mlk::tree {
+
+namespace {
+
+constexpr size_t kColumn = 24;  // where the help of an option begins
+
+// A name and its text: beside each other if the name is short enough, else below.
+std::string entry(const std::string& name, std::string_view text, size_t column) {
+    const std::string head = "  " + name;
+    if (head.size() + 2 > column) {
+        return head + "\n" + paragraph(std::string(column, ' '), text, column, kHelpWidth);
+    }
+    return paragraph(head + std::string(column - head.size(), ' '), text, column, kHelpWidth);
+}
+
+std::string optionsUnder(const std::string& title, const std::vector<Option>& options) {
+    std::string text = "\n" + title + ":\n";
+    for (const Option& option : options) {
+        const std::string letter =
+                option.letter != 0 ? std::string{'-', option.letter, ',', ' '} : "";
+        const std::string value = option.value.empty() ? "" : " " + std::string(option.value);
+        text += entry(letter + std::string(option.name) + value, helpTextOf(option), kColumn);
+    }
+    return text;
+}
+
+std::string statuses(const std::vector<std::pair<int, std::string_view>>& rows) {
+    std::string text = "\nExit status:\n";
+    for (const auto& [status, what] : rows) {
+        text += entry(std::to_string(status), what, 5);
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string helpTextOf(const Option& option) {
+    std::vector<std::string> parts(option.choices.begin(), option.choices.end());
+    if (!option.otherwise.empty()) {
+        parts.push_back("default: " + std::string(option.otherwise));
+    }
+    return std::string(option.help) + (parts.empty() ? "" : " (" + joined(parts) + ")");
+}
+
+const std::vector<Variable>& variables() {
+    static const std::vector<Variable> kVariables = {
+            {"MLK_ROOT", "the tree, if the command line names none; default: the current folder"},
+            {"NO_COLOR", "if it has a value: no colours, unless --color asks for them"},
+    };
+    return kVariables;
+}
+
+std::vector<std::string_view> paragraphsOf(std::string_view text) {
+    std::vector<std::string_view> paragraphs;
+    while (!text.empty()) {
+        const size_t end = text.find("\n\n");
+        paragraphs.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(text.size(), end == std::string_view::npos ? end : end + 2));
+    }
+    return paragraphs;
+}
+
+std::string generalHelp() {
+    std::string text =
+            "mlktree - checks and explains the configuration of a line of televisions\n"
+            "\n"
+            "Usage: mlktree COMMAND [OPTION]... [WORD]...\n"
+            "       mlktree COMMAND --help\n"
+            "       mlktree --help | --version\n"
+            "\n";
+    text += paragraph(
+            "",
+            "Works on a partition tree: a folder with tvconfigs/, tvdata/ and impdata/. It needs "
+            "no "
+            "service, writes nothing to the tree, and reads files with the service's own readers.",
+            0, kHelpWidth);
+    text += "\nCommands:\n";
+    for (const Command& command : commands()) {
+        if (!command.isHidden) {
+            text += entry(std::string(command.name), command.summary, 14);
+        }
+    }
+    text += statuses({{0, "nothing found"},
+                      {1, "findings at or above the threshold"},
+                      {2, "the command line or the tree is wrong"}});
+    text += "\nEnvironment:\n";
+    for (const Variable& variable : variables()) {
+        text += entry(std::string(variable.name), variable.what, 14);
+    }
+    return text +
+           "\nExamples:\n  mlktree check samples/partitions\n  mlktree rules\n"
+           "  . <(mlktree completion bash)\n";
+}
+
+std::string helpOf(const Command& command) {
+    const std::string name(command.name);
+    std::string text = "mlktree " + name + " - " + std::string(command.summary) + "\n\n";
+    std::string lead = "Usage: ";
+    for (const std::string_view words : command.words) {
+        text += lead + "mlktree " + name + (command.groups.empty() ? "" : " [OPTION]...") +
+                (words.empty() ? "" : " ") + std::string(words) + "\n";
+        lead = "       ";
+    }
+    for (const std::string_view part : paragraphsOf(command.description)) {
+        text += paragraph("\n", part, 0, kHelpWidth);
+    }
+    for (const OptionGroup& group : command.groups) {
+        text += optionsUnder(std::string(group.title), group.options);
+    }
+    text += optionsUnder("Help", {helpOption()});
+    text += statuses(command.statuses);
+    text += "\nExamples:\n";
+    for (const Example& example : command.examples) {
+        text += "  " + std::string(example.line) + "\n" +
+                paragraph("      ", example.what, 6, kHelpWidth);
+    }
+    return text;
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,178 @@
+#include "tools/mlktree/Suppressions.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
+#include "tools/mlktree/Patterns.h"
+#include "tools/mlktree/Rule.h"
+
+namespace mlk::tree {
+
+namespace {
+
+constexpr const char* kForm = "write \"mlktree: allow RULE reason\"";
+
+Finding about(const char* rule, const Place& place, std::string message) {
+    Finding finding;
+    finding.rule = rule;
+    finding.severity = findRule(rule)->severity;
+    finding.place = place;
+    finding.message = std::move(message);
+    return finding;
+}
+
+std::string meant(const std::string& rule) {
+    std::vector<std::string_view> names;
+    for (const RuleFamily& family : ruleFamilies()) {
+        for (size_t i = 0; i < family.count; ++i) {
+            names.push_back(family.rules[i].name);
+        }
+    }
+    return didYouMean(rule, names, "; mlktree rules lists them");
+}
+
+// Whether the comment can be obeyed; adds what is wrong with it.
+bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
+    if (comment.instruction != "allow") {
+        findings.push_back(
+                about("unknown-rule", comment.place,
+                      comment.instruction.empty()
+                              ? std::string("the comment says nothing to mlktree; ") + kForm
+                              : "mlktree does not know the word " + excerpt(comment.instruction) +
+                                        "; " + kForm));
+        return false;
+    }
+    if (comment.rule.empty() || findRule(comment.rule) == nullptr) {
+        findings.push_back(
+                about("unknown-rule", comment.place,
+                      comment.rule.empty()
+                              ? std::string("no rule is named; ") + kForm
+                              : "there is no rule " + excerpt(comment.rule) + meant(comment.rule)));
+        return false;
+    }
+    if (comment.reason.empty()) {
+        findings.push_back(about("allow-without-reason", comment.place,
+                                 "say why " + comment.rule + " is right here; " + kForm));
+        return false;
+    }
+    return true;
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r";
+    const size_t begin = text.find_first_not_of(kBlanks);
+    return begin == std::string_view::npos
+                   ? std::string_view()
+                   : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+// Takes out the findings for which allows() gives a non-negative index; counts what each allows.
+template <typename AllowedAt>
+void takeOut(Sorted& sorted, AllowedAt allowedAt) {
+    std::vector<Finding> kept;
+    for (Finding& finding : sorted.findings) {
+        if (std::optional<Allowed> allowed = allowedAt(finding)) {
+            allowed->finding = std::move(finding);
+            sorted.allowed.push_back(std::move(*allowed));
+        } else {
+            kept.push_back(std::move(finding));
+        }
+    }
+    sorted.findings = std::move(kept);
+}
+
+const RuleSetting* settingFor(const Settings& settings, const Finding& finding) {
+    for (auto setting = settings.rules.rbegin(); setting != settings.rules.rend(); ++setting) {
+        if ((setting->rule == "*" || setting->rule == finding.rule) &&
+            fitsPath(setting->files, finding.place.file)) {
+            return &*setting;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void applyComments(Sorted& sorted, const std::vector<AllowComment>& comments, bool unused) {
+    std::vector<Finding> wrong;
+    // By rule, file and line; line 0 is the file as a whole.
+    std::map<std::tuple<std::string, std::string, size_t>, std::vector<size_t>> allows;
+    for (size_t i = 0; i < comments.size(); ++i) {
+        const AllowComment& comment = comments[i];
+        if (!isSound(comment, wrong)) {
+            continue;
+        }
+        if (comment.target != 0) {
+            allows[{comment.rule, comment.place.file, comment.target}].push_back(i);
+        }
+        if (comment.isAtBeginning) {
+            allows[{comment.rule, comment.place.file, 0}].push_back(i);
+        }
+    }
+    std::vector<bool> isUsed(comments.size());
+    takeOut(sorted, [&](const Finding& finding) -> std::optional<Allowed> {
+        const auto found = allows.find({finding.rule, finding.place.file, finding.place.line});
+        if (found == allows.end()) {
+            return std::nullopt;
+        }
+        for (const size_t i : found->second) {
+            isUsed[i] = true;
+        }
+        return Allowed{{}, AllowedBy::COMMENT, comments[found->second.front()].reason};
+    });
+    for (const auto& [where, indexes] : allows) {
+        for (const size_t i : indexes) {
+            if (unused && !isUsed[i]) {
+                isUsed[i] = true;
+                wrong.push_back(about("unused-allow", comments[i].place,
+                                      "the line below gives no finding of the rule " +
+                                              comments[i].rule + "; remove the comment"));
+            }
+        }
+    }
+    std::move(wrong.begin(), wrong.end(), std::back_inserter(sorted.findings));
+    std::sort(sorted.findings.begin(), sorted.findings.end());
+}
+
+void applySettings(Sorted& sorted, const Settings& settings, const std::string& file,
+                   const LineOf& lineOf, bool unused) {
+    std::vector<bool> isUsed(settings.allowances.size());
+    takeOut(sorted, [&](const Finding& finding) -> std::optional<Allowed> {
+        for (size_t i = 0; i < settings.allowances.size(); ++i) {
+            const Allowance& allowance = settings.allowances[i];
+            if (allowance.rule == finding.rule && fitsPath(allowance.files, finding.place.file) &&
+                (allowance.text.empty() ||
+                 trimmed(lineOf(finding.place.file, finding.place.line)) ==
+                         trimmed(allowance.text))) {
+                isUsed[i] = true;
+                return Allowed{{}, AllowedBy::SETTINGS, allowance.reason};
+            }
+        }
+        return std::nullopt;
+    });
+    for (size_t i = 0; unused && i < settings.allowances.size(); ++i) {
+        if (!isUsed[i]) {
+            sorted.findings.push_back(about("unused-allow", {file, settings.allowances[i].line, 0},
+                                            "no line gives a finding of the rule " +
+                                                    settings.allowances[i].rule +
+                                                    " that this allows; remove the table"));
+        }
+    }
+    takeOut(sorted, [&](Finding& finding) -> std::optional<Allowed> {
+        const RuleSetting* setting = settingFor(settings, finding);
+        if (setting == nullptr) {
+            return std::nullopt;
+        }
+        if (setting->severity == Severity::OFF) {
+            return Allowed{{}, AllowedBy::SETTINGS, setting->reason};
+        }
+        finding.severity = setting->severity;
+        return std::nullopt;
+    });
+    std::sort(sorted.findings.begin(), sorted.findings.end());
+}
+
+}  // namespace mlk::tree
