@@ -7,6 +7,9 @@ namespace mlk::tree {
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
             readingBytes(), readingLines(), readingValues(), replacing(), paths(), allowing(),
+            paths(),
+            countries(),
+            coverage(),
     };
     return families;
 }

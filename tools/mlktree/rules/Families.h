@@ -11,5 +11,7 @@ RuleFamily readingValues();
 RuleFamily replacing();
 RuleFamily paths();
 RuleFamily allowing();
+RuleFamily countries();
+RuleFamily coverage();
 
 }  // namespace mlk::tree

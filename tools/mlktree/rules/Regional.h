@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/mlktree/ProductLine.h"
+#include "tools/mlktree/Reporter.h"
+
+namespace mlk::tree {
+
+/** The country that a name in a file has; nothing if the service does not know the name. */
+std::optional<_tv_country> countryOf(std::string_view name);
+
+/** The name that a wrong name of a country probably stands for; empty if that cannot be told. */
+std::string_view countryMeantBy(std::string_view name);
+
+/** The text in double quotes; carriage returns, tabs and other invisible bytes are shown. */
+std::string quoted(std::string_view text);
+
+/** The text without blanks, tabs and carriage returns at its ends. */
+std::string_view trimmed(std::string_view text);
+
+/**
+ * What a text has at its ends that does not belong there: "a carriage return at its end"; empty if
+ * there is nothing.
+ */
+std::string flawAtEnds(std::string_view text);
+
+/** True if the file exists and was read whole, so that what it lacks can be told. */
+bool isUsable(const FileLines* file);
+
+/** A country's record in a country map, or its block in a map of channel plans. */
+struct CountryBlock {
+    const ReadLine* begin = nullptr;
+    std::vector<const ReadLine*> elements; /**< with those that are ignored */
+
+    std::string_view country() const { return begin->owner; }
+    /** The element that counts of that name; null if there is none. */
+    const ReadLine* find(std::string_view element) const;
+};
+
+/** All blocks of a map, in their order. */
+std::vector<CountryBlock> blocksOf(const FileLines& map);
+
+/** How many elements at the top of a map are ignored: each may have been meant for a country. */
+size_t countIgnoredBlocks(const FileLines& map);
+
+/** The files that decide together what a country brings; null for one that is not named. */
+struct RegionalSet {
+    const FileLines* list = nullptr;        /**< of the countries that the menu offers */
+    const TvSystemFiles* systems = nullptr; /**< TV systems and country map */
+    const PlanFiles* plans = nullptr;
+};
+
+/** The different ones of all models and boards. */
+std::vector<RegionalSet> regionalSetsOf(const ProductLine& line);
+
+/**
+ * Findings of one rule that differ in their lines only: the first is reported, and the next ones
+ * are related to it. A mistake that somebody made throughout a file so is one finding.
+ */
+class FindingGroups {
+  public:
+    /**
+     * Adds a finding.
+     *
+     * @param group    findings of one file with the same group are one finding
+     * @param place    where the mistake is
+     * @param message  of the first finding of the group; unused in the next ones
+     * @param related  the same
+     */
+    void add(std::string group, Place place, std::string message,
+             std::vector<Related> related = {});
+
+    /** Reports all of them, in the order of their first places. */
+    void report(Reporter& reporter);
+
+  private:
+    struct Group {
+        std::string name;
+        Place place;
+        std::string message;
+        std::vector<Related> related;
+        std::vector<Place> more;
+    };
+    std::vector<Group> mGroups;
+    std::map<std::string, size_t> mPositions;  // by file and name
+};
+
+}  // namespace mlk::tree

@@ -1,0 +1,188 @@
+// Rules about the names of countries in lists and maps.
+
+#include <iterator>
+#include <map>
+
+#include "regional/RegionalNames.h"
+#include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Regional.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace element = vendor::morlak::mlkconfigs::V1_0::implementation::element;
+
+using vendor::morlak::mlkconfigs::V1_0::implementation::kNoCountry;
+
+constexpr std::string_view kFirstCountry = "ANDORRA";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/** A mistake in a name; lines of one file with the same group have the same mistake. */
+struct NameMistake {
+    std::string group;
+    std::string message; /**< empty if the name is right */
+};
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+// The country that a later entry of the line names, as in "DE,GERMANY".
+std::string_view laterEntry(const ReadLine& read) {
+    std::string_view rest = read.text;
+    while (!rest.empty()) {
+        const size_t comma = std::min(rest.find(','), rest.size());
+        const std::string_view entry = trimmed(rest.substr(0, comma));
+        if (countryOf(entry)) {
+            return entry;
+        }
+        rest.remove_prefix(std::min(comma + 1, rest.size()));
+    }
+    return {};
+}
+
+NameMistake mistakeInList(const ReadLine& read, std::string_view name) {
+    if (trimmed(name).empty()) {
+        // All lines of a file with carriage returns have the same mistake.
+        const bool hasReturn = name.find('\r') != std::string_view::npos;
+        return {hasReturn ? flawAtEnds("x\r") : "blank",
+                "a line of " + quoted(name) + " counts as a country; remove it"};
+    }
+    const std::string_view core = trimmed(name);
+    if (core.front() == '#' || core.front() == ';' || startsWith(core, "//")) {
+        return {"comment", "a list has no comments: this line counts as a country"};
+    }
+    if (const std::string_view later = laterEntry(read); !later.empty()) {
+        return {"order", "the name of the country stands before the first comma, and " +
+                                 quoted(name) + " stands there instead of " + quoted(later)};
+    }
+    return {};
+}
+
+NameMistake mistakeIn(const FileLines& file, const ReadLine& read, std::string_view name) {
+    const bool isList = file.format() == FileFormat::COUNTRY_LIST;
+    const std::optional<_tv_country> country = countryOf(name);
+    if (country) {
+        const bool isNone = *country == kNoCountry && file.format() != FileFormat::CHANNEL_MAP;
+        return isNone ? NameMistake{"none", quoted(name) + " stands for no country"}
+                      : NameMistake{};
+    }
+    const std::string_view core = trimmed(name);
+    if (const std::string flaw = flawAtEnds(name); !flaw.empty() && countryOf(core)) {
+        return {flaw, quoted(core) + " has " + flaw +
+                              ", which belongs to the name and makes it an unknown country"};
+    }
+    if (startsWith(name, kByteOrderMark)) {
+        return {};  // another rule reports the mark
+    }
+    if (isList) {
+        if (NameMistake mistake = mistakeInList(read, name); !mistake.message.empty()) {
+            return mistake;
+        }
+    }
+    return {std::string(name),
+            "the service knows no country " + quoted(name) + meant(countryMeantBy(name))};
+}
+
+// What the wrong name does besides.
+std::string effectOf(FileFormat format, std::string_view name) {
+    std::string effect;
+    if (format == FileFormat::COUNTRY_LIST) {
+        effect = "; the set offers \"ANDORRA\" instead";
+    }
+    if (format != FileFormat::CHANNEL_MAP && name < kFirstCountry) {
+        effect += "; and it takes the place of \"ANDORRA\" itself, which it sorts before";
+    }
+    return effect;
+}
+
+void checkNames(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
+    for (const auto& [path, file] : line.files()) {
+        const bool isList = file->format() == FileFormat::COUNTRY_LIST;
+        const bool isMap = file->format() == FileFormat::COUNTRY_MAP ||
+                           file->format() == FileFormat::CHANNEL_MAP;
+        if (!isList && !isMap) {
+            continue;
+        }
+        std::string_view owner;  // a block's name counts once
+        for (const ReadLine& read : file->lines()) {
+            const bool isName = isList ? read.use == LineUse::ITEM
+                                       : read.key == element::kCountryName && read.isNew &&
+                                                 read.use == LineUse::ITEM;
+            if (!isName) {
+                continue;
+            }
+            const std::string_view name = isList ? read.key : read.value;
+            const NameMistake mistake = mistakeIn(*file, read, name);
+            if (!mistake.message.empty()) {
+                const bool isNone = mistake.group == "none";
+                groups.add(mistake.group, placeOf(line, *file, read, trimmed(name)),
+                           mistake.message +
+                                   (isNone ? std::string() : effectOf(file->format(), name)));
+            }
+        }
+    }
+    groups.report(reporter);
+}
+
+std::string repeatedMessage(FileFormat format, std::string_view country) {
+    const std::string name = quoted(country);
+    if (format == FileFormat::COUNTRY_LIST) {
+        return name + " stands in this list twice, and the set offers it twice";
+    }
+    if (format == FileFormat::COUNTRY_MAP) {
+        return name + " has a second record, which is never used: the first one counts";
+    }
+    return name + " has a second block, which replaces the plans of the first one";
+}
+
+void checkRepeated(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, file] : line.files()) {
+        const bool isList = file->format() == FileFormat::COUNTRY_LIST;
+        if (!isList && file->format() != FileFormat::COUNTRY_MAP &&
+            file->format() != FileFormat::CHANNEL_MAP) {
+            continue;
+        }
+        std::map<std::string_view, const ReadLine*> seen;
+        for (const ReadLine& read : file->lines()) {
+            if (read.use != (isList ? LineUse::ITEM : LineUse::SECTION)) {
+                continue;
+            }
+            const std::string_view name = isList ? read.key : read.owner;
+            const auto [first, isNew] = seen.try_emplace(name, &read);
+            // Names that are wrong are reported as such.
+            if (!isNew && countryOf(name)) {
+                reporter.report(placeOf(line, *file, read, isList ? name : std::string_view()),
+                                repeatedMessage(file->format(), name),
+                                {{placeOf(line, *file, *first->second), "the first one"}});
+            }
+        }
+    }
+}
+
+constexpr Rule kRules[] = {
+        {"unknown-country", Severity::ERROR,
+         "a country list or map has a name that the service does not know",
+         "In a list the name silently becomes the first country, ANDORRA: the menu offers it, and "
+         "a "
+         "customer who chooses it gets its channels, and the set saves it. In a map no set ever "
+         "finds the record. Case counts, and blanks and carriage returns belong to the name.",
+         "GERMNAY,DE", "GERMANY,DE", checkNames},
+        {"repeated-country", Severity::WARNING, "a country stands twice in one list or map",
+         "A list offers the country twice. Of two records in a country map the first one counts, "
+         "of two blocks in the map of channel plans the last one, so that a change of the other "
+         "has "
+         "no effect.",
+         "GERMANY,DE\nSWEDEN,SE\nGERMANY,DE", "GERMANY,DE\nSWEDEN,SE", checkRepeated},
+};
+
+}  // namespace
+
+RuleFamily countries() {
+    return {"countries", "Names of countries", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree
