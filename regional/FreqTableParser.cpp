@@ -14,6 +14,7 @@
 #include "common/Paths.h"
 #include "regional/LogLines.h"
 #include "regional/Modulations.h"
+#include "regional/PlanColumns.h"
 #include "regional/RegionalData.h"
 #include "regional/RegionalNames.h"
 #include "regional/TextFile.h"
@@ -35,15 +36,6 @@ std::string_view takePiece(std::string_view& text) {
     }
     text.remove_prefix(piece.size());
     return piece.substr(0, piece.find('\0'));
-}
-
-// Removes and returns the next column; empty if there is none.
-std::string_view nextColumn(std::string_view& piece) {
-    constexpr std::string_view kDelimiters = " ,\r\n";
-    piece.remove_prefix(std::min(piece.find_first_not_of(kDelimiters), piece.size()));
-    const std::string_view column = piece.substr(0, piece.find_first_of(kDelimiters));
-    piece.remove_prefix(column.size());
-    return column;
 }
 
 bool isComment(std::string_view piece) {

@@ -6,10 +6,16 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(), readingLines(), readingValues(), replacing(), paths(), allowing(),
+            readingBytes(),
+            readingLines(),
+            readingValues(),
+            replacing(),
             paths(),
             countries(),
             coverage(),
+            planLines(),
+            channels(),
+            allowing(),
     };
     return families;
 }

@@ -13,5 +13,7 @@ RuleFamily paths();
 RuleFamily allowing();
 RuleFamily countries();
 RuleFamily coverage();
+RuleFamily planLines();
+RuleFamily channels();
 
 }  // namespace mlk::tree
