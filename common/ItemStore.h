@@ -64,6 +64,9 @@ class ItemStore {
     /** Returns the item of these names, or kNone. */
     Item find(std::string_view section, std::string_view key) const;
 
+    /** The name of a section. */
+    std::string_view nameOf(Section section) const { return mSections[section].name; }
+
     /** The names and the value of an item. */
     std::string_view sectionOf(Item item) const { return mSections[mItems[item].section].name; }
     std::string_view keyOf(Item item) const { return {mItems[item].texts, mItems[item].keySize}; }

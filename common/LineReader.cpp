@@ -133,6 +133,21 @@ void LineReader::tell(std::string_view text, const ReadLine& read) const {
     mObserver->onLine(line);
 }
 
+void LineReader::tellUse(std::string_view text, LineUse use) const {
+    ReadLine read;
+    read.use = use;
+    tell(text, read);
+}
+
+void LineReader::tellKeyAndValue(std::string_view text, std::string_view key,
+                                 std::string_view value) const {
+    ReadLine read;
+    read.use = LineUse::ITEM;
+    read.key = key;
+    read.value = value;
+    tell(text, read);
+}
+
 // Refills the buffer after the unread bytes. False at the end of the file and on a failure, which
 // drops the unread bytes.
 bool LineReader::fill() {

@@ -73,21 +73,18 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-void tellSection(const LineReader& reader, std::string_view line, std::string_view name) {
-    if (!reader.isObserved()) {
-        return;
-    }
+// The readers call these only if somebody observes.
+[[gnu::cold]] void tellSection(const LineReader& reader, std::string_view line,
+                               std::string_view name) {
     ReadLine read;
     read.use = LineUse::SECTION;
     read.section = name;
     reader.tell(line, read);
 }
 
-void tellItem(const LineReader& reader, std::string_view line, std::string_view section,
-              std::string_view key, std::string_view value, bool isNew) {
-    if (!reader.isObserved()) {
-        return;
-    }
+[[gnu::cold]] void tellItem(const LineReader& reader, std::string_view line,
+                            std::string_view section, std::string_view key, std::string_view value,
+                            bool isNew) {
     ReadLine read;
     read.use = LineUse::ITEM;
     read.section = section;
@@ -95,6 +92,13 @@ void tellItem(const LineReader& reader, std::string_view line, std::string_view 
     read.value = value;
     read.isNew = isNew;
     reader.tell(line, read);
+}
+
+// Adds the number to those that the observer has heard of.
+[[gnu::cold]] void tellModel(const LineReader& reader, std::string_view line, int32_t number,
+                             std::string_view path, std::set<int32_t>& told) {
+    const std::string key = std::string(keyword::kModel) + std::to_string(number);
+    tellItem(reader, line, "", key, path, told.insert(number).second);
 }
 
 const char* orEmpty(const char* text) {
@@ -139,10 +143,12 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
             continue;
         }
         value = eraseSymbol(value, mCleaned);
-        bool& isKnown = isCustomerId ? hasCustomerId : hasSystemFile;
-        tellItem(reader, line, "", isCustomerId ? keyword::kCustomerId : keyword::kSystemFile,
-                 value, !isKnown);
-        isKnown = true;
+        if (reader.isObserved()) {
+            bool& isKnown = isCustomerId ? hasCustomerId : hasSystemFile;
+            tellItem(reader, line, "", isCustomerId ? keyword::kCustomerId : keyword::kSystemFile,
+                     value, !isKnown);
+            isKnown = true;
+        }
         if (isCustomerId) {
             customerId = value;
         } else {
@@ -159,7 +165,7 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
     LineReader reader(path, kListBufferSize, LOG_TAG, kMostProjectBytes, mObserver);
     std::string_view line;
     std::string_view value;
-    std::set<int32_t> told;  // the indexes that the observer has heard of
+    std::set<int32_t> told;
     while (reader.next(line)) {
         const size_t model = line.find(keyword::kModel);
         if (model == npos) {
@@ -172,9 +178,7 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
         }
         const int32_t number = parseDecimal(line.substr(model + keyword::kModel.size()));
         if (reader.isObserved()) {
-            const std::string key = std::string(keyword::kModel) + std::to_string(number);
-            tellItem(reader, line, "", key, eraseSymbol(value, mCleaned),
-                     told.insert(number).second);
+            tellModel(reader, line, number, eraseSymbol(value, mCleaned), told);
         }
         // Unsigned: a negative number counts as larger than all others.
         maxIdx = std::max(maxIdx, static_cast<uint32_t>(number));
@@ -202,7 +206,9 @@ bool ProjectFileReader::parse_project_ini(const char* path, ItemStore& items) {
         } else if (line.front() == '[') {
             const std::string_view name = eraseSymbol(line, mCleaned);
             section = items.section(name);
-            tellSection(reader, line, name);
+            if (reader.isObserved()) {
+                tellSection(reader, line, name);
+            }
         } else {
             addNewItem(items, section, line, reader);
         }
@@ -226,17 +232,19 @@ void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
     const std::string_view key = clean(line.substr(0, equals), mCleanedKey);
     const std::string_view written =
             equals == npos ? key : clean(line.substr(equals + 1), mCleaned);
+    if (reader.isObserved()) {
+        // Told before it is added, so that nothing has to be kept for an observer that is not
+        // there.
+        const std::string_view name = items.nameOf(section);
+        tellItem(reader, wholeLine, name, key, written, items.find(name, key) == ItemStore::kNone);
+    }
     const std::string_view value = PatchIniItemPath(written);
-
     const auto [item, isNew] = items.insert(section, key, value);
     if (!isNew) {
         const std::string text(value);
         ALOGD("[%s %d] update value (%s -> %s) due to the same key (%s)", __func__, __LINE__,
               items.valueOf(item).data(), text.c_str(), items.keyOf(item).data());
         items.replace(item, value);
-    }
-    if (reader.isObserved()) {
-        tellItem(reader, wholeLine, items.sectionOf(item), key, written, isNew);
     }
 }
 

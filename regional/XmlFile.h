@@ -35,7 +35,9 @@ class XmlFile {
     /** Logs an error about an element: "path:line: problem". */
     void complain(const tinyxml2::XMLElement& element, const std::string& problem) const;
 
-    /** Tells the observer, if there is one, of a problem that the caller logs in words of its own. */
+    /**
+     * Tells the observer, if there is one, of a problem that the caller logs in words of its own.
+     */
     void tellProblem(const tinyxml2::XMLElement& element, std::string_view problem) const;
 
     /** True if somebody wants to hear what becomes of the elements. */

@@ -114,15 +114,17 @@ TEST_F(LineReaderObserverTest, UnreadableFilesAreProblemsOfTheWholeFile) {
     read(mDir.path());
     read(mDir.write("file", "12345"), 4);
     const std::string growing = mDir.write("growing", "a\n");
-    LineReader reader(growing, kBufferSize, kTag, 100, &mHeard);
-    { std::ofstream(growing, std::ios::app) << std::string(100, '\n'); }
+    // The first read gets lines, a later one too much.
+    LineReader reader(growing, kBufferSize, kTag, kBufferSize, &mHeard);
+    { std::ofstream(growing, std::ios::app) << std::string(kBufferSize, '\n'); }
     for (std::string_view line; reader.next(line);) {
     }
+    EXPECT_GT(reader.lineNumber(), 1U);
     EXPECT_THAT(mHeard.of(mDir.path()),
                 ElementsAre("0 problem: cannot be read: not a regular file"));
     EXPECT_THAT(mHeard.of(path()), ElementsAre("0 problem: cannot be read: larger than 4 bytes"));
     EXPECT_THAT(mHeard.of(growing),
-                ElementsAre("0 problem: cannot be read: larger than 100 bytes"));
+                ElementsAre("0 problem: cannot be read: larger than 256 bytes"));
 }
 
 TEST_F(LineReaderObserverTest, ReadErrorHalfwayIsAProblemOfTheLineBefore) {

@@ -7,8 +7,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <map>
 #include <optional>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/testing/RecordedLines.h"
@@ -198,6 +201,60 @@ TEST_F(ProjectLinesTest, LongLinesAndNuls) {
                             "2 problem: line longer than 1023 bytes, its rest is skipped",
                             "2 item \"l=xxxxxx...(1023)\" |l|xxxxxxxx...(1021) cut",
                             "3 item \"m=1\" |m|1 nul"));
+}
+
+/** Collects the items that it hears of: for each name the first and the last value. */
+class CollectedItems : public ReadObserver {
+  public:
+    using Name = std::pair<std::string, std::string>;  // section and key
+
+    void onLine(const ReadLine& line) override {
+        if (line.use == LineUse::ITEM) {
+            const Name name(line.section, line.key);
+            EXPECT_EQ(line.isNew, mFirst.emplace(name, line.value).second) << line.text;
+            mLast[name] = line.value;
+        }
+    }
+    void onProblem(std::string_view, size_t, std::string_view) override {}
+
+    const std::map<Name, std::string>& first() const { return mFirst; }
+    const std::map<Name, std::string>& last() const { return mLast; }
+
+  private:
+    std::map<Name, std::string> mFirst;
+    std::map<Name, std::string> mLast;
+};
+
+// What is told suffices to know what the reader has.
+TEST_F(ProjectLinesTest, ToldItemsAreThoseOfTheReader) {
+    const std::string symbols = "ab[]==;\"# \r\n\n"s + '\0';
+    std::mt19937 random(16);
+    size_t items = 0;
+    for (int round = 0; round < 300; ++round) {
+        std::string text;
+        for (size_t size = random() % 200; size > 0; --size) {
+            text += symbols[random() % symbols.size()];
+        }
+        const char* const path = write(text);
+        CollectedItems project;
+        ItemStore store;
+        ProjectFileReader("", "", "", &project).parse_project_ini(path, store);
+        std::map<CollectedItems::Name, std::string> stored;
+        for (const ItemStore::Item item : store.inOrder()) {
+            stored[{std::string(store.sectionOf(item)), std::string(store.keyOf(item))}] =
+                    store.valueOf(item);
+        }
+        EXPECT_EQ(project.last(), stored) << text;
+
+        CollectedItems auxiliary;
+        IniProjectParser parser(&auxiliary);
+        parser.update(path);
+        for (const auto& [name, value] : auxiliary.first()) {
+            EXPECT_EQ(parser.getInfo("file.ini", {name.first, name.second}), value) << text;
+        }
+        items += stored.size() + auxiliary.first().size();
+    }
+    EXPECT_GT(items, 1000U) << "the texts have items";
 }
 
 // Each reader of a file of lines, which gets the path.
