@@ -147,7 +147,8 @@ class Properties(unittest.TestCase):
             for argument in re.findall(r"(?:\bproperty_|[pP]roperties\.)(?:get|set)\w*\(\s*([^,)]+)", tree.code(source))
         }
         others = {argument for argument in arguments if not argument.startswith('"')}
-        self.assertEqual(others, {"key", "row.property", "kFrameworkItems[row].property"})
+        self.assertEqual(others, {"key", "row.property", "kFrameworkItems[row].property", "property::kHardware",
+                                  "property::kLogItems", "kLogTvSystemsProperty"})
 
     def test_every_one_has_a_row_and_every_row_is_used(self):
         self.assertGreater(len(tree.properties()), 40)
