@@ -36,7 +36,7 @@ struct FileFormatRow {
 };
 
 /** All formats that the service reads. */
-inline constexpr FileFormatRow kFileFormats[] = {
+inline const FileFormatRow kFileFormats[] = {
         {FileFormat::CUSTOMER, "customer file", kListBufferSize - 1, kMostProjectBytes},
         {FileFormat::SYSTEM, "system file", kListBufferSize - 1, kMostProjectBytes},
         {FileFormat::PROJECT, "project or board file", kProjectBufferSize - 1, kMostProjectBytes},
@@ -54,7 +54,7 @@ inline constexpr FileFormatRow kFileFormats[] = {
 };
 
 /** The row of a format; null for those that the service does not read. */
-constexpr const FileFormatRow* formatRow(FileFormat format) {
+inline const FileFormatRow* formatRow(FileFormat format) {
     for (const FileFormatRow& row : kFileFormats) {
         if (row.format == format) {
             return &row;
