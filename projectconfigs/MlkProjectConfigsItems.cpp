@@ -59,7 +59,7 @@ Return<void> MlkProjectConfigs::getHDMIHdcpPath(HdcpVer version, getHDMIHdcpPath
 
 Return<void> MlkProjectConfigs::getPowerOnMode(getPowerOnMode_cb _hidl_cb) {
     constexpr size_t kRow = projectItem("getPowerOnMode");
-    constexpr const KnownItem& kItem = kKnownItems[kProjectItems[kRow].first];
+    constexpr KnownItem kItem = kKnownItems[kProjectItems[kRow].first];
     return answer(kProjectItems[kRow], TextCallback([&](const OptionalString& text) {
                       const int32_t mode = parseDecimal(text.value.c_str());
                       if (mode >= kItem.least && mode <= kItem.most) {
