@@ -23,8 +23,8 @@ clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 coverage_packages=(llvm)
 # For tests/device: scripts, module definitions, policy.
 device_packages=(blueprint-tools checkpolicy lld m4)
-# For tests/commands: manual pages and Debian packages.
-package_packages=(dpkg-dev file groff-base)
+# For tests/commands: manual pages, Debian packages, and what examples pipe their output to.
+package_packages=(dpkg-dev file groff-base jq less)
 # For ./run bench.
 bench_packages=(
     libbenchmark-dev

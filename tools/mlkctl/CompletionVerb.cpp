@@ -27,7 +27,7 @@ Exit status:
 
 Examples:
   . <(mlkctl completion bash)
-  mlkctl completion bash > /etc/bash_completion.d/mlkctl
+  mlkctl completion bash >> ~/.bash_completion
 )";
 
 class CompletionVerb : public Verb {

@@ -8,8 +8,8 @@ Every method of the three interfaces of `vendor.morlak.mlkconfigs@1.0`, in the o
 
 This page is written from `service/interfaces/mlkconfigs/1.0/*.hal`; a test compares the two. After a change there:
 
-```
-cmake --build build/default --target reference
+```console build
+$ cmake --build build/default --target reference
 ```
 
 Any method can be tried with [`mlkctl call`](../README.md): `mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0`.

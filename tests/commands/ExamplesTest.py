@@ -1,0 +1,183 @@
+#!/usr/bin/env python3
+"""Runs the examples of the documents and of the tools' help, and compares what they print.
+
+    ExamplesTest.py --record    runs them and writes what they print to examples.txt, where that has
+                                nothing that fits; look at the difference afterwards
+"""
+
+import functools
+import os
+import re
+import signal
+import subprocess
+import sys
+import threading
+import unittest
+
+import examples
+from commandlines import DOCUMENTS, TOOLS, blocks, help_of, pages, text_of
+from examples import ANY, INTERRUPT, STATUS, Example
+from scratch import BIN, PATIENCE, ROOT, Tree
+
+RECORDED = ROOT / "tests/commands/examples.txt"
+HEAD = """# What the examples of help, and those of documents that show no output, print on the sample.
+# ExamplesTest.py --record writes it; examples.py says what "..." and "^C" mean.
+"""
+RECORD = "--record" in sys.argv
+# Words of a sentence's command that stand for others.
+OPEN = {"INTERFACE", "METHOD", "PATH", "ARGUMENT...", "..."}
+
+
+def sessions_of(document, kind):
+    return [example for block in blocks() if block.where.startswith(f"{document}:") and block.kind == kind
+            for example in examples.session(block.lines)]
+
+
+def calls_in(document):
+    """The calls in the sentences of a document, each once, without those that leave a word open."""
+    calls = [span for span in examples.spans(text_of(document)) if span.startswith("mlkctl call ")]
+    return [Example(call) for call in dict.fromkeys(calls) if not OPEN & set(call.split())]
+
+
+class Running:
+    """The examples of one place, one after the other on a scratch tree."""
+
+    def __init__(self, tree):
+        self.tree = tree
+        self.home = tree.root.parent / "home"
+        self.home.mkdir()
+
+    def environment(self):
+        return self.tree.environment(HOME=self.home, COLUMNS="100", NO_COLOR=None, TERM="dumb",
+                                     PATH=f"{BIN}:{os.environ['PATH']}")
+
+    def run(self, example):
+        """The lines that it prints, the exit status among them if that is not 0."""
+        command = ["bash", "-c", example.command]
+        if "./run" not in example.command:
+            command = ["./run", *command]
+        process = subprocess.Popen(command, cwd=self.tree.root, env=self.environment(), text=True,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, errors="replace", start_new_session=True)
+        try:
+            if example.is_endless:
+                lines = self.interrupted(process, example.output[:-1])
+            else:
+                lines = process.communicate(timeout=PATIENCE)[0].splitlines()
+        finally:
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+            process.stdout.close()
+        if example.is_endless:
+            return [*lines, INTERRUPT]
+        return [*lines, STATUS.format(process.returncode)] if process.returncode else lines
+
+    @staticmethod
+    def interrupted(process, expected):
+        """Interrupts the command when it has printed what is expected, as a terminal does."""
+        lines = []
+        limit = threading.Timer(PATIENCE, os.killpg, (process.pid, signal.SIGKILL))
+        limit.start()
+        for line in process.stdout:
+            lines.append(line.rstrip("\n"))
+            if examples.matches(expected, lines):
+                break
+        limit.cancel()
+        os.killpg(process.pid, signal.SIGINT)
+        process.communicate(timeout=PATIENCE)
+        return lines
+
+
+@functools.cache
+def recorded():
+    return examples.read_sessions(RECORDED.read_text(encoding="utf-8") if RECORDED.exists() else "")
+
+
+def places():
+    """Every place that has examples, with them."""
+    found = {document: sessions_of(document, "console") + calls_in(document) for document in DOCUMENTS}
+    for words, text in pages():
+        found[" ".join([*words, "--help"])] = [Example(command) for command in examples.of_help(text)]
+    return {place: of_place for place, of_place in found.items() if of_place}
+
+
+class Runs(unittest.TestCase):
+    """What the examples print."""
+
+    def check(self, place, of_place, to_record=None):
+        tree = Tree()
+        self.addCleanup(tree.close)
+        running = Running(tree)
+        for example in of_place:
+            said = example if example.output is not None else recorded().find(place, example.command)
+            self.assertNotRegex(example.command, r">\s*/(?!dev/null)", "it writes outside of its folder")
+            printed = running.run(Example(example.command, said.output if said else None))
+            fits = said is not None and examples.matches(said.output, printed)
+            if to_record is not None and example.output is None:
+                to_record.append(Example(example.command, said.output if fits else relative(tree, printed)))
+            elif not fits:
+                expected = "\n".join(said.output) if said else f"nothing in {RECORDED.name}"
+                self.fail(f"{place}: $ {example.command}\nprinted\n" +
+                          "\n".join(examples.shortened(printed)) + f"\nexpected\n{expected}")
+
+    def test_there_are_examples(self):
+        found = places()
+        for place in ("README.md", "samples/README.md", "samples/regional.md", "mlkctl --help",
+                      "mlkctl call --help", "mlkctl prop --help"):
+            self.assertIn(place, found)
+        for tool in TOOLS:
+            for command in examples.commands_of(help_of(tool)):
+                self.assertIn(f"{tool} {command} --help", found)
+
+    def test_every_example_of_a_call_has_an_answer(self):
+        for place, of_place in recorded().places.items():
+            for example in of_place:
+                if " call " in example.command:
+                    self.assertTrue(example.output, f"{place}: {example.command}")
+
+    def test_nothing_is_recorded_that_has_gone(self):
+        if RECORD:
+            self.skipTest("that is what --record drops")
+        found = places()
+        for place, of_place in recorded().places.items():
+            commands = [example.command for example in found.get(place, []) if example.output is None]
+            self.assertEqual([example.command for example in of_place], commands, place)
+
+
+def add_places():
+    """A test for each place, so that they run and fail one by one."""
+    for place, of_place in places().items():
+        name = "test_" + re.sub(r"\W+", "_", place).strip("_")
+        setattr(Runs, name, functools.partialmethod(Runs.check, place, of_place))
+
+
+def relative(tree, lines):
+    """Lines to record: without the names of temporary folders."""
+    text = "\n".join(examples.shortened(lines))
+    text = re.sub(re.escape(str(tree.temporary)) + r"/mlkconfigs\.\w+/set", ANY, text)
+    return text.replace(str(tree.root), ANY).splitlines()
+
+
+def record():
+    sessions = examples.Sessions()
+    for place, of_place in places().items():
+        of_record = []
+        case = Runs("check")
+        try:
+            case.check(place, of_place, of_record)
+        except AssertionError as failure:
+            # What a document shows is corrected in the document.
+            print(failure, file=sys.stderr)
+        case.doCleanups()
+        if of_record:
+            sessions.places[place] = of_record
+    RECORDED.write_text(examples.write_sessions(sessions, HEAD), encoding="utf-8")
+
+
+if __name__ == "__main__":
+    if RECORD:
+        record()
+    else:
+        add_places()
+        unittest.main()
