@@ -16,28 +16,38 @@ set(MLK_COMPLETION_bash "bash-completion/completions/NAME")
 set(MLK_COMPLETION_zsh "zsh/vendor-completions/_NAME")
 set(MLK_COMPLETION_fish "fish/vendor_completions.d/NAME.fish")
 
-# mlk_tool(NAME SUMMARY [SHELLS shells...] [DOCUMENTS files...])
-# Installs the program NAME of that target: with its manual page, made from its help; with the
-# completions that `NAME completion SHELL` prints; with documents of the tree. All of it is the
-# component NAME, and a package of that name.
+# mlk_tool(NAME SUMMARY [SHELLS shells...] [PAGES files...] [DOCUMENTS files...])
+# Installs the program NAME of that target: with its manual page, made from its help, and further
+# pages, whose paths end with the number of their section (mlktree.toml.5); with the completions that
+# `NAME completion SHELL` prints; with documents of the tree. All of it is the component NAME, and a
+# package of that name.
 function(mlk_tool name summary)
     if(NOT MLK_PACKAGES)
         return()
     endif()
-    cmake_parse_arguments(ARG "" "" "SHELLS;DOCUMENTS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SHELLS;PAGES;DOCUMENTS" ${ARGN})
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}-installed)
     file(MAKE_DIRECTORY ${folder})
 
-    set(page ${folder}/${name}.1.gz)
-    add_custom_command(OUTPUT ${page}
+    install(TARGETS ${name} RUNTIME COMPONENT ${name})
+
+    add_custom_command(OUTPUT ${folder}/${name}.1
         COMMAND python3 -B ${CMAKE_SOURCE_DIR}/tools/manpage.py $<TARGET_FILE:${name}>
                 > ${folder}/${name}.1
-        COMMAND gzip -9nf ${folder}/${name}.1
         DEPENDS ${name} ${CMAKE_SOURCE_DIR}/tools/manpage.py
         COMMENT "Writing the manual page of ${name}" VERBATIM)
-    set(made ${page})
-    install(TARGETS ${name} RUNTIME COMPONENT ${name})
-    install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${name})
+    set(made "")
+    foreach(page ${folder}/${name}.1 ${ARG_PAGES})
+        get_filename_component(file ${page} NAME)
+        get_filename_component(section ${page} LAST_EXT)
+        string(REPLACE . man section ${section})
+        set(packed ${folder}/packed/${file}.gz)
+        add_custom_command(OUTPUT ${packed}
+            COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}/packed
+            COMMAND gzip -9nc ${page} > ${packed} DEPENDS ${page} VERBATIM)
+        list(APPEND made ${packed})
+        install(FILES ${packed} DESTINATION ${CMAKE_INSTALL_MANDIR}/${section} COMPONENT ${name})
+    endforeach()
 
     foreach(shell IN LISTS ARG_SHELLS)
         string(REPLACE NAME ${name} place ${MLK_COMPLETION_${shell}})

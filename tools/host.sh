@@ -65,7 +65,7 @@ can_build() {
         folder=$(dirname "$folder")
     done
     if [[ -d $folder && $folder == build/* ]]; then
-        path=$(find "$folder" \( -type d -o -name '.ninja_*' -o -name CMakeCache.txt \) \
+        path=$(find "$folder" -maxdepth 2 \( -type d -o -name '.ninja_*' -o -name CMakeCache.txt \) \
             ! -writable -print -quit 2>/dev/null)
     elif [[ ! -w $folder ]]; then
         path=$folder
@@ -81,6 +81,7 @@ can_build() {
 build() {
     local preset=$1
     shift
+    can_build "$preset" || return
     local targets=()
     (($#)) && targets=(--target "$@")
     if [[ ! -f build/$preset/build.ninja ]]; then

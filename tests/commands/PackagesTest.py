@@ -116,6 +116,14 @@ class ManualPages(Folder):
                 self.assertIn(f"\n{heading}\n", text)
             self.assertRegex(text, rf"^{tool.upper()}\(1\)")
 
+    def test_the_formatter_warns_of_no_page(self):
+        output("cmake", "--install", BUILD, "--prefix", self.folder)
+        pages = list((self.folder / "share/man").rglob("*.gz"))
+        self.assertGreaterEqual(len(pages), len(TOOLS))
+        for path in pages:
+            with gzip.open(path, "rt", encoding="utf-8") as file:
+                self.assertGreater(len(rendered(file.read())), 200, path)
+
     def test_special_characters_stay(self):
         program = self.folder / "odd"
         lines = ["odd - a tool with 'quotes' and .dots", "", "Usage: odd [-x] \\n", "",
