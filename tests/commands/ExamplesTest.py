@@ -5,6 +5,7 @@
                                 nothing that fits; look at the difference afterwards
 """
 
+import contextlib
 import functools
 import os
 import re
@@ -24,6 +25,8 @@ HEAD = """# What the examples of help, and those of documents that show no outpu
 # ExamplesTest.py --record writes it; examples.py says what "..." and "^C" mean.
 """
 RECORD = "--record" in sys.argv
+# Seconds after which a command is taken to be one that runs until it is interrupted.
+RECORDS_ENDLESS_AFTER = 20
 # Words of a sentence's command that stand for others.
 OPEN = {"INTERFACE", "METHOD", "PATH", "ARGUMENT...", "..."}
 
@@ -61,17 +64,19 @@ class Running:
                                    stderr=subprocess.STDOUT, errors="replace", start_new_session=True)
         try:
             if example.is_endless:
-                lines = self.interrupted(process, example.output[:-1])
-            else:
-                lines = process.communicate(timeout=PATIENCE)[0].splitlines()
+                return [*self.interrupted(process, example.output[:-1]), INTERRUPT]
+            try:
+                lines = process.communicate(timeout=RECORDS_ENDLESS_AFTER if RECORD else PATIENCE)[0]
+            except subprocess.TimeoutExpired:
+                if not RECORD:
+                    raise
+                return [*interrupt(process).splitlines(), INTERRUPT]
         finally:
             if process.poll() is None:
                 os.killpg(process.pid, signal.SIGKILL)
             process.wait()
             process.stdout.close()
-        if example.is_endless:
-            return [*lines, INTERRUPT]
-        return [*lines, STATUS.format(process.returncode)] if process.returncode else lines
+        return lines.splitlines() + ([STATUS.format(process.returncode)] if process.returncode else [])
 
     @staticmethod
     def interrupted(process, expected):
@@ -79,14 +84,23 @@ class Running:
         lines = []
         limit = threading.Timer(PATIENCE, os.killpg, (process.pid, signal.SIGKILL))
         limit.start()
-        for line in process.stdout:
+        for line in process.stdout if expected else ():
             lines.append(line.rstrip("\n"))
             if examples.matches(expected, lines):
                 break
         limit.cancel()
-        os.killpg(process.pid, signal.SIGINT)
-        process.communicate(timeout=PATIENCE)
+        interrupt(process)
         return lines
+
+
+def interrupt(process):
+    """Interrupts the process group until the process ends; a shell that starts a command may miss one
+    interrupt. Returns the rest of the output."""
+    for _ in range(PATIENCE):
+        os.killpg(process.pid, signal.SIGINT)
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            return process.communicate(timeout=2)[0]
+    raise TimeoutError(f"{process.args} goes on after {PATIENCE} interrupts")
 
 
 @functools.cache
@@ -120,6 +134,16 @@ class Runs(unittest.TestCase):
                 expected = "\n".join(said.output) if said else f"nothing in {RECORDED.name}"
                 self.fail(f"{place}: $ {example.command}\nprinted\n" +
                           "\n".join(examples.shortened(printed)) + f"\nexpected\n{expected}")
+
+    def test_endless_commands_are_interrupted(self):
+        tree = Tree()
+        self.addCleanup(tree.close)
+        running = Running(tree)
+        endless = "echo a; echo b; exec sleep 1000"
+        self.assertEqual(running.run(Example(endless, ["a", "b", INTERRUPT])), ["a", "b", INTERRUPT])
+        self.assertEqual(running.run(Example(endless, [INTERRUPT])), [INTERRUPT])
+        self.assertEqual(running.run(Example("echo a; exit 3")), ["a", STATUS.format(3)])
+        self.assertEqual(running.run(Example("echo a", ["b", INTERRUPT])), ["a", INTERRUPT])
 
     def test_there_are_examples(self):
         found = places()
