@@ -7,7 +7,7 @@ import signal
 import subprocess
 import unittest
 
-from scratch import OTHER_USER, PATIENCE, ROOT, Tree, as_user, contents
+from scratch import OTHER_USER, PATIENCE, ROOT, Tree, contents
 
 PANEL = '{"success":true,"value":"OSMR-43U60-B2"}\n'
 GET_PANEL = ("mlkctl", "call", "IMlkProjectConfigs", "getPanelName")
@@ -261,8 +261,9 @@ class Copies(RunCase):
 class Log(RunCase):
     """The log is in a file, not between the answers."""
 
-    def start(self):
-        process = subprocess.Popen(["./run"], cwd=self.tree.root, env=self.tree.environment(),
+    def start(self, *options, **changes):
+        process = subprocess.Popen(["./run", *options], cwd=self.tree.root,
+                                   env=self.tree.environment(**changes),
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.stderr.close)
@@ -295,6 +296,16 @@ class Log(RunCase):
         # And after it has ended.
         done = self.run_tree("--log")
         self.assertEqual(done.stdout[:len(text)], text)
+
+    def test_another_shell_reaches_it_as_it_says(self):
+        own = self.tree.copy_of_sample("my set (2)")
+        process, lines = self.start("--in-place", MLK_ROOT=own)
+        commands = lines[-4:-2]
+        self.assertRegex(commands[0], r"^  export MLK_ROOT=")
+        done = self.tree.run("bash", "-c", "\n".join([*commands, "mlkctl prop get ro.hardware"]))
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, PANEL + "skerry\n", ""))
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(PATIENCE), 130)
 
     def test_a_command_gets_answers_only(self):
         self.expect(self.run_tree(*GET_PANEL), 0, PANEL, "")

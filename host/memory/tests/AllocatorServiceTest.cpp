@@ -19,6 +19,7 @@
 #include "host/testing/Eventually.h"
 #include "host/testing/ProcessUsage.h"
 #include "host/testing/Threads.h"
+#include "host/testing/TimeLimit.h"
 
 namespace mlk::host {
 namespace {
@@ -218,6 +219,29 @@ TEST(AllocatorService, FailsTheCallWhenItIsKilledDuringIt) {
     EXPECT_FALSE(answered);
     process.process().wait();
     EXPECT_EQ(process.service(), nullptr);
+}
+
+TEST(AllocatorService, PrintsItsHelpAndRefusesOtherArguments) {
+    const std::string program = mlk::testing::binDir() + "/android.hidl.allocator@1.0-service";
+    const mlk::testing::HostSet set;
+    for (const char* option : {"--help", "-h"}) {
+        mlk::testing::Process process({program, option});
+        const mlk::testing::TimeLimit limit([&] { ::kill(process.pid(), SIGKILL); });
+        EXPECT_EQ(process.wait(), 0);
+        EXPECT_THAT(process.out(), HasSubstr("Usage: android.hidl.allocator@1.0-service"));
+        EXPECT_EQ(process.err(), "");
+    }
+    for (const char* argument : {"--version", "", "-x"}) {
+        mlk::testing::Process process({program, argument});
+        const mlk::testing::TimeLimit limit([&] { ::kill(process.pid(), SIGKILL); });
+        EXPECT_EQ(process.wait(), 2);
+        EXPECT_EQ(process.out(), "");
+        EXPECT_EQ(process.err(), "android.hidl.allocator@1.0-service: it takes no argument '" +
+                                         std::string(argument) + "'; see --help\n");
+    }
+    mlk::testing::Process full({"sh", "-c", "exec \"$0\" --help > /dev/full", program});
+    EXPECT_EQ(full.wait(), 1);
+    EXPECT_TRUE(std::filesystem::is_empty(set.runtime()));
 }
 
 TEST(AllocatorService, GivesUpWithoutARuntimeFolder) {
