@@ -6,16 +6,8 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(),
-            readingLines(),
-            readingValues(),
-            replacing(),
-            paths(),
-            countries(),
-            coverage(),
-            planLines(),
-            channels(),
-            allowing(),
+            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
+            countries(),    coverage(),     planLines(),     channels(),  allowing(),
     };
     return families;
 }

@@ -43,7 +43,8 @@ void checkLongLines(const ProductLine& line, Reporter& reporter) {
 
 void checkNulBytes(const ProductLine& line, Reporter& reporter) {
     forEachTextLine(line, [&](const FileLines& file, const ReadLine& read) {
-        if (!read.hasNul) {
+        // What it does to a plan is a matter of the plan's rules.
+        if (!read.hasNul || file.format() == FileFormat::CHANNEL_PLAN) {
             return;
         }
         Place place = placeOf(line, file, read);
@@ -98,8 +99,10 @@ void checkCarriageReturns(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
         const ReadLine* first = nullptr;
         size_t count = 0;
+        // A country whose name ends in one is unknown: the rule for countries says so.
+        const bool isText = file->format() != FileFormat::COUNTRY_LIST;
         for (const ReadLine& read : file->lines()) {
-            if (read.column != 0 && keepsCarriageReturn(*file, read)) {
+            if (isText && read.column != 0 && keepsCarriageReturn(*file, read)) {
                 first = first == nullptr ? &read : first;
                 ++count;
             }

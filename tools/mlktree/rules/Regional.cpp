@@ -101,33 +101,6 @@ std::string_view countryMeantBy(std::string_view name) {
     return nearest(word, names);
 }
 
-std::string quoted(std::string_view text) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string out = "\"";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '\r') {
-            out += "\\r";
-        } else if (c == '\t') {
-            out += "\\t";
-        } else if (c == '\n') {
-            out += "\\n";
-        } else if (byte < ' ' || byte == 0x7f) {
-            out += "\\x";
-            out += kDigits[byte / 16];
-            out += kDigits[byte % 16];
-        } else {
-            out += c;
-        }
-    }
-    return out + "\"";
-}
-
-std::string_view trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kInvisible), text.size()));
-    return text.substr(0, text.find_last_not_of(kInvisible) + 1);
-}
-
 std::string flawAtEnds(std::string_view text) {
     const auto nameOf = [](char c) {
         switch (c) {

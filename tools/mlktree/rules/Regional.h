@@ -9,6 +9,7 @@
 
 #include "tools/mlktree/ProductLine.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -17,12 +18,6 @@ std::optional<_tv_country> countryOf(std::string_view name);
 
 /** The name that a wrong name of a country probably stands for; empty if that cannot be told. */
 std::string_view countryMeantBy(std::string_view name);
-
-/** The text in double quotes; carriage returns, tabs and other invisible bytes are shown. */
-std::string quoted(std::string_view text);
-
-/** The text without blanks, tabs and carriage returns at its ends. */
-std::string_view trimmed(std::string_view text);
 
 /**
  * What a text has at its ends that does not belong there: "a carriage return at its end"; empty if
