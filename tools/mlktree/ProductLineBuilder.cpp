@@ -300,11 +300,15 @@ void ProductLineBuilder::followTvSystems() {
                 followItem(*files.file, line);
             }
         }
-        for (const ReadLine& line :
-             files.map != nullptr ? files.map->lines() : std::vector<ReadLine>()) {
+        if (files.map == nullptr) {
+            continue;
+        }
+        for (const ReadLine& line : files.map->lines()) {
+            // The service removes what stands before the partition's name.
+            const size_t at = line.value.find("/tvconfigs");
             if (line.use == LineUse::ITEM && line.key == product::element::kFeaturesOfCountry &&
-                !line.value.empty()) {
-                const std::string path = pathOf(line.value);
+                at != std::string_view::npos) {
+                const std::string path = pathOf(line.value.substr(at));
                 name(path, files.map, &line);
                 ask(path, FileFormat::TV_FEATURES);
             }

@@ -52,15 +52,12 @@ TvSystems::TvSystems(const Tree& tree, const TreeProperties& properties, const s
     mHolder.loadCountryTvConfigMapXML();
     mFile->finish(product::pathExists(host), {});
     const ReadLine* const named = mFile->find("", product::element::kCountryMap);
-    if (named != nullptr && !named->value.empty()) {
-        // The service replaces everything up to the partition's name.
-        constexpr std::string_view kPartition = "/tvconfigs";
-        const size_t at = named->value.find(kPartition);
-        const std::string mapHost =
-                at == std::string_view::npos
-                        ? std::string(named->value)
-                        : tree.partitions().tvconfigs +
-                                  std::string(named->value.substr(at + kPartition.size()));
+    // The service replaces everything up to the partition's name, and uses no other path.
+    constexpr std::string_view kPartition = "/tvconfigs";
+    const size_t at = named != nullptr ? named->value.find(kPartition) : std::string_view::npos;
+    if (at != std::string_view::npos) {
+        const std::string mapHost = tree.partitions().tvconfigs +
+                                    std::string(named->value.substr(at + kPartition.size()));
         mMap = static_cast<ByFile&>(*mObserver).takeSecond();
         if (mMap == nullptr) {
             mMap = std::make_unique<FileLines>(tree.relative(mapHost), FileFormat::COUNTRY_MAP);

@@ -25,7 +25,8 @@ class TvSystems {
     /** @param path  of the TV system file, relative to the tree */
     TvSystems(const Tree& tree, const TreeProperties& properties, const std::string& path);
 
-    /** The two files; the map's is null if no map is named. The caller takes them once. */
+    /** The two files; the map's is null if no map of tvconfigs is named. The caller takes them
+     * once. */
     std::unique_ptr<FileLines> takeFile() { return std::move(mFile); }
     std::unique_ptr<FileLines> takeMap() { return std::move(mMap); }
 

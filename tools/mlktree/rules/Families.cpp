@@ -8,6 +8,8 @@ const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
             readingBytes(), readingLines(), readingValues(), replacing(), paths(),
             countries(),    coverage(),     planLines(),     channels(),  allowing(),
+            paths(), countries(), coverage(),  planLines(),    channels(),
+            xml(),   maps(),      tvSystems(), savedCountry(),
     };
     return families;
 }

@@ -15,5 +15,9 @@ RuleFamily countries();
 RuleFamily coverage();
 RuleFamily planLines();
 RuleFamily channels();
+RuleFamily xml();
+RuleFamily maps();
+RuleFamily tvSystems();
+RuleFamily savedCountry();
 
 }  // namespace mlk::tree

@@ -10,6 +10,7 @@
 #include "common/Paths.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 
@@ -60,7 +61,7 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
         }
         const std::optional<std::string> other = inAnotherCase(host);
         for (const Naming& naming : namings) {
-            if (naming.file == nullptr) {
+            if (naming.file == nullptr || hasBlankInElement(*naming.line)) {
                 continue;
             }
             std::string message = "there is no file " + std::string(naming.line->value);

@@ -123,6 +123,10 @@ std::string flawAtEnds(std::string_view text) {
                    : nameOf(text.front()) + std::string(" at its beginning");
 }
 
+bool hasBlankInElement(const ReadLine& read) {
+    return read.column == 0 && !flawAtEnds(read.value).empty();
+}
+
 bool isUsable(const FileLines* file) {
     return file != nullptr && file->exists() && !file->isUnreadable();
 }

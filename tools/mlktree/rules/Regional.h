@@ -25,6 +25,9 @@ std::string_view countryMeantBy(std::string_view name);
  */
 std::string flawAtEnds(std::string_view text);
 
+/** True for an element of an XML file whose text has blanks at its ends: a rule reports them. */
+bool hasBlankInElement(const ReadLine& read);
+
 /** True if the file exists and was read whole, so that what it lacks can be told. */
 bool isUsable(const FileLines* file);
 

@@ -44,15 +44,24 @@ void checkEmpty(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+// True if an element names the plan that has a finding, so that it is not read.
+bool isNamedInVain(const FileLines& map, const std::string& plan) {
+    return std::any_of(map.lines().begin(), map.lines().end(), [&](const ReadLine& read) {
+        return trimmed(read.value) == plan &&
+               (read.use == LineUse::IGNORED || hasBlankInElement(read));
+    });
+}
+
 void checkUnused(const ProductLine& line, Reporter& reporter) {
     for (const PlanFiles& plans : line.planFolders()) {
-        if (!isUsable(plans.map) || blocksOf(*plans.map).empty()) {
+        if (!isUsable(plans.map) || plans.map->sections().empty() ||
+            countIgnoredBlocks(*plans.map) > 0) {
             continue;
         }
         for (const char* const kind : {product::kDtvPlansFolder, product::kAtvPlansFolder}) {
             const std::string folder = plans.folder->path() + kind;
             for (const std::string& name : filesIn(line.tree().host(folder), "")) {
-                if (line.namings(folder + name).empty()) {
+                if (line.namings(folder + name).empty() && !isNamedInVain(*plans.map, name)) {
                     reporter.reportIn({}, {folder + name, 0, 0},
                                       "no country of " + plans.map->path() + " has this plan");
                 }

@@ -1,0 +1,150 @@
+// Rules about the country that a set has.
+
+#include <algorithm>
+#include <iterator>
+
+#include "common/Decimal.h"
+#include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/ProjectID.h"
+#include "regional/RegionalData.h"
+#include "regional/RegionalNames.h"
+#include "regional/TvSysMapCfgHolder.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Regional.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+// The model of this set; null if the tree has none.
+const Model* modelOfSet(const ProductLine& line) {
+    const std::string& folder = line.tree().partitions().impdata;
+    if (!product::pathExists(folder + "/project_id.bin")) {
+        return nullptr;  // the service would create the file
+    }
+    const auto index = static_cast<int32_t>(product::ProjectID(folder, 0).Get());
+    const auto found = std::find_if(line.models().begin(), line.models().end(),
+                                    [&](const Model& m) { return m.counts && m.index == index; });
+    return found != line.models().end() ? &*found : nullptr;
+}
+
+const Board* boardOfSet(const ProductLine& line) {
+    for (const Board& board : line.boards()) {
+        if (board.file != nullptr ? board.file->path() == line.boardOfSet()
+                                  : line.boardOfSet().empty()) {
+            return &board;
+        }
+    }
+    return line.boards().empty() ? nullptr : &line.boards().front();
+}
+
+std::string nameOfCountry(int32_t value) {
+    std::string name;
+    product::countryNames().firstNameOf(value, name);
+    return name;
+}
+
+bool offers(const FileLines& list, const std::string& country) {
+    return std::any_of(list.lines().begin(), list.lines().end(), [&](const ReadLine& read) {
+        // A name that is wrong has a finding.
+        return read.use == LineUse::ITEM &&
+               (read.key == country ||
+                (!countryOf(read.key) && countryMeantBy(read.key) == country));
+    });
+}
+
+Place placeOfCountry(const ProductLine& line, const std::string& path) {
+    const size_t lines = line.sources().lines(path).size();
+    for (size_t i = 1; i <= lines; ++i) {
+        const std::string_view text = line.sources().line(path, i);
+        const size_t found = text.find(product::kCountryIdKeyword);
+        if (found != std::string_view::npos) {
+            return {path, i, found + 1};
+        }
+    }
+    return {path, 0, 0};
+}
+
+void checkSaved(const ProductLine& line, Reporter& reporter) {
+    const std::string path = "tvdata" + std::string(product::kCountryIdFolder) +
+                             std::string(product::kCountryIdFile);
+    const Model* const model = modelOfSet(line);
+    const Board* const board = boardOfSet(line);
+    if (model == nullptr || board == nullptr || !product::pathExists(line.tree().host(path))) {
+        return;
+    }
+    const auto fileOf = [&](const product::ConfigKey& key) {
+        const LayeredItem item = line.item(*model, *board, key.category, key.key);
+        return item && !item.line->value.empty()
+                       ? line.find(
+                                 line.tree().relative(line.tree().hostOfWritten(item.line->value)))
+                       : nullptr;
+    };
+    const FileLines* const list = fileOf(product::item::kCountries);
+    if (fileOf(product::item::kTvSystems) == nullptr) {
+        return;  // the set has no TV systems and does not read the file
+    }
+    product::RegionalData data([&line] { return line.tree().partitions(); });
+    product::TvSysMapCfgHolder holder(line.tree().partitions(), line.properties(), data);
+    holder.parseCountryId();
+    const std::string country = nameOfCountry(holder.currentCountry());
+    std::string message;
+    if (holder.currentCountry() == product::kNoCountry) {
+        message = "the file has no country, and the set starts in none";
+    } else if (country.empty()) {
+        message = "no country has the number " + std::to_string(holder.currentCountry());
+    } else if (isUsable(list) && !offers(*list, country)) {
+        message =
+                "the set is in " + quoted(country) + ", which " + list->path() + " does not offer";
+    }
+    if (!message.empty()) {
+        reporter.reportIn({"model=" + std::to_string(model->index)}, placeOfCountry(line, path),
+                          std::move(message));
+    }
+}
+
+void checkFirst(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
+    for (const RegionalSet& set : regionalSetsOf(line)) {
+        const FileLines* const map = set.systems != nullptr ? set.systems->map : nullptr;
+        if (!isUsable(set.list) || !isUsable(map)) {
+            continue;
+        }
+        const std::vector<CountryBlock> blocks = blocksOf(*map);
+        if (blocks.empty() || !countryOf(blocks.front().country())) {
+            continue;
+        }
+        const std::string country(blocks.front().country());
+        if (!offers(*set.list, country)) {
+            groups.add(country + set.list->path(), placeOf(line, *map, *blocks.front().begin),
+                       "a new set starts in " + quoted(country) +
+                               ", the first country of the map, which " + set.list->path() +
+                               " does not offer");
+        }
+    }
+    groups.report(reporter);
+}
+
+constexpr Rule kRules[] = {
+        {"saved-country", Severity::WARNING,
+         "the country that a set has saved is none that its list offers",
+         "The set scans and behaves as in this country, and its menu shows another one or none.",
+         "COUNTRY_ID=500", "COUNTRY_ID=14", checkSaved},
+        {"first-country", Severity::WARNING,
+         "a new set starts in a country that its list does not offer",
+         "A set without a saved country takes the first one of the country map and saves it. The "
+         "menu cannot show it.",
+         "the map begins with GERMANY, the list has only SWEDEN",
+         "the map begins with SWEDEN, or the list has GERMANY", checkFirst},
+};
+
+}  // namespace
+
+RuleFamily savedCountry() {
+    return {"saved-country", "The country of a set", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree

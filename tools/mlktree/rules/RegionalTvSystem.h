@@ -1,0 +1,57 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "tools/mlktree/rules/Regional.h"
+
+namespace mlk::tree {
+
+/** A section, with its brackets, and a key. */
+struct ItemName {
+    std::string_view section;
+    std::string_view key;
+
+    bool operator<(const ItemName& other) const {
+        return std::tie(section, key) < std::tie(other.section, other.key);
+    }
+};
+
+/** The items of a TV system file that count. */
+std::vector<const ReadLine*> itemsOf(const FileLines& file);
+
+/** True for "[LiveTV]". */
+bool hasBrackets(std::string_view category);
+
+/** "[LiveTV]" for "LiveTV", "[LiveTV" and " LiveTV]". */
+std::string withBrackets(std::string_view category);
+
+/** The items of the models that use a TV system file, with all boards. */
+class ItemsOfModels {
+  public:
+    ItemsOfModels(const ProductLine& line, const TvSystemFiles& files);
+
+    /** True if some model, or some board, has the item. */
+    bool has(const ItemName& name) const;
+
+    /** True if an item of the file is ignored, and no other rule has a finding for it. */
+    bool mayLack(const ReadLine& item) const;
+
+    /**
+     * The item that the models have and that was probably meant; empty if there is none. One that
+     * the TV system has, too, was not meant.
+     */
+    ItemName nearestTo(const ReadLine& item, const FileLines& file) const;
+
+  private:
+    const std::map<std::string_view, std::set<std::string_view>>& sections() const;
+
+    std::vector<const FileLines*> mFiles;
+    mutable std::map<std::string_view, std::set<std::string_view>> mSections;  // filled when needed
+};
+
+}  // namespace mlk::tree
