@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -84,6 +85,7 @@ void tellBlock(const XmlFile& file, const tinyxml2::XMLElement& block, std::stri
     ReadLine read;
     read.owner = country;
     file.tell(block, LineUse::SECTION, read);
+    std::set<std::string_view> names;
     for (const auto* child = block.FirstChildElement(); child != nullptr;
          child = child->NextSiblingElement()) {
         const std::string_view name = child->Name();
@@ -91,7 +93,7 @@ void tellBlock(const XmlFile& file, const tinyxml2::XMLElement& block, std::stri
             continue;
         }
         read.value = orEmpty(child->GetText());
-        read.isNew = block.FirstChildElement(child->Name()) == child;
+        read.isNew = names.insert(name).second;
         file.tell(*child, isOneOf(kRead, name) ? LineUse::ITEM : LineUse::IGNORED, read);
     }
 }

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "common/ItemStore.h"
@@ -162,8 +161,7 @@ class TvSysMapCfgHolder {
     bool dumpsAreOn() const;
     bool moveToTvconfigs(std::string& path) const;
     const CoutryTvConfigMap* recordOf(_tv_country country) const;
-    void addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element);
-    bool hasItem(std::string_view tvSysName, const char* category, const char* key) const;
+    void addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element, ItemStore& told);
     void addCountry(const XmlFile& file, const tinyxml2::XMLElement& block);
     _tv_country readCountryId(const std::string& path) const;
     void writeFirstCountryId(const std::string& path);

@@ -4,7 +4,8 @@
 
 #include <log/log.h>
 
-#include <algorithm>
+#include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -53,13 +54,14 @@ void tellCountry(const XmlFile& file, const tinyxml2::XMLElement& block, const c
     ReadLine read;
     read.owner = country;
     file.tell(block, LineUse::SECTION, read);
+    std::set<std::string_view> names;
     for (const auto* child = block.FirstChildElement(); child != nullptr;
          child = child->NextSiblingElement()) {
         const std::string_view name = child->Name();
         const bool isRead = name == element::kCountryName || name == element::kSystemOfCountry ||
                             name == element::kFeaturesOfCountry;
         read.value = orEmpty(child->GetText());
-        read.isNew = block.FirstChildElement(child->Name()) == child;
+        read.isNew = names.insert(name).second;
         file.tell(*child, isRead ? LineUse::ITEM : LineUse::IGNORED, read);
     }
 }
@@ -89,15 +91,18 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
     if (section != nullptr) {
         const tinyxml2::XMLElement* const first = section->FirstChildElement(element::kTvSystem);
         file.tellIgnoredBefore(first, section->FirstChildElement());
+        ItemStore told;
         for (const auto* element = first; element != nullptr;
              element = element->NextSiblingElement()) {
-            addTvSystem(file, *element);
+            addTvSystem(file, *element, told);
         }
     }
     return true;
 }
 
-void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element) {
+// The items that the observer has heard of are in `told`, in sections of TV system and category.
+void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElement& element,
+                                    ItemStore& told) {
     const char* const type = element.Attribute(attribute::kType);
     if (type == nullptr) {
         file.complain(element, "TV system without type, skipped");
@@ -125,23 +130,14 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
             continue;
         }
         const ItemStore::Section section = system.configs.section(category);
-        read.isNew = system.configs.insert(section, key, patchToTargetBoardPath(value)).isNew;
+        system.configs.insert(section, key, patchToTargetBoardPath(value));
         if (file.isObserved()) {
-            read.isNew = read.isNew && !hasItem(type, category, key);
+            const std::string owned = std::string(type) + '\0' + category;
+            read.isNew = told.insert(told.section(owned), key, "").isNew;
             file.tell(*item, LineUse::ITEM, read);
         }
     }
     mTvSysToConfigMap.push_back(std::move(system));
-}
-
-// True if one of the TV systems of this name that precede in the file has the item.
-bool TvSysMapCfgHolder::hasItem(std::string_view tvSysName, const char* category,
-                                const char* key) const {
-    return std::any_of(mTvSysToConfigMap.begin(), mTvSysToConfigMap.end(),
-                       [&](const TvSysToConfigMap& system) {
-                           return system.tvSysName == tvSysName &&
-                                  system.configs.find(category, key) != ItemStore::kNone;
-                       });
 }
 
 bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {

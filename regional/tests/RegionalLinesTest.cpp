@@ -247,6 +247,27 @@ TEST_F(RegionalLinesTest, FrequencyMap) {
                         "13 ignored |COUNTRY_FREQ_MAP|"));
 }
 
+// A hostile file must not keep an observer's program busy for hours.
+TEST_F(RegionalLinesTest, ManyElementsOfARecordAreToldInTurn) {
+    constexpr size_t kCount = 100'000;
+    std::string children;
+    std::string all;
+    for (size_t number = 0; number < kCount; ++number) {
+        children += "<e" + std::to_string(number) + "/>";
+        all += "<TvSystem type=\"A\"><Item category=\"c\" key=\"k\" value=\"\"/></TvSystem>";
+    }
+    EXPECT_EQ(countryMap("<COUNTRY_TVCONFIG_MAP><COUNTRY_NAME>A</COUNTRY_NAME>" + children +
+                         "</COUNTRY_TVCONFIG_MAP>")
+                      .size(),
+              kCount + 2);
+    EXPECT_EQ(frequencyMap("<COUNTRY_FREQ_MAP><COUNTRY_NAME>A</COUNTRY_NAME>" + children +
+                           "</COUNTRY_FREQ_MAP>")
+                      .size(),
+              kCount + 2);
+    EXPECT_EQ(systems("<TvSystemConfigration>" + all + "</TvSystemConfigration>").size(),
+              2 * kCount);
+}
+
 TEST_F(RegionalLinesTest, MalformedXmlIsAProblemOfItsLine) {
     struct Row {
         const char* text;
