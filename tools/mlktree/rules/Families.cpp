@@ -6,10 +6,20 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
-            countries(),    coverage(),     planLines(),     channels(),  allowing(),
-            paths(), countries(), coverage(),  planLines(),    channels(),
-            xml(),   maps(),      tvSystems(), savedCountry(),
+            readingBytes(),
+            readingLines(),
+            readingValues(),
+            replacing(),
+            paths(),
+            countries(),
+            coverage(),
+            planLines(),
+            channels(),
+            xml(),
+            maps(),
+            tvSystems(),
+            savedCountry(),
+            allowing(),
     };
     return families;
 }
