@@ -33,7 +33,7 @@ const Option* Command::find(std::string_view option) const {
 }
 
 const std::vector<Command>& commands() {
-    static const std::vector<Command> kCommands = {checkCommand(), rulesCommand(),
+    static const std::vector<Command> kCommands = {checkCommand(), fixCommand(), rulesCommand(),
                                                    completionCommand(), completeCommand()};
     return kCommands;
 }

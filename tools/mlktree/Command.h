@@ -123,6 +123,7 @@ const Option& helpOption();
 
 // One row each, in a file of its own.
 Command checkCommand();
+Command fixCommand();
 Command rulesCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */

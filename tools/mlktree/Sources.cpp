@@ -48,4 +48,11 @@ std::string_view Sources::line(const std::string& path, size_t number) const {
     return number >= 1 && number <= all.size() ? all[number - 1] : std::string_view();
 }
 
+bool Sources::endsInLineFeed(const std::string& path) const {
+    (void)lines(path);
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::string& text = mFiles.at(path).text;
+    return text.empty() || text.back() == '\n';
+}
+
 }  // namespace mlk::tree

@@ -35,6 +35,9 @@ class Sources {
     /** A line by its number, from 1; empty if there is no such line. */
     std::string_view line(const std::string& path, size_t number) const;
 
+    /** Whether the last line of a file has its line feed; also for an empty file. */
+    bool endsInLineFeed(const std::string& path) const;
+
   private:
     struct File {
         std::string text;

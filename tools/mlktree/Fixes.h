@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/mlktree/ProductLine.h"
+
+namespace mlk::tree {
+
+/** A line that has one right form, and the form that it has. */
+struct MendedLine {
+    size_t number; /**< from 1 */
+    std::string before;
+    std::string after;
+};
+
+/** A file of the tree with the lines that can be mended. */
+struct MendedFile {
+    std::string path; /**< relative to the tree */
+    std::vector<MendedLine> lines;
+    bool endsLastLine = false; /**< the last line gets the line feed that it lacks */
+    std::string text;          /**< the whole file, mended */
+};
+
+/**
+ * Finds what has only one right answer: byte order marks, carriage returns that stay, blanks in
+ * entries of lists and around the "=" of TV features, tabs before "=", indented comments, countries
+ * in the wrong case, and the line feed that the last line of a TV feature file lacks.
+ *
+ * @return the files with something to mend, in the order of their paths
+ */
+std::vector<MendedFile> mend(const ProductLine& line);
+
+/** The changes of a file as a unified diff, with three lines around each. */
+std::string diffOf(const MendedFile& file, const std::vector<std::string_view>& former);
+
+}  // namespace mlk::tree

@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/testing/TempDir.h"
+#include "tools/mlktree/Fixes.h"
+
+namespace mlk::tree {
+
+namespace {
+
+class FixTest : public ::testing::Test {
+  protected:
+    // The diff of a tree with one model and these files.
+    std::string diff() const {
+        const Tree tree(mDir.path(), {});
+        const Settings settings;
+        const TreeProperties properties(mDir.path("data/property"), {});
+        const ProductLine line(tree, settings, properties, {});
+        std::string all;
+        for (const MendedFile& file : mend(line)) {
+            all += diffOf(file, line.sources().lines(file.path));
+        }
+        return all;
+    }
+    std::string mended(const std::string& path) const {
+        const Tree tree(mDir.path(), {});
+        const Settings settings;
+        const TreeProperties properties(mDir.path("data/property"), {});
+        const ProductLine line(tree, settings, properties, {});
+        for (const MendedFile& file : mend(line)) {
+            if (file.path == path) {
+                return file.text;
+            }
+        }
+        return "nothing to mend";
+    }
+    void SetUp() override {
+        mDir.write("tvconfigs/customer.ini", "CUSTOMER_ID=1\nSYS_INI=/tvconfigs/s.ini\n");
+        mDir.write("tvconfigs/s.ini", "Model_1=/tvconfigs/model/a.ini\n");
+        mDir.write("tvconfigs/model/a.ini",
+                   "[COUNTRY]\nCOUNTRY_PATH=/tvconfigs/c.txt\n[TV_LANGUAGE]\n"
+                   "LANGUAGE_PATH=/tvconfigs/l.txt\n[LiveTV]\nTvConfig=/tvconfigs/tv/t.config\n");
+        mDir.write("tvconfigs/c.txt", "GERMANY,DE\n");
+        mDir.write("tvconfigs/l.txt", "German,deu\n");
+        mDir.write("tvconfigs/tv/t.config", "persist.vendor.mlk.tv.enable_av=true\n");
+    }
+    const mlk::testing::TempDir mDir;
+};
+
+TEST_F(FixTest, ASoundTreeStaysAsItIs) {
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, CarriageReturnsGoWhereTheyStay) {
+    mDir.write("tvconfigs/c.txt", "GERMANY\r\nSWEDEN,SE\r\n");
+    mDir.write("tvconfigs/l.txt", "German\r\n");
+    mDir.write("tvconfigs/s.ini", "Model_1=/tvconfigs/model/a.ini\r\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY\nSWEDEN,SE\n");
+    EXPECT_EQ(mended("tvconfigs/l.txt"), "German\n");
+    EXPECT_EQ(mended("tvconfigs/s.ini"), "Model_1=/tvconfigs/model/a.ini\n");
+}
+
+TEST_F(FixTest, CarriageReturnsThatReadersDropStay) {
+    mDir.write("tvconfigs/model/a.ini", "[PANEL]\r\nm_pPanelName = a\r\n");
+    mDir.write("tvconfigs/tv.config", "persist.vendor.mlk.tv.enable_av=true\r\n");
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, AByteOrderMarkGoes) {
+    mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBFGERMANY,DE\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\n");
+}
+
+TEST_F(FixTest, EntriesOfListsLoseTheirBlanks) {
+    mDir.write("tvconfigs/c.txt", " GERMANY ,DE\nSWEDEN \n,,FRANCE\t,FR\n\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\nSWEDEN\n,,FRANCE,FR\n\n");
+}
+
+TEST_F(FixTest, CountriesGetTheirCapitals) {
+    mDir.write("tvconfigs/c.txt", "Germany,DE\nUnited Kingdom\nGermny\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\nUNITED_KINGDOM\nGermny\n");
+}
+
+TEST_F(FixTest, TvFeaturesLoseTheirBlanksAndGetTheirLineEnd) {
+    mDir.write("tvconfigs/tv/t.config",
+               "# a = b\npersist.vendor.mlk.tv.enable_av = true\nx= 1 # why\ny=2");
+    EXPECT_EQ(mended("tvconfigs/tv/t.config"),
+              "# a = b\npersist.vendor.mlk.tv.enable_av=true\nx= 1 # why\ny=2\n");
+}
+
+TEST_F(FixTest, ALastLineWithoutAnItemStaysUnended) {
+    mDir.write("tvconfigs/tv/t.config", "a=1\n# end");
+    mDir.write("tvconfigs/l.txt", "German");
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, TabsBeforeTheEqualsSignAndIndentsOfCommentsGo) {
+    mDir.write("tvconfigs/model/a.ini",
+               "[PANEL]\n  # the panel\nm_pPanelName\t\t= a\tb\nWIDTH =\t5\nA B = 1 # x\t= 2\n");
+    EXPECT_EQ(mended("tvconfigs/model/a.ini"),
+              "[PANEL]\n# the panel\nm_pPanelName = a\tb\nWIDTH =\t5\nA B = 1 # x\t= 2\n");
+}
+
+TEST_F(FixTest, AMendedTreeHasNothingMoreToMend) {
+    mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBF Germany \r\n");
+    mDir.write("tvconfigs/tv/t.config", " a = 1 ");
+    for (const char* const path : {"tvconfigs/c.txt", "tvconfigs/tv/t.config"}) {
+        mDir.write(path, mended(path));
+    }
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, TheDiffIsUnified) {
+    mDir.write("tvconfigs/c.txt",
+               "A,1\nB,2\nC,3\nD,4\nGermany\nE,5\nF,6\nG,7\nH,8\nI,9\nJ,0\nK\r\n");
+    EXPECT_EQ(diff(),
+              "--- a/tvconfigs/c.txt\n+++ b/tvconfigs/c.txt\n"
+              "@@ -2,7 +2,7 @@\n B,2\n C,3\n D,4\n-Germany\n+GERMANY\n E,5\n F,6\n G,7\n"
+              "@@ -9,4 +9,4 @@\n H,8\n I,9\n J,0\n-K\r\n+K\n");
+}
+
+TEST_F(FixTest, TheDiffShowsAMissingLineEnd) {
+    mDir.write("tvconfigs/tv/t.config", "a=1");
+    EXPECT_EQ(diff(),
+              "--- a/tvconfigs/tv/t.config\n+++ b/tvconfigs/tv/t.config\n@@ -1,1 +1,1 @@\n"
+              "-a=1\n\\ No newline at end of file\n+a=1\n");
+}
+
+}  // namespace
+
+}  // namespace mlk::tree
