@@ -70,27 +70,36 @@ class Running:
             except subprocess.TimeoutExpired:
                 if not RECORD:
                     raise
-                return [*interrupt(process).splitlines(), INTERRUPT]
+                return [*self.without_names(interrupt(process)), INTERRUPT]
         finally:
             if process.poll() is None:
                 os.killpg(process.pid, signal.SIGKILL)
             process.wait()
             process.stdout.close()
-        return lines.splitlines() + ([STATUS.format(process.returncode)] if process.returncode else [])
+        status = [STATUS.format(process.returncode)] if process.returncode else []
+        return self.without_names(lines) + status
 
-    @staticmethod
-    def interrupted(process, expected):
+    def without_names(self, text):
+        """The lines of a text, with "..." for the folders that have another name in each run. A long
+        path may be wrapped after each slash."""
+        for folder in (f"{re.escape(str(self.tree.temporary))}/mlkconfigs\\.\\w+/set",
+                       re.escape(str(self.tree.root))):
+            text = re.sub(folder.replace("/", r"/\s*") + r"(?:(/)\s*|\b)",
+                          lambda match: ANY + (match[1] or ""), text)
+        return text.splitlines()
+
+    def interrupted(self, process, expected):
         """Interrupts the command when it has printed what is expected, as a terminal does."""
-        lines = []
+        text = ""
         limit = threading.Timer(PATIENCE, os.killpg, (process.pid, signal.SIGKILL))
         limit.start()
         for line in process.stdout if expected else ():
-            lines.append(line.rstrip("\n"))
-            if examples.matches(expected, lines):
+            text += line
+            if examples.matches(expected, self.without_names(text)):
                 break
         limit.cancel()
         interrupt(process)
-        return lines
+        return self.without_names(text)
 
 
 def interrupt(process):
@@ -129,7 +138,7 @@ class Runs(unittest.TestCase):
             printed = running.run(Example(example.command, said.output if said else None))
             fits = said is not None and examples.matches(said.output, printed)
             if to_record is not None and example.output is None:
-                to_record.append(Example(example.command, said.output if fits else relative(tree, printed)))
+                to_record.append(Example(example.command, said.output if fits else examples.shortened(printed)))
             elif not fits:
                 expected = "\n".join(said.output) if said else f"nothing in {RECORDED.name}"
                 self.fail(f"{place}: $ {example.command}\nprinted\n" +
@@ -144,6 +153,14 @@ class Runs(unittest.TestCase):
         self.assertEqual(running.run(Example(endless, [INTERRUPT])), [INTERRUPT])
         self.assertEqual(running.run(Example("echo a; exit 3")), ["a", STATUS.format(3)])
         self.assertEqual(running.run(Example("echo a", ["b", INTERRUPT])), ["a", INTERRUPT])
+
+    def test_names_of_folders_are_left_out(self):
+        tree = Tree()
+        self.addCleanup(tree.close)
+        path = f"{tree.temporary}/mlkconfigs.aB3"
+        lines = Running(tree).without_names(f"a {path}/set/tvdata b\nc {path}/set\n{path}/\n   set/\n   d\n"
+                                            f"{tree.root}/\n   myset;\n{tree.root}\n{path}/settle\n")
+        self.assertEqual(lines, ["a .../tvdata b", "c ...", ".../d", ".../myset;", "...", f"{path}/settle"])
 
     def test_there_are_examples(self):
         found = places()
@@ -174,13 +191,6 @@ def add_places():
     for place, of_place in places().items():
         name = "test_" + re.sub(r"\W+", "_", place).strip("_")
         setattr(Runs, name, functools.partialmethod(Runs.check, place, of_place))
-
-
-def relative(tree, lines):
-    """Lines to record: without the names of temporary folders."""
-    text = "\n".join(examples.shortened(lines))
-    text = re.sub(re.escape(str(tree.temporary)) + r"/mlkconfigs\.\w+/set", ANY, text)
-    return text.replace(str(tree.root), ANY).splitlines()
 
 
 def record():
