@@ -108,6 +108,44 @@ TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
     EXPECT_EQ(contentOf(second.descriptors[0].get()), "two");
 }
 
+TEST_F(TransportTest, ReaderFreesWhatItsMessageDoesNotNeed) {
+    constexpr size_t kLarge = 40'000;
+    // The memory of a message serves the next one of its thread.
+    send(textCall(std::string(kLarge, 'x')).bytes());
+    ASSERT_EQ(read(), Result::MESSAGE);
+    (void)mReader.take();
+    EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_GT(mReader.keptBytes(), kLarge);
+    mReader.trim();
+    EXPECT_EQ(mReader.keptBytes(), 0U);
+    const std::vector<uint8_t> bytes = textCall("text").bytes();
+    send({bytes.begin(), bytes.end() - 1});
+    EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_GT(mReader.keptBytes(), kLarge);
+    mReader.trim();
+    EXPECT_EQ(mReader.keptBytes(), 4096U);
+    send({bytes.back()});
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, TEXT);
+}
+
+TEST_F(TransportTest, LargeMessageIsNotKeptWhenItIsSent) {
+    const std::string small(1000, 's');
+    OutgoingMessage message;
+    for (const size_t count : {10U, 100U}) {
+        Parcel parcel;
+        size_t handle;
+        for (size_t i = 0; i < count; ++i) {
+            ASSERT_EQ(parcel.writeBuffer(small.data(), small.size(), &handle), OK);
+        }
+        ASSERT_EQ(message.encode(parcel, MessageType::CALL, 1, kMaxCallBody), OK);
+        EXPECT_FALSE(message.sending().pieces.empty());
+        message.finish();
+        EXPECT_TRUE(message.sending().pieces.empty());
+        EXPECT_EQ(message.sending().pieces.capacity() == 0, count == 100) << count;
+    }
+}
+
 TEST_F(TransportTest, MessagesCarryNothingBetweenTheirParts) {
     for (const size_t length : {1U, 5U, 8U, 2048U, 2049U, 3001U}) {
         const std::string block(length, 'b');
