@@ -3,17 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -22,7 +18,6 @@
 #include "host/hidl/src/MessageReader.h"
 #include "host/hidl/src/Socket.h"
 #include "host/hidl/src/Wire.h"
-#include "host/testing/TimeLimit.h"
 
 namespace mlk::test {
 namespace {
@@ -284,41 +279,6 @@ TEST_F(TransportTest, KindsOfDescriptors) {
     EXPECT_FALSE(peerIsTrusted(pipe.out.get()));
     EXPECT_FALSE(waitFor(mThere.get(), POLLIN, milliseconds(1)));
     EXPECT_TRUE(waitFor(mHere.get(), POLLOUT, kForever));
-}
-
-// Counts the signals that interrupted this process.
-std::atomic<int> sInterruptions{0};
-
-TEST_F(TransportTest, ReceivingGoesOnAfterASignal) {
-    constexpr int kSignals = 50;
-    struct sigaction action {};
-    struct sigaction former {};
-    action.sa_handler = [](int) { ++sInterruptions; };  // without SA_RESTART
-    ASSERT_EQ(sigaction(SIGUSR1, &action, &former), 0);
-    std::atomic<bool> done{false};
-    ssize_t got = 0;
-    char byte = 0;
-    std::thread receiver([&] {
-        std::vector<unique_fd> descriptors;
-        got = receiveBytes(mThere.get(), &byte, 1, &descriptors, 0);
-        done = true;
-    });
-    const testing::TimeLimit limit([&] { (void)shutdown(mHere.get(), SHUT_RDWR); });
-    for (int i = 0; i < kSignals && !done; ++i) {
-        const int before = sInterruptions;
-        ASSERT_EQ(pthread_kill(receiver.native_handle(), SIGUSR1), 0);
-        while (sInterruptions == before && !done) {
-            std::this_thread::yield();
-        }
-        // Lets the sender return to waiting, if it waits.
-        (void)poll(nullptr, 0, 1);
-    }
-    EXPECT_FALSE(done);
-    send({'x'});
-    receiver.join();
-    EXPECT_EQ(got, 1);
-    EXPECT_EQ(byte, 'x');
-    (void)sigaction(SIGUSR1, &former, nullptr);
 }
 
 // The memory that a thread keeps for the next message or parcel.
