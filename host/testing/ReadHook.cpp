@@ -46,11 +46,11 @@ extern "C" ssize_t read(int descriptor, void* bytes, size_t size) {
     if (sRead == nullptr || sInside) {
         return ReadHook::read(descriptor, bytes, size);
     }
-    sInside = true;
+    // Also when the function throws.
+    struct Inside {
+        Inside() { sInside = true; }
+        ~Inside() { sInside = false; }
+    } const inside;
     ++sCalls;
-    const ssize_t result = sRead(descriptor, bytes, size);
-    const int error = errno;
-    sInside = false;
-    errno = error;
-    return result;
+    return sRead(descriptor, bytes, size);
 }

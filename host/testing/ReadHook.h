@@ -9,7 +9,7 @@ namespace mlk::testing {
 
 /**
  * While it lives, each read(2) of the thread that made it comes to a function of the test, which
- * can give less than was asked, fail, or change the file in between:
+ * can give less than was asked, fail, throw, or change the file in between:
  *
  *     ReadHook hook([](int descriptor, void* bytes, size_t size) {
  *         return ReadHook::calls() == 2 ? ReadHook::fail(EIO)

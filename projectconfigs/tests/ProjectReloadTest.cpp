@@ -7,9 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
+#include <string>
 #include <system_error>
 #include <vector>
 
+#include "host/testing/ReadHook.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -67,6 +70,33 @@ class ProjectReloadTest : public ServiceOnSet {
         ASSERT_EQ(symlink("/proc/self/mem", path.c_str()), 0);
     }
 };
+
+// Memory runs out at each read of the files in its turn.
+TEST_F(ProjectReloadTest, WithoutMemoryTheModelStays) {
+    using ::mlk::testing::ReadHook;
+    const auto setWithReads = [&](int most) {
+        const ReadHook hook([most](int descriptor, void* bytes, size_t size) {
+            if (ReadHook::calls() > most) {
+                throw std::bad_alloc();
+            }
+            return ReadHook::read(descriptor, bytes, size);
+        });
+        try {
+            return set(2);
+        } catch (const std::bad_alloc&) {
+            return std::string("no memory");
+        }
+    };
+    int failed = 0;
+    std::string answer;
+    while ((answer = setWithReads(failed)) == "no memory") {
+        expectModelA();
+        ++failed;
+    }
+    EXPECT_EQ(answer, "true");
+    EXPECT_GT(failed, 2);
+    EXPECT_EQ(panel(), "panel B");
+}
 
 TEST_F(ProjectReloadTest, WithoutDescriptorsTheModelStays) {
     // A sanitizer needs descriptors for what it meets for the first time.

@@ -154,6 +154,13 @@ TEST_F(CountryIdTest, AFileThatCannotBeCreated) {
     EXPECT_THAT(errors(), ElementsAre("[saveCountryId:153] Open " + file() + " failed!"));
 }
 
+// As when another process has just made it: it is not there, and cannot be made.
+TEST_F(CountryIdTest, AFolderThatIsThereAfterAllIsNotComplainedAbout) {
+    ASSERT_EQ(symlink("/no/such/folder", folder().c_str()), 0);
+    EXPECT_FALSE(mHolder.saveCountryId(kUsa));
+    EXPECT_THAT(errors(), ElementsAre("[saveCountryId:153] Open " + file() + " failed!"));
+}
+
 TEST_F(CountryIdTest, AFolderInPlaceOfTheFile) {
     set().dir().mkdir("tvdata/tvsysmap/country_id.bin");
     EXPECT_FALSE(mHolder.saveCountryId(kUsa));
