@@ -119,7 +119,7 @@ TEST_F(EndToEndTest, WhatIsRegisteredWithoutAnObjectIsNotMissing) {
     EXPECT_EQ(registered.err, "mlkctl: IMlkTvConfigs: registered, but it does not answer\n");
     const auto missing = runMlkctl({"call", "IMlkProjectConfigs", "getPanelName"}, services);
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.err, "mlkctl: IMlkProjectConfigs: not registered; is the service running?\n");
+    EXPECT_THAT(missing.err, StartsWith("mlkctl: IMlkProjectConfigs: not registered"));
 }
 
 // Each way of asking checks the byte of a truth value before it uses it.

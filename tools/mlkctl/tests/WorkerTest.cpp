@@ -127,8 +127,21 @@ TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
 }
 
-// A call that never ends loses only its own answer. Calls before it keep theirs; calls after it go
-// to an object that is looked up again.
+TEST(ServicesTest, AnObjectIsLookedForOnce) {
+    Script script;
+    int found = 0;
+    Services services([&script, &found](const Interface& interface) {
+        ++found;
+        return finderOf(script)(interface);
+    });
+    const auto ask = [&] { return services.ask(tvInterface(), [](IBase&) { return true; }); };
+    EXPECT_TRUE(ask());
+    EXPECT_TRUE(ask());
+    EXPECT_EQ(found, 1);
+}
+
+// A call that never ends costs its own answer; those before it keep theirs, and those after it are
+// made of an object that is looked up again.
 TEST(ServicesTest, ACallThatHangsIsLeftBehindAndTheRestIsMade) {
     Script script;
     int found = 0;
