@@ -28,6 +28,8 @@ class StallsTest : public ::testing::Test {
     static constexpr uint64_t kMessages = 1000;
     static constexpr uint64_t kReplies = 10'000;
     static constexpr size_t kDescriptors = 10;
+    // Long enough for what a test does within it on a busy machine.
+    static constexpr milliseconds kTime{1000};
 
     struct Connection {
         Connection(Kind kind, Stalls& stalls) {
@@ -49,11 +51,11 @@ class StallsTest : public ::testing::Test {
         EXPECT_TRUE(made.stall->keep(bytes, descriptors));
         return made;
     }
-    // Waits until everything kept now is older than the limit for fresh stalls.
-    static void grow() { (void)poll(nullptr, 0, 1100); }
+    // Waits until everything kept now is older than the limit for fresh stalls, and overdue.
+    static void pass() { (void)poll(nullptr, 0, 1100); }
 
     std::vector<milliseconds> mWakings;
-    Stalls mStalls{{kMessages, kReplies, kDescriptors, milliseconds(50)},
+    Stalls mStalls{{kMessages, kReplies, kDescriptors, kTime},
                    [this](milliseconds delay) { mWakings.push_back(delay); }};
     std::deque<Connection> mConnections;
 };
@@ -100,7 +102,7 @@ TEST_F(StallsTest, TheLargestGoesFirst) {
 TEST_F(StallsTest, OldOnesOfOneSizeMakeRoomTheOldestFirst) {
     Connection& first = keeping(5000);
     Connection& second = keeping(5000);
-    grow();
+    pass();
     second.stall->progress();
     EXPECT_TRUE(connect().stall->keep(5000, 0));
     EXPECT_TRUE(first.closed());
@@ -112,7 +114,7 @@ TEST_F(StallsTest, OfOldOnesOfOneSizeTheOldestGoes) {
     Connection& first = keeping(3000);
     Connection& second = keeping(3000);
     Connection& third = keeping(3000);
-    grow();
+    pass();
     EXPECT_TRUE(connect().stall->keep(3000, 0));
     EXPECT_TRUE(first.closed());
     EXPECT_FALSE(second.closed());
@@ -123,7 +125,7 @@ TEST_F(StallsTest, SmallerOnesStay) {
     for (int i = 0; i < 10; ++i) {
         (void)keeping(1000);
     }
-    grow();
+    pass();
     EXPECT_FALSE(connect().stall->keep(1001, 0));
     for (const Connection& connection : mConnections) {
         EXPECT_FALSE(connection.closed());
@@ -142,7 +144,7 @@ TEST_F(StallsTest, DescriptorsOfBothKindsHaveABound) {
 }
 
 TEST_F(StallsTest, DescriptorsAreAQuarterOfThoseOfTheProcess) {
-    Stalls many{{kMessages, kReplies, 1'000'000, milliseconds(50)}};
+    Stalls many{{kMessages, kReplies, 1'000'000, kTime}};
     Connection connection(Kind::MESSAGE, many);
     rlimit former{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
@@ -165,17 +167,17 @@ TEST_F(StallsTest, TimeIsOver) {
     Connection& stalled = keeping(1);
     Connection& waiting = keeping(1);
     waiting.stall->stopClock();
-    EXPECT_THAT(mWakings, ::testing::ElementsAre(milliseconds(50)));
+    EXPECT_THAT(mWakings, ::testing::ElementsAre(kTime));
     Connection& later = keeping(1);
-    (void)poll(nullptr, 0, 60);
+    pass();
     later.stall->progress();
     mStalls.endOverdue();
     EXPECT_TRUE(stalled.closed());
     EXPECT_FALSE(waiting.closed());
     EXPECT_FALSE(later.closed());
     ASSERT_EQ(mWakings.size(), 2U) << "for the one that is left";
-    EXPECT_LE(mWakings[1], milliseconds(50));
-    (void)poll(nullptr, 0, 60);
+    EXPECT_LE(mWakings[1], kTime);
+    pass();
     mStalls.endOverdue();
     EXPECT_TRUE(later.closed());
     EXPECT_FALSE(waiting.closed());
@@ -184,7 +186,7 @@ TEST_F(StallsTest, TimeIsOver) {
 
 TEST_F(StallsTest, KeepingMoreDoesNotBuyTime) {
     Connection& one = keeping(1);
-    (void)poll(nullptr, 0, 60);
+    pass();
     EXPECT_TRUE(one.stall->keep(2, 0));
     mStalls.endOverdue();
     EXPECT_TRUE(one.closed());
@@ -195,7 +197,7 @@ TEST_F(StallsTest, FewLinesAreLogged) {
     for (int i = 0; i < 10; ++i) {
         (void)keeping(1, 1, Kind::MESSAGE);
     }
-    (void)poll(nullptr, 0, 60);
+    pass();
     mStalls.endOverdue();
     EXPECT_THAT(log.texts(ANDROID_LOG_WARN, "hidl"),
                 ::testing::ElementsAre(
