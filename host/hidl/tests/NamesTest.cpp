@@ -52,7 +52,7 @@ TEST_F(NamesTest, UnknownNameGivesNullAtOnce) {
     EXPECT_EQ(IEverything::tryGetService("nobody"), nullptr);
     EXPECT_EQ(IEverything::getService("no/name"), nullptr);
     EXPECT_EQ(IEverything::getService(""), nullptr);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST_F(NamesTest, ThereAreNoPassthroughImplementations) {

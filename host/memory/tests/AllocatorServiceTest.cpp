@@ -192,7 +192,7 @@ TEST(AllocatorService, IsNotFoundAtOnceWhenItHasStopped) {
     process.process().wait();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(process.service(), nullptr);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST(AllocatorService, IsFoundUnderItsKindOnly) {
