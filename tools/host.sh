@@ -19,6 +19,8 @@ packages=(
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+# For the tests of mlkctl's completion.
+shell_packages=(fish zsh)
 # For ./test --coverage: llvm-cov and llvm-profdata.
 coverage_packages=(llvm)
 # For tests/device: scripts, module definitions, policy.

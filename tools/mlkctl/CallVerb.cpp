@@ -91,6 +91,28 @@ class CallVerb : public Verb {
     }
     bool hasValue(std::string_view option) const override { return option == "--timeout"; }
     bool takesWords() const override { return true; }
+    Candidates candidates(const Completing& at) override {
+        if (at.before.empty()) {
+            return interfaceCandidates(at.current);
+        }
+        const Interface* interface = findInterface(at.before[0]);
+        if (interface != nullptr && at.before.size() == 1) {
+            Candidates methods = methodCandidates(*interface);
+            methods.push_back({"--help", "the methods and what they take"});
+            return methods;
+        }
+        // The place of the method among the words.
+        const size_t place = interface == nullptr ? 0 : 1;
+        for (const MethodOf& each : methodsNamed(at.before[place])) {
+            if (interface == nullptr || each.interface == interface) {
+                const std::vector<std::string> before(
+                        at.before.begin() + static_cast<std::ptrdiff_t>(place) + 1,
+                        at.before.end());
+                return argumentCandidates(*each.method, before, at);
+            }
+        }
+        return {};
+    }
     void endOptions() override { mMayAskForHelp = false; }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {

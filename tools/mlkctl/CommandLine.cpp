@@ -60,6 +60,15 @@ std::string generalHelp(const std::vector<std::unique_ptr<Verb>>& verbs) {
     return help + kHelpEnd;
 }
 
+// All pages, for a program that makes other forms of the manual: each ends with a form feed.
+std::string manual(const std::vector<std::unique_ptr<Verb>>& verbs) {
+    std::string pages = generalHelp(verbs) + '\f';
+    for (const auto& verb : verbs) {
+        pages += verb->help() + '\f';
+    }
+    return pages;
+}
+
 // The verb that the words name. Throws Failure USAGE.
 Verb& verbOf(const std::vector<std::unique_ptr<Verb>>& verbs, const std::string& word) {
     std::vector<std::string_view> names;
@@ -158,7 +167,15 @@ ExitStatus run(const std::vector<std::string>& words, Environment& environment) 
         environment.output.write(kVersion);
         return ExitStatus::ANSWERED;
     }
-    return runVerb(verbOf(verbs, words.front()), {words.begin() + 1, words.end()}, environment);
+    const std::vector<std::string> rest(words.begin() + 1, words.end());
+    if (words.front() == "complete") {
+        return runVerb(*makeCompleteVerb(), rest, environment);
+    }
+    if (words.front() == "--manual") {
+        environment.output.write(manual(verbs));
+        return ExitStatus::ANSWERED;
+    }
+    return runVerb(verbOf(verbs, words.front()), rest, environment);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
+#include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
-#include "tools/mlkctl/BashCompletion.h"
+#include "tools/mlkctl/Completing.h"
+#include "tools/mlkctl/CompletionScripts.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -8,12 +10,12 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl completion - completion for a shell
 
-Usage: mlkctl completion bash
+Usage: mlkctl completion bash | fish | zsh
 
-Prints a script that teaches the shell to complete mlkctl's commands and options, interfaces, the
-methods of the interface that stands in front, enumerators, countries, true and false, files where
-a path is wanted, and the keys of properties. It holds all names itself: only for the keys of
-properties is mlkctl started, and the service is never asked.
+Prints a script that teaches the shell to complete mlkctl: commands and options, interfaces and
+methods, enumerators, numbers of a range, true and false, the keys of properties; and, from the
+running service, sections, keys, countries and paths. The script starts mlkctl for each word that
+is completed. A service that gives no answer within two seconds is left out.
 
 Options:
   -h, --help  this text
@@ -28,6 +30,8 @@ Exit status:
 Examples:
   . <(mlkctl completion bash)
   mlkctl completion bash >> ~/.bash_completion
+  mlkctl completion fish > ~/.config/fish/completions/mlkctl.fish
+  mlkctl completion zsh > /usr/local/share/zsh/site-functions/_mlkctl
 )";
 
 class CompletionVerb : public Verb {
@@ -36,13 +40,27 @@ class CompletionVerb : public Verb {
     std::string help() const override { return kHelp; }
     bool takesWords() const override { return true; }
 
-    ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
-        if (words.size() != 1 || words[0] != "bash") {
-            const std::string given = words.empty() ? "" : ", not " + excerpt(words[0]);
-            throw usage("completion takes the name of a shell: bash" + given);
+    Candidates candidates(const Completing& at) override {
+        Candidates shells;
+        if (at.before.empty()) {
+            for (const CompletionScript& script : completionScripts()) {
+                shells.push_back({std::string(script.shell)});
+            }
         }
-        environment.output.write(bashCompletion());
-        return ExitStatus::ANSWERED;
+        return shells;
+    }
+
+    ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
+        std::vector<std::string> shells;
+        for (const CompletionScript& script : completionScripts()) {
+            if (words.size() == 1 && words[0] == script.shell) {
+                environment.output.write(script.text);
+                return ExitStatus::ANSWERED;
+            }
+            shells.emplace_back(script.shell);
+        }
+        const std::string given = words.empty() ? "" : ", not " + excerpt(words[0]);
+        throw usage("completion takes the name of a shell: " + joined(shells) + given);
     }
 };
 

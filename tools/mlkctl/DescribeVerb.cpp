@@ -39,6 +39,14 @@ class DescribeVerb : public Verb {
     std::string_view name() const override { return "describe"; }
     std::string help() const override { return kHelp; }
     bool takesWords() const override { return true; }
+    Candidates candidates(const Completing& at) override {
+        if (at.before.empty()) {
+            return interfaceCandidates(at.current);
+        }
+        const Interface* interface = findInterface(at.before[0]);
+        return interface != nullptr && at.before.size() == 1 ? methodCandidates(*interface)
+                                                             : Candidates();
+    }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
         environment.output.write(description(words));

@@ -56,6 +56,9 @@ class GetVerb : public Verb {
     }
     bool hasValue(std::string_view option) const override { return option == "--timeout"; }
     bool takesWords() const override { return true; }
+    Candidates candidates(const Completing& at) override {
+        return argumentCandidates(projectInterface().method("getConfig"), at.before, at);
+    }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
         if (words.empty() || words.size() > 2) {

@@ -32,6 +32,12 @@ std::vector<V1_0::ConfigKeyValue> itemsOf(Services& services, const std::string&
     });
 }
 
+std::vector<uint32_t> countriesOf(Services& services) {
+    return services.ask(projectInterface(), [](IBase& object) {
+        return std::vector<uint32_t>(ask(object, &IMlkProjectConfigs::getCountryList));
+    });
+}
+
 bool lacksBrackets(const std::string& section) {
     return section.empty() || section.front() != '[' || section.back() != ']';
 }

@@ -14,6 +14,9 @@ namespace mlk::ctl {
 /** All items of a section. Throws Failure as Services::ask does. */
 std::vector<V1_0::ConfigKeyValue> itemsOf(Services& services, const std::string& section);
 
+/** The numbers of the countries that the set can be installed in. Throws as itemsOf does. */
+std::vector<uint32_t> countriesOf(Services& services);
+
 /** Whether a section is written without brackets, which most have. */
 bool lacksBrackets(const std::string& section);
 

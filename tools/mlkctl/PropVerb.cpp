@@ -129,6 +129,22 @@ class PropVerb : public Verb {
     std::string_view name() const override { return "prop"; }
     std::string help() const override { return kHelp; }
     bool takesWords() const override { return true; }
+    Candidates candidates(const Completing& at) override {
+        if (at.before.empty()) {
+            return {{"list", "all properties"}, {"get", "a value"}, {"set", "set a value"}};
+        }
+        if (at.before.size() > 1) {
+            return {};
+        }
+        if (at.before[0] == "list") {
+            return {{"--json"}};
+        }
+        Candidates keys;
+        for (const auto& [key, value] : allProperties()) {
+            keys.push_back({key, value});
+        }
+        return keys;
+    }
 
     ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
         if (words.empty()) {

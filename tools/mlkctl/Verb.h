@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/common/Output.h"
+#include "tools/mlkctl/Completing.h"
 #include "tools/mlkctl/Failure.h"
 #include "tools/mlkctl/Services.h"
 
@@ -61,6 +62,12 @@ class Verb {
     virtual bool hasValue(std::string_view /* option */) const { return false; }
 
     /**
+     * What may stand at a place of its words, for a shell's completion. It may have more than
+     * begins with the word so far.
+     */
+    virtual Candidates candidates(const Completing& /* at */) { return {}; }
+
+    /**
      * Does the work. It need not flush its output. Throws Failure, or std::system_error if the
      * system refuses.
      */
@@ -79,7 +86,10 @@ std::unique_ptr<Verb> makeShowVerb();
 std::unique_ptr<Verb> makePropVerb();
 std::unique_ptr<Verb> makeCompletionVerb();
 
-/** One verb of each kind, in the order of the manual. */
+/** For the scripts of a shell: not in the manual. */
+std::unique_ptr<Verb> makeCompleteVerb();
+
+/** One verb of each kind that the manual has, in its order. */
 std::vector<std::unique_ptr<Verb>> makeVerbs();
 
 }  // namespace mlk::ctl

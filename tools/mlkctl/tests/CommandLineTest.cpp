@@ -88,6 +88,15 @@ TEST(CommandLineTest, EveryCommandHasAManualPage) {
     }
 }
 
+TEST(CommandLineTest, TheManualHasAllPages) {
+    Script script;
+    std::string expected = runMlkctl({"--help"}, script).out + '\f';
+    for (const auto& verb : makeVerbs()) {
+        expected += verb->help() + '\f';
+    }
+    EXPECT_EQ(runMlkctl({"--manual"}, script).out, expected);
+}
+
 // Runs a command line whose output goes to this descriptor.
 Outcome runWritingTo(int descriptor, const Words& words) {
     Script script;

@@ -140,8 +140,8 @@ TEST(ServicesTest, AnObjectIsLookedForOnce) {
     EXPECT_EQ(found, 1);
 }
 
-// A call that never ends costs its own answer; those before it keep theirs, and those after it are
-// made of an object that is looked up again.
+// A call that never ends loses only its own answer. Calls before it keep theirs; calls after it go
+// to an object that is looked up again.
 TEST(ServicesTest, ACallThatHangsIsLeftBehindAndTheRestIsMade) {
     Script script;
     int found = 0;

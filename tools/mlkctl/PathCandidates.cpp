@@ -1,0 +1,66 @@
+#include "tools/mlkctl/PathCandidates.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tools/mlkctl/Mounts.h"
+
+namespace mlk::ctl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// What is in the folder of a path and has the path as its beginning, in alphabetical order.
+Candidates entriesAt(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+    const std::string begin = path.substr(folder.size());
+    Candidates candidates;
+    std::error_code error;
+    fs::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        const bool isHidden = name.front() == '.' && begin.empty();
+        if (isHidden || name.rfind(begin, 0) != 0) {
+            continue;
+        }
+        std::error_code ignored;
+        candidates.push_back({folder + name + (entry->is_directory(ignored) ? "/" : "")});
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& one, const Candidate& other) { return one.value < other.value; });
+    return candidates;
+}
+
+}  // namespace
+
+Candidates pathCandidates(const Completing& at) {
+    Candidates candidates = entriesAt(at.current);
+    const bool isEmpty = at.current.empty();
+    if (!isEmpty && (!candidates.empty() || !beginsWithPartition(at.current))) {
+        return candidates;
+    }
+    try {
+        const Mounts mounts = mountsOf(at.services);
+        if (isEmpty) {
+            for (const Mounts::Mount& mount : mounts.all()) {
+                candidates.push_back({mount.mountPoint + '/', mount.name});
+            }
+        } else if (const auto meant = mounts.find(at.current)) {
+            return entriesAt(meant->path);
+        }
+    } catch (const Failure&) {
+        // Without a service nobody knows the mount points.
+    }
+    return candidates;
+}
+
+bool standsForPath(const std::string& word, const Candidates& candidates) {
+    return beginsWithPartition(word) && !candidates.empty() &&
+           std::all_of(candidates.begin(), candidates.end(), [&word](const Candidate& candidate) {
+               return candidate.value.front() == '/' && candidate.value.rfind(word, 0) != 0;
+           });
+}
+
+}  // namespace mlk::ctl
