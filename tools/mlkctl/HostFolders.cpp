@@ -1,14 +1,13 @@
 #include "tools/mlkctl/HostFolders.h"
 
-#include <dirent.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <vector>
+
+#include "tools/mlkctl/Folder.h"
 
 namespace mlk::ctl {
 
@@ -44,27 +43,13 @@ std::string advice() {
     return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to the folder of the service" : "";
 }
 
-struct Folder {
-    int error;                       // an errno if it cannot be read
-    std::vector<std::string> names;  // sorted, without hidden ones
-};
-
-Folder readFolder(const std::string& path) {
-    struct Closer {
-        void operator()(DIR* folder) const { (void)closedir(folder); }
-    };
-    const std::unique_ptr<DIR, Closer> folder(opendir(path.c_str()));
-    if (folder == nullptr) {
-        return {errno, {}};
-    }
-    Folder result{0, {}};
-    while (const dirent* entry = readdir(folder.get())) {
-        if (entry->d_name[0] != '.') {
-            result.names.emplace_back(entry->d_name);
-        }
-    }
-    std::sort(result.names.begin(), result.names.end());
-    return result;
+// What is in the folder, without hidden names: those of the runtime itself.
+Folder visible(const std::string& path) {
+    Folder folder = readFolder(path);
+    folder.names.erase(std::remove_if(folder.names.begin(), folder.names.end(),
+                                      [](const std::string& name) { return name[0] == '.'; }),
+                       folder.names.end());
+    return folder;
 }
 
 // What is in a folder: "does not exist", "is empty", "holds a, b, c and 2 more".
@@ -119,14 +104,14 @@ std::string aboutSockets() {
         return {};
     }
     return "; sockets are looked for in " + namedRuntimeFolder() + ", which " +
-           contentOf(readFolder(runtimeFolder())) + advice();
+           contentOf(visible(runtimeFolder())) + advice();
 }
 
 std::string aboutSocket(const std::string& name) {
     if (!kIsHost) {
         return {};
     }
-    const Folder folder = readFolder(runtimeFolder());
+    const Folder folder = visible(runtimeFolder());
     if (std::binary_search(folder.names.begin(), folder.names.end(), name)) {
         return ": no process serves the socket " + name + " in " + namedRuntimeFolder();
     }
@@ -143,7 +128,7 @@ std::string aboutProperties() {
         return {};
     }
     return propertyFolder() + (variable("MLK_ROOT").empty() ? " (MLK_ROOT is not set) " : " ") +
-           contentOf(readFolder(propertyFolder()));
+           contentOf(visible(propertyFolder()));
 }
 
 }  // namespace mlk::ctl

@@ -1,15 +1,15 @@
 #include "tools/mlkctl/PathCandidates.h"
 
-#include <algorithm>
-#include <filesystem>
+#include <sys/stat.h>
 
+#include <algorithm>
+
+#include "tools/mlkctl/Folder.h"
 #include "tools/mlkctl/Mounts.h"
 
 namespace mlk::ctl {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // What is in the folder of a path and has the path as its beginning, in alphabetical order.
 Candidates entriesAt(const std::string& path) {
@@ -17,19 +17,16 @@ Candidates entriesAt(const std::string& path) {
     const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
     const std::string begin = path.substr(folder.size());
     Candidates candidates;
-    std::error_code error;
-    fs::directory_iterator entry(folder.empty() ? "." : folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+    for (const std::string& name : readFolder(folder.empty() ? "." : folder).names) {
         const bool isHidden = name.front() == '.' && begin.empty();
         if (isHidden || name.rfind(begin, 0) != 0) {
             continue;
         }
-        std::error_code ignored;
-        candidates.push_back({folder + name + (entry->is_directory(ignored) ? "/" : "")});
+        struct stat status {};
+        const bool isFolder =
+                stat((folder + name).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        candidates.push_back({folder + name + (isFolder ? "/" : "")});
     }
-    std::sort(candidates.begin(), candidates.end(),
-              [](const Candidate& one, const Candidate& other) { return one.value < other.value; });
     return candidates;
 }
 
