@@ -38,11 +38,14 @@ Exit status:
 Environment, on a host:
   MLK_RUNTIME_DIR   where the service's sockets are; default $XDG_RUNTIME_DIR/mlkconfigs,
                     else /run/mlkconfigs
-  MLK_ROOT          the folder of the set, whose properties `prop` shows; default /
+  MLK_ROOT          the folder of the set, whose properties prop and watch show; default /
+  NO_COLOR          show writes no colours to a terminal if it is set
   ANDROID_LOG_TAGS  which log lines of mlkctl's own go to standard error, default *:I
 
 Examples:
   mlkctl wait && mlkctl show
+  mlkctl get LiveTV TvConfig
+  mlkctl describe getHDMIEdidPath
   mlkctl call IMlkProjectConfigs getPanelName
   mlkctl call IMlkTvConfigs setFlag HBBTV true
   . <(mlkctl completion bash)

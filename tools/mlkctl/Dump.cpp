@@ -125,6 +125,8 @@ DumpedSet parseDump(std::string_view dump) {
             items->push_back(std::move(*item));
         } else if (line.rfind("Audio configuration file:", 0) == 0) {
             items = &set.audioItems;
+        } else if (auto index = after(line, "Project ID: ")) {
+            set.projectId = std::move(*index);
         } else if (auto system = after(line, "Sys ini file: ")) {
             set.systemFile = std::move(*system);
         } else if (auto project = after(line, "Project ini file: ")) {

@@ -28,6 +28,7 @@ struct DumpedItem {
 
 /** What the dump tells of a set. */
 struct DumpedSet {
+    std::string projectId;               // the index of the model
     std::string systemFile;              // which selects models
     std::string projectFile;             // of the model; empty if none is selected
     std::string boardFile;               // empty if there is none

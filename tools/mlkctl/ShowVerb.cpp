@@ -135,7 +135,8 @@ std::string modelLine(const Mounts& mounts, Services& services) {
     return "This set has no model: " +
            (set.systemFile.empty()
                     ? "there is no system file that lists models."
-                    : printable(mounts.asWritten(set.systemFile)) + " has none for the index.");
+                    : printable(mounts.asWritten(set.systemFile)) + " has none of index " +
+                              printable(set.projectId) + '.');
 }
 
 // Colours for a person who wants them.

@@ -121,10 +121,10 @@ TEST_F(ShowLayoutTest, FitsSixtyColumns) {
 
 TEST_F(ShowLayoutTest, ASetWithoutAModelSaysSo) {
     mScript.dump =
-            "ProjectConfigs:\n  Sys ini file: /set/tvconfigs/system/s.ini\n"
+            "ProjectConfigs:\n  Project ID: 9\n  Sys ini file: /set/tvconfigs/system/s.ini\n"
             "  Project ini file: \n  Board ini file: \n";
-    EXPECT_THAT(show(), StartsWith("This set has no model: /tvconfigs/system/s.ini has none for\n"
-                                   "the index.\n\nProject\n"));
+    EXPECT_THAT(show(), StartsWith("This set has no model: /tvconfigs/system/s.ini has none of\n"
+                                   "index 9.\n\nProject\n"));
     mScript.dump = "ProjectConfigs:\n  Sys ini file: \n  Project ini file: \n";
     EXPECT_THAT(show(), StartsWith("This set has no model: there is no system file that lists\n"
                                    "models.\n\nProject\n"));
