@@ -13,9 +13,10 @@ uint8_t byteAt(std::string_view text, size_t position) {
     return static_cast<uint8_t>(text[position]);
 }
 
-// The length of the valid UTF-8 sequence at the position; 0 if it is not valid. The range of the
-// second byte depends on the first: it excludes overlong forms, surrogates and code points beyond
-// U+10FFFF.
+}  // namespace
+
+// The range of the second byte depends on the first: it excludes overlong forms, surrogates and
+// code points beyond U+10FFFF.
 size_t sequenceLength(std::string_view text, size_t position) {
     struct Row {
         uint8_t first, last;              // range of the first byte
@@ -51,6 +52,8 @@ size_t sequenceLength(std::string_view text, size_t position) {
     }
     return 0;
 }
+
+namespace {
 
 void appendHexByte(std::string& out, std::string_view prefix, uint8_t byte) {
     out += prefix;

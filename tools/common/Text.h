@@ -34,6 +34,9 @@ std::string printable(std::string_view text);
 /** A text of several lines for a terminal: as printable(), but newlines and tabs stay. */
 std::string forTerminal(std::string_view text);
 
+/** The length of the valid UTF-8 sequence at the position; 0 if it is not valid. */
+size_t sequenceLength(std::string_view text, size_t position);
+
 /** The bytes in base64 with padding (RFC 4648). */
 std::string base64(const uint8_t* bytes, size_t size);
 

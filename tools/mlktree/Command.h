@@ -34,6 +34,7 @@ enum class Completion {
     SECTION,
     KEY, /**< of the section that the word before names */
     FEATURE,
+    EXPLAINED, /**< the words that say what explain shall explain */
 };
 
 /** One option of a command. */

@@ -79,6 +79,11 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
             return addCommands(out.words);
         case Completion::RULE:
             return addRules(out.words);
+        case Completion::EXPLAINED:
+            for (const char* word : {"feature", "audio", "country", "file"}) {
+                out.words.push_back({word, ""});
+            }
+            return;
         case Completion::SHELL:
             for (const ShellScript& shell : completionScripts()) {
                 out.words.push_back({std::string(shell.name), ""});

@@ -1,5 +1,6 @@
 #include "tools/mlktree/ShownLine.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdint>
 #include <cwchar>
@@ -15,11 +16,7 @@ constexpr size_t kTab = 4;
 
 // The bytes of one character of the text, or one byte that is no UTF-8.
 std::string_view nextPiece(std::string_view text, size_t at) {
-    const auto lead = static_cast<uint8_t>(text[at]);
-    size_t length = lead < 0xc0 ? 1 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
-    const std::string_view piece = text.substr(at, length);
-    // printable() leaves a valid character as it is, and knows which are.
-    return piece.size() == length && printable(piece) == piece ? piece : text.substr(at, 1);
+    return text.substr(at, std::max<size_t>(sequenceLength(text, at), 1));
 }
 
 uint32_t codePointOf(std::string_view piece) {
@@ -107,16 +104,6 @@ std::string shownText(std::string_view text) {
         at += piece.size();
     }
     return out;
-}
-
-size_t displayWidth(std::string_view text) {
-    size_t width = 0;
-    for (size_t at = 0; at < text.size();) {
-        const std::string_view piece = nextPiece(text, at);
-        width += widthOf(codePointOf(piece));
-        at += piece.size();
-    }
-    return width;
 }
 
 size_t codePointColumn(std::string_view bytes, size_t column) {

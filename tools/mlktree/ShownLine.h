@@ -23,9 +23,6 @@ struct ShownLine {
  */
 ShownLine shownLine(std::string_view bytes, size_t column, size_t width = 100);
 
-/** How many columns of a terminal a text takes that holds no control characters. */
-size_t displayWidth(std::string_view text);
-
 /** A column in bytes as the number of code points before it, from 1; 0 stays 0. */
 size_t codePointColumn(std::string_view bytes, size_t column);
 

@@ -1,7 +1,9 @@
 #include "tools/mlktree/TreeNames.h"
 
+#include <filesystem>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/OpenTree.h"
@@ -88,12 +90,25 @@ std::vector<Candidate> namesIn(const OpenTree& tree, Completion kind, const std:
     }
 }
 
+// TREE of a command line that may be unfinished: its last word that names a tree.
+std::string treeWordOf(const Arguments& given) {
+    for (auto word = given.words().rbegin(); word != given.words().rend(); ++word) {
+        std::error_code error;
+        if (std::filesystem::is_directory(std::filesystem::path(*word) / "tvconfigs", error)) {
+            return *word;
+        }
+    }
+    return "";
+}
+
 }  // namespace
 
 std::vector<Candidate> ReadTreeNames::of(Completion kind, const Arguments& given,
                                          const std::string& section) {
     try {
-        return namesIn(OpenTree(given, given.value("--tree"), mEnvironment, {}), kind, section);
+        return namesIn(
+                OpenTree(given, given.has("--tree") ? "" : treeWordOf(given), mEnvironment, {}),
+                kind, section);
     } catch (const std::exception&) {
         // No tree, no names: a shell must not be told about it.
         return {};

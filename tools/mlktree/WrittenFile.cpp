@@ -17,16 +17,18 @@ UsageError notWritten(const std::string& path, const std::error_code& code) {
     return UsageError(path + " cannot be written: " + code.message());
 }
 
+int openedForWriting(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        throw notWritten(path, {errno, std::generic_category()});
+    }
+    return descriptor;
+}
+
 }  // namespace
 
 WrittenFile::WrittenFile(const std::string& path)
-    : mPath(path),
-      mDescriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
-      mOutput(mDescriptor) {
-    if (mDescriptor < 0) {
-        throw notWritten(path, {errno, std::generic_category()});
-    }
-}
+    : mPath(path), mDescriptor(openedForWriting(path)), mOutput(mDescriptor) {}
 
 WrittenFile::~WrittenFile() {
     if (mDescriptor >= 0) {
