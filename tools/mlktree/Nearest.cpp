@@ -82,6 +82,10 @@ std::string_view nearest(std::string_view word, const std::vector<std::string_vi
     return bestDistance <= limit ? best : std::string_view();
 }
 
+bool isMeant(std::string_view word, std::string_view candidate) {
+    return !nearest(word, {candidate}).empty();
+}
+
 std::string meant(std::string_view name) {
     return name.empty() ? std::string() : " (is \"" + std::string(name) + "\" meant?)";
 }

@@ -23,6 +23,9 @@ size_t distanceOf(std::string_view one, std::string_view other);
  */
 std::string_view nearest(std::string_view word, const std::vector<std::string_view>& candidates);
 
+/** True if the candidate is near the word; see nearest(). */
+bool isMeant(std::string_view word, std::string_view candidate);
+
 /** ` (is "NAME" meant?)`, or an empty text if the name is empty: for the end of a message. */
 std::string meant(std::string_view name);
 

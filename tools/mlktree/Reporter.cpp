@@ -9,6 +9,8 @@ namespace {
 
 // An element's attributes may stand on the lines after its name.
 constexpr size_t kLinesOfElement = 8;
+// An XML file may be one line of many megabytes.
+constexpr size_t kMostOfLine = 4096;
 
 bool isPartOf(std::string_view part, std::string_view text) {
     return part.data() >= text.data() && part.data() + part.size() <= text.data() + text.size();
@@ -18,7 +20,8 @@ Place placeInXml(const ProductLine& line, const FileLines& file, const ReadLine&
                  std::string_view needle) {
     Place place{file.path(), read.number, 0};
     for (size_t i = 0; i < kLinesOfElement; ++i) {
-        const std::string_view source = line.sources().line(file.path(), read.number + i);
+        const std::string_view source =
+                line.sources().line(file.path(), read.number + i).substr(0, kMostOfLine);
         const size_t found = source.find(needle);
         if (found != std::string_view::npos) {
             place.line = read.number + i;
@@ -29,7 +32,8 @@ Place placeInXml(const ProductLine& line, const FileLines& file, const ReadLine&
             break;
         }
     }
-    const size_t begin = line.sources().line(file.path(), read.number).find('<');
+    const size_t begin =
+            line.sources().line(file.path(), read.number).substr(0, kMostOfLine).find('<');
     place.column = begin != std::string_view::npos ? begin + 1 : 0;
     return place;
 }

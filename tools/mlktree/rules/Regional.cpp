@@ -58,24 +58,42 @@ std::string pathOf(const ProductLine& line, std::string_view value) {
     return line.tree().relative(line.tree().hostOfWritten(value));
 }
 
-const TvSystemFiles* systemsAt(const ProductLine& line, std::string_view value) {
-    const auto& all = line.tvSystems();
-    const std::string path = pathOf(line, value);
-    const auto found = std::find_if(all.begin(), all.end(), [&](const TvSystemFiles& files) {
-        return files.file->path() == path;
-    });
-    return !value.empty() && found != all.end() ? &*found : nullptr;
-}
+// The files of a line by their paths.
+class FilesByPath {
+  public:
+    explicit FilesByPath(const ProductLine& line) : mLine(line) {
+        for (const TvSystemFiles& files : line.tvSystems()) {
+            mSystems.emplace(files.file->path(), &files);
+        }
+        for (const PlanFiles& files : line.planFolders()) {
+            mPlans.emplace(files.folder->path(), &files);
+        }
+    }
 
-const PlanFiles* plansAt(const ProductLine& line, std::string_view value) {
-    const auto& all = line.planFolders();
-    const std::string path = value.empty() ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
-                                           : pathOf(line, value);
-    const auto found = std::find_if(all.begin(), all.end(), [&](const PlanFiles& files) {
-        return files.folder->path() == path;
-    });
-    return found != all.end() ? &*found : nullptr;
-}
+    RegionalSet setOf(std::string_view list, std::string_view systems,
+                      std::string_view plans) const {
+        const std::string folder = plans.empty()
+                                           ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
+                                           : pathOf(mLine, plans);
+        RegionalSet set;
+        set.list = list.empty() ? nullptr : mLine.find(pathOf(mLine, list));
+        set.systems = systems.empty() ? nullptr : at(mSystems, pathOf(mLine, systems));
+        set.plans = at(mPlans, folder);
+        return set;
+    }
+
+  private:
+    template <typename Files>
+    static const Files* at(const std::map<std::string, const Files*>& all,
+                           const std::string& path) {
+        const auto found = all.find(path);
+        return found != all.end() ? found->second : nullptr;
+    }
+
+    const ProductLine& mLine;
+    std::map<std::string, const TvSystemFiles*> mSystems;
+    std::map<std::string, const PlanFiles*> mPlans;
+};
 
 }  // namespace
 
@@ -121,6 +139,11 @@ std::string flawAtEnds(std::string_view text) {
     const bool isAtEnd = core.data() + core.size() < text.data() + text.size();
     return isAtEnd ? nameOf(text.back()) + std::string(" at its end")
                    : nameOf(text.front()) + std::string(" at its beginning");
+}
+
+bool hasCountries(const FileLines& list) {
+    return std::any_of(list.lines().begin(), list.lines().end(),
+                       [](const ReadLine& read) { return read.use == LineUse::ITEM; });
 }
 
 bool hasBlankInElement(const ReadLine& read) {
@@ -171,47 +194,54 @@ std::vector<RegionalSet> regionalSetsOf(const ProductLine& line) {
                            fileNamed(line, model, board, product::item::kChannelPlans));
         }
     }
+    const FilesByPath files(line);
     std::vector<RegionalSet> sets;
     for (const auto& [list, systems, plans] : values) {
-        RegionalSet set;
-        set.list = list.empty() ? nullptr : line.find(pathOf(line, list));
-        set.systems = systemsAt(line, systems);
-        set.plans = plansAt(line, plans);
-        sets.push_back(set);
+        sets.push_back(files.setOf(list, systems, plans));
     }
     return sets;
 }
 
-void FindingGroups::add(std::string group, Place place, std::string message,
+void FindingGroups::add(const std::string& group, Place place, std::string message,
                         std::vector<Related> related) {
-    const auto [position, isNew] =
-            mPositions.try_emplace(place.file + '\n' + group, mGroups.size());
-    if (isNew) {
-        mGroups.push_back(
-                {std::move(group), std::move(place), std::move(message), std::move(related), {}});
+    constexpr size_t kMostRelated = 3;
+    const std::string name = place.file + '\n' + group;
+    const auto position = mPositions.find(name);
+    if (position != mPositions.end()) {
+        Group& first = mGroups[position->second];
+        if (first.last.line != place.line || first.last.column != place.column) {
+            first.last = place;
+            if (++first.more <= kMostRelated) {
+                first.related.push_back({std::move(place), "here, too"});
+            }
+        }
         return;
     }
-    Group& first = mGroups[position->second];
-    const Place& last = first.more.empty() ? first.place : first.more.back();
-    if (last.line != place.line || last.column != place.column) {
-        first.more.push_back(std::move(place));
+    if (isFull(place.file)) {
+        return;
     }
+    if (++mCounts[place.file] == kMostOfFile) {
+        message += "; there may be more such findings in this file";
+    }
+    mPositions.emplace(name, mGroups.size());
+    mGroups.push_back({place, std::move(message), std::move(related), 0, place});
+}
+
+bool FindingGroups::isFull(const std::string& file) const {
+    const auto count = mCounts.find(file);
+    return count != mCounts.end() && count->second >= kMostOfFile;
 }
 
 void FindingGroups::report(Reporter& reporter) {
-    constexpr size_t kMostRelated = 3;
     for (Group& group : mGroups) {
-        const size_t count = group.more.size();
-        if (count > 0) {
-            group.message += " (and " + std::to_string(count) + " more like it in this file)";
-        }
-        for (size_t i = 0; i < std::min(count, kMostRelated); ++i) {
-            group.related.push_back({std::move(group.more[i]), "here, too"});
+        if (group.more > 0) {
+            group.message += " (and " + std::to_string(group.more) + " more like it in this file)";
         }
         reporter.report(std::move(group.place), std::move(group.message), std::move(group.related));
     }
     mGroups.clear();
     mPositions.clear();
+    mCounts.clear();
 }
 
 }  // namespace mlk::tree

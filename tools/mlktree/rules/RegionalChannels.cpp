@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/ProductLineBuilder.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/RegionalPlan.h"
@@ -21,6 +22,10 @@ namespace element = product::element;
 
 bool isDigitalElement(std::string_view name) {
     return name == element::kDtvAntenna || name == element::kDtvCable;
+}
+
+bool isPlanElement(std::string_view name) {
+    return isDigitalElement(name) || name == element::kAtvAntenna || name == element::kAtvCable;
 }
 
 void checkEmpty(const ProductLine& line, Reporter& reporter) {
@@ -44,11 +49,20 @@ void checkEmpty(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// True if an element names the plan that has a finding, so that it is not read.
-bool isNamedInVain(const FileLines& map, const std::string& plan) {
-    return std::any_of(map.lines().begin(), map.lines().end(), [&](const ReadLine& read) {
-        return trimmed(read.value) == plan &&
-               (read.use == LineUse::IGNORED || hasBlankInElement(read));
+// True if an element that has a finding for its name was probably meant to name the plan.
+bool isNamedInVain(const ProductLine& line, const PlanFiles& plans, const std::string& folder,
+                   const std::string& plan) {
+    constexpr size_t kMostMistakes = 2;  // names of plans have most letters in common
+    const bool isDigital = folder == plans.folder->path() + product::kDtvPlansFolder;
+    const auto& all = plans.map->lines();
+    return std::any_of(all.begin(), all.end(), [&](const ReadLine& read) {
+        if (trimmed(read.value) == plan) {
+            return read.use == LineUse::IGNORED || hasBlankInElement(read);
+        }
+        return read.use == LineUse::ITEM && isPlanElement(read.key) &&
+               isDigitalElement(read.key) == isDigital &&
+               !isUsable(line.find(folder + std::string(read.value))) &&
+               distanceOf(read.value, plan) <= kMostMistakes;
     });
 }
 
@@ -61,7 +75,8 @@ void checkUnused(const ProductLine& line, Reporter& reporter) {
         for (const char* const kind : {product::kDtvPlansFolder, product::kAtvPlansFolder}) {
             const std::string folder = plans.folder->path() + kind;
             for (const std::string& name : filesIn(line.tree().host(folder), "")) {
-                if (line.namings(folder + name).empty() && !isNamedInVain(*plans.map, name)) {
+                if (line.namings(folder + name).empty() &&
+                    !isNamedInVain(line, plans, folder, name)) {
                     reporter.reportIn({}, {folder + name, 0, 0},
                                       "no country of " + plans.map->path() + " has this plan");
                 }
@@ -85,7 +100,7 @@ constexpr Implausibility kImplausibilities[] = {
         {kLowestKhz, kHighestKhz, kLeastHz, kMostHz, 1,
          "frequency and bandwidth are exchanged: the second column is the bandwidth in Hz, the "
          "third the frequency in kHz"},
-        {kLowestKhz, kHighestKhz, -kAny, kAny, 1,
+        {kLowestKhz, kHighestKhz, -kAny, kLowestKhz - 1, 1,
          "a column is left out: the second one is the bandwidth in Hz, the third the frequency in "
          "kHz"},
         {-kAny, kAny, kLowestKhz* kThousand, kHighestKhz* kThousand, 2,
@@ -135,8 +150,10 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
     for (const FileLines* const plan : plansOf(line)) {
         std::map<std::tuple<int32_t, int32_t, int32_t>, const ReadLine*> frequencies;
         std::map<std::pair<uint16_t, std::string_view>, const ReadLine*> names;
-        for (const PlanChannel& channel : channelsOf(*plan)) {
-            if (channel.read->column > 1 || !isPlausible(channel)) {
+        const std::vector<PlanChannel> channels = channelsOf(*plan);
+        for (size_t i = 0; i < channels.size(); ++i) {
+            const PlanChannel& channel = channels[i];
+            if (channel.read->column > 1 || !isPlausible(channel) || isOffRaster(channels, i)) {
                 continue;
             }
             const HidlFreqListItem& item = channel.item;
@@ -160,6 +177,7 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkRaster(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
         const std::vector<PlanChannel> channels = channelsOf(*plan);
         for (size_t i = 0; i < channels.size(); ++i) {
@@ -169,7 +187,8 @@ void checkRaster(const ProductLine& line, Reporter& reporter) {
             const PlanChannel& before = channels[i - 1];
             const bool isWidth = channels[i].item.bandwidth != before.item.bandwidth;
             const int32_t expected = before.item.frequency + before.bandwidthInKhz();
-            reporter.report(
+            groups.add(
+                    std::to_string(i),
                     placeOf(line, *plan, *channels[i].read, channels[i].columns[isWidth ? 1 : 2]),
                     "channel " + channels[i].name() +
                             " does not fit between its neighbours, where there is room for " +
@@ -177,6 +196,7 @@ void checkRaster(const ProductLine& line, Reporter& reporter) {
                             std::to_string(expected) + " kHz");
         }
     }
+    groups.report(reporter);
 }
 
 // Channels of one plan that a tuner could confuse: those of one variant.

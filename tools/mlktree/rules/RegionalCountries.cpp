@@ -89,6 +89,9 @@ NameMistake mistakeIn(const FileLines& file, const ReadLine& read, std::string_v
 // What the wrong name does besides.
 std::string effectOf(FileFormat format, std::string_view name) {
     std::string effect;
+    if (countryOf(name)) {
+        return effect;
+    }
     if (format == FileFormat::COUNTRY_LIST) {
         effect = "; the set offers \"ANDORRA\" instead";
     }
@@ -98,30 +101,38 @@ std::string effectOf(FileFormat format, std::string_view name) {
     return effect;
 }
 
+// The name of a country that a line gives; nothing if it gives none, or one that does not count.
+std::optional<std::string_view> nameIn(const FileLines& file, const ReadLine& read) {
+    if (read.use != LineUse::ITEM) {
+        return std::nullopt;
+    }
+    if (file.format() == FileFormat::COUNTRY_LIST) {
+        return read.key;
+    }
+    return read.key == element::kCountryName && read.isNew ? std::optional(read.value)
+                                                           : std::nullopt;
+}
+
+bool namesCountries(FileFormat format) {
+    return format == FileFormat::COUNTRY_LIST || format == FileFormat::COUNTRY_MAP ||
+           format == FileFormat::CHANNEL_MAP;
+}
+
 void checkNames(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const auto& [path, file] : line.files()) {
-        const bool isList = file->format() == FileFormat::COUNTRY_LIST;
-        const bool isMap = file->format() == FileFormat::COUNTRY_MAP ||
-                           file->format() == FileFormat::CHANNEL_MAP;
-        if (!isList && !isMap) {
+        if (!namesCountries(file->format())) {
             continue;
         }
-        std::string_view owner;  // a block's name counts once
         for (const ReadLine& read : file->lines()) {
-            const bool isName = isList ? read.use == LineUse::ITEM
-                                       : read.key == element::kCountryName && read.isNew &&
-                                                 read.use == LineUse::ITEM;
-            if (!isName) {
-                continue;
+            const std::optional<std::string_view> name = nameIn(*file, read);
+            if (groups.isFull(path)) {
+                break;
             }
-            const std::string_view name = isList ? read.key : read.value;
-            const NameMistake mistake = mistakeIn(*file, read, name);
+            const NameMistake mistake = name ? mistakeIn(*file, read, *name) : NameMistake{};
             if (!mistake.message.empty()) {
-                const bool isNone = mistake.group == "none";
-                groups.add(mistake.group, placeOf(line, *file, read, trimmed(name)),
-                           mistake.message +
-                                   (isNone ? std::string() : effectOf(file->format(), name)));
+                groups.add(mistake.group, placeOf(line, *file, read, trimmed(*name)),
+                           mistake.message + effectOf(file->format(), *name));
             }
         }
     }
@@ -140,27 +151,27 @@ std::string repeatedMessage(FileFormat format, std::string_view country) {
 }
 
 void checkRepeated(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const auto& [path, file] : line.files()) {
-        const bool isList = file->format() == FileFormat::COUNTRY_LIST;
-        if (!isList && file->format() != FileFormat::COUNTRY_MAP &&
-            file->format() != FileFormat::CHANNEL_MAP) {
+        if (!namesCountries(file->format())) {
             continue;
         }
         std::map<std::string_view, const ReadLine*> seen;
         for (const ReadLine& read : file->lines()) {
-            if (read.use != (isList ? LineUse::ITEM : LineUse::SECTION)) {
+            const std::optional<std::string_view> name = nameIn(*file, read);
+            // Names that are wrong are reported as such.
+            if (!name || !countryOf(*name)) {
                 continue;
             }
-            const std::string_view name = isList ? read.key : read.owner;
-            const auto [first, isNew] = seen.try_emplace(name, &read);
-            // Names that are wrong are reported as such.
-            if (!isNew && countryOf(name)) {
-                reporter.report(placeOf(line, *file, read, isList ? name : std::string_view()),
-                                repeatedMessage(file->format(), name),
-                                {{placeOf(line, *file, *first->second), "the first one"}});
+            const auto [first, isNew] = seen.try_emplace(*name, &read);
+            if (!isNew) {
+                groups.add(std::string(*name), placeOf(line, *file, read, *name),
+                           repeatedMessage(file->format(), *name),
+                           {{placeOf(line, *file, *first->second, *name), "the first one"}});
             }
         }
     }
+    groups.report(reporter);
 }
 
 constexpr Rule kRules[] = {

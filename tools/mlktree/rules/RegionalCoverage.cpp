@@ -51,10 +51,13 @@ void checkShadowed(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         const std::vector<CountryBlock> blocks = blocksOf(*files.map);
+        std::set<std::string_view> countries;
         for (const CountryBlock& block : blocks) {
+            if (!countryOf(block.country()) || !countries.insert(block.country()).second) {
+                continue;
+            }
             const CountryBlock& found = *blockFoundBy(blocks, block.country());
-            if (!countryOf(block.country()) || found.country() == block.country() ||
-                bringTheSame(found, block)) {
+            if (found.country() == block.country() || bringTheSame(found, block)) {
                 continue;
             }
             reporter.report(
@@ -62,6 +65,15 @@ void checkShadowed(const ProductLine& line, Reporter& reporter) {
                     quoted(block.country()) + " finds the record of " + quoted(found.country()) +
                             ", whose name contains it; put its own record before that one",
                     {{placeOf(line, *files.map, *found.begin), "the record that it finds"}});
+        }
+    }
+}
+
+void checkEmpty(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, list] : line.files()) {
+        const bool isList = list->format() == FileFormat::COUNTRY_LIST;
+        if (isList && isUsable(list.get()) && !hasCountries(*list)) {
+            reporter.report(placeOf(*list), "the list has no country");
         }
     }
 }
@@ -74,11 +86,16 @@ struct Missing {
 
 // Names that are wrong in the map stand for some country: those are reported there.
 std::set<std::string_view> misspeltIn(const std::vector<CountryBlock>& blocks) {
-    std::set<std::string_view> meantOnes;
+    constexpr size_t kMostLookedAt = 1000;
+    std::set<std::string_view> wrong;
     for (const CountryBlock& block : blocks) {
-        if (!countryOf(block.country())) {
-            meantOnes.insert(countryMeantBy(block.country()));
+        if (!countryOf(block.country()) && wrong.size() < kMostLookedAt) {
+            wrong.insert(block.country());
         }
+    }
+    std::set<std::string_view> meantOnes;
+    for (const std::string_view name : wrong) {
+        meantOnes.insert(countryMeantBy(name));
     }
     return meantOnes;
 }
@@ -179,6 +196,9 @@ void checkPlans(const ProductLine& line, Reporter& reporter) {
 }
 
 constexpr Rule kRules[] = {
+        {"empty-list", Severity::ERROR, "a country list that a model names has no country",
+         "The menu offers no country, so that nobody can choose one.", "(an empty file)",
+         "GERMANY,DE", checkEmpty},
         {"shadowed-country", Severity::ERROR,
          "a country finds the record of another one whose name contains its own",
          "A country uses the first record of the map whose name contains the country's name, even "

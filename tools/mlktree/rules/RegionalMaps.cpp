@@ -20,7 +20,7 @@ constexpr std::string_view kPartition = "/tvconfigs";
 
 bool hasIgnoredLike(const FileLines& file, std::string_view name) {
     return std::any_of(file.lines().begin(), file.lines().end(), [name](const ReadLine& read) {
-        return read.use == LineUse::IGNORED && !nearest(read.key, {name}).empty();
+        return read.use == LineUse::IGNORED && isMeant(read.key, name);
     });
 }
 
@@ -71,7 +71,7 @@ void checkNameless(const ProductLine& line, Reporter& reporter) {
             Place place = placeOf(line, *file, read);
             std::string found;
             for (const SourceName& inner : elementsInIgnored(line, *file, read)) {
-                if (!nearest(inner.name, {element::kCountryName}).empty()) {
+                if (isMeant(inner.name, element::kCountryName)) {
                     place = inner.place;
                     found = inner.name == element::kCountryName ? ", but an empty one"
                                                                 : ", but " + quoted(inner.name);
@@ -103,7 +103,7 @@ bool lacks(const CountryBlock& block, const NeededElement& needed) {
         return read->value.empty() && !needed.mayBeEmpty;
     }
     return std::none_of(block.elements.begin(), block.elements.end(), [&](const ReadLine* other) {
-        return other->use == LineUse::IGNORED && !nearest(other->key, {needed.name}).empty();
+        return other->use == LineUse::IGNORED && isMeant(other->key, needed.name);
     });
 }
 

@@ -64,18 +64,21 @@ std::string limit() {
 }
 
 void checkSplit(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
         for (const WholeLine& whole : longLinesOf(*plan)) {
+            const std::string group = std::to_string(whole.first->number);
             if (const ReadLine* const channel = pieceOfUse(whole, LineUse::ITEM)) {
-                reporter.report(placeOf(line, *plan, *channel),
-                                limit() + ", and the rest of this one, " + quoted(channel->text) +
-                                        ", counts as a channel");
+                groups.add(group, placeOf(line, *plan, *channel),
+                           limit() + ", and the rest of this one, " + quoted(channel->text) +
+                                   ", counts as a channel");
             } else if (isChannelCut(whole)) {
-                reporter.report(placeOf(line, *plan, *whole.rest.front()),
-                                limit() + ", and the channel of this one is cut here");
+                groups.add(group, placeOf(line, *plan, *whole.rest.front()),
+                           limit() + ", and the channel of this one is cut here");
             }
         }
     }
+    groups.report(reporter);
 }
 
 void checkLong(const ProductLine& line, Reporter& reporter) {
@@ -108,12 +111,16 @@ void checkNul(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+bool startsWithDigit(std::string_view text) {
+    return isNumber(text.substr(0, 1));
+}
+
 void checkText(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
         for (const ReadLine& read : plan->lines()) {
             if (read.use == LineUse::IGNORED && read.column == 1 && !trimmed(read.text).empty() &&
-                !isNumber(read.key) && !hasByteOrderMark(read)) {
+                !startsWithDigit(read.key) && !hasByteOrderMark(read) && !read.hasNul) {
                 const bool isIndented = read.key.substr(0, 2) == "//";
                 groups.add("text", placeOf(line, *plan, read, read.key),
                            isIndented ? "a comment has its \"//\" in the first two columns"
@@ -134,6 +141,11 @@ std::string lackOf(const ReadLine& read) {
     const auto isBandwidth = [&](size_t i) {
         return isNumberBetween(columns[i], kLeastHz, kMostHz);
     };
+    for (const auto& [separator, name] : {std::pair('\t', "tabs"), std::pair(';', "semicolons")}) {
+        if (read.key.find(separator) != std::string_view::npos) {
+            return std::string("blanks or commas separate columns, not ") + name;
+        }
+    }
     if (isBandwidth(0) && isFrequency(1)) {
         return "its first column, the number of the channel, is left out";
     }
@@ -149,12 +161,9 @@ std::string lackOf(const ReadLine& read) {
 void checkFrequencies(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
-        const std::vector<WholeLine> longLines = longLinesOf(*plan);
         for (const ReadLine& read : plan->lines()) {
-            const bool isLong = std::any_of(longLines.begin(), longLines.end(),
-                                            [&](const auto& w) { return w.first == &read; });
-            if (read.use == LineUse::IGNORED && read.column == 1 && isNumber(read.key) && !isLong &&
-                !read.hasNul) {
+            if (read.use == LineUse::IGNORED && read.column == 1 && startsWithDigit(read.key) &&
+                !read.isCut && !read.hasNul) {
                 const std::string lack = lackOf(read);
                 const bool isNone = lack.front() == '"';
                 groups.add(
@@ -164,10 +173,6 @@ void checkFrequencies(const ProductLine& line, Reporter& reporter) {
         }
     }
     groups.report(reporter);
-}
-
-bool startsWithDigit(std::string_view text) {
-    return isNumber(text.substr(0, 1));
 }
 
 void checkNumbers(const ProductLine& line, Reporter& reporter) {

@@ -96,7 +96,7 @@ void checkSaved(const ProductLine& line, Reporter& reporter) {
         message = "the file has no country, and the set starts in none";
     } else if (country.empty()) {
         message = "no country has the number " + std::to_string(holder.currentCountry());
-    } else if (isUsable(list) && !offers(*list, country)) {
+    } else if (isUsable(list) && hasCountries(*list) && !offers(*list, country)) {
         message =
                 "the set is in " + quoted(country) + ", which " + list->path() + " does not offer";
     }
@@ -110,7 +110,7 @@ void checkFirst(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const RegionalSet& set : regionalSetsOf(line)) {
         const FileLines* const map = set.systems != nullptr ? set.systems->map : nullptr;
-        if (!isUsable(set.list) || !isUsable(map)) {
+        if (!isUsable(set.list) || !isUsable(map) || !hasCountries(*set.list)) {
             continue;
         }
         const std::vector<CountryBlock> blocks = blocksOf(*map);

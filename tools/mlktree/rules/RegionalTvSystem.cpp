@@ -11,13 +11,6 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-bool names(const ProductLine& line, const FileLines* file, const std::string& path) {
-    const ReadLine* const read = file != nullptr ? file->find(product::item::kTvSystems.category,
-                                                              product::item::kTvSystems.key)
-                                                 : nullptr;
-    return read != nullptr && line.tree().relative(line.tree().hostOfWritten(read->value)) == path;
-}
-
 // Items that are counted, such as sockets, differ by their digits on purpose.
 bool differInDigitsOnly(std::string_view one, std::string_view other) {
     const auto withoutDigits = [](std::string_view text) {
@@ -53,18 +46,24 @@ std::string withBrackets(std::string_view category) {
     return "[" + std::string(text) + "]";
 }
 
-ItemsOfModels::ItemsOfModels(const ProductLine& line, const TvSystemFiles& files) {
+ItemsOfModels::ItemsOfModels(const ProductLine& line, const TvSystemFiles& files)
+    : mSystems(*files.file) {
+    std::set<const FileLines*> named;
+    for (const Naming& naming : line.namings(mSystems.path())) {
+        named.insert(naming.file);
+    }
+    const auto isNamed = [&](const FileLines* file) { return named.count(file) > 0; };
+    const bool isOfBoard =
+            std::any_of(line.boards().begin(), line.boards().end(),
+                        [&](const Board& b) { return b.file != nullptr && isNamed(b.file); });
     std::set<const FileLines*> seen;
     const auto add = [&](const FileLines* file) {
         if (isUsable(file) && seen.insert(file).second) {
             mFiles.push_back(file);
         }
     };
-    const bool isOfBoard = std::any_of(
-            line.boards().begin(), line.boards().end(),
-            [&](const Board& board) { return names(line, board.file, files.file->path()); });
     for (const Model& model : line.models()) {
-        if (model.counts && (isOfBoard || names(line, model.file, files.file->path()))) {
+        if (model.counts && (isOfBoard || isNamed(model.file))) {
             add(model.file);
         }
     }
@@ -86,46 +85,56 @@ bool ItemsOfModels::mayLack(const ReadLine& item) const {
            flawAtEnds(item.key).empty() && !has({item.section, item.key});
 }
 
-ItemName ItemsOfModels::nearestTo(const ReadLine& item, const FileLines& file) const {
-    const auto& known = sections();
-    std::set<ItemName> own;
-    for (const ReadLine* const other : itemsOf(file)) {
-        if (other->owner == item.owner) {
-            own.insert({other->section, other->key});
+ItemName ItemsOfModels::nearestTo(const ReadLine& item) {
+    constexpr size_t kMostSearches = 1000;  // of one file; nobody reads more findings
+    const OwnedName wanted{item.owner, {item.section, item.key}};
+    const auto found = mFound.find(wanted);
+    if (found != mFound.end()) {
+        return found->second;
+    }
+    if (mFound.empty()) {
+        collect();
+    }
+    const ItemName near = mFound.size() < kMostSearches ? search(wanted) : ItemName{};
+    mFound.emplace(wanted, near);
+    return near;
+}
+
+void ItemsOfModels::collect() {
+    for (const ReadLine* const read : itemsOf(mSystems)) {
+        mOwn.insert({read->owner, {read->section, read->key}});
+    }
+    for (const FileLines* const file : mFiles) {
+        for (const ReadLine& read : file->lines()) {
+            if (read.use == LineUse::ITEM) {
+                mSections[read.section].insert(read.key);
+            }
         }
     }
-    if (const auto section = known.find(item.section); section != known.end()) {
+}
+
+ItemName ItemsOfModels::search(const OwnedName& wanted) const {
+    const auto& [owner, name] = wanted;
+    if (const auto section = mSections.find(name.section); section != mSections.end()) {
         std::vector<std::string_view> keys;
         for (const std::string_view key : section->second) {
-            if (own.count({item.section, key}) == 0 && !differInDigitsOnly(key, item.key)) {
+            if (mOwn.count({owner, {name.section, key}}) == 0 &&
+                !differInDigitsOnly(key, name.key)) {
                 keys.push_back(key);
             }
         }
-        if (const std::string_view key = nearest(item.key, keys); !key.empty()) {
-            return {item.section, key};
+        if (const std::string_view key = nearest(name.key, keys); !key.empty()) {
+            return {name.section, key};
         }
     }
-    std::vector<std::string_view> names;
-    for (const auto& [section, keys] : known) {
-        if (keys.count(item.key) > 0 && own.count({section, item.key}) == 0) {
-            names.push_back(section);
+    std::vector<std::string_view> sections;
+    for (const auto& [section, keys] : mSections) {
+        if (keys.count(name.key) > 0 && mOwn.count({owner, {section, name.key}}) == 0) {
+            sections.push_back(section);
         }
     }
-    const std::string_view section = nearest(item.section, names);
-    return section.empty() ? ItemName{} : ItemName{section, item.key};
-}
-
-const std::map<std::string_view, std::set<std::string_view>>& ItemsOfModels::sections() const {
-    if (mSections.empty()) {
-        for (const FileLines* const file : mFiles) {
-            for (const ReadLine& read : file->lines()) {
-                if (read.use == LineUse::ITEM) {
-                    mSections[read.section].insert(read.key);
-                }
-            }
-        }
-    }
-    return mSections;
+    const std::string_view section = nearest(name.section, sections);
+    return section.empty() ? ItemName{} : ItemName{section, name.key};
 }
 
 }  // namespace mlk::tree

@@ -30,7 +30,7 @@ bool hasBrackets(std::string_view category);
 /** "[LiveTV]" for "LiveTV", "[LiveTV" and " LiveTV]". */
 std::string withBrackets(std::string_view category);
 
-/** The items of the models that use a TV system file, with all boards. */
+/** The items of the models that use a TV system file, with all boards. One thread at a time. */
 class ItemsOfModels {
   public:
     ItemsOfModels(const ProductLine& line, const TvSystemFiles& files);
@@ -42,16 +42,23 @@ class ItemsOfModels {
     bool mayLack(const ReadLine& item) const;
 
     /**
-     * The item that the models have and that was probably meant; empty if there is none. One that
-     * the TV system has, too, was not meant.
+     * The item that the models have and that an ignored item of the file probably means; empty if
+     * there is none. One that the same TV system has, too, was not meant.
      */
-    ItemName nearestTo(const ReadLine& item, const FileLines& file) const;
+    ItemName nearestTo(const ReadLine& item);
 
   private:
-    const std::map<std::string_view, std::set<std::string_view>>& sections() const;
+    using OwnedName = std::tuple<std::string_view, ItemName>;  // TV system, item
 
+    void collect();
+    ItemName search(const OwnedName& wanted) const;
+
+    const FileLines& mSystems;
     std::vector<const FileLines*> mFiles;
-    mutable std::map<std::string_view, std::set<std::string_view>> mSections;  // filled when needed
+    // Filled when nearestTo() is first asked.
+    std::map<std::string_view, std::set<std::string_view>> mSections;
+    std::set<OwnedName> mOwn;
+    std::map<OwnedName, ItemName> mFound;
 };
 
 }  // namespace mlk::tree

@@ -22,12 +22,11 @@ bool isSystem(const ReadLine& read) {
     return read.use == LineUse::SECTION;
 }
 
-std::vector<std::string_view> systemNamesOf(const FileLines& file) {
-    std::vector<std::string_view> names;
-    for (const ReadLine& read : file.lines()) {
-        if (isSystem(read)) {
-            names.push_back(read.owner);
-        }
+// With trimmed names: another rule reports blanks.
+std::set<std::string_view> systemNamesOf(const FileLines& file) {
+    std::set<std::string_view> names;
+    for (const auto& [name, read] : file.sections()) {
+        names.insert(trimmed(name));
     }
     return names;
 }
@@ -55,20 +54,17 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
         if (!isUsable(files.file) || !isUsable(files.map) || mayLackSystems(*files.file)) {
             continue;
         }
-        const auto& systems = files.file->sections();
-        const std::vector<std::string_view> names = systemNamesOf(*files.file);
+        const std::set<std::string_view> names = systemNamesOf(*files.file);
         for (const ReadLine* const read : systemsNamedBy(*files.map)) {
-            // With trimmed names: another rule reports blanks.
-            const bool isKnown = std::any_of(names.begin(), names.end(), [&](const auto& name) {
-                return trimmed(name) == trimmed(read->value);
-            });
-            if (isKnown) {
+            if (names.count(trimmed(read->value)) > 0 || groups.isFull(files.map->path())) {
                 continue;
             }
-            const std::string_view near = nearest(read->value, names);
+            const std::string_view near = nearest(read->value, {names.begin(), names.end()});
+            const auto& systems = files.file->sections();
+            const auto defined = systems.find(near);
             std::vector<Related> related;
-            if (!near.empty()) {
-                related.push_back({placeOf(line, *files.file, *systems.find(near)->second, near),
+            if (defined != systems.end()) {
+                related.push_back({placeOf(line, *files.file, *defined->second, near),
                                    "this one is defined"});
             }
             groups.add(files.file->path() + '\n' + std::string(read->value),
@@ -82,26 +78,36 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkUnused(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kMostLookedAt = 100;
+    FindingGroups groups;
     for (const TvSystemFiles& files : line.tvSystems()) {
         if (!isUsable(files.file) || !isUsable(files.map) || files.map->sections().empty() ||
             countIgnoredBlocks(*files.map) > 0) {
             continue;
         }
-        const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
+        const std::set<std::string_view> names = systemNamesOf(*files.file);
+        std::set<std::string_view> used;
+        std::vector<std::string_view> undefined;  // may mean any
+        for (const ReadLine* const read : systemsNamedBy(*files.map)) {
+            const std::string_view name = trimmed(read->value);
+            if (used.insert(name).second && names.count(name) == 0 &&
+                undefined.size() < kMostLookedAt) {
+                undefined.push_back(name);
+            }
+        }
         for (const auto& [name, read] : files.file->sections()) {
-            const bool isUsed = std::any_of(named.begin(), named.end(), [&](const ReadLine* use) {
-                return !nearest(use->value, {name}).empty() || trimmed(use->value) == trimmed(name);
-            });
-            if (!isUsed) {
-                reporter.report(placeOf(line, *files.file, *read, name),
-                                "no country of " + files.map->path() + " uses the TV system " +
-                                        quoted(name));
+            if (used.count(trimmed(name)) == 0 && nearest(name, undefined).empty()) {
+                groups.add(std::string(name), placeOf(line, *files.file, *read, name),
+                           "no country of " + files.map->path() + " uses the TV system " +
+                                   quoted(name));
             }
         }
     }
+    groups.report(reporter);
 }
 
 void checkRepeated(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const TvSystemFiles& files : line.tvSystems()) {
         for (const ReadLine& read : files.file->lines()) {
             if (!isSystem(read)) {
@@ -109,14 +115,15 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
             }
             const ReadLine* const first = files.file->sections().find(read.owner)->second;
             if (first != &read) {
-                reporter.report(placeOf(line, *files.file, read, read.owner),
-                                "TV system " + quoted(read.owner) +
-                                        " is defined twice; of an item that both have, the first "
-                                        "one counts",
-                                {{placeOf(line, *files.file, *first, read.owner), "first here"}});
+                groups.add(std::string(read.owner), placeOf(line, *files.file, read, read.owner),
+                           "TV system " + quoted(read.owner) +
+                                   " is defined twice; of an item that both have, the first one "
+                                   "counts",
+                           {{placeOf(line, *files.file, *first, read.owner), "first here"}});
             }
         }
     }
+    groups.report(reporter);
 }
 
 void checkBrackets(const ProductLine& line, Reporter& reporter) {
@@ -134,114 +141,129 @@ void checkBrackets(const ProductLine& line, Reporter& reporter) {
     groups.report(reporter);
 }
 
-void checkMisspelt(const ProductLine& line, Reporter& reporter) {
-    FindingGroups groups;
+// The items of all files that no model has. If `isNear`, those that nearly have the name of one,
+// else the others.
+template <typename Take>
+void forEachIgnored(const ProductLine& line, bool isNear, Take take) {
     for (const TvSystemFiles& files : line.tvSystems()) {
-        const ItemsOfModels models(line, files);
-        for (const ReadLine* const item : itemsOf(*files.file)) {
-            const ReadLine& read = *item;
-            if (!models.mayLack(read)) {
-                continue;
+        ItemsOfModels models(line, files);
+        for (const ReadLine* const read : itemsOf(*files.file)) {
+            if (models.mayLack(*read)) {
+                const ItemName near = models.nearestTo(*read);
+                if (isNear != near.key.empty()) {
+                    take(*files.file, *read, near);
+                }
             }
-            const ItemName near = models.nearestTo(read, *files.file);
-            if (near.key.empty()) {
-                continue;
-            }
-            const bool isKey = near.section == read.section;
-            groups.add(std::string(read.section) + std::string(read.key),
-                       placeOf(line, *files.file, read, isKey ? read.key : read.section),
-                       "no model has an item " + quoted(read.section) + " " + quoted(read.key) +
-                               ", so the TV system cannot set it" +
-                               meant(isKey ? near.key : near.section));
         }
     }
+}
+
+std::string nameOf(const ReadLine& read) {
+    return quoted(read.section) + " " + quoted(read.key);
+}
+
+void checkMisspelt(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
+    forEachIgnored(line, true, [&](const auto& file, const auto& read, const ItemName& near) {
+        const bool isKey = near.section == read.section;
+        groups.add(nameOf(read), placeOf(line, file, read, isKey ? read.key : read.section),
+                   "no model has an item " + nameOf(read) + ", so the TV system cannot set it" +
+                           meant(isKey ? near.key : near.section));
+    });
     groups.report(reporter);
 }
 
 void checkWithoutModel(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
-    for (const TvSystemFiles& files : line.tvSystems()) {
-        const ItemsOfModels models(line, files);
-        for (const ReadLine* const item : itemsOf(*files.file)) {
-            const ReadLine& read = *item;
-            if (models.mayLack(read) && models.nearestTo(read, *files.file).key.empty()) {
-                groups.add(std::string(read.section) + std::string(read.key),
-                           placeOf(line, *files.file, read, read.key),
-                           "no model that uses the file has an item " + quoted(read.section) + " " +
-                                   quoted(read.key) + ", so the TV system cannot set it");
-            }
-        }
-    }
+    forEachIgnored(line, false, [&](const auto& file, const auto& read, const ItemName&) {
+        groups.add(nameOf(read), placeOf(line, file, read, read.key),
+                   "no model that uses the file has an item " + nameOf(read) +
+                           ", so the TV system cannot set it");
+    });
     groups.report(reporter);
 }
 
-// Items that a TV system lacks and others set.
-struct UnevenSystem {
+// The items of a TV system.
+struct SystemItems {
     const ReadLine* begin = nullptr;
     std::set<ItemName> items;  // that count
     std::set<ItemName> meant;  // by items that do not
     bool mayLackAny = false;   // for another rule's finding
 };
 
-std::vector<UnevenSystem> systemsWithItems(const FileLines& file, const ItemsOfModels& models) {
-    std::vector<UnevenSystem> systems;
+std::vector<SystemItems> systemsWithItems(const FileLines& file, ItemsOfModels& models) {
+    std::vector<SystemItems> systems;
     std::map<std::string_view, size_t> positions;
     for (const ReadLine& read : file.lines()) {
-        if (isSystem(read)) {
-            if (positions.try_emplace(read.owner, systems.size()).second) {
-                systems.push_back({&read, {}, {}, false});
-            }
-            continue;
+        if (isSystem(read) && positions.try_emplace(read.owner, systems.size()).second) {
+            systems.push_back({&read, {}, {}, false});
         }
         const auto position = positions.find(read.owner);
-        if (read.owner.empty() || position == positions.end()) {
+        if (isSystem(read) || read.owner.empty() || position == positions.end()) {
             continue;
         }
-        UnevenSystem& system = systems[position->second];
+        SystemItems& system = systems[position->second];
         const bool isItem = read.use == LineUse::ITEM && hasBrackets(read.section);
         system.mayLackAny |= !isItem;
         const ItemName name{trimmed(read.section), trimmed(read.key)};
         if (isItem && models.has(name)) {
             system.items.insert(name);
         } else if (isItem) {
-            system.meant.insert(models.nearestTo(read, file));
+            system.meant.insert(models.nearestTo(read));
         }
     }
     return systems;
 }
 
+// What a TV system lacks, as a text; empty if it lacks nothing.
+std::string missingFrom(const SystemItems& system, const std::map<ItemName, const ReadLine*>& all,
+                        const ReadLine*& other) {
+    constexpr size_t kMostNamed = 3;
+    std::string missing;
+    size_t count = 0;
+    for (const auto& [item, begin] : all) {
+        if (system.items.count(item) > 0 || system.meant.count(item) > 0) {
+            continue;
+        }
+        if (++count <= kMostNamed) {
+            missing += (count > 1 ? ", " : "") + std::string(item.section) + " " +
+                       std::string(item.key);
+            other = count == 1 ? begin : other;
+        }
+    }
+    return count <= kMostNamed ? missing
+                               : missing + " and " + std::to_string(count - kMostNamed) + " more";
+}
+
 void checkUneven(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kMostCompared = size_t{10} << 20;  // no file that somebody wrote has so many
+    FindingGroups groups;
     for (const TvSystemFiles& files : line.tvSystems()) {
-        const ItemsOfModels models(line, files);
-        const std::vector<UnevenSystem> systems = systemsWithItems(*files.file, models);
-        std::map<ItemName, const UnevenSystem*> all;
-        for (const UnevenSystem& system : systems) {
+        ItemsOfModels models(line, files);
+        const std::vector<SystemItems> systems = systemsWithItems(*files.file, models);
+        std::map<ItemName, const ReadLine*> all;
+        for (const SystemItems& system : systems) {
             for (const ItemName& item : system.items) {
-                all.try_emplace(item, &system);
+                all.try_emplace(item, system.begin);
             }
         }
-        for (const UnevenSystem& system : systems) {
-            std::string missing;
-            const UnevenSystem* other = nullptr;
-            for (const auto& [item, owner] : all) {
-                if (system.items.count(item) == 0 && system.meant.count(item) == 0) {
-                    missing += (missing.empty() ? "" : ", ") + std::string(item.section) + " " +
-                               std::string(item.key);
-                    other = other == nullptr ? owner : other;
-                }
-            }
-            if (other != nullptr && !system.mayLackAny) {
-                const std::string name = quoted(system.begin->owner);
-                reporter.report(placeOf(line, *files.file, *system.begin, system.begin->owner),
-                                "TV system " + name + " does not set " + missing +
-                                        ", which others set: after a change from one of these "
-                                        "countries its "
-                                        "value stays",
-                                {{placeOf(line, *files.file, *other->begin, other->begin->owner),
-                                  "this one sets it"}});
+        if (all.size() * systems.size() > kMostCompared) {
+            continue;
+        }
+        for (const SystemItems& system : systems) {
+            const ReadLine* other = nullptr;
+            const std::string missing = missingFrom(system, all, other);
+            const std::string_view name = system.begin->owner;
+            if (!missing.empty() && !system.mayLackAny) {
+                groups.add(std::string(name), placeOf(line, *files.file, *system.begin, name),
+                           "TV system " + quoted(name) + " does not set " + missing +
+                                   ", which others set: after a change from one of these countries "
+                                   "its value stays",
+                           {{placeOf(line, *files.file, *other, other->owner), "this one does"}});
             }
         }
     }
+    groups.report(reporter);
 }
 
 constexpr Rule kRules[] = {

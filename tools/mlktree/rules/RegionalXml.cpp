@@ -11,8 +11,13 @@ namespace {
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace element = product::element;
 
-// Somebody who wants to confuse gets no help with lines further away.
+// What lies further away is not looked at: a file may be one line of many megabytes.
 constexpr size_t kMostLines = 64;
+constexpr size_t kMostOfLine = 4096;
+
+std::string_view sourceLine(const ProductLine& line, const FileLines& file, size_t number) {
+    return line.sources().line(file.path(), number).substr(0, kMostOfLine);
+}
 
 bool isNameCharacter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
@@ -72,7 +77,7 @@ std::vector<SourceName> attributesOf(const ProductLine& line, const FileLines& f
     size_t at = begin.column;
     char quote = '\0';
     for (size_t i = 0; i < kMostLines; ++i, at = 0) {
-        const std::string_view text = line.sources().line(file.path(), read.number + i);
+        const std::string_view text = sourceLine(line, file, read.number + i);
         at += i == 0 ? nameAt(text, at).size() : 0;
         for (; at < text.size(); ++at) {
             const char c = text[at];
@@ -97,13 +102,13 @@ std::vector<SourceName> elementsInIgnored(const ProductLine& line, const FileLin
     std::vector<SourceName> names;
     const std::string begin = "<" + std::string(block.key);
     const std::string end = "</" + std::string(block.key);
-    const std::string_view first = line.sources().line(file.path(), block.number);
+    const std::string_view first = sourceLine(line, file, block.number);
     const size_t close = first.find('>', std::min(first.find(begin), first.size()));
     if (close != std::string_view::npos && first[close - 1] == '/') {
         return names;
     }
     for (size_t i = 0; i < kMostLines; ++i) {
-        const std::string_view text = line.sources().line(file.path(), block.number + i);
+        const std::string_view text = sourceLine(line, file, block.number + i);
         for (size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at)) {
             if (text.substr(at, end.size()) == end) {
                 return names;
@@ -118,9 +123,10 @@ std::vector<SourceName> elementsInIgnored(const ProductLine& line, const FileLin
     return names;
 }
 
-bool isComplainedOf(const FileLines& file, size_t number) {
-    return std::any_of(file.problems().begin(), file.problems().end(),
-                       [number](const Problem& problem) { return problem.line == number; });
+Complaints::Complaints(const FileLines& file) {
+    for (const Problem& problem : file.problems()) {
+        mLines.insert(problem.line);
+    }
 }
 
 }  // namespace mlk::tree

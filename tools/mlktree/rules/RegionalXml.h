@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,15 @@ std::vector<SourceName> attributesOf(const ProductLine& line, const FileLines& f
 std::vector<SourceName> elementsInIgnored(const ProductLine& line, const FileLines& file,
                                           const ReadLine& block);
 
-/** True if the reader complains about that line, which so has a finding already. */
-bool isComplainedOf(const FileLines& file, size_t number);
+/** The lines of a file that its reader complains about. */
+class Complaints {
+  public:
+    explicit Complaints(const FileLines& file);
+
+    bool has(const ReadLine& read) const { return mLines.count(read.number) > 0; }
+
+  private:
+    std::set<size_t> mLines;
+};
 
 }  // namespace mlk::tree

@@ -69,11 +69,11 @@ std::vector<std::string_view> elementsBeside(const FileLines& file, const ReadLi
 }
 
 // True for the elements that other rules look at.
-bool isOfOtherRule(const FileLines& file, const ReadLine& read) {
+bool isOfOtherRule(const FileLines& file, const Complaints& complaints, const ReadLine& read) {
     const bool isBlock = read.owner.empty() && file.format() != FileFormat::TV_SYSTEMS &&
                          read.key == blockElementOf(file.format());
     const bool isCable = read.key == element::kDtvCable || read.key == element::kAtvCable;
-    return isBlock || (isCable && !read.owner.empty()) || isComplainedOf(file, read.number);
+    return isBlock || (isCable && !read.owner.empty()) || complaints.has(read);
 }
 
 std::string unknownMessage(const ProductLine& line, const FileLines& file, const ReadLine& read) {
@@ -98,8 +98,10 @@ std::string unknownMessage(const ProductLine& line, const FileLines& file, const
 void checkUnknown(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const FileLines* const file : xmlFilesOf(line)) {
+        const Complaints complaints(*file);
         for (const ReadLine& read : file->lines()) {
-            if (read.use == LineUse::IGNORED && !isOfOtherRule(*file, read)) {
+            if (read.use == LineUse::IGNORED && !isOfOtherRule(*file, complaints, read) &&
+                !groups.isFull(file->path())) {
                 groups.add(std::string(read.key), placeOf(line, *file, read, read.key),
                            unknownMessage(line, *file, read));
             }
@@ -131,31 +133,35 @@ std::vector<std::string_view> attributesNeeded(const ReadLine& read) {
     return {attribute::kCategory, attribute::kKey, attribute::kValue};
 }
 
+void checkAttributesOf(const ProductLine& line, const FileLines& file, const ReadLine& read,
+                       FindingGroups& groups) {
+    const std::vector<SourceName> given = attributesOf(line, file, read);
+    for (const std::string_view needed : attributesNeeded(read)) {
+        const auto isNeeded = [needed](const SourceName& n) { return n.name == needed; };
+        const auto isNear = [needed](const SourceName& n) { return isMeant(n.name, needed); };
+        if (std::any_of(given.begin(), given.end(), isNeeded)) {
+            continue;
+        }
+        const auto near = std::find_if(given.begin(), given.end(), isNear);
+        const bool isMisspelt = near != given.end();
+        const std::string but = isMisspelt ? ", but " + quoted(near->name) : "";
+        groups.add(std::string(needed) + but, isMisspelt ? near->place : placeOf(line, file, read),
+                   std::string(read.owner.empty() ? "the TV system" : "the item") +
+                           " is ignored, because it has no attribute " + quoted(needed) + but);
+    }
+}
+
 void checkAttributes(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const FileLines* const file : xmlFilesOf(line)) {
+        const Complaints complaints(*file);
         for (const ReadLine& read : file->lines()) {
-            if (read.use != LineUse::IGNORED || !isComplainedOf(*file, read.number)) {
-                continue;
-            }
-            const std::vector<SourceName> given = attributesOf(line, *file, read);
-            for (const std::string_view needed : attributesNeeded(read)) {
-                const auto isNeeded = [needed](const SourceName& n) { return n.name == needed; };
-                const auto isNear = [needed](const SourceName& n) {
-                    return nearest(n.name, {needed}) == needed;
-                };
-                if (std::any_of(given.begin(), given.end(), isNeeded)) {
-                    continue;
-                }
-                const auto near = std::find_if(given.begin(), given.end(), isNear);
-                const bool isMisspelt = near != given.end();
-                reporter.report(isMisspelt ? near->place : placeOf(line, *file, read),
-                                std::string(read.owner.empty() ? "the TV system" : "the item") +
-                                        " is ignored, because it has no attribute " +
-                                        quoted(needed) +
-                                        (isMisspelt ? ", but " + quoted(near->name) : ""));
+            if (read.use == LineUse::IGNORED && complaints.has(read)) {
+                checkAttributesOf(line, *file, read, groups);
             }
         }
     }
+    groups.report(reporter);
 }
 
 std::string repeatedMessage(const FileLines& file, const ReadLine& read) {
@@ -168,7 +174,14 @@ std::string repeatedMessage(const FileLines& file, const ReadLine& read) {
     return owner + " has " + quoted(read.key) + type + " twice, and the first one counts";
 }
 
+// A cable plan whose attribute has another name has a finding for that.
+bool hasOtherAttribute(const ProductLine& line, const FileLines& file, const ReadLine& read) {
+    return file.format() == FileFormat::CHANNEL_MAP && read.section.empty() &&
+           !attributesOf(line, file, read).empty();
+}
+
 void checkRepeated(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const FileLines* const file : xmlFilesOf(line)) {
         using Name = std::tuple<std::string_view, std::string_view>;
         std::map<Name, const ReadLine*> first;  // of the present block
@@ -180,12 +193,15 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
                 continue;
             }
             const auto earlier = first.try_emplace({read.section, read.key}, &read).first->second;
-            if (!read.isNew) {
-                reporter.report(placeOf(line, *file, read, read.key), repeatedMessage(*file, read),
-                                {{placeOf(line, *file, *earlier, earlier->key), "the first one"}});
+            if (!read.isNew && !hasOtherAttribute(line, *file, read)) {
+                groups.add(std::string(read.owner) + '\n' + std::string(read.section) +
+                                   std::string(read.key),
+                           placeOf(line, *file, read, read.key), repeatedMessage(*file, read),
+                           {{placeOf(line, *file, *earlier, earlier->key), "the first one"}});
             }
         }
     }
+    groups.report(reporter);
 }
 
 void checkBlanks(const ProductLine& line, Reporter& reporter) {
