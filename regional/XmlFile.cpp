@@ -75,8 +75,6 @@ const char* expectationOf(tinyxml2::XMLError error) {
             return "a \"<!\" is not closed by \">\"";
         case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
             return "the file has no element";
-        case tinyxml2::XML_ERROR_PARSING:
-            return "an element that begins here is not closed";
         case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
             return "an element that begins here is not closed by a tag of its own name";
         case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
