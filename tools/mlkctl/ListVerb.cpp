@@ -1,5 +1,7 @@
 #include <CLI/CLI.hpp>
 
+#include "tools/common/Table.h"
+#include "tools/common/Text.h"
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Registry.h"
 #include "tools/mlkctl/Verb.h"

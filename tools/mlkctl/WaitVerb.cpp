@@ -1,6 +1,7 @@
 #include <chrono>
 #include <thread>
 
+#include "tools/common/Text.h"
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/TimeLimit.h"

@@ -6,20 +6,9 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(),
-            readingLines(),
-            readingValues(),
-            replacing(),
-            paths(),
-            countries(),
-            coverage(),
-            planLines(),
-            channels(),
-            xml(),
-            maps(),
-            tvSystems(),
-            savedCountry(),
-            allowing(),
+            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
+            countries(),    coverage(),     planLines(),     channels(),  xml(),
+            maps(),         tvSystems(),    savedCountry(),  allowing(),
     };
     return families;
 }

@@ -73,7 +73,8 @@ bool isOfOtherRule(const FileLines& file, const Complaints& complaints, const Re
     const bool isBlock = read.owner.empty() && file.format() != FileFormat::TV_SYSTEMS &&
                          read.key == blockElementOf(file.format());
     const bool isCable = read.key == element::kDtvCable || read.key == element::kAtvCable;
-    return isBlock || (isCable && !read.owner.empty()) || complaints.has(read);
+    const bool lacksAttribute = file.format() == FileFormat::TV_SYSTEMS && complaints.has(read);
+    return isBlock || (isCable && !read.owner.empty()) || lacksAttribute;
 }
 
 std::string unknownMessage(const ProductLine& line, const FileLines& file, const ReadLine& read) {
@@ -156,7 +157,8 @@ void checkAttributes(const ProductLine& line, Reporter& reporter) {
     for (const FileLines* const file : xmlFilesOf(line)) {
         const Complaints complaints(*file);
         for (const ReadLine& read : file->lines()) {
-            if (read.use == LineUse::IGNORED && complaints.has(read)) {
+            const bool isTvSystems = file->format() == FileFormat::TV_SYSTEMS;
+            if (isTvSystems && read.use == LineUse::IGNORED && complaints.has(read)) {
                 checkAttributesOf(line, *file, read, groups);
             }
         }
@@ -193,7 +195,8 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
                 continue;
             }
             const auto earlier = first.try_emplace({read.section, read.key}, &read).first->second;
-            if (!read.isNew && !hasOtherAttribute(line, *file, read)) {
+            // A TV system that is defined twice has a finding of its own.
+            if (!read.isNew && earlier != &read && !hasOtherAttribute(line, *file, read)) {
                 groups.add(std::string(read.owner) + '\n' + std::string(read.section) +
                                    std::string(read.key),
                            placeOf(line, *file, read, read.key), repeatedMessage(*file, read),

@@ -55,7 +55,7 @@ std::string quoted(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
+    constexpr std::string_view kBlanks = " \t\r\n";
     const size_t begin = text.find_first_not_of(kBlanks);
     if (begin == std::string_view::npos) {
         return {};

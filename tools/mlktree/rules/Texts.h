@@ -8,7 +8,7 @@ namespace mlk::tree {
 /** A text in double quotes, with control characters and quotes written as escapes. */
 std::string quoted(std::string_view text);
 
-/** The text without blanks, tabs and carriage returns at both ends; a part of it. */
+/** The text without blanks, tabs, carriage returns and line feeds at both ends; a part of it. */
 std::string_view trimmed(std::string_view text);
 
 /** True if the text begins with the start. */
