@@ -48,6 +48,7 @@ ROWS = (
     Row("start-500", "exec to third registration, 500 items", "start", "500", 1.5),
     Row("start-5000", "exec to third registration, 5,000 items", "start", "5000", 1.6),
     Row("resident-5000", "resident size, 5,000 items", "resident", "5000", 1.25),
+    Row("check-500", "mlktree check of 500 models, 4 boards, 60 countries", "check", "500", 25),
 )
 
 UNITS = {"calls": "/s", "resident": "bytes"}  # of a family; the others are times in ns

@@ -19,8 +19,8 @@ import picture
 import report
 
 # Starts take long and vary: each round measures them in several portions.
-PROGRAMS = ("bench_parse", "bench_start", "bench_lookup", "bench_start", "bench_calls",
-            "bench_start", "bench_call_peers")
+PROGRAMS = ("bench_parse", "bench_start", "bench_lookup", "bench_start", "bench_check",
+            "bench_calls", "bench_start", "bench_call_peers")
 ROUNDS = 11
 QUICK_ROUNDS = 2
 GROWTH_EVERY = 4  # rounds

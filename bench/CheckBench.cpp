@@ -1,0 +1,112 @@
+// Measures checking the partitions of a product line, nanoseconds for all of its sets:
+//   "check/CONTESTANT/MODELS"                      4 boards, 60 countries and their plans
+//   "growth-check-models/CONTESTANT/MODELS"        the same, at other sizes
+//   "growth-check-countries/CONTESTANT/COUNTRIES"  with 100 models
+//
+// The limit reads every file of the partitions once and searches it for line feeds by memchr, on
+// one core. Ours does all that `mlktree check` does except for printing the findings.
+
+#include <android/log.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/Measure.h"
+#include "bench/TreeOfLine.h"
+#include "common/File.h"
+#include "tools/mlktree/Checker.h"
+
+namespace mlk::bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+using vendor::morlak::mlkconfigs::V1_0::implementation::File;
+
+size_t lineFeedsOf(const std::string& path, std::vector<char>& buffer) {
+    File file(path);
+    buffer.resize(std::max(buffer.size(), file.size() + 1));
+    const ssize_t count = file.readUpTo(buffer.data(), file.size() + 1);
+    size_t lines = 0;
+    const char* at = buffer.data();
+    const char* const end = at + std::max<ssize_t>(count, 0);
+    while (const void* const found = std::memchr(at, '\n', static_cast<size_t>(end - at))) {
+        at = static_cast<const char*>(found) + 1;
+        ++lines;
+    }
+    return lines;
+}
+
+size_t readAll(const std::vector<std::string>& paths) {
+    std::vector<char> buffer;
+    size_t lines = 0;
+    for (const std::string& path : paths) {
+        lines += lineFeedsOf(path, buffer);
+    }
+    return lines;
+}
+
+size_t checkAll(const std::string& root) {
+    const tree::Tree partitions(root, {});
+    const tree::Settings settings;
+    const tree::TreeProperties properties(root + "/data/property", {});
+    const tree::ProductLine line(partitions, settings, properties, {});
+    return tree::check(line).size();
+}
+
+// The files that a check reads: those that the sets use.
+std::vector<std::string> filesOf(const std::string& root) {
+    const tree::Tree partitions(root, {});
+    const tree::Settings settings;
+    const tree::TreeProperties properties(root + "/data/property", {});
+    const tree::ProductLine line(partitions, settings, properties, {});
+    std::vector<std::string> paths;
+    for (const auto& [path, file] : line.files()) {
+        paths.push_back(partitions.host(path));
+    }
+    return paths;
+}
+
+void add(const std::string& family, const LineSize& size, size_t number) {
+    const auto dir = std::make_shared<std::unique_ptr<testing::TempDir>>();
+    const auto paths = std::make_shared<std::vector<std::string>>();
+    const auto prepare = [=] {
+        if (*dir == nullptr) {
+            *dir = std::make_unique<testing::TempDir>();
+            writeTree(**dir, size);
+            *paths = filesOf((*dir)->path());
+        }
+    };
+    const std::string end = "/" + std::to_string(number);
+    benchmark::RegisterBenchmark((family + "/limit" + end).c_str(), [=](benchmark::State& state) {
+        prepare();
+        measureMedian(state, [&] { benchmark::DoNotOptimize(readAll(*paths)); });
+    });
+    benchmark::RegisterBenchmark((family + "/ours" + end).c_str(), [=](benchmark::State& state) {
+        prepare();
+        measureMedian(state, [&] { benchmark::DoNotOptimize(checkAll((*dir)->path())); });
+    });
+}
+
+void registerAll() {
+    add("check", {}, LineSize().models);
+    for (const size_t models : {size_t{50}, size_t{158}, size_t{500}}) {
+        add("growth-check-models", {models}, models);
+    }
+    for (const size_t countries : {size_t{10}, size_t{40}, size_t{160}}) {
+        add("growth-check-countries", {100, 4, countries}, countries);
+    }
+}
+
+}  // namespace
+
+}  // namespace mlk::bench
+
+int main(int argc, char** argv) {
+    // As in mlktree: nobody reads the readers' log lines.
+    (void)__android_log_set_minimum_priority(ANDROID_LOG_SILENT);
+    return mlk::bench::benchMain(argc, argv, mlk::bench::registerAll);
+}
