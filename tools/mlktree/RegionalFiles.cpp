@@ -67,8 +67,7 @@ TvSystems::TvSystems(const Tree& tree, const TreeProperties& properties, const s
 }
 
 PlanFolder::PlanFolder(const Tree& tree, std::string path)
-    : mTree(tree),
-      mPath(std::move(path)),
+    : mPath(std::move(path)),
       mMap(std::make_unique<FileLines>(mPath + product::kChannelMapFile, FileFormat::CHANNEL_MAP)),
       mData(std::make_unique<product::RegionalData>([&tree] { return tree.partitions(); },
                                                     mMap.get())) {

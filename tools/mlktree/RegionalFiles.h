@@ -61,7 +61,6 @@ class PlanFolder {
     std::string planOf(_tv_country country, FreqTableType type, AtscCableType cable) const;
 
   private:
-    const Tree& mTree;
     const std::string mPath;
     std::unique_ptr<FileLines> mMap;
     bool mHasCountries = false;  // an empty map would be read anew with every question
