@@ -119,6 +119,21 @@ std::string_view countryMeantBy(std::string_view name) {
     return nearest(word, names);
 }
 
+std::set<std::string_view> countriesMeantBy(const std::vector<std::string_view>& names) {
+    constexpr size_t kMostLookedAt = 1000;
+    std::set<std::string_view> wrong;
+    for (const std::string_view name : names) {
+        if (wrong.size() < kMostLookedAt && !countryOf(name)) {
+            wrong.insert(name);
+        }
+    }
+    std::set<std::string_view> countries;
+    for (const std::string_view name : wrong) {
+        countries.insert(countryMeantBy(name));
+    }
+    return countries;
+}
+
 std::string flawAtEnds(std::string_view text) {
     const auto nameOf = [](char c) {
         switch (c) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,12 @@ std::optional<_tv_country> countryOf(std::string_view name);
 
 /** The name that a wrong name of a country probably stands for; empty if that cannot be told. */
 std::string_view countryMeantBy(std::string_view name);
+
+/**
+ * The countries that the wrong ones of some names probably stand for. Of very many wrong names the
+ * first thousand are looked at.
+ */
+std::set<std::string_view> countriesMeantBy(const std::vector<std::string_view>& names);
 
 /**
  * What a text has at its ends that does not belong there: "a carriage return at its end"; empty if

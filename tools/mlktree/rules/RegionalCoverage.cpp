@@ -84,26 +84,15 @@ struct Missing {
     const CountryBlock* other;  // what the country finds instead; null for nothing
 };
 
-// Names that are wrong in the map stand for some country: those are reported there.
-std::set<std::string_view> misspeltIn(const std::vector<CountryBlock>& blocks) {
-    constexpr size_t kMostLookedAt = 1000;
-    std::set<std::string_view> wrong;
-    for (const CountryBlock& block : blocks) {
-        if (!countryOf(block.country()) && wrong.size() < kMostLookedAt) {
-            wrong.insert(block.country());
-        }
-    }
-    std::set<std::string_view> meantOnes;
-    for (const std::string_view name : wrong) {
-        meantOnes.insert(countryMeantBy(name));
-    }
-    return meantOnes;
-}
-
 template <typename IsMissing>
 std::vector<Missing> missingFrom(const FileLines& list, const FileLines& map,
                                  const std::vector<CountryBlock>& blocks, IsMissing isMissing) {
-    const std::set<std::string_view> misspelt = misspeltIn(blocks);
+    // Names that are wrong in the map stand for some country: those are reported there.
+    std::vector<std::string_view> names;
+    for (const CountryBlock& block : blocks) {
+        names.push_back(block.country());
+    }
+    const std::set<std::string_view> misspelt = countriesMeantBy(names);
     std::vector<Missing> all;
     std::set<std::string_view> seen;
     for (const ReadLine& read : list.lines()) {

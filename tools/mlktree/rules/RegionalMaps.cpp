@@ -61,6 +61,7 @@ void checkOutside(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkNameless(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
     for (const FileLines* const file : xmlFilesOf(line)) {
         for (const ReadLine& read : file->lines()) {
             if (read.use != LineUse::IGNORED || !read.owner.empty() ||
@@ -77,10 +78,12 @@ void checkNameless(const ProductLine& line, Reporter& reporter) {
                                                                 : ", but " + quoted(inner.name);
                 }
             }
-            reporter.report(std::move(place), "the block is ignored, because it has no " +
-                                                      quoted(element::kCountryName) + found);
+            groups.add(found, std::move(place),
+                       "the block is ignored, because it has no " + quoted(element::kCountryName) +
+                               found);
         }
     }
+    groups.report(reporter);
 }
 
 /** An element that each block of a map should have. */

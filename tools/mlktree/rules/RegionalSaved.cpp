@@ -47,13 +47,16 @@ std::string nameOfCountry(int32_t value) {
     return name;
 }
 
+// True if a list has the country, or a name that is wrong, and reported, but means it.
 bool offers(const FileLines& list, const std::string& country) {
-    return std::any_of(list.lines().begin(), list.lines().end(), [&](const ReadLine& read) {
-        // A name that is wrong has a finding.
-        return read.use == LineUse::ITEM &&
-               (read.key == country ||
-                (!countryOf(read.key) && countryMeantBy(read.key) == country));
-    });
+    std::vector<std::string_view> names;
+    for (const ReadLine& read : list.lines()) {
+        if (read.use == LineUse::ITEM) {
+            names.push_back(read.key);
+        }
+    }
+    return std::find(names.begin(), names.end(), country) != names.end() ||
+           countriesMeantBy(names).count(country) > 0;
 }
 
 Place placeOfCountry(const ProductLine& line, const std::string& path) {
