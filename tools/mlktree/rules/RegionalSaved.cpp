@@ -71,41 +71,48 @@ Place placeOfCountry(const ProductLine& line, const std::string& path) {
     return {path, 0, 0};
 }
 
+// The file that an item of this set names; null if it names none that the service reads.
+const FileLines* fileOfSet(const ProductLine& line, const Model& model, const Board& board,
+                           const product::ConfigKey& key) {
+    const LayeredItem item = line.item(model, board, key.category, key.key);
+    return item && !item.line->value.empty()
+                   ? line.find(line.tree().relative(line.tree().hostOfWritten(item.line->value)))
+                   : nullptr;
+}
+
+// What is wrong with the saved country; empty if nothing is.
+std::string mistakeOfSaved(int32_t saved, const FileLines* list) {
+    const std::string country = nameOfCountry(saved);
+    if (saved == product::kNoCountry) {
+        return "the file has no country, and the set starts in none";
+    }
+    if (country.empty()) {
+        return "no country has the number " + std::to_string(saved);
+    }
+    const bool isOffered = !isUsable(list) || !hasCountries(*list) || offers(*list, country);
+    return isOffered ? ""
+                     : "the set is in " + quoted(country) + ", which " + list->path() +
+                               " does not offer";
+}
+
 void checkSaved(const ProductLine& line, Reporter& reporter) {
     const std::string path = "tvdata" + std::string(product::kCountryIdFolder) +
                              std::string(product::kCountryIdFile);
     const Model* const model = modelOfSet(line);
     const Board* const board = boardOfSet(line);
-    if (model == nullptr || board == nullptr || !product::pathExists(line.tree().host(path))) {
+    // Without the file the service would write one; without TV systems it does not read it.
+    if (model == nullptr || board == nullptr || !product::pathExists(line.tree().host(path)) ||
+        fileOfSet(line, *model, *board, product::item::kTvSystems) == nullptr) {
         return;
-    }
-    const auto fileOf = [&](const product::ConfigKey& key) {
-        const LayeredItem item = line.item(*model, *board, key.category, key.key);
-        return item && !item.line->value.empty()
-                       ? line.find(
-                                 line.tree().relative(line.tree().hostOfWritten(item.line->value)))
-                       : nullptr;
-    };
-    const FileLines* const list = fileOf(product::item::kCountries);
-    if (fileOf(product::item::kTvSystems) == nullptr) {
-        return;  // the set has no TV systems and does not read the file
     }
     product::RegionalData data([&line] { return line.tree().partitions(); });
     product::TvSysMapCfgHolder holder(line.tree().partitions(), line.properties(), data);
     holder.parseCountryId();
-    const std::string country = nameOfCountry(holder.currentCountry());
-    std::string message;
-    if (holder.currentCountry() == product::kNoCountry) {
-        message = "the file has no country, and the set starts in none";
-    } else if (country.empty()) {
-        message = "no country has the number " + std::to_string(holder.currentCountry());
-    } else if (isUsable(list) && hasCountries(*list) && !offers(*list, country)) {
-        message =
-                "the set is in " + quoted(country) + ", which " + list->path() + " does not offer";
-    }
-    if (!message.empty()) {
+    std::string mistake = mistakeOfSaved(
+            holder.currentCountry(), fileOfSet(line, *model, *board, product::item::kCountries));
+    if (!mistake.empty()) {
         reporter.reportIn({"model=" + std::to_string(model->index)}, placeOfCountry(line, path),
-                          std::move(message));
+                          std::move(mistake));
     }
 }
 
