@@ -1,5 +1,7 @@
 #include <CLI/CLI.hpp>
 
+#include <cstddef>
+
 #include "tools/common/Table.h"
 #include "tools/mlkctl/Describe.h"
 #include "tools/mlkctl/Hints.h"

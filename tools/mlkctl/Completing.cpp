@@ -3,7 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <map>
+#include <sstream>
 
 #include "tools/mlkctl/Items.h"
 #include "tools/mlkctl/PathCandidates.h"

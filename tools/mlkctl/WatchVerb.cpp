@@ -4,6 +4,7 @@
 #include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <map>
 #include <system_error>
 
