@@ -3,8 +3,10 @@
 #include <cstddef>
 
 #include "tools/common/Table.h"
+#include "tools/common/Text.h"
 #include "tools/mlkctl/Describe.h"
 #include "tools/mlkctl/Hints.h"
+#include "tools/mlkctl/Plain.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
@@ -40,6 +42,8 @@ Options:
   --raw       print the bytes of an answer as they are; on a terminal, with control characters
               but newline and tab escaped. Also allowed as the last word, after all arguments of
               getTvFile or getVendorPartitionFile.
+  --plain     print the bare value, as a script wants it: a text's bytes, a number, true or false;
+              of a list a line for each, of an item KEY=VALUE, of a channel its fields with tabs
   --timeout SECONDS
               how long the service may take to be found, and how long to answer: 0 to 86400,
               fractions allowed; default 30
@@ -62,13 +66,14 @@ Output:
 
 Exit status:
   0  answered (also with success false)
-  1  the service cannot be reached, died during the call, or gave no answer in time
+  1  the service cannot be reached, died during the call, or gave no answer in time; with --plain,
+     there is no value: no success, an empty text or list
   2  the command line is wrong; nothing was called
   3  the method gave no answer: an argument it does not serve, or too much data
 
 Examples:
   mlkctl call IMlkProjectConfigs getPanelName
-  mlkctl call getPanelName
+  mlkctl call --plain getPanelName
   mlkctl call IMlkProjectConfigs getConfig '[LiveTV]' TvConfig
   mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0
   mlkctl call IMlkProjectConfigs getFreqTableList USA DTV_CABLE HRC
@@ -89,6 +94,7 @@ class CallVerb : public Verb {
     std::string help() const override { return kHelp; }
     void addOptions(CLI::App& app) override {
         app.add_flag("--raw", mRaw);
+        app.add_flag("--plain", mPlain);
         addTimeout(app, &mSeconds);
     }
     bool hasValue(std::string_view option) const override { return option == "--timeout"; }
@@ -144,17 +150,36 @@ class CallVerb : public Verb {
             mRaw = true;
             arguments.pop_back();
         }
+        if (mPlain && (mRaw || method.call.hasBytes)) {
+            throw about(interface, method,
+                        usage(mRaw ? "--plain and --raw are two forms; one is possible"
+                                   : "it answers bytes; --raw prints them"));
+        }
         environment.services.setLimit(limitOf(mSeconds));
         const Form form = mRaw ? Form::RAW : Form::JSON;
         const std::string answer =
                 callWithSection(environment.services, interface, method, &arguments, form);
-        mRaw ? environment.output.bytes(answer) : environment.output.line(answer);
+        const bool hasValue = write(answer, environment.output);
         hint(method, arguments, answer, form, environment);
-        return ExitStatus::ANSWERED;
+        return hasValue ? ExitStatus::ANSWERED : ExitStatus::UNREACHABLE;
     }
 
   private:
+    // Returns whether there is a value, which only a plain answer may lack.
+    bool write(const std::string& answer, Output& output) const {
+        if (!mPlain) {
+            mRaw ? output.bytes(answer) : output.line(answer);
+            return true;
+        }
+        const auto plain = plainOf(answer);
+        if (plain) {
+            output.line(output.isTerminal() ? forTerminal(*plain) : *plain);
+        }
+        return plain.has_value();
+    }
+
     bool mMayAskForHelp = true;
+    bool mPlain = false;
     bool mRaw = false;
     std::string mSeconds = kDefaultTimeout;
 };

@@ -235,6 +235,28 @@ TEST(CallTest, RawPrintsTheBytes) {
                   R"(there is no option "--rwa"; did you mean --raw? (see mlkctl call --help))");
 }
 
+TEST(CallTest, PlainPrintsTheBareValue) {
+    Script script;
+    const auto plain = [&](Words words) {
+        words.insert(words.begin(), {"call", "--plain"});
+        const Outcome outcome = runMlkctl(words, script);
+        return std::to_string(outcome.status) + ' ' + outcome.out + outcome.err;
+    };
+    EXPECT_EQ(plain({"getPanelName"}), "0 getPanelName\n");
+    EXPECT_EQ(plain({"getProjectId"}), "0 42\n");
+    EXPECT_EQ(plain({"getCountryList"}), "0 1\n4000000000\n");
+    EXPECT_EQ(plain({"getConfigsByCategory", "[A]"}), "0 key=value\n");
+    EXPECT_EQ(plain({"getTvFile", "x"}),
+              "2 mlkctl: IMlkProjectConfigs getTvFile: it answers bytes; --raw prints them\n");
+    EXPECT_EQ(plain({"--raw", "getTvFile", "x"}),
+              "2 mlkctl: IMlkProjectConfigs getTvFile: --plain and --raw are two forms; one is "
+              "possible\n");
+    script.emptyTexts = true;
+    EXPECT_EQ(plain({"getPanelName"}), "1 ");
+    script.success = false;
+    EXPECT_EQ(plain({"getProjectId"}), "1 ");
+}
+
 TEST(CallTest, MemoryThatCannotBeReadIsNoAnswer) {
     Script script;
     script.memory = std::string("x");

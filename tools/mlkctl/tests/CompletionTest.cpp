@@ -117,7 +117,7 @@ TEST(CompletionTest, CompletesCommandsAndOptions) {
 
 TEST(CompletionTest, CompletesInterfacesAndTheirMethods) {
     EXPECT_THAT(completions({"call", ""}),
-                ElementsAre("--help", "--raw", "--timeout", "IMlkFrameworkConfigs",
+                ElementsAre("--help", "--plain", "--raw", "--timeout", "IMlkFrameworkConfigs",
                             "IMlkProjectConfigs", "IMlkTvConfigs", "framework", "project", "tv"));
     EXPECT_THAT(completions({"call", "tv", "getW"}), ElementsAre("getWOWEnabled"));
     EXPECT_THAT(completions({"call", "getPan"}), ElementsAre("getPanelName"));
