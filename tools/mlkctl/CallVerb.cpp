@@ -77,7 +77,7 @@ Examples:
   mlkctl call IMlkProjectConfigs getConfig '[LiveTV]' TvConfig
   mlkctl call IMlkProjectConfigs getHDMIEdidPath 0 EDID_2P0
   mlkctl call IMlkProjectConfigs getFreqTableList USA DTV_CABLE HRC
-  mlkctl call --raw IMlkProjectConfigs getTvFile $MLK_ROOT/tvconfigs/customer.ini
+  mlkctl call --raw getTvFile "$(mlkctl call --plain getTvconfigsPath)/customer.ini"
 )";
 
 std::string methodsHelp(const Interface& interface) {

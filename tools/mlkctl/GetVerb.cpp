@@ -92,7 +92,10 @@ class GetVerb : public Verb {
         for (const V1_0::ConfigKeyValue& item : items) {
             const std::string value(item.value.c_str(), item.value.size());
             const std::string key(item.key.c_str(), item.key.size());
-            const std::string line = valueOnly ? value : key + '=' + value;
+            std::string line = value;
+            if (!valueOnly) {
+                line.insert(0, key + '=');
+            }
             output.line(output.isTerminal() ? printable(line) : line);
         }
     }
