@@ -83,8 +83,10 @@ TEST_F(SampleClientTest, AFileThatIsGoneIsMarked) {
 TEST_F(SampleClientTest, ASetWithoutItsModelSaysSo) {
     mSet.dir().write("impdata/project_id.bin", "PROJECT_ID=99\n");
     start();
-    EXPECT_THAT(mlkctl({"show"}), StartsWith("This set has no model:\n/tvconfigs/system/tarnquill_skerry.ini has none of "
-                           "index 99.\n\nProject\n"));
+    EXPECT_THAT(
+            mlkctl({"show"}),
+            StartsWith("This set has no model:\n/tvconfigs/system/tarnquill_skerry.ini has none of "
+                       "index 99.\n\nProject\n"));
 }
 
 TEST_F(SampleClientTest, ChangesAreWatched) {
