@@ -148,7 +148,7 @@ std::vector<std::string> changes(const Facts& before, const Facts& now) {
         const std::string latter = valueIn(now, fact.first);
         if (former != latter) {
             std::string line = fact.first;
-            line += ": " + former + " -> " + latter;
+            line.append(": ").append(former).append(" -> ").append(latter);
             lines.push_back(std::move(line));
         }
     }
