@@ -55,7 +55,7 @@ struct OptionGroup {
     std::vector<Option> options;
 };
 
-/** A command line and what it does. */
+/** A command line and what it does, short enough to stand beside it. */
 struct Example {
     std::string_view line;
     std::string_view what;

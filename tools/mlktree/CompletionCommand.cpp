@@ -38,13 +38,12 @@ Command completionCommand() {
             "The script completes commands, options and their values, rules, files and folders, "
             "and "
             "what the tree of the command line has: models, boards, customers, countries, "
-            "properties, sections and keys. For these it starts mlktree, which reads the tree.";
+            "properties, sections and keys. For these it starts mlktree, which reads the tree.\n\n"
+            "In zsh it is loaded like in bash, in fish by: mlktree completion fish | source";
     command.statuses = {{0, "done"}, {2, "the command line is wrong"}};
     command.examples = {
             {". <(mlktree completion bash)", "for this bash"},
-            {"mlktree completion zsh > /usr/local/share/zsh/site-functions/_mlktree",
-             "for every zsh"},
-            {"mlktree completion fish > ~/.config/fish/completions/mlktree.fish", "for your fish"},
+            {"mlktree completion bash >> ~/.bash_completion", "for every bash"},
     };
     command.mostWords = 1;
     command.nextWord = shellWord;

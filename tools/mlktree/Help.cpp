@@ -117,9 +117,14 @@ std::string helpOf(const Command& command) {
     text += optionsUnder("Help", {helpOption()});
     text += statuses(command.statuses);
     text += "\nExamples:\n";
+    size_t longest = 0;
     for (const Example& example : command.examples) {
-        text += "  " + std::string(example.line) + "\n" +
-                paragraph("      ", example.what, 6, kHelpWidth);
+        longest = std::max(longest, example.line.size());
+    }
+    for (const Example& example : command.examples) {
+        text += "  " + std::string(example.line) +
+                std::string(longest + 2 - example.line.size(), ' ') + "# " +
+                std::string(example.what) + "\n";
     }
     return text;
 }

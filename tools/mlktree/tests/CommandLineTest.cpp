@@ -5,6 +5,7 @@
 #include <set>
 #include <sstream>
 
+#include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Help.h"
 #include "tools/mlktree/Tree.h"
 #include "tools/mlktree/tests/Harness.h"
@@ -59,7 +60,7 @@ TEST(HelpTest, NamesEveryOptionOfACommand) {
         }
         EXPECT_FALSE(command.examples.empty()) << command.name;
         for (const Example& example : command.examples) {
-            EXPECT_THAT(outcome.out, HasSubstr("\n  " + std::string(example.line) + "\n"));
+            EXPECT_THAT(outcome.out, HasSubstr("\n  " + std::string(example.line) + "  "));
         }
     }
 }
@@ -165,6 +166,23 @@ TEST(ParseTest, TakesWordsAsTheyAre) {
     EXPECT_THAT(parse(rules, {"--format", "json", "--", "a"}).words(), ElementsAre("a"));
     EXPECT_EQ(parse(*findCommand("check"), {"--board", "[x]"}).value("--board"), "[x]");
     EXPECT_EQ(parse(*findCommand("check"), {"--board", ""}).value("--board", "y"), "");
+}
+
+TEST(ColourTest, IsAMatterOfTerminalVariableAndOption) {
+    Output output(-1);
+    std::ostringstream errors;
+    Environment plain{output, errors, false, "", false};
+    Environment noColor{output, errors, false, "", true};
+    Arguments none;
+    EXPECT_TRUE(isColoured(none, plain, true));
+    EXPECT_FALSE(isColoured(none, plain, false));
+    EXPECT_FALSE(isColoured(none, noColor, true));
+    Arguments always;
+    always.add("--color", "always");
+    EXPECT_TRUE(isColoured(always, noColor, false));
+    Arguments never;
+    never.add("--color", "never");
+    EXPECT_FALSE(isColoured(never, plain, true));
 }
 
 TEST(RulesCommandTest, ListsAndExplains) {
