@@ -52,10 +52,10 @@ std::optional<AllowComment> parse(const Place& place, std::string_view comment) 
 
 // A comment's text without its signs; nothing if the line is no comment.
 std::optional<std::string_view> commentOf(const ReadLine& line) {
-    std::string_view text = trimmed(line.text);
     if (line.use != LineUse::NOTHING) {
         return std::nullopt;
     }
+    const std::string_view text = trimmed(line.text);
     if (startsWith(text, "//")) {
         return text.substr(2);
     }

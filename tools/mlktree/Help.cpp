@@ -42,11 +42,11 @@ std::string statuses(const std::vector<std::pair<int, std::string_view>>& rows) 
 }  // namespace
 
 std::string helpTextOf(const Option& option) {
-    std::vector<std::string> parts(option.choices.begin(), option.choices.end());
+    std::string more = joined({option.choices.begin(), option.choices.end()});
     if (!option.otherwise.empty()) {
-        parts.push_back("default: " + std::string(option.otherwise));
+        more += (more.empty() ? "default: " : "; default: ") + std::string(option.otherwise);
     }
-    return std::string(option.help) + (parts.empty() ? "" : " (" + joined(parts) + ")");
+    return std::string(option.help) + (more.empty() ? "" : " (" + more + ")");
 }
 
 const std::vector<Variable>& variables() {
@@ -78,8 +78,8 @@ std::string generalHelp() {
     text += paragraph(
             "",
             "Works on a partition tree: a folder with tvconfigs/, tvdata/ and impdata/. It needs "
-            "no "
-            "service, writes nothing to the tree, and reads files with the service's own readers.",
+            "no service, changes nothing unless it is told to, and reads files with the service's "
+            "own readers.",
             0, kHelpWidth);
     text += "\nCommands:\n";
     for (const Command& command : commands()) {
