@@ -47,7 +47,7 @@ Value choiceOf(const TomlTable& table, std::string_view key,
 
 // The name of a rule; "*" for all if that is allowed.
 std::string ruleOf(const TomlTable& table, bool mayBeAll) {
-    const std::string name = table.text("rule");
+    std::string name = table.text("rule");
     if (findRule(name) != nullptr || (mayBeAll && name == "*")) {
         return name;
     }
@@ -62,7 +62,7 @@ std::string ruleOf(const TomlTable& table, bool mayBeAll) {
 }
 
 std::string patternOfPaths(const TomlTable& table) {
-    const std::string pattern = table.text("files", "**");
+    std::string pattern = table.text("files", "**");
     if (pattern.empty() || pattern.front() == '/') {
         table.refuse("files",
                      "\"files\" is relative to the tree: \"tvconfigs/model/*.ini\", \"**\" for all "
@@ -72,7 +72,7 @@ std::string patternOfPaths(const TomlTable& table) {
 }
 
 std::string reasonOf(const TomlTable& table) {
-    const std::string reason = table.text("reason");
+    std::string reason = table.text("reason");
     if (reason.find_first_not_of(" \t\n") == std::string::npos) {
         table.refuse("reason", "the reason is empty; say why the finding is right as it is");
     }

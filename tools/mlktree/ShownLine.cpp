@@ -57,7 +57,7 @@ std::string escaped(uint32_t code) {
 }
 
 std::string shownPiece(std::string_view piece) {
-    const std::string text = printable(piece);
+    std::string text = printable(piece);
     if (text != piece || piece.size() < 2) {
         return text;
     }
