@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/testing/Eventually.h"
+#include "host/testing/TimeLimit.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/tests/Harness.h"
 
@@ -40,9 +41,11 @@ TEST(WorkerTest, IsLeftBehindWhenItsWorkTakesTooLong) {
     auto release = std::make_shared<std::promise<void>>();
     const std::shared_future<void> released = release->get_future();
     {
+        const mlk::testing::TimeLimit limit([release] { release->set_value(); });
         Worker worker;
         EXPECT_FALSE(worker.run([released] { released.wait(); }, std::chrono::seconds(0)));
     }
+    ASSERT_FALSE(HasFailure()) << "it was waited for";
     EXPECT_TRUE(anyPending());
     release->set_value();
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
