@@ -79,6 +79,7 @@ TEST(WorkerTest, GivesEachPieceOfAGroupTheLimit) {
     const std::shared_future<void> released = release->get_future();
     const auto start = Worker::Clock::now();
     {
+        const mlk::testing::TimeLimit limit([release] { release->set_value(); });
         Worker worker;
         const auto wait = [released](std::chrono::milliseconds time) {
             return [released, time] {
@@ -86,14 +87,16 @@ TEST(WorkerTest, GivesEachPieceOfAGroupTheLimit) {
                 return true;
             };
         };
-        constexpr std::chrono::milliseconds kShort(400);
+        // Together they take longer than one may.
+        constexpr std::chrono::milliseconds kShort(700);
         const Worker::Outcome outcome = worker.runAll(
                 {wait(kShort), wait(kShort), wait(kShort), wait(std::chrono::hours(1))},
-                std::chrono::seconds(1));
+                std::chrono::seconds(2));
         EXPECT_EQ(outcome.ended, 3U);
         EXPECT_TRUE(outcome.hangs);
     }
-    EXPECT_GE(Worker::Clock::now() - start, std::chrono::milliseconds(2200));
+    ASSERT_FALSE(HasFailure()) << "it was waited for";
+    EXPECT_GE(Worker::Clock::now() - start, std::chrono::milliseconds(4100));
     EXPECT_TRUE(anyPending());
     release->set_value();
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
