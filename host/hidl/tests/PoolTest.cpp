@@ -14,7 +14,10 @@
 
 #include "RawClient.h"
 #include "Server.h"
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
+#include "host/testing/ProcessUsage.h"
+#include "host/testing/Sanitizers.h"
 #include "host/testing/Threads.h"
 #include "host/testing/TimeLimit.h"
 
@@ -125,6 +128,36 @@ TEST_F(PoolTest, SilentClientsCostNoThread) {
     const auto before = timeOf(server.pid());
     (void)poll(nullptr, 0, 300);
     EXPECT_LT(timeOf(server.pid()) - before, std::chrono::milliseconds(100));
+}
+
+TEST_F(PoolTest, ClientsThatHaveBecomeQuietKeepNoMemory) {
+    constexpr size_t kClients = 100;
+    constexpr size_t kSize = 60'000;
+    if (testing::kAddressSanitizer || testing::kThreadSanitizer) {
+        GTEST_SKIP() << "the sanitizer has its own use of memory";
+    }
+    if (!allowMoreDescriptors(kClients)) {
+        GTEST_SKIP() << "too few descriptors";
+    }
+    const Server server({"default", "10+join", ""});
+    const RawMessage call = textCall(std::string(kSize, 'x'));
+    std::vector<std::unique_ptr<RawClient>> quiet;
+    const auto addClient = [&] {
+        quiet.push_back(std::make_unique<RawClient>(mSet.runtime()));
+        EXPECT_TRUE(quiet.back()->hello());
+        EXPECT_TRUE(quiet.back()->send(call));
+        EXPECT_EQ(quiet.back()->replyStatus(), ::android::OK);
+        // A thread stays with its client for a moment, and then leaves the memory there or not.
+        (void)poll(nullptr, 0, 20);
+    };
+    addClient();
+    const size_t before = testing::residentOf(server.pid());
+    while (quiet.size() < kClients) {
+        addClient();
+    }
+    EXPECT_TRUE(testing::eventually([&] {
+        return testing::residentOf(server.pid()) < before + kClients * kSize / 2;
+    })) << testing::residentOf(server.pid()) - before;
 }
 
 // Clients that call again as soon as they are answered: more and fewer than there are threads.
