@@ -33,7 +33,8 @@ const Option* Command::find(std::string_view option) const {
 }
 
 const std::vector<Command>& commands() {
-    static const std::vector<Command> kCommands = {checkCommand(), fixCommand(), rulesCommand(),
+    static const std::vector<Command> kCommands = {checkCommand(),      fixCommand(),
+                                                   rulesCommand(),      newCommand(),
                                                    completionCommand(), completeCommand()};
     return kCommands;
 }

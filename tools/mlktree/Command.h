@@ -126,6 +126,7 @@ const Option& helpOption();
 Command checkCommand();
 Command fixCommand();
 Command rulesCommand();
+Command newCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */
 

@@ -78,8 +78,8 @@ std::string generalHelp() {
     text += paragraph(
             "",
             "Works on a partition tree: a folder with tvconfigs/, tvdata/ and impdata/. It needs "
-            "no service, changes nothing unless it is told to, and reads files with the service's "
-            "own readers.",
+            "no service, and reads files with the service's own readers. Only fix --write and new "
+            "write to a tree.",
             0, kHelpWidth);
     text += "\nCommands:\n";
     for (const Command& command : commands()) {
