@@ -6,11 +6,15 @@
 
 #include "common/ItemStore.h"
 #include "common/Paths.h"
+#include "projectconfigs/BoardID.h"
 #include "projectconfigs/IniProjectParser.h"
 #include "projectconfigs/ProjectFileReader.h"
+#include "projectconfigs/ProjectID.h"
 #include "regional/FreqTableParser.h"
 #include "regional/ListFile.h"
 #include "regional/RegionalData.h"
+#include "regional/TvSysMapCfgHolder.h"
+#include "tools/mlktree/TreeProperties.h"
 #include "tvconfigs/FileConfigEditor.h"
 
 namespace mlk::tree {
@@ -23,6 +27,13 @@ product::ProjectFileReader chainReader(const Tree& tree, FileLines& lines) {
     const Partitions& partitions = tree.partitions();
     return {partitions.tvdata.c_str(), partitions.tvconfigs.c_str(), partitions.impdata.c_str(),
             &lines};
+}
+
+// The reader knows the place of the file itself.
+void readCountryId(const Tree& tree, FileLines& lines) {
+    product::RegionalData data([&tree] { return tree.partitions(); }, &lines);
+    const TreeProperties none("", {});
+    (void)product::TvSysMapCfgHolder(tree.partitions(), none, data).savedCountry();
 }
 
 }  // namespace
@@ -71,9 +82,15 @@ std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, F
         case FileFormat::TV_SYSTEMS:
         case FileFormat::COUNTRY_MAP:
         case FileFormat::CHANNEL_PLANS:
+            break;
         case FileFormat::PROJECT_ID:
+            (void)product::ProjectID::read(tree.partitions().impdata, lines.get());
+            break;
         case FileFormat::BOARD_ID:
+            (void)product::BoardID(tree.partitions().impdata, lines.get());
+            break;
         case FileFormat::COUNTRY_ID:
+            readCountryId(tree, *lines);
             break;
     }
     lines->finish(product::pathExists(host), std::move(channels));

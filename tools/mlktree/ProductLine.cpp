@@ -11,6 +11,11 @@ namespace {
 
 const std::vector<Naming> kNobody;
 
+bool isIdentity(FileFormat format) {
+    return format == FileFormat::PROJECT_ID || format == FileFormat::BOARD_ID ||
+           format == FileFormat::COUNTRY_ID;
+}
+
 // Collects the sets that lead to a file, from the lines that name it upwards.
 class SetFinder {
   public:
@@ -20,6 +25,8 @@ class SetFinder {
         if (!mVisited.insert(path).second) {
             return;
         }
+        const FileLines* const file = mLine.find(path);
+        mIsAll |= file != nullptr && isIdentity(file->format());
         for (const Customer& customer : mLine.customers()) {
             mIsAll |= customer.file->path() == path ||
                       (customer.system != nullptr && customer.system->path() == path);
@@ -38,7 +45,8 @@ class SetFinder {
             if (naming.file == nullptr) {
                 mIsAll |= mVisited.size() > 1 || !isBoard(path);
             } else if (naming.file->format() != FileFormat::SYSTEM &&
-                       naming.file->format() != FileFormat::CUSTOMER) {
+                       naming.file->format() != FileFormat::CUSTOMER &&
+                       naming.file->format() != FileFormat::BOARD_ID) {
                 follow(naming.file->path());
             }
         }
@@ -85,7 +93,11 @@ class SetFinder {
 
 ProductLine::ProductLine(const Tree& tree, const Settings& settings,
                          const TreeProperties& properties, const Selection& selection)
-    : mTree(tree), mSettings(settings), mProperties(properties), mSources(tree) {
+    : mTree(tree),
+      mSettings(settings),
+      mProperties(properties),
+      mSources(tree),
+      mIsWhole(!selection.model && selection.board.empty()) {
     ProductLineBuilder(*this, selection).build();
 }
 

@@ -18,6 +18,10 @@
 
 namespace mlk::tree {
 
+/** The files of a set's identity, relative to the tree. */
+inline constexpr const char* kProjectIdPath = "impdata/project_id.bin";
+inline constexpr const char* kBoardIdPath = "impdata/board_id.bin";
+
 /** A customer file and the system file that it names. */
 struct Customer {
     const FileLines* file = nullptr;
@@ -112,6 +116,9 @@ class ProductLine {
     /** The board file that "board_id.bin" names, relative to the tree; empty for none. */
     const std::string& boardOfSet() const { return mBoardIdPath; }
 
+    /** True unless the selection leaves out models or boards. */
+    bool isWhole() const { return mIsWhole; }
+
     /** models x boards x countries (at least one of each). */
     size_t setCount() const;
 
@@ -149,6 +156,7 @@ class ProductLine {
     const Settings& mSettings;
     const TreeProperties& mProperties;
     const Sources mSources;
+    const bool mIsWhole;
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;

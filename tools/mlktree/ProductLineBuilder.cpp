@@ -9,7 +9,6 @@
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
-#include "projectconfigs/BoardID.h"
 #include "projectconfigs/ChainKeywords.h"
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/KnownProperties.h"
@@ -67,6 +66,7 @@ std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view
 }
 
 void ProductLineBuilder::build() {
+    readIdentity();
     findCustomers();
     findModels();
     findBoards();
@@ -76,6 +76,21 @@ void ProductLineBuilder::build() {
     followPlans();
     findCountries();
     selectCountry();
+}
+
+void ProductLineBuilder::readIdentity() {
+    const std::pair<std::string, FileFormat> files[] = {
+            {kProjectIdPath, FileFormat::PROJECT_ID},
+            {kBoardIdPath, FileFormat::BOARD_ID},
+            {"tvdata" + std::string(product::kCountryIdFolder) + product::kCountryIdFile,
+             FileFormat::COUNTRY_ID}};
+    for (const auto& [path, format] : files) {
+        // A new set has none of them.
+        if (product::pathExists(mLine.mTree.host(path))) {
+            ask(path, format);
+        }
+    }
+    readRequests();
 }
 
 void ProductLineBuilder::findCustomers() {
@@ -141,16 +156,19 @@ void ProductLineBuilder::findModels() {
 
 void ProductLineBuilder::findBoards() {
     const Partitions& partitions = mLine.mTree.partitions();
-    const std::string boardId = product::BoardID(partitions.impdata).Get();
-    const bool isNone = boardId == product::keyword::kNoBoardFile;
-    if (!boardId.empty() && !isNone) {
-        product::ProjectFileReader reader(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(),
-                                          partitions.impdata.c_str(), nullptr);
-        mLine.mBoardIdPath = mLine.mTree.relative(reader.cleanPath(boardId));
-        name(mLine.mBoardIdPath, nullptr, nullptr);
-    }
+    const FileLines* const identity = fileOf(kBoardIdPath);
+    const ReadLine* const id =
+            identity != nullptr ? identity->find("", product::keyword::kBoardId) : nullptr;
+    product::ProjectFileReader reader(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(),
+                                      partitions.impdata.c_str(), nullptr);
+    const std::string boardPath(id != nullptr ? reader.cleanPath(id->value) : "");
     std::vector<std::string> paths;
-    bool hasNone = isNone;
+    // A misspelt word for no board is the path of a file that does not exist.
+    bool hasNone = !boardPath.empty() && boardPath.find('/') == std::string::npos;
+    if (!boardPath.empty() && !hasNone) {
+        mLine.mBoardIdPath = mLine.mTree.relative(boardPath);
+        name(mLine.mBoardIdPath, identity, id);
+    }
     if (mSelection.board == "none") {
         hasNone = true;
     } else if (!mSelection.board.empty()) {

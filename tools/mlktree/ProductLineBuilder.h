@@ -26,6 +26,7 @@ class ProductLineBuilder {
   private:
     using Request = std::pair<std::string, FileFormat>;  // path relative to the tree
 
+    void readIdentity();
     void findCustomers();
     void findModels();
     void findBoards();

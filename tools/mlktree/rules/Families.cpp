@@ -6,8 +6,10 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(), readingLines(), readingValues(), replacing(), paths(),
-            countries(),    coverage(),     planLines(),     channels(),  xml(),
+            readingBytes(), readingLines(), readingValues(), replacing(),  models(),
+            identity(),     paths(),        pathForms(),     names(),      itemValues(),
+            missingItems(), ownItems(),     features(),      properties(), unused(),
+            countries(),    coverage(),     planLines(),     channels(),   xml(),
             maps(),         tvSystems(),    savedCountry(),  allowing(),
     };
     return families;

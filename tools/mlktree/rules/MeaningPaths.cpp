@@ -2,6 +2,8 @@
 
 #include <dirent.h>
 #include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <iterator>
 #include <memory>
@@ -10,6 +12,7 @@
 #include "common/Paths.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/MeaningPath.h"
 #include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
@@ -53,7 +56,22 @@ std::optional<std::string> inAnotherCase(const std::string& host) {
     return found;
 }
 
+// True if a line names a file in the form of a path into the partitions.
+bool isLookedFor(const Naming& naming) {
+    if (naming.file == nullptr || naming.line == nullptr || hasBlankInElement(*naming.line)) {
+        return false;
+    }
+    // Other forms have rules of their own.
+    return !isWholePath(naming) || formOf(naming.line->value) == PathForm::INSIDE;
+}
+
 void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
+    for (const Customer& customer : line.customers()) {
+        if (!pathExists(line.tree().host(customer.file->path()))) {
+            reporter.reportIn({"all"}, placeOf(*customer.file),
+                              "there is no customer file, with which everything begins");
+        }
+    }
     for (const auto& [path, namings] : line.namedPaths()) {
         const std::string host = line.tree().host(path);
         if (pathExists(host)) {
@@ -61,15 +79,79 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
         }
         const std::optional<std::string> other = inAnotherCase(host);
         for (const Naming& naming : namings) {
-            if (naming.file == nullptr || hasBlankInElement(*naming.line)) {
+            if (!isLookedFor(naming)) {
                 continue;
             }
-            std::string message = "there is no file " + std::string(naming.line->value);
+            std::string message = "there is no file " + line.tree().written(host);
             if (other) {
                 message += "; case counts, and there is " + line.tree().written(*other);
             }
             reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
                             std::move(message));
+        }
+    }
+}
+
+// True for files whose rules are those of XML files and plans.
+bool isOfRegion(const FileLines* file) {
+    if (file == nullptr) {
+        return false;
+    }
+    switch (file->format()) {
+        case FileFormat::TV_SYSTEMS:
+        case FileFormat::COUNTRY_MAP:
+        case FileFormat::CHANNEL_MAP:
+        case FileFormat::CHANNEL_PLAN:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Why the service cannot use a file that exists; empty if it can.
+std::string problemOfFile(const ProductLine& line, const std::string& path) {
+    const FileLines* const file = line.find(path);
+    if (isOfRegion(file)) {
+        return "";
+    }
+    const std::string host = line.tree().host(path);
+    struct stat info {};
+    if (stat(host.c_str(), &info) != 0) {
+        return "";
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return S_ISDIR(info.st_mode) ? "is a folder, not a file" : "is no regular file";
+    }
+    for (const Problem& problem : file != nullptr ? file->problems() : std::vector<Problem>()) {
+        if (problem.text.find("cannot be read") == 0) {
+            return problem.text;
+        }
+    }
+    return access(host.c_str(), R_OK) == 0 ? "" : "cannot be read: no permission";
+}
+
+void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, namings] : line.namedPaths()) {
+        const std::string problem = problemOfFile(line, path);
+        if (problem.empty()) {
+            continue;
+        }
+        const Related related{{path, 0, 0}, "this file"};
+        for (const Naming& naming : namings) {
+            const std::string message = line.tree().written(line.tree().host(path)) + " " + problem;
+            if (naming.file == nullptr) {
+                reporter.report({path, 0, 0}, message);
+            } else if (isOfService(naming)) {
+                reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
+                                message, {related});
+            }
+        }
+    }
+    for (const auto& [path, file] : line.files()) {
+        const std::string problem = line.namings(path).empty() ? problemOfFile(line, path) : "";
+        if (!problem.empty()) {
+            reporter.report(placeOf(*file),
+                            line.tree().written(line.tree().host(path)) + " " + problem);
         }
     }
 }
@@ -80,6 +162,11 @@ constexpr Rule kRules[] = {
          "empty, and clients get a path that leads nowhere.",
          "[AUDIO]\nAUDIO_CONFIG_PATH = /tvconfigs/audio/Panel.ini      (the file is panel.ini)",
          "[AUDIO]\nAUDIO_CONFIG_PATH = /tvconfigs/audio/panel.ini", checkMissingFiles},
+        {"unusable-file", Severity::ERROR, "a file that a line names cannot be used",
+         "The service refuses folders, pipes, files without permission and files larger than their "
+         "format allows, and goes on without their content.",
+         "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke      (a folder)",
+         "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke/home.ini", checkUnusableFiles},
 };
 
 }  // namespace

@@ -100,7 +100,11 @@ void checkCarriageReturns(const ProductLine& line, Reporter& reporter) {
         const ReadLine* first = nullptr;
         size_t count = 0;
         // A country whose name ends in one is unknown: the rule for countries says so.
-        const bool isText = file->format() != FileFormat::COUNTRY_LIST;
+        // In a file of the identity, it does no harm but to one word of board_id.bin.
+        const bool isText = file->format() != FileFormat::COUNTRY_LIST &&
+                            file->format() != FileFormat::PROJECT_ID &&
+                            file->format() != FileFormat::BOARD_ID &&
+                            file->format() != FileFormat::COUNTRY_ID;
         for (const ReadLine& read : file->lines()) {
             if (isText && read.column != 0 && keepsCarriageReturn(*file, read)) {
                 first = first == nullptr ? &read : first;

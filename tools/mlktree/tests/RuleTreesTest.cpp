@@ -46,7 +46,7 @@ void layOver(const fs::path& overlay, const fs::path& tree) {
 // Notes of other rules than this one are left out: a sound tree may have them.
 std::string findingsOf(const std::string& root, const std::string& rule) {
     const Tree tree(root, {});
-    const Settings settings;
+    const Settings settings = readSettings(root + "/mlktree.toml");
     const TreeProperties properties(root + "/data/property", {});
     const ProductLine line(tree, settings, properties, {});
     std::ostringstream out;

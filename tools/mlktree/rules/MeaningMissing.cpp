@@ -1,0 +1,200 @@
+// Rules about items that a getter reads and a model lacks.
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <map>
+
+#include "common/Paths.h"
+#include "regional/RegionalNames.h"
+#include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Meaning.h"
+#include "tools/mlktree/rules/Texts.h"
+#include "tvconfigs/TvConfigItems.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return lower;
+}
+
+// True if a line that other rules report was probably meant to be this item, or its section.
+bool isMeantSomewhere(const FileLines& file, const product::ConfigKey& name,
+                      const Misspellings& misspelt) {
+    const std::string key = lowerCase(name.key);
+    const std::string section = lowerCase(name.category.substr(1, name.category.size() - 2));
+    for (const ReadLine& read : file.lines()) {
+        if (read.use == LineUse::NOTHING) {
+            continue;
+        }
+        const bool isBroken = isBrokenSection(read) || beginsWith(read.text, kByteOrderMark) ||
+                              (read.use == LineUse::SECTION && !isWholeSection(read.section));
+        if (isBroken && lowerCase(read.text).find(section) != std::string::npos) {
+            return true;
+        }
+        if (read.use == LineUse::SECTION) {
+            const auto meant = misspelt.sections.find(read.section);
+            if (meant != misspelt.sections.end() && meant->second == name.category) {
+                return true;
+            }
+            continue;
+        }
+        const auto meant = misspelt.keys.find({read.section, read.key});
+        if ((meant != misspelt.keys.end() && meant->second == name.key &&
+             read.section == name.category) ||
+            lowerCase(trimmed(read.text.substr(0, read.text.find('=')))).find(key) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The models that have an item, and those that lack it without another finding.
+struct Spread {
+    size_t having = 0;
+    std::vector<const ItemFile*> lacking;
+};
+
+Spread spreadOf(const std::vector<ItemFile>& files, const product::ConfigKey& name) {
+    Spread spread;
+    size_t boards = 0;
+    size_t boardsHaving = 0;
+    for (const ItemFile& item : files) {
+        const bool hasItem = item.file->find(name.category, name.key) != nullptr;
+        if (item.isBoard) {
+            ++boards;
+            boardsHaving += hasItem ? 1 : 0;
+        } else if (hasItem) {
+            ++spread.having;
+        } else {
+            spread.lacking.push_back(&item);
+        }
+    }
+    if (boards > 0 && boardsHaving == boards) {
+        spread.lacking.clear();
+    }
+    return spread;
+}
+
+// Reports the items that `isUnusual` asks for, one finding a section of a file.
+template <typename IsUnusual>
+void checkItems(const ProductLine& line, Reporter& reporter, const IsUnusual& isUnusual) {
+    const std::vector<ItemFile> files = itemFilesOf(line);
+    const Misspellings misspelt = misspellingsOf(line, files);
+    struct Lack {
+        std::string keys;
+        size_t having = 0;
+    };
+    std::map<std::pair<const FileLines*, std::string_view>, Lack> lacks;
+    for (const product::KnownItem& known : product::kKnownItems) {
+        const Spread spread = spreadOf(files, known.name);
+        if (!isUnusual(spread)) {
+            continue;
+        }
+        for (const ItemFile* const item : spread.lacking) {
+            if (!isMeantSomewhere(*item->file, known.name, misspelt)) {
+                Lack& lack = lacks[{item->file, known.name.category}];
+                lack.keys += (lack.keys.empty() ? "" : ", ") + std::string(known.name.key);
+                lack.having = std::max(lack.having, spread.having);
+            }
+        }
+    }
+    for (const auto& [name, lack] : lacks) {
+        const auto& [file, section] = name;
+        const auto first = file->sections().find(section);
+        const Place place = first != file->sections().end()
+                                    ? placeOf(line, *file, *first->second, section)
+                                    : placeOf(*file);
+        reporter.report(place,
+                        "no " + std::string(section) + " " + lack.keys + ", which " +
+                                counted(lack.having, "other model has", "other models have"));
+    }
+}
+
+constexpr size_t kFewestOthers = 3;
+
+// One model alone lacks what all others have.
+bool isAlone(const Spread& spread) {
+    return spread.lacking.size() == 1 && spread.having >= kFewestOthers;
+}
+
+void checkAlone(const ProductLine& line, Reporter& reporter) {
+    checkItems(line, reporter, isAlone);
+}
+
+void checkMost(const ProductLine& line, Reporter& reporter) {
+    checkItems(line, reporter, [](const Spread& spread) {
+        return !isAlone(spread) && spread.having > spread.lacking.size();
+    });
+}
+
+// True if a country may bring its TV feature file for sets of that model.
+bool hasFeaturesOfCountries(const ProductLine& line, const FileLines& model) {
+    return std::any_of(
+            line.tvSystems().begin(), line.tvSystems().end(), [&](const TvSystemFiles& systems) {
+                const std::vector<Naming>& namings = line.namings(systems.file->path());
+                return systems.map != nullptr &&
+                       systems.map->find("", product::element::kFeaturesOfCountry) != nullptr &&
+                       std::any_of(namings.begin(), namings.end(),
+                                   [&](const Naming& naming) { return naming.file == &model; });
+            });
+}
+
+void checkFeatures(const ProductLine& line, Reporter& reporter) {
+    const std::vector<ItemFile> files = itemFilesOf(line);
+    const Misspellings misspelt = misspellingsOf(line, files);
+    const product::ConfigKey& name = product::kTvConfigItem;
+    const Spread spread = spreadOf(files, name);
+    const std::string usual = "tvconfigs" + std::string(product::kDefaultTvConfigFile);
+    const bool hasUsual = product::pathExists(line.tree().host(usual));
+    for (const ItemFile* const item : spread.lacking) {
+        const bool isOfCountry = hasFeaturesOfCountries(line, *item->file);
+        if ((hasUsual && !isOfCountry) || isMeantSomewhere(*item->file, name, misspelt) ||
+            isAlone(spread)) {
+            continue;
+        }
+        const auto section = item->file->sections().find(name.category);
+        const Place place = section != item->file->sections().end()
+                                    ? placeOf(line, *item->file, *section->second, name.category)
+                                    : placeOf(*item->file);
+        reporter.report(place,
+                        "no " + std::string(name.category) + " " + std::string(name.key) + ": " +
+                                (isOfCountry ? "the TV feature files of the countries are not used"
+                                             : "all features come from properties, because there "
+                                               "is no /" +
+                                                       usual + " either"));
+    }
+}
+
+constexpr Rule kRules[] = {
+        {"missing-item", Severity::WARNING,
+         "a model lacks an item that all other models have, at least three",
+         "The getter has no answer for this model. If that is right, an empty value says so.",
+         "a model without [PowerOnMode] ModeStatus, which six others have",
+         "[PowerOnMode]\nModeStatus = 0", checkAlone},
+        {"rare-lack", Severity::NOTE, "a model lacks an item that most models have",
+         "The getter has no answer for this model.",
+         "two of seven models without [IRFilter] IR_Filter", "[IRFilter]\nIR_Filter =", checkMost},
+        {"missing-tv-config", Severity::ERROR, "a model has no TV feature file",
+         "A country replaces the path of the model's TV feature file and adds none. Without a file "
+         "all features come from properties, and most are off.",
+         "[COUNTRY]\ntvSysMap = /tvconfigs/tvsysmap/systems.xml      (no [LiveTV] TvConfig)",
+         "[LiveTV]\nTvConfig = /tvconfigs/tv/tv_eu.config", checkFeatures},
+};
+
+}  // namespace
+
+RuleFamily missingItems() {
+    return {"missing-items", "Items that a model lacks", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree

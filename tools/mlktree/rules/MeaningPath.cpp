@@ -1,0 +1,70 @@
+#include "tools/mlktree/rules/MeaningPath.h"
+
+#include <iterator>
+
+#include "projectconfigs/KnownItems.h"
+#include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+constexpr std::string_view kPartitions[] = {"/tvconfigs", "/tvdata", "/impdata"};
+
+// The first folder of a path, with the "/" before it.
+std::string_view firstFolderOf(std::string_view path) {
+    return path.substr(0, path.find('/', 1));
+}
+
+}  // namespace
+
+PathForm formOf(std::string_view path) {
+    if (!beginsWith(path, "/")) {
+        return PathForm::RELATIVE;
+    }
+    const std::string_view folder = firstFolderOf(path);
+    for (const std::string_view partition : kPartitions) {
+        if (folder == partition) {
+            return PathForm::INSIDE;
+        }
+    }
+    return partitionMeantBy(path).empty() ? PathForm::OUTSIDE : PathForm::BESIDE;
+}
+
+std::string_view partitionMeantBy(std::string_view path) {
+    const std::string_view folder = firstFolderOf(path);
+    for (const std::string_view partition : kPartitions) {
+        if (beginsWith(folder, partition)) {
+            return partition;
+        }
+    }
+    return nearest(folder, {std::begin(kPartitions), std::end(kPartitions)});
+}
+
+bool isWholePath(const Naming& naming) {
+    if (naming.file == nullptr || naming.line == nullptr) {
+        return false;
+    }
+    switch (naming.file->format()) {
+        case FileFormat::CUSTOMER:
+        case FileFormat::SYSTEM:
+        case FileFormat::PROJECT:
+        case FileFormat::BOARD_ID:
+            return true;
+        case FileFormat::TV_SYSTEMS:
+            return !naming.line->section.empty();  // an item; another rule has the path of the map
+        default:
+            return false;
+    }
+}
+
+bool isOfService(const Naming& naming) {
+    const FileFormat format = naming.file->format();
+    return (format != FileFormat::PROJECT && format != FileFormat::TV_SYSTEMS) ||
+           product::findKnownItem({naming.line->section, naming.line->key}) != nullptr;
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tools/mlktree/ProductLine.h"
+
+namespace mlk::tree {
+
+/** Where a path leads, as written in a file. */
+enum class PathForm {
+    INSIDE,   /**< into one of the partitions */
+    BESIDE,   /**< to a folder that has nearly the name of a partition, as "/tvdataX" */
+    OUTSIDE,  /**< elsewhere on the television */
+    RELATIVE, /**< does not begin with a "/" */
+};
+
+/** The form of a path that is not empty. */
+PathForm formOf(std::string_view path);
+
+/** The partition that a path of the form BESIDE probably means, as "/tvdata". */
+std::string_view partitionMeantBy(std::string_view path);
+
+/** True if the value of the line is a path as written, not a part of one as in a map of plans. */
+bool isWholePath(const Naming& naming);
+
+/** True if the service reads the item of the line, or the line belongs to the chain of files. */
+bool isOfService(const Naming& naming);
+
+}  // namespace mlk::tree

@@ -1,0 +1,164 @@
+// Rules about paths that cannot lead to a file of the partitions, or that their reader does not
+// take.
+
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "common/FileLimits.h"
+#include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/SoundDelays.h"
+#include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/MeaningPath.h"
+#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+// Calls check(path relative to the tree, naming) for each line whose value is a path as written;
+// once, even if its path stands for several files.
+template <typename Check>
+void forEachWholePath(const ProductLine& line, const Check& check) {
+    std::set<const ReadLine*> seen;
+    for (const auto& [path, namings] : line.namedPaths()) {
+        for (const Naming& naming : namings) {
+            if (isWholePath(naming) && !naming.line->value.empty() &&
+                !hasBlankInElement(*naming.line) && seen.insert(naming.line).second) {
+                check(path, naming);
+            }
+        }
+    }
+}
+
+void reportAt(const ProductLine& line, Reporter& reporter, const Naming& naming,
+              std::string message) {
+    reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
+                    std::move(message));
+}
+
+void checkPrefixes(const ProductLine& line, Reporter& reporter) {
+    forEachWholePath(line, [&](const std::string& path, const Naming& naming) {
+        const std::string_view value = naming.line->value;
+        if (formOf(value) != PathForm::BESIDE || product::pathExists(line.tree().host(path))) {
+            return;
+        }
+        const std::string_view folder = value.substr(0, value.find('/', 1));
+        const std::string partition(partitionMeantBy(value));
+        const bool isReplaced = beginsWith(folder, partition);
+        reportAt(line, reporter, naming,
+                 quoted(folder) + " is no partition" +
+                         (isReplaced ? ": a \"/\" is missing after \"" + partition + "\""
+                                     : "; is \"" + partition + "\" meant?"));
+    });
+}
+
+void checkRelative(const ProductLine& line, Reporter& reporter) {
+    forEachWholePath(line, [&](const std::string& /* path */, const Naming& naming) {
+        const std::string value(naming.line->value);
+        const bool isBoard = naming.file->format() == FileFormat::BOARD_ID;
+        if (formOf(value) == PathForm::RELATIVE && (!isBoard || value.find('/') != value.npos)) {
+            const bool lacksSlash = formOf("/" + value) == PathForm::INSIDE;
+            reportAt(line, reporter, naming,
+                     "a path begins with a \"/\" and a partition" +
+                             (lacksSlash ? "; write " + quoted("/" + value)
+                                         : ", as \"/tvconfigs/" + value + "\""));
+        }
+    });
+}
+
+void checkOutside(const ProductLine& line, Reporter& reporter) {
+    forEachWholePath(line, [&](const std::string& /* path */, const Naming& naming) {
+        if (formOf(naming.line->value) == PathForm::OUTSIDE && isOfService(naming)) {
+            reportAt(line, reporter, naming,
+                     "the path leads out of the partitions, and whether the file exists is not "
+                     "checked");
+        }
+    });
+}
+
+bool isItem(const Naming& naming, const product::ConfigKey& name) {
+    return naming.line->section == name.category && naming.line->key == name.key;
+}
+
+// Why the reader of the item does not take the path; empty if it does.
+std::string problemOfLength(const ProductLine& line, const std::string& path,
+                            const Naming& naming) {
+    const std::string written = line.tree().written(line.tree().host(path));
+    const auto* const known = product::findKnownItem({naming.line->section, naming.line->key});
+    if (isItem(naming, product::item::kAvrAudio) && written.size() >= product::kAvrPathSize) {
+        return "the path of an AVR's file has fewer than " + std::to_string(product::kAvrPathSize) +
+               " bytes, this one " + std::to_string(written.size());
+    }
+    if (known != nullptr && known->names == FileFormat::AUXILIARY) {
+        const std::string_view name = product::fileNameOf(naming.line->value);
+        return name.size() >= product::kFileNameSize
+                       ? "the name of the file has fewer than " +
+                                 std::to_string(product::kFileNameSize) + " bytes, this one " +
+                                 std::to_string(name.size())
+                       : "";
+    }
+    const bool isFeatures = (known != nullptr && known->names == FileFormat::TV_FEATURES) ||
+                            naming.file->format() == FileFormat::COUNTRY_MAP;
+    return isFeatures && written.size() >= product::kFeaturePathSize
+                   ? "the path of a TV feature file has at most " +
+                             std::to_string(product::kFeaturePathSize - 1) + " bytes, this one " +
+                             std::to_string(written.size())
+                   : "";
+}
+
+void checkLengths(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, namings] : line.namedPaths()) {
+        for (const Naming& naming : namings) {
+            const std::string problem = naming.file != nullptr && naming.line != nullptr
+                                                ? problemOfLength(line, path, naming)
+                                                : "";
+            if (!problem.empty()) {
+                const bool isOther =
+                        product::fileNameOf(path) != product::fileNameOf(naming.line->value);
+                std::vector<Related> related;
+                if (isOther) {
+                    related.push_back({{path, 0, 0}, "a file that is found by this path"});
+                }
+                reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
+                                problem, std::move(related));
+            }
+        }
+    }
+}
+
+constexpr Rule kRules[] = {
+        {"partition-prefix", Severity::ERROR, "a path begins with nearly the name of a partition",
+         "The service replaces the name of a partition at the start of a path, whether or not a "
+         "\"/\" follows: \"/tvdataX/a\" becomes the mount point of tvdata and \"X/a\". Other "
+         "folders of that kind do not exist.",
+         "TvChannelDatabasePath = /tvdatachannels/eu.db",
+         "TvChannelDatabasePath = /tvdata/channels/eu.db", checkPrefixes},
+        {"relative-path", Severity::WARNING, "a path does not begin with a \"/\"",
+         "The service replaces no partition name in it, and looks for the file in the folder in "
+         "which it was started. Files for audio, karaoke, keys and DDC/CI need a folder in their "
+         "path.",
+         "AUDIO_CONFIG_PATH = tvconfigs/audio/panel.ini",
+         "AUDIO_CONFIG_PATH = /tvconfigs/audio/panel.ini", checkRelative},
+        {"outside-path", Severity::NOTE, "a path leads out of the partitions",
+         "A file of the system image changes with another image, and the checker does not see it.",
+         "BootAnimation FileName = /vendor/media/boot.zip",
+         "BootAnimation FileName = /tvconfigs/bootanimation/boot.zip", checkOutside},
+        {"long-path", Severity::ERROR, "a path or a file name is longer than its reader takes",
+         "The service does not use the file: TV feature files have paths of at most 127 bytes, "
+         "files of AVRs paths, and audio, karaoke, key and DDC/CI files names, of fewer than 128.",
+         "a file name of 130 letters", "a file name of 20 letters", checkLengths},
+};
+
+}  // namespace
+
+RuleFamily pathForms() {
+    return {"path-forms", "Paths", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree

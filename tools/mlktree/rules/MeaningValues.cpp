@@ -1,0 +1,144 @@
+// Rules about values that their getters cannot use.
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "common/Decimal.h"
+#include "projectconfigs/SoundDelays.h"
+#include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Meaning.h"
+#include "tools/mlktree/rules/MeaningValue.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+// Calls check(file, line, item) for each known item of a model, a board or a TV system.
+template <typename Check>
+void forEachKnownItem(const ProductLine& line, const Check& check) {
+    for (const ItemFile& item : itemFilesOf(line)) {
+        for (const ReadLine* const read : item.items) {
+            const auto* const known = product::findKnownItem({read->section, read->key});
+            if (known != nullptr) {
+                check(*item.file, *read, *known);
+            }
+        }
+    }
+    for (const TvSystemFiles& systems : line.tvSystems()) {
+        for (const ReadLine& read : systems.file->lines()) {
+            const auto* const known = product::findKnownItem({read.section, read.key});
+            if (read.use == LineUse::ITEM && read.isNew && known != nullptr) {
+                check(*systems.file, read, *known);
+            }
+        }
+    }
+}
+
+void checkType(const ProductLine& line, Reporter& reporter, product::ValueType type) {
+    forEachKnownItem(line, [&](const FileLines& file, const ReadLine& read,
+                               const product::KnownItem& item) {
+        const std::string problem =
+                item.type == type ? problemOf(type, trimmed(read.value), {item.least, item.most})
+                                  : "";
+        if (!problem.empty()) {
+            // The caret stands after the "=" if there is no value.
+            const std::string_view needle = read.value.empty() ? "=" : read.value;
+            reporter.report(
+                    placeOf(line, file, read, needle),
+                    std::string(read.section) + " " + std::string(read.key) + ": " + problem);
+        }
+    });
+}
+
+void checkNumbers(const ProductLine& line, Reporter& reporter) {
+    checkType(line, reporter, product::ValueType::INTEGER);
+}
+
+void checkSwitches(const ProductLine& line, Reporter& reporter) {
+    checkType(line, reporter, product::ValueType::SWITCH);
+}
+
+bool isAudioItem(const ReadLine& read) {
+    for (const product::ConfigKey& key :
+         {product::item::kPanelAudio, product::item::kICAudio, product::item::kAvrAudio}) {
+        if (read.section == key.category && read.key == key.key) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The auxiliary files of which sound delays are the sum.
+std::vector<const FileLines*> audioFilesOf(const ProductLine& line) {
+    std::vector<const FileLines*> files;
+    for (const auto& [path, namings] : line.namedPaths()) {
+        const FileLines* const file = line.find(path);
+        const bool isAudio = std::any_of(namings.begin(), namings.end(), [](const Naming& naming) {
+            return naming.line == nullptr || isAudioItem(*naming.line);
+        });
+        if (file != nullptr && file->format() == FileFormat::AUXILIARY && isAudio) {
+            files.push_back(file);
+        }
+    }
+    return files;
+}
+
+void checkDelays(const ProductLine& line, Reporter& reporter) {
+    const std::vector<const FileLines*> files = audioFilesOf(line);
+    const auto isNumber = [](const ReadLine& read) { return isDecimalIn(trimmed(read.value), {}); };
+    std::set<std::string_view> numbers;  // keys that are a number in some file
+    for (const FileLines* const file : files) {
+        for (const ReadLine& read : file->lines()) {
+            if (read.use == LineUse::ITEM && isNumber(read)) {
+                numbers.insert(read.key);
+            }
+        }
+    }
+    for (const FileLines* const file : files) {
+        for (const ReadLine& read : file->lines()) {
+            if (read.use != LineUse::ITEM || file->find(read.section, read.key) != &read ||
+                isNumber(read)) {
+                continue;
+            }
+            const std::string_view value = trimmed(read.value);
+            const bool isMeantAsNumber =
+                    numbers.count(read.key) > 0 ||
+                    (!value.empty() &&
+                     value.find_first_not_of("+-.") == value.find_first_of("0123456789"));
+            if (isMeantAsNumber) {
+                reporter.report(placeOf(line, *file, read, value.empty() ? "=" : value),
+                                "the delay " + std::string(read.section) + " " +
+                                        std::string(read.key) + ": " +
+                                        problemOf(product::ValueType::INTEGER, value));
+            }
+        }
+    }
+}
+
+constexpr Rule kRules[] = {
+        {"item-number", Severity::ERROR, "an item is no decimal number of its range",
+         "The getter has no answer for a number out of range. What follows the digits does not "
+         "count, and a text without digits, such as the hexadecimal 0x1, is 0.",
+         "[PowerOnMode]\nModeStatus = 5", "[PowerOnMode]\nModeStatus = 2", checkNumbers},
+        {"item-switch", Severity::ERROR, "a switch is neither \"true\" nor \"false\"",
+         "Only exactly \"true\" switches on; \"True\", \"1\" and \"yes\" switch off.",
+         "[LiveTV]\nDPVR = True", "[LiveTV]\nDPVR = true", checkSwitches},
+        {"delay-number", Severity::ERROR, "a sound delay is no decimal number of 32 bits",
+         "What follows the digits does not count: \"0x10\" is 0 and \"1.5\" is 1. Sound and "
+         "picture do not fit together.",
+         "HDMI_DELAY = 0x10", "HDMI_DELAY = 16", checkDelays},
+};
+
+}  // namespace
+
+RuleFamily itemValues() {
+    return {"item-values", "Values that their getters cannot use", kRules, std::size(kRules)};
+}
+
+}  // namespace mlk::tree
