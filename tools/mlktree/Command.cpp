@@ -33,9 +33,9 @@ const Option* Command::find(std::string_view option) const {
 }
 
 const std::vector<Command>& commands() {
-    static const std::vector<Command> kCommands = {checkCommand(),      fixCommand(),
-                                                   rulesCommand(),      newCommand(),
-                                                   completionCommand(), completeCommand()};
+    static const std::vector<Command> kCommands = {
+            checkCommand(), explainCommand(),    fixCommand(),     rulesCommand(),
+            newCommand(),   completionCommand(), completeCommand()};
     return kCommands;
 }
 

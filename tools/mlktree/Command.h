@@ -34,7 +34,9 @@ enum class Completion {
     SECTION,
     KEY, /**< of the section that the word before names */
     FEATURE,
-    EXPLAINED, /**< the words that say what explain shall explain */
+    EXPLAINED,     /**< the words that say what explain shall explain */
+    SOUND_SECTION, /**< of the audio files */
+    SOUND_KEY,     /**< of the section that the word before names */
 };
 
 /** One option of a command. */
@@ -124,6 +126,7 @@ const Option& helpOption();
 
 // One row each, in a file of its own.
 Command checkCommand();
+Command explainCommand();
 Command fixCommand();
 Command rulesCommand();
 Command newCommand();

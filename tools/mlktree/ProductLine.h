@@ -79,6 +79,12 @@ struct Selection {
     std::string board;                  /**< as on the command line; "none" for no board file */
     std::vector<std::string> customers; /**< as on the command line */
     std::string country;
+    /**
+     * One set only: what is left out above is what the impdata and tvdata partitions say. The
+     * product line then has one board at most, the lines of one model at most, and one country at
+     * most.
+     */
+    bool isOneSet = false;
 };
 
 /**
@@ -110,7 +116,10 @@ class ProductLine {
     const std::vector<TvSystemFiles>& tvSystems() const { return mTvSystems; }
     const std::vector<PlanFiles>& planFolders() const { return mPlanFolders; }
 
-    /** Countries that some list or map of the tree names, in the order of their values. */
+    /**
+     * Countries that some list or map of the tree names, in the order of their values; the selected
+     * one; that of the set.
+     */
     const std::vector<_tv_country>& countries() const { return mCountries; }
 
     /** The board file that "board_id.bin" names, relative to the tree; empty for none. */

@@ -13,6 +13,7 @@
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/KnownProperties.h"
 #include "projectconfigs/ProjectFileReader.h"
+#include "projectconfigs/ProjectID.h"
 #include "projectconfigs/SoundDelays.h"
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/FileReading.h"
@@ -129,7 +130,17 @@ void ProductLineBuilder::findCustomers() {
     }
 }
 
+// The index of the one model that the product line has; nothing for all models.
+std::optional<int32_t> ProductLineBuilder::selectedModel() const {
+    if (mSelection.model || !mSelection.isOneSet) {
+        return mSelection.model;
+    }
+    const std::string& folder = mLine.mTree.partitions().impdata;
+    return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
+}
+
 void ProductLineBuilder::findModels() {
+    const std::optional<int32_t> selected = selectedModel();
     for (const Customer& customer : mLine.mCustomers) {
         if (customer.system == nullptr) {
             continue;
@@ -143,7 +154,7 @@ void ProductLineBuilder::findModels() {
             model.customer = &customer;
             model.line = &line;
             model.counts = customer.system->find("", line.key) == &line;
-            if (!mSelection.model || *mSelection.model == model.index) {
+            if (!selected || *selected == model.index) {
                 mLine.mModels.push_back(model);
             }
         }
@@ -181,10 +192,10 @@ void ProductLineBuilder::findBoards() {
         }
         hasNone = false;
         paths.push_back(mLine.mTree.relative(host));
-    } else {
-        if (!mLine.mBoardIdPath.empty()) {
-            paths.push_back(mLine.mBoardIdPath);
-        }
+    } else if (!mLine.mBoardIdPath.empty()) {
+        paths.push_back(mLine.mBoardIdPath);
+    }
+    if (mSelection.board.empty() && !mSelection.isOneSet) {
         for (const std::string& folder :
              {std::string("tvconfigs/board"), folderOf(mLine.mBoardIdPath)}) {
             for (const std::string& file :
@@ -321,6 +332,7 @@ void ProductLineBuilder::followTvSystems() {
         if (files.map == nullptr) {
             continue;
         }
+        // By reference: the lines are kept, so a copy must not be walked through.
         for (const ReadLine& line : files.map->lines()) {
             // The service removes what stands before the partition's name.
             const size_t at = line.value.find("/tvconfigs");
@@ -399,8 +411,33 @@ void ProductLineBuilder::findCountries() {
     }
 }
 
+// As at a start of the service, which would save the first country of the map.
+_tv_country ProductLineBuilder::countryOfSet() const {
+    const Partitions& partitions = mLine.mTree.partitions();
+    product::RegionalData data([&] { return partitions; });
+    const product::TvSysMapCfgHolder holder(partitions, mLine.mProperties, data);
+    if (const std::optional<_tv_country> saved = holder.savedCountry()) {
+        return *saved;
+    }
+    const Model none;
+    const Model& model = mLine.mModels.empty() ? none : mLine.mModels.back();
+    const LayeredItem systems =
+            mLine.item(model, mLine.mBoards.front(), product::item::kTvSystems.category,
+                       product::item::kTvSystems.key);
+    for (const TvSystemFiles& files : mLine.mTvSystems) {
+        if (systems && files.file->path() == pathOf(systems.line->value)) {
+            return files.systems->firstCountry();
+        }
+    }
+    return product::kNoCountry;
+}
+
 void ProductLineBuilder::selectCountry() {
     if (mSelection.country.empty()) {
+        if (mSelection.isOneSet) {
+            const _tv_country country = countryOfSet();
+            mLine.mCountries.assign(country == product::kNoCountry ? 0 : 1, country);
+        }
         return;
     }
     const std::optional<int32_t> value = product::countryNames().find(mSelection.country);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,6 +38,8 @@ class ProductLineBuilder {
     void followPlans();
     void findCountries();
     void selectCountry();
+    std::optional<int32_t> selectedModel() const;
+    _tv_country countryOfSet() const;
 
     const FileLines* fileOf(const std::string& path) const { return mLine.find(path); }
     /** Remembers that a line names a path. */

@@ -38,6 +38,12 @@ class TvSystems {
         return mHolder.getTvConfigFilePath(country);
     }
 
+    /** The name by which records are looked for; empty for a country without one. */
+    std::string nameOf(_tv_country country) const { return mHolder.getCountryName(country); }
+
+    /** The country of a new set; kNoCountry without a map. */
+    _tv_country firstCountry() const { return mHolder.firstCountry(); }
+
   private:
     std::unique_ptr<FileLines> mFile;
     std::unique_ptr<FileLines> mMap;

@@ -20,13 +20,14 @@ bool isSection(std::string_view name, const std::string& given) {
 std::string_view nameIn(const FileLines& file, const ReadLine& read, Completion kind,
                         const std::string& section) {
     const bool isItem = read.use == LineUse::ITEM;
+    const bool isSound = kind == Completion::SOUND_SECTION || kind == Completion::SOUND_KEY;
     if (kind == Completion::FEATURE) {
         return isItem && file.format() == FileFormat::TV_FEATURES ? read.key : "";
     }
-    if (file.format() != FileFormat::PROJECT) {
+    if (file.format() != (isSound ? FileFormat::AUXILIARY : FileFormat::PROJECT)) {
         return "";
     }
-    if (kind == Completion::SECTION) {
+    if (kind == Completion::SECTION || kind == Completion::SOUND_SECTION) {
         return read.use == LineUse::SECTION ? read.section : "";
     }
     return isItem && isSection(read.section, section) ? read.key : "";

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/set/SetModel.h"
+
+namespace mlk::tree {
+
+/** The tree has nothing of that name; the program ends with status 1. */
+class NotFound : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/** An explanation: for a person, and for a program. */
+struct Explanation {
+    std::string text; /**< lines */
+    std::string json; /**< a line, or several */
+};
+
+/** What `explain` is asked, besides the tree and the set. */
+struct Question {
+    std::vector<std::string> words; /**< after the topic: "[SSC]", "m_pSSCName" */
+    const Arguments& arguments;
+    bool isColoured;
+};
+
+// The topics. Each throws NotFound, or UsageError if the words are wrong.
+Explanation explainItems(const SetModel& set, const Question& question);
+Explanation explainFeature(const SetModel& set, const Question& question);
+Explanation explainAudio(const SetModel& set, const Question& question);
+Explanation explainCountry(const SetModel& set, const Question& question);
+Explanation explainFile(const ProductLine& line, const Question& question);
+
+/** An explanation as lines with labels at their left. */
+class Page {
+  public:
+    Page(const ProductLine& line, bool isColoured) : mLine(line), mIsColoured(isColoured) {}
+
+    /** Begins an explanation with what is explained. */
+    void title(std::string_view text);
+    /** A line with a label; the same label again is left out. */
+    void row(std::string_view label, std::string_view text);
+    /** A source line, so that its comment can be read, too. */
+    void source(const std::string& file, size_t line);
+    /** Lines as they are. */
+    void add(std::string_view lines) { mText += lines; }
+
+    std::string take() { return std::move(mText); }
+
+  private:
+    std::string styled(const char* code, const std::string& text) const;
+
+    const ProductLine& mLine;
+    const bool mIsColoured;
+    std::string mLabel;
+    std::string mText;
+};
+
+/** "tvconfigs/board/b2.ini:13"; the file alone for line 0. */
+std::string placeText(const std::string& file, size_t line);
+
+/** The members "value", "file", "line" and "layer" that explain a value. */
+std::string originJson(std::string_view value, const std::string& file, size_t line,
+                       std::string_view layer);
+
+/** Members "file", "line" and "layer". */
+std::string placeJson(const std::string& file, size_t line, std::string_view layer);
+
+/** The members that every explanation of a country's item shares with those of other items. */
+std::string itemJson(const SetItem& item);
+
+/** "; did you mean X?", or an empty text. */
+std::string suggestionOf(std::string_view word, const std::vector<std::string_view>& candidates);
+
+/** The section of that name among the candidates: as given, or with brackets; empty if none. */
+std::string_view sectionOf(std::string_view given, const std::vector<std::string_view>& sections);
+
+}  // namespace mlk::tree
