@@ -1,35 +1,16 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
-#include <utility>
-#include <variant>
 #include <vector>
 
+#include "tools/common/Facts.h"
 #include "tools/mlkctl/Services.h"
 
 namespace mlk::ctl {
 
-/** Why a row has no value, for a person: "(no answer)". */
-struct NoValue {
-    std::string why;
-};
-
-/** Names and their numbers, in the order in which they are shown. */
-using Counts = std::vector<std::pair<std::string, int32_t>>;
-
-/** Kinds of a file and their paths, in order; empty for none. */
-using Files = std::vector<std::pair<std::string, std::string>>;
-
-/** Short names that are shown side by side. */
-struct Names {
-    std::vector<std::string> list;
-};
-
-/** A value. Of a vector of texts each has its own line. */
-using ShowValue = std::variant<NoValue, std::string, int32_t, bool, std::vector<std::string>, Names,
-                               Counts, Files>;
+/** What the service answers to a question. */
+using ShowValue = FactValue;
 
 /** How a fact is asked for. */
 struct ShowQuestion {

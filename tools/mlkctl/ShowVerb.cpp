@@ -2,19 +2,19 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 
-#include <cctype>
 #include <cstdlib>
 #include <map>
 #include <ostream>
 #include <set>
 #include <string>
 
+#include "tools/common/FactTable.h"
 #include "tools/common/Text.h"
 #include "tools/common/Wrap.h"
 #include "tools/mlkctl/Ask.h"
 #include "tools/mlkctl/Dump.h"
-#include "tools/mlkctl/Overloaded.h"
-#include "tools/mlkctl/ShowTable.h"
+#include "tools/mlkctl/Mounts.h"
+#include "tools/mlkctl/ShowRows.h"
 #include "tools/mlkctl/TimeLimit.h"
 #include "tools/mlkctl/Verb.h"
 
@@ -62,7 +62,7 @@ Examples:
   mlkctl show --json | jq -r .project.name
 )";
 
-using Answers = std::vector<ShowValue>;
+using Answers = std::vector<Fact>;
 
 // The reasons why interfaces cannot be reached.
 using Unreachable = std::map<const Interface*, Failure>;
@@ -84,7 +84,7 @@ Answers askAll(Services& services, Unreachable* unreachable) {
                 value = NoValue{"(no answer)"};
             }
         }
-        answers.push_back(std::move(value));
+        answers.push_back({{row.group, row.label, row.key}, std::move(value)});
     }
     return answers;
 }
@@ -108,10 +108,12 @@ std::set<std::string> missingOf(const std::set<std::string>& paths, Services& se
     }
 }
 
-ShowFrame frameOf(const Answers& answers, Services& services) {
-    ShowFrame frame;
+// The mount points are set, and must outlive the frame.
+FactFrame frameOf(const Answers& answers, Services& services, Mounts* mounts) {
+    FactFrame frame;
     try {
-        frame.mounts = mountsOf(services);
+        *mounts = mountsOf(services);
+        frame.asWritten = [mounts](const std::string& path) { return mounts->asWritten(path); };
         frame.missing = missingOf(pathsIn(answers), services);
     } catch (const Failure&) {
         // Paths are shown as the service has them.
@@ -147,64 +149,6 @@ bool wantsStyles(const Output& output) {
            (terminal == nullptr || std::string_view(terminal) != "dumb");
 }
 
-std::string arrayOf(const std::vector<std::string>& list) {
-    std::string array;
-    for (const std::string& text : list) {
-        array += (array.empty() ? "" : ",") + jsonString(text);
-    }
-    return '[' + array + ']';
-}
-
-std::string jsonOf(const ShowValue& value) {
-    return std::visit(Overloaded{[](const NoValue&) { return std::string("null"); },
-                                 [](const std::string& text) { return jsonString(text); },
-                                 [](int32_t number) { return std::to_string(number); },
-                                 [](bool flag) { return std::string(flag ? "true" : "false"); },
-                                 [](const std::vector<std::string>& list) { return arrayOf(list); },
-                                 [](const Names& names) { return arrayOf(names.list); },
-                                 [](const Files& files) {
-                                     std::string object;
-                                     for (const auto& [what, path] : files) {
-                                         object += (object.empty() ? "" : ",") + jsonString(what) +
-                                                   ':' + jsonString(path);
-                                     }
-                                     return '{' + object + '}';
-                                 },
-                                 [](const Counts& counts) {
-                                     std::string object;
-                                     for (const auto& [what, count] : counts) {
-                                         object += (object.empty() ? "" : ",") + jsonString(what) +
-                                                   ':' + std::to_string(count);
-                                     }
-                                     return '{' + object + '}';
-                                 }},
-                      value);
-}
-
-// Turns a heading into a key.
-std::string keyOf(std::string group) {
-    // HDMI is written in capitals.
-    const bool isWord = group.size() > 1 && islower(group[1]) != 0;
-    for (size_t i = 0; i < (isWord ? 1 : group.size()); ++i) {
-        group[i] = static_cast<char>(tolower(group[i]));
-    }
-    return group;
-}
-
-std::string objectOf(const Answers& answers, const std::set<std::string>& missing) {
-    std::string text = "{";
-    for (size_t i = 0; i < answers.size(); ++i) {
-        const ShowRow& row = showRows()[i];
-        if (i == 0 || row.group != showRows()[i - 1].group) {
-            text += (i == 0 ? "" : "},") + jsonString(keyOf(row.group)) + ":{";
-        } else {
-            text += ',';
-        }
-        text += jsonString(row.key) + ':' + jsonOf(answers[i]);
-    }
-    return text + "},\"missing\":" + arrayOf({missing.begin(), missing.end()}) + "}\n";
-}
-
 class ShowVerb : public Verb {
   public:
     std::string_view name() const override { return "show"; }
@@ -237,17 +181,18 @@ class ShowVerb : public Verb {
 
   private:
     void write(const Answers& answers, Environment& environment) const {
-        ShowFrame frame = frameOf(answers, environment.services);
+        Mounts mounts({});
+        FactFrame frame = frameOf(answers, environment.services, &mounts);
         if (mJson) {
-            environment.output.write(objectOf(answers, frame.missing));
+            environment.output.write("{" + factsJson(answers, frame.missing) + "}\n");
             return;
         }
-        const std::string noModel = modelLine(frame.mounts, environment.services);
+        const std::string noModel = modelLine(mounts, environment.services);
         if (!noModel.empty()) {
-            environment.output.write(paragraph("", noModel, 0, 60) + '\n');
+            environment.output.write(paragraph("", noModel, 0, kFactWidth) + '\n');
         }
         frame.styled = wantsStyles(environment.output);
-        environment.output.write(showTable(answers, frame));
+        environment.output.write(factTable(answers, frame));
     }
 
     bool mJson = false;

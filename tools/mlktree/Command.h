@@ -130,6 +130,7 @@ Command explainCommand();
 Command fixCommand();
 Command rulesCommand();
 Command newCommand();
+Command showCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */
 

@@ -42,6 +42,15 @@ Selection selectionOf(const Arguments& arguments) {
     return selection;
 }
 
+Selection selectionOfSet(const Arguments& arguments) {
+    Selection selection = selectionOf(arguments);
+    selection.isOneSet = true;
+    if (selection.customers.size() > 1) {
+        throw UsageError("a set has one customer file; give --customer once");
+    }
+    return selection;
+}
+
 std::string treeFolder(const Arguments& arguments, const std::string& word,
                        const Environment& environment) {
     if (arguments.has("--tree")) {

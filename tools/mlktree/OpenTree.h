@@ -14,6 +14,13 @@ namespace mlk::tree {
 Selection selectionOf(const Arguments& arguments);
 
 /**
+ * The same for a command on one set: what is left out is what impdata and tvdata say.
+ *
+ * @throw UsageError also if there are several customer files
+ */
+Selection selectionOfSet(const Arguments& arguments);
+
+/**
  * The folder of the tree: the word of the command line, --tree, MLK_ROOT, or the current folder, in
  * this order.
  *

@@ -64,11 +64,10 @@ std::string takeTree(std::vector<std::string>& words, const Topic& topic) {
 
 Selection selectionFor(const Topic& topic, const Arguments& arguments,
                        const std::vector<std::string>& words) {
-    Selection selection = selectionOf(arguments);
-    selection.isOneSet = topic.explain != nullptr;
-    if (selection.isOneSet && selection.customers.size() > 1) {
-        throw UsageError("a set has one customer file; give --customer once");
+    if (topic.explain == nullptr) {
+        return selectionOf(arguments);
     }
+    Selection selection = selectionOfSet(arguments);
     if (topic.explain == explainCountry && !words.empty()) {
         const std::string& name = words.front();
         if (!selection.country.empty() && selection.country != name) {

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace mlk::ctl {
+namespace mlk {
 
 /** One function object of several, for std::visit. */
 template <typename... Cases>
@@ -10,4 +10,4 @@ struct Overloaded : Cases... {
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-}  // namespace mlk::ctl
+}  // namespace mlk

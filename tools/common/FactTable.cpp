@@ -1,16 +1,15 @@
-#include "tools/mlkctl/ShowTable.h"
+#include "tools/common/FactTable.h"
 
 #include <algorithm>
 
+#include "tools/common/Overloaded.h"
 #include "tools/common/Text.h"
 #include "tools/common/Wrap.h"
-#include "tools/mlkctl/Overloaded.h"
 
-namespace mlk::ctl {
+namespace mlk {
 
 namespace {
 
-constexpr size_t kWidth = 60;
 constexpr size_t kIndent = 2;  // of a label
 
 enum class Style { PLAIN, HEADING, FAINT, WARNING };
@@ -36,20 +35,16 @@ const char* codeOf(Style style) {
     return "";
 }
 
-std::string styled(const Line& line, const ShowFrame& frame) {
+std::string styled(const Line& line, const FactFrame& frame) {
     const std::string code = codeOf(line.style);
     return frame.styled && !code.empty() ? code + line.text + "\x1b[0m" : line.text;
 }
 
-bool isPath(const std::string& text) {
-    return !text.empty() && text.front() == '/';
-}
-
-Line shown(const std::string& text, const ShowFrame& frame) {
+Line shown(const std::string& text, const FactFrame& frame) {
     if (text.empty()) {
         return {"-", Style::FAINT};
     }
-    const std::string path = printable(frame.mounts.asWritten(text));
+    const std::string path = printable(frame.asWritten ? frame.asWritten(text) : text);
     if (frame.missing.count(text) != 0) {
         return {path + " (missing)", Style::WARNING};
     }
@@ -65,17 +60,23 @@ std::string joinedNames(const std::vector<std::string>& names) {
     return line;
 }
 
-// The lines of a value, before they are wrapped; at least one.
-Lines linesOf(const ShowValue& value, const ShowFrame& frame) {
+// The lines of a fact, before they are wrapped; at least one.
+Lines linesOf(const Fact& fact, const FactFrame& frame) {
+    const auto noted = [&](Line line, size_t at) {
+        if (at < fact.notes.size() && !fact.notes[at].empty()) {
+            line.text += " (" + fact.notes[at] + ")";
+        }
+        return line;
+    };
     const Line nothing = {"-", Style::FAINT};
     Lines lines;
     std::visit(Overloaded{[&](const NoValue& none) {
                               lines = {{none.why, Style::FAINT}};
                           },
-                          [&](const std::string& text) { lines = {shown(text, frame)}; },
-                          [&](int32_t number) { lines = {{std::to_string(number)}}; },
+                          [&](const std::string& text) { lines = {noted(shown(text, frame), 0)}; },
+                          [&](int32_t number) { lines = {noted({std::to_string(number)}, 0)}; },
                           [&](bool flag) {
-                              lines = {flag ? Line{"on"} : Line{"off", Style::FAINT}};
+                              lines = {noted(flag ? Line{"on"} : Line{"off", Style::FAINT}, 0)};
                           },
                           [&](const Names& names) { lines = {{joinedNames(names.list)}}; },
                           [&](const std::vector<std::string>& list) {
@@ -84,9 +85,10 @@ Lines linesOf(const ShowValue& value, const ShowFrame& frame) {
                               }
                           },
                           [&](const Files& files) {
-                              for (const auto& [what, path] : files) {
+                              for (size_t i = 0; i < files.size(); ++i) {
+                                  const auto& [what, path] = files[i];
                                   if (!path.empty()) {
-                                      const Line line = shown(path, frame);
+                                      const Line line = noted(shown(path, frame), i);
                                       lines.push_back({what + ' ' + line.text, line.style});
                                   }
                               }
@@ -96,7 +98,7 @@ Lines linesOf(const ShowValue& value, const ShowFrame& frame) {
                                   lines.push_back({what + ": " + std::to_string(count)});
                               }
                           }},
-               value);
+               fact.value);
     if (lines.empty() || (lines.size() == 1 && lines[0].text.empty())) {
         lines = {nothing};
     }
@@ -105,20 +107,21 @@ Lines linesOf(const ShowValue& value, const ShowFrame& frame) {
 
 }  // namespace
 
-std::string showTable(const std::vector<ShowValue>& answers, const ShowFrame& frame) {
-    const std::vector<ShowRow>& rows = showRows();
+std::string factTable(const std::vector<Fact>& facts, const FactFrame& frame) {
     size_t column = 0;
-    for (const ShowRow& row : rows) {
-        column = std::max(column, kIndent + columnsOf(row.label) + 2);
+    for (const Fact& fact : facts) {
+        column = std::max(column, kIndent + columnsOf(fact.name.label) + 2);
     }
     std::string text;
-    for (size_t i = 0; i < answers.size(); ++i) {
-        if (i == 0 || rows[i].group != rows[i - 1].group) {
-            text += (i == 0 ? "" : "\n") + styled({rows[i].group, Style::HEADING}, frame) + '\n';
+    std::string group;
+    for (const Fact& fact : facts) {
+        if (fact.name.group != group) {
+            group = fact.name.group;
+            text += (text.empty() ? "" : "\n") + styled({group, Style::HEADING}, frame) + '\n';
         }
-        std::string label = std::string(kIndent, ' ') + rows[i].label;
-        for (const Line& line : linesOf(answers[i], frame)) {
-            for (const std::string& piece : wrapped(line.text, kWidth - column, "/,")) {
+        std::string label = std::string(kIndent, ' ') + fact.name.label;
+        for (const Line& line : linesOf(fact, frame)) {
+            for (const std::string& piece : wrapped(line.text, kFactWidth - column, "/,")) {
                 label.append(column - columnsOf(label), ' ');
                 text += label + styled({piece, line.style}, frame) + '\n';
                 label.clear();
@@ -128,25 +131,4 @@ std::string showTable(const std::vector<ShowValue>& answers, const ShowFrame& fr
     return text;
 }
 
-std::set<std::string> pathsIn(const std::vector<ShowValue>& answers) {
-    std::set<std::string> paths;
-    const auto add = [&paths](const std::string& text) {
-        if (isPath(text)) {
-            paths.insert(text);
-        }
-    };
-    for (const ShowValue& answer : answers) {
-        if (const auto* text = std::get_if<std::string>(&answer)) {
-            add(*text);
-        } else if (const auto* list = std::get_if<std::vector<std::string>>(&answer)) {
-            std::for_each(list->begin(), list->end(), add);
-        } else if (const auto* files = std::get_if<Files>(&answer)) {
-            for (const auto& file : *files) {
-                add(file.second);
-            }
-        }
-    }
-    return paths;
-}
-
-}  // namespace mlk::ctl
+}  // namespace mlk

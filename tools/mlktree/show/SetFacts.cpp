@@ -1,0 +1,290 @@
+#include "tools/mlktree/show/SetFacts.h"
+
+#include <functional>
+
+#include "common/Decimal.h"
+#include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/ProjectID.h"
+#include "projectconfigs/ProjectItems.h"
+#include "tools/mlktree/set/SetCountry.h"
+#include "tools/mlktree/set/SetFeatures.h"
+#include "tools/mlktree/set/SetProduct.h"
+#include "tvconfigs/TvConfigItems.h"
+
+namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+namespace {
+
+/** A value and the notes of its lines. */
+struct Noted {
+    FactValue value;
+    std::vector<std::string> notes = {};
+};
+
+/** How a fact is found out. */
+using Answer = std::function<Noted(const SetModel&)>;
+
+// The layer that has replaced the value of another; empty if none has.
+std::string noteOf(const SetModel& set, const ConfigKey& name) {
+    const SetItem* const item = set.find(name.category, name.key);
+    const bool isReplaced = item != nullptr && item->history.front().layer != item->current().layer;
+    return isReplaced ? std::string(nameOf(item->current().layer)) : "";
+}
+
+FactValue valueOf(const SetModel& set, const ConfigKey& name) {
+    const std::string text(set.valueOf(name));
+    const product::KnownItem* const known = product::findKnownItem(name);
+    const auto type = known != nullptr ? known->type : product::ValueType::TEXT;
+    if (type == product::ValueType::SWITCH) {
+        return text == "true";
+    }
+    if (type == product::ValueType::INTEGER) {
+        const int32_t number = product::parseDecimal(text);
+        const bool isInRange = number >= known->least && number <= known->most;
+        return isInRange ? FactValue(number) : FactValue(NoValue{"(no answer)"});
+    }
+    return text;
+}
+
+Answer item(const ConfigKey& name) {
+    return [name](const SetModel& set) -> Noted {
+        return {valueOf(set, name), {noteOf(set, name)}};
+    };
+}
+
+// The item that a getter answers, by its selector.
+Answer getter(std::string_view method, uint32_t key = 0) {
+    const auto name = product::itemOf(product::kProjectItems[product::projectItem(method)], 0, key);
+    return item(*name);
+}
+
+// The files of the EDIDs of a port, by their versions.
+Answer edids(uint32_t port) {
+    return [port](const SetModel& set) -> Noted {
+        constexpr const char* kVersions[] = {"1P4", "2P0", "2P1"};
+        Files files;
+        std::vector<std::string> notes;
+        for (uint32_t version = 0; version < std::size(kVersions); ++version) {
+            const auto name = product::itemOf(
+                    product::kProjectItems[product::projectItem("getHDMIEdidPath")], port, version);
+            files.emplace_back(kVersions[version], set.valueOf(*name));
+            notes.push_back(noteOf(set, *name));
+        }
+        return {files, notes};
+    };
+}
+
+Answer tvFeatures(bool isOn) {
+    return [isOn](const SetModel& set) -> Noted {
+        const product::TvFeatures& features = set.product().features();
+        Names names;
+        for (const product::TvFlagRow& row : product::kTvFlags) {
+            if (features.get(row) == isOn) {
+                names.list.push_back(toString(
+                        static_cast<vendor::morlak::mlkconfigs::V1_0::ConfigType>(row.type)));
+            }
+        }
+        return {names};
+    };
+}
+
+Answer frameworkSwitch(std::string_view method) {
+    return [method](const SetModel& set) -> Noted {
+        return {set.product().switches().get(product::frameworkItem(method)) != 0};
+    };
+}
+
+Answer fact(FactValue (*answer)(const SetModel&)) {
+    return [answer](const SetModel& set) -> Noted { return {answer(set)}; };
+}
+
+// The same for a set that has a country.
+Answer ofCountry(FactValue (*answer)(const SetModel&)) {
+    return [answer](const SetModel& set) -> Noted {
+        if (set.choice().country == kNoCountry) {
+            return {NoValue{"(none)"}};
+        }
+        return {answer(set)};
+    };
+}
+
+std::string writtenPath(const SetModel& set, const FileLines* file) {
+    const Tree& tree = set.line().tree();
+    return file != nullptr ? tree.written(tree.host(file->path())) : std::string();
+}
+
+FactValue indexOf(const SetModel& set) {
+    if (set.choice().model != nullptr) {
+        return set.choice().model->index;
+    }
+    const std::string& folder = set.line().tree().partitions().impdata;
+    return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
+}
+
+FactValue highestIndex(const SetModel& set) {
+    return static_cast<int32_t>(set.product().project().items().getProjectMaxIdx());
+}
+
+FactValue customerId(const SetModel& set) {
+    return set.product().project().items().getCustomerId();
+}
+
+FactValue modelFile(const SetModel& set) {
+    return writtenPath(set, set.choice().model != nullptr ? set.choice().model->file : nullptr);
+}
+
+FactValue boardFile(const SetModel& set) {
+    return writtenPath(set, set.choice().board != nullptr ? set.choice().board->file : nullptr);
+}
+
+FactValue modelList(const SetModel& set) {
+    std::vector<std::string> list;
+    set.product().project().items().getProjectIniList(list);
+    return list;
+}
+
+FactValue countryText(const SetModel& set) {
+    const std::string name = countryName(set.choice().country);
+    return name.empty() ? FactValue(NoValue{"(unknown)"}) : FactValue(name);
+}
+
+FactValue countryNumber(const SetModel& set) {
+    return static_cast<int32_t>(set.choice().country);
+}
+
+FactValue tvSystem(const SetModel& set) {
+    const std::string_view file = set.valueOf(product::item::kTvSystems);
+    const bool isRead = set.tvSystems() != nullptr && set.tvSystems()->file->exists() &&
+                        !set.tvSystems()->file->isUnreadable();
+    if (!file.empty() && !isRead) {
+        return NoValue{"(not readable)"};
+    }
+    return set.tvSystem();
+}
+
+FactValue channels(const SetModel& set) {
+    Counts counts;
+    for (const CountryPlan& plan : plansOf(set, set.choice().country)) {
+        if (!plan.channels.empty()) {
+            counts.emplace_back(nameOf(plan), static_cast<int32_t>(plan.channels.size()));
+        }
+    }
+    return counts;
+}
+
+FactValue languages(const SetModel& set) {
+    return Names{set.product().project().region().languages()};
+}
+
+FactValue tvconfigs(const SetModel& set) {
+    return set.line().tree().partitions().tvconfigs;
+}
+FactValue tvdata(const SetModel& set) {
+    return set.line().tree().partitions().tvdata;
+}
+FactValue impdata(const SetModel& set) {
+    return set.line().tree().partitions().impdata;
+}
+
+struct Row {
+    FactName name;
+    Answer answer;
+};
+
+std::vector<Row> makeRows() {
+    return {
+            {{"Project", "Name", "name"}, getter("getProjectName")},
+            {{"Project", "Index", "index"}, fact(indexOf)},
+            {{"Project", "Highest index", "highestIndex"}, fact(highestIndex)},
+            {{"Project", "Customer", "customer"}, fact(customerId)},
+            {{"Project", "Client type", "clientType"}, getter("getClientType")},
+            {{"Project", "Region", "region"}, getter("getRegionName")},
+            {{"Project", "Model file", "modelFile"}, fact(modelFile)},
+            {{"Project", "Board file", "boardFile"}, fact(boardFile)},
+            {{"Project", "Project files", "projectFiles"}, fact(modelList)},
+
+            {{"Picture", "Panel", "panel"}, getter("getPanelName")},
+            {{"Picture", "Picture quality", "pictureQuality"}, getter("getPQPath")},
+            {{"Picture", "Overscan", "overscan"}, getter("getOverscanPath")},
+            {{"Picture", "Spread spectrum", "spreadSpectrum"}, getter("getSSCPath")},
+
+            {{"Sound", "Sound quality", "soundQuality"}, getter("getAQPath")},
+            {{"Sound", "Volume curve", "volumeCurve"}, getter("getVolumeCurve")},
+            {{"Sound", "Equaliser 0", "equaliser0"}, getter("getEQPath", 0)},
+            {{"Sound", "Equaliser 1", "equaliser1"}, getter("getEQPath", 1)},
+            {{"Sound", "Amplifier", "amplifier"}, getter("getAMPSelection", 0)},
+            {{"Sound", "Address", "amplifierAddress"}, getter("getAMPAddr", 0)},
+            {{"Sound", "Second amplifier", "secondAmplifier"}, getter("getAMPSelection", 1)},
+            {{"Sound", "Second address", "secondAmplifierAddress"}, getter("getAMPAddr", 1)},
+            {{"Sound", "Panel's delays", "panelDelays"}, item(product::item::kPanelAudio)},
+            {{"Sound", "IC's delays", "icDelays"}, item(product::item::kICAudio)},
+            {{"Sound", "AVR's delays", "avrDelays"}, item(product::item::kAvrAudio)},
+
+            {{"HDMI", "EDID of port 0", "edid0"}, edids(0)},
+            {{"HDMI", "EDID of port 1", "edid1"}, edids(1)},
+            {{"HDMI", "EDID of port 2", "edid2"}, edids(2)},
+            {{"HDMI", "EDID of port 3", "edid3"}, edids(3)},
+            {{"HDMI", "HDCP 1.x", "hdcp1"}, item({"[HDCP_KEY_1X]", "HDCP_KEY_File"})},
+            {{"HDMI", "HDCP 2.x", "hdcp2"}, item({"[HDCP_KEY_2X]", "HDCP_KEY_File"})},
+
+            {{"Reception", "Inputs", "inputs"}, getter("getInputSource")},
+            {{"Reception", "Tuner type", "tunerType"}, getter("getTunerType")},
+            {{"Reception", "Tuner 0", "tuner0"}, getter("getTunerConfig", 0)},
+            {{"Reception", "Tuner 1", "tuner1"}, getter("getTunerConfig", 1)},
+            {{"Reception", "Channel database", "channelDatabase"},
+             getter("getTvChannelDatabasePath")},
+            {{"Reception", "Recording", "recording"}, getter("getDPVREnabled")},
+            {{"Reception", "HbbTV", "hbbtv"}, getter("getHBBTVEnabled")},
+            {{"Reception", "Features on", "featuresOn"}, tvFeatures(true)},
+            {{"Reception", "Features off", "featuresOff"}, tvFeatures(false)},
+
+            {{"Country", "Name", "name"}, ofCountry(countryText)},
+            {{"Country", "Number", "number"}, ofCountry(countryNumber)},
+            {{"Country", "TV system", "tvSystem"}, ofCountry(tvSystem)},
+            {{"Country", "TV configuration", "tvConfiguration"}, item(product::kTvConfigItem)},
+            {{"Country", "Channels", "channels"}, ofCountry(channels)},
+            {{"Country", "Languages", "languages"}, fact(languages)},
+
+            {{"Power", "Mode at power-on", "powerOnMode"}, getter("getPowerOnMode")},
+            {{"Power", "Logo", "logo"}, getter("getPowerLogoPath")},
+            {{"Power", "Boot animation", "bootAnimation"}, getter("getBootAnimationPath")},
+            {{"Power", "Suspend to RAM", "suspendToRam"}, frameworkSwitch("strEnabled")},
+            {{"Power", "Suspend forced", "suspendForced"}, frameworkSwitch("getForceStrEnabled")},
+            {{"Power", "Wake on wireless", "wakeOnWireless"}, frameworkSwitch("getWowEnabled")},
+
+            {{"Remote", "Configuration", "configuration"}, getter("getIRConfig")},
+            {{"Remote", "Key filter", "keyFilter"}, getter("getIRFilter")},
+
+            {{"Partitions", "tvconfigs", "tvconfigs"}, fact(tvconfigs)},
+            {{"Partitions", "tvdata", "tvdata"}, fact(tvdata)},
+            {{"Partitions", "impdata", "impdata"}, fact(impdata)},
+    };
+}
+
+}  // namespace
+
+std::vector<Fact> factsOf(const SetModel& set) {
+    static const std::vector<Row> kRows = makeRows();
+    std::vector<Fact> facts;
+    facts.reserve(kRows.size());
+    for (const Row& row : kRows) {
+        Noted noted = row.answer(set);
+        facts.push_back({row.name, std::move(noted.value), std::move(noted.notes)});
+    }
+    return facts;
+}
+
+std::set<std::string> missingOf(const SetModel& set, const std::vector<Fact>& facts) {
+    std::set<std::string> missing;
+    for (const std::string& path : pathsIn(facts)) {
+        if (!product::pathExists(set.line().tree().hostOfWritten(path))) {
+            missing.insert(path);
+        }
+    }
+    return missing;
+}
+
+}  // namespace mlk::tree
