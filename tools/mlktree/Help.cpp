@@ -25,8 +25,13 @@ std::string optionsUnder(const std::string& title, const std::vector<Option>& op
     for (const Option& option : options) {
         const std::string letter =
                 option.letter != 0 ? std::string{'-', option.letter, ',', ' '} : "";
-        const std::string value = option.value.empty() ? "" : " " + std::string(option.value);
-        text += entry(letter + std::string(option.name) + value, helpTextOf(option), kColumn);
+        std::string name = letter;
+        name += option.name;
+        if (!option.value.empty()) {
+            name += ' ';
+            name += option.value;
+        }
+        text += entry(name, helpTextOf(option), kColumn);
     }
     return text;
 }
@@ -102,10 +107,11 @@ std::string generalHelp() {
 std::string helpOf(const Command& command) {
     const std::string name(command.name);
     std::string text = "mlktree " + name + " - " + std::string(command.summary) + "\n\n";
-    std::string lead = "Usage: ";
+    const char* lead = "Usage: ";
     for (const std::string_view words : command.words) {
-        text += lead + "mlktree " + name + (command.groups.empty() ? "" : " [OPTION]...") +
-                (words.empty() ? "" : " ") + std::string(words) + "\n";
+        text.append(lead).append("mlktree ").append(name);
+        text.append(command.groups.empty() ? "" : " [OPTION]...");
+        text.append(words.empty() ? "" : " ").append(words).append("\n");
         lead = "       ";
     }
     for (const std::string_view part : paragraphsOf(command.description)) {
