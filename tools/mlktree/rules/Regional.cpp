@@ -165,10 +165,6 @@ bool hasBlankInElement(const ReadLine& read) {
     return read.column == 0 && !flawAtEnds(read.value).empty();
 }
 
-bool isUsable(const FileLines* file) {
-    return file != nullptr && file->exists() && !file->isUnreadable();
-}
-
 const ReadLine* CountryBlock::find(std::string_view element) const {
     const auto found =
             std::find_if(elements.begin(), elements.end(), [element](const ReadLine* read) {
@@ -211,6 +207,7 @@ std::vector<RegionalSet> regionalSetsOf(const ProductLine& line) {
     }
     const FilesByPath files(line);
     std::vector<RegionalSet> sets;
+    sets.reserve(values.size());
     for (const auto& [list, systems, plans] : values) {
         sets.push_back(files.setOf(list, systems, plans));
     }

@@ -39,7 +39,9 @@ bool hasCountries(const FileLines& list);
 bool hasBlankInElement(const ReadLine& read);
 
 /** True if the file exists and was read whole, so that what it lacks can be told. */
-bool isUsable(const FileLines* file);
+inline bool isUsable(const FileLines* file) {
+    return file != nullptr && file->exists() && !file->isUnreadable();
+}
 
 /** A country's record in a country map, or its block in a map of channel plans. */
 struct CountryBlock {

@@ -89,6 +89,7 @@ std::vector<Missing> missingFrom(const FileLines& list, const FileLines& map,
                                  const std::vector<CountryBlock>& blocks, IsMissing isMissing) {
     // Names that are wrong in the map stand for some country: those are reported there.
     std::vector<std::string_view> names;
+    names.reserve(blocks.size());
     for (const CountryBlock& block : blocks) {
         names.push_back(block.country());
     }

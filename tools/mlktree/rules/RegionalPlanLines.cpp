@@ -203,6 +203,7 @@ void checkNumbers(const ProductLine& line, Reporter& reporter) {
 std::string_view nearestModulation(std::string_view word) {
     static const std::vector<std::string_view> names = [] {
         std::vector<std::string_view> all;
+        all.reserve(kModulations.size());
         for (const auto& modulation : kModulations) {
             all.push_back(modulation.name);
         }

@@ -2,14 +2,11 @@
 
 #include <algorithm>
 
-#include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Nearest.h"
 
 namespace mlk::tree {
 
 namespace {
-
-namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 // Items that are counted, such as sockets, differ by their digits on purpose.
 bool differInDigitsOnly(std::string_view one, std::string_view other) {

@@ -254,7 +254,7 @@ void checkUneven(const ProductLine& line, Reporter& reporter) {
             const ReadLine* other = nullptr;
             const std::string missing = missingFrom(system, all, other);
             const std::string_view name = system.begin->owner;
-            if (!missing.empty() && !system.mayLackAny) {
+            if (other != nullptr && !system.mayLackAny) {
                 groups.add(std::string(name), placeOf(line, *files.file, *system.begin, name),
                            "TV system " + quoted(name) + " does not set " + missing +
                                    ", which others set: after a change from one of these countries "
