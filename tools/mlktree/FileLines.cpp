@@ -3,7 +3,11 @@
 #include <cstring>
 #include <utility>
 
+#include "common/TextHash.h"
+
 namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
@@ -31,8 +35,10 @@ bool FileLines::isUnreadable() const {
 }
 
 const ReadLine* FileLines::find(std::string_view section, std::string_view key) const {
-    const auto found = mItems.find(ItemName{section, key});
-    return found != mItems.end() ? found->second : nullptr;
+    const uint32_t number = mItems.find(hashOf(section, key), [&](uint32_t line) {
+        return mLines[line].section == section && mLines[line].key == key;
+    });
+    return number != product::HashIndex::kNone ? &mLines[number] : nullptr;
 }
 
 void FileLines::onLine(const ReadLine& line) {
@@ -62,19 +68,26 @@ void FileLines::onProblem(std::string_view /* path */, size_t line, std::string_
 void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {
     mExists = exists;
     mChannels = std::move(channels);
-    mItems.reserve(mLines.size());
-    for (const ReadLine& line : mLines) {
+    mItems.expect(mLines.size());
+    for (uint32_t i = 0; i < mLines.size(); ++i) {
+        const ReadLine& line = mLines[i];
         if (line.use == LineUse::SECTION) {
             mSections.try_emplace(line.owner.empty() ? line.section : line.owner, &line);
         }
         if (line.use != LineUse::ITEM) {
             continue;
         }
-        const auto [item, isNew] = mItems.try_emplace(ItemName{line.section, line.key}, &line);
-        if (!isNew && lastCounts(mFormat)) {
-            item->second = &line;
+        uint32_t& counts = mItems.findOrAdd(hashOf(line.section, line.key), [&](uint32_t other) {
+            return mLines[other].section == line.section && mLines[other].key == line.key;
+        });
+        if (counts == product::HashIndex::kNone || lastCounts(mFormat)) {
+            counts = i;
         }
     }
+}
+
+uint32_t FileLines::hashOf(std::string_view section, std::string_view key) {
+    return product::shortHash(product::hashText(key, product::hashText(section, 0)));
 }
 
 std::string_view FileLines::keep(std::string_view text) {

@@ -7,11 +7,11 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "common/FileFormat.h"
+#include "common/HashIndex.h"
 #include "common/ReadObserver.h"
 #include "common/TextArena.h"
 
@@ -68,13 +68,8 @@ class FileLines : public ReadObserver {
     void finish(bool exists, std::vector<HidlFreqListItem> channels);
 
   private:
-    using ItemName = std::pair<std::string_view, std::string_view>;  // section and key
-    struct ItemHash {
-        size_t operator()(const ItemName& name) const {
-            const std::hash<std::string_view> hash;
-            return hash(name.first) * 31 + hash(name.second);
-        }
-    };
+    static uint32_t hashOf(std::string_view section, std::string_view key);
+
     std::string_view keep(std::string_view text);
 
     const std::string mPath;
@@ -86,7 +81,8 @@ class FileLines : public ReadObserver {
     std::vector<Problem> mProblems;
     std::vector<HidlFreqListItem> mChannels;
     std::map<std::string_view, const ReadLine*> mSections;
-    std::unordered_map<ItemName, const ReadLine*, ItemHash> mItems;
+    // The lines that count, by the hash of section and key.
+    vendor::morlak::mlkconfigs::V1_0::implementation::HashIndex mItems;
 };
 
 }  // namespace mlk::tree

@@ -16,6 +16,8 @@ bool isIdentity(FileFormat format) {
            format == FileFormat::COUNTRY_ID;
 }
 
+}  // namespace
+
 // Collects the sets that lead to a file, from the lines that name it upwards.
 class SetFinder {
   public:
@@ -31,10 +33,9 @@ class SetFinder {
             mIsAll |= customer.file->path() == path ||
                       (customer.system != nullptr && customer.system->path() == path);
         }
-        for (const Model& model : mLine.models()) {
-            if (model.counts && model.file != nullptr && model.file->path() == path) {
-                mModels.insert(model.index);
-            }
+        const auto models = mLine.mModelsOf.find(file);
+        if (models != mLine.mModelsOf.end()) {
+            mModels.insert(models->second.begin(), models->second.end());
         }
         for (const Board& board : mLine.boards()) {
             if (board.file != nullptr && board.file->path() == path) {
@@ -53,8 +54,7 @@ class SetFinder {
     }
 
     std::vector<std::string> groups() const {
-        const size_t models = countOfModels();
-        if (mIsAll || (mModels.size() == models && models > 0) ||
+        if (mIsAll || (mModels.size() == mLine.mIndexCount && !mModels.empty()) ||
             (mBoards.size() == mLine.boards().size() && !mBoards.empty())) {
             return {"all"};
         }
@@ -74,13 +74,6 @@ class SetFinder {
             return board.file != nullptr && board.file->path() == path;
         });
     }
-    size_t countOfModels() const {
-        std::set<int32_t> indices;
-        for (const Model& model : mLine.models()) {
-            indices.insert(model.index);
-        }
-        return indices.size();
-    }
 
     const ProductLine& mLine;
     std::set<std::string> mVisited;
@@ -88,8 +81,6 @@ class SetFinder {
     std::set<std::string> mBoards;
     bool mIsAll = false;
 };
-
-}  // namespace
 
 ProductLine::ProductLine(const Tree& tree, const Settings& settings,
                          const TreeProperties& properties, const Selection& selection)
@@ -135,9 +126,14 @@ LayeredItem ProductLine::item(const Model& model, const Board& board, std::strin
 }
 
 std::vector<std::string> ProductLine::setsOf(std::string_view path) const {
-    SetFinder finder(*this);
-    finder.follow(std::string(path));
-    return finder.groups();
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto [sets, isNew] = mSetsOf.try_emplace(std::string(path));
+    if (isNew) {
+        SetFinder finder(*this);
+        finder.follow(sets->first);
+        sets->second = finder.groups();
+    }
+    return sets->second;
 }
 
 }  // namespace mlk::tree

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -160,6 +161,7 @@ class ProductLine {
 
   private:
     friend class ProductLineBuilder;
+    friend class SetFinder;
 
     const Tree& mTree;
     const Settings& mSettings;
@@ -169,12 +171,16 @@ class ProductLine {
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;
+    std::map<const FileLines*, std::vector<int32_t>> mModelsOf;  // indices by project file
+    size_t mIndexCount = 0;                                      // different indices of models
     std::vector<Board> mBoards;
     std::vector<TvSystemFiles> mTvSystems;
     std::vector<PlanFiles> mPlanFolders;
     std::vector<_tv_country> mCountries;
     std::string mBoardIdPath;
     std::map<std::string, std::vector<Naming>, std::less<>> mNamings;
+    mutable std::mutex mMutex;  // guards the one below
+    mutable std::map<std::string, std::vector<std::string>, std::less<>> mSetsOf;  // when asked
 };
 
 }  // namespace mlk::tree

@@ -1,8 +1,5 @@
 #include "tools/mlktree/ProductLineBuilder.h"
 
-#include <dirent.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <memory>
 #include <set>
@@ -17,6 +14,7 @@
 #include "projectconfigs/SoundDelays.h"
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/FileReading.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
 
 namespace mlk::tree {
@@ -24,22 +22,6 @@ namespace mlk::tree {
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
-
-constexpr const char* kIniEnding = ".ini";
-
-bool isRegularFile(const std::string& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
-
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-std::string folderOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "" : path.substr(0, slash);
-}
 
 template <typename Value>
 void addOnce(std::vector<Value>& values, const Value& value) {
@@ -49,22 +31,6 @@ void addOnce(std::vector<Value>& values, const Value& value) {
 }
 
 }  // namespace
-
-std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view ending) {
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(hostFolder.c_str()), closedir);
-    if (folder == nullptr) {
-        return names;
-    }
-    while (const dirent* const entry = readdir(folder.get())) {
-        const std::string name = entry->d_name;
-        if (endsWith(name, ending) && isRegularFile(hostFolder + "/" + name)) {
-            names.push_back(name);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 void ProductLineBuilder::build() {
     readIdentity();
@@ -233,155 +199,14 @@ void ProductLineBuilder::readProjects() {
             name(path, model.customer->system, model.line);
         }
     }
-}
-
-void ProductLineBuilder::followItems() {
-    std::set<const FileLines*> files;
+    std::set<int32_t> indices;
     for (const Model& model : mLine.mModels) {
-        files.insert(model.file);
-    }
-    for (const Board& board : mLine.mBoards) {
-        files.insert(board.file);
-    }
-    // In the order of their paths, so that the result is the same from run to run.
-    for (const auto& [path, file] : mLine.mFiles) {
-        if (files.find(file.get()) == files.end()) {
-            continue;
-        }
-        for (const ReadLine& line : file->lines()) {
-            if (line.use == LineUse::ITEM && file->find(line.section, line.key) == &line) {
-                followItem(*file, line);
-            }
+        indices.insert(model.index);
+        if (model.counts && model.file != nullptr) {
+            mLine.mModelsOf[model.file].push_back(model.index);
         }
     }
-    const std::string audio = "tvconfigs" + std::string(product::kHardwareAudioFolder);
-    const std::string hardware = mLine.mProperties.get(product::property::kHardware);
-    if (!hardware.empty()) {
-        const std::string path = audio + product::kHardwareAudioPrefix + hardware + kIniEnding;
-        name(path, nullptr, nullptr);
-        ask(path, FileFormat::AUXILIARY);
-    }
-    const std::string features = "tvconfigs/tv.config";
-    name(features, nullptr, nullptr);
-    ask(features, FileFormat::TV_FEATURES);
-    readRequests();
-}
-
-void ProductLineBuilder::followItem(const FileLines& file, const ReadLine& line) {
-    const product::KnownItem* const known = product::findKnownItem({line.section, line.key});
-    const bool isPath = !line.value.empty() && line.value.front() == '/';
-    const bool namesFile = known != nullptr && (known->type == product::ValueType::PATH ||
-                                                known->type == product::ValueType::FOLDER);
-    if (line.value.empty() || (!isPath && !namesFile)) {
-        return;
-    }
-    std::string path = pathOf(line.value);
-    if (namesFile && known->names == FileFormat::CHANNEL_PLANS) {
-        addOnce(mPlanFolders, path);
-        name(path + product::kChannelMapFile, &file, &line);
-        return;
-    }
-    name(path, &file, &line);
-    if (!namesFile) {
-        return;
-    }
-    if (known->names == FileFormat::TV_SYSTEMS) {
-        addOnce(mTvSystemPaths, path);
-    } else if (known->names != FileFormat::OPAQUE) {
-        ask(path, known->names);
-    }
-    if (line.key == product::item::kAvrAudio.key &&
-        line.section == product::item::kAvrAudio.category) {
-        const std::string folder = folderOf(path);
-        for (const std::string& avr : filesIn(mLine.mTree.host(folder), kIniEnding)) {
-            if (avr.compare(0, 4, "AVR_") == 0) {
-                name(folder + "/" + avr, &file, &line);
-                ask(folder + "/" + avr, FileFormat::AUXILIARY);
-            }
-        }
-    }
-}
-
-void ProductLineBuilder::followTvSystems() {
-    std::sort(mTvSystemPaths.begin(), mTvSystemPaths.end());
-    std::vector<std::unique_ptr<TvSystems>> systems(mTvSystemPaths.size());
-    forEachInParallel(systems.size(), [&](size_t i) {
-        systems[i] = std::make_unique<TvSystems>(mLine.mTree, mLine.mProperties, mTvSystemPaths[i]);
-    });
-    for (size_t i = 0; i < systems.size(); ++i) {
-        TvSystemFiles files;
-        std::unique_ptr<FileLines> map = systems[i]->takeMap();
-        auto& file = mLine.mFiles[mTvSystemPaths[i]];
-        file = systems[i]->takeFile();
-        files.file = file.get();
-        if (map != nullptr) {
-            name(map->path(), files.file, files.file->find("", product::element::kCountryMap));
-            auto& kept = mLine.mFiles[map->path()];
-            kept = kept != nullptr ? std::move(kept) : std::move(map);
-            files.map = kept.get();
-        }
-        files.systems = std::move(systems[i]);
-        mLine.mTvSystems.push_back(std::move(files));
-    }
-    for (const TvSystemFiles& files : mLine.mTvSystems) {
-        for (const ReadLine& line : files.file->lines()) {
-            if (line.use == LineUse::ITEM && !line.section.empty() && line.isNew) {
-                followItem(*files.file, line);
-            }
-        }
-        if (files.map == nullptr) {
-            continue;
-        }
-        // By reference: the lines are kept, so a copy must not be walked through.
-        for (const ReadLine& line : files.map->lines()) {
-            // The service removes what stands before the partition's name.
-            const size_t at = line.value.find("/tvconfigs");
-            if (line.use == LineUse::ITEM && line.key == product::element::kFeaturesOfCountry &&
-                at != std::string_view::npos) {
-                const std::string path = pathOf(line.value.substr(at));
-                name(path, files.map, &line);
-                ask(path, FileFormat::TV_FEATURES);
-            }
-        }
-    }
-    readRequests();
-}
-
-void ProductLineBuilder::followPlans() {
-    if (mPlanFolders.empty() && !mLine.mModels.empty()) {
-        mPlanFolders.push_back("tvconfigs" + std::string(product::kDefaultPlansFolder));
-        name(mPlanFolders.back() + product::kChannelMapFile, nullptr, nullptr);
-    }
-    std::sort(mPlanFolders.begin(), mPlanFolders.end());
-    std::vector<std::unique_ptr<PlanFolder>> folders(mPlanFolders.size());
-    forEachInParallel(folders.size(), [&](size_t i) {
-        folders[i] = std::make_unique<PlanFolder>(mLine.mTree, mPlanFolders[i]);
-    });
-    for (std::unique_ptr<PlanFolder>& folder : folders) {
-        PlanFiles files;
-        std::unique_ptr<FileLines> map = folder->takeMap();
-        const std::string mapPath = map->path();
-        auto& kept = mLine.mFiles[mapPath];
-        kept = std::move(map);
-        files.map = kept.get();
-        for (const ReadLine& line : files.map->lines()) {
-            const bool isDigital = line.key == product::element::kDtvAntenna ||
-                                   line.key == product::element::kDtvCable;
-            const bool isPlan = isDigital || line.key == product::element::kAtvAntenna ||
-                                line.key == product::element::kAtvCable;
-            if (line.use == LineUse::ITEM && isPlan && !line.value.empty()) {
-                const std::string path =
-                        folder->path() +
-                        (isDigital ? product::kDtvPlansFolder : product::kAtvPlansFolder) +
-                        std::string(line.value);
-                name(path, files.map, &line);
-                ask(path, FileFormat::CHANNEL_PLAN);
-            }
-        }
-        files.folder = std::move(folder);
-        mLine.mPlanFolders.push_back(std::move(files));
-    }
-    readRequests();
+    mLine.mIndexCount = indices.size();
 }
 
 void ProductLineBuilder::findCountries() {

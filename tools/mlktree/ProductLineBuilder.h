@@ -57,7 +57,4 @@ class ProductLineBuilder {
     std::vector<std::string> mPlanFolders;
 };
 
-/** The regular files of a folder with that ending, in byte order; empty if there is no folder. */
-std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view ending);
-
 }  // namespace mlk::tree

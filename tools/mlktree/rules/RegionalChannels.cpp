@@ -8,8 +8,8 @@
 #include <tuple>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Nearest.h"
-#include "tools/mlktree/ProductLineBuilder.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/RegionalPlan.h"
 

@@ -1,0 +1,178 @@
+// How ProductLineBuilder follows the lines that name files.
+
+#include <algorithm>
+#include <memory>
+#include <set>
+
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/KnownProperties.h"
+#include "projectconfigs/SoundDelays.h"
+#include "regional/RegionalNames.h"
+#include "tools/mlktree/FolderFiles.h"
+#include "tools/mlktree/Parallel.h"
+#include "tools/mlktree/ProductLineBuilder.h"
+
+namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+namespace {
+
+void addOnce(std::vector<std::string>& texts, const std::string& text) {
+    if (std::find(texts.begin(), texts.end(), text) == texts.end()) {
+        texts.push_back(text);
+    }
+}
+
+}  // namespace
+
+void ProductLineBuilder::followItems() {
+    std::set<const FileLines*> files;
+    for (const Model& model : mLine.mModels) {
+        files.insert(model.file);
+    }
+    for (const Board& board : mLine.mBoards) {
+        files.insert(board.file);
+    }
+    // In the order of their paths, so that the result is the same from run to run.
+    for (const auto& [path, file] : mLine.mFiles) {
+        if (files.find(file.get()) == files.end()) {
+            continue;
+        }
+        for (const ReadLine& line : file->lines()) {
+            if (line.use == LineUse::ITEM && file->find(line.section, line.key) == &line) {
+                followItem(*file, line);
+            }
+        }
+    }
+    const std::string audio = "tvconfigs" + std::string(product::kHardwareAudioFolder);
+    const std::string hardware = mLine.mProperties.get(product::property::kHardware);
+    if (!hardware.empty()) {
+        const std::string path = audio + product::kHardwareAudioPrefix + hardware + kIniEnding;
+        name(path, nullptr, nullptr);
+        ask(path, FileFormat::AUXILIARY);
+    }
+    const std::string features = "tvconfigs/tv.config";
+    name(features, nullptr, nullptr);
+    ask(features, FileFormat::TV_FEATURES);
+    readRequests();
+}
+
+void ProductLineBuilder::followItem(const FileLines& file, const ReadLine& line) {
+    const product::KnownItem* const known = product::findKnownItem({line.section, line.key});
+    const bool isPath = !line.value.empty() && line.value.front() == '/';
+    const bool namesFile = known != nullptr && (known->type == product::ValueType::PATH ||
+                                                known->type == product::ValueType::FOLDER);
+    if (line.value.empty() || (!isPath && !namesFile)) {
+        return;
+    }
+    std::string path = pathOf(line.value);
+    if (namesFile && known->names == FileFormat::CHANNEL_PLANS) {
+        addOnce(mPlanFolders, path);
+        name(path + product::kChannelMapFile, &file, &line);
+        return;
+    }
+    name(path, &file, &line);
+    if (!namesFile) {
+        return;
+    }
+    if (known->names == FileFormat::TV_SYSTEMS) {
+        addOnce(mTvSystemPaths, path);
+    } else if (known->names != FileFormat::OPAQUE) {
+        ask(path, known->names);
+    }
+    if (line.key == product::item::kAvrAudio.key &&
+        line.section == product::item::kAvrAudio.category) {
+        const std::string folder = folderOf(path);
+        for (const std::string& avr : filesIn(mLine.mTree.host(folder), kIniEnding)) {
+            if (avr.compare(0, 4, "AVR_") == 0) {
+                name(folder + "/" + avr, &file, &line);
+                ask(folder + "/" + avr, FileFormat::AUXILIARY);
+            }
+        }
+    }
+}
+
+void ProductLineBuilder::followTvSystems() {
+    std::sort(mTvSystemPaths.begin(), mTvSystemPaths.end());
+    std::vector<std::unique_ptr<TvSystems>> systems(mTvSystemPaths.size());
+    forEachInParallel(systems.size(), [&](size_t i) {
+        systems[i] = std::make_unique<TvSystems>(mLine.mTree, mLine.mProperties, mTvSystemPaths[i]);
+    });
+    for (size_t i = 0; i < systems.size(); ++i) {
+        TvSystemFiles files;
+        std::unique_ptr<FileLines> map = systems[i]->takeMap();
+        auto& file = mLine.mFiles[mTvSystemPaths[i]];
+        file = systems[i]->takeFile();
+        files.file = file.get();
+        if (map != nullptr) {
+            name(map->path(), files.file, files.file->find("", product::element::kCountryMap));
+            auto& kept = mLine.mFiles[map->path()];
+            kept = kept != nullptr ? std::move(kept) : std::move(map);
+            files.map = kept.get();
+        }
+        files.systems = std::move(systems[i]);
+        mLine.mTvSystems.push_back(std::move(files));
+    }
+    for (const TvSystemFiles& files : mLine.mTvSystems) {
+        for (const ReadLine& line : files.file->lines()) {
+            if (line.use == LineUse::ITEM && !line.section.empty() && line.isNew) {
+                followItem(*files.file, line);
+            }
+        }
+        if (files.map == nullptr) {
+            continue;
+        }
+        // By reference: the lines are kept, so a copy must not be walked through.
+        for (const ReadLine& line : files.map->lines()) {
+            // The service removes what stands before the partition's name.
+            const size_t at = line.value.find("/tvconfigs");
+            if (line.use == LineUse::ITEM && line.key == product::element::kFeaturesOfCountry &&
+                at != std::string_view::npos) {
+                const std::string path = pathOf(line.value.substr(at));
+                name(path, files.map, &line);
+                ask(path, FileFormat::TV_FEATURES);
+            }
+        }
+    }
+    readRequests();
+}
+
+void ProductLineBuilder::followPlans() {
+    if (mPlanFolders.empty() && !mLine.mModels.empty()) {
+        mPlanFolders.push_back("tvconfigs" + std::string(product::kDefaultPlansFolder));
+        name(mPlanFolders.back() + product::kChannelMapFile, nullptr, nullptr);
+    }
+    std::sort(mPlanFolders.begin(), mPlanFolders.end());
+    std::vector<std::unique_ptr<PlanFolder>> folders(mPlanFolders.size());
+    forEachInParallel(folders.size(), [&](size_t i) {
+        folders[i] = std::make_unique<PlanFolder>(mLine.mTree, mPlanFolders[i]);
+    });
+    for (std::unique_ptr<PlanFolder>& folder : folders) {
+        PlanFiles files;
+        std::unique_ptr<FileLines> map = folder->takeMap();
+        const std::string mapPath = map->path();
+        auto& kept = mLine.mFiles[mapPath];
+        kept = std::move(map);
+        files.map = kept.get();
+        for (const ReadLine& line : files.map->lines()) {
+            const bool isDigital = line.key == product::element::kDtvAntenna ||
+                                   line.key == product::element::kDtvCable;
+            const bool isPlan = isDigital || line.key == product::element::kAtvAntenna ||
+                                line.key == product::element::kAtvCable;
+            if (line.use == LineUse::ITEM && isPlan && !line.value.empty()) {
+                const std::string path =
+                        folder->path() +
+                        (isDigital ? product::kDtvPlansFolder : product::kAtvPlansFolder) +
+                        std::string(line.value);
+                name(path, files.map, &line);
+                ask(path, FileFormat::CHANNEL_PLAN);
+            }
+        }
+        files.folder = std::move(folder);
+        mLine.mPlanFolders.push_back(std::move(files));
+    }
+    readRequests();
+}
+
+}  // namespace mlk::tree
