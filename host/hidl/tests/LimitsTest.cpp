@@ -1,7 +1,9 @@
 // The largest sizes of calls and answers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -91,6 +93,39 @@ TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
     }
     // When the client has the whole answer, the last one may still be in flight.
     EXPECT_TRUE(eventually([&] { return residentOf(mServer.pid()) < before + (24U << 20U); }));
+}
+
+// A server that refuses what a device would not deliver.
+class DeviceLimitTest : public ::testing::Test {
+  protected:
+    DeviceLimitTest() { (void)setenv("MLK_REPLY_LIMIT", "device", 1); }
+    ~DeviceLimitTest() override { (void)unsetenv("MLK_REPLY_LIMIT"); }
+    // The size of a reply of that many bytes, beside them.
+    uint64_t frame(uint32_t count) const {
+        RawClient client(mSet.runtime());
+        EXPECT_TRUE(client.hello());
+        EXPECT_TRUE(client.send(bytesCall(count)));
+        Header header{};
+        EXPECT_EQ(recv(client.socket(), &header, sizeof header, MSG_WAITALL),
+                  static_cast<ssize_t>(sizeof header));
+        return header.bodySize - count;
+    }
+
+    testing::HostSet mSet;
+};
+
+TEST_F(DeviceLimitTest, AnswerOfTheLimitIsDeliveredAndOneByteMoreIsNot) {
+    constexpr uint64_t kLimit = 1'040'000;
+    const Server server;
+    const auto longest = static_cast<uint32_t>(kLimit - frame(1000));
+    const sp<IEverything> service = server.service();
+    size_t got = 0;
+    const auto take = [&](const hidl_vec<uint8_t>& bytes) { got = bytes.size(); };
+    EXPECT_TRUE(service->bytes(longest, take).isOk());
+    EXPECT_EQ(got, longest);
+    EXPECT_EQ(service->bytes(longest + 1, take).description(),
+              "Status(EX_TRANSACTION_FAILED): 'FAILED_TRANSACTION: '");
+    EXPECT_TRUE(server.says("is refused: a device delivers 1040000 at most"));
 }
 
 }  // namespace
