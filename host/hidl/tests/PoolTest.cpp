@@ -1,4 +1,5 @@
 // The pool of threads that answers calls.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -8,7 +9,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -128,6 +132,31 @@ TEST_F(PoolTest, SilentClientsCostNoThread) {
     const auto before = timeOf(server.pid());
     (void)poll(nullptr, 0, 300);
     EXPECT_LT(timeOf(server.pid()) - before, std::chrono::milliseconds(100));
+}
+
+// Programs that the server starts inherit nothing of it.
+TEST_F(PoolTest, DescriptorsOfTheServerAreForItAlone) {
+    const Server server({"default", "10+join", ""});
+    const sp<IEverything> service = server.service();
+    ASSERT_TRUE(service->ping().isOk());
+    const std::string process = "/proc/" + std::to_string(server.pid());
+    size_t seen = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(process + "/fd")) {
+        const std::string number = entry.path().filename();
+        if (std::stoi(number) <= STDERR_FILENO) {
+            continue;
+        }
+        std::ifstream info(process + "/fdinfo/" + number);
+        // A timer has other flags after these.
+        std::string word;
+        while (info >> word && word != "flags:") {
+        }
+        int flags = 0;
+        info >> std::oct >> flags;
+        EXPECT_NE(flags & O_CLOEXEC, 0) << std::filesystem::read_symlink(entry.path());
+        ++seen;
+    }
+    EXPECT_GE(seen, 3U) << "the pool's events, the name's socket and the client's";
 }
 
 TEST_F(PoolTest, ClientsThatHaveBecomeQuietKeepNoMemory) {
