@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "RawClient.h"
 #include "Server.h"
 #include "host/hidl/src/RuntimeFolder.h"
 #include "host/testing/HostSet.h"
@@ -92,6 +93,23 @@ TEST_F(NamesTest, LaterServerTakesTheName) {
     later->kill();
     EXPECT_EQ(IEverything::getService(), nullptr);
     EXPECT_EQ(pidOf(toFirst), first.pid());
+}
+
+TEST_F(NamesTest, LossOfTheNameIsToldOnce) {
+    Server first;
+    // Another way to the first server, which stays.
+    const std::string name = mSet.runtime() + "/" + IEverything::descriptor + ".default";
+    ASSERT_EQ(link(name.c_str(), (mSet.runtime() + "/way.default").c_str()), 0);
+    const Server later;
+    const std::string line = "has taken the name over";
+    ASSERT_TRUE(first.says(line));
+    for (int i = 0; i < 3; ++i) {
+        RawClient client(mSet.runtime(), "way");
+        EXPECT_TRUE(client.hello());
+    }
+    first.kill();
+    const std::string err = first.err();
+    EXPECT_EQ(err.find(line, err.find(line) + 1), std::string::npos) << err;
 }
 
 TEST_F(NamesTest, ProxyOfTheFirstNeverCallsTheLater) {
