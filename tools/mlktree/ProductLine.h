@@ -11,6 +11,7 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/FileLines.h"
+#include "tools/mlktree/Memo.h"
 #include "tools/mlktree/RegionalFiles.h"
 #include "tools/mlktree/Settings.h"
 #include "tools/mlktree/Sources.h"
@@ -159,6 +160,9 @@ class ProductLine {
      */
     std::vector<std::string> setsOf(std::string_view path) const;
 
+    /** What rules compute of the line and share. */
+    const Memo& memo() const { return mMemo; }
+
   private:
     friend class ProductLineBuilder;
     friend class SetFinder;
@@ -168,6 +172,7 @@ class ProductLine {
     const TreeProperties& mProperties;
     const Sources mSources;
     const bool mIsWhole;
+    const Memo mMemo;
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;

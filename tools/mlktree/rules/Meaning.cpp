@@ -6,6 +6,7 @@
 #include <cctype>
 #include <set>
 #include <string>
+#include <unordered_set>
 
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/Texts.h"
@@ -95,9 +96,7 @@ std::vector<const ReadLine*> soundItemsOf(const FileLines& file) {
     return items;
 }
 
-}  // namespace
-
-std::vector<ItemFile> itemFilesOf(const ProductLine& line) {
+std::vector<ItemFile> findItemFiles(const ProductLine& line) {
     std::vector<ItemFile> files;
     std::set<const FileLines*> seen;
     const auto add = [&](const FileLines* file, bool isBoard) {
@@ -114,6 +113,12 @@ std::vector<ItemFile> itemFilesOf(const ProductLine& line) {
         add(board.file, true);
     }
     return files;
+}
+
+}  // namespace
+
+const std::vector<ItemFile>& itemFilesOf(const ProductLine& line) {
+    return line.memo().get<std::vector<ItemFile>>([&] { return findItemFiles(line); });
 }
 
 const std::vector<std::string_view>& knownSections() {
@@ -174,13 +179,15 @@ bool differsInCase(std::string_view one, std::string_view other) {
            strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
-Misspellings misspellingsOf(const ProductLine& line, const std::vector<ItemFile>& files) {
+namespace {
+
+Misspellings findMisspellings(const ProductLine& line, const std::vector<ItemFile>& files) {
     Misspellings result;
     const auto stands = [&](const auto& inFile) {
         return std::any_of(files.begin(), files.end(), inFile);
     };
     std::set<std::string_view> sections;
-    std::set<std::pair<std::string_view, std::string_view>> keys;
+    std::unordered_set<ItemName, ItemNameHash> keys;
     for (const ItemFile& item : files) {
         for (const auto& [name, first] : item.file->sections()) {
             sections.insert(name);
@@ -218,6 +225,13 @@ Misspellings misspellingsOf(const ProductLine& line, const std::vector<ItemFile>
         }
     }
     return result;
+}
+
+}  // namespace
+
+const Misspellings& misspellingsOf(const ProductLine& line) {
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    return line.memo().get<Misspellings>([&] { return findMisspellings(line, files); });
 }
 
 }  // namespace mlk::tree

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -20,7 +21,7 @@ struct ItemFile {
 };
 
 /** The project files that count for some model, and the board files; each once. */
-std::vector<ItemFile> itemFilesOf(const ProductLine& line);
+const std::vector<ItemFile>& itemFilesOf(const ProductLine& line);
 
 /** Sections of the project store that the service reads, each once. */
 const std::vector<std::string_view>& knownSections();
@@ -44,18 +45,29 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
 /** True if two names differ in the case of letters only. */
 bool differsInCase(std::string_view one, std::string_view other);
 
+/** A section and a key of it. */
+using ItemName = std::pair<std::string_view, std::string_view>;
+
+/** For tables of items. */
+struct ItemNameHash {
+    size_t operator()(const ItemName& name) const {
+        const std::hash<std::string_view> hash;
+        return hash(name.first) * 31 + hash(name.second);
+    }
+};
+
 /** Names of the product line that are meant for names that the service looks for. */
 struct Misspellings {
     /** From a section to the known one that is meant. */
     std::map<std::string_view, std::string_view> sections;
     /** From section and key to the known key that is meant. */
-    std::map<std::pair<std::string_view, std::string_view>, std::string_view> keys;
+    std::map<ItemName, std::string_view> keys;
 };
 
 /**
  * Finds the misspelt names of all files. A name that mlktree.toml declares is right, and so is one
  * that stands in some file beside the known name, unless only the case differs.
  */
-Misspellings misspellingsOf(const ProductLine& line, const std::vector<ItemFile>& files);
+const Misspellings& misspellingsOf(const ProductLine& line);
 
 }  // namespace mlk::tree

@@ -88,8 +88,8 @@ Spread spreadOf(const std::vector<ItemFile>& files, const product::ConfigKey& na
 // Reports the items that `isUnusual` asks for, one finding a section of a file.
 template <typename IsUnusual>
 void checkItems(const ProductLine& line, Reporter& reporter, const IsUnusual& isUnusual) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     struct Lack {
         std::string keys;
         size_t having = 0;
@@ -150,8 +150,8 @@ bool hasFeaturesOfCountries(const ProductLine& line, const FileLines& model) {
 }
 
 void checkFeatures(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     const product::ConfigKey& name = product::kTvConfigItem;
     const Spread spread = spreadOf(files, name);
     const std::string usual = "tvconfigs" + std::string(product::kDefaultTvConfigFile);

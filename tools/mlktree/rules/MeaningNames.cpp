@@ -4,6 +4,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
@@ -34,8 +35,8 @@ std::string isMeant(std::string_view name, std::string_view right) {
 }
 
 void checkSections(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     for (const ItemFile& item : files) {
         for (const auto& [name, first] : item.file->sections()) {
             const auto right = misspelt.sections.find(name);
@@ -49,8 +50,8 @@ void checkSections(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkKeys(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     for (const ItemFile& item : files) {
         for (const ReadLine* const read : item.items) {
             const auto right = misspelt.keys.find({read->section, read->key});
@@ -79,8 +80,8 @@ std::optional<std::string_view> sectionOf(std::string_view key) {
 }
 
 void checkPlaces(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     for (const ItemFile& item : files) {
         for (const ReadLine* const read : item.items) {
             const std::optional<std::string_view> right = sectionOf(read->key);
@@ -102,53 +103,93 @@ void checkPlaces(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// How many model files have each section and each of its keys.
-struct Usage {
-    std::map<std::string_view, size_t> sections;
-    std::map<std::string_view, std::map<std::string_view, size_t>> keys;
+// Names by how many model files have them.
+struct Uses {
+    std::unordered_map<std::string_view, size_t> counts;
+    std::vector<std::string_view> mostUsed;  // at most kMostCandidates
 };
 
-Usage usageOf(const std::vector<ItemFile>& files) {
+// Little work, also for a hostile section. In a large line, a name that one file has is no model
+// for others.
+constexpr size_t kMostCandidates = 500;
+
+struct Usage {
+    Uses sections;
+    std::map<std::string_view, Uses> keys;  // by section
+};
+
+void sortByUse(Uses& uses, bool isSmall) {
+    for (const auto& [name, count] : uses.counts) {
+        if (count > 1 || isSmall) {
+            uses.mostUsed.push_back(name);
+        }
+    }
+    std::sort(uses.mostUsed.begin(), uses.mostUsed.end(),
+              [&](std::string_view one, std::string_view other) {
+                  const size_t count = uses.counts.at(one);
+                  const size_t otherCount = uses.counts.at(other);
+                  return count != otherCount ? count > otherCount : one < other;
+              });
+    uses.mostUsed.resize(std::min(uses.mostUsed.size(), kMostCandidates));
+}
+
+Usage findUsage(const std::vector<ItemFile>& files) {
     Usage usage;
     for (const ItemFile& item : files) {
         if (item.isBoard) {
             continue;
         }
         for (const auto& [name, first] : item.file->sections()) {
-            usage.sections[name] += 1;
+            usage.sections.counts[name] += 1;
         }
+        std::string_view section;
+        Uses* uses = nullptr;
         for (const ReadLine* const read : item.items) {
-            usage.keys[read->section][read->key] += 1;
+            if (uses == nullptr || read->section != section) {
+                section = read->section;
+                uses = &usage.keys[section];
+            }
+            uses->counts[read->key] += 1;
         }
+    }
+    constexpr size_t kFewFiles = 20;
+    const bool isSmall = files.size() < kFewFiles;
+    sortByUse(usage.sections, isSmall);
+    for (auto& [section, uses] : usage.keys) {
+        sortByUse(uses, isSmall);
     }
     return usage;
 }
 
-// The near name that most model files have and that more have than this one; empty if none is.
-std::string_view commonNameFor(const std::map<std::string_view, size_t>& counts,
-                               std::string_view name) {
-    const auto own = counts.find(name);
-    const size_t count = own != counts.end() ? own->second : 0;
+const Usage& usageOf(const ProductLine& line) {
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    return line.memo().get<Usage>([&] { return findUsage(files); });
+}
+
+// The near name that more model files have than this one; empty if there is none.
+std::string_view commonNameFor(const Uses& uses, std::string_view name) {
+    const auto own = uses.counts.find(name);
+    const size_t count = own != uses.counts.end() ? own->second : 0;
     Names candidates;
-    for (const auto& [candidate, uses] : counts) {
-        if (uses > count) {
-            candidates.push_back(candidate);
+    for (const std::string_view candidate : uses.mostUsed) {
+        if (uses.counts.at(candidate) <= count) {
+            break;
         }
+        candidates.push_back(candidate);
     }
     return nearestName(name, candidates);
 }
 
-std::string unlike(const std::map<std::string_view, size_t>& counts, std::string_view name,
-                   std::string_view right) {
-    const size_t count = counts.at(right);
+std::string unlike(const Uses& uses, std::string_view name, std::string_view right) {
+    const size_t count = uses.counts.at(right);
     return counted(count, "other model file has ", "other model files have ") + quoted(right) +
            ", not " + quoted(name);
 }
 
 void checkUnlikeSections(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Usage usage = usageOf(files);
-    const Misspellings misspelt = misspellingsOf(line, files);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Usage& usage = usageOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
     std::map<std::string_view, std::string_view> common;
     for (const ItemFile& item : files) {
         for (const auto& [name, first] : item.file->sections()) {
@@ -169,10 +210,10 @@ void checkUnlikeSections(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkUnlikeKeys(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
-    const Usage usage = usageOf(files);
-    const Misspellings misspelt = misspellingsOf(line, files);
-    std::map<std::pair<std::string_view, std::string_view>, std::string_view> common;
+    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const Usage& usage = usageOf(line);
+    const Misspellings& misspelt = misspellingsOf(line);
+    std::unordered_map<ItemName, std::string_view, ItemNameHash> common;
     for (const ItemFile& item : files) {
         for (const ReadLine* const read : item.items) {
             const std::pair name(read->section, read->key);

@@ -107,7 +107,7 @@ void checkValues(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkRequired(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
     for (const OwnKey& key : line.settings().keys) {
         const auto lacks = [&](const ItemFile& item) {
             return item.file->find(key.section, key.key) == nullptr;
