@@ -143,6 +143,23 @@ void checkMasters(const ProductLine& line, Reporter& reporter) {
     });
 }
 
+void checkComments(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, file] : line.files()) {
+        if (file->format() != FileFormat::TV_FEATURES) {
+            continue;
+        }
+        const auto first =
+                std::find_if(file->lines().begin(), file->lines().end(), [](const ReadLine& read) {
+                    return read.use == LineUse::NOTHING && beginsWith(read.text, "#");
+                });
+        if (first != file->lines().end()) {
+            reporter.report(placeOf(line, *file, *first),
+                            "the file has comments, and a change of a feature writes it anew "
+                            "without them");
+        }
+    }
+}
+
 constexpr Rule kRules[] = {
         {"misspelt-feature", Severity::ERROR, "a TV feature has nearly the name of a known one",
          "Nobody asks for the misspelt key. The feature comes from the property of the right name, "
@@ -163,6 +180,11 @@ constexpr Rule kRules[] = {
          "persist.vendor.mlk.tv.enable_dtv=false\npersist.vendor.mlk.tv.dtv_cable=true",
          "persist.vendor.mlk.tv.enable_dtv=true\npersist.vendor.mlk.tv.dtv_cable=true",
          checkMasters},
+        {"feature-comments", Severity::NOTE, "a TV feature file has comments",
+         "When a client sets a feature, the service writes the file anew without its comments. "
+         "Keep the annotated file elsewhere.",
+         "# Sockets.\npersist.vendor.mlk.tv.enable_hdmi=true",
+         "persist.vendor.mlk.tv.enable_hdmi=true", checkComments},
 };
 
 }  // namespace

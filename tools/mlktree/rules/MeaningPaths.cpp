@@ -65,6 +65,24 @@ bool isLookedFor(const Naming& naming) {
     return !isWholePath(naming) || formOf(naming.line->value) == PathForm::INSIDE;
 }
 
+// Reports a file once, at the first line that names it; the others are related.
+void reportNamed(const ProductLine& line, Reporter& reporter, const std::string& path,
+                 const std::vector<const Naming*>& namings, std::string message,
+                 std::vector<Related> related) {
+    constexpr size_t kMostRelated = 5;
+    const auto placeOfName = [&](const Naming& naming) {
+        return placeOf(line, *naming.file, *naming.line, naming.line->value);
+    };
+    for (size_t i = 1; i < namings.size() && i <= kMostRelated; ++i) {
+        related.push_back({placeOfName(*namings[i]), "named here, too"});
+    }
+    if (namings.size() > kMostRelated + 1) {
+        message += " (" + std::to_string(namings.size()) + " lines name it)";
+    }
+    reporter.reportIn(line.setsOf(path), placeOfName(*namings.front()), std::move(message),
+                      std::move(related));
+}
+
 void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
     for (const Customer& customer : line.customers()) {
         if (!pathExists(line.tree().host(customer.file->path()))) {
@@ -74,21 +92,21 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
     }
     for (const auto& [path, namings] : line.namedPaths()) {
         const std::string host = line.tree().host(path);
-        if (pathExists(host)) {
+        std::vector<const Naming*> looking;
+        for (const Naming& naming : namings) {
+            if (isLookedFor(naming)) {
+                looking.push_back(&naming);
+            }
+        }
+        if (looking.empty() || pathExists(host)) {
             continue;
         }
         const std::optional<std::string> other = inAnotherCase(host);
-        for (const Naming& naming : namings) {
-            if (!isLookedFor(naming)) {
-                continue;
-            }
-            std::string message = "there is no file " + line.tree().written(host);
-            if (other) {
-                message += "; case counts, and there is " + line.tree().written(*other);
-            }
-            reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
-                            std::move(message));
-        }
+        reportNamed(
+                line, reporter, path, looking,
+                "there is no file " + line.tree().written(host) +
+                        (other ? "; case counts, and there is " + line.tree().written(*other) : ""),
+                {});
     }
 }
 
@@ -136,15 +154,17 @@ void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
         if (problem.empty()) {
             continue;
         }
-        const Related related{{path, 0, 0}, "this file"};
+        const std::string message = line.tree().written(line.tree().host(path)) + " " + problem;
+        std::vector<const Naming*> users;
         for (const Naming& naming : namings) {
-            const std::string message = line.tree().written(line.tree().host(path)) + " " + problem;
             if (naming.file == nullptr) {
                 reporter.report({path, 0, 0}, message);
             } else if (isOfService(naming)) {
-                reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
-                                message, {related});
+                users.push_back(&naming);
             }
+        }
+        if (!users.empty()) {
+            reportNamed(line, reporter, path, users, message, {{{path, 0, 0}, "this file"}});
         }
     }
     for (const auto& [path, file] : line.files()) {

@@ -1,5 +1,7 @@
 // Rules about system properties.
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <iterator>
 #include <string>
@@ -20,6 +22,8 @@ namespace mlk::tree {
 namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+constexpr size_t kLongestValue = 91;
 
 const std::vector<std::string_view>& knownProperties() {
     static const std::vector<std::string_view> keys = [] {
@@ -78,11 +82,25 @@ std::string problemOfProperty(const std::string& key, const std::string& value) 
     return problemOfFeature(key, value);
 }
 
+// The bytes of a property's file; those of a value that --prop gives.
+size_t sizeOf(const ProductLine& line, const std::string& key) {
+    struct stat info {};
+    return stat(line.tree().host("data/property/" + key).c_str(), &info) == 0 &&
+                           !line.properties().isGiven(key)
+                   ? static_cast<size_t>(info.st_size)
+                   : 0;
+}
+
 void checkValues(const ProductLine& line, Reporter& reporter) {
     for (const std::string& key : line.properties().keys()) {
         const std::string value = line.properties().get(key.c_str());
-        const std::string problem =
+        std::string problem =
                 endsInLineEnd(value) || value.empty() ? "" : problemOfProperty(key, value);
+        if (sizeOf(line, key) > kLongestValue) {
+            problem = "a value has at most " + std::to_string(kLongestValue) +
+                      " bytes; the file has " + std::to_string(sizeOf(line, key)) +
+                      ", and the rest does not count";
+        }
         if (!problem.empty()) {
             reporter.reportIn({"all"}, placeOfProperty(key), origin(line, key) + problem);
         }
@@ -125,7 +143,7 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
 }
 
 bool hasDelays(const ProductLine& line) {
-    const std::vector<ItemFile> files = itemFilesOf(line);
+    const std::vector<ItemFile>& files = itemFilesOf(line);
     return std::any_of(files.begin(), files.end(), [](const ItemFile& item) {
         return item.file->find(product::item::kPanelAudio.category,
                                product::item::kPanelAudio.key) != nullptr;
