@@ -6,7 +6,6 @@
 #include "tools/common/Text.h"
 #include "tools/mlktree/CompletionScripts.h"
 #include "tools/mlktree/Rule.h"
-#include "tools/mlktree/explain/ExplainCommand.h"
 
 namespace mlk::tree {
 
@@ -81,8 +80,8 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
         case Completion::RULE:
             return addRules(out.words);
         case Completion::EXPLAINED:
-            for (const std::string_view topic : explainTopics()) {
-                out.words.push_back({std::string(topic), ""});
+            for (const char* word : {"feature", "audio", "country", "file"}) {
+                out.words.push_back({word, ""});
             }
             return;
         case Completion::SHELL:

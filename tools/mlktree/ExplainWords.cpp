@@ -16,17 +16,19 @@ struct Form {
     Question::Kind kind;
     std::vector<std::string_view> operands;
     std::vector<Completion> completions;  // of the operands
+    bool isOptional;                      // without operands it asks for all there are
 };
 
 const std::vector<Form>& forms() {
     static const std::vector<Form> kForms = {
-            {"feature", Question::Kind::FEATURE, {"NAME"}, {Completion::FEATURE}},
+            {"feature", Question::Kind::FEATURE, {"NAME"}, {Completion::FEATURE}, true},
             {"audio",
              Question::Kind::AUDIO,
              {"SECTION", "KEY"},
-             {Completion::NOTHING, Completion::NOTHING}},
-            {"country", Question::Kind::COUNTRY, {"NAME"}, {Completion::COUNTRY}},
-            {"file", Question::Kind::FILE, {"PATH"}, {Completion::FILE}},
+             {Completion::SOUND_SECTION, Completion::SOUND_KEY},
+             true},
+            {"country", Question::Kind::COUNTRY, {"NAME"}, {Completion::COUNTRY}, true},
+            {"file", Question::Kind::FILE, {"PATH"}, {Completion::FILE}, false},
     };
     return kForms;
 }
@@ -74,8 +76,11 @@ void takeTree(std::vector<std::string>& words, size_t operands, bool isTreeNamed
 
 Question questionOfItem(std::vector<std::string> words, bool isTreeNamed) {
     Question question;
-    if (words.empty()) {
-        refuse("there is no word");
+    const bool isTreeOnly = words.size() == 1 && !isTreeNamed && looksLikeTree(words[0]);
+    if (words.empty() || isTreeOnly) {
+        question.kind = Question::Kind::ALL;
+        question.tree = words.empty() ? "" : words[0];
+        return question;
     }
     const bool isSectionOnly =
             words.size() == 1 || (words.size() == 2 && !isTreeNamed && looksLikeTree(words[1]));
@@ -98,12 +103,17 @@ Question questionOf(const std::vector<std::string>& words, bool isTreeNamed) {
     Question question;
     question.kind = form->kind;
     std::vector<std::string> operands(words.begin() + 1, words.end());
-    if (operands.size() < form->operands.size()) {
-        refuse(std::string(form->word) + " lacks " + std::string(form->operands[operands.size()]));
+    if (operands.empty() && !form->isOptional) {
+        refuse(std::string(form->word) + " lacks " + std::string(form->operands.front()));
     }
-    takeTree(operands, form->operands.size(), isTreeNamed, question);
+    const bool isTreeEarly = form->isOptional && !operands.empty() && !isTreeNamed &&
+                             operands.size() <= form->operands.size() &&
+                             looksLikeTree(operands.back());
+    takeTree(operands, isTreeEarly ? operands.size() - 1 : form->operands.size(), isTreeNamed,
+             question);
+    operands.resize(2);
     if (form->kind == Question::Kind::AUDIO) {
-        question.section = inBrackets(operands[0]);
+        question.section = operands[0].empty() ? "" : inBrackets(operands[0]);
         question.key = operands[1];
     } else {
         question.name = operands[0];
@@ -125,8 +135,8 @@ std::vector<Completion> explainWord(const std::vector<std::string>& before) {
 }
 
 std::vector<std::string_view> explainForms() {
-    return {"SECTION [KEY] [TREE]", "feature NAME [TREE]", "audio SECTION KEY [TREE]",
-            "country NAME [TREE]", "file PATH [TREE]"};
+    return {"[SECTION [KEY]] [TREE]", "feature [NAME] [TREE]", "audio [SECTION [KEY]] [TREE]",
+            "country [NAME] [TREE]", "file PATH [TREE]"};
 }
 
 }  // namespace mlk::tree

@@ -10,11 +10,12 @@ namespace mlk::tree {
 /** What `mlktree explain` is asked. */
 struct Question {
     enum class Kind {
+        ALL,     /**< all items */
         SECTION, /**< all items of a section */
         ITEM,    /**< one item */
-        FEATURE, /**< a TV feature */
-        AUDIO,   /**< a sound delay */
-        COUNTRY, /**< what a country brings */
+        FEATURE, /**< a TV feature; without a name all of them */
+        AUDIO,   /**< a sound delay; without a key those of the section, or all */
+        COUNTRY, /**< what a country brings; without a name that of the set */
         FILE,    /**< who names a file */
     };
     Kind kind = Kind::SECTION;
@@ -27,15 +28,15 @@ struct Question {
 /**
  * Tells what the words of `mlktree explain` mean:
  *
- *     SECTION [KEY] [TREE]      the section with or without its brackets
- *     feature NAME [TREE]
- *     audio SECTION KEY [TREE]
- *     country NAME [TREE]
+ *     [SECTION [KEY]] [TREE]      the section with or without its brackets
+ *     feature [NAME] [TREE]
+ *     audio [SECTION [KEY]] [TREE]
+ *     country [NAME] [TREE]
  *     file PATH [TREE]
  *
  * A word "feature", "audio", "country" or "file" in front is what it says; sections with such names
- * are asked for with brackets: "[file]". Of two words the second is a key unless it has a slash, is
- * ".", "..", or names a folder that holds tvconfigs/.
+ * are asked for with brackets: "[file]". What may be left out is a tree if it has a slash, is ".",
+ * "..", or names a folder that holds tvconfigs/.
  *
  * @param isTreeNamed  whether --tree names the tree: then no word does
  * @throw UsageError if a word is missing or one is too much

@@ -67,14 +67,4 @@ std::string suggestionOf(std::string_view word, const std::vector<std::string_vi
     return name.empty() ? std::string() : "; did you mean " + std::string(name) + "?";
 }
 
-std::string_view sectionOf(std::string_view given, const std::vector<std::string_view>& sections) {
-    for (const std::string& name : {std::string(given), "[" + std::string(given) + "]"}) {
-        const auto found = std::find(sections.begin(), sections.end(), name);
-        if (found != sections.end()) {
-            return *found;
-        }
-    }
-    return {};
-}
-
 }  // namespace mlk::tree

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/mlktree/ExplainWords.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/ShownLine.h"
 #include "tools/mlktree/set/SetModel.h"
@@ -23,19 +24,19 @@ struct Explanation {
     std::string json; /**< a line, or several */
 };
 
-/** What `explain` is asked, besides the tree and the set. */
-struct Question {
-    std::vector<std::string> words; /**< after the topic: "[SSC]", "m_pSSCName" */
+/** What `explain` is asked, besides the set. */
+struct Request {
+    const Question& question;
     const Arguments& arguments;
     bool isColoured;
 };
 
-// The topics. Each throws NotFound, or UsageError if the words are wrong.
-Explanation explainItems(const SetModel& set, const Question& question);
-Explanation explainFeature(const SetModel& set, const Question& question);
-Explanation explainAudio(const SetModel& set, const Question& question);
-Explanation explainCountry(const SetModel& set, const Question& question);
-Explanation explainFile(const ProductLine& line, const Question& question);
+// What can be explained. Each throws NotFound, or UsageError if an option is wrong.
+Explanation explainItems(const SetModel& set, const Request& request);
+Explanation explainFeature(const SetModel& set, const Request& request);
+Explanation explainAudio(const SetModel& set, const Request& request);
+Explanation explainCountry(const SetModel& set, const Request& request);
+Explanation explainFile(const ProductLine& line, const Request& request);
 
 /** An explanation as lines with labels at their left. */
 class Page {
@@ -72,13 +73,10 @@ std::string originJson(std::string_view value, const std::string& file, size_t l
 /** Members "file", "line" and "layer". */
 std::string placeJson(const std::string& file, size_t line, std::string_view layer);
 
-/** The members that every explanation of a country's item shares with those of other items. */
+/** An item as `explain --format json` prints it. */
 std::string itemJson(const SetItem& item);
 
 /** "; did you mean X?", or an empty text. */
 std::string suggestionOf(std::string_view word, const std::vector<std::string_view>& candidates);
-
-/** The section of that name among the candidates: as given, or with brackets; empty if none. */
-std::string_view sectionOf(std::string_view given, const std::vector<std::string_view>& sections);
 
 }  // namespace mlk::tree

@@ -76,66 +76,59 @@ std::string lineOf(const Delay& delay) {
     return sum;
 }
 
-NotFound missing(const std::vector<std::pair<std::string_view, std::string_view>>& items,
-                 std::string_view section, const std::vector<std::string>& words) {
-    std::vector<std::string_view> names;
-    for (const auto& [one, key] : items) {
-        names.push_back(section.empty() ? one : key);
-        if (!section.empty() && one != section) {
-            names.pop_back();
+NotFound missing(const SetDelays::Names& items, const Question& question) {
+    std::vector<std::string_view> sections;
+    std::vector<std::string_view> keys;
+    for (const auto& [section, key] : items) {
+        sections.push_back(section);
+        if (section == question.section) {
+            keys.push_back(key);
         }
     }
-    if (section.empty()) {
-        const bool hasBracket = !words[0].empty() && words[0].front() == '[';
-        return NotFound("no audio file of this set has a section " + words[0] +
-                        suggestionOf(hasBracket ? words[0] : "[" + words[0] + "]", names));
+    if (keys.empty()) {
+        return NotFound("no audio file of this set has a section " + question.section +
+                        suggestionOf(question.section, sections));
     }
-    return NotFound("no audio file of this set has an item " + std::string(section) + " " +
-                    words[1] + "; its delay is 0" + suggestionOf(words[1], names));
+    return NotFound("no audio file of this set has an item " + question.section + " " +
+                    question.key + ": its delay is 0" + suggestionOf(question.key, keys));
+}
+
+void checkOptions(const Arguments& arguments) {
+    if (arguments.has("--avr-vendor") != arguments.has("--avr-name")) {
+        throw UsageError("--avr-vendor and --avr-name name an AVR together; give both");
+    }
+    if (arguments.has("--avr-name") && !arguments.has("--arc")) {
+        throw UsageError("an AVR counts with --arc only");
+    }
 }
 
 }  // namespace
 
-Explanation explainAudio(const SetModel& set, const Question& question) {
-    const Arguments& arguments = question.arguments;
+Explanation explainAudio(const SetModel& set, const Request& request) {
+    const Arguments& arguments = request.arguments;
+    const Question& question = request.question;
+    checkOptions(arguments);
     const bool isArc = arguments.has("--arc");
-    if (arguments.has("--avr-vendor") != arguments.has("--avr-name")) {
-        throw UsageError("--avr-vendor and --avr-name name an AVR together; give both");
-    }
-    if (arguments.has("--avr-name") && !isArc) {
-        throw UsageError("an AVR counts with --arc only");
-    }
     const SetDelays delays(set, arguments.value("--avr-vendor"), arguments.value("--avr-name"));
-    const auto items = delays.items(isArc);
-    std::string_view section;
-    if (!question.words.empty()) {
-        std::vector<std::string_view> sections;
-        for (const auto& item : items) {
-            sections.push_back(item.first);
-        }
-        section = sectionOf(question.words[0], sections);
-        if (section.empty()) {
-            throw missing(items, "", question.words);
-        }
-    }
+    const SetDelays::Names items = delays.items(isArc);
     std::vector<std::string> json;
-    std::string text;
     Table table;
-    for (const auto& [one, key] : items) {
-        if ((!question.words.empty() && one != section) ||
-            (question.words.size() > 1 && key != question.words[1])) {
+    for (const auto& [section, key] : items) {
+        if ((!question.section.empty() && section != question.section) ||
+            (!question.key.empty() && key != question.key)) {
             continue;
         }
-        const Delay delay{one, key, isArc, delays.delay(one, key, isArc),
-                          delays.summands(one, key, isArc)};
-        json.push_back(jsonOf(delay));
-        if (question.words.size() > 1) {
-            return {textOf(delay), json.front() + "\n"};
+        const Delay delay{section, key, isArc, delays.delay(section, key, isArc),
+                          delays.summands(section, key, isArc)};
+        if (!question.key.empty()) {
+            return {textOf(delay), jsonOf(delay) + "\n"};
         }
-        table.push_back({shownText(one), shownText(key), std::to_string(delay.sum), lineOf(delay)});
+        json.push_back(jsonOf(delay));
+        table.push_back(
+                {shownText(section), shownText(key), std::to_string(delay.sum), lineOf(delay)});
     }
-    if (question.words.size() > 1) {
-        throw missing(items, section, question.words);
+    if (!question.section.empty() && json.empty()) {
+        throw missing(items, question);
     }
     return {aligned(table), jsonLines(json) + "\n"};
 }

@@ -1,75 +1,24 @@
-#include <sys/stat.h>
-
 #include <optional>
 #include <ostream>
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/explain/Explain.h"
-#include "tools/mlktree/explain/ExplainCommand.h"
 #include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 
 namespace {
 
-/** What can be explained, by the first word; the last row is for every other word. */
-struct Topic {
-    std::string_view name;
-    size_t mostWords;
-    Explanation (*explain)(const SetModel& set, const Question& question);
-    std::vector<Completion> completions; /**< of the words after the topic's name */
-};
+using Kind = Question::Kind;
 
-const std::vector<Topic>& topics() {
-    static const std::vector<Topic> kTopics = {
-            {"feature", 1, explainFeature, {Completion::FEATURE}},
-            {"audio", 2, explainAudio, {Completion::SOUND_SECTION, Completion::SOUND_KEY}},
-            {"country", 1, explainCountry, {Completion::COUNTRY}},
-            {"file", 1, nullptr, {Completion::FILE}},
-            {"", 2, explainItems, {Completion::SECTION, Completion::KEY}},
-    };
-    return kTopics;
-}
-
-const Topic& topicOf(const std::vector<std::string>& words) {
-    for (const Topic& topic : topics()) {
-        if (!words.empty() && topic.name == words.front()) {
-            return topic;
-        }
-    }
-    return topics().back();
-}
-
-bool isTree(const std::string& word) {
-    struct stat info {};
-    return stat((word + "/tvconfigs").c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-// Removes TREE from the end of the words: a folder with tvconfigs/, or what is too much for a word
-// of the topic.
-std::string takeTree(std::vector<std::string>& words, const Topic& topic) {
-    std::string tree;
-    if (!words.empty() && (words.size() > topic.mostWords || isTree(words.back()))) {
-        tree = words.back();
-        words.pop_back();
-    }
-    if (words.size() > topic.mostWords) {
-        throw UsageError(excerpt(words[topic.mostWords]) +
-                         " is too much (see mlktree explain "
-                         "--help)");
-    }
-    return tree;
-}
-
-Selection selectionFor(const Topic& topic, const Arguments& arguments,
-                       const std::vector<std::string>& words) {
-    if (topic.explain == nullptr) {
+Selection selectionFor(const Question& question, const Arguments& arguments) {
+    if (question.kind == Kind::FILE) {
         return selectionOf(arguments);
     }
     Selection selection = selectionOfSet(arguments);
-    if (topic.explain == explainCountry && !words.empty()) {
-        const std::string& name = words.front();
+    const std::string& name = question.name;
+    if (question.kind == Kind::COUNTRY && !name.empty()) {
         if (!selection.country.empty() && selection.country != name) {
             throw UsageError("there are two countries, " + excerpt(name) + " and --country " +
                              excerpt(selection.country) + "; leave one of them out");
@@ -85,21 +34,31 @@ Selection selectionFor(const Topic& topic, const Arguments& arguments,
     return selection;
 }
 
-ExitStatus run(const Arguments& arguments, Environment& environment) {
-    std::vector<std::string> words = arguments.words();
-    const Topic& topic = topicOf(words);
-    if (!topic.name.empty()) {
-        words.erase(words.begin());
+Explanation explain(const ProductLine& line, const Request& request) {
+    if (request.question.kind == Kind::FILE) {
+        return explainFile(line, request);
     }
-    const std::string tree = takeTree(words, topic);
-    const Question question{words, arguments,
-                            isColoured(arguments, environment, environment.output.isTerminal())};
+    const SetModel set(line, onlySetOf(line));
+    switch (request.question.kind) {
+        case Kind::FEATURE:
+            return explainFeature(set, request);
+        case Kind::AUDIO:
+            return explainAudio(set, request);
+        case Kind::COUNTRY:
+            return explainCountry(set, request);
+        default:
+            return explainItems(set, request);
+    }
+}
+
+ExitStatus run(const Arguments& arguments, Environment& environment) {
+    const Question question = questionOf(arguments.words(), arguments.has("--tree"));
     try {
-        const OpenTree open(arguments, tree, environment, selectionFor(topic, arguments, words));
-        const Explanation found =
-                topic.explain != nullptr
-                        ? topic.explain(SetModel(open.line(), onlySetOf(open.line())), question)
-                        : explainFile(open.line(), question);
+        const OpenTree open(arguments, question.tree, environment,
+                            selectionFor(question, arguments));
+        const Request request{question, arguments,
+                              isColoured(arguments, environment, environment.output.isTerminal())};
+        const Explanation found = explain(open.line(), request);
         const bool isJson = arguments.value("--format") == "json";
         environment.output.write(isJson ? found.json : found.text);
     } catch (const NotFound& error) {
@@ -109,29 +68,12 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     return ExitStatus::NOTHING_FOUND;
 }
 
-std::vector<Completion> nextWord(const std::vector<std::string>& before) {
-    if (before.empty()) {
-        return {Completion::EXPLAINED, Completion::SECTION, Completion::FOLDER};
-    }
-    const Topic& topic = topicOf(before);
-    const size_t at = before.size() - (topic.name.empty() ? 0 : 1);
-    std::vector<Completion> next;
-    if (at < topic.completions.size()) {
-        next.push_back(topic.completions[at]);
-    }
-    if (topic.name != "file" || at > 0) {
-        next.push_back(Completion::FOLDER);
-    }
-    return next;
-}
-
 }  // namespace
 
 Command explainCommand() {
     Command command;
     command.name = "explain";
-    command.words = {"[SECTION [KEY]] [TREE]", "feature [NAME] [TREE]",
-                     "audio [SECTION [KEY]] [TREE]", "country [NAME] [TREE]", "file PATH [TREE]"};
+    command.words = explainForms();
     command.summary = "tells where a value comes from";
     command.description =
             "Of an item: its value, the file and line that it comes from, each value that this one "
@@ -175,19 +117,9 @@ Command explainCommand() {
             {"mlktree explain file /tvconfigs/board/skerry_b2.ini", "who names a file"},
     };
     command.mostWords = 4;
-    command.nextWord = nextWord;
+    command.nextWord = explainWord;
     command.run = run;
     return command;
-}
-
-std::vector<std::string_view> explainTopics() {
-    std::vector<std::string_view> names;
-    for (const Topic& topic : topics()) {
-        if (!topic.name.empty()) {
-            names.push_back(topic.name);
-        }
-    }
-    return names;
 }
 
 }  // namespace mlk::tree

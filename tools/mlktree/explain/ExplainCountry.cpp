@@ -178,7 +178,7 @@ std::string listText(const Listed& listed) {
 
 }  // namespace
 
-Explanation explainCountry(const SetModel& set, const Question& question) {
+Explanation explainCountry(const SetModel& set, const Request& request) {
     const _tv_country country = set.choice().country;
     const std::string name = countryName(country);
     if (country == kNoCountry || name.empty()) {
@@ -187,7 +187,7 @@ Explanation explainCountry(const SetModel& set, const Question& question) {
     const Listed listed = listedIn(set, product::item::kCountries, country);
     const Listed launcher = listedIn(set, product::item::kCLTVCountries, country);
     const std::vector<CountryPlan> plans = plansOf(set, country);
-    Page page(set.line(), question.isColoured);
+    Page page(set.line(), request.isColoured);
     page.title(name + " (" + std::to_string(country) + ")");
     page.row("in the menu", listText(listed));
     page.row("live TV", listText(launcher));

@@ -154,16 +154,16 @@ std::string tableOf(const std::vector<Feature>& all) {
 
 }  // namespace
 
-Explanation explainFeature(const SetModel& set, const Question& question) {
+Explanation explainFeature(const SetModel& set, const Request& request) {
     const std::vector<Feature> all = featuresOf(set);
-    if (question.words.empty()) {
+    if (request.question.name.empty()) {
         std::vector<std::string> json;
         for (const Feature& feature : all) {
             json.push_back(jsonOf(feature));
         }
         return {tableOf(all), jsonLines(json) + "\n"};
     }
-    const std::string& name = question.words.front();
+    const std::string& name = request.question.name;
     const Feature* const feature = find(all, name);
     if (feature == nullptr) {
         std::vector<std::string> names;
@@ -175,7 +175,7 @@ Explanation explainFeature(const SetModel& set, const Question& question) {
         throw NotFound("there is no feature " + excerpt(name) +
                        suggestionOf(name, {names.begin(), names.end()}));
     }
-    Page page(set.line(), question.isColoured);
+    Page page(set.line(), request.isColoured);
     print(page, set, *feature);
     page.row("set", nameOf(set.choice()));
     return {page.take(), jsonOf(*feature) + "\n"};

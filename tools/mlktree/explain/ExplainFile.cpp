@@ -143,8 +143,8 @@ std::string namingText(const Naming& naming) {
     return text;
 }
 
-Page pageOf(const ProductLine& line, const FileFacts& facts, const Question& question) {
-    Page page(line, question.isColoured);
+Page pageOf(const ProductLine& line, const FileFacts& facts, const Request& request) {
+    Page page(line, request.isColoured);
     page.title(facts.path + (facts.exists ? "" : " (missing)"));
     page.row("format",
              !facts.format.empty()   ? facts.format + (facts.isRead   ? ", which the service reads"
@@ -191,19 +191,14 @@ std::string hintFor(const ProductLine& line, const std::string& path) {
 
 }  // namespace
 
-Explanation explainFile(const ProductLine& line, const Question& question) {
-    if (question.words.empty()) {
-        throw UsageError(
-                "explain file takes a path, as in mlktree explain file "
-                "/tvconfigs/customer.ini");
-    }
+Explanation explainFile(const ProductLine& line, const Request& request) {
     const Tree& tree = line.tree();
-    const std::string path = tree.relative(tree.hostOfArgument(question.words.front()));
+    const std::string path = tree.relative(tree.hostOfArgument(request.question.name));
     const FileFacts facts = factsOf(line, path);
     if (!facts.exists && facts.namings.empty()) {
         throw NotFound("there is no file " + path + ", and no line names it" + hintFor(line, path));
     }
-    return {pageOf(line, facts, question).take(), jsonOf(facts)};
+    return {pageOf(line, facts, request).take(), jsonOf(facts)};
 }
 
 }  // namespace mlk::tree

@@ -181,53 +181,37 @@ std::string itemJson(const SetItem& item) {
             .str();
 }
 
-Explanation explainItems(const SetModel& set, const Question& question) {
-    Page page(set.line(), question.isColoured);
-    std::string_view section;
-    const bool isAll = question.words.empty();
-    if (!isAll) {
-        const std::vector<std::string_view> sections = sectionsOf(set);
-        const std::string& given = question.words[0];
-        section = sectionOf(given, sections);
-        const bool isGiven =
-                std::find(sections.begin(), sections.end(), section) != sections.end() &&
-                (!section.empty() || given.empty());
-        if (!isGiven) {
-            const bool hasBracket = !given.empty() && given.front() == '[';
-            throw NotFound("there is no section " + given + " in " + setText(set) +
-                           suggestionOf(hasBracket ? given : "[" + given + "]", sections));
-        }
+Explanation explainItems(const SetModel& set, const Request& request) {
+    const Question& question = request.question;
+    Page page(set.line(), request.isColoured);
+    const bool isAll = question.kind == Question::Kind::ALL;
+    const std::string& section = question.section;
+    const std::vector<std::string_view> sections = sectionsOf(set);
+    if (!isAll && std::find(sections.begin(), sections.end(), section) == sections.end()) {
+        throw NotFound("there is no section " + section + " in " + setText(set) +
+                       suggestionOf(section, sections));
     }
-    if (question.words.size() > 1) {
-        const SetItem* const item = set.find(section, question.words[1]);
+    if (question.kind == Question::Kind::ITEM) {
+        const SetItem* const item = set.find(section, question.key);
         if (item == nullptr) {
-            throw missingItem(set, section, question.words[1]);
+            throw missingItem(set, section, question.key);
         }
         printItem(page, set, *item);
         page.row("set", nameOf(set.choice()));
         return {page.take(), itemJson(*item) + "\n"};
     }
     std::vector<std::string> json;
-    std::vector<const SetItem*> items;
-    const auto endSection = [&] {
-        if (!items.empty()) {
-            page.add((items.front() == &set.items().begin()->second || !isAll ? "" : "\n") +
-                     sectionTable(items.front()->section, items, set));
+    std::string text;
+    for (const std::string_view one : isAll ? sections : std::vector<std::string_view>{section}) {
+        std::vector<const SetItem*> items;
+        for (auto item = set.items().lower_bound({one, ""});
+             item != set.items().end() && item->first.first == one; ++item) {
+            items.push_back(&item->second);
+            json.push_back(itemJson(item->second));
         }
-        items.clear();
-    };
-    for (const auto& [name, item] : set.items()) {
-        if (!isAll && name.first != section) {
-            continue;
-        }
-        if (!items.empty() && items.front()->section != item.section) {
-            endSection();
-        }
-        items.push_back(&item);
-        json.push_back(itemJson(item));
+        text += (text.empty() ? "" : "\n") + sectionTable(one, items, set);
     }
-    endSection();
-    return {page.take(), jsonLines(json) + "\n"};
+    return {text, jsonLines(json) + "\n"};
 }
 
 }  // namespace mlk::tree

@@ -119,7 +119,7 @@ std::vector<Summand> SetDelays::summands(std::string_view section, std::string_v
     return summands;
 }
 
-std::vector<std::pair<std::string_view, std::string_view>> SetDelays::items(bool isArc) const {
+SetDelays::Names SetDelays::items(bool isArc) const {
     std::set<std::pair<std::string_view, std::string_view>> names;
     for (const Role& role : mRoles) {
         if (role.file == nullptr || (role.isOfArc && !isArc)) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/mlktree/set/SetModel.h"
@@ -23,6 +24,9 @@ struct Summand {
 /** The audio files of a set, as they lie in its folders. One thread at a time. */
 class SetDelays {
   public:
+    /** Sections and keys. */
+    using Names = std::vector<std::pair<std::string_view, std::string_view>>;
+
     /**
      * @param set        must outlive the object
      * @param avrVendor  vendor id of the AVR in use; empty, as is its name, for none
@@ -38,7 +42,7 @@ class SetDelays {
     std::vector<Summand> summands(std::string_view section, std::string_view key, bool isArc) const;
 
     /** All items of the files that count, by section and key. */
-    std::vector<std::pair<std::string_view, std::string_view>> items(bool isArc) const;
+    Names items(bool isArc) const;
 
   private:
     /** Which file holds the values of a role. */

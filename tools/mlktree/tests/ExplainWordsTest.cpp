@@ -59,6 +59,25 @@ TEST(ExplainWordsTest, AskForOtherThings) {
     EXPECT_EQ(questionOf({"AUDIO", "x"}, false).section, "[AUDIO]");
 }
 
+TEST(ExplainWordsTest, AskForAllThereAre) {
+    EXPECT_EQ(questionOf({}, false).kind, Kind::ALL);
+    EXPECT_EQ(questionOf({"./line"}, false).kind, Kind::ALL);
+    EXPECT_EQ(questionOf({"./line"}, false).tree, "./line");
+    EXPECT_EQ(questionOf({"./line"}, true).kind, Kind::SECTION);
+    const Question features = questionOf({"feature", "./line"}, false);
+    EXPECT_EQ(features.kind, Kind::FEATURE);
+    EXPECT_EQ(features.name, "");
+    EXPECT_EQ(features.tree, "./line");
+    const Question section = questionOf({"audio", "ARC", "./line"}, false);
+    EXPECT_EQ(section.section, "[ARC]");
+    EXPECT_EQ(section.key, "");
+    EXPECT_EQ(section.tree, "./line");
+    EXPECT_EQ(questionOf({"audio"}, false).section, "");
+    EXPECT_EQ(questionOf({"country"}, false).name, "");
+    // The path of a file is no tree.
+    EXPECT_EQ(questionOf({"file", "./a"}, false).tree, "");
+}
+
 TEST(ExplainWordsTest, SayWhatIsMissingOrTooMuch) {
     const auto problemOf = [](const std::vector<std::string>& words, bool isTreeNamed) {
         try {
@@ -69,9 +88,7 @@ TEST(ExplainWordsTest, SayWhatIsMissingOrTooMuch) {
         return std::string();
     };
     using ::testing::HasSubstr;
-    EXPECT_THAT(problemOf({}, false), HasSubstr("there is no word"));
-    EXPECT_THAT(problemOf({"feature"}, false), HasSubstr("feature lacks NAME"));
-    EXPECT_THAT(problemOf({"audio", "A"}, false), HasSubstr("audio lacks KEY"));
+    EXPECT_THAT(problemOf({"file"}, false), HasSubstr("file lacks PATH"));
     EXPECT_THAT(problemOf({"a", "b", "c", "d"}, false), HasSubstr("\"c\" is too much"));
     EXPECT_THAT(problemOf({"a", "b", "c"}, true), HasSubstr("\"c\" is too much, since --tree"));
     EXPECT_THAT(problemOf({"country", "X", "t", "u"}, false), HasSubstr("\"t\" is too much"));
@@ -83,6 +100,8 @@ TEST(ExplainWordsTest, CompleteByWhatComesBefore) {
     EXPECT_THAT(explainWord({"PANEL", "x"}), ElementsAre(Completion::FOLDER));
     EXPECT_THAT(explainWord({"feature"}), ElementsAre(Completion::FEATURE));
     EXPECT_THAT(explainWord({"feature", "x"}), ElementsAre(Completion::FOLDER));
+    EXPECT_THAT(explainWord({"audio"}), ElementsAre(Completion::SOUND_SECTION));
+    EXPECT_THAT(explainWord({"audio", "[ARC]"}), ElementsAre(Completion::SOUND_KEY));
     EXPECT_THAT(explainWord({"country"}), ElementsAre(Completion::COUNTRY));
     EXPECT_THAT(explainWord({"file"}), ElementsAre(Completion::FILE));
 }
