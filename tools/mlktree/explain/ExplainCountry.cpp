@@ -47,6 +47,12 @@ std::vector<Origin> replacedBy(const SetModel& set, const SetItem& brought) {
     return replaced;
 }
 
+// Whether the set has the value that the country brings.
+bool isApplied(const SetModel& set, const SetItem& brought) {
+    const SetItem* const item = set.find(brought.section, brought.key);
+    return item != nullptr && item->current().line == brought.current().line;
+}
+
 std::string jsonOf(const SetModel& set, const SetItem& brought) {
     std::vector<std::string> replaced;
     for (const Origin& origin : replacedBy(set, brought)) {
@@ -60,7 +66,7 @@ std::string jsonOf(const SetModel& set, const SetItem& brought) {
             .text("value", origin.value)
             .json("origin",
                   placeJson(origin.file->path(), origin.line->number, nameOf(origin.layer)))
-            .flag("applied", !replaced.empty())
+            .flag("applied", isApplied(set, brought))
             .json("replaced", jsonArray(replaced))
             .str();
 }
@@ -142,7 +148,9 @@ std::string itemTable(const SetModel& set) {
         const Origin& origin = brought.current();
         const std::vector<Origin> replaced = replacedBy(set, brought);
         std::string effect = "ignored: neither model nor board has the item";
-        if (!replaced.empty()) {
+        if (!replaced.empty() && !isApplied(set, brought)) {
+            effect = "not used: the record's TV_CONFIG comes first";
+        } else if (!replaced.empty()) {
             const Origin& older = replaced.back();
             effect = older.value == origin.value
                              ? "as in " + placeOf(older.file, older.line)
