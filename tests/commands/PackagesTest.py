@@ -17,6 +17,7 @@ from pathlib import Path
 from scratch import BIN, PATIENCE, ROOT
 
 sys.path.insert(0, str(ROOT / "tools"))
+import formatpage  # noqa: E402
 import manpage  # noqa: E402
 
 BUILD = Path(sys.argv.pop(1)).resolve()
@@ -36,9 +37,9 @@ def output(*words, **options):
     return done.stdout
 
 
-def rendered(page):
-    """A manual page as a very wide terminal shows it. Any warning of the formatter is a failure."""
-    done = subprocess.run(["groff", "-ww", "-man", "-Tutf8", "-P-cbou", "-rLL=2000n"], input=page,
+def rendered(page, width=2000):
+    """A manual page as a terminal shows it. Any warning of the formatter is a failure."""
+    done = subprocess.run(["groff", "-t", "-ww", "-man", "-Tutf8", "-P-cbou", f"-rLL={width}n"], input=page,
                           env={**os.environ, "LC_ALL": "C.UTF-8"}, capture_output=True, text=True,
                           check=True, timeout=PATIENCE)
     if done.stderr:
@@ -49,6 +50,22 @@ def rendered(page):
 def plain(words):
     """Words without what a page shows in another way: the colons of headings, first capitals."""
     return {word.rstrip(":.").lower() for word in words}
+
+
+def words_of_section(document, heading, rows):
+    """The words of a section that its page must have, without what Markdown adds."""
+    found = set()
+    lines = formatpage.section_of(document, heading)
+    for line, following in zip(lines, [*lines[1:], ""]):
+        first = line.removeprefix("| ").split(" |")[0]
+        is_row = line.startswith("|") and not line.startswith("| file")
+        # The heads of columns that no row fills are left out.
+        if following.startswith("|--") or line.startswith(("- [", "[")) or (rows and is_row and document == formatpage.ITEMS and
+                                             not re.search(rows, first)):
+            continue
+        line = re.sub(r"\[([^]]*)\]\([^)]*\)", "", line)
+        found.update(re.findall(r"[A-Za-z_][A-Za-z_0-9]{3,}", line))
+    return found - {"countries"}
 
 
 class Folder(unittest.TestCase):
@@ -72,9 +89,13 @@ class Installed(Folder):
         for tool in TOOLS:
             self.assertLessEqual({
                 f"bin/{tool}", f"share/man/man1/{tool}.1.gz",
-                f"share/bash-completion/completions/{tool}", f"share/doc/{tool}/README.md",
+                f"share/bash-completion/completions/{tool}", f"share/zsh/vendor-completions/_{tool}",
+                f"share/fish/vendor_completions.d/{tool}.fish", f"share/doc/{tool}/README.md",
                 f"share/doc/{tool}/CHANGELOG.md"}, files)
         self.assertIn("share/doc/mlkctl/docs/reference.md", files)
+        self.assertIn("share/doc/mlktree/docs/formats.md", files)
+        pages = {f"share/man/man5/{name}.5.gz" for name in ["mlktree.toml", *formatpage.PAGES]}
+        self.assertEqual({name for name in files if "/man5/" in name}, pages)
         # And nothing else: neither tests nor libraries.
         strange = [name for name in files if not re.match(
             r"(bin|share/(man/man[15]|bash-completion/completions|zsh/vendor-completions|"
@@ -86,11 +107,32 @@ class Installed(Folder):
             for option in ("--help", "--version"):
                 self.assertEqual(output(self.folder / "bin" / tool, option), output(BIN / tool, option))
 
-    def test_completions_are_loaded_by_their_shell(self):
+    def test_completions_are_loaded_by_bash(self):
         for tool in TOOLS:
             script = self.folder / "share/bash-completion/completions" / tool
             said = output("bash", "-c", '. "$1" && complete -p "$2"', "bash", script, tool)
             self.assertRegex(said, f"complete .* {tool}\n$")
+
+    @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
+    def test_completions_are_found_by_zsh(self):
+        script = ("fpath=($1 $fpath); autoload -Uz compinit; compinit -u -D\n"
+                  "print -r -- $_comps[$2]; autoload +X $_comps[$2] && functions $_comps[$2]")
+        for tool in TOOLS:
+            said = output("zsh", "-f", "-c", script, "zsh", self.folder / "share/zsh/vendor-completions", tool)
+            name, function = said.split("\n", maxsplit=1)
+            self.assertEqual(name, f"_{tool}")
+            self.assertIn(tool, function)
+
+    @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+    def test_completions_are_found_by_fish(self):
+        for tool in TOOLS:
+            said = output("fish", "-c", f'complete -C "{tool} c"', environment={
+                "XDG_DATA_DIRS": str(self.folder / "share"), "HOME": str(self.folder),
+                "XDG_CONFIG_HOME": str(self.folder / "config"),
+                "PATH": f"{self.folder / 'bin'}:{os.environ['PATH']}"})
+            commands = {line.split("\t")[0] for line in said.splitlines()}
+            self.assertIn("completion", commands)
+            self.assertEqual({name for name in commands if not name.startswith("c")}, set())
 
 
 class ManualPages(Folder):
@@ -123,6 +165,61 @@ class ManualPages(Folder):
         for path in pages:
             with gzip.open(path, "rt", encoding="utf-8") as file:
                 self.assertGreater(len(rendered(file.read())), 200, path)
+
+    def test_pages_fit_a_terminal(self):
+        output("cmake", "--install", BUILD, "--prefix", self.folder)
+        for path in (self.folder / "share/man/man5").glob("*.gz"):
+            with gzip.open(path, "rt", encoding="utf-8") as file:
+                text = rendered(file.read(), 80)
+            # Only examples keep their lines.
+            long = [line for line in text.splitlines() if len(line) > 80 and not re.match(r" {11}\S", line)]
+            self.assertEqual(long, [], path)
+            self.assertNotIn("‐\n", text, path)
+
+    def test_format_pages_say_all_that_the_documents_say(self):
+        for name, page in formatpage.PAGES.items():
+            text = " ".join(rendered(formatpage.page_of(name, "mlktree 1.0")).split())
+            self.assertRegex(text, rf"^{name.upper()}\(5\)")
+            for document, heading in page.sections:
+                self.assertIn(heading.upper(), text)
+                for word in words_of_section(document, heading, page.rows):
+                    self.assertIn(word, text, (name, document, heading))
+
+    def test_every_section_of_the_formats_has_a_page(self):
+        headings = set(re.findall("^## (.*)$", (ROOT / "docs/formats.md").read_text(encoding="utf-8"), re.MULTILINE))
+        used = {heading for page in formatpage.PAGES.values() for _, heading in page.sections}
+        self.assertEqual(headings - used, {formatpage.LIMITS})
+
+    def test_the_page_of_the_settings_says_all_that_the_command_says(self):
+        output("cmake", "--install", BUILD, "--prefix", self.folder)
+        with gzip.open(self.folder / "share/man/man5/mlktree.toml.5.gz", "rt", encoding="utf-8") as file:
+            said = plain(rendered(file.read()).split())
+        command = re.sub(r"\[\[(\w+)\]\]\n\n  ", "", output(BIN / "mlktree", "settings"))
+        self.assertEqual(plain(command.split()) - said - {"-"}, set())
+
+    def test_markdown_becomes_a_page(self):
+        writer = formatpage.Writer(formatpage.Page("", [], [], [(formatpage.FORMATS, "Lists")], "^a"))
+
+        def shown(*lines):
+            text = rendered(".TH X 5\n" + "\n".join(writer.section(lines)))
+            return re.fullmatch(r"X\(5\)[^\n]*\n\n+(.*?)\n\n+[^\n]*X\(5\)\s*", text, re.DOTALL)[1].strip()
+
+        self.assertEqual(shown("a `b\\c`, **`d`.** *e* f*g*h", "and [more](formats.md#lists)"),
+                         "a b\\c, d. e f*g*h and more")
+        self.assertEqual(shown("see [formats.md](formats.md#lists) and [x](#lists)"),
+                         "see LISTS below and LISTS below")
+        self.assertEqual(shown(".first", "'second"), ".first 'second")
+        self.assertRegex(shown("text", "- one", "  goes on", "- two"), r"^text\s+• one goes on\s+• two$")
+        self.assertRegex(shown("```", ".x  `y`", "```"), r"^\.x  `y`$")
+        self.assertRegex(shown("| trap | rule |", "|---|---|", "| a \\| b | `r-s` |", "| c | |"),
+                         r"^Traps:\s+• a \| b \[r-s\]\s+• c$")
+        table = ("| file | key | value |", "|---|---|---|", "| a | `k` | v |", "| b | l | w |", "| a | m | |")
+        self.assertRegex(shown(*table), r"^file\s+key\s+value\n\s+a\s+k\s+v\n\s+a\s+m$")
+        wide = "x" * 70
+        self.assertRegex(shown(table[0], table[1], f"| a | k | {wide} |", "| a | l | v |"),
+                         rf"^k\s+file: a\s+value: {wide}\s+l\s+file: a\s+value: v$")
+        with self.assertRaises(LookupError):
+            formatpage.section_of(formatpage.FORMATS, "Nothing")
 
     def test_special_characters_stay(self):
         program = self.folder / "odd"

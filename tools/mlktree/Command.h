@@ -129,6 +129,7 @@ Command checkCommand();
 Command explainCommand();
 Command fixCommand();
 Command rulesCommand();
+Command settingsCommand();
 Command newCommand();
 Command showCommand();
 Command completionCommand();

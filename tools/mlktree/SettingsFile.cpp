@@ -10,6 +10,7 @@
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Rule.h"
 #include "tools/mlktree/Settings.h"
+#include "tools/mlktree/SettingsTables.h"
 #include "tools/mlktree/TomlTable.h"
 #include "tools/mlktree/Tree.h"
 
@@ -80,7 +81,6 @@ std::string reasonOf(const TomlTable& table) {
 }
 
 RuleSetting readRule(const TomlTable& table) {
-    table.allowOnly({"rule", "files", "severity", "reason"});
     RuleSetting setting;
     setting.rule = ruleOf(table, true);
     setting.files = patternOfPaths(table);
@@ -96,7 +96,6 @@ RuleSetting readRule(const TomlTable& table) {
 }
 
 Allowance readAllowance(const TomlTable& table) {
-    table.allowOnly({"rule", "files", "text", "reason"});
     Allowance allowance;
     allowance.rule = ruleOf(table, false);
     allowance.files = patternOfPaths(table);
@@ -154,8 +153,6 @@ void readPattern(const TomlTable& table, OwnKey& key) {
 }
 
 OwnKey readKey(const TomlTable& table) {
-    table.allowOnly({"section", "key", "type", "least", "most", "choices", "pattern", "required",
-                     "remark"});
     OwnKey key;
     key.section = table.text("section");
     if (!key.section.empty() && key.section.front() != '[') {
@@ -195,7 +192,9 @@ void forEachTable(const std::string& path, const toml::table& root, const char* 
         if (table == nullptr) {
             refuseAt(path, entry.source(), "write " + heading + " and its keys below");
         }
-        read(TomlTable(path, heading, *table));
+        const TomlTable entries(path, heading, *table);
+        entries.allowOnly(settingsTable(name).keyNames());
+        read(entries);
     }
 }
 
@@ -211,13 +210,17 @@ void addKey(Settings& settings, const TomlTable& table) {
 }
 
 void checkHeadings(const std::string& path, const toml::table& root) {
-    const std::vector<std::string_view> known = {"rule", "allow", "key"};
+    std::vector<std::string_view> known;
+    std::vector<std::string> headings;
+    for (const SettingsTable& table : settingsTables()) {
+        known.push_back(table.name);
+        headings.push_back("[[" + std::string(table.name) + "]]");
+    }
     for (const auto& [key, node] : root) {
         if (std::find(known.begin(), known.end(), key.str()) == known.end()) {
             refuseAt(path, key.source(),
                      "there is no table " + excerpt(key.str()) +
-                             didYouMean(key.str(), known,
-                                        "; there are [[rule]], [[allow]] and [[key]]"));
+                             didYouMean(key.str(), known, "; there are " + joined(headings)));
         }
     }
 }

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include "host/testing/TempDir.h"
+#include "tools/mlktree/SettingsTables.h"
 #include "tools/mlktree/Tree.h"
+#include "tools/mlktree/tests/Harness.h"
 
 namespace mlk::tree {
 
@@ -147,7 +149,9 @@ TEST(SettingsErrorsTest, NamePlaceAndRemedy) {
     };
     for (const Row& row : {
                  Row{"[[ruel]]\n", "1:3: there is no table \"ruel\"; did you mean rule?"},
-                 Row{"x = 1\n", "1:1: there is no table \"x\"; there are [[rule]], [[allow]] and"},
+                 Row{"x = 1\n",
+                     "1:1: there is no table \"x\"; there are [[rule]], [[allow]], "
+                     "[[key]]"},
                  Row{"[rule]\nrule = \"tab\"\n", "1:1: write [[rule]] for each of these tables"},
                  Row{"rule = [1]\n", "1:9: write [[rule]] and its keys below"},
                  Row{"[[rule]]\nrule = \"tba\"\nseverity = \"off\"\n",
@@ -205,6 +209,76 @@ TEST(SettingsErrorsTest, NamePlaceAndRemedy) {
                  Row{"a = \"\xff\"\n", "1:"},
          }) {
         EXPECT_THAT(problemOf(row.text), ::testing::StartsWith(row.problem)) << row.text;
+    }
+}
+
+// An example without the line of one key.
+std::string without(const SettingsKey& key, std::string_view example) {
+    std::string text(example);
+    const size_t begin = text.find("\n" + std::string(key.name) + " = ");
+    if (begin != std::string::npos) {
+        text.erase(begin, text.find('\n', begin + 1) - begin);
+    }
+    return text;
+}
+
+TEST(SettingsTablesTest, TheReaderTakesTheExamples) {
+    std::string all;
+    for (const SettingsTable& table : settingsTables()) {
+        EXPECT_EQ(problemOf(std::string(table.example)), "no problem") << table.name;
+        all += table.example;
+    }
+    const Settings settings = settingsOf(all);
+    EXPECT_THAT(settings.rules, SizeIs(1));
+    EXPECT_THAT(settings.allowances, SizeIs(1));
+    EXPECT_THAT(settings.keys, SizeIs(1));
+}
+
+TEST(SettingsTablesTest, TheReaderRequiresWhatTheTablesSay) {
+    for (const SettingsTable& table : settingsTables()) {
+        for (const SettingsKey& key : table.keys) {
+            if (key.name == "type") {
+                continue;  // decides which of the other keys there may be
+            }
+            // A rule that is off needs its reason.
+            const std::string text = without(key, table.example);
+            const std::string problem =
+                    problemOf(table.name == "rule" && key.name == "reason"
+                                      ? text.substr(0, text.find("\"off\"")) + "\"note\"\n"
+                                      : text);
+            if (key.isRequired) {
+                EXPECT_EQ(problem, "1:1: [[" + std::string(table.name) + "]] needs \"" +
+                                           std::string(key.name) + "\"");
+            } else {
+                EXPECT_EQ(problem, "no problem") << key.name;
+            }
+        }
+    }
+}
+
+TEST(SettingsTablesTest, TheReaderKnowsEveryKey) {
+    for (const SettingsTable& table : settingsTables()) {
+        for (const SettingsKey& key : table.keys) {
+            // No key takes a date: what is said names the key, and does not call it unknown.
+            const std::string text = without(key, table.example);
+            const std::string problem = problemOf(text + std::string(key.name) + " = 2026-11-22\n");
+            EXPECT_THAT(problem, HasSubstr("\"" + std::string(key.name) + "\"")) << table.name;
+            EXPECT_THAT(problem, ::testing::Not(HasSubstr("has no key"))) << key.name;
+        }
+    }
+}
+
+TEST(SettingsTablesTest, TheCommandTellsEveryKey) {
+    const std::string text = runMlktree({"settings"}).out;
+    const std::string json = runMlktree({"settings", "--format", "json"}).out;
+    for (const SettingsTable& table : settingsTables()) {
+        const size_t at = text.find("\n[[" + std::string(table.name) + "]]\n");
+        ASSERT_NE(at, std::string::npos) << table.name;
+        EXPECT_THAT(json, HasSubstr("{\"name\":\"" + std::string(table.name) + "\""));
+        for (const SettingsKey& key : table.keys) {
+            EXPECT_NE(text.find("\n  " + std::string(key.name) + " = ", at), std::string::npos);
+            EXPECT_THAT(json, HasSubstr("{\"name\":\"" + std::string(key.name) + "\""));
+        }
     }
 }
 
