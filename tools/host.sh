@@ -93,7 +93,8 @@ build() {
 }
 
 # copy_set FROM TO: copies the partitions and the property store, with what their links lead to, so
-# that no write to the copy reaches the set. A link that leads nowhere is left out.
+# that no write to the copy reaches the set, and the settings of mlktree. A link that leads nowhere is
+# left out.
 copy_set() {
     local part errors
     for part in tvconfigs tvdata impdata data/property; do
@@ -104,6 +105,9 @@ copy_set() {
         printf '%s\n' "$errors" >&2
         return 1
     done
+    if [[ -f $1/mlktree.toml ]]; then
+        cp -L -- "$1/mlktree.toml" "$2" || return
+    fi
     chmod -R u+rwX "$2"
 }
 

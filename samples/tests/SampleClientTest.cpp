@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <sstream>
 
@@ -44,6 +45,32 @@ TEST_F(SampleClientTest, APathOfThePartitionsFilesIsHintedAt) {
     EXPECT_EQ(run({"call", "getTvFile", mSet.tvconfigs() + "/customer.ini"}).err, "");
     EXPECT_THAT(run({"call", "getVendorPartitionFile", mSet.tvconfigs() + "/customer.ini"}).err,
                 StartsWith("mlkctl: no allocator of shared memory runs"));
+}
+
+// A text without its blanks: a table wraps long paths.
+std::string unwrapped(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(),
+                              [](char c) { return c == ' ' || c == '\n'; }),
+               text.end());
+    return text;
+}
+
+TEST_F(SampleClientTest, ShowTellsWhatMlktreeFinds) {
+    const Outcome sound = run({"show"});
+    EXPECT_EQ(sound.err, "");
+    EXPECT_THAT(unwrapped(sound.out), HasSubstr("/tvconfigs/ssc/ssc_b2.ini(board)"));
+    EXPECT_THAT(unwrapped(sound.out), HasSubstr("/tvdata/channels/preset_eu.db(country)"));
+    EXPECT_THAT(sound.out, Not(HasSubstr("mlktree check")));
+
+    const std::string model = "tvconfigs/model/TRQ43_M2_EU.ini";
+    std::string text = mSet.dir().read(model);
+    const std::string path = "/tvconfigs/overscan/overscan_uhd.ini";
+    text.replace(text.find(path), path.size(), "/tvconfigs/overscan/none.ini");
+    mSet.dir().write(model, text);
+    EXPECT_THAT(run({"show"}).out, EndsWith("\n\n1 error: `mlktree check`\n"));
+    // For another model the line is of no interest.
+    run({"call", "setProjectId", "6"});
+    EXPECT_THAT(run({"show"}).out, Not(HasSubstr("mlktree check")));
 }
 
 TEST_F(SampleClientTest, SectionsAndKeysAreUnderstoodOrSuggested) {

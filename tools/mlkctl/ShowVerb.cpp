@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <string>
@@ -16,6 +17,7 @@
 #include "tools/mlkctl/Mounts.h"
 #include "tools/mlkctl/ShowRows.h"
 #include "tools/mlkctl/TimeLimit.h"
+#include "tools/mlkctl/TreeView.h"
 #include "tools/mlkctl/Verb.h"
 
 namespace mlk::ctl {
@@ -31,6 +33,10 @@ and which there are, board, panel, sound, HDMI, inputs and tuners, the country a
 languages, power, remote control, and where the partitions are. Use mlkctl call for a
 single value. Paths are shown as the partitions' files have them, /tvconfigs/...; the last lines are the
 mount points. A path that does not exist is marked (missing).
+
+If the partitions are readable here and mlktree lies beside mlkctl or on PATH, it is asked what it
+makes of them: a value that the board file or the country has put in the place of the model's is then
+marked (board) or (country), and a last line counts what mlktree check finds in this set.
 
 The country is the saved one, with its TV system, its TV configuration file and the number of
 channels in each of its plans. The features are those of the file that the service has started on:
@@ -162,7 +168,7 @@ class ShowVerb : public Verb {
         environment.services.setLimit(limitOf(mSeconds));
         Unreachable unreachable = environment.services.findAll();
         if (unreachable.size() < interfaces().size()) {
-            const Answers answers = askAll(environment.services, &unreachable);
+            Answers answers = askAll(environment.services, &unreachable);
             write(answers, environment);
         }
         if (unreachable.empty()) {
@@ -180,7 +186,7 @@ class ShowVerb : public Verb {
     }
 
   private:
-    void write(const Answers& answers, Environment& environment) const {
+    void write(Answers& answers, Environment& environment) const {
         Mounts mounts({});
         FactFrame frame = frameOf(answers, environment.services, &mounts);
         if (mJson) {
@@ -192,7 +198,16 @@ class ShowVerb : public Verb {
             environment.output.write(paragraph("", noModel, 0, kFactWidth) + '\n');
         }
         frame.styled = wantsStyles(environment.output);
+        const std::optional<TreeView> view =
+                askMlktree(mounts, limitOf(mSeconds), environment.errors);
+        if (view) {
+            addNotes(*view, answers);
+        }
         environment.output.write(factTable(answers, frame));
+        const std::string findings = view ? findingsLine(*view) : "";
+        if (!findings.empty()) {
+            environment.output.write('\n' + findings + '\n');
+        }
     }
 
     bool mJson = false;

@@ -13,7 +13,7 @@ constexpr const char* kReadme = R"(# The product line of {MAKER}
 | `tvconfigs/customer.ini` | where the service begins: customer and list of models |
 | `tvconfigs/system/models.ini` | the list of models |
 | `tvconfigs/model/{MODEL}.ini` | the one model; its lines name the other files |
-| `tvconfigs/tv.config` | TV features |
+| `tvconfigs/tv.config` | TV features: analogue system 0 is PAL and SECAM, 1 NTSC; digital system 1 is DVB, 2 ATSC, 3 ISDB, 4 DTMB. No blanks around `=`. A change on the set rewrites the file without its comments, so it has none |
 | `tvconfigs/audio/panel.ini`, `tvconfigs/audio/audio_chassis.ini` | sound delays of the panel and of the chassis |
 | `tvconfigs/country/countries.txt` | countries that the menu offers, one a line: name, comma, remark |
 | `tvconfigs/language/languages.txt` | languages that the menu offers, in the same form |
@@ -197,25 +197,16 @@ constexpr const char* kHardwareAudio =
 HDMI_DELAY = 2
 )";
 
-constexpr const char* kFeatures =
-        R"(# TV features. No blanks around "=", and no remark after a value: they would become part of the text.
-# If a key is missing, the property of its name decides. The service rewrites this file without its
-# comments when a feature changes.
-
-# Analogue television: 0 PAL and SECAM, 1 NTSC.
-persist.vendor.mlk.tv.atv_system=0
+// Without comments: the service drops them when a feature changes. README.md explains the file.
+constexpr const char* kFeatures = R"(persist.vendor.mlk.tv.atv_system=0
 persist.vendor.mlk.tv.enable_atv=false
 persist.vendor.mlk.tv.atv_antenna=false
 persist.vendor.mlk.tv.atv_cable=false
-
-# Digital television: 1 DVB, 2 ATSC, 3 ISDB, 4 DTMB.
 persist.vendor.mlk.tv.dtv_system=1
 persist.vendor.mlk.tv.enable_dtv=true
 persist.vendor.mlk.tv.dtv_antenna=true
 persist.vendor.mlk.tv.dtv_cable=false
 persist.vendor.mlk.tv.dtv_satellite=false
-
-# Recording, sockets, interactive television, captions.
 persist.vendor.mlk.tv.enable_pvr=false
 persist.vendor.mlk.tv.enable_livepause=false
 persist.vendor.mlk.tv.enable_hdmi=true

@@ -48,14 +48,15 @@ std::string modelLine(const SetModel& set) {
 std::string replacedJson(const std::vector<Fact>& facts) {
     std::vector<std::string> replaced;
     for (const Fact& fact : facts) {
-        const auto note = std::find_if(fact.notes.begin(), fact.notes.end(),
-                                       [](const std::string& one) { return !one.empty(); });
-        if (note != fact.notes.end()) {
-            replaced.push_back(JsonObject()
-                                       .text("group", fact.name.group)
-                                       .text("key", fact.name.key)
-                                       .text("layer", *note)
-                                       .str());
+        for (size_t i = 0; i < fact.notes.size(); ++i) {
+            if (!fact.notes[i].empty()) {
+                replaced.push_back(JsonObject()
+                                           .text("group", fact.name.group)
+                                           .text("key", fact.name.key)
+                                           .number("line", static_cast<int64_t>(i))
+                                           .text("layer", fact.notes[i])
+                                           .str());
+            }
         }
     }
     return jsonArray(replaced);
