@@ -33,8 +33,8 @@ This page is written from the tables `projectconfigs/KnownItems.h`, `projectconf
 `projectconfigs/KnownProperties.h`, `regional/RegionalNames.h`, `regional/Modulations.h`,
 `tvconfigs/TvConfigItems.h` and `frameworkconfigs/FrameworkItems.h`; a test compares them. After a change there:
 
-```
-cmake --build build/default --target reference
+```console build
+$ cmake --build build/default --target reference
 ```
 
 - [Values](#values) · [Customer, system and identity files](#customer-system-and-identity-files)

@@ -126,7 +126,7 @@ class Child {
             if (ready == 0) {
                 return std::nullopt;
             }
-            const ssize_t count = ready > 0 ? read(mOutput, piece, sizeof(piece)) : -1;
+            const ssize_t count = ready > 0 ? ::read(mOutput, piece, sizeof(piece)) : -1;
             if (count == 0) {
                 break;
             }

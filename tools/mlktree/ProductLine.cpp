@@ -88,7 +88,7 @@ ProductLine::ProductLine(const Tree& tree, const Settings& settings,
       mSettings(settings),
       mProperties(properties),
       mSources(tree),
-      mIsWhole(!selection.model && selection.board.empty()) {
+      mIsWhole(!selection.model && selection.board.empty() && !selection.isOneSet) {
     ProductLineBuilder(*this, selection).build();
 }
 

@@ -51,8 +51,8 @@ class TreeViewTest : public ::testing::Test {
 };
 
 TEST_F(TreeViewTest, AsksAboutTheTree) {
-    const std::string program = install("echo \"$@\" > " + mDir.path("words") +
-                                        "\ncat <<'END'\n" + kAnswer + "\nEND");
+    const std::string program =
+            install("echo \"$@\" > " + mDir.path("words") + "\ncat <<'END'\n" + kAnswer + "\nEND");
     EXPECT_EQ(findMlktree(), program);
     const std::optional<TreeView> view = ask();
     ASSERT_TRUE(view) << mErrors.str();
@@ -96,8 +96,9 @@ TEST_F(TreeViewTest, AsksNobodyWithoutMlktreeOrPartitions) {
 TEST_F(TreeViewTest, SaysWhyThereIsNoAnswer) {
     const std::string program = install("exec sleep 1000");
     EXPECT_FALSE(ask(0.1));
-    EXPECT_EQ(mErrors.str(), "mlkctl: " + program + " takes longer than --timeout; what it finds "
-                                                    "in this set is not shown\n");
+    EXPECT_EQ(mErrors.str(), "mlkctl: " + program +
+                                     " takes longer than --timeout; what it finds "
+                                     "in this set is not shown\n");
     for (const std::string text :
          {"", "nonsense", "{}", "[]", "{\"findings\":{\"errors\":\"x\",\"warnings\":1}}",
           "{\"findings\":{\"errors\":1,\"warnings\":1},\"replaced\":[{}]}"}) {
