@@ -5,7 +5,9 @@
 #include <limits.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#if __has_include(<sys/system_properties.h>)
 #include <sys/system_properties.h>
+#endif
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +18,11 @@
 #include <memory>
 
 #include <android-base/unique_fd.h>
+
+// A build machine of a platform has no such header, but the values of trees have the same limit.
+#ifndef PROP_VALUE_MAX
+#define PROP_VALUE_MAX 92
+#endif
 
 namespace mlk::host {
 

@@ -3,11 +3,13 @@
 import json
 import os
 import re
+import shutil
 import subprocess
 import tempfile
 import unittest
 from pathlib import Path
 
+import bp
 import tree
 from guides import FORMATS, GUIDE, ITEMS, countries, section, table, words
 
@@ -137,6 +139,62 @@ tvSysMap = /tvconfigs/tvsysmap/tvsys_eu.xml
             [(c["channel"], c["bandwidth"], c["frequency"], c["label"], c["modulation"]) for c in found],
             [(21, 8000000, 474000, "E21", 18), (22, 6000000, 482000, "", 9)],
         )
+
+
+class CheckWhileBuilding(unittest.TestCase):
+    """The rule of the guide that checks a product's partitions, run as a build runs it."""
+
+    PLACE = "device/morlak/line"
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = Path(folder.name)
+        self.partitions = self.root / self.PLACE / "partitions"
+        shutil.copytree(tree.ROOT / "tools/mlktree/tests/rules/base", self.partitions)
+        example = section("## Check the partitions while the platform is built")
+        blocks = re.findall(r"```(\w*)\n(.*?)```", example, re.DOTALL)
+        (definitions,) = [text for kind, text in blocks if kind == ""]
+        self.modules = {properties["name"]: (kind, properties) for kind, properties in bp.modules_of(definitions)}
+        self.makefiles = "".join(text for kind, text in blocks if kind == "make")
+
+    def build(self):
+        """Runs the rule. Returns its exit status, its output, and whether it has made its file."""
+        _, rule = self.modules["mlktree_line_checked"]
+        (out,) = rule["out"]
+        (tool,) = rule["tools"]
+        command = rule["cmd"].replace(f"$(location {tool})", str(Path(os.environ["MLK_BIN_DIR"]) / tool))
+        status, said = tree.run("sh", "-c", f"cd {self.root} && {command.replace('$(out)', out)}")
+        return status, said, (self.root / out).exists()
+
+    def test_sound_partitions_pass(self):
+        status, said, made = self.build()
+        self.assertEqual((status, made), (0, True), said)
+
+    def test_a_broken_line_ends_the_build(self):
+        model = self.partitions / "tvconfigs/model/first.ini"
+        text = model.read_text(encoding="utf-8")
+        line = text[: text.index("m_pPanelName")].count("\n") + 1
+        model.write_text(text.replace("m_pPanelName =", "m_pPanelName"), encoding="utf-8")
+        status, said, made = self.build()
+        self.assertEqual((status, made), (1, False), said)
+        self.assertIn(f"tvconfigs/model/first.ini:{line}:", said)
+
+    def test_the_result_is_needed(self):
+        kind, needs = self.modules["mlktree_line"]
+        self.assertEqual(kind, "prebuilt_etc")
+        self.assertEqual(needs["src"], ":mlktree_line_checked")
+        self.assertIn("\nPRODUCT_PACKAGES += mlktree_line\n", self.makefiles)
+
+    def test_the_variable_is_that_of_the_module(self):
+        modules = bp.modules()
+        _, _, defaults = modules["mlktree_defaults"]
+        (variable,) = defaults["soong_config_variables"]
+        _, _, kind = modules["mlktree_defaults_type"]
+        self.assertEqual(kind["bool_variables"], [variable])
+        self.assertIn(f"SOONG_CONFIG_{kind['config_namespace']}_{variable} := true", self.makefiles)
+        self.assertEqual(modules["mlktree"][1], "cc_binary_host")
+        self.assertIn("PRODUCT_HOST_PACKAGES += mlktree\n", self.makefiles)
 
 
 if __name__ == "__main__":

@@ -35,18 +35,23 @@ class Modules(unittest.TestCase):
 
     def test_nothing_of_the_host_is_built(self):
         self.assertEqual([name for name in bp.files() if name.startswith(("host/", "samples/"))], [])
-        for name in self.modules:
-            self.assertNotIn("host/", str(bp.whole(self.modules, name)))
+        for name, (_, kind, _) in self.modules.items():
+            if kind != "filegroup":
+                self.assertNotIn("host/", str(bp.whole(self.modules, name)))
+        for name in rules.with_sources(self.modules):
+            self.assertEqual([s for s in rules.sources_of(self.modules, name) if s.startswith("host/")], [], name)
 
     def test_every_module_has_its_target(self):
         self.assertEqual(set(rules.with_sources(self.modules)), set(TARGETS))
+        self.assertEqual(set(rules.of_host(self.modules)), {*rules.HOST_TARGETS, rules.READERS})
 
     def test_every_target_has_its_module(self):
-        folders = {self.modules[name][0] for name in TARGETS}
+        targets = {**TARGETS, **rules.HOST_TARGETS}
+        folders = {self.modules[name][0] for name in targets}
         for target, (folder, sources) in self.cmake.items():
             only_tests = all(source.startswith("tests/") or Path(source).parent.name == "tests" for source in sources)
             if folder in folders and not only_tests:
-                self.assertIn(target, TARGETS.values())
+                self.assertIn(target, targets.values())
 
     def test_nothing_is_wrong_with_them(self):
         self.assertEqual(rules.findings(self.modules, self.cmake), [])
@@ -83,14 +88,36 @@ class Modules(unittest.TestCase):
 
     def test_platforms_modules_are_in_use(self):
         """Every row has a user: a superfluous one could hide a wrong name."""
-        used = {library for name in rules.with_sources(self.modules) for library in rules.named(self.modules, name)}
+        used = {library for name in rules.with_sources(self.modules) + rules.of_host(self.modules)
+                for library in rules.named(self.modules, name)}
         used |= set(tree.read("docs/device.md").split())
         self.assertEqual(set(platform_modules.table()) - used, set())
 
     def test_everything_is_the_vendors(self):
         for name, (_, kind, _) in self.modules.items():
-            if kind.startswith("cc_"):
+            if kind.startswith("cc_") and not rules.is_of_host(self.modules, name):
                 self.assertIs(bp.whole(self.modules, name).get("vendor"), True, name)
+
+    def test_modules_of_the_build_machine_install_nothing_on_a_device(self):
+        for name in rules.of_host(self.modules):
+            self.assertNotIn("vendor", bp.whole(self.modules, name), name)
+
+    def test_mistakes_in_modules_of_the_build_machine_are_noticed(self):
+        def changed(name, key, value):
+            folder, kind, properties = self.modules[name]
+            return {**self.modules, name: (folder, kind, {**properties, key: value})}
+
+        readers = [s for s in self.modules["mlkconfigs_regional_files"][2]["srcs"] if s != "XmlFile.cpp"]
+        sources = self.modules["libmlkconfigs_mlktree"][2]["srcs"]
+        for modules, said in (
+            (changed("mlkconfigs_regional_files", "srcs", readers), "regional/XmlFile.cpp is not compiled"),
+            (changed("libmlkconfigs_mlktree", "srcs", sources[1:]), "srcs are not those of mlktree_lib"),
+            (changed("mlktree_defaults", "header_libs", ["mlkconfigs_headers"]), "libtomlplusplus_headers is not named"),
+            (changed("mlktree_defaults", "shared_libs", ["libhidlmemory"]), "libhidlmemory has no variant"),
+            (changed("libmlkconfigs_tools", "host_supported", False), "libmlkconfigs_tools has no variant"),
+            (changed("mlktree", "static_libs", ["libmlkconfigs_mlktree"]), "links no libmlkconfigs_readers"),
+        ):
+            self.assertIn(said, "\n".join(rules.findings(modules, self.cmake)))
 
     def test_service_is_installed_with_its_files(self):
         folder, kind, properties = self.modules["vendor.morlak.mlconfigs@1.0-service"]

@@ -37,10 +37,27 @@ TARGETS = {
     "mlkctl_test": "mlkctl_test",
 }
 
+# The same for modules of the build machine. Those of READERS have sources of several targets.
+HOST_TARGETS = {
+    "libmlkconfigs_mlktree": "mlktree_lib",
+    "mlktree": "mlktree",
+}
+READERS = "libmlkconfigs_readers"
+
 
 def with_sources(modules):
-    """The names of the modules that this tree compiles."""
-    return [name for name, (_, kind, properties) in modules.items() if kind.startswith("cc_") and "srcs" in properties]
+    """The names of the modules that this tree compiles for a device."""
+    return [name for name, (_, kind, properties) in modules.items()
+            if kind.startswith("cc_") and "srcs" in properties and not is_of_host(modules, name)]
+
+
+def is_of_host(modules, name):
+    """Whether a module is one of the build machine alone."""
+    return modules[name][1] in {"cc_binary_host", "cc_library_host_static"}
+
+
+def of_host(modules):
+    return [name for name in modules if is_of_host(modules, name)]
 
 
 def programs(modules):
@@ -48,7 +65,11 @@ def programs(modules):
 
 
 def sources_of(modules, name):
-    return [f"{modules[name][0]}/{source}" for source in bp.whole(modules, name)["srcs"]]
+    sources = []
+    for source in bp.whole(modules, name)["srcs"]:
+        own = [f"{modules[name][0]}/{source}"]
+        sources += bp.files_of(modules, source) if source.startswith(":") else own
+    return [source.removeprefix("./") for source in sources]
 
 
 def named(modules, name):
@@ -178,7 +199,65 @@ def libraries_left_out(modules):
             yield f"{name}: links no {missing}"
 
 
+def host_sources_differ(modules, cmake):
+    """Sources that a module of the build machine and its target do not share, or that no target has."""
+    for name, target in HOST_TARGETS.items():
+        folder, sources = cmake[target]
+        if sorted(sources_of(modules, name)) != sorted(f"{folder}/{source}" for source in sources):
+            yield f"{name}: srcs are not those of {target}"
+    for source in sources_of(modules, READERS):
+        if not (tree.ROOT / source).is_file():
+            yield f"{READERS}: there is no file {source}"
+
+
+def below(modules, name):
+    """The libraries of ours that a module needs, directly or indirectly."""
+    libraries = {each for each in bp.whole(modules, name).get("static_libs", []) if each in modules}
+    return libraries.union(*(below(modules, other) for other in libraries))
+
+
+def host_sources_left_out(modules):
+    """Sources whose headers the build machine's program includes, and that none of its modules compiles.
+
+    The source of a header is one that includes it first.
+    """
+    program = "mlktree"
+    compiled = {source for name in {program, *below(modules, program)} for source in sources_of(modules, name)}
+    headers = set().union(*(included(source) for source in compiled))
+    for header in sorted(header for header in headers if header.endswith(".h")):
+        # One that no device builds for lack of a definition has only what its header says.
+        for source in sorted((tree.ROOT / header).parent.glob(f"{Path(header).stem}*.cpp")):
+            name = str(source.relative_to(tree.ROOT))
+            if tree.includes(name)[:1] == [f'"{header}"'] and name not in compiled | NOT_ON_BUILD_MACHINES:
+                yield f"{program}: {header} is included, and {name} is not compiled"
+
+
+# The mount points and properties of a process, which a build machine does not have.
+NOT_ON_BUILD_MACHINES = {"regional/RegionalData.cpp"}
+
+
+def host_names_wrong(modules):
+    """Libraries that a module of the build machine cannot have, or whose headers it includes unnamed."""
+    for name in of_host(modules):
+        for library in bp.whole(modules, name).get("static_libs", []):
+            if not is_of_host(modules, library) and bp.whole(modules, library).get("host_supported") is not True:
+                yield f"{name}: {library} has no variant for build machines"
+        libraries = named(modules, name)
+        for library in libraries & platform_modules.ONLY_ON_DEVICES:
+            yield f"{name}: {library} has no variant for build machines"
+        sources = set(sources_of(modules, name))
+        headers = set().union(*(included(source) for source in sources))
+        for file in sorted(sources | headers):
+            for header in (header.strip('<>"') for header in tree.includes(file)):
+                owner = owner_of({}, header)
+                if owner and owner not in libraries:
+                    yield f"{name}: {file} includes {header}, and {owner} is not named"
+    for missing in below(modules, "mlktree") - named(modules, "mlktree"):
+        yield f"mlktree: links no {missing}"
+
+
 def findings(modules, cmake):
     """The findings that need no compiler."""
     return [*unknown_names(modules), *sources_differ(modules, cmake), *unnamed_libraries(modules),
-            *libraries_left_out(modules)]
+            *libraries_left_out(modules), *host_sources_differ(modules, cmake), *host_sources_left_out(modules),
+            *host_names_wrong(modules)]

@@ -6,6 +6,9 @@ import tree
 
 RELEASES = {11, 12, 13, 14}
 
+# Those without a variant for build machines. The libraries of interfaces have one.
+ONLY_ON_DEVICES = {"libhidlmemory", "libmlk_tvpartitionpath"}
+
 
 class Module:
     def __init__(self, line):
