@@ -29,8 +29,9 @@ PROGRAMS = {
     "host/partitions": (["host_partitions_test"], ["regional_test", _SERVICE]),
     "host/properties": (["host_properties_test"],
                         ["frameworkconfigs_test", "tvconfigs_test", "mlkctl_test", _SERVICE]),
-    "tools/common": (["tools_common_test"], ["mlkctl_test"]),
+    "tools/common": (["tools_common_test"], ["mlkctl_test", "mlktree_test"]),
     "tools/mlkctl": (["mlkctl_test"], ["samples_test"]),
+    "tools/mlktree": (["mlktree_test"], []),
 }
 
 # CTest gives each test a process of its own; these need it, since they set limits of a process.
