@@ -111,8 +111,8 @@ Command explainCommand() {
             {"mlktree explain SSC m_pSSCName samples/partitions", "one item"},
             {"mlktree explain LiveTV --country SWEDEN", "a section, in another country"},
             {"mlktree explain feature pvrEnabled", "what decides a TV feature"},
-            {"mlktree explain audio ARC HDMI_DELAY --arc --avr-vendor 0EC0DE --avr-name Orlan900",
-             "a sound delay, with the AVR that adds to it"},
+            {"mlktree explain audio ARC --arc --avr-vendor 0EC0DE --avr-name Orlan900",
+             "sound delays, with the AVR that adds to them"},
             {"mlktree explain country GERMANY --format json", "what a country brings"},
             {"mlktree explain file /tvconfigs/board/skerry_b2.ini", "who names a file"},
     };
