@@ -108,13 +108,12 @@ Command explainCommand() {
                          "the command line or the tree is wrong; the message says what would "
                          "be right"}};
     command.examples = {
-            {"mlktree explain SSC m_pSSCName samples/partitions", "one item"},
-            {"mlktree explain LiveTV --country SWEDEN", "a section, in another country"},
+            {"mlktree explain SSC m_pSSCName", "one item"},
+            {"mlktree explain LiveTV --country SWEDEN", "a section in Sweden"},
             {"mlktree explain feature pvrEnabled", "what decides a TV feature"},
-            {"mlktree explain audio ARC --arc --avr-vendor 0EC0DE --avr-name Orlan900",
-             "sound delays, with the AVR that adds to them"},
-            {"mlktree explain country GERMANY --format json", "what a country brings"},
-            {"mlktree explain file /tvconfigs/board/skerry_b2.ini", "who names a file"},
+            {"mlktree explain audio ARC --arc", "delays and their summands"},
+            {"mlktree explain country GERMANY", "what a country brings"},
+            {"mlktree explain file /tvconfigs/tv.config", "who names a file"},
     };
     command.mostWords = 4;
     command.nextWord = explainWord;

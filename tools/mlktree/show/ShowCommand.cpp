@@ -115,7 +115,7 @@ Command showCommand() {
                          "be right"}};
     command.examples = {
             {"mlktree show samples/partitions", "the set as it starts"},
-            {"mlktree show --model 6 --country UNITED_KINGDOM", "another model in another country"},
+            {"mlktree show --model 6", "another model"},
             {"mlktree show --format json", "for a program"},
     };
     command.mostWords = 1;

@@ -63,8 +63,9 @@ TEST_F(ShowTest, OptionsChooseTheSet) {
 
 TEST_F(ShowTest, SaysIfThereIsNoModel) {
     mDir.write("impdata/project_id.bin", "PROJECT_ID=9\n");
-    EXPECT_THAT(show(), AllOf(HasSubstr("This set has no model: "), HasSubstr("none for the\nindex."),
-                              HasSubstr("  Index             9\n")));
+    EXPECT_THAT(show(),
+                AllOf(HasSubstr("This set has no model:\n"), HasSubstr("none for the\nindex."),
+                      HasSubstr("  Index             9\n")));
 }
 
 TEST_F(ShowTest, JsonIsForPrograms) {
