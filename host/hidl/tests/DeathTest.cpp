@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "Native.h"
 #include "Server.h"
 #include "host/testing/HostSet.h"
 
@@ -63,6 +64,13 @@ TEST_F(DeathTest, RecipientHearsWithItsCookie) {
     ASSERT_TRUE(mRecipient->heard(1));
     EXPECT_EQ(mRecipient->cookies(), std::vector<uint64_t>{0xfeedULL << 32U});
     EXPECT_EQ(mRecipient->who(), sp<IBase>(mService));
+}
+
+TEST_F(DeathTest, ProgramsInheritNothingOfALink) {
+    ASSERT_TRUE(mService->ping().isOk());
+    const std::vector<int> before = inheritable();
+    ASSERT_TRUE(static_cast<bool>(mService->linkToDeath(mRecipient, 1)));
+    EXPECT_EQ(inheritable(), before);
 }
 
 TEST_F(DeathTest, EveryLinkIsHeardOfOnce) {

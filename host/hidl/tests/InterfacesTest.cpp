@@ -118,6 +118,14 @@ TEST_F(InterfacesTest, AnObjectLivesAsLongAsTheOtherSideHasIt) {
     EXPECT_TRUE(eventually([] { return Listener::alive() == 0; }));
 }
 
+// The connection that handed the object out does nothing meanwhile.
+TEST_F(InterfacesTest, AnObjectGoesWhateverLetTheOtherSideDropIt) {
+    EXPECT_NE(listen(new Listener, ""), nullptr);
+    const sp<IEverything> other = mServer.service();
+    ASSERT_TRUE(other->dropKept().isOk());
+    EXPECT_TRUE(eventually([] { return Listener::alive() == 0; }));
+}
+
 TEST_F(InterfacesTest, ThousandObjectsLeaveNoDescriptorBehind) {
     const auto round = [&] {
         const sp<IListener> theirs = listen(new Listener, "");

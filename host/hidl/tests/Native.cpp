@@ -1,10 +1,13 @@
 #include "Native.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <system_error>
 
 namespace mlk::test {
@@ -83,6 +86,19 @@ std::string readFrom(int pipe, size_t most) {
     }
     text.resize(filled);
     return text;
+}
+
+std::vector<int> inheritable() {
+    std::vector<int> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), &closedir);
+    while (const dirent* entry = readdir(folder.get())) {
+        const int descriptor = atoi(entry->d_name);
+        const int flags = fcntl(descriptor, F_GETFD);
+        if (flags >= 0 && (flags & FD_CLOEXEC) == 0) {
+            found.push_back(descriptor);
+        }
+    }
+    return found;
 }
 
 }  // namespace mlk::test

@@ -32,4 +32,7 @@ std::string contentOf(int file);
 /** Reads until the other end of the pipe is closed everywhere, or `most` bytes have arrived. */
 std::string readFrom(int pipe, size_t most);
 
+/** The open descriptors of this process that a program would inherit. */
+std::vector<int> inheritable();
+
 }  // namespace mlk::test

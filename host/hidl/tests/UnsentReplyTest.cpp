@@ -1,14 +1,11 @@
 // The end of a reply that its client has not read yet.
-#include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -103,20 +100,6 @@ TEST_F(UnsentReplyTest, CountsItsDescriptorsUntilTheyAreSent) {
     EXPECT_TRUE(three.empty());
     sending.begun = true;  // they were sent with the first byte
     EXPECT_TRUE(three.keep(sending));
-}
-
-// The open descriptors of this process that a program would inherit.
-std::vector<int> inheritable() {
-    std::vector<int> found;
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), &closedir);
-    while (const dirent* entry = readdir(folder.get())) {
-        const int descriptor = atoi(entry->d_name);
-        const int flags = fcntl(descriptor, F_GETFD);
-        if (flags >= 0 && (flags & FD_CLOEXEC) == 0) {
-            found.push_back(descriptor);
-        }
-    }
-    return found;
 }
 
 TEST_F(UnsentReplyTest, ItsCopiesOfDescriptorsAreForThisProgramOnly) {
