@@ -90,7 +90,7 @@ Command settingsCommand() {
     command.statuses = {{0, "done"}, {2, "the command line is wrong"}};
     command.examples = {
             {"mlktree settings", "all tables"},
-            {"mlktree settings --format json | jq -r '.tables[].name'", "the same for a program"},
+            {"mlktree settings --format json | jq -r '.tables[].name'", "for a program"},
     };
     command.run = run;
     return command;

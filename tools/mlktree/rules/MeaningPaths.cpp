@@ -53,7 +53,7 @@ std::optional<std::string> inAnotherCase(const std::string& host) {
         }
         found += "/" + match;
     }
-    return found;
+    return host.front() == '/' ? found : found.substr(2);
 }
 
 // True if a line names a file in the form of a path into the partitions.

@@ -102,6 +102,26 @@ TEST_F(CheckTest, TakesTheCurrentFolder) {
     EXPECT_THAT(process.out(), Not(HasSubstr("\033")));
 }
 
+TEST_F(CheckTest, NamesTheFileInTheRightCaseAsWritten) {
+    std::string text = mSound;
+    const std::string path = "/tvconfigs/audio/panel.ini";
+    text.replace(text.find(path), path.size(), "/tvconfigs/audio/Panel.ini");
+    mDir.write(kModel, text);
+    const std::filesystem::path folder(mDir.path());
+    for (const auto& [directory, tree] :
+         {std::pair{folder, folder}, std::pair{folder, folder / "."},
+          std::pair{folder, std::filesystem::path(".")},
+          std::pair{folder.parent_path(), folder.filename()}}) {
+        Process::Options options;
+        options.directory = directory;
+        Process process({mlk::testing::binDir() + "/mlktree", "check", tree}, options);
+        EXPECT_EQ(process.wait(), 1);
+        EXPECT_THAT(process.out(), HasSubstr("no file /tvconfigs/audio/Panel.ini; case counts, and "
+                                             "there is /tvconfigs/audio/panel.ini"))
+                << tree;
+    }
+}
+
 TEST_F(CheckTest, ThresholdDecidesTheStatus) {
     mDir.write(kModel, "# mlktree: allow missing-file it is not missing at all\n" + mSound);
     EXPECT_EQ(check().status, 0);
