@@ -82,6 +82,7 @@ class Child {
             return;
         }
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (std::string& word : words) {
             arguments.push_back(word.data());
         }
@@ -178,7 +179,7 @@ std::optional<TreeView> parseTreeView(const std::string& json) {
 }
 
 std::string findMlktree() {
-    const std::string beside = ownFolder() + kProgram;
+    std::string beside = ownFolder() + kProgram;
     if (beside.front() == '/' && isProgram(beside)) {
         return beside;
     }
@@ -187,7 +188,7 @@ std::string findMlktree() {
     while (!folders.empty()) {
         const std::string_view folder = folders.substr(0, folders.find(':'));
         folders.remove_prefix(std::min(folders.size(), folder.size() + 1));
-        const std::string path = std::string(folder) + "/" + kProgram;
+        std::string path = std::string(folder) + "/" + kProgram;
         // A relative folder of PATH is no place to take a program from.
         if (!folder.empty() && folder.front() == '/' && isProgram(path)) {
             return path;
@@ -224,7 +225,7 @@ std::optional<TreeView> askMlktree(const Mounts& mounts, std::chrono::duration<d
     if (text->size() <= kMostBytes && !child.wait()) {
         return std::nullopt;
     }
-    const std::optional<TreeView> view = parseTreeView(*text);
+    std::optional<TreeView> view = parseTreeView(*text);
     if (!view) {
         errors << "mlkctl: " << printable(program) << " answers no set; is it of another version?"
                << std::endl;

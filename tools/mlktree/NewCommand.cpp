@@ -17,7 +17,7 @@ constexpr size_t kLongestName = 60;  // fits into a line of a customer or system
 
 // A name that can stand in the files and in a path as it is.
 std::string nameOf(const Arguments& arguments, const char* option, const char* otherwise) {
-    const std::string name = arguments.value(option, otherwise);
+    std::string name = arguments.value(option, otherwise);
     const bool isPlain = std::all_of(name.begin(), name.end(), [](unsigned char c) {
         return (c < 0x80 && std::isalnum(c) != 0) || c == '-' || c == '_' || c == '.';
     });
