@@ -148,12 +148,12 @@ void checkComments(const ProductLine& line, Reporter& reporter) {
         if (file->format() != FileFormat::TV_FEATURES) {
             continue;
         }
-        const auto first =
-                std::find_if(file->lines().begin(), file->lines().end(), [](const ReadLine& read) {
+        const bool hasComments =
+                std::any_of(file->lines().begin(), file->lines().end(), [](const ReadLine& read) {
                     return read.use == LineUse::NOTHING && beginsWith(read.text, "#");
                 });
-        if (first != file->lines().end()) {
-            reporter.report(placeOf(line, *file, *first),
+        if (hasComments) {
+            reporter.report(placeOf(*file),
                             "the file has comments, and a change of a feature writes it anew "
                             "without them");
         }
