@@ -95,6 +95,8 @@ PAGES = {
 LIMITS = "Limits"
 # The first column of a table of traps.
 TRAP = "trap"
+# The first column of a table of lines and what the service makes of them.
+LINE = "line"
 # Columns that together name a row.
 NAMES = {"section", "in", "element", "key", "property", "word"}
 # Columns of a terminal of 80 without the indentation.
@@ -170,7 +172,7 @@ class Writer:
 
     def entries(self, head, body):
         """A table that is too wide for a page: each row as its name, and the other cells below."""
-        named = [i for i, name in enumerate(head) if name in NAMES] or [0]
+        named = [i for i, name in enumerate(head) if name in NAMES and head[0] != LINE] or [0]
         page = []
         for row in body:
             page += [".TP", " ".join(self.inline(row[i]) for i in named if row[i])]

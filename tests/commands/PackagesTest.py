@@ -218,6 +218,8 @@ class ManualPages(Folder):
         wide = "x" * 70
         self.assertRegex(shown(table[0], table[1], f"| a | k | {wide} |", "| a | l | v |"),
                          rf"^k\s+file: a\s+value: {wide}\s+l\s+file: a\s+value: v$")
+        self.assertRegex(shown("| line | key | value |", "|---|---|---|", f"| `k=v` | k | {wide} |", "| `;` | | |"),
+                         rf"^k=v\s+key: k\s+value: {wide}\s+;$")
         with self.assertRaises(LookupError):
             formatpage.section_of(formatpage.FORMATS, "Nothing")
 
