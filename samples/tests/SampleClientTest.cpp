@@ -56,7 +56,7 @@ std::string unwrapped(std::string text) {
 }
 
 TEST_F(SampleClientTest, ShowTellsWhatMlktreeFinds) {
-    const Outcome sound = run({"show"});
+    const Outcome sound = run({"show", "--timeout", "100"});
     EXPECT_EQ(sound.err, "");
     EXPECT_THAT(unwrapped(sound.out), HasSubstr("/tvconfigs/ssc/ssc_b2.ini(board)"));
     EXPECT_THAT(unwrapped(sound.out), HasSubstr("/tvdata/channels/preset_eu.db(country)"));
@@ -67,11 +67,11 @@ TEST_F(SampleClientTest, ShowTellsWhatMlktreeFinds) {
     const std::string path = "/tvconfigs/overscan/overscan_uhd.ini";
     text.replace(text.find(path), path.size(), "/tvconfigs/overscan/none.ini");
     mSet.dir().write(model, text);
-    EXPECT_THAT(run({"show"}).out, EndsWith("\n\n1 error: `mlktree check`\n"));
+    EXPECT_THAT(run({"show", "--timeout", "100"}).out, EndsWith("\n\n1 error: `mlktree check`\n"));
     // For another model the line is of no interest; this one is not sold in the saved country.
     run({"call", "setProjectId", "6"});
     run({"call", "setCountryId", "UNITED_KINGDOM"});
-    EXPECT_THAT(run({"show"}).out, Not(HasSubstr("mlktree check")));
+    EXPECT_THAT(run({"show", "--timeout", "100"}).out, Not(HasSubstr("mlktree check")));
 }
 
 TEST_F(SampleClientTest, SectionsAndKeysAreUnderstoodOrSuggested) {
