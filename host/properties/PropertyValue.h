@@ -5,7 +5,8 @@
 
 namespace mlk::host {
 
-/** The switch that a property's value is: 1, true, y, yes and on, or their opposites; else the default. */
+/** The switch that a property's value is: 1, true, y, yes and on, or their opposites; else the
+ * default. */
 bool switchOf(const std::string& value, bool defaultValue);
 
 /**

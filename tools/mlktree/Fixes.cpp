@@ -168,7 +168,7 @@ std::string diffOf(const MendedFile& file, const std::vector<std::string_view>& 
         const std::string range = std::to_string(begin + 1) + "," + std::to_string(end - begin);
         diff += "@@ -" + range + " +" + range + " @@\n";
         for (size_t i = begin; i < end; ++i) {
-            if (std::find(changed.begin(), changed.end(), i) == changed.end()) {
+            if (!std::binary_search(changed.begin(), changed.end(), i)) {
                 diff += " " + std::string(former[i]) + "\n";
                 continue;
             }

@@ -24,27 +24,21 @@ class SetFinder {
     explicit SetFinder(const ProductLine& line) : mLine(line) {}
 
     void follow(const std::string& path) {
-        if (!mVisited.insert(path).second) {
+        if (mIsAll || !mVisited.insert(path).second) {
             return;
         }
-        const FileLines* const file = mLine.find(path);
-        mIsAll |= file != nullptr && isIdentity(file->format());
-        for (const Customer& customer : mLine.customers()) {
-            mIsAll |= customer.file->path() == path ||
-                      (customer.system != nullptr && customer.system->path() == path);
-        }
-        const auto models = mLine.mModelsOf.find(file);
-        if (models != mLine.mModelsOf.end()) {
+        mIsAll |= mLine.mFilesOfAll.count(path) > 0;
+        const auto models = mLine.mModelsOfFile.find(path);
+        if (models != mLine.mModelsOfFile.end()) {
             mModels.insert(models->second.begin(), models->second.end());
         }
-        for (const Board& board : mLine.boards()) {
-            if (board.file != nullptr && board.file->path() == path) {
-                mBoards.insert(board.name);
-            }
+        const auto board = mLine.mBoardOfFile.find(path);
+        if (board != mLine.mBoardOfFile.end()) {
+            mBoards.insert(std::string(board->second));
         }
         for (const Naming& naming : mLine.namings(path)) {
             if (naming.file == nullptr) {
-                mIsAll |= mVisited.size() > 1 || !isBoard(path);
+                mIsAll |= mVisited.size() > 1 || board == mLine.mBoardOfFile.end();
             } else if (naming.file->format() != FileFormat::SYSTEM &&
                        naming.file->format() != FileFormat::CUSTOMER &&
                        naming.file->format() != FileFormat::BOARD_ID) {
@@ -54,7 +48,8 @@ class SetFinder {
     }
 
     std::vector<std::string> groups() const {
-        if (mIsAll || (mModels.size() == mLine.mIndexCount && !mModels.empty()) ||
+        const size_t models = mLine.mModelIndices.size();
+        if (mIsAll || (mModels.size() == models && models > 0) ||
             (mBoards.size() == mLine.boards().size() && !mBoards.empty())) {
             return {"all"};
         }
@@ -69,12 +64,6 @@ class SetFinder {
     }
 
   private:
-    bool isBoard(const std::string& path) const {
-        return std::any_of(mLine.boards().begin(), mLine.boards().end(), [&](const Board& board) {
-            return board.file != nullptr && board.file->path() == path;
-        });
-    }
-
     const ProductLine& mLine;
     std::set<std::string> mVisited;
     std::set<int32_t> mModels;
@@ -90,9 +79,35 @@ ProductLine::ProductLine(const Tree& tree, const Settings& settings,
       mSources(tree),
       mIsWhole(!selection.model && selection.board.empty() && !selection.isOneSet) {
     ProductLineBuilder(*this, selection).build();
+    indexSets();
 }
 
 ProductLine::~ProductLine() = default;
+
+void ProductLine::indexSets() {
+    for (const Customer& customer : mCustomers) {
+        mFilesOfAll.insert(customer.file->path());
+        if (customer.system != nullptr) {
+            mFilesOfAll.insert(customer.system->path());
+        }
+    }
+    for (const auto& [path, file] : mFiles) {
+        if (isIdentity(file->format())) {
+            mFilesOfAll.insert(path);
+        }
+    }
+    for (const Model& model : mModels) {
+        mModelIndices.insert(model.index);
+        if (model.counts && model.file != nullptr) {
+            mModelsOfFile[model.file->path()].insert(model.index);
+        }
+    }
+    for (const Board& board : mBoards) {
+        if (board.file != nullptr) {
+            mBoardOfFile.emplace(board.file->path(), board.name);
+        }
+    }
+}
 
 size_t ProductLine::setCount() const {
     const auto models = static_cast<size_t>(std::count_if(

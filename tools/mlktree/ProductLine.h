@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -167,6 +168,8 @@ class ProductLine {
     friend class ProductLineBuilder;
     friend class SetFinder;
 
+    void indexSets();
+
     const Tree& mTree;
     const Settings& mSettings;
     const TreeProperties& mProperties;
@@ -174,10 +177,9 @@ class ProductLine {
     const bool mIsWhole;
     const Memo mMemo;
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
+    std::vector<std::unique_ptr<FileLines>> mOtherReadings;  // of a path that mFiles has already
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;
-    std::map<const FileLines*, std::vector<int32_t>> mModelsOf;  // indices by project file
-    size_t mIndexCount = 0;                                      // different indices of models
     std::vector<Board> mBoards;
     std::vector<TvSystemFiles> mTvSystems;
     std::vector<PlanFiles> mPlanFolders;
@@ -186,6 +188,11 @@ class ProductLine {
     std::map<std::string, std::vector<Naming>, std::less<>> mNamings;
     mutable std::mutex mMutex;  // guards the one below
     mutable std::map<std::string, std::vector<std::string>, std::less<>> mSetsOf;  // when asked
+    // What setsOf() looks for: the chain by the paths of its files.
+    std::map<std::string_view, std::set<int32_t>> mModelsOfFile;
+    std::map<std::string_view, std::string_view> mBoardOfFile;
+    std::set<std::string_view> mFilesOfAll;
+    std::set<int32_t> mModelIndices;
 };
 
 }  // namespace mlk::tree

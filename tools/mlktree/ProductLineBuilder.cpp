@@ -199,14 +199,6 @@ void ProductLineBuilder::readProjects() {
             name(path, model.customer->system, model.line);
         }
     }
-    std::set<int32_t> indices;
-    for (const Model& model : mLine.mModels) {
-        indices.insert(model.index);
-        if (model.counts && model.file != nullptr) {
-            mLine.mModelsOf[model.file].push_back(model.index);
-        }
-    }
-    mLine.mIndexCount = indices.size();
 }
 
 void ProductLineBuilder::findCountries() {
@@ -294,6 +286,19 @@ void ProductLineBuilder::readRequests() {
     for (size_t i = 0; i < requests.size(); ++i) {
         mLine.mFiles.emplace(requests[i].first, std::move(files[i]));
     }
+}
+
+const FileLines* ProductLineBuilder::keep(std::unique_ptr<FileLines> file) {
+    std::unique_ptr<FileLines>& first = mLine.mFiles[file->path()];
+    if (first == nullptr) {
+        first = std::move(file);
+        return first.get();
+    }
+    if (first->format() == file->format()) {
+        return first.get();
+    }
+    // A path that lines name as files of two formats. Others refer to the first reading.
+    return mLine.mOtherReadings.emplace_back(std::move(file)).get();
 }
 
 // The path that a value names, relative to the tree.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -48,6 +49,8 @@ class ProductLineBuilder {
     void followItem(const FileLines& file, const ReadLine& line);
     void ask(const std::string& path, FileFormat format) { mRequests.emplace_back(path, format); }
     void readRequests();
+    /** Keeps a file that was read otherwise than by a request. */
+    const FileLines* keep(std::unique_ptr<FileLines> file);
     std::string pathOf(std::string_view value) const;
 
     ProductLine& mLine;

@@ -102,14 +102,10 @@ void ProductLineBuilder::followTvSystems() {
     for (size_t i = 0; i < systems.size(); ++i) {
         TvSystemFiles files;
         std::unique_ptr<FileLines> map = systems[i]->takeMap();
-        auto& file = mLine.mFiles[mTvSystemPaths[i]];
-        file = systems[i]->takeFile();
-        files.file = file.get();
+        files.file = keep(systems[i]->takeFile());
         if (map != nullptr) {
             name(map->path(), files.file, files.file->find("", product::element::kCountryMap));
-            auto& kept = mLine.mFiles[map->path()];
-            kept = kept != nullptr ? std::move(kept) : std::move(map);
-            files.map = kept.get();
+            files.map = keep(std::move(map));
         }
         files.systems = std::move(systems[i]);
         mLine.mTvSystems.push_back(std::move(files));
@@ -150,11 +146,7 @@ void ProductLineBuilder::followPlans() {
     });
     for (std::unique_ptr<PlanFolder>& folder : folders) {
         PlanFiles files;
-        std::unique_ptr<FileLines> map = folder->takeMap();
-        const std::string mapPath = map->path();
-        auto& kept = mLine.mFiles[mapPath];
-        kept = std::move(map);
-        files.map = kept.get();
+        files.map = keep(folder->takeMap());
         for (const ReadLine& line : files.map->lines()) {
             const bool isDigital = line.key == product::element::kDtvAntenna ||
                                    line.key == product::element::kDtvCable;

@@ -56,12 +56,22 @@ Place placeOf(const FileLines& file) {
 }
 
 void Reporter::report(Place place, std::string message, std::vector<Related> related) {
-    std::vector<std::string> sets = mLine.setsOf(place.file);
-    reportIn(std::move(sets), std::move(place), std::move(message), std::move(related));
+    if (mFindings.empty() || mLastFile != place.file) {
+        mLastSets = mLine.setsOf(place.file);
+        mLastFile = place.file;
+    }
+    reportIn(mLastSets, std::move(place), std::move(message), std::move(related));
 }
 
 void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string message,
                         std::vector<Related> related) {
+    const size_t count = ++mCounts[place.file];
+    if (count > kMostOfFile || mFindings.size() == kMostOfRule) {
+        return;
+    }
+    if (count == kMostOfFile || mFindings.size() + 1 == kMostOfRule) {
+        message += "; there may be more such findings";
+    }
     mFindings.push_back({std::string(mRule.name), mRule.severity, std::move(place),
                          std::move(message), std::move(sets), std::move(related)});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,9 +24,17 @@ Place placeOf(const ProductLine& line, const FileLines& file, const ReadLine& re
 /** The place of a whole file. */
 Place placeOf(const FileLines& file);
 
-/** Takes the findings of one rule. One thread at a time. */
+/**
+ * Takes the findings of one rule. One thread at a time.
+ *
+ * The number of findings is limited: nobody reads more, and a file that is full of mistakes must
+ * take neither long nor much memory. The last one says that there may be more.
+ */
 class Reporter {
   public:
+    static constexpr size_t kMostOfFile = 1'000;
+    static constexpr size_t kMostOfRule = 10'000;
+
     Reporter(const ProductLine& line, const Rule& rule) : mLine(line), mRule(rule) {}
 
     /**
@@ -47,6 +56,9 @@ class Reporter {
     const ProductLine& mLine;
     const Rule& mRule;
     std::vector<Finding> mFindings;
+    std::map<std::string, size_t> mCounts;  // by file
+    std::string mLastFile;                  // with the sets that it has
+    std::vector<std::string> mLastSets;
 };
 
 }  // namespace mlk::tree

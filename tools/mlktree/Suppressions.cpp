@@ -36,6 +36,7 @@ std::string meant(const std::string& rule) {
 
 // Whether the comment can be obeyed; adds what is wrong with it.
 bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
+    constexpr size_t kMostSuggestions = 100;  // a search takes long, and nobody reads more
     if (comment.instruction != "allow") {
         findings.push_back(
                 about("unknown-rule", comment.place,
@@ -46,11 +47,12 @@ bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
         return false;
     }
     if (comment.rule.empty() || findRule(comment.rule) == nullptr) {
-        findings.push_back(
-                about("unknown-rule", comment.place,
-                      comment.rule.empty()
-                              ? std::string("no rule is named; ") + kForm
-                              : "there is no rule " + excerpt(comment.rule) + meant(comment.rule)));
+        findings.push_back(about(
+                "unknown-rule", comment.place,
+                comment.rule.empty()
+                        ? std::string("no rule is named; ") + kForm
+                        : "there is no rule " + excerpt(comment.rule) +
+                                  (findings.size() < kMostSuggestions ? meant(comment.rule) : "")));
         return false;
     }
     if (comment.reason.empty()) {

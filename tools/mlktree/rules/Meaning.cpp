@@ -196,11 +196,16 @@ Misspellings findMisspellings(const ProductLine& line, const std::vector<ItemFil
             keys.emplace(read->section, read->key);
         }
     }
+    constexpr size_t kMostSearches = 20'000;  // more names than any line that somebody wrote has
+    size_t searches = 0;
     for (const std::string_view name : sections) {
         const std::vector<std::string_view>& known = knownSections();
         if (std::find(known.begin(), known.end(), name) != known.end() || !isWholeSection(name) ||
             line.settings().knowsSection(name)) {
             continue;
+        }
+        if (++searches > kMostSearches) {
+            break;
         }
         const std::string_view right = nearestName(name, known);
         const auto hasBoth = [&](const ItemFile& item) {
@@ -210,10 +215,14 @@ Misspellings findMisspellings(const ProductLine& line, const std::vector<ItemFil
             result.sections.emplace(name, right);
         }
     }
+    searches = 0;
     for (const auto& [section, key] : keys) {
         if (product::findKnownItem({section, key}) != nullptr ||
             line.settings().find(section, key) != nullptr) {
             continue;
+        }
+        if (++searches > kMostSearches) {
+            break;
         }
         const std::string_view right = nearestName(key, knownKeysIn(section));
         const auto hasBoth = [&, inSection = section, own = key](const ItemFile& item) {

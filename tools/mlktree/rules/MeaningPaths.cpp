@@ -90,6 +90,8 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
                               "there is no customer file, with which everything begins");
         }
     }
+    constexpr size_t kMostSearches = 1'000;  // each reads whole folders
+    size_t searches = 0;
     for (const auto& [path, namings] : line.namedPaths()) {
         const std::string host = line.tree().host(path);
         std::vector<const Naming*> looking;
@@ -101,7 +103,8 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
         if (looking.empty() || pathExists(host)) {
             continue;
         }
-        const std::optional<std::string> other = inAnotherCase(host);
+        const std::optional<std::string> other =
+                ++searches <= kMostSearches ? inAnotherCase(host) : std::nullopt;
         reportNamed(
                 line, reporter, path, looking,
                 "there is no file " + line.tree().written(host) +

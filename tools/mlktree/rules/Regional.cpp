@@ -17,7 +17,6 @@ namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
-constexpr std::string_view kInvisible = " \t\r\n";
 constexpr std::string_view kNoCountryName = "DEFAULT";
 
 // Names that people use and that share too few letters with the service's.

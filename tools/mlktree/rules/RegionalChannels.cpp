@@ -49,24 +49,41 @@ void checkEmpty(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// True if an element that has a finding for its name was probably meant to name the plan.
-bool isNamedInVain(const ProductLine& line, const PlanFiles& plans, const std::string& folder,
-                   const std::string& plan) {
-    constexpr size_t kMostMistakes = 2;  // names of plans have most letters in common
-    const bool isDigital = folder == plans.folder->path() + product::kDtvPlansFolder;
-    const auto& all = plans.map->lines();
-    return std::any_of(all.begin(), all.end(), [&](const ReadLine& read) {
-        if (trimmed(read.value) == plan) {
-            return read.use == LineUse::IGNORED || hasBlankInElement(read);
+// The names of plans in a map that have findings of their own.
+class NamesInVain {
+  public:
+    NamesInVain(const ProductLine& line, const PlanFiles& plans, const std::string& folder) {
+        constexpr size_t kMostMissing = 1'000;  // with which each unused plan is compared
+        const bool isDigital = folder == plans.folder->path() + product::kDtvPlansFolder;
+        for (const ReadLine& read : plans.map->lines()) {
+            if (read.use == LineUse::IGNORED || hasBlankInElement(read)) {
+                mIgnored.insert(trimmed(read.value));
+            } else if (read.use == LineUse::ITEM && isPlanElement(read.key) &&
+                       isDigitalElement(read.key) == isDigital && mMissing.size() < kMostMissing &&
+                       !isUsable(line.find(folder + std::string(read.value)))) {
+                mMissing.insert(read.value);
+            }
         }
-        return read.use == LineUse::ITEM && isPlanElement(read.key) &&
-               isDigitalElement(read.key) == isDigital &&
-               !isUsable(line.find(folder + std::string(read.value))) &&
-               distanceOf(read.value, plan) <= kMostMistakes;
-    });
-}
+    }
+
+    // True if an element that has a finding for its name was probably meant to name the plan.
+    bool has(std::string_view plan) const {
+        constexpr size_t kMostMistakes = 2;  // names of plans have most letters in common
+        const auto isNear = [plan](std::string_view name) {
+            return std::max(name.size(), plan.size()) - std::min(name.size(), plan.size()) <=
+                           kMostMistakes &&
+                   distanceOf(name, plan) <= kMostMistakes;
+        };
+        return mIgnored.count(plan) > 0 || std::any_of(mMissing.begin(), mMissing.end(), isNear);
+    }
+
+  private:
+    std::set<std::string_view> mIgnored;
+    std::set<std::string_view> mMissing;
+};
 
 void checkUnused(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kMostUnused = 1'000;  // of a folder; nobody reads more findings
     for (const PlanFiles& plans : line.planFolders()) {
         if (!isUsable(plans.map) || plans.map->sections().empty() ||
             countIgnoredBlocks(*plans.map) > 0) {
@@ -74,9 +91,11 @@ void checkUnused(const ProductLine& line, Reporter& reporter) {
         }
         for (const char* const kind : {product::kDtvPlansFolder, product::kAtvPlansFolder}) {
             const std::string folder = plans.folder->path() + kind;
+            const NamesInVain vain(line, plans, folder);
+            size_t unused = 0;
             for (const std::string& name : filesIn(line.tree().host(folder), "")) {
-                if (line.namings(folder + name).empty() &&
-                    !isNamedInVain(line, plans, folder, name)) {
+                if (line.namings(folder + name).empty() && ++unused <= kMostUnused &&
+                    !vain.has(name)) {
                     reporter.reportIn({}, {folder + name, 0, 0},
                                       "no country of " + plans.map->path() + " has this plan");
                 }

@@ -92,13 +92,16 @@ void checkBoards(const ProductLine& line, Reporter& reporter) {
 
 // The models whose TV system file this is.
 std::vector<const Model*> modelsOf(const ProductLine& line, const FileLines& systems) {
+    std::set<const FileLines*> named;
+    for (const Naming& naming : line.namings(systems.path())) {
+        named.insert(naming.file);
+    }
+    named.erase(nullptr);
     std::vector<const Model*> models;
     for (const Model& model : line.models()) {
-        for (const Naming& naming : line.namings(systems.path())) {
-            if (model.file != nullptr && naming.file == model.file) {
-                models.push_back(&model);
-                break;
-            }
+        // Models that share a file have the same items.
+        if (named.erase(model.file) > 0) {
+            models.push_back(&model);
         }
     }
     return models;

@@ -73,9 +73,9 @@ TEST_F(ShowTest, JsonIsForPrograms) {
     EXPECT_EQ(shown["picture"]["spreadSpectrum"], "/tvconfigs/ssc/ssc_b2.ini");
     EXPECT_EQ(shown["country"]["number"], 14);
     EXPECT_EQ(shown["missing"], nlohmann::json::array());
-    EXPECT_EQ(
-            shown["replaced"][0],
-            nlohmann::json::parse(R"({"group":"Picture","key":"spreadSpectrum","layer":"board"})"));
+    EXPECT_EQ(shown["replaced"][0],
+              nlohmann::json::parse(
+                      R"({"group":"Picture","key":"spreadSpectrum","layer":"board","line":0})"));
     EXPECT_EQ(shown["findings"]["errors"], 0);
 }
 
