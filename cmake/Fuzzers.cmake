@@ -5,8 +5,8 @@
 # generates them. In every preset the program is also the CTest test fuzz.NAME, which runs the kept
 # inputs once:
 #   seeds/NAME/         beside the source: written by hand, for odd rules and every bug found
-#   fuzz/seeds/NAME/    of the build: made from samples/ by tools/fuzz-seeds.sh, and by
-#                       mlk_fuzz_seeds
+#   fuzz/seeds/NAME/    of the build: made from samples/ and from the trees of mlktree's rules by
+#                       tools/fuzz-seeds.sh, and by mlk_fuzz_seeds
 # NAME.dict beside the source holds the words of the format. fuzz/NAME.run of the build holds the
 # command line for ./test --fuzz.
 function(mlk_fuzzer name)
@@ -63,7 +63,8 @@ endfunction()
 
 if(BUILD_TESTING)
     add_custom_target(fuzzers)
-    file(GLOB_RECURSE samples CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/samples/partitions/*)
+    file(GLOB_RECURSE samples CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/samples/partitions/*
+         ${CMAKE_SOURCE_DIR}/tools/mlktree/tests/rules/*)
     set(stamp ${CMAKE_BINARY_DIR}/fuzz/seeds.stamp)
     add_custom_command(
         OUTPUT ${stamp}

@@ -19,7 +19,7 @@ join() {
 }
 
 for fuzzer in project_chain auxiliary_ini tv_config list_files freq_map freq_table tv_system \
-    properties; do
+    properties partition_tree; do
     mkdir -p "$to/$fuzzer"
     find "$to/$fuzzer" -type f -delete
 done
@@ -74,4 +74,19 @@ done
 
 for file in "$partitions"/data/property/*; do
     cp "$file" "$to/properties/${file##*/}"
+done
+
+# Each tree that breaks a rule of mlktree, as the files that are laid over its sound tree. A file that
+# is removed has no second line.
+for tree in "$(dirname "$0")"/mlktree/tests/rules/*/bad; do
+    rule=${tree%/bad}
+    (
+        cd "$tree"
+        find . -type f ! -name removed -size -64k -printf '%P\n' | sort | while read -r file; do
+            printf '%s\n' "$file"
+            cat "$file"
+            printf '\n--8<--\n'
+        done
+        [[ ! -e removed ]] || sed 's/$/\n--8<--/' removed
+    ) >"$to/partition_tree/${rule##*/}"
 done
