@@ -115,8 +115,11 @@ void checkLineEnds(const ProductLine& line, Reporter& reporter) {
         }
         const std::string_view text =
                 std::string_view(value).substr(0, value.find_last_not_of("\r\n") + 1);
+        // A value may have line ends in its middle, too; the place is that of the last one.
+        const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+        const size_t column = text.size() - (text.rfind('\n') + 1) + 1;
         reporter.reportIn(
-                {"all"}, {"data/property/" + key, 1, text.size() + 1},
+                {"all"}, {"data/property/" + key, lines + 1, column},
                 "the line end belongs to the value; write " + quoted(text) + " without one");
     }
 }
