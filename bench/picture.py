@@ -50,6 +50,8 @@ LINES = {  # family: class of its line, title, dashes
     "growth-start": ("line2", "start-up", ""),
     "growth-start-models": ("line2", "start-up with 500 items", "5 4"),
     "growth-start-countries": ("line2", "start-up with 500 items", "2 3"),
+    "growth-check-models": ("line1", "a check, by models", "5 4"),
+    "growth-check-countries": ("line1", "a check, by countries", "2 3"),
     "growth-calls": ("line3", "a call", ""),
 }
 

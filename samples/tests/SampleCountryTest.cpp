@@ -79,7 +79,7 @@ TEST_F(SampleCountryTest, ANewSetStandsInItsMarketsLargestCountry) {
                           "  Name              GERMANY\n"
                           "  Number            14\n"
                           "  TV system         DVB_WEST\n"
-                          "  TV configuration  /tvconfigs/tv/tv_eu.config\n"
+                          "  TV configuration  /tvconfigs/tv/tv_eu.config (country)\n"
                           "  Channels          DTV_ANTENNA: " +
                           std::to_string(channelsOf("dtv/freqtable_eu")) +
                           "\n"

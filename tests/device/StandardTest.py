@@ -22,7 +22,7 @@ NAMES = {
     "cstdio algorithm": "remove",
     "cstddef": "nullptr_t ptrdiff_t",
     "cstdlib": "abort exit strtol strtoll strtoul",
-    "cstring": "memchr memcmp memcpy memmove memset strchr strcmp strlen",
+    "cstring": "memchr memcmp memcpy memmove memset strchr strcmp strerror strlen",
     "deque": "deque",
     "exception": "current_exception exception_ptr rethrow_exception",
     "exception stdexcept new": "exception",

@@ -17,8 +17,8 @@ methods, enumerators, numbers of a range, true and false, the keys of properties
 running service, sections, keys, countries and paths. The script starts mlkctl for each word that
 is completed. A service that gives no answer within two seconds is left out.
 
-bash reads ~/.bash_completion, fish the files of ~/.config/fish/completions, and zsh a file _mlkctl in
-a folder of its fpath. The package of mlkctl has all three.
+bash reads ~/.bash_completion, fish the files of ~/.config/fish/completions, and zsh a file _mlkctl
+in a folder of its fpath. The package of mlkctl has all three.
 
 Options:
   -h, --help  this text

@@ -30,13 +30,13 @@ Usage: mlkctl show [--json] [--timeout SECONDS]
 
 Shows, for a person to read, what the service makes of the partitions: which project is selected
 and which there are, board, panel, sound, HDMI, inputs and tuners, the country and what it decides,
-languages, power, remote control, and where the partitions are. Use mlkctl call for a
-single value. Paths are shown as the partitions' files have them, /tvconfigs/...; the last lines are the
-mount points. A path that does not exist is marked (missing).
+languages, power, remote control, and where the partitions are. Use mlkctl call for a single value.
+Paths are shown as the partitions' files have them, /tvconfigs/...; the last lines are the mount
+points. A path that does not exist is marked (missing).
 
 If the partitions are readable here and mlktree lies beside mlkctl or on PATH, it is asked what it
-makes of them: a value that the board file or the country has put in the place of the model's is then
-marked (board) or (country), and a last line counts what mlktree check finds in this set.
+makes of them: a value that the board file or the country has put in the place of the model's is
+then marked (board) or (country), and a last line counts what mlktree check finds in this set.
 
 The country is the saved one, with its TV system, its TV configuration file and the number of
 channels in each of its plans. The features are those of the file that the service has started on:
