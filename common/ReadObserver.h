@@ -92,7 +92,7 @@ class ReadObserver {
     virtual void onLine(const ReadLine& line) = 0;
 
     /**
-     * Called for every problem of reading that is also logged. A missing file is none, nor is an
+     * Called for every problem of reading that is also logged, but not for a missing file or for an
      * element that a record lacks. The problems of a line come before the line.
      *
      * @param path     the file

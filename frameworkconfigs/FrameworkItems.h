@@ -36,7 +36,7 @@ struct FrameworkItemRow {
     const char* method;
     FrameworkItemKind kind;
     const char* property;         /**< null for a TEXT */
-    const char* setter = nullptr; /**< the interface's setter; null if there is none */
+    const char* setter = nullptr; /**< the interface's setter; null for a switch without one */
 };
 
 /** All of them, in the order in which a start reads them. */

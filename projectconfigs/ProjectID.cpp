@@ -40,7 +40,7 @@ size_t lineFeeds(std::string_view text) {
 void tell(ReadObserver& observer, const std::string& path, size_t number, std::string_view text,
           size_t keyword, size_t equals) {
     const std::string_view before = text.substr(0, keyword);
-    const size_t begin = before.rfind('\n') + 1;  // 0 if there is none
+    const size_t begin = before.rfind('\n') + 1;  // 0 on the first line
     ReadLine read;
     read.path = path;
     read.number = number + lineFeeds(before);

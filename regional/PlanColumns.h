@@ -6,7 +6,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Removes and returns the next column of a line of a channel plan; empty if there is none. Blanks
+ * Removes and returns the next column of a line of a channel plan; empty after the last one. Blanks
  * and commas separate columns, and several count as one.
  */
 inline std::string_view nextColumn(std::string_view& line) {

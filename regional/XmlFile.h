@@ -62,7 +62,7 @@ class XmlFile {
     void tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
                            std::string_view owner = "") const;
 
-    /** The first top-level element; null if there is none. */
+    /** The first top-level element; null for an empty file. */
     const tinyxml2::XMLElement* top() const { return mDocument.FirstChildElement(); }
 
   private:

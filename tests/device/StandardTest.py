@@ -73,7 +73,7 @@ HEADERS = {name: set(headers.split()) | set(ALSO.get(name, "").split())
 
 
 def lacking(file):
-    """The names that a file uses although neither it nor our headers that it includes include their header."""
+    """The names that a file uses although no include of it, or of our headers in it, declares them."""
     files = {file, *rules.included(file)}
     there = {header.strip('<>"') for each in files for header in tree.includes(each)}
     used = set(re.findall(r"\bstd::(\w+)", tree.code(file)))

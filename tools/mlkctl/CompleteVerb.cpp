@@ -20,7 +20,7 @@ Output:
   A line for each word; a tab and a few words about it follow.
 
 Exit status:
-  0  done, even when there is none
+  0  done, also without a candidate
 
 Examples:
   mlkctl complete -- call getF

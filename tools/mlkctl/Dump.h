@@ -31,7 +31,7 @@ struct DumpedSet {
     std::string projectId;               // the index of the model
     std::string systemFile;              // which selects models
     std::string projectFile;             // of the model; empty if none is selected
-    std::string boardFile;               // empty if there is none
+    std::string boardFile;               // empty for a set without a board file
     std::vector<DumpedItem> items;       // of the selected project
     std::vector<DumpedItem> audioItems;  // of the audio files; several files may have the same one
 };

@@ -36,7 +36,7 @@ Output:
 
 Exit status:
   0  answered; with --plain, there is such an item, though its value may be empty
-  1  with --plain, there is none; or the service cannot be reached
+  1  with --plain: the item does not exist; or the service cannot be reached
   2  the command line is wrong
   3  the service gave no answer
 

@@ -39,7 +39,7 @@ const std::vector<const Interface*>& interfaces();
 /** The interface of this name or short name, or null. */
 const Interface* findInterface(std::string_view name);
 
-/** The same; throws Failure USAGE, which suggests a similar name, if there is none. */
+/** The same. An unknown name throws Failure USAGE, which suggests a similar one. */
 const Interface& interfaceOf(std::string_view name);
 
 /** A method and its interface. */

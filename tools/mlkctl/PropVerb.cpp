@@ -42,7 +42,7 @@ Output:
 
 Exit status:
   0  done
-  1  the property cannot be set, or there is none to list
+  1  the property cannot be set, or the set has no property to list
   2  the command line is wrong
 
 Examples:

@@ -166,7 +166,7 @@ std::string diffOf(const MendedFile& file, const std::vector<std::string_view>& 
         const size_t begin = changed[first] - std::min(changed[first], kContext);
         const size_t end = std::min(changed[last] + kContext + 1, former.size());
         const std::string range = std::to_string(begin + 1) + "," + std::to_string(end - begin);
-        diff += "@@ -" + range + " +" + range + " @@\n";
+        diff.append("@@ -").append(range).append(" +").append(range).append(" @@\n");
         for (size_t i = begin; i < end; ++i) {
             if (!std::binary_search(changed.begin(), changed.end(), i)) {
                 diff += " " + std::string(former[i]) + "\n";

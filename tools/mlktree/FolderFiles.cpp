@@ -21,6 +21,12 @@ bool isRegularFile(const std::string& path) {
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
+std::string pathIn(const std::string& folder, const std::string& name) {
+    std::string path = folder;
+    path += '/';
+    return path += name;
+}
+
 std::string folderOf(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? "" : path.substr(0, slash);
@@ -34,7 +40,7 @@ std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view
     }
     while (const dirent* const entry = readdir(folder.get())) {
         const std::string name = entry->d_name;
-        if (endsWith(name, ending) && isRegularFile(hostFolder + "/" + name)) {
+        if (endsWith(name, ending) && isRegularFile(pathIn(hostFolder, name))) {
             names.push_back(name);
         }
     }

@@ -3,19 +3,18 @@
 #include <algorithm>
 #include <limits>
 
+#include "tools/common/Suggest.h"
+
 namespace mlk::tree {
 
 namespace {
 
-char folded(char c) {
-    if (c >= 'a' && c <= 'z') {
-        return static_cast<char>(c - 'a' + 'A');
-    }
-    return c == ' ' || c == '-' ? '_' : c;
-}
-
-bool isSame(char one, char other) {
-    return folded(one) == folded(other);
+// People write blanks and "-" for "_".
+std::string joined(std::string_view word) {
+    std::string result(word);
+    std::replace_if(
+            result.begin(), result.end(), [](char c) { return c == ' ' || c == '-'; }, '_');
+    return result;
 }
 
 size_t limitFor(size_t length) {
@@ -37,27 +36,7 @@ size_t caseDistance(std::string_view one, std::string_view other) {
 }  // namespace
 
 size_t distanceOf(std::string_view one, std::string_view other) {
-    // Rows of the usual table: row[j] is the distance of the letters so far to j letters of other.
-    std::vector<size_t> beforeLast(other.size() + 1);
-    std::vector<size_t> last(other.size() + 1);
-    std::vector<size_t> row(other.size() + 1);
-    for (size_t j = 0; j <= other.size(); ++j) {
-        last[j] = j;
-    }
-    for (size_t i = 1; i <= one.size(); ++i) {
-        row[0] = i;
-        for (size_t j = 1; j <= other.size(); ++j) {
-            const size_t wrong = isSame(one[i - 1], other[j - 1]) ? 0 : 1;
-            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + wrong});
-            if (i > 1 && j > 1 && isSame(one[i - 1], other[j - 2]) &&
-                isSame(one[i - 2], other[j - 1])) {
-                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
-            }
-        }
-        beforeLast.swap(last);
-        last.swap(row);
-    }
-    return last[other.size()];
+    return editDistance(joined(one), joined(other));
 }
 
 std::string_view nearest(std::string_view word, const std::vector<std::string_view>& candidates) {

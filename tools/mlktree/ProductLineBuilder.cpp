@@ -65,7 +65,10 @@ void ProductLineBuilder::findCustomers() {
     for (const std::string& customer : mSelection.customers) {
         const std::string host = mLine.mTree.hostOfArgument(customer);
         if (!product::pathExists(host)) {
-            throw UsageError("--customer " + customer + ": there is no file " + host);
+            throw UsageError(std::string("--customer ")
+                                     .append(customer)
+                                     .append(": there is no file ")
+                                     .append(host));
         }
         addOnce(paths, mLine.mTree.relative(host));
     }
@@ -167,7 +170,7 @@ void ProductLineBuilder::findBoards() {
             for (const std::string& file :
                  folder.empty() ? std::vector<std::string>()
                                 : filesIn(mLine.mTree.host(folder), kIniEnding)) {
-                addOnce(paths, folder + "/" + file);
+                addOnce(paths, pathIn(folder, file));
             }
         }
     }

@@ -86,8 +86,9 @@ void ProductLineBuilder::followItem(const FileLines& file, const ReadLine& line)
         const std::string folder = folderOf(path);
         for (const std::string& avr : filesIn(mLine.mTree.host(folder), kIniEnding)) {
             if (avr.compare(0, 4, "AVR_") == 0) {
-                name(folder + "/" + avr, &file, &line);
-                ask(folder + "/" + avr, FileFormat::AUXILIARY);
+                const std::string avrPath = pathIn(folder, avr);
+                name(avrPath, &file, &line);
+                ask(avrPath, FileFormat::AUXILIARY);
             }
         }
     }

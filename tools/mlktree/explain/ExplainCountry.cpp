@@ -90,6 +90,7 @@ std::string jsonOf(const SetModel& set, const Listed& listed, const Listed& laun
         items.push_back(jsonOf(set, brought));
     }
     std::vector<std::string> planTexts;
+    planTexts.reserve(plans.size());
     for (const CountryPlan& plan : plans) {
         planTexts.push_back(jsonOf(plan));
     }

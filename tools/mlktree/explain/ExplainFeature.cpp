@@ -158,6 +158,7 @@ Explanation explainFeature(const SetModel& set, const Request& request) {
     const std::vector<Feature> all = featuresOf(set);
     if (request.question.name.empty()) {
         std::vector<std::string> json;
+        json.reserve(all.size());
         for (const Feature& feature : all) {
             json.push_back(jsonOf(feature));
         }

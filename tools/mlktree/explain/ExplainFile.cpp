@@ -176,7 +176,7 @@ std::string hintFor(const ProductLine& line, const std::string& path) {
     for (const auto& [one, namings] : line.namedPaths()) {
         paths.push_back(one);
     }
-    const std::string hint = suggestionOf(path, paths);
+    std::string hint = suggestionOf(path, paths);
     if (!hint.empty()) {
         return hint;
     }

@@ -86,10 +86,12 @@ void checkKeywords(const ProductLine& line, Reporter& reporter) {
 
 void checkNumber(const ProductLine& line, Reporter& reporter) {
     const ReadLine* const id = identityLine(line, kProjectIdPath, keyword::kProjectId);
-    const std::string problem =
-            id != nullptr ? problemOf(product::ValueType::INTEGER, numberIn(id->value)) : "";
+    if (id == nullptr) {
+        return;
+    }
+    const std::string_view number = numberIn(id->value);
+    const std::string problem = problemOf(product::ValueType::INTEGER, number);
     if (!problem.empty()) {
-        const std::string_view number = numberIn(id->value);
         reporter.report(
                 placeOf(line, *line.find(kProjectIdPath), *id, number.empty() ? "=" : number),
                 problem);

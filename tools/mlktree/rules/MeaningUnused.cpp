@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Texts.h"
@@ -97,10 +98,6 @@ class Search {
     size_t mEntries = 0;
     bool mIsCut = false;
 };
-
-std::string folderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
 
 // Folders whose files belong to other rules, or of which a set takes what it needs.
 std::set<std::string> foldersOfOthers(const ProductLine& line) {

@@ -25,10 +25,6 @@ struct NameMistake {
     std::string message; /**< empty if the name is right */
 };
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 // The country that a later entry of the line names, as in "DE,GERMANY".
 std::string_view laterEntry(const ReadLine& read) {
     std::string_view rest = read.text;
@@ -51,7 +47,7 @@ NameMistake mistakeInList(const ReadLine& read, std::string_view name) {
                 "a line of " + quoted(name) + " counts as a country; remove it"};
     }
     const std::string_view core = trimmed(name);
-    if (core.front() == '#' || core.front() == ';' || startsWith(core, "//")) {
+    if (core.front() == '#' || core.front() == ';' || beginsWith(core, "//")) {
         return {"comment", "a list has no comments: this line counts as a country"};
     }
     if (const std::string_view later = laterEntry(read); !later.empty()) {
@@ -74,7 +70,7 @@ NameMistake mistakeIn(const FileLines& file, const ReadLine& read, std::string_v
         return {flaw, quoted(core) + " has " + flaw +
                               ", which belongs to the name and makes it an unknown country"};
     }
-    if (startsWith(name, kByteOrderMark)) {
+    if (beginsWith(name, kByteOrderMark)) {
         return {};  // another rule reports the mark
     }
     if (isList) {

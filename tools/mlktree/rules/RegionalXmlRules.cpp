@@ -20,14 +20,10 @@ namespace attribute = product::attribute;
 
 constexpr std::string_view kMalformed = "no well-formed XML: ";
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 void checkMalformed(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
         for (const Problem& problem : file->problems()) {
-            if (isXml(file->format()) && startsWith(problem.text, kMalformed)) {
+            if (isXml(file->format()) && beginsWith(problem.text, kMalformed)) {
                 reporter.report({path, problem.line, 0},
                                 "the file is not used, because it is no well-formed XML: " +
                                         problem.text.substr(kMalformed.size()));
@@ -43,8 +39,8 @@ void checkUnreadable(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         for (const Problem& problem : file->problems()) {
-            const bool isMuch = startsWith(problem.text, "more than");
-            if (isMuch || startsWith(problem.text, "cannot be read")) {
+            const bool isMuch = beginsWith(problem.text, "more than");
+            if (isMuch || beginsWith(problem.text, "cannot be read")) {
                 reporter.report(placeOf(*file),
                                 "the file is not used, because it " +
                                         (isMuch ? "has " + problem.text : problem.text));
