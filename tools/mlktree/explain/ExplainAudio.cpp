@@ -1,5 +1,9 @@
 // `mlktree explain audio SECTION KEY`: sound delays.
 
+#include <algorithm>
+
+#include "common/FileLimits.h"
+#include "projectconfigs/SoundDelays.h"
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
@@ -7,6 +11,8 @@
 #include "tools/mlktree/set/SetDelays.h"
 
 namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
@@ -102,6 +108,26 @@ void checkOptions(const Arguments& arguments) {
     }
 }
 
+// Name of the file of the AVR that the options name; empty for none.
+std::string avrFileOf(const Arguments& arguments, const DelayPaths& paths) {
+    const std::string vendor = arguments.value("--avr-vendor");
+    const std::string name = arguments.value("--avr-name");
+    if (vendor.empty() || name.empty()) {
+        return "";
+    }
+    const std::string file =
+            product::kAvrAudioPrefix + vendor + "_" + name + product::kAudioFileEnd;
+    if (std::max(vendor.size(), name.size()) > product::kFileNameSize ||
+        SetDelays::isRefused(paths, file)) {
+        throw UsageError(
+                "--avr-vendor and --avr-name: the service refuses an AVR whose file has "
+                "a name of more than " +
+                std::to_string(product::kFileNameSize) + " bytes or a path of more than " +
+                std::to_string(product::kAvrPathSize - 1));
+    }
+    return file;
+}
+
 }  // namespace
 
 Explanation explainAudio(const SetModel& set, const Request& request) {
@@ -109,7 +135,8 @@ Explanation explainAudio(const SetModel& set, const Request& request) {
     const Question& question = request.question;
     checkOptions(arguments);
     const bool isArc = arguments.has("--arc");
-    const SetDelays delays(set, arguments.value("--avr-vendor"), arguments.value("--avr-name"));
+    const DelayPaths paths = delayPathsOf(set);
+    const SetDelays delays(set.line(), paths, avrFileOf(arguments, paths));
     const SetDelays::Names items = delays.items(isArc);
     std::vector<std::string> json;
     Table table;

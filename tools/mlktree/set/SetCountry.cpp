@@ -67,34 +67,22 @@ std::string countryName(_tv_country country) {
     return name;
 }
 
-std::vector<CountryPlan> plansOf(const SetModel& set, _tv_country country) {
-    const std::string_view value = set.valueOf(product::item::kChannelPlans);
-    const std::string path = value.empty() ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
-                                           : set.pathOf(value);
-    const PlanFolder* folder = nullptr;
-    const FileLines* map = nullptr;
-    for (const PlanFiles& files : set.line().planFolders()) {
-        if (files.folder->path() == path) {
-            folder = files.folder.get();
-            map = files.map;
-        }
-    }
-    std::unique_ptr<PlanFolder> own;
-    if (folder == nullptr) {
-        // The product line has only folders that an item names, if there is one.
-        own = std::make_unique<PlanFolder>(set.line().tree(), path);
-        folder = own.get();
-    }
+std::string planFolderOf(const ProductLine& line, std::string_view value) {
+    return value.empty() ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
+                         : line.tree().relative(line.tree().hostOfWritten(value));
+}
+
+std::vector<CountryPlan> plansOf(const PlanPlace& place, _tv_country country) {
     std::vector<CountryPlan> plans;
     const auto add = [&](FreqTableType type, AtscCableType cable, const std::string& cableName) {
-        const std::string file = folder->planOf(country, type, cable);
+        const std::string file = place.folder->planOf(country, type, cable);
         if (file.empty()) {
             return;
         }
-        CountryPlan plan{toString(type), cableName, file, map, nullptr, {}};
-        plan.channels = set.product().project().region().plan(country, type, cable);
-        if (map != nullptr) {
-            plan.line = elementIn(*map, countryName(country), type, cableName, fileNameIn(file));
+        CountryPlan plan{toString(type), cableName, file, type, cable, place.map, nullptr, {}};
+        if (place.map != nullptr) {
+            plan.line =
+                    elementIn(*place.map, countryName(country), type, cableName, fileNameIn(file));
         }
         plans.push_back(std::move(plan));
     };
@@ -106,6 +94,27 @@ std::vector<CountryPlan> plansOf(const SetModel& set, _tv_country country) {
         for (const auto cable : hidl_enum_range<AtscCableType>()) {
             add(type, cable, toString(cable));
         }
+    }
+    return plans;
+}
+
+std::vector<CountryPlan> plansOf(const SetModel& set, _tv_country country) {
+    const std::string path = planFolderOf(set.line(), set.valueOf(product::item::kChannelPlans));
+    PlanPlace place;
+    for (const PlanFiles& files : set.line().planFolders()) {
+        if (files.folder->path() == path) {
+            place = {files.folder.get(), files.map};
+        }
+    }
+    std::unique_ptr<PlanFolder> own;
+    if (place.folder == nullptr) {
+        // The product line has only folders that an item names, if there is one.
+        own = std::make_unique<PlanFolder>(set.line().tree(), path);
+        place.folder = own.get();
+    }
+    std::vector<CountryPlan> plans = plansOf(place, country);
+    for (CountryPlan& plan : plans) {
+        plan.channels = set.product().project().region().plan(country, plan.type, plan.cableType);
     }
     return plans;
 }

@@ -13,9 +13,11 @@ namespace mlk::tree {
 
 /** A channel plan of a country. */
 struct CountryPlan {
-    std::string kind;                       /**< "DTV_ANTENNA" */
-    std::string cable;                      /**< "HRC"; empty for an antenna */
-    std::string file;                       /**< relative to the tree */
+    std::string kind;  /**< "DTV_ANTENNA" */
+    std::string cable; /**< "HRC"; empty for an antenna */
+    std::string file;  /**< relative to the tree */
+    FreqTableType type = FreqTableType::DTV_ANTENNA;
+    AtscCableType cableType = AtscCableType::AUTO;
     const FileLines* map = nullptr;         /**< the map of plans */
     const ReadLine* line = nullptr;         /**< its element that names the plan; null if unknown */
     std::vector<HidlFreqListItem> channels; /**< as the service answers them */
@@ -23,6 +25,19 @@ struct CountryPlan {
 
 /** "DTV_CABLE HRC". */
 std::string nameOf(const CountryPlan& plan);
+
+/** A folder of channel plans, and its map. */
+struct PlanPlace {
+    const PlanFolder* folder = nullptr;
+    const FileLines* map = nullptr;
+};
+
+/** The path of the folder of plans in a set with that value of the item, relative to the tree. */
+std::string planFolderOf(const ProductLine& line, std::string_view value);
+
+/** The plans of a country that the map of a folder names, in the order of their kinds; without
+ * their channels. */
+std::vector<CountryPlan> plansOf(const PlanPlace& place, _tv_country country);
 
 /** The plans of a country in a set: those that the map names, in the order of their kinds. */
 std::vector<CountryPlan> plansOf(const SetModel& set, _tv_country country);

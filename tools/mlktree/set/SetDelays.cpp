@@ -11,7 +11,6 @@
 #include "projectconfigs/KnownProperties.h"
 #include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/FileReading.h"
-#include "tools/mlktree/set/SetProduct.h"
 
 namespace mlk::tree {
 
@@ -28,40 +27,39 @@ bool isKept(const FileLines& file) {
                        [](const ReadLine& read) { return read.use == LineUse::ITEM; });
 }
 
+// The file of an AVR lies beside that of the default AVR.
+std::string avrPathOf(const DelayPaths& paths, const std::string& avrFile) {
+    const std::string& path = paths.presentAvr;
+    return path.substr(0, path.size() - product::fileNameOf(path).size()) + avrFile;
+}
+
 }  // namespace
 
-SetDelays::SetDelays(const SetModel& set, const std::string& avrVendor, const std::string& avrName)
-    : mSet(set) {
-    const auto named = [&](const ConfigKey& item) { return std::string(set.startValueOf(item)); };
-    add("panel", named(product::item::kPanelAudio), true, false);
-    add("IC", named(product::item::kICAudio), true, false);
-    add("default AVR", named(product::item::kAvrAudio), true, true);
-    const std::string hardware = set.line().properties().get(product::property::kHardware);
+DelayPaths delayPathsOf(const SetModel& set) {
+    return {std::string(set.startValueOf(product::item::kPanelAudio)),
+            std::string(set.startValueOf(product::item::kICAudio)),
+            std::string(set.startValueOf(product::item::kAvrAudio)),
+            std::string(set.valueOf(product::item::kAvrAudio))};
+}
+
+SetDelays::SetDelays(const ProductLine& line, const DelayPaths& paths, const std::string& avrFile)
+    : mLine(line) {
+    add("panel", paths.panel, true, false);
+    add("IC", paths.ic, true, false);
+    add("default AVR", paths.defaultAvr, true, true);
+    const std::string hardware = line.properties().get(product::property::kHardware);
     add("hardware",
         "/tvconfigs" + std::string(product::kHardwareAudioFolder) + product::kHardwareAudioPrefix +
                 hardware + product::kAudioFileEnd,
         false, false);
-    if (avrVendor.empty() || avrName.empty()) {
-        return;
+    if (!avrFile.empty()) {
+        add(kAvr, avrPathOf(paths, avrFile), true, true);
     }
-    const std::string name =
-            product::kAvrAudioPrefix + avrVendor + "_" + avrName + product::kAudioFileEnd;
-    // The present path, which a country may have replaced.
-    const std::string path(set.valueOf(product::item::kAvrAudio));
-    const size_t folder = path.size() - product::fileNameOf(path).size();
-    const std::string file = path.substr(0, folder) + name;
-    if (std::max({avrVendor.size(), avrName.size(), name.size()}) > product::kFileNameSize ||
-        file.size() >= product::kAvrPathSize) {
-        throw UsageError(
-                "--avr-vendor and --avr-name: the service refuses an AVR whose file has "
-                "a name of more than " +
-                std::to_string(product::kFileNameSize) + " bytes or a path of more than " +
-                std::to_string(product::kAvrPathSize - 1));
-    }
-    add(kAvr, file, true, true);
-    product::SoundDelays& sounds = set.product().project().sounds();
-    // Refused if the path is longer on this machine than on a set.
-    mIsAvrSet = sounds.trySetAvrVendorId(avrVendor) && sounds.trySetAvrOSDName(avrName);
+}
+
+bool SetDelays::isRefused(const DelayPaths& paths, const std::string& avrFile) {
+    return avrFile.size() > product::kFileNameSize ||
+           avrPathOf(paths, avrFile).size() >= product::kAvrPathSize;
 }
 
 void SetDelays::add(const char* role, const std::string& path, bool needsFolder, bool isOfArc) {
@@ -69,7 +67,7 @@ void SetDelays::add(const char* role, const std::string& path, bool needsFolder,
         mRoles.push_back({role, "", nullptr, isOfArc});
         return;
     }
-    const std::string relative = mSet.pathOf(path);
+    const std::string relative = mLine.tree().relative(mLine.tree().hostOfWritten(path));
     const std::string name(product::fileNameOf(path));
     const bool hasFolder = name.size() < path.size();
     // Even a file that gets no name is loaded: another one of its name is not loaded then.
@@ -85,9 +83,9 @@ const FileLines* SetDelays::load(const std::string& path) {
     if (known != mLoaded.end()) {
         return known->second;
     }
-    const FileLines* file = mSet.line().find(path);
+    const FileLines* file = mLine.find(path);
     if (file == nullptr || file->format() != FileFormat::AUXILIARY) {
-        file = mOwn.emplace_back(readFile(mSet.line().tree(), path, FileFormat::AUXILIARY)).get();
+        file = mOwn.emplace_back(readFile(mLine.tree(), path, FileFormat::AUXILIARY)).get();
     }
     if (!isKept(*file)) {
         return nullptr;
@@ -97,12 +95,15 @@ const FileLines* SetDelays::load(const std::string& path) {
 }
 
 int32_t SetDelays::delay(std::string_view section, std::string_view key, bool isArc) const {
-    const int32_t delay = mSet.product().project().sounds().delay({section, key}, isArc);
-    if (mIsAvrSet || !isArc || mRoles.back().name != kAvr) {
-        return delay;
+    return sumOf(summands(section, key, isArc));
+}
+
+int32_t sumOf(const std::vector<Summand>& summands) {
+    uint32_t sum = 0;
+    for (const Summand& summand : summands) {
+        sum += static_cast<uint32_t>(summand.value);
     }
-    const int32_t ofAvr = summands(section, key, isArc).back().value;
-    return static_cast<int32_t>(static_cast<uint32_t>(delay) + static_cast<uint32_t>(ofAvr));
+    return static_cast<int32_t>(sum);
 }
 
 std::vector<Summand> SetDelays::summands(std::string_view section, std::string_view key,

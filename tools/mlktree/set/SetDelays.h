@@ -21,6 +21,21 @@ struct Summand {
     int32_t value = 0;
 };
 
+/** The sum of some values; out of the range of 32 bits it wraps, as in the service. */
+int32_t sumOf(const std::vector<Summand>& summands);
+
+/** The items that name audio files; their values as written, empty for none. */
+struct DelayPaths {
+    // By the values before the country is applied: the service has loaded these files by then.
+    std::string panel;
+    std::string ic;
+    std::string defaultAvr;
+    std::string presentAvr; /**< that of the default AVR after the country was applied */
+};
+
+/** The names of audio files in a set. */
+DelayPaths delayPathsOf(const SetModel& set);
+
 /** The audio files of a set, as they lie in its folders. One thread at a time. */
 class SetDelays {
   public:
@@ -28,12 +43,13 @@ class SetDelays {
     using Names = std::vector<std::pair<std::string_view, std::string_view>>;
 
     /**
-     * @param set        must outlive the object
-     * @param avrVendor  vendor id of the AVR in use; empty, as is its name, for none
-     * @param avrName    OSD name of the AVR
-     * @throw UsageError if a text of the AVR does not fit
+     * @param line     must outlive the object
+     * @param avrFile  name of the file of the AVR in use; empty for none
      */
-    SetDelays(const SetModel& set, const std::string& avrVendor, const std::string& avrName);
+    SetDelays(const ProductLine& line, const DelayPaths& paths, const std::string& avrFile);
+
+    /** True if the service refuses an AVR with a file of that name. */
+    static bool isRefused(const DelayPaths& paths, const std::string& avrFile);
 
     /** The delay, as the service answers it. */
     int32_t delay(std::string_view section, std::string_view key, bool isArc) const;
@@ -56,9 +72,8 @@ class SetDelays {
     void add(const char* role, const std::string& path, bool needsFolder, bool isOfArc);
     const FileLines* load(const std::string& path);
 
-    const SetModel& mSet;
+    const ProductLine& mLine;
     std::vector<Role> mRoles;
-    bool mIsAvrSet = false;  // the product's object has the AVR
     std::map<std::string, const FileLines*, std::less<>> mLoaded;  // by file name
     std::vector<std::unique_ptr<FileLines>> mOwn;
 };

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "frameworkconfigs/FrameworkItems.h"
+#include "regional/RegionalNames.h"
 #include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/set/SetProduct.h"
 #include "tvconfigs/TvConfigItems.h"
@@ -31,32 +32,30 @@ const product::TvFlagRow* masterOf(const product::TvFlagRow& row) {
     return nullptr;
 }
 
+std::vector<FeatureOrigin> originsOf(const TreeProperties& properties, const std::string& key) {
+    const std::string text = properties.get(key.c_str());
+    if (text.empty()) {
+        return {FeatureOrigin()};
+    }
+    if (properties.isGiven(key)) {
+        return {{FeatureLayer::OPTION, text, "", 0}};
+    }
+    return {{FeatureLayer::PROPERTY, text, "data/property/" + key, 1}};
+}
+
 // Finds the texts of keys.
 class Origins {
   public:
-    explicit Origins(const SetModel& set) : mSet(set) {
-        const std::string path = featureFileOf(set);
-        mFile = set.line().find(path);
+    Origins(const ProductLine& line, const std::string& file) : mLine(line) {
+        mFile = line.find(file);
         if (mFile == nullptr || mFile->format() != FileFormat::TV_FEATURES) {
-            mOwn = readFile(set.line().tree(), path, FileFormat::TV_FEATURES);
+            mOwn = readFile(line.tree(), file, FileFormat::TV_FEATURES);
             mFile = mOwn.get();
         }
     }
 
-    std::vector<FeatureOrigin> ofProperty(const std::string& key) const {
-        const TreeProperties& properties = mSet.line().properties();
-        const std::string text = properties.get(key.c_str());
-        if (text.empty()) {
-            return {FeatureOrigin()};
-        }
-        if (properties.isGiven(key)) {
-            return {{FeatureLayer::OPTION, text, "", 0}};
-        }
-        return {{FeatureLayer::PROPERTY, text, "data/property/" + key, 1}};
-    }
-
     std::vector<FeatureOrigin> ofFeature(const std::string& key) const {
-        std::vector<FeatureOrigin> found = ofProperty(key);
+        std::vector<FeatureOrigin> found = originsOf(mLine.properties(), key);
         const ReadLine* const read = mFile->isUnreadable() ? nullptr : mFile->find("", key);
         if (read != nullptr) {
             if (found.back().layer == FeatureLayer::DEFAULT) {
@@ -69,7 +68,7 @@ class Origins {
     }
 
   private:
-    const SetModel& mSet;
+    const ProductLine& mLine;
     const FileLines* mFile = nullptr;
     std::unique_ptr<FileLines> mOwn;
 };
@@ -97,13 +96,21 @@ std::string Feature::answer() const {
     return isFlag ? (value != 0 ? "true" : "false") : std::to_string(value);
 }
 
-std::string featureFileOf(const SetModel& set) {
-    return set.line().tree().relative(set.product().featureFile());
+std::string featureFileOf(const ProductLine& line, std::string_view value) {
+    const Tree& tree = line.tree();
+    return tree.relative(
+            product::tvFeatureFile(tree.hostOfWritten(value).c_str(), tree.partitions()));
 }
 
-std::vector<Feature> featuresOf(const SetModel& set) {
-    const Origins origins(set);
-    const product::TvFeatures& tv = set.product().features();
+std::string featureFileOf(const SetModel& set) {
+    return featureFileOf(set.line(), set.valueOf(product::kTvConfigItem));
+}
+
+std::vector<Feature> tvFeaturesOf(const ProductLine& line, const std::string& file) {
+    const Origins origins(line, file);
+    FixedProperties properties(line.properties());
+    const std::unique_ptr<product::TvFeatures> tv =
+            tvFeaturesIn(line.tree().host(file), properties);
     std::vector<Feature> all;
     for (const product::TvSystemRow& row : product::kTvSystems) {
         Feature& feature = all.emplace_back();
@@ -111,7 +118,7 @@ std::vector<Feature> featuresOf(const SetModel& set) {
         feature.method = row.method;
         feature.key = row.key;
         feature.isFlag = false;
-        feature.value = tv.get(row);
+        feature.value = tv->get(row);
         feature.history = origins.ofFeature(feature.key);
     }
     for (const product::TvFlagRow& row : product::kTvFlags) {
@@ -119,13 +126,20 @@ std::vector<Feature> featuresOf(const SetModel& set) {
         feature.interface = "IMlkTvConfigs";
         feature.method = row.method;
         feature.key = row.key;
-        feature.value = tv.get(row) ? 1 : 0;
+        feature.value = tv->get(row) ? 1 : 0;
         feature.history = origins.ofFeature(feature.key);
         if (const product::TvFlagRow* const master = masterOf(row)) {
             feature.master = master->method;
-            feature.isMasterOn = tv.get(*master);
+            feature.isMasterOn = tv->get(*master);
         }
     }
+    return all;
+}
+
+std::vector<Feature> frameworkSwitchesOf(const ProductLine& line) {
+    FixedProperties properties(line.properties());
+    const product::FrameworkSwitches switches(properties);
+    std::vector<Feature> all;
     for (size_t i = 0; i < std::size(product::kFrameworkItems); ++i) {
         const product::FrameworkItemRow& row = product::kFrameworkItems[i];
         Feature& feature = all.emplace_back();
@@ -134,12 +148,20 @@ std::vector<Feature> featuresOf(const SetModel& set) {
         feature.isText = row.kind == product::FrameworkItemKind::TEXT;
         feature.isFlag = row.kind == product::FrameworkItemKind::FLAG ||
                          row.kind == product::FrameworkItemKind::INVERTED;
-        feature.value = set.product().switches().get(i);
+        feature.value = switches.get(i);
         feature.history = {FeatureOrigin()};
         if (row.property != nullptr) {
             feature.key = row.property;
-            feature.history = origins.ofProperty(feature.key);
+            feature.history = originsOf(line.properties(), feature.key);
         }
+    }
+    return all;
+}
+
+std::vector<Feature> featuresOf(const SetModel& set) {
+    std::vector<Feature> all = tvFeaturesOf(set.line(), featureFileOf(set));
+    for (Feature& feature : frameworkSwitchesOf(set.line())) {
+        all.push_back(std::move(feature));
     }
     return all;
 }

@@ -49,7 +49,16 @@ struct Feature {
 /** The features of a set: those of IMlkTvConfigs, then the switches of IMlkFrameworkConfigs. */
 std::vector<Feature> featuresOf(const SetModel& set);
 
+/** Those of IMlkTvConfigs in a set with that TV feature file, a path relative to the tree. */
+std::vector<Feature> tvFeaturesOf(const ProductLine& line, const std::string& file);
+
+/** The switches of IMlkFrameworkConfigs. */
+std::vector<Feature> frameworkSwitchesOf(const ProductLine& line);
+
 /** The TV feature file of a set, relative to the tree, whether or not it exists. */
 std::string featureFileOf(const SetModel& set);
+
+/** The TV feature file of a set with that value of "[LiveTV]" "TvConfig", as written. */
+std::string featureFileOf(const ProductLine& line, std::string_view value);
 
 }  // namespace mlk::tree

@@ -3,9 +3,8 @@
 #include <algorithm>
 
 #include "projectconfigs/KnownItems.h"
-#include "regional/RegionalNames.h"
 #include "tools/mlktree/FileReading.h"
-#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/set/CountryItems.h"
 #include "tools/mlktree/set/SetProduct.h"
 
 namespace mlk::tree {
@@ -22,12 +21,6 @@ const FileLines* asProject(const Tree& tree, const FileLines* file,
     }
     own = readFile(tree, file->path(), FileFormat::PROJECT);
     return own.get();
-}
-
-// The service moves everything up to the partition's name to the partition.
-std::string_view fromTvconfigs(std::string_view path) {
-    const size_t at = path.find("/tvconfigs");
-    return at == std::string_view::npos ? path : path.substr(at);
 }
 
 }  // namespace
@@ -89,7 +82,6 @@ SetModel::SetModel(const ProductLine& line, const SetChoice& choice)
         addLines(asProject(line.tree(), choice.board->file, mOwnBoard), Layer::BOARD);
     }
     findCountry();
-    findCountryItems();
     applyCountry();
 }
 
@@ -121,52 +113,18 @@ void SetModel::findCountry() {
             mTvSystems = &files;
         }
     }
-    if (mTvSystems == nullptr || mChoice.country == kNoCountry) {
+    if (mTvSystems == nullptr) {
         return;
     }
-    mTvSystem = mTvSystems->systems->systemOf(mChoice.country);
-    const std::string name = mTvSystems->systems->nameOf(mChoice.country);
-    if (name.empty() || mTvSystems->map == nullptr) {
-        return;
-    }
-    // As the service looks for it: the first name that contains the country's.
-    for (const ReadLine& read : mTvSystems->map->lines()) {
-        if (read.use == LineUse::SECTION && read.owner.find(name) != std::string_view::npos) {
-            mRecord = &read;
-            return;
-        }
+    const CountryBrings brings = CountryItems(*mTvSystems).of(mChoice.country);
+    mTvSystem = brings.tvSystem;
+    mRecord = brings.record;
+    for (const BroughtItem& item : brings.items) {
+        mCountryItems.push_back(
+                {item.section, item.key, {{item.value, item.file, item.line, Layer::COUNTRY}}});
     }
 }
 
-void SetModel::findCountryItems() {
-    if (mTvSystems == nullptr || mChoice.country == kNoCountry) {
-        return;
-    }
-    for (const ReadLine& read : mTvSystems->file->lines()) {
-        if (!mTvSystem.empty() && read.use == LineUse::ITEM && read.isNew &&
-            read.owner == mTvSystem) {
-            mCountryItems.push_back({read.section,
-                                     read.key,
-                                     {{read.value, mTvSystems->file, &read, Layer::COUNTRY}}});
-        }
-    }
-    if (mRecord == nullptr || mTvSystems->systems->featuresOf(mChoice.country).empty()) {
-        return;
-    }
-    for (const CountryBlock& block : blocksOf(*mTvSystems->map)) {
-        const ReadLine* const read =
-                block.begin == mRecord ? block.find(product::element::kFeaturesOfCountry) : nullptr;
-        if (read != nullptr) {
-            const ConfigKey& name = product::kTvConfigItem;
-            mCountryItems.push_back(
-                    {name.category,
-                     name.key,
-                     {{fromTvconfigs(read->value), mTvSystems->map, read, Layer::COUNTRY}}});
-        }
-    }
-}
-
-// The record's TV feature file comes last, because it counts more than an item of the TV system.
 void SetModel::applyCountry() {
     for (const SetItem& brought : mCountryItems) {
         const auto item = mItems.find({brought.section, brought.key});

@@ -107,7 +107,6 @@ class SetModel {
   private:
     void addLines(const FileLines* file, Layer layer);
     void findCountry();
-    void findCountryItems();
     void applyCountry();
 
     const ProductLine& mLine;

@@ -51,17 +51,21 @@ std::string SetProduct::featureFile() const {
 
 const product::TvFeatures& SetProduct::features() {
     if (mFeatures == nullptr) {
-        // Not by the constructor, which takes paths of a limited length: on a device they are
-        // shorter.
-        auto file = std::make_unique<product::FileConfigEditor>(nullptr);
-        file->Update(featureFile().c_str());
-        product::TvFeatures::EditorList editors;
-        editors.push_back(std::make_unique<product::ReadOnlyEditor>(std::move(file)));
-        editors.push_back(std::make_unique<product::ReadOnlyEditor>(
-                std::make_unique<product::PropConfigEditor>(mProperties)));
-        mFeatures = std::make_unique<product::TvFeatures>(nullptr, std::move(editors));
+        mFeatures = tvFeaturesIn(featureFile(), mProperties);
     }
     return *mFeatures;
+}
+
+std::unique_ptr<product::TvFeatures> tvFeaturesIn(const std::string& file,
+                                                  FixedProperties& properties) {
+    // Not by the constructor, which takes paths of a limited length: on a device they are shorter.
+    auto editor = std::make_unique<product::FileConfigEditor>(nullptr);
+    editor->Update(file.c_str());
+    product::TvFeatures::EditorList editors;
+    editors.push_back(std::make_unique<product::ReadOnlyEditor>(std::move(editor)));
+    editors.push_back(std::make_unique<product::ReadOnlyEditor>(
+            std::make_unique<product::PropConfigEditor>(properties)));
+    return std::make_unique<product::TvFeatures>(nullptr, std::move(editors));
 }
 
 }  // namespace mlk::tree

@@ -36,6 +36,15 @@ class FixedProperties : public vendor::morlak::mlkconfigs::V1_0::implementation:
 };
 
 /**
+ * The TV features with a TV feature file. What they store goes nowhere.
+ *
+ * @param file        a path of this machine, whether or not it exists
+ * @param properties  must outlive the object
+ */
+std::unique_ptr<vendor::morlak::mlkconfigs::V1_0::implementation::TvFeatures> tvFeaturesIn(
+        const std::string& file, FixedProperties& properties);
+
+/**
  * The product's own objects for one set of a product line, as they are after a start of the service
  * on it. They read the files of the set, and write nothing: no country is saved, and what
  * TvFeatures stores goes nowhere.

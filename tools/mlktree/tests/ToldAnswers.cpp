@@ -1,0 +1,346 @@
+#include "tools/mlktree/tests/ToldAnswers.h"
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "common/Decimal.h"
+#include "frameworkconfigs/FrameworkItems.h"
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/ProjectParser.h"
+#include "regional/CountryTable.h"
+#include "tools/mlktree/answers/NamedFiles.h"
+#include "tools/mlktree/set/SetProduct.h"
+#include "tvconfigs/TvConfigItems.h"
+
+namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+namespace fs = std::filesystem;
+
+using ::android::hardware::hidl_enum_range;
+
+namespace {
+
+using Names = std::set<std::pair<std::string, std::string>>;
+
+std::string nameOf(std::string_view section, std::string_view key) {
+    return std::string(section) + " " + std::string(key);
+}
+
+void add(Told& told, const std::string& name, const std::string& value) {
+    if (!value.empty() && value != "0") {
+        told[name] = value;
+    }
+}
+
+std::string textOf(int32_t channel, int32_t frequency, int32_t bandwidth, const std::string& label,
+                   int32_t modulation) {
+    std::ostringstream text;
+    text << channel << ' ' << frequency << ' ' << bandwidth << ' ' << label << ' ' << modulation
+         << '\n';
+    return text.str();
+}
+
+// Every section with every key of the text files of a folder: more than they have as items.
+void addNames(const fs::path& folder, Names& names) {
+    std::error_code error;
+    for (const auto& entry : fs::recursive_directory_iterator(folder, error)) {
+        if (!entry.is_regular_file(error) || entry.path().extension() != ".ini") {
+            continue;
+        }
+        std::ifstream file(entry.path());
+        std::string section;
+        for (std::string line; std::getline(file, line);) {
+            if (!line.empty() && line.front() == '[') {
+                section = line.substr(0, line.find(']') + 1);
+            } else if (line.find('=') != std::string::npos) {
+                const std::string key = line.substr(0, line.find('='));
+                const size_t end = key.find_last_not_of(' ');
+                names.emplace(section, key.substr(0, end == std::string::npos ? 0 : end + 1));
+            }
+        }
+    }
+}
+
+std::string namesOf(const std::vector<_tv_country>& countries) {
+    const product::NameTable table = product::countryNames();
+    std::string text;
+    for (const _tv_country country : countries) {
+        std::string name;
+        table.firstNameOf(country, name);
+        text += name + "\n";
+    }
+    return text;
+}
+
+/** Asks the objects of one set. */
+class Asking {
+  public:
+    Asking(const ProductLine& line, const SetChoice& choice)
+        : mLine(line), mChoice(choice), mProduct(line, choice) {}
+
+    Told all() {
+        addItems();
+        addFeatures();
+        addDelays();
+        addAuxiliary();
+        addRegion();
+        return std::move(mTold);
+    }
+
+  private:
+    // A path of this machine as the files have it.
+    std::string written(const std::string& value) const {
+        const Partitions& partitions = mLine.tree().partitions();
+        for (const auto& [folder, name] :
+             {std::pair{partitions.tvconfigs, "/tvconfigs"},
+              std::pair{partitions.tvdata, "/tvdata"}, std::pair{partitions.impdata, "/impdata"}}) {
+            if (value.compare(0, folder.size(), folder) == 0) {
+                return name + value.substr(folder.size());
+            }
+        }
+        return value;
+    }
+
+    void addItems() {
+        const product::ProjectParser& items = mProduct.project().items();
+        std::ostringstream dump;
+        items.dump(dump);
+        std::istringstream lines(dump.str());
+        std::set<std::string> sections;
+        for (std::string line; std::getline(lines, line);) {
+            const size_t end = line.find("]:");
+            if (line.compare(0, 5, "    [") == 0 && end != std::string::npos) {
+                sections.insert(line.substr(4, end - 3));
+            }
+        }
+        for (const std::string& section : sections) {
+            for (const auto& [key, value] : items.getInfosByCategory(section)) {
+                const std::string path = written(value);
+                mTold["item " + nameOf(section, key)] = path;
+                if (isPartitionPath(path) && mayNameFile({section, key})) {
+                    const std::vector<uint8_t> bytes = product::ProjectParser::getTvFile(value);
+                    mTold["file " + path] =
+                            product::ProjectParser::isFileExist(value)
+                                    ? "exists " + std::string(bytes.begin(), bytes.end())
+                                    : "missing";
+                }
+            }
+        }
+        mTold["customer id"] = items.getCustomerId();
+        mTold["customer highest index"] = std::to_string(items.getProjectMaxIdx());
+        std::vector<std::string> list;
+        items.getProjectIniList(list);
+        for (const std::string& entry : list) {
+            mTold["customer project files"] += entry + "\n";
+        }
+    }
+
+    void addFeatures() {
+        const product::TvFeatures& features = mProduct.features();
+        for (const product::TvSystemRow& row : product::kTvSystems) {
+            mTold["feature " + std::string(row.method)] = std::to_string(features.get(row));
+        }
+        for (const product::TvFlagRow& row : product::kTvFlags) {
+            mTold["feature " + std::string(row.method)] = features.get(row) ? "true" : "false";
+        }
+        for (size_t i = 0; i < std::size(product::kFrameworkItems); ++i) {
+            const product::FrameworkItemRow& row = product::kFrameworkItems[i];
+            const int32_t value = mProduct.switches().get(i);
+            const bool isNumber = row.kind == product::FrameworkItemKind::NUMBER;
+            const bool isText = row.kind == product::FrameworkItemKind::TEXT;
+            mTold["framework " + std::string(row.method)] = isText       ? ""
+                                                            : isNumber   ? std::to_string(value)
+                                                            : value != 0 ? "true"
+                                                                         : "false";
+        }
+    }
+
+    void addDelays() {
+        product::SoundDelays& sounds = mProduct.project().sounds();
+        Names names;
+        addNames(mLine.tree().host("tvconfigs/audio"), names);
+        const auto ask = [&](const std::string& receiver, bool isArc) {
+            for (const auto& [section, key] : names) {
+                add(mTold, "delay " + nameOf(section, key) + " " + receiver,
+                    std::to_string(sounds.delay({section, key}, isArc)));
+            }
+        };
+        ask("", false);
+        ask("ARC", true);
+        const std::string path = mProduct.project().items().getInfo(product::item::kAvrAudio);
+        const fs::path folder = fs::path(path).parent_path();
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(folder, error)) {
+            const std::string name = entry.path().filename().string();
+            const size_t split = name.find('_', 5);
+            const bool isAvr = name.compare(0, 4, "AVR_") == 0 && split != std::string::npos &&
+                               name.size() > split + 5 &&
+                               name.compare(name.size() - 4, 4, ".ini") == 0;
+            if (isAvr) {
+                // A set of its own for each: files stay loaded.
+                SetProduct own(mLine, mChoice);
+                product::SoundDelays& mine = own.project().sounds();
+                mine.trySetAvrVendorId(name.substr(4, split - 4));
+                mine.trySetAvrOSDName(name.substr(split + 1, name.size() - 4 - split - 1));
+                for (const auto& [section, key] : names) {
+                    add(mTold, "delay " + nameOf(section, key) + " " + name,
+                        std::to_string(mine.delay({section, key}, true)));
+                }
+            }
+        }
+    }
+
+    void addAuxiliary() {
+        product::ProjectSet& set = mProduct.project();
+        Names names;
+        for (const char* folder : {"karaoke", "keys", "ddcci"}) {
+            addNames(mLine.tree().host(std::string("tvconfigs/") + folder), names);
+        }
+        for (const auto& [section, key] : names) {
+            const std::string name = nameOf(section, key);
+            const int32_t number = product::parseDecimal(set.karaoke().lookUp({section, key}));
+            add(mTold, "auxiliary karaoke " + name, std::to_string(number));
+            add(mTold, "auxiliary keys " + name, set.globalKeys().lookUp({section, key}));
+            add(mTold, "auxiliary ddcci " + name, set.customerDdcci().lookUp({section, key}));
+        }
+    }
+
+    void addRegion() {
+        const product::Region& region = mProduct.project().region();
+        add(mTold, "country countries", namesOf(region.countries()));
+        add(mTold, "country cltvCountries", namesOf(region.cltvCountries()));
+        std::string languages;
+        for (const std::string& language : region.languages()) {
+            languages += language + "\n";
+        }
+        add(mTold, "language languages", languages);
+        for (const auto type : hidl_enum_range<FreqTableType>()) {
+            const bool isCable =
+                    type == FreqTableType::DTV_CABLE || type == FreqTableType::ATV_CABLE;
+            for (const auto cable : hidl_enum_range<AtscCableType>()) {
+                if (!isCable && cable != AtscCableType::AUTO) {
+                    continue;
+                }
+                std::string channels;
+                for (const HidlFreqListItem& item : region.plan(mChoice.country, type, cable)) {
+                    const std::string label(item.label.data(),
+                                            item.label.data() + item.label.size());
+                    channels += textOf(item.channel, item.frequency, item.bandwidth, label.c_str(),
+                                       item.modulation);
+                }
+                add(mTold, "plan " + toString(type) + (isCable ? " " + toString(cable) : ""),
+                    channels);
+            }
+        }
+    }
+
+    const ProductLine& mLine;
+    const SetChoice mChoice;
+    SetProduct mProduct;
+    Told mTold;
+};
+
+void addFeatures(Told& told, const char* kind, const FeaturePiece& piece) {
+    for (const AnswerFeature& feature : piece) {
+        told[std::string(kind) + " " + std::string(feature.method)] = std::string(feature.value);
+    }
+}
+
+std::string textOf(const ListPiece& piece) {
+    std::string text;
+    for (const AnswerEntry& entry : piece) {
+        text += std::string(entry.text) + "\n";
+    }
+    return text;
+}
+
+std::string bytesOf(const Tree& tree, std::string_view path) {
+    std::ifstream file(tree.hostOfWritten(path), std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+}  // namespace
+
+Told toldBy(const LineAnswers& line, const AnswerSet& set) {
+    const AnswerPieces& pieces = line.pieces[set.pieces];
+    Told told;
+    for (const AnswerItem* const item : line.itemsOf(pieces)) {
+        const AnswerName& name = line.names[item->name];
+        told["item " + nameOf(name.section, name.key)] = std::string(item->value);
+    }
+    addFeatures(told, "feature", line.featurePiece(pieces.features));
+    addFeatures(told, "framework", line.featurePiece(pieces.framework));
+    for (const AnswerDelay& delay : line.delayPiece(pieces.delays)) {
+        const AnswerName& name = line.names[delay.name];
+        add(told, "delay " + nameOf(name.section, name.key) + " " + std::string(delay.receiver),
+            std::to_string(delay.value));
+    }
+    for (const auto& [kind, piece] :
+         {std::pair{"karaoke", pieces.karaoke}, std::pair{"keys", pieces.keys},
+          std::pair{"ddcci", pieces.ddcci}}) {
+        for (const AnswerItem& item : line.itemPiece(piece)) {
+            const AnswerName& name = line.names[item.name];
+            add(told, std::string("auxiliary ") + kind + " " + nameOf(name.section, name.key),
+                std::string(item.value));
+        }
+    }
+    add(told, "country countries", textOf(line.listPiece(pieces.countries)));
+    add(told, "country cltvCountries", textOf(line.listPiece(pieces.cltvCountries)));
+    add(told, "language languages", textOf(line.listPiece(pieces.languages)));
+    for (const AnswerPlan& plan : line.planPiece(set.plans)) {
+        std::string channels;
+        for (const AnswerChannel& channel : line.channelPiece(plan.channels)) {
+            channels += textOf(channel.channel, channel.frequency, channel.bandwidth,
+                               std::string(channel.label), channel.modulation);
+        }
+        told["plan " + std::string(plan.kind)] = channels;
+    }
+    const AnswerCustomer& customer = line.customers[set.customer];
+    told["customer id"] = std::string(customer.id.text);
+    told["customer highest index"] = std::to_string(customer.highestIndex);
+    if (!customer.projectFiles.empty()) {
+        told["customer project files"] = textOf(customer.projectFiles);
+    }
+    return told;
+}
+
+Told filesTold(const LineAnswers& line, const Tree& tree, const Told& told) {
+    Told files;
+    for (const AnswerFile& file : line.files) {
+        for (const auto& [name, value] : told) {
+            if (value == file.path && name.compare(0, 5, "item ") == 0) {
+                files["file " + value] =
+                        file.exists ? "exists " + bytesOf(tree, file.path) : "missing";
+            }
+        }
+    }
+    return files;
+}
+
+Told toldByProduct(const ProductLine& line, const SetChoice& choice) {
+    return Asking(line, choice).all();
+}
+
+SetChoice choiceOf(const ProductLine& line, const LineAnswers& answers, const AnswerSet& set) {
+    SetChoice choice;
+    choice.customer = &line.customers()[set.customer];
+    choice.board = &line.boards()[set.board];
+    size_t number = 0;
+    for (const Model& model : line.models()) {
+        if (model.counts && number++ == set.model) {
+            choice.model = &model;
+        }
+    }
+    if (set.country != kNone) {
+        const std::string name(answers.countries[set.country]);
+        choice.country = _tv_country{*product::countryNames().find(name)};
+    }
+    return choice;
+}
+
+}  // namespace mlk::tree

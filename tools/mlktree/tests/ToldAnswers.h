@@ -1,0 +1,34 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "tools/mlktree/ProductLine.h"
+#include "tools/mlktree/answers/LineAnswers.h"
+#include "tools/mlktree/set/SetModel.h"
+
+namespace mlk::tree {
+
+/**
+ * What a set answers, by what is asked: "item [PANEL] m_pPanelName", "delay [ARC] ...",
+ * "plan DTV_ANTENNA". Two tellers of it agree if their maps are equal. Values that a service gives
+ * for whatever it does not know, such as the delay 0, are left out.
+ */
+using Told = std::map<std::string, std::string>;
+
+/** What the answers of a line tell of one of its sets. */
+Told toldBy(const LineAnswers& line, const AnswerSet& set);
+
+/** The files that these items name, with their bytes, if the answers know them. */
+Told filesTold(const LineAnswers& line, const Tree& tree, const Told& told);
+
+/**
+ * What the product's own objects tell of a set, without the model of answers. Items of sound and
+ * auxiliary files are asked for by every name that such a file of the tree has.
+ */
+Told toldByProduct(const ProductLine& line, const SetChoice& choice);
+
+/** The choice of a set, by its names. */
+SetChoice choiceOf(const ProductLine& line, const LineAnswers& answers, const AnswerSet& set);
+
+}  // namespace mlk::tree
