@@ -45,9 +45,10 @@ constexpr ConfigKey kDeciding[] = {
 };
 using DecidingValues = std::array<std::string_view, std::size(kDeciding)>;
 
-/** Countries that bring the same items by the same lines. */
+/** Countries that bring the same items. */
 struct CountryClass {
-    std::vector<BroughtItem> items;
+    std::vector<BroughtItem> items;   // without a line if each country has a line of its own
+    uint32_t byCountry = kNone;       // number in LineAnswers::placesByCountry
     std::vector<uint32_t> countries;  // numbers in LineAnswers::countries; kNone for no country
 };
 
@@ -211,7 +212,7 @@ void AnswersBuilder::addSetsOf(const Pair& pair, const CountryClass& countries) 
     }
     AnswerPieces pieces;
     pieces.items = {mMaker.project(pair.modelFile), mMaker.project(pair.boardFile),
-                    mMaker.brought(brought)};
+                    mMaker.brought(brought, countries.byCountry)};
     pieces.features = mMaker.features(present[TV_CONFIG]);
     pieces.framework = mMaker.framework();
     // The service loads these before it applies the country; only the folder of AVRs is looked up
@@ -251,20 +252,28 @@ const std::vector<CountryClass>& AnswersBuilder::classesOf(std::string_view tvSy
         all.push_back(i);
     }
     if (all.empty() || tvSystems.empty()) {
-        classes.push_back({{}, all.empty() ? std::vector<uint32_t>{kNone} : all});
+        classes.push_back({{}, kNone, all.empty() ? std::vector<uint32_t>{kNone} : all});
         return classes;
     }
-    const CountryItems items(mFiles->tvSystems(mFiles->pathOf(tvSystems)));
-    std::map<std::vector<const ReadLine*>, size_t> known;
+    const TvSystemFiles& files = mFiles->tvSystems(mFiles->pathOf(tvSystems));
+    const CountryItems items(files);
+    const auto byCountry = static_cast<uint32_t>(mAnswers.placesByCountry.size());
+    std::vector<AnswerPlace>& places = mAnswers.placesByCountry.emplace_back(all.size());
+    std::map<std::vector<std::pair<const ReadLine*, std::string_view>>, size_t> known;
     for (const uint32_t country : all) {
         CountryBrings brings = items.of(mCountries[country]);
-        std::vector<const ReadLine*> lines;
-        for (const BroughtItem& item : brings.items) {
-            lines.push_back(item.line);
+        std::vector<std::pair<const ReadLine*, std::string_view>> lines;
+        for (BroughtItem& item : brings.items) {
+            if (item.file == files.map) {
+                // Of the country's own record, so that only the place tells countries apart.
+                places[country] = mMaker.placeOf(item.file, item.line);
+                item.line = nullptr;
+            }
+            lines.emplace_back(item.line, item.value);
         }
         const auto [found, isFirst] = known.try_emplace(lines, classes.size());
         if (isFirst) {
-            classes.push_back({std::move(brings.items), {}});
+            classes.push_back({std::move(brings.items), byCountry, {}});
         }
         classes[found->second].countries.push_back(country);
     }

@@ -95,6 +95,13 @@ const PlanPiece& LineAnswers::planPiece(uint32_t number) const {
     return pieceOf(plans, number);
 }
 
+AnswerPlace LineAnswers::placeOf(const AnswerItem& item, const AnswerSet& set) const {
+    if (item.place.file != kPlaceByCountry) {
+        return item.place;
+    }
+    return set.country == kNone ? AnswerPlace() : placesByCountry[item.place.line][set.country];
+}
+
 std::string_view LineAnswers::pathOf(const AnswerPlace& place) const {
     return place.isKnown() ? std::string_view(places[place.file]) : std::string_view();
 }

@@ -16,10 +16,14 @@ class ProductLine;
 /** The number of what is not there: a piece, a model, a file. */
 inline constexpr uint32_t kNone = UINT32_MAX;
 
+/** AnswerPlace::file of a value that each country's own record gives. */
+inline constexpr uint32_t kPlaceByCountry = kNone - 1;
+
 /** Where a value stands. */
 struct AnswerPlace {
-    uint32_t file = kNone; /**< number in LineAnswers::places; kNone if no file gives the value */
-    uint32_t line = 0;
+    /** Number in LineAnswers::places; kNone if no file gives the value; kPlaceByCountry. */
+    uint32_t file = kNone;
+    uint32_t line = 0; /**< for kPlaceByCountry: number in LineAnswers::placesByCountry */
 
     bool isKnown() const { return file != kNone; }
 };
@@ -33,6 +37,7 @@ struct AnswerName {
 /** The value of an item; paths as written: "/tvconfigs/...". */
 struct AnswerItem {
     uint32_t name = 0; /**< number in LineAnswers::names */
+    /** Ask LineAnswers::placeOf(), because a country's item may have a place for each country. */
     AnswerPlace place = {};
     std::string_view value;
 };
@@ -191,7 +196,9 @@ struct LineAnswers {
     LineAnswers& operator=(const LineAnswers&) = delete;
 
     std::vector<std::string> places; /**< the files that have values, relative to the tree */
-    std::vector<AnswerName> names;   /**< in the order of sections, then keys, by their bytes */
+    /** For items that each country's record gives: the place for each country. */
+    std::vector<std::vector<AnswerPlace>> placesByCountry;
+    std::vector<AnswerName> names; /**< in the order of sections, then keys, by their bytes */
 
     std::vector<AnswerCustomer> customers;
     std::vector<AnswerModel> models; /**< by customer, then in the order of the system file */
@@ -224,6 +231,9 @@ struct LineAnswers {
     const ListPiece& listPiece(uint32_t number) const;
     const ChannelPiece& channelPiece(uint32_t number) const;
     const PlanPiece& planPiece(uint32_t number) const;
+
+    /** The place of an item of a set; never kPlaceByCountry. */
+    AnswerPlace placeOf(const AnswerItem& item, const AnswerSet& set) const;
 
     /** Path of the file of a place, relative to the tree; empty if the place is unknown. */
     std::string_view pathOf(const AnswerPlace& place) const;

@@ -38,8 +38,8 @@ uint32_t PieceMaker::project(const FileLines* file) {
     return file == nullptr ? kNone : numberOf(mProjects, mAnswers.items, file);
 }
 
-uint32_t PieceMaker::brought(const std::vector<const BroughtItem*>& items) {
-    return items.empty() ? kNone : numberOf(mBrought, mAnswers.items, items);
+uint32_t PieceMaker::brought(const std::vector<const BroughtItem*>& items, uint32_t byCountry) {
+    return items.empty() ? kNone : numberOf(mBrought, mAnswers.items, {items, byCountry});
 }
 
 uint32_t PieceMaker::auxiliary(std::string_view value, bool isNumbers) {
@@ -115,10 +115,13 @@ void PieceMaker::makeItems() {
             }
         }
     }
-    for (const auto& [items, number] : mBrought) {
-        for (const BroughtItem* const item : items) {
-            mAnswers.items[number].push_back({mNames.of(item->section, item->key),
-                                              placeOf(item->file, item->line), item->value});
+    for (const auto& [key, number] : mBrought) {
+        for (const BroughtItem* const item : key.first) {
+            const AnswerPlace place = item->line != nullptr
+                                              ? placeOf(item->file, item->line)
+                                              : AnswerPlace{kPlaceByCountry, key.second};
+            mAnswers.items[number].push_back(
+                    {mNames.of(item->section, item->key), place, item->value});
         }
     }
 }

@@ -28,8 +28,12 @@ class PieceMaker {
 
     /** The items of a project or board file; kNone for null. */
     uint32_t project(const FileLines* file);
-    /** Some items of a country, of which a later one replaces an earlier one of its name. */
-    uint32_t brought(const std::vector<const BroughtItem*>& items);
+    /**
+     * Some items of a country, of which a later one replaces an earlier one of its name.
+     *
+     * @param byCountry  number in LineAnswers::placesByCountry, for items without a line
+     */
+    uint32_t brought(const std::vector<const BroughtItem*>& items, uint32_t byCountry);
     /** The items of the file that a value names; as numbers, or as texts. */
     uint32_t auxiliary(std::string_view value, bool isNumbers);
     /** The TV features of sets with that value of "[LiveTV]" "TvConfig". */
@@ -73,7 +77,7 @@ class PieceMaker {
 
     // What pieces depend on, with their numbers.
     Numbers<const FileLines*> mProjects;
-    Numbers<std::vector<const BroughtItem*>> mBrought;
+    Numbers<std::pair<std::vector<const BroughtItem*>, uint32_t>> mBrought;
     Numbers<std::pair<std::string_view, bool>> mAuxiliary;
     Numbers<std::string_view> mFeatures;
     uint32_t mFramework = kNone;
