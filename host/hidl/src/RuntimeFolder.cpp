@@ -34,21 +34,31 @@ constexpr std::chrono::milliseconds kHelloLimit{5000};
 constexpr std::chrono::milliseconds kNoLimit{0};
 constexpr std::chrono::milliseconds kLeast{1};
 
+// Whether the variable has a value.
+bool isSet(const char* variable) {
+    const char* value = getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
 std::string runtimePath() {
-    const char* own = getenv("MLK_RUNTIME_DIR");
-    if (own != nullptr && *own != '\0') {
+    if (isSet("MLK_RUNTIME_DIR")) {
         // With a slash at its end the folder would be its own parent.
-        std::string path = own;
+        std::string path = getenv("MLK_RUNTIME_DIR");
         while (path.size() > 1 && path.back() == '/') {
             path.pop_back();
         }
         return path;
     }
-    const char* session = getenv("XDG_RUNTIME_DIR");
-    if (session != nullptr && *session != '\0') {
-        return std::string(session) + "/mlkconfigs";
+    if (isSet("XDG_RUNTIME_DIR")) {
+        return std::string(getenv("XDG_RUNTIME_DIR")) + "/mlkconfigs";
     }
     return "/run/mlkconfigs";
+}
+
+// Only root may create the default folder, so another user is told what to set.
+const char* advice() {
+    const bool isDefault = !isSet("MLK_RUNTIME_DIR") && !isSet("XDG_RUNTIME_DIR");
+    return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to a folder of your own" : "";
 }
 
 // Opens the existing folder; 0 or an errno.
@@ -77,10 +87,14 @@ RuntimeFolder makeRuntimeFolder() {
     if (path.has_parent_path()) {
         std::filesystem::create_directories(path.parent_path(), ignored);
     }
-    (void)mkdir(path.c_str(), 0700);
-    const int error = openFolder(&folder);
+    const int made = mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+    int error = openFolder(&folder);
+    if (error == ENOENT && made != 0) {
+        error = made;
+    }
     if (error != 0) {
-        ALOGE("%s: cannot use the runtime folder: %s", folder.path.c_str(), strerror(error));
+        ALOGE("%s: cannot use the runtime folder: %s%s", folder.path.c_str(), strerror(error),
+              advice());
     } else if (!isOursOrRoots(folder.owner)) {
         ALOGE("%s: the runtime folder belongs to user %u", folder.path.c_str(), folder.owner);
         folder.descriptor.reset();

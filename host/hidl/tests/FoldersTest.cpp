@@ -128,6 +128,27 @@ TEST_F(FoldersTest, FileInItsPlace) {
     EXPECT_FALSE(works());
 }
 
+TEST_F(FoldersTest, AUserWhoCannotMakeTheDefaultIsToldWhatToSet) {
+    if (geteuid() != 0 || std::filesystem::exists("/run/mlkconfigs")) {
+        GTEST_SKIP() << "only root can become another user, who must have to make the folder";
+    }
+    unsetenv("MLK_RUNTIME_DIR");
+    unsetenv("XDG_RUNTIME_DIR");
+    const testing::LogCapture log;
+    ASSERT_EQ(seteuid(65534), 0);
+    const bool isMade = transport::makeRuntimeFolder().descriptor.ok();
+    setenv("XDG_RUNTIME_DIR", "/proc/none", 1);
+    (void)transport::makeRuntimeFolder();
+    ASSERT_EQ(seteuid(0), 0);
+    use(mSet.runtime());
+    EXPECT_FALSE(isMade);
+    EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidl"),
+                ElementsAre("/run/mlkconfigs: cannot use the runtime folder: Permission denied; "
+                            "set MLK_RUNTIME_DIR to a folder of your own",
+                            "/proc/none/mlkconfigs: cannot use the runtime folder: No such file "
+                            "or directory"));
+}
+
 TEST_F(FoldersTest, FolderInPlaceOfTheName) {
     const std::string name = "mlk.test.everything@1.0::IEverything.default";
     (void)mSet.dir().mkdir("run/" + name);
