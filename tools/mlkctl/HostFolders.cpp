@@ -123,6 +123,19 @@ std::string propertyFile(const std::string& key) {
     return kIsHost ? propertyFolder() + '/' + key : std::string();
 }
 
+std::string aboutMissingSet() {
+    if (!kIsHost) {
+        return {};
+    }
+    const std::string root = variable("MLK_ROOT");
+    const auto exists = [](const std::string& path) { return readFolder(path).error != ENOENT; };
+    if (exists(root + "/tvconfigs") || exists(propertyFolder())) {
+        return {};
+    }
+    return "no product line in " + (root.empty() ? "/ (MLK_ROOT is not set)" : "MLK_ROOT=" + root) +
+           ": there is neither a folder " + root + "/tvconfigs nor " + propertyFolder();
+}
+
 std::string aboutProperties() {
     if (!kIsHost) {
         return {};

@@ -26,6 +26,12 @@ std::string aboutSocket(const std::string& name);
 /** The file of a property. */
 std::string propertyFile(const std::string& key);
 
+/**
+ * What was looked for if MLK_ROOT names a folder that is no set: one that has neither tvconfigs/ nor
+ * a property store. Empty for a set.
+ */
+std::string aboutMissingSet();
+
 /** The folder of the properties, and why there are none: "/x/data/property does not exist". */
 std::string aboutProperties();
 

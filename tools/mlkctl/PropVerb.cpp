@@ -43,7 +43,8 @@ Output:
 Exit status:
   0  done
   1  the property cannot be set, or the set has no property to list
-  2  the command line is wrong
+  2  the command line is wrong; or, on a host, get or set found that MLK_ROOT is no set: it has
+     neither tvconfigs/ nor data/property/
 
 Examples:
   mlkctl prop list | grep mlk
@@ -76,10 +77,19 @@ ExitStatus list(const std::vector<std::string>& words, Environment& environment)
     return ExitStatus::ANSWERED;
 }
 
+// Ends a command on a folder that is no set, which would be taken for an empty one.
+void refuseOtherFolders() {
+    const std::string missing = aboutMissingSet();
+    if (!missing.empty()) {
+        throw usage(missing);
+    }
+}
+
 void get(const std::vector<std::string>& words, Output& output) {
     if (words.size() != 1) {
         throw usage("prop get takes one argument: KEY");
     }
+    refuseOtherFolders();
     std::array<char, PROPERTY_VALUE_MAX> value{};
     property_get(words[0].c_str(), value.data(), "");
     output.line(output.isTerminal() ? printable(value.data()) : value.data());
@@ -114,6 +124,7 @@ void set(const std::vector<std::string>& words) {
         throw usage("VALUE has at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +
                     " bytes; there are " + std::to_string(value.size()));
     }
+    refuseOtherFolders();
     errno = 0;
     if (property_set(words[0].c_str(), value.c_str()) != 0) {
         const int error = errno;

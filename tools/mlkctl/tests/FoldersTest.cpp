@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 
 #include "host/hidl/src/RuntimeFolder.h"
@@ -142,6 +143,43 @@ TEST(FoldersTest, APropertyThatCannotBeSetNamesItsFile) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "mlkctl: cannot set \"a.key\": " + set.dir().path("blocked") +
                                    "/data/property/a.key: Not a directory\n");
+}
+
+// A mistyped MLK_ROOT is not made a set, and is not taken for one without properties.
+TEST(FoldersTest, PropertiesOfAFolderThatIsNoSetAreRefused) {
+    const HostSet set;
+    set.dir().mkdir("other");
+    const std::string other = set.dir().path("other");
+    const Variable root("MLK_ROOT", other.c_str());
+    Script script;
+    const std::string refused = "mlkctl: no product line in MLK_ROOT=" + other +
+                                ": there is neither a folder " + other + "/tvconfigs nor " + other +
+                                "/data/property\n";
+    const Outcome get = runMlkctl({"prop", "get", "a.key"}, script);
+    EXPECT_EQ(get.status, 2);
+    EXPECT_EQ(get.out + get.err, refused);
+    const Outcome setting = runMlkctl({"prop", "set", "a.key", "1"}, script);
+    EXPECT_EQ(setting.status, 2);
+    EXPECT_EQ(setting.out + setting.err, refused);
+    EXPECT_TRUE(std::filesystem::is_empty(other));
+    // A new set has no store yet; a service on a device without partitions has made one.
+    for (const char* folder : {"other/tvconfigs", "other/data/property"}) {
+        set.dir().mkdir(folder);
+        EXPECT_EQ(runMlkctl({"prop", "set", "a.key", "1"}, script).err, "");
+        std::filesystem::remove_all(set.dir().path("other/data"));
+        std::filesystem::remove_all(set.dir().path("other/tvconfigs"));
+    }
+}
+
+TEST(FoldersTest, TheMissingSetOfTheRootNamesTheVariable) {
+    const HostSet set;
+    const Variable root("MLK_ROOT", "");
+    const std::string text = aboutMissingSet();
+    if (!text.empty()) {  // this machine has no partitions
+        EXPECT_EQ(text,
+                  "no product line in / (MLK_ROOT is not set): there is neither a folder "
+                  "/tvconfigs nor /data/property");
+    }
 }
 
 // Only root may create the default folder, so another user is told what to set.
