@@ -40,10 +40,11 @@ never options: -3 and --foo are values, and so is an empty word.
 
 Options:
   --raw       print the bytes of an answer as they are; on a terminal, with control characters
-              but newline and tab escaped. Also allowed as the last word, after all arguments of
-              getTvFile or getVendorPartitionFile.
+              but newline and tab escaped
   --plain     print the bare value, as a script wants it: a text's bytes, a number, true or false;
               of a list a line for each, of an item KEY=VALUE, of a channel its fields with tabs
+              After all arguments of METHOD, --raw (of a method that answers bytes) or --plain is
+              also allowed as the last word.
   --timeout SECONDS
               how long the service may take to be found, and how long to answer: 0 to 86400,
               fractions allowed; default 30
@@ -146,8 +147,8 @@ class CallVerb : public Verb {
         }
         // There is one word more than arguments, so the last one is not an argument.
         const bool isOneMore = arguments.size() == method.call.words.size() + 1;
-        if (method.call.hasBytes && isOneMore && words.back() == "--raw") {
-            mRaw = true;
+        if (isOneMore && words.back() == (method.call.hasBytes ? "--raw" : "--plain")) {
+            (method.call.hasBytes ? mRaw : mPlain) = true;
             arguments.pop_back();
         }
         if (mPlain && (mRaw || method.call.hasBytes)) {

@@ -13,13 +13,14 @@ namespace {
 
 constexpr const char* kHelp = R"(mlkctl get - an item of the selected project
 
-Usage: mlkctl get [--plain] [--timeout SECONDS] SECTION [KEY]
+Usage: mlkctl get [--plain] [--timeout SECONDS] SECTION [KEY] [--plain]
 
 Shows an item of the selected project, or all items of a section. It asks IMlkProjectConfigs, with
 getConfig or getConfigsByCategory.
 
 SECTION may be written with its brackets or without them. Without, the section of exactly this name
-is meant if there is one, else the one with brackets. Words after the options are taken as they are.
+is meant if there is one, else the one with brackets. Words after the options are taken as they are,
+but for a last word --plain; after `get --` that is a KEY, too.
 
 Options:
   --plain            the bare value, as a script wants it
@@ -60,7 +61,14 @@ class GetVerb : public Verb {
         return argumentCandidates(projectInterface().method("getConfig"), at.before, at);
     }
 
-    ExitStatus run(const std::vector<std::string>& words, Environment& environment) override {
+    void endOptions() override { mMayEndPlain = false; }
+
+    ExitStatus run(const std::vector<std::string>& given, Environment& environment) override {
+        std::vector<std::string> words = given;
+        if (mMayEndPlain && words.size() > 1 && words.back() == "--plain") {
+            mPlain = true;
+            words.pop_back();
+        }
         if (words.empty() || words.size() > 2) {
             throw usage("get takes SECTION and maybe KEY");
         }
@@ -126,6 +134,7 @@ class GetVerb : public Verb {
         return "there is no item " + section + (key ? ' ' + *key : "");
     }
 
+    bool mMayEndPlain = true;
     bool mPlain = false;
     std::string mSeconds = kDefaultTimeout;
 };

@@ -2,6 +2,7 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 
+#include <algorithm>
 #include <array>
 
 #include "tools/mlkctl/Ask.h"
@@ -64,6 +65,12 @@ Mounts mountsOf(Services& services) {
         }
         return Mounts(std::move(mounts));
     });
+}
+
+bool beginsAPartition(std::string_view text) {
+    return text.size() > 1 && std::any_of(kNames.begin(), kNames.end(), [text](auto name) {
+               return std::string_view(name).substr(0, text.size()) == text;
+           });
 }
 
 bool beginsWithPartition(std::string_view path) {

@@ -47,6 +47,9 @@ class Mounts {
 /** Asks the service. Throws Failure as Services::ask does. */
 Mounts mountsOf(Services& services);
 
+/** Whether a text of two characters or more is the beginning of a partition's name: "/tv". */
+bool beginsAPartition(std::string_view text);
+
 /** Whether a path begins with a partition's name, with or without a slash in front. */
 bool beginsWithPartition(std::string_view path);
 

@@ -35,14 +35,17 @@ Candidates entriesAt(const std::string& path) {
 Candidates pathCandidates(const Completing& at) {
     Candidates candidates = entriesAt(at.current);
     const bool isEmpty = at.current.empty();
-    if (!isEmpty && (!candidates.empty() || !beginsWithPartition(at.current))) {
+    const bool isPart = beginsAPartition(at.current);
+    if (!isEmpty && (!candidates.empty() || !(isPart || beginsWithPartition(at.current)))) {
         return candidates;
     }
     try {
         const Mounts mounts = mountsOf(at.services);
-        if (isEmpty) {
+        if (isEmpty || isPart) {
             for (const Mounts::Mount& mount : mounts.all()) {
-                candidates.push_back({mount.mountPoint + '/', mount.name});
+                if (mount.name.rfind(at.current, 0) == 0) {
+                    candidates.push_back({mount.mountPoint + '/', mount.name});
+                }
             }
         } else if (const auto meant = mounts.find(at.current)) {
             return entriesAt(meant->path);
@@ -54,7 +57,7 @@ Candidates pathCandidates(const Completing& at) {
 }
 
 bool standsForPath(const std::string& word, const Candidates& candidates) {
-    return beginsWithPartition(word) && !candidates.empty() &&
+    return (beginsAPartition(word) || beginsWithPartition(word)) && !candidates.empty() &&
            std::all_of(candidates.begin(), candidates.end(), [&word](const Candidate& candidate) {
                return candidate.value.front() == '/' && candidate.value.rfind(word, 0) != 0;
            });

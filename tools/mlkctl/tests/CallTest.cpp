@@ -251,6 +251,10 @@ TEST(CallTest, PlainPrintsTheBareValue) {
     EXPECT_EQ(plain({"--raw", "getTvFile", "x"}),
               "2 mlkctl: IMlkProjectConfigs getTvFile: --plain and --raw are two forms; one is "
               "possible\n");
+    EXPECT_EQ(runMlkctl({"call", "getPanelName", "--plain"}, script).out, "getPanelName\n");
+    EXPECT_EQ(runMlkctl({"call", "getConfig", "[A]", "--plain"}, script).out,
+              "{\"success\":true,\"value\":\"getConfig\"}\n");
+    EXPECT_THAT(script.calls.back(), ElementsAre("getConfig", "[A]", "--plain"));
     script.emptyTexts = true;
     EXPECT_EQ(plain({"getPanelName"}), "1 ");
     script.success = false;

@@ -215,6 +215,10 @@ TEST(CompletionTest, CompletesPaths) {
     // A path as the partitions' files have it stands for the one below the mount point.
     EXPECT_EQ(paths("/tvconfigs/cust"), both);
     EXPECT_EQ(paths("/tvconfigs/zebra"), Words());
+    EXPECT_EQ(paths("/tvc"), Words{set.tvconfigs() + "/"});
+    EXPECT_EQ(paths("/tvconfigs"), Words{set.tvconfigs() + "/"});
+    EXPECT_THAT(paths("/tv"), Contains(set.tvconfigs() + "/"));
+    EXPECT_EQ(paths("/tvx"), Words());
     EXPECT_EQ(paths("/no/such"), Words());
 }
 

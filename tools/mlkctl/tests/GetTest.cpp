@@ -100,6 +100,14 @@ TEST_F(GetTest, PlainIsTheBareValue) {
     EXPECT_EQ(got({"--plain", "LiveTV"}), "Empty=\nTvConfig=/tv.config\n");
 }
 
+TEST_F(GetTest, PlainMayBeTheLastWord) {
+    EXPECT_EQ(got({"LiveTV", "TvConfig", "--plain"}), "/tv.config\n");
+    EXPECT_EQ(got({"LiveTV", "--plain"}), "Empty=\nTvConfig=/tv.config\n");
+    EXPECT_EQ(get({"--", "LiveTV", "--plain"}).err, "mlkctl: [LiveTV] has no key \"--plain\"\n");
+    EXPECT_EQ(get({"--plain"}).status, 2);
+    EXPECT_EQ(get({"a", "b", "c", "--plain"}).status, 2);
+}
+
 TEST_F(GetTest, ASectionWithoutBracketsComesFirst) {
     EXPECT_EQ(got({"--plain", "PANEL", "Name"}), "without\n");
     EXPECT_EQ(got({"--plain", "[PANEL]", "Name"}), "with brackets\n");
