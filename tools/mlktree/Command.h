@@ -22,6 +22,7 @@ enum class Completion {
     NOTHING,
     FILE,
     FOLDER,
+    TREE_FILE, /**< a path of the tree, or else a file */
     CHOICE, /**< Option::choices */
     COMMAND,
     RULE,

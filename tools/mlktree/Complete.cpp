@@ -20,6 +20,7 @@ struct Before {
     Arguments given;
     const Option* open = nullptr;  // an option whose value is the word
     bool hasEnded = false;         // "--" came: no options follow
+    std::string word;              // as far as it is typed
 };
 
 Before read(const Command& command, const std::vector<std::string>& words) {
@@ -64,6 +65,39 @@ void addCommands(std::vector<Candidate>& out) {
     }
 }
 
+const std::vector<std::string>& explainedTopics() {
+    static const std::vector<std::string> kTopics = {"feature", "audio", "country", "file"};
+    return kTopics;
+}
+
+// Sections, without their brackets unless somebody types them or the rest is another word.
+void addSections(std::vector<Candidate>& out, std::vector<Candidate> sections,
+                 const std::string& word) {
+    const bool isBracketed = !word.empty() && word.front() == '[';
+    const auto& topics = explainedTopics();
+    for (Candidate& section : sections) {
+        std::string& name = section.word;
+        const bool hasBrackets = name.size() > 2 && name.front() == '[' && name.back() == ']';
+        const std::string bare = hasBrackets ? name.substr(1, name.size() - 2) : name;
+        if (!isBracketed && std::find(topics.begin(), topics.end(), bare) == topics.end()) {
+            name = bare;
+        }
+        out.push_back(std::move(section));
+    }
+}
+
+// Paths as they are typed: relative to the tree, or as the partitions' files have them.
+void addTreeFiles(Candidates& out, std::vector<Candidate> paths, const std::string& word) {
+    const bool isWritten = !word.empty() && word.front() == '/';
+    bool hasOne = false;
+    for (Candidate& path : paths) {
+        path.word.insert(0, isWritten ? "/" : "");
+        hasOne = hasOne || path.word.compare(0, word.size(), word) == 0;
+        out.words.push_back(std::move(path));
+    }
+    out.files = out.files || !hasOne;
+}
+
 void add(Candidates& out, Completion kind, const Before& before, TreeNames& names) {
     switch (kind) {
         case Completion::NOTHING:
@@ -80,8 +114,8 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
         case Completion::RULE:
             return addRules(out.words);
         case Completion::EXPLAINED:
-            for (const char* word : {"feature", "audio", "country", "file"}) {
-                out.words.push_back({word, ""});
+            for (const std::string& topic : explainedTopics()) {
+                out.words.push_back({topic, ""});
             }
             return;
         case Completion::SHELL:
@@ -92,6 +126,12 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
         default:
             const std::vector<std::string>& words = before.given.words();
             const auto found = names.of(kind, before.given, words.empty() ? "" : words.back());
+            if (kind == Completion::SECTION || kind == Completion::SOUND_SECTION) {
+                return addSections(out.words, found, before.word);
+            }
+            if (kind == Completion::TREE_FILE) {
+                return addTreeFiles(out, found, before.word);
+            }
             out.words.insert(out.words.end(), found.begin(), found.end());
     }
 }
@@ -147,7 +187,8 @@ Candidates candidatesFor(const std::vector<std::string>& words, TreeNames& names
         return found;
     }
     const std::string& word = words.back();
-    const Before before = read(*command, {words.begin() + 1, words.end() - 1});
+    Before before = read(*command, {words.begin() + 1, words.end() - 1});
+    before.word = word;
     if (before.open != nullptr) {
         addValues(found, *before.open, before, names);
         return found;

@@ -29,7 +29,8 @@ class TreeNames {
     TreeNames& operator=(const TreeNames&) = delete;
 
     /**
-     * Names of that kind: MODEL, BOARD, CUSTOMER, COUNTRY, PROPERTY, SECTION, KEY, FEATURE.
+     * Names of that kind: MODEL, BOARD, CUSTOMER, COUNTRY, PROPERTY, SECTION, KEY, FEATURE,
+     * SOUND_SECTION, SOUND_KEY, TREE_FILE. Sections have brackets; paths are relative to the tree.
      *
      * @param given    what the command line says so far
      * @param section  of KEY

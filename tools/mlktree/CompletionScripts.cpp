@@ -7,15 +7,19 @@ namespace {
 // Each script hands the words of the command line to `mlktree complete`, which knows the rest.
 // A line ":files" or ":folders" asks the shell for its own.
 
+// Words keep the quotes that the user typed. The one that is being typed may have an open quote:
+// then bash quotes the rest, else the script does.
 constexpr std::string_view kBash = R"bash(# bash completion for mlktree
 
 _mlktree() {
-    local IFS=$'\n' current=${COMP_WORDS[COMP_CWORD]} line offered
+    local IFS=$'\n' typed=${COMP_WORDS[COMP_CWORD]} current line offered
     local -a words=("${COMP_WORDS[@]:1:COMP_CWORD-1}")
+    words=("${words[@]//[\'\"\\]/}")
     # "=" is a word of its own to bash, and to mlktree part of the option.
-    if [[ $current == = ]]; then
-        current=
+    if [[ $typed == = ]]; then
+        typed=
     fi
+    current=${typed//[\'\"\\]/}
     COMPREPLY=()
     offered=$("${COMP_WORDS[0]}" complete -- "${words[@]}" "$current" 2>/dev/null) || return
     for line in $offered; do
@@ -28,7 +32,11 @@ _mlktree() {
                 compopt -o filenames 2>/dev/null
                 COMPREPLY+=($(compgen -d -- "$current"))
                 ;;
-            *) COMPREPLY+=("$(printf %q "${line%%$'\t'*}")") ;;
+            *)
+                line=${line%%$'\t'*}
+                [[ $typed == [\'\"]* ]] || printf -v line %q "$line"
+                COMPREPLY+=("$line")
+                ;;
         esac
     done
 }
@@ -41,7 +49,7 @@ constexpr std::string_view kZsh = R"zsh(#compdef mlktree
 _mlktree() {
     local line
     local -a offered words_only described
-    offered=("${(@f)$("${words[1]}" complete -- "${(@)words[2,CURRENT]}" 2>/dev/null)}")
+    offered=("${(@f)$("${words[1]}" complete -- "${(@)words[2,CURRENT]//[\'\"\\]/}" 2>/dev/null)}")
     for line in "${offered[@]}"; do
         case $line in
             '') ;;
@@ -67,7 +75,7 @@ constexpr std::string_view kFish = R"fish(# fish completion for mlktree
 
 function __mlktree_complete
     set -l words (commandline -opc)
-    set -l current (commandline -ct)
+    set -l current (commandline -ct | string replace -ra '[\'"\\\\]' '')
     for line in ($words[1] complete -- $words[2..-1] "$current" 2>/dev/null)
         switch $line
             case ':files'

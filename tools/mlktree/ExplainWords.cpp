@@ -28,7 +28,7 @@ const std::vector<Form>& forms() {
              {Completion::SOUND_SECTION, Completion::SOUND_KEY},
              true},
             {"country", Question::Kind::COUNTRY, {"NAME"}, {Completion::COUNTRY}, true},
-            {"file", Question::Kind::FILE, {"PATH"}, {Completion::FILE}, false},
+            {"file", Question::Kind::FILE, {"PATH"}, {Completion::TREE_FILE}, false},
     };
     return kForms;
 }

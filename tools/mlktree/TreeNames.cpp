@@ -50,6 +50,22 @@ std::vector<Candidate> namesInLines(const ProductLine& line, Completion kind,
     return found;
 }
 
+// The files that were read, and those that lines name.
+std::vector<Candidate> filesIn(const ProductLine& line) {
+    std::set<std::string_view> paths;
+    for (const auto& [path, file] : line.files()) {
+        paths.insert(path);
+    }
+    for (const auto& [path, namings] : line.namedPaths()) {
+        paths.insert(path);
+    }
+    std::vector<Candidate> found;
+    for (const std::string_view path : paths) {
+        found.push_back({std::string(path), ""});
+    }
+    return found;
+}
+
 std::vector<Candidate> namesIn(const OpenTree& tree, Completion kind, const std::string& section) {
     std::vector<Candidate> found;
     const auto pathOf = [](const FileLines* file) {
@@ -86,6 +102,8 @@ std::vector<Candidate> namesIn(const OpenTree& tree, Completion kind, const std:
                 found.push_back({key + "=", tree.properties().get(key.c_str())});
             }
             return found;
+        case Completion::TREE_FILE:
+            return filesIn(tree.line());
         default:
             return namesInLines(tree.line(), kind, section);
     }

@@ -36,6 +36,10 @@ class FakeNames : public TreeNames {
                 return {{"GERMANY", ""}, {"GREECE", ""}};
             case Completion::PROPERTY:
                 return {{"ro.hardware=", "skerry"}};
+            case Completion::SECTION:
+                return {{"[LiveTV]", ""}, {"[audio]", ""}, {"loose", ""}};
+            case Completion::TREE_FILE:
+                return {{"tvconfigs/customer.ini", ""}, {"tvconfigs/tv.config", ""}};
             default:
                 return {};
         }
@@ -100,6 +104,21 @@ TEST(CompleteTest, OffersWords) {
     EXPECT_THAT(offered({"check", "tree", ""}), IsEmpty());
     EXPECT_THAT(offered({"rules", "missing-f"}), ElementsAre("missing-file"));
     EXPECT_THAT(offered({"completion", ""}), ElementsAre("bash", "zsh", "fish"));
+}
+
+TEST(CompleteTest, OffersSectionsAsTheyAreTyped) {
+    EXPECT_THAT(offered({"explain", "Li"}), ElementsAre("LiveTV"));
+    EXPECT_THAT(offered({"explain", "[Li"}), ElementsAre("[LiveTV]"));
+    // [audio] is a topic without its brackets.
+    EXPECT_THAT(offered({"explain", ""}),
+                ElementsAre("feature", "audio", "country", "file", "LiveTV", "[audio]", "loose"));
+}
+
+TEST(CompleteTest, OffersPathsOfTheTree) {
+    EXPECT_THAT(offered({"explain", "file", "tvconfigs/t"}), ElementsAre("tvconfigs/tv.config"));
+    EXPECT_THAT(offered({"explain", "file", "/tvconfigs/c"}),
+                ElementsAre("/tvconfigs/customer.ini"));
+    EXPECT_THAT(offered({"explain", "file", "other"}), ElementsAre(":files"));
 }
 
 TEST(CompleteTest, HandsNothingOnThatIsNoLine) {
@@ -193,6 +212,13 @@ TEST_P(ShellTest, CompletesWhatTheTreeHas) {
                 ElementsAre("GERMANY"));
     EXPECT_THAT(complete({"check", ".", "--country", "SW"}), ElementsAre("SWEDEN"));
     EXPECT_THAT(complete({"check", "--tree", "/dev/null", "--model", ""}), IsEmpty());
+}
+
+TEST_P(ShellTest, CompletesSectionsAndPathsOfTheTree) {
+    EXPECT_THAT(complete({"explain", "PAN"}), ElementsAre("PANEL"));
+    EXPECT_THAT(complete({"explain", "PANEL", "m_p"}), Contains("m_pPanelName"));
+    EXPECT_THAT(complete({"explain", "file", "tvconfigs/cus"}),
+                ElementsAre("tvconfigs/customer.ini"));
 }
 
 TEST_P(ShellTest, CompletesFolders) {

@@ -103,7 +103,7 @@ TEST(ExplainWordsTest, CompleteByWhatComesBefore) {
     EXPECT_THAT(explainWord({"audio"}), ElementsAre(Completion::SOUND_SECTION));
     EXPECT_THAT(explainWord({"audio", "[ARC]"}), ElementsAre(Completion::SOUND_KEY));
     EXPECT_THAT(explainWord({"country"}), ElementsAre(Completion::COUNTRY));
-    EXPECT_THAT(explainWord({"file"}), ElementsAre(Completion::FILE));
+    EXPECT_THAT(explainWord({"file"}), ElementsAre(Completion::TREE_FILE));
 }
 
 }  // namespace
