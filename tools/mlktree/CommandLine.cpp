@@ -182,8 +182,9 @@ Arguments parse(const Command& command, const std::vector<std::string>& words) {
     }
     if (arguments.words().size() > command.mostWords) {
         throw UsageError("it takes " +
-                         (command.mostWords == 0
-                                  ? "no word"
+                         (command.mostWords == 0 ? "no word"
+                          : command.mostWords == 1
+                                  ? "one word"
                                   : "at most " + std::to_string(command.mostWords) + " words") +
                          " besides its options; " + excerpt(arguments.words()[command.mostWords]) +
                          " is too much");

@@ -13,9 +13,11 @@
 #include "projectconfigs/ProjectID.h"
 #include "projectconfigs/SoundDelays.h"
 #include "regional/RegionalNames.h"
+#include "tools/common/Suggest.h"
 #include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
+#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 
@@ -28,6 +30,38 @@ void addOnce(std::vector<Value>& values, const Value& value) {
     if (std::find(values.begin(), values.end(), value) == values.end()) {
         values.push_back(value);
     }
+}
+
+// "; there are 1, 2, 3": the indexes of the models, for the end of a message.
+std::string indexesOf(const std::vector<Customer>& customers) {
+    constexpr size_t kMostNamed = 12;
+    std::set<int32_t> indexes;
+    for (const Customer& customer : customers) {
+        if (customer.system == nullptr) {
+            continue;
+        }
+        for (const ReadLine& line : customer.system->lines()) {
+            if (line.use == LineUse::ITEM) {
+                indexes.insert(
+                        product::parseDecimal(line.key.substr(product::keyword::kModel.size())));
+            }
+        }
+    }
+    std::string list;
+    size_t named = 0;
+    for (const int32_t index : indexes) {
+        if (named++ < kMostNamed) {
+            list += (list.empty() ? "; there are " : ", ") + std::to_string(index);
+        }
+    }
+    return list +
+           (named > kMostNamed ? " and " + std::to_string(named - kMostNamed) + " more" : "");
+}
+
+// "; did you mean skerry_b1.ini?", if the folder has a file of a near name.
+std::string boardMeant(const std::string& board, const std::string& folder) {
+    const std::vector<std::string> files = filesIn(folder, kIniEnding);
+    return didYouMean(board, {files.begin(), files.end()}, "");
 }
 
 }  // namespace
@@ -130,7 +164,8 @@ void ProductLineBuilder::findModels() {
     }
     if (mSelection.model && mLine.mModels.empty()) {
         throw UsageError("--model " + std::to_string(*mSelection.model) +
-                         ": no line of the system file has this index");
+                         ": no line of the system file has this index" +
+                         indexesOf(mLine.mCustomers));
     }
 }
 
@@ -157,7 +192,10 @@ void ProductLineBuilder::findBoards() {
         const std::string host =
                 isRegularFile(usual) ? usual : mLine.mTree.hostOfArgument(mSelection.board);
         if (!isRegularFile(host)) {
-            throw UsageError("--board " + mSelection.board + ": there is no file " + host);
+            const bool isName = mSelection.board.find('/') == std::string::npos;
+            throw UsageError("--board " + mSelection.board + ": there is no file " +
+                             (isName ? usual : host) +
+                             boardMeant(mSelection.board, partitions.tvconfigs + "/board"));
         }
         hasNone = false;
         paths.push_back(mLine.mTree.relative(host));
@@ -262,7 +300,9 @@ void ProductLineBuilder::selectCountry() {
     }
     const std::optional<int32_t> value = product::countryNames().find(mSelection.country);
     if (!value) {
-        throw UsageError("--country " + mSelection.country + ": the service knows no such country");
+        const std::string_view other = countryMeantBy(mSelection.country);
+        throw UsageError("--country " + mSelection.country + ": the service knows no such country" +
+                         (other.empty() ? "" : "; did you mean " + std::string(other) + "?"));
     }
     mLine.mCountries = {_tv_country{*value}};
 }

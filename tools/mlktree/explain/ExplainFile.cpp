@@ -176,6 +176,9 @@ std::string hintFor(const ProductLine& line, const std::string& path) {
     for (const auto& [one, namings] : line.namedPaths()) {
         paths.push_back(one);
     }
+    for (const auto& [one, file] : line.files()) {
+        paths.push_back(one);
+    }
     std::string hint = suggestionOf(path, paths);
     if (!hint.empty()) {
         return hint;

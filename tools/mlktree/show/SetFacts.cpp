@@ -105,7 +105,7 @@ Answer fact(FactValue (*answer)(const SetModel&)) {
 Answer ofCountry(FactValue (*answer)(const SetModel&)) {
     return [answer](const SetModel& set) -> Noted {
         if (set.choice().country == kNoCountry) {
-            return {NoValue{"(none)"}};
+            return {NoValue{"(none saved)"}};
         }
         return {answer(set)};
     };
@@ -116,12 +116,8 @@ std::string writtenPath(const SetModel& set, const FileLines* file) {
     return file != nullptr ? tree.written(tree.host(file->path())) : std::string();
 }
 
-FactValue indexOf(const SetModel& set) {
-    if (set.choice().model != nullptr) {
-        return set.choice().model->index;
-    }
-    const std::string& folder = set.line().tree().partitions().impdata;
-    return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
+FactValue index(const SetModel& set) {
+    return indexOf(set);
 }
 
 FactValue highestIndex(const SetModel& set) {
@@ -197,7 +193,7 @@ struct Row {
 std::vector<Row> makeRows() {
     return {
             {{"Project", "Name", "name"}, getter("getProjectName")},
-            {{"Project", "Index", "index"}, fact(indexOf)},
+            {{"Project", "Index", "index"}, fact(index)},
             {{"Project", "Highest index", "highestIndex"}, fact(highestIndex)},
             {{"Project", "Customer", "customer"}, fact(customerId)},
             {{"Project", "Client type", "clientType"}, getter("getClientType")},
@@ -265,6 +261,14 @@ std::vector<Row> makeRows() {
 }
 
 }  // namespace
+
+int32_t indexOf(const SetModel& set) {
+    if (set.choice().model != nullptr) {
+        return set.choice().model->index;
+    }
+    const std::string& folder = set.line().tree().partitions().impdata;
+    return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
+}
 
 std::vector<Fact> factsOf(const SetModel& set) {
     static const std::vector<Row> kRows = makeRows();

@@ -15,6 +15,9 @@ namespace mlk::tree {
  */
 std::vector<Fact> factsOf(const SetModel& set);
 
+/** The index of the set's model; if it has no model, the one that impdata says. */
+int32_t indexOf(const SetModel& set);
+
 /** The paths among the facts that do not exist in the tree. */
 std::set<std::string> missingOf(const SetModel& set, const std::vector<Fact>& facts);
 

@@ -40,7 +40,8 @@ std::string modelLine(const SetModel& set) {
                              (system == nullptr || !system->exists()
                                       ? std::string("there is no system file that lists models.")
                                       : tree.written(tree.host(system->path())) +
-                                                " has none for the index."),
+                                                " has none of index " +
+                                                std::to_string(indexOf(set)) + '.'),
                      0, kFactWidth) +
            "\n";
 }

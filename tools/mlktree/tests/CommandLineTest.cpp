@@ -126,7 +126,8 @@ TEST(WrongCommandLineTest, SaysWhatWouldBeRight) {
                           "mean json?"));
     EXPECT_THAT(problemOf({"check", "--fail-on", "all"}),
                 HasSubstr("--fail-on takes error, warning, note, not \"all\""));
-    EXPECT_THAT(problemOf({"check", "a", "b"}), HasSubstr("\"b\" is too much"));
+    EXPECT_THAT(problemOf({"check", "a", "b"}),
+                HasSubstr("it takes one word besides its options; \"b\" is too much"));
     EXPECT_THAT(problemOf({"completion", "ksh"}), HasSubstr("bash, zsh or fish, not \"ksh\""));
     EXPECT_THAT(problemOf({"completion"}), HasSubstr("bash, zsh or fish"));
     EXPECT_THAT(problemOf({"rules", "mising-file"}), HasSubstr("did you mean missing-file?"));
@@ -144,6 +145,32 @@ TEST(WrongTreeTest, SaysWhatIsLookedFor) {
     dir.write("mlktree.toml", "[[rule]]\nrule = 1\n");
     EXPECT_THAT(problemOf({"check", dir.path()}),
                 HasSubstr(dir.path("mlktree.toml") + ":2:8: \"rule\""));
+}
+
+TEST(WrongSetTest, SaysWhichThereAre) {
+    const mlk::testing::TempDir dir;
+    copySoundTree(dir);
+    const auto problem = [&](const std::string& option, const std::string& value) {
+        return problemOf({"check", dir.path(), option, value});
+    };
+    EXPECT_THAT(problem("--model", "9"),
+                HasSubstr("--model 9: no line of the system file has this index; there are 1, 2"));
+    EXPECT_THAT(problem("--board", "b9.ini"),
+                HasSubstr("--board b9.ini: there is no file " + dir.path("tvconfigs/board/b9.ini") +
+                          "; did you mean b1.ini?"));
+    EXPECT_THAT(problem("--board", "board/b1.ini"),
+                HasSubstr("there is no file " + dir.path("board/b1.ini")));
+    EXPECT_THAT(problem("--country", "UK"),
+                HasSubstr("--country UK: the service knows no such country; did you mean "
+                          "UNITED_KINGDOM?"));
+    EXPECT_THAT(problem("--country", "germany"), HasSubstr("did you mean GERMANY?"));
+    EXPECT_THAT(problem("--country", "Zzyzx"), EndsWith("knows no such country\n"));
+    std::string lines;
+    for (int i = 1; i <= 14; ++i) {
+        lines += "Model_" + std::to_string(i) + " = \"/tvconfigs/model/first.ini\"\n";
+    }
+    dir.write("tvconfigs/system/line.ini", lines);
+    EXPECT_THAT(problem("--model", "99"), HasSubstr("11, 12 and 2 more"));
 }
 
 TEST(ParseTest, TellsOptionsAndWordsApart) {

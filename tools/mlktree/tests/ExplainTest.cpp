@@ -269,6 +269,11 @@ TEST_F(ExplainTest, FileHasThoseWhoNameIt) {
     EXPECT_THAT(text({"file", "/impdata/project_id.bin"}), HasSubstr("index of the set's model"));
     EXPECT_THAT(missing({"file", "/tvconfigs/goen.ini"}),
                 HasSubstr("did you mean tvconfigs/gone.ini?"));
+    // No line names this one.
+    EXPECT_THAT(missing({"file", "customer.ini"}),
+                HasSubstr("did you mean tvconfigs/customer.ini?"));
+    EXPECT_THAT(missing({"file", "tvconfigs/custmer.ini"}),
+                HasSubstr("did you mean tvconfigs/customer.ini?"));
 }
 
 }  // namespace

@@ -63,9 +63,8 @@ TEST_F(ShowTest, OptionsChooseTheSet) {
 
 TEST_F(ShowTest, SaysIfThereIsNoModel) {
     mDir.write("impdata/project_id.bin", "PROJECT_ID=9\n");
-    EXPECT_THAT(show(),
-                AllOf(HasSubstr("This set has no model:\n"), HasSubstr("none for the\nindex."),
-                      HasSubstr("  Index             9\n")));
+    EXPECT_THAT(show(), AllOf(HasSubstr("This set has no model:\n"), HasSubstr("none of index 9."),
+                              HasSubstr("  Index             9\n")));
 }
 
 TEST_F(ShowTest, JsonIsForPrograms) {
