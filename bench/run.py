@@ -119,17 +119,36 @@ def machine():
     }
 
 
+def count(text):
+    """Type of an option: a number from 1."""
+    number = int(text)
+    if number < 1:
+        raise ValueError
+    return number
+
+
+def pattern(text):
+    """Type of an option: a regular expression."""
+    try:
+        re.compile(text)
+    except re.error as error:
+        raise argparse.ArgumentTypeError(f"{text!r} is no regular expression: {error}") from error
+    return text
+
+
 def main():
     parser = argparse.ArgumentParser(prog="run bench", description=__doc__)
     parser.add_argument("--json", action="store_true", help="print one JSON object")
     parser.add_argument("--quick", action="store_true",
                         help=f"{QUICK_ROUNDS} rounds: whether everything runs, not how fast")
-    parser.add_argument("--rounds", type=int, metavar="N", help=f"default {ROUNDS}")
-    parser.add_argument("--filter", default=".", metavar="REGEX",
+    parser.add_argument("--rounds", type=count, metavar="N", help=f"default {ROUNDS}")
+    parser.add_argument("--filter", type=pattern, default=".", metavar="REGEX",
                         help="only benchmarks (FAMILY/CONTESTANT/SIZE) that match")
     parser.add_argument("--svg", metavar="FILE", help="draw it, too")
-    parser.add_argument("--folder", required=True, help=argparse.SUPPRESS)
+    parser.add_argument("--folder", help=argparse.SUPPRESS)
     arguments = parser.parse_args()
+    if arguments.folder is None:
+        return  # ./run asks whether the command line is right before it builds
     rounds = arguments.rounds or (QUICK_ROUNDS if arguments.quick else ROUNDS)
     measured = measure(arguments.folder, rounds, arguments.filter)
     full = report.report(measured, rounds, machine())

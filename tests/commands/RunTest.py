@@ -67,6 +67,18 @@ class CommandLine(RunCase):
             self.assertEqual((done.returncode, done.stderr, built), (0, "", False))
             self.assertIn("usage: run bench", done.stdout)
 
+    def test_a_wrong_command_line_of_the_benchmarks_builds_nothing(self):
+        for words, said in ((("-x",), "unrecognized arguments: -x"), (("--rounds", "0"), "--rounds"),
+                            (("--filter", "("), "'(' is no regular expression"),
+                            (("more",), "unrecognized arguments: more")):
+            done, built = self.unbuilt("bench", *words)
+            self.assertEqual((done.returncode, done.stdout, built), (2, "", False))
+            self.assertIn("run bench: error: ", done.stderr)
+            self.assertIn(said, done.stderr)
+        done, built = self.unbuilt("bench", "--quick")
+        self.assertEqual((done.stdout, done.stderr, built),
+                         ("", "run: builds the benchmarks; the first time takes minutes\n", True))
+
     def test_unknown_options_build_nothing(self):
         for option in ("-x", "--inplace", "-"):
             done, built = self.unbuilt(option)
@@ -121,6 +133,14 @@ class OtherUsers(RunCase):
         self.expect(self.build(), 1, "", said.format(name, "build/default/.ninja_deps"))
         deps.unlink()
         self.assertIn("about two minutes", self.build().stderr)
+
+    def test_the_tests_name_it_before_anything_else(self):
+        (self.tree.root / "build/default").mkdir(parents=True)
+        stubs = self.tree.program("dpkg-query", "printf installed")
+        done = self.tree.run("./test", user=OTHER_USER, PATH=f"{stubs}:{os.environ['PATH']}")
+        self.assertEqual((done.returncode, done.stdout, done.stderr.count("\n")), (1, "", 1), done)
+        self.assertIn("test: ", done.stderr)
+        self.assertIn("cannot build here: build/default belongs to root", done.stderr)
 
     def test_a_tree_of_another_user_is_named(self):
         done = self.build()
