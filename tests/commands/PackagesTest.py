@@ -93,7 +93,8 @@ class Installed(Folder):
                 f"share/fish/vendor_completions.d/{tool}.fish", f"share/doc/{tool}/README.md",
                 f"share/doc/{tool}/CHANGELOG.md"}, files)
         self.assertIn("share/doc/mlkctl/docs/reference.md", files)
-        self.assertIn("share/doc/mlktree/docs/formats.md", files)
+        for guide in ("formats", "items", "mlktree"):
+            self.assertIn(f"share/doc/mlktree/docs/{guide}.md", files)
         pages = {f"share/man/man5/{name}.5.gz" for name in ["mlktree.toml", *formatpage.PAGES]}
         self.assertEqual({name for name in files if "/man5/" in name}, pages)
         # And nothing else: neither tests nor libraries.
