@@ -133,6 +133,7 @@ Command rulesCommand();
 Command settingsCommand();
 Command newCommand();
 Command showCommand();
+Command reportCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */
 

@@ -1,5 +1,7 @@
 // Rules about files that nothing names.
 
+#include "tools/mlktree/rules/MeaningUnused.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -142,7 +144,8 @@ std::set<std::string> modelFoldersOf(const ProductLine& line) {
     return folders;
 }
 
-// The unused files of tvconfigs, in the order of their paths.
+}  // namespace
+
 std::vector<std::string> unusedFilesOf(const ProductLine& line) {
     if (!line.isWhole() || line.models().empty()) {
         return {};  // other findings
@@ -159,6 +162,8 @@ std::vector<std::string> unusedFilesOf(const ProductLine& line) {
     std::sort(paths.begin(), paths.end());
     return paths;
 }
+
+namespace {
 
 bool isModel(const std::set<std::string>& folders, const std::string& path) {
     constexpr std::string_view kEnd = ".ini";

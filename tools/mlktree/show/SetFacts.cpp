@@ -24,8 +24,11 @@ struct Noted {
     std::vector<std::string> notes = {};
 };
 
-/** How a fact is found out. */
-using Answer = std::function<Noted(const SetModel&)>;
+/** How a fact is found out, and from what. */
+struct Answer {
+    FactSource source;
+    std::function<Noted(const SetModel&)> of;
+};
 
 // The layer that has replaced the value of another; empty if none has.
 std::string noteOf(const SetModel& set, const ConfigKey& name) {
@@ -50,9 +53,9 @@ FactValue valueOf(const SetModel& set, const ConfigKey& name) {
 }
 
 Answer item(const ConfigKey& name) {
-    return [name](const SetModel& set) -> Noted {
-        return {valueOf(set, name), {noteOf(set, name)}};
-    };
+    return {{"item", {name}}, [name](const SetModel& set) -> Noted {
+                return {valueOf(set, name), {noteOf(set, name)}};
+            }};
 }
 
 // The item that a getter answers, by its selector.
@@ -63,52 +66,55 @@ Answer getter(std::string_view method, uint32_t key = 0) {
 
 // The files of the EDIDs of a port, by their versions.
 Answer edids(uint32_t port) {
-    return [port](const SetModel& set) -> Noted {
-        constexpr const char* kVersions[] = {"1P4", "2P0", "2P1"};
-        Files files;
-        std::vector<std::string> notes;
-        for (uint32_t version = 0; version < std::size(kVersions); ++version) {
-            const auto name = product::itemOf(
-                    product::kProjectItems[product::projectItem("getHDMIEdidPath")], port, version);
-            files.emplace_back(kVersions[version], set.valueOf(*name));
-            notes.push_back(noteOf(set, *name));
-        }
-        return {files, notes};
-    };
+    FactSource source = {"files", {}, {"1P4", "2P0", "2P1"}};
+    for (uint32_t version = 0; version < source.versions.size(); ++version) {
+        source.items.push_back(*product::itemOf(
+                product::kProjectItems[product::projectItem("getHDMIEdidPath")], port, version));
+    }
+    return {source, [source](const SetModel& set) -> Noted {
+                Files files;
+                std::vector<std::string> notes;
+                for (size_t i = 0; i < source.items.size(); ++i) {
+                    files.emplace_back(source.versions[i], set.valueOf(source.items[i]));
+                    notes.push_back(noteOf(set, source.items[i]));
+                }
+                return {files, notes};
+            }};
 }
 
 Answer tvFeatures(bool isOn) {
-    return [isOn](const SetModel& set) -> Noted {
-        const product::TvFeatures& features = set.product().features();
-        Names names;
-        for (const product::TvFlagRow& row : product::kTvFlags) {
-            if (features.get(row) == isOn) {
-                names.list.push_back(toString(
-                        static_cast<vendor::morlak::mlkconfigs::V1_0::ConfigType>(row.type)));
-            }
-        }
-        return {names};
-    };
+    return {{isOn ? "featuresOn" : "featuresOff"}, [isOn](const SetModel& set) -> Noted {
+                const product::TvFeatures& features = set.product().features();
+                Names names;
+                for (const product::TvFlagRow& row : product::kTvFlags) {
+                    if (features.get(row) == isOn) {
+                        names.list.push_back(
+                                toString(static_cast<vendor::morlak::mlkconfigs::V1_0::ConfigType>(
+                                        row.type)));
+                    }
+                }
+                return {names};
+            }};
 }
 
 Answer frameworkSwitch(std::string_view method) {
-    return [method](const SetModel& set) -> Noted {
-        return {set.product().switches().get(product::frameworkItem(method)) != 0};
-    };
+    return {{"switch", {}, {}, std::string(method)}, [method](const SetModel& set) -> Noted {
+                return {set.product().switches().get(product::frameworkItem(method)) != 0};
+            }};
 }
 
-Answer fact(FactValue (*answer)(const SetModel&)) {
-    return [answer](const SetModel& set) -> Noted { return {answer(set)}; };
+Answer fact(const char* kind, FactValue (*answer)(const SetModel&)) {
+    return {{kind}, [answer](const SetModel& set) -> Noted { return {answer(set)}; }};
 }
 
 // The same for a set that has a country.
-Answer ofCountry(FactValue (*answer)(const SetModel&)) {
-    return [answer](const SetModel& set) -> Noted {
-        if (set.choice().country == kNoCountry) {
-            return {NoValue{"(none saved)"}};
-        }
-        return {answer(set)};
-    };
+Answer ofCountry(const char* kind, FactValue (*answer)(const SetModel&)) {
+    return {{kind}, [answer](const SetModel& set) -> Noted {
+                if (set.choice().country == kNoCountry) {
+                    return {NoValue{"(none saved)"}};
+                }
+                return {answer(set)};
+            }};
 }
 
 std::string writtenPath(const SetModel& set, const FileLines* file) {
@@ -193,14 +199,14 @@ struct Row {
 std::vector<Row> makeRows() {
     return {
             {{"Project", "Name", "name"}, getter("getProjectName")},
-            {{"Project", "Index", "index"}, fact(index)},
-            {{"Project", "Highest index", "highestIndex"}, fact(highestIndex)},
-            {{"Project", "Customer", "customer"}, fact(customerId)},
+            {{"Project", "Index", "index"}, fact("index", index)},
+            {{"Project", "Highest index", "highestIndex"}, fact("highestIndex", highestIndex)},
+            {{"Project", "Customer", "customer"}, fact("customer", customerId)},
             {{"Project", "Client type", "clientType"}, getter("getClientType")},
             {{"Project", "Region", "region"}, getter("getRegionName")},
-            {{"Project", "Model file", "modelFile"}, fact(modelFile)},
-            {{"Project", "Board file", "boardFile"}, fact(boardFile)},
-            {{"Project", "Project files", "projectFiles"}, fact(modelList)},
+            {{"Project", "Model file", "modelFile"}, fact("modelFile", modelFile)},
+            {{"Project", "Board file", "boardFile"}, fact("boardFile", boardFile)},
+            {{"Project", "Project files", "projectFiles"}, fact("modelList", modelList)},
 
             {{"Picture", "Panel", "panel"}, getter("getPanelName")},
             {{"Picture", "Picture quality", "pictureQuality"}, getter("getPQPath")},
@@ -237,12 +243,12 @@ std::vector<Row> makeRows() {
             {{"Reception", "Features on", "featuresOn"}, tvFeatures(true)},
             {{"Reception", "Features off", "featuresOff"}, tvFeatures(false)},
 
-            {{"Country", "Name", "name"}, ofCountry(countryText)},
-            {{"Country", "Number", "number"}, ofCountry(countryNumber)},
-            {{"Country", "TV system", "tvSystem"}, ofCountry(tvSystem)},
+            {{"Country", "Name", "name"}, ofCountry("countryName", countryText)},
+            {{"Country", "Number", "number"}, ofCountry("countryNumber", countryNumber)},
+            {{"Country", "TV system", "tvSystem"}, ofCountry("tvSystem", tvSystem)},
             {{"Country", "TV configuration", "tvConfiguration"}, item(product::kTvConfigItem)},
-            {{"Country", "Channels", "channels"}, ofCountry(channels)},
-            {{"Country", "Languages", "languages"}, fact(languages)},
+            {{"Country", "Channels", "channels"}, ofCountry("channels", channels)},
+            {{"Country", "Languages", "languages"}, fact("languages", languages)},
 
             {{"Power", "Mode at power-on", "powerOnMode"}, getter("getPowerOnMode")},
             {{"Power", "Logo", "logo"}, getter("getPowerLogoPath")},
@@ -254,10 +260,15 @@ std::vector<Row> makeRows() {
             {{"Remote", "Configuration", "configuration"}, getter("getIRConfig")},
             {{"Remote", "Key filter", "keyFilter"}, getter("getIRFilter")},
 
-            {{"Partitions", "tvconfigs", "tvconfigs"}, fact(tvconfigs)},
-            {{"Partitions", "tvdata", "tvdata"}, fact(tvdata)},
-            {{"Partitions", "impdata", "impdata"}, fact(impdata)},
+            {{"Partitions", "tvconfigs", "tvconfigs"}, fact("tvconfigs", tvconfigs)},
+            {{"Partitions", "tvdata", "tvdata"}, fact("tvdata", tvdata)},
+            {{"Partitions", "impdata", "impdata"}, fact("impdata", impdata)},
     };
+}
+
+const std::vector<Row>& rows() {
+    static const std::vector<Row> kRows = makeRows();
+    return kRows;
 }
 
 }  // namespace
@@ -270,12 +281,19 @@ int32_t indexOf(const SetModel& set) {
     return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
 }
 
+std::vector<FactRow> factRows() {
+    std::vector<FactRow> all;
+    for (const Row& row : rows()) {
+        all.push_back({row.name, row.answer.source});
+    }
+    return all;
+}
+
 std::vector<Fact> factsOf(const SetModel& set) {
-    static const std::vector<Row> kRows = makeRows();
     std::vector<Fact> facts;
-    facts.reserve(kRows.size());
-    for (const Row& row : kRows) {
-        Noted noted = row.answer(set);
+    facts.reserve(rows().size());
+    for (const Row& row : rows()) {
+        Noted noted = row.answer.of(set);
         facts.push_back({row.name, std::move(noted.value), std::move(noted.notes)});
     }
     return facts;
