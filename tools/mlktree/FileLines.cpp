@@ -69,6 +69,7 @@ void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {
     mExists = exists;
     mChannels = std::move(channels);
     mItems.expect(mLines.size());
+    mCounts.resize(mLines.size());
     for (uint32_t i = 0; i < mLines.size(); ++i) {
         const ReadLine& line = mLines[i];
         if (line.use == LineUse::SECTION) {
@@ -80,7 +81,12 @@ void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {
         uint32_t& counts = mItems.findOrAdd(hashOf(line.section, line.key), [&](uint32_t other) {
             return mLines[other].section == line.section && mLines[other].key == line.key;
         });
-        if (counts == product::HashIndex::kNone || lastCounts(mFormat)) {
+        const bool isFirst = counts == product::HashIndex::kNone;
+        if (isFirst || lastCounts(mFormat)) {
+            if (!isFirst) {
+                mCounts[counts] = false;
+            }
+            mCounts[i] = true;
             counts = i;
         }
     }

@@ -59,6 +59,14 @@ class FileLines : public ReadObserver {
     /** The line that gives the item its value, by the format's rule; null if none does. */
     const ReadLine* find(std::string_view section, std::string_view key) const;
 
+    /** Whether a line, one of lines(), gives its item the value. */
+    bool counts(const ReadLine& line) const { return mCounts[indexOf(line)]; }
+
+    /** The content of each line, by its number in LineContents; empty for an XML file. */
+    const std::vector<uint32_t>& contents() const { return mContents; }
+    /** The content of a line, one of lines() of a text file. */
+    uint32_t contentOf(const ReadLine& line) const { return mContents[indexOf(line)]; }
+
     /** Sections, TV systems or countries that occur, from name to their first line. */
     const std::map<std::string_view, const ReadLine*>& sections() const { return mSections; }
 
@@ -66,9 +74,14 @@ class FileLines : public ReadObserver {
     void onLine(const ReadLine& line) override;
     void onProblem(std::string_view path, size_t line, std::string_view problem) override;
     void finish(bool exists, std::vector<HidlFreqListItem> channels);
+    void setContents(std::vector<uint32_t> contents) { mContents = std::move(contents); }
 
   private:
     static uint32_t hashOf(std::string_view section, std::string_view key);
+
+    size_t indexOf(const ReadLine& line) const {
+        return static_cast<size_t>(&line - mLines.data());
+    }
 
     std::string_view keep(std::string_view text);
 
@@ -83,6 +96,8 @@ class FileLines : public ReadObserver {
     std::map<std::string_view, const ReadLine*> mSections;
     // The lines that count, by the hash of section and key.
     vendor::morlak::mlkconfigs::V1_0::implementation::HashIndex mItems;
+    std::vector<bool> mCounts;        // of each line
+    std::vector<uint32_t> mContents;  // of each line
 };
 
 }  // namespace mlk::tree

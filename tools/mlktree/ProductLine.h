@@ -12,6 +12,7 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/FileLines.h"
+#include "tools/mlktree/LineContents.h"
 #include "tools/mlktree/Memo.h"
 #include "tools/mlktree/RegionalFiles.h"
 #include "tools/mlktree/Settings.h"
@@ -141,6 +142,9 @@ class ProductLine {
     const std::map<std::string, std::unique_ptr<FileLines>, std::less<>>& files() const {
         return mFiles;
     }
+    /** What the lines of the text files read: a content for each number of FileLines::contents().
+     */
+    const std::vector<LineContent>& contents() const { return mContents.all(); }
     /** The file that was read of that path; null if none was. */
     const FileLines* find(std::string_view path) const;
 
@@ -177,6 +181,7 @@ class ProductLine {
     const bool mIsWhole;
     const Memo mMemo;
     std::map<std::string, std::unique_ptr<FileLines>, std::less<>> mFiles;
+    LineContents mContents;
     std::vector<std::unique_ptr<FileLines>> mOtherReadings;  // of a path that mFiles has already
     std::vector<Customer> mCustomers;
     std::vector<Model> mModels;

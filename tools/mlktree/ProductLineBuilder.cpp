@@ -156,7 +156,7 @@ void ProductLineBuilder::findModels() {
             model.index = product::parseDecimal(line.key.substr(product::keyword::kModel.size()));
             model.customer = &customer;
             model.line = &line;
-            model.counts = customer.system->find("", line.key) == &line;
+            model.counts = customer.system->counts(line);
             if (!selected || *selected == model.index) {
                 mLine.mModels.push_back(model);
             }
@@ -325,6 +325,7 @@ void ProductLineBuilder::readRequests() {
     std::vector<std::unique_ptr<FileLines>> files(requests.size());
     forEachInParallel(requests.size(), [&](size_t i) {
         files[i] = readFile(mLine.mTree, requests[i].first, requests[i].second);
+        mLine.mContents.add(*files[i]);
     });
     for (size_t i = 0; i < requests.size(); ++i) {
         mLine.mFiles.emplace(requests[i].first, std::move(files[i]));

@@ -40,7 +40,7 @@ void ProductLineBuilder::followItems() {
             continue;
         }
         for (const ReadLine& line : file->lines()) {
-            if (line.use == LineUse::ITEM && file->find(line.section, line.key) == &line) {
+            if (file->counts(line)) {
                 followItem(*file, line);
             }
         }

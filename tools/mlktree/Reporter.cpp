@@ -45,10 +45,14 @@ Place placeOf(const ProductLine& line, const FileLines& file, const ReadLine& re
     if (read.column == 0) {
         return placeInXml(line, file, read, needle.empty() ? "<" : needle);
     }
+    return {file.path(), read.number, columnOf(read, needle)};
+}
+
+size_t columnOf(const ReadLine& read, std::string_view needle) {
     const bool isPart = isPartOf(needle, read.text) && !needle.empty();
     const size_t found =
             isPart ? static_cast<size_t>(needle.data() - read.text.data()) : read.text.find(needle);
-    return {file.path(), read.number, read.column + (found != std::string_view::npos ? found : 0)};
+    return read.column + (found != std::string_view::npos ? found : 0);
 }
 
 Place placeOf(const FileLines& file) {

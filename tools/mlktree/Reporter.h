@@ -21,6 +21,9 @@ namespace mlk::tree {
 Place placeOf(const ProductLine& line, const FileLines& file, const ReadLine& read,
               std::string_view needle = "");
 
+/** The column of a text in a line of a text file; the needle is that of placeOf(). */
+size_t columnOf(const ReadLine& read, std::string_view needle = "");
+
 /** The place of a whole file. */
 Place placeOf(const FileLines& file);
 

@@ -1,152 +1,121 @@
 // Rules about bytes that do not belong into text files.
 
 #include <iterator>
+#include <optional>
 
 #include "common/FileFormat.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
 namespace {
 
-// Calls check(file, line) for each line of each text file, plans and XML files apart.
-template <typename Check>
-void forEachTextLine(const ProductLine& line, const Check& check) {
+std::optional<Remark> longLine(FileFormat format, const ReadLine& read) {
+    // The rest of a plan's line is a matter of the plan's rules.
+    if (!read.isCut || format == FileFormat::CHANNEL_PLAN) {
+        return std::nullopt;
+    }
+    const bool endsFile = format == FileFormat::TV_FEATURES;
+    return Remark{read.text.size() + 1,
+                  "a line of a " + std::string(nameOf(format)) + " has at most " +
+                          std::to_string(read.text.size() - (endsFile ? 1 : 0)) + " bytes; " +
+                          (endsFile ? "the service reads nothing of the file from "
+                                      "this line on"
+                                    : "what follows here is not read")};
+}
+
+std::optional<Remark> nulByte(FileFormat format, const ReadLine& read) {
+    // What it does to a plan is a matter of the plan's rules.
+    if (!read.hasNul || format == FileFormat::CHANNEL_PLAN) {
+        return std::nullopt;
+    }
+    const bool endsFile = format == FileFormat::TV_FEATURES;
+    return Remark{read.column + read.text.size(),
+                  std::string("a NUL byte: the service reads nothing of the ") +
+                          (endsFile ? "file" : "line") + " from here on"};
+}
+
+void checkByteOrderMarks(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
-        for (const ReadLine& read : file->lines()) {
-            if (read.column != 0) {
-                check(*file, read);
-            }
+        const bool hasMark = !file->contents().empty() && file->lines().front().number == 1 &&
+                             beginsWith(file->lines().front().text, kByteOrderMark);
+        if (hasMark) {
+            reporter.report(
+                    placeOf(line, *file, file->lines().front()),
+                    "a byte order mark: the service takes its three bytes for the beginning of "
+                    "the first line; save the file as UTF-8 without it");
         }
     }
 }
 
-void checkLongLines(const ProductLine& line, Reporter& reporter) {
-    forEachTextLine(line, [&](const FileLines& file, const ReadLine& read) {
-        // The rest of a plan's line is a matter of the plan's rules.
-        if (!read.isCut || file.format() == FileFormat::CHANNEL_PLAN) {
-            return;
-        }
-        Place place = placeOf(line, file, read);
-        place.column = read.text.size() + 1;
-        const bool endsFile = file.format() == FileFormat::TV_FEATURES;
-        reporter.report(place,
-                        "a line of a " + std::string(nameOf(file.format())) + " has at most " +
-                                std::to_string(read.text.size() - (endsFile ? 1 : 0)) + " bytes; " +
-                                (endsFile ? "the service reads nothing of the file from "
-                                            "this line on"
-                                          : "what follows here is not read"));
-    });
-}
-
-void checkNulBytes(const ProductLine& line, Reporter& reporter) {
-    forEachTextLine(line, [&](const FileLines& file, const ReadLine& read) {
-        // What it does to a plan is a matter of the plan's rules.
-        if (!read.hasNul || file.format() == FileFormat::CHANNEL_PLAN) {
-            return;
-        }
-        Place place = placeOf(line, file, read);
-        place.column = read.column + read.text.size();
-        const bool endsFile = file.format() == FileFormat::TV_FEATURES;
-        reporter.report(place, std::string("a NUL byte: the service reads nothing of the ") +
-                                       (endsFile ? "file" : "line") + " from here on");
-    });
-}
-
-void checkByteOrderMarks(const ProductLine& line, Reporter& reporter) {
-    forEachTextLine(line, [&](const FileLines& file, const ReadLine& read) {
-        if (read.number != 1 || read.column != 1 || !beginsWith(read.text, kByteOrderMark)) {
-            return;
-        }
-        reporter.report(placeOf(line, file, read),
-                        "a byte order mark: the service takes its three bytes for the beginning of "
-                        "the first line; save the file as UTF-8 without it");
-    });
-}
-
 void checkEncoding(const ProductLine& line, Reporter& reporter) {
+    const std::vector<bool> wrong =
+            contentsThat(line, [](FileFormat /* format */, const ReadLine& read) {
+                return invalidUtf8At(read.text) != std::string_view::npos;
+            });
     for (const auto& [path, file] : line.files()) {
-        for (const ReadLine& read : file->lines()) {
-            const size_t at = read.column == 0 ? std::string_view::npos : invalidUtf8At(read.text);
-            if (at != std::string_view::npos) {
-                Place place = placeOf(line, *file, read);
-                place.column = read.column + at;
-                reporter.report(place,
-                                "no valid UTF-8; the service hands out these bytes as they are, "
-                                "and programs that expect UTF-8 refuse them");
-                break;  // one finding a file
-            }
+        const std::vector<const ReadLine*> lines = linesThat(*file, wrong);
+        if (!lines.empty()) {  // one finding a file
+            const ReadLine& first = *lines.front();
+            reporter.report({path, first.number, first.column + invalidUtf8At(first.text)},
+                            "no valid UTF-8; the service hands out these bytes as they are, "
+                            "and programs that expect UTF-8 refuse them");
         }
     }
 }
 
 // Whether a carriage return at the end of a line stays where somebody sees it.
-bool keepsCarriageReturn(const FileLines& file, const ReadLine& read) {
-    if (read.use != LineUse::ITEM) {
-        return false;
-    }
+bool keepsCarriageReturn(FileFormat format, const ReadLine& read) {
+    // A country whose name ends in one is unknown: the rule for countries says so.
+    // In a file of the identity, it does no harm but to one word of board_id.bin.
+    const bool isText = format != FileFormat::COUNTRY_LIST && format != FileFormat::PROJECT_ID &&
+                        format != FileFormat::BOARD_ID && format != FileFormat::COUNTRY_ID;
     const bool isInItem = read.key.find('\r') != std::string_view::npos ||
                           read.value.find('\r') != std::string_view::npos;
     // The list of models answers the rest of the line.
     const bool isInList =
-            file.format() == FileFormat::SYSTEM && read.text.find('\r') != std::string_view::npos;
-    return isInItem || isInList;
+            format == FileFormat::SYSTEM && read.text.find('\r') != std::string_view::npos;
+    return isText && read.use == LineUse::ITEM && (isInItem || isInList);
 }
 
 void checkCarriageReturns(const ProductLine& line, Reporter& reporter) {
+    const std::vector<bool> keeping = contentsThat(line, keepsCarriageReturn);
     for (const auto& [path, file] : line.files()) {
-        const ReadLine* first = nullptr;
-        size_t count = 0;
-        // A country whose name ends in one is unknown: the rule for countries says so.
-        // In a file of the identity, it does no harm but to one word of board_id.bin.
-        const bool isText = file->format() != FileFormat::COUNTRY_LIST &&
-                            file->format() != FileFormat::PROJECT_ID &&
-                            file->format() != FileFormat::BOARD_ID &&
-                            file->format() != FileFormat::COUNTRY_ID;
-        for (const ReadLine& read : file->lines()) {
-            if (isText && read.column != 0 && keepsCarriageReturn(*file, read)) {
-                first = first == nullptr ? &read : first;
-                ++count;
-            }
-        }
-        if (first == nullptr) {
+        const std::vector<const ReadLine*> lines = linesThat(*file, keeping);
+        if (lines.empty()) {
             continue;
         }
-        Place place = placeOf(line, *file, *first, "\r");
+        const ReadLine& first = *lines.front();
         std::string message = "a carriage return becomes part of ";
         message += file->format() == FileFormat::SYSTEM ? "what the list of models answers"
-                   : first->key.find('\r') != std::string_view::npos
-                           ? "the name " + quoted(first->key)
-                           : "the value " + quoted(first->value);
+                   : first.key.find('\r') != std::string_view::npos
+                           ? "the name " + quoted(first.key)
+                           : "the value " + quoted(first.value);
         message += "; end lines in a line feed alone";
-        if (count > 1) {
-            message += " (" + counted(count, "line", "lines") + ")";
+        if (lines.size() > 1) {
+            message += " (" + counted(lines.size(), "line", "lines") + ")";
         }
-        reporter.report(place, message);
+        reporter.report(placeOf(line, *file, first, "\r"), message);
     }
 }
 
-void checkTabs(const ProductLine& line, Reporter& reporter) {
-    forEachTextLine(line, [&](const FileLines& file, const ReadLine& read) {
-        const bool hasItems = file.format() == FileFormat::PROJECT ||
-                              file.format() == FileFormat::AUXILIARY ||
-                              file.format() == FileFormat::TV_FEATURES;
-        if (!hasItems || read.use != LineUse::ITEM) {
-            return;
-        }
-        if (read.key.find('\t') != std::string_view::npos) {
-            reporter.report(
-                    placeOf(line, file, read, "\t"),
-                    "a tab becomes part of the key " + quoted(read.key) + "; align with blanks");
-        } else if (!read.value.empty() &&
-                   (read.value.front() == '\t' || read.value.back() == '\t')) {
-            reporter.report(placeOf(line, file, read, read.value),
-                            "a tab becomes part of the value " + quoted(read.value) +
-                                    "; align with blanks");
-        }
-    });
+std::optional<Remark> tab(FileFormat /* format */, const ReadLine& read) {
+    if (read.use != LineUse::ITEM) {
+        return std::nullopt;
+    }
+    if (read.key.find('\t') != std::string_view::npos) {
+        return Remark{columnOf(read, "\t"),
+                      "a tab becomes part of the key " + quoted(read.key) + "; align with blanks"};
+    }
+    if (!read.value.empty() && (read.value.front() == '\t' || read.value.back() == '\t')) {
+        return Remark{
+                columnOf(read, read.value),
+                "a tab becomes part of the value " + quoted(read.value) + "; align with blanks"};
+    }
+    return std::nullopt;
 }
 
 constexpr Rule kRules[] = {
@@ -154,12 +123,12 @@ constexpr Rule kRules[] = {
          "The service cuts the line at the limit and skips the rest; a TV feature file ends there "
          "altogether. A path that is cut leads nowhere, a value that is cut is another value.",
          "CUSTOMER_ID = 17      (and 250 blanks before a remark)", "CUSTOMER_ID = 17",
-         checkLongLines},
+         checkLines<longLine>},
         {"nul-byte", Severity::ERROR, "a NUL byte ends a line early",
          "The service reads texts up to their first NUL byte. Editors hide it, so that the line "
          "looks whole.",
          "m_pPanelName = LC\\0430-A      (the value is LC)", "m_pPanelName = LC430-A",
-         checkNulBytes},
+         checkLines<nulByte>},
         {"byte-order-mark", Severity::ERROR, "a text file begins with a byte order mark",
          "The mark belongs to the first line: a comment becomes an item, a section is not "
          "recognised, and the first country of a list is unknown. Some editors write it unasked.",
@@ -179,7 +148,8 @@ constexpr Rule kRules[] = {
         {"tab", Severity::ERROR, "a tab becomes part of a key or a value",
          "Only blanks are removed around \"=\". A key with a tab at its end is another key, which "
          "nobody asks for.",
-         "m_pPanelName<TAB>= LC430-A", "m_pPanelName = LC430-A", checkTabs},
+         "m_pPanelName<TAB>= LC430-A", "m_pPanelName = LC430-A",
+         checkLines<tab, FileFormat::PROJECT, FileFormat::AUXILIARY, FileFormat::TV_FEATURES>},
 };
 
 }  // namespace

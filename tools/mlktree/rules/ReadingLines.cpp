@@ -1,168 +1,130 @@
 // Rules about lines that the service takes for something else than their author.
 
-#include <algorithm>
 #include <iterator>
+#include <optional>
+#include <string>
 
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
 namespace {
 
-template <typename Check>
-void forEachLine(const ProductLine& line, FileFormat format, const Check& check) {
-    for (const auto& [path, file] : line.files()) {
-        if (file->format() != format) {
-            continue;
-        }
-        for (const ReadLine& read : file->lines()) {
-            check(*file, read);
-        }
+std::optional<Remark> commentedKeyword(FileFormat /* format */, const ReadLine& read) {
+    if (read.use != LineUse::ITEM || !looksLikeComment(read.text)) {
+        return std::nullopt;
     }
+    return Remark{columnOf(read, read.key),
+                  "this comment counts: the service looks for " + quoted(read.key) +
+                          " anywhere in a line; remove the line, or spell the word "
+                          "differently"};
 }
 
-void checkCommentedKeywords(const ProductLine& line, Reporter& reporter) {
-    for (const FileFormat format : {FileFormat::CUSTOMER, FileFormat::SYSTEM}) {
-        forEachLine(line, format, [&](const FileLines& file, const ReadLine& read) {
-            if (read.use != LineUse::ITEM || !looksLikeComment(read.text)) {
-                return;
-            }
-            reporter.report(placeOf(line, file, read, read.key),
-                            "this comment counts: the service looks for " + quoted(read.key) +
-                                    " anywhere in a line; remove the line, or spell the word "
-                                    "differently");
-        });
+std::optional<Remark> indentedComment(FileFormat /* format */, const ReadLine& read) {
+    const std::string_view start = trimmed(read.text);
+    const bool isIndented = !read.text.empty() && start.data() != read.text.data();
+    if (read.use != LineUse::ITEM || !isIndented || !beginsWith(start, "#")) {
+        return std::nullopt;
     }
+    return Remark{columnOf(read, "#"), "no comment but an item with the key " + quoted(read.key) +
+                                               "; a comment begins in the first column"};
 }
 
-void checkIndentedComments(const ProductLine& line, Reporter& reporter) {
-    const auto check = [&](const FileLines& file, const ReadLine& read) {
-        const std::string_view start = trimmed(read.text);
-        const bool isIndented = !read.text.empty() && start.data() != read.text.data();
-        if (read.use != LineUse::ITEM || !isIndented || !beginsWith(start, "#")) {
-            return;
-        }
-        reporter.report(placeOf(line, file, read, "#"),
-                        "no comment but an item with the key " + quoted(read.key) +
-                                "; a comment begins in the first column");
-    };
-    for (const FileFormat format :
-         {FileFormat::PROJECT, FileFormat::AUXILIARY, FileFormat::TV_FEATURES}) {
-        forEachLine(line, format, check);
+std::optional<Remark> semicolonComment(FileFormat /* format */, const ReadLine& read) {
+    if (read.use != LineUse::ITEM || !beginsWith(trimmed(read.text), ";")) {
+        return std::nullopt;
     }
+    return Remark{columnOf(read, ";"),
+                  "no comment but an item with the key " + quoted(read.key) +
+                          "; in model and board files a comment begins with \"#\""};
 }
 
-void checkSemicolonComments(const ProductLine& line, Reporter& reporter) {
-    forEachLine(line, FileFormat::PROJECT, [&](const FileLines& file, const ReadLine& read) {
-        if (read.use == LineUse::ITEM && beginsWith(trimmed(read.text), ";")) {
-            reporter.report(placeOf(line, file, read, ";"),
-                            "no comment but an item with the key " + quoted(read.key) +
-                                    "; in model and board files a comment begins with \"#\"");
-        }
-    });
+// In a model or board file.
+std::optional<Remark> itemWithoutEquals(const ReadLine& read) {
+    const std::string_view code = read.text.substr(0, read.text.find('#'));
+    const std::string_view start = trimmed(read.text);
+    const bool isMark = beginsWith(read.text, kByteOrderMark);
+    const bool isBroken =
+            isMark || code.find(']') != std::string_view::npos || beginsWith(start, "[");
+    if (read.use != LineUse::ITEM || code.find('=') != std::string_view::npos ||
+        trimmed(code).empty() || beginsWith(start, ";") || isBroken) {
+        return std::nullopt;
+    }
+    return Remark{columnOf(read, start),
+                  "no \"=\": the line is an item whose key and value are both " + quoted(read.key)};
 }
 
-void checkMissingEquals(const ProductLine& line, Reporter& reporter) {
-    forEachLine(line, FileFormat::PROJECT, [&](const FileLines& file, const ReadLine& read) {
-        const std::string_view code = read.text.substr(0, read.text.find('#'));
-        const std::string_view start = trimmed(read.text);
-        const bool isMark = beginsWith(read.text, kByteOrderMark);
-        const bool isBroken =
-                isMark || code.find(']') != std::string_view::npos || beginsWith(start, "[");
-        if (read.use != LineUse::ITEM || code.find('=') != std::string_view::npos ||
-            trimmed(code).empty() || beginsWith(start, ";") || isBroken) {
-            return;
-        }
-        reporter.report(
-                placeOf(line, file, read, start),
-                "no \"=\": the line is an item whose key and value are both " + quoted(read.key));
-    });
-    for (const FileFormat format :
-         {FileFormat::CUSTOMER, FileFormat::SYSTEM, FileFormat::TV_FEATURES}) {
-        forEachLine(line, format, [&](const FileLines& file, const ReadLine& read) {
-            if (read.use == LineUse::IGNORED) {
-                reporter.report(placeOf(line, file, read, trimmed(read.text)),
-                                "no \"=\": the service skips the line");
-            }
-        });
+std::optional<Remark> missingEquals(FileFormat format, const ReadLine& read) {
+    if (format == FileFormat::PROJECT) {
+        return itemWithoutEquals(read);
     }
+    if (read.use != LineUse::IGNORED) {
+        return std::nullopt;
+    }
+    return Remark{columnOf(read, trimmed(read.text)), "no \"=\": the service skips the line"};
 }
 
 // A section line that lacks its first or last bracket, or does not begin in the first column.
-void checkSections(const ProductLine& line, Reporter& reporter) {
-    const auto check = [&](const FileLines& file, const ReadLine& read) {
-        const std::string_view code = trimmed(read.text.substr(0, read.text.find('#')));
-        const std::string_view start = trimmed(read.text);
-        if (read.use == LineUse::SECTION && read.text.find(']') == std::string_view::npos) {
-            reporter.report(placeOf(line, file, read, start),
-                            "the section is not closed: its name is " + quoted(read.section) +
-                                    ", without a \"]\"");
-        } else if (read.use == LineUse::ITEM || read.use == LineUse::IGNORED) {
-            const bool isIndented = beginsWith(code, "[") && code.find(']') != code.npos;
-            const bool lacksBracket =
-                    !code.empty() && code.back() == ']' && code.find_first_of("=[") == code.npos;
-            if (isIndented || lacksBracket) {
-                reporter.report(
-                        placeOf(line, file, read, start),
-                        std::string("no section but an item, and what follows belongs to ") +
-                                "the section above: " +
-                                (isIndented ? "a section begins in the first column"
-                                            : "the \"[\" is missing"));
-            }
-        }
-    };
-    forEachLine(line, FileFormat::PROJECT, check);
-    forEachLine(line, FileFormat::AUXILIARY, check);
+std::optional<Remark> brokenSection(FileFormat /* format */, const ReadLine& read) {
+    const std::string_view code = trimmed(read.text.substr(0, read.text.find('#')));
+    const std::string_view start = trimmed(read.text);
+    if (read.use == LineUse::SECTION && read.text.find(']') == std::string_view::npos) {
+        return Remark{columnOf(read, start), "the section is not closed: its name is " +
+                                                     quoted(read.section) + ", without a \"]\""};
+    }
+    const bool isIndented = beginsWith(code, "[") && code.find(']') != code.npos;
+    const bool lacksBracket =
+            !code.empty() && code.back() == ']' && code.find_first_of("=[") == code.npos;
+    const bool isItem = read.use == LineUse::ITEM || read.use == LineUse::IGNORED;
+    if (!isItem || (!isIndented && !lacksBracket)) {
+        return std::nullopt;
+    }
+    return Remark{
+            columnOf(read, start),
+            std::string("no section but an item, and what follows belongs to ") +
+                    "the section above: " +
+                    (isIndented ? "a section begins in the first column" : "the \"[\" is missing")};
 }
 
-void checkTextAfterSection(const ProductLine& line, Reporter& reporter) {
-    const auto check = [&](const FileLines& file, const ReadLine& read) {
-        const size_t end = read.section.rfind(']');
-        if (read.use != LineUse::SECTION || end == std::string_view::npos ||
-            end + 1 == read.section.size()) {
-            return;
-        }
-        Place place = placeOf(line, file, read);
-        place.column = read.text.find(']') + 2;
-        reporter.report(place, "what follows the \"]\" belongs to the section's name, which is " +
-                                       quoted(read.section));
-    };
-    forEachLine(line, FileFormat::PROJECT, check);
-    forEachLine(line, FileFormat::AUXILIARY, check);
+std::optional<Remark> textAfterSection(FileFormat /* format */, const ReadLine& read) {
+    const size_t end = read.section.rfind(']');
+    if (read.use != LineUse::SECTION || end == std::string_view::npos ||
+        end + 1 == read.section.size()) {
+        return std::nullopt;
+    }
+    return Remark{read.text.find(']') + 2,
+                  "what follows the \"]\" belongs to the section's name, which is " +
+                          quoted(read.section)};
 }
 
-void checkUnendedLines(const ProductLine& line, Reporter& reporter) {
-    forEachLine(line, FileFormat::TV_FEATURES, [&](const FileLines& file, const ReadLine& read) {
-        const bool isComment = beginsWith(read.text, "#");
-        if (read.use == LineUse::LOST && !read.isCut && !read.hasNul && !isComment) {
-            Place place = placeOf(line, file, read);
-            place.column = read.text.size() + 1;
-            reporter.report(place,
-                            "the last line has no line end, so the service does not read it");
-        }
-    });
+std::optional<Remark> unendedLine(FileFormat /* format */, const ReadLine& read) {
+    const bool isComment = beginsWith(read.text, "#");
+    if (read.use != LineUse::LOST || read.isCut || read.hasNul || isComment) {
+        return std::nullopt;
+    }
+    return Remark{read.text.size() + 1,
+                  "the last line has no line end, so the service does not read it"};
 }
 
-void checkFeatureBlanks(const ProductLine& line, Reporter& reporter) {
-    forEachLine(line, FileFormat::TV_FEATURES, [&](const FileLines& file, const ReadLine& read) {
-        if (read.use != LineUse::ITEM || looksLikeComment(read.text)) {
-            return;
-        }
-        const std::string_view key = trimmed(read.key);
-        const std::string_view value = trimmed(read.value);
-        if (key != read.key && !key.empty()) {
-            reporter.report(placeOf(line, file, read, key),
-                            "the blanks belong to the key " + quoted(read.key) +
-                                    ", which nobody asks for; write " +
-                                    quoted(std::string(key) + "=" + std::string(value)));
-        } else if (value != read.value && value.find('#') == std::string_view::npos) {
-            reporter.report(placeOf(line, file, read, "="),
-                            "the blanks belong to the value " + quoted(read.value) + "; write " +
-                                    quoted(std::string(key) + "=" + std::string(value)));
-        }
-    });
+std::optional<Remark> featureBlanks(FileFormat /* format */, const ReadLine& read) {
+    if (read.use != LineUse::ITEM || looksLikeComment(read.text)) {
+        return std::nullopt;
+    }
+    const std::string_view key = trimmed(read.key);
+    const std::string_view value = trimmed(read.value);
+    const std::string right = "; write " + quoted(std::string(key) + "=" + std::string(value));
+    if (key != read.key && !key.empty()) {
+        return Remark{columnOf(read, key), "the blanks belong to the key " + quoted(read.key) +
+                                                   ", which nobody asks for" + right};
+    }
+    if (value != read.value && value.find('#') == std::string_view::npos) {
+        return Remark{columnOf(read, "="),
+                      "the blanks belong to the value " + quoted(read.value) + right};
+    }
+    return std::nullopt;
 }
 
 constexpr Rule kRules[] = {
@@ -171,40 +133,46 @@ constexpr Rule kRules[] = {
          "is "
          "commented out still raises the highest index, stands in the menu and can be selected.",
          "#Model_7 = /tvconfigs/model/seven.ini", "# The seventh model is not sold any more.",
-         checkCommentedKeywords},
+         checkLines<commentedKeyword, FileFormat::CUSTOMER, FileFormat::SYSTEM>},
         {"indented-comment", Severity::WARNING, "a comment does not begin in the first column",
          "The line becomes an item. In a model file its name is empty, and it stands in every dump "
          "of the section.",
-         "   # 43 inch", "# 43 inch", checkIndentedComments},
+         "   # 43 inch", "# 43 inch",
+         checkLines<indentedComment, FileFormat::PROJECT, FileFormat::AUXILIARY,
+                    FileFormat::TV_FEATURES>},
         {"semicolon-comment", Severity::WARNING,
          "a line of a model or board file begins with a semicolon",
          "Semicolons are removed from model and board files, and the rest is an item. Only audio, "
          "karaoke, key and DDC/CI files have comments with a semicolon.",
          "; m_pPanelName = LC430-B      (the panel is LC430-B)", "# m_pPanelName = LC430-B",
-         checkSemicolonComments},
+         checkLines<semicolonComment, FileFormat::PROJECT>},
         {"no-equals", Severity::ERROR, "a line has no \"=\"",
          "In a model or board file the line becomes an item whose value is its own name; elsewhere "
          "it is skipped.",
-         "m_pPanelName LC430-A", "m_pPanelName = LC430-A", checkMissingEquals},
+         "m_pPanelName LC430-A", "m_pPanelName = LC430-A",
+         checkLines<missingEquals, FileFormat::PROJECT, FileFormat::CUSTOMER, FileFormat::SYSTEM,
+                    FileFormat::TV_FEATURES>},
         {"broken-section", Severity::ERROR, "a section line lacks a bracket or is indented",
          "The items that follow belong to another section, where nobody asks for them.",
-         "PANEL]\nm_pPanelName = LC430-A", "[PANEL]\nm_pPanelName = LC430-A", checkSections},
+         "PANEL]\nm_pPanelName = LC430-A", "[PANEL]\nm_pPanelName = LC430-A",
+         checkLines<brokenSection, FileFormat::PROJECT, FileFormat::AUXILIARY>},
         {"text-after-section", Severity::ERROR, "a text follows the \"]\" of a section",
          "It belongs to the name of the section, which nobody asks for then. In model and board "
          "files a comment with \"#\" may follow; in audio, karaoke, key and DDC/CI files the blank "
          "before the comment already belongs to the name.",
          "[SPEAKER] # built in      (of an audio file)", "# built in\n[SPEAKER]",
-         checkTextAfterSection},
+         checkLines<textAfterSection, FileFormat::PROJECT, FileFormat::AUXILIARY>},
         {"unended-line", Severity::ERROR, "the last line of a TV feature file has no line end",
          "The service reads a line of this file when it meets the line's end, so the last feature "
          "is lost.",
          "persist.vendor.mlk.tv.enable_dtv=true<end of file>",
-         "persist.vendor.mlk.tv.enable_dtv=true<line feed>", checkUnendedLines},
+         "persist.vendor.mlk.tv.enable_dtv=true<line feed>",
+         checkLines<unendedLine, FileFormat::TV_FEATURES>},
         {"feature-blanks", Severity::ERROR, "a TV feature has blanks around its \"=\"",
          "TV feature files are read as they are: a blank belongs to the key or to the value. The "
          "feature then comes from the property, or is off.",
          "persist.vendor.mlk.tv.enable_hdmi = true", "persist.vendor.mlk.tv.enable_hdmi=true",
-         checkFeatureBlanks},
+         checkLines<featureBlanks, FileFormat::TV_FEATURES>},
 };
 
 }  // namespace
