@@ -81,13 +81,15 @@ void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {
         uint32_t& counts = mItems.findOrAdd(hashOf(line.section, line.key), [&](uint32_t other) {
             return mLines[other].section == line.section && mLines[other].key == line.key;
         });
-        const bool isFirst = counts == product::HashIndex::kNone;
-        if (isFirst || lastCounts(mFormat)) {
-            if (!isFirst) {
-                mCounts[counts] = false;
-            }
+        const uint32_t former = counts;
+        if (former == product::HashIndex::kNone || lastCounts(mFormat)) {
             mCounts[i] = true;
             counts = i;
+        }
+        if (former != product::HashIndex::kNone) {
+            const uint32_t outdone = counts == i ? former : i;
+            mCounts[outdone] = false;
+            mOutdone.push_back(&mLines[outdone]);
         }
     }
 }

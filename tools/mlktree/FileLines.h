@@ -62,6 +62,9 @@ class FileLines : public ReadObserver {
     /** Whether a line, one of lines(), gives its item the value. */
     bool counts(const ReadLine& line) const { return mCounts[indexOf(line)]; }
 
+    /** Items that do not count, because another line gives their item the value. */
+    const std::vector<const ReadLine*>& outdone() const { return mOutdone; }
+
     /** The content of each line, by its number in LineContents; empty for an XML file. */
     const std::vector<uint32_t>& contents() const { return mContents; }
     /** The content of a line, one of lines() of a text file. */
@@ -96,7 +99,8 @@ class FileLines : public ReadObserver {
     std::map<std::string_view, const ReadLine*> mSections;
     // The lines that count, by the hash of section and key.
     vendor::morlak::mlkconfigs::V1_0::implementation::HashIndex mItems;
-    std::vector<bool> mCounts;        // of each line
+    std::vector<bool> mCounts;  // of each line
+    std::vector<const ReadLine*> mOutdone;
     std::vector<uint32_t> mContents;  // of each line
 };
 

@@ -28,6 +28,7 @@ class ProductLineBuilder {
 
   private:
     using Request = std::pair<std::string, FileFormat>;  // path relative to the tree
+    using NamingLists = std::vector<std::vector<Naming>*>;
 
     void readIdentity();
     void findCustomers();
@@ -45,8 +46,9 @@ class ProductLineBuilder {
     const FileLines* fileOf(const std::string& path) const { return mLine.find(path); }
     /** Remembers that a line names a path. */
     void name(const std::string& path, const FileLines* file, const ReadLine* line);
-    /** Remembers what an item names, and asks for the file if the service reads it. */
-    void followItem(const FileLines& file, const ReadLine& line);
+    /** The lists of those who name a file, to which an item belongs; the same for all lines that
+     * read alike. Asks for the files that the service reads. */
+    NamingLists namingListsOf(const ReadLine& line);
     void ask(const std::string& path, FileFormat format) { mRequests.emplace_back(path, format); }
     void readRequests();
     /** Keeps a file that was read otherwise than by a request. */

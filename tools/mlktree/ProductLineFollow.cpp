@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "projectconfigs/KnownItems.h"
@@ -34,14 +35,22 @@ void ProductLineBuilder::followItems() {
     for (const Board& board : mLine.mBoards) {
         files.insert(board.file);
     }
+    std::vector<std::optional<NamingLists>> lists(mLine.contents().size());  // by content
     // In the order of their paths, so that the result is the same from run to run.
     for (const auto& [path, file] : mLine.mFiles) {
         if (files.find(file.get()) == files.end()) {
             continue;
         }
         for (const ReadLine& line : file->lines()) {
-            if (file->counts(line)) {
-                followItem(*file, line);
+            if (!file->counts(line)) {
+                continue;
+            }
+            std::optional<NamingLists>& known = lists[file->contentOf(line)];
+            if (!known) {
+                known = namingListsOf(line);
+            }
+            for (std::vector<Naming>* const list : *known) {
+                list->push_back({file.get(), &line});
             }
         }
     }
@@ -58,23 +67,22 @@ void ProductLineBuilder::followItems() {
     readRequests();
 }
 
-void ProductLineBuilder::followItem(const FileLines& file, const ReadLine& line) {
+ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine& line) {
     const product::KnownItem* const known = product::findKnownItem({line.section, line.key});
     const bool isPath = !line.value.empty() && line.value.front() == '/';
     const bool namesFile = known != nullptr && (known->type == product::ValueType::PATH ||
                                                 known->type == product::ValueType::FOLDER);
     if (line.value.empty() || (!isPath && !namesFile)) {
-        return;
+        return {};
     }
     std::string path = pathOf(line.value);
     if (namesFile && known->names == FileFormat::CHANNEL_PLANS) {
         addOnce(mPlanFolders, path);
-        name(path + product::kChannelMapFile, &file, &line);
-        return;
+        return {&mLine.mNamings[path + product::kChannelMapFile]};
     }
-    name(path, &file, &line);
+    NamingLists lists = {&mLine.mNamings[path]};
     if (!namesFile) {
-        return;
+        return lists;
     }
     if (known->names == FileFormat::TV_SYSTEMS) {
         addOnce(mTvSystemPaths, path);
@@ -87,11 +95,12 @@ void ProductLineBuilder::followItem(const FileLines& file, const ReadLine& line)
         for (const std::string& avr : filesIn(mLine.mTree.host(folder), kIniEnding)) {
             if (avr.compare(0, 4, "AVR_") == 0) {
                 const std::string avrPath = pathIn(folder, avr);
-                name(avrPath, &file, &line);
+                lists.push_back(&mLine.mNamings[avrPath]);
                 ask(avrPath, FileFormat::AUXILIARY);
             }
         }
     }
+    return lists;
 }
 
 void ProductLineBuilder::followTvSystems() {
@@ -114,7 +123,9 @@ void ProductLineBuilder::followTvSystems() {
     for (const TvSystemFiles& files : mLine.mTvSystems) {
         for (const ReadLine& line : files.file->lines()) {
             if (line.use == LineUse::ITEM && !line.section.empty() && line.isNew) {
-                followItem(*files.file, line);
+                for (std::vector<Naming>* const list : namingListsOf(line)) {
+                    list->push_back({files.file, &line});
+                }
             }
         }
         if (files.map == nullptr) {

@@ -3,10 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <cctype>
-#include <set>
 #include <string>
-#include <unordered_set>
 
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/Texts.h"
@@ -72,54 +69,7 @@ bool areWordsAlike(std::string_view name, std::string_view other) {
     return differsInCase(name, other) || !nearest(own, {right}).empty();
 }
 
-// The items that other rules have nothing to say about.
-std::vector<const ReadLine*> soundItemsOf(const FileLines& file) {
-    std::vector<const ReadLine*> items;
-    bool isBroken = false;
-    for (const ReadLine& read : file.lines()) {
-        if (read.use == LineUse::SECTION) {
-            isBroken = !isWholeSection(read.section);
-            continue;
-        }
-        if (read.use != LineUse::ITEM) {
-            continue;
-        }
-        isBroken |= isBrokenSection(read);
-        const bool isSound = !read.key.empty() && read.text.find('=') != std::string_view::npos &&
-                             !looksLikeComment(read.text) &&
-                             std::none_of(read.key.begin(), read.key.end(),
-                                          [](unsigned char c) { return std::iscntrl(c) != 0; });
-        if (!isBroken && isSound && file.find(read.section, read.key) == &read) {
-            items.push_back(&read);
-        }
-    }
-    return items;
-}
-
-std::vector<ItemFile> findItemFiles(const ProductLine& line) {
-    std::vector<ItemFile> files;
-    std::set<const FileLines*> seen;
-    const auto add = [&](const FileLines* file, bool isBoard) {
-        const bool isUsed = file != nullptr && file->format() == FileFormat::PROJECT &&
-                            file->exists() && !file->isUnreadable();
-        if (isUsed && seen.insert(file).second) {
-            files.push_back({file, isBoard, soundItemsOf(*file)});
-        }
-    };
-    for (const Model& model : line.models()) {
-        add(model.counts ? model.file : nullptr, false);
-    }
-    for (const Board& board : line.boards()) {
-        add(board.file, true);
-    }
-    return files;
-}
-
 }  // namespace
-
-const std::vector<ItemFile>& itemFilesOf(const ProductLine& line) {
-    return line.memo().get<std::vector<ItemFile>>([&] { return findItemFiles(line); });
-}
 
 const std::vector<std::string_view>& knownSections() {
     static const std::vector<std::string_view> sections = [] {
@@ -177,70 +127,6 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
 bool differsInCase(std::string_view one, std::string_view other) {
     return one != other && one.size() == other.size() &&
            strncasecmp(one.data(), other.data(), one.size()) == 0;
-}
-
-namespace {
-
-Misspellings findMisspellings(const ProductLine& line, const std::vector<ItemFile>& files) {
-    Misspellings result;
-    const auto stands = [&](const auto& inFile) {
-        return std::any_of(files.begin(), files.end(), inFile);
-    };
-    std::set<std::string_view> sections;
-    std::unordered_set<ItemName, ItemNameHash> keys;
-    for (const ItemFile& item : files) {
-        for (const auto& [name, first] : item.file->sections()) {
-            sections.insert(name);
-        }
-        for (const ReadLine* const read : item.items) {
-            keys.emplace(read->section, read->key);
-        }
-    }
-    constexpr size_t kMostSearches = 20'000;  // more names than any line that somebody wrote has
-    size_t searches = 0;
-    for (const std::string_view name : sections) {
-        const std::vector<std::string_view>& known = knownSections();
-        if (std::find(known.begin(), known.end(), name) != known.end() || !isWholeSection(name) ||
-            line.settings().knowsSection(name)) {
-            continue;
-        }
-        if (++searches > kMostSearches) {
-            break;
-        }
-        const std::string_view right = nearestName(name, known);
-        const auto hasBoth = [&](const ItemFile& item) {
-            return item.file->sections().count(name) > 0 && item.file->sections().count(right) > 0;
-        };
-        if (!right.empty() && (differsInCase(name, right) || !stands(hasBoth))) {
-            result.sections.emplace(name, right);
-        }
-    }
-    searches = 0;
-    for (const auto& [section, key] : keys) {
-        if (product::findKnownItem({section, key}) != nullptr ||
-            line.settings().find(section, key) != nullptr) {
-            continue;
-        }
-        if (++searches > kMostSearches) {
-            break;
-        }
-        const std::string_view right = nearestName(key, knownKeysIn(section));
-        const auto hasBoth = [&, inSection = section, own = key](const ItemFile& item) {
-            return item.file->find(inSection, own) != nullptr &&
-                   item.file->find(inSection, right) != nullptr;
-        };
-        if (!right.empty() && (differsInCase(key, right) || !stands(hasBoth))) {
-            result.keys.emplace(std::pair(section, key), right);
-        }
-    }
-    return result;
-}
-
-}  // namespace
-
-const Misspellings& misspellingsOf(const ProductLine& line) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    return line.memo().get<Misspellings>([&] { return findMisspellings(line, files); });
 }
 
 }  // namespace mlk::tree

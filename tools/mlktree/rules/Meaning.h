@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -11,17 +11,88 @@
 
 namespace mlk::tree {
 
-/** A project or board file that exists, with what the rules about its items ask of it. */
-struct ItemFile {
-    const FileLines* file = nullptr;
-    bool isBoard = false;
-    /** Items that count, have a "=" and a key, and stand in a section of which nothing is broken.
-     */
-    std::vector<const ReadLine*> items;
+/** A section and a key of it. */
+using ItemName = std::pair<std::string_view, std::string_view>;
+
+/** A section's name in model and board files. */
+struct SectionFacts {
+    size_t models = 0;      /**< model files that have it */
+    std::string_view meant; /**< the known name that is probably meant; else empty */
 };
 
-/** The project files that count for some model, and the board files; each once. */
-const std::vector<ItemFile>& itemFilesOf(const ProductLine& line);
+/** An item's name in model and board files. */
+struct ItemFacts {
+    size_t number = 0; /**< the name's place in ItemTable::items */
+    const vendor::morlak::mlkconfigs::V1_0::implementation::KnownItem* known = nullptr;
+    const OwnKey* own = nullptr; /**< what mlktree.toml declares it as; null if it does not */
+    size_t models = 0;           /**< model files that have it as a sound item */
+    size_t files = 0;            /**< board files, too */
+    std::string_view meant;      /**< the known key of its section that is meant; else empty */
+
+    /** True if the service or mlktree.toml knows the name. */
+    bool isKnown() const { return known != nullptr || own != nullptr; }
+};
+
+/** A project or board file that exists, with what the rules about its items ask of it. */
+struct ItemFile {
+    struct Section {
+        std::string_view name;
+        const ReadLine* first;
+        const SectionFacts* facts;
+    };
+    struct Item {
+        const ReadLine* line;
+        const ItemFacts* facts;
+    };
+
+    const FileLines* file = nullptr;
+    bool isBoard = false;
+    std::vector<Section> sections; /**< by name */
+    /** Those that count, have a "=" and a key, and stand in a section of which nothing is broken:
+     * no other rule has something to say about them. */
+    std::vector<Item> items;
+};
+
+/** The items of model and board files, and what is known of their names. */
+struct ItemTable {
+    std::vector<ItemFile> files; /**< files that count for some model, then boards; each once */
+    std::map<std::string_view, SectionFacts> sections;
+    std::map<ItemName, ItemFacts> items;
+
+    /** The facts of a name; null if no sound item has it. */
+    const ItemFacts* find(const ItemName& name) const;
+};
+
+/**
+ * The items of a product line.
+ *
+ * A name is meant for a known one that is near, unless mlktree.toml declares it, or some file has
+ * both names and more than their case differs.
+ */
+const ItemTable& itemTableOf(const ProductLine& line);
+
+/**
+ * Calls visit(file, line, facts) for each sound item whose name passes the test, file by file.
+ *
+ * @param test  gets the name and its facts
+ */
+template <typename Test, typename Visit>
+void forEachItemThat(const ItemTable& table, const Test& test, const Visit& visit) {
+    std::vector<bool> chosen;
+    for (const auto& [name, facts] : table.items) {
+        chosen.push_back(test(name, facts));
+    }
+    if (std::find(chosen.begin(), chosen.end(), true) == chosen.end()) {
+        return;
+    }
+    for (const ItemFile& file : table.files) {
+        for (const ItemFile::Item& item : file.items) {
+            if (chosen[item.facts->number]) {
+                visit(*file.file, *item.line, *item.facts);
+            }
+        }
+    }
+}
 
 /** Sections of the project store that the service reads, each once. */
 const std::vector<std::string_view>& knownSections();
@@ -44,30 +115,5 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
 
 /** True if two names differ in the case of letters only. */
 bool differsInCase(std::string_view one, std::string_view other);
-
-/** A section and a key of it. */
-using ItemName = std::pair<std::string_view, std::string_view>;
-
-/** For tables of items. */
-struct ItemNameHash {
-    size_t operator()(const ItemName& name) const {
-        const std::hash<std::string_view> hash;
-        return hash(name.first) * 31 + hash(name.second);
-    }
-};
-
-/** Names of the product line that are meant for names that the service looks for. */
-struct Misspellings {
-    /** From a section to the known one that is meant. */
-    std::map<std::string_view, std::string_view> sections;
-    /** From section and key to the known key that is meant. */
-    std::map<ItemName, std::string_view> keys;
-};
-
-/**
- * Finds the misspelt names of all files. A name that mlktree.toml declares is right, and so is one
- * that stands in some file beside the known name, unless only the case differs.
- */
-const Misspellings& misspellingsOf(const ProductLine& line);
 
 }  // namespace mlk::tree

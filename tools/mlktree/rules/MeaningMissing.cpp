@@ -10,6 +10,7 @@
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
@@ -28,34 +29,41 @@ std::string lowerCase(std::string_view text) {
 }
 
 // True if a line that other rules report was probably meant to be this item, or its section.
-bool isMeantSomewhere(const FileLines& file, const product::ConfigKey& name,
-                      const Misspellings& misspelt) {
-    const std::string key = lowerCase(name.key);
-    const std::string section = lowerCase(name.category.substr(1, name.category.size() - 2));
-    for (const ReadLine& read : file.lines()) {
-        if (read.use == LineUse::NOTHING) {
-            continue;
-        }
-        const bool isBroken = isBrokenSection(read) || beginsWith(read.text, kByteOrderMark) ||
-                              (read.use == LineUse::SECTION && !isWholeSection(read.section));
-        if (isBroken && lowerCase(read.text).find(section) != std::string::npos) {
-            return true;
-        }
-        if (read.use == LineUse::SECTION) {
-            const auto meant = misspelt.sections.find(read.section);
-            if (meant != misspelt.sections.end() && meant->second == name.category) {
-                return true;
-            }
-            continue;
-        }
-        const auto meant = misspelt.keys.find({read.section, read.key});
-        if ((meant != misspelt.keys.end() && meant->second == name.key &&
-             read.section == name.category) ||
-            lowerCase(trimmed(read.text.substr(0, read.text.find('=')))).find(key) == 0) {
-            return true;
-        }
+bool isMeantBy(const ReadLine& read, const ItemTable& table, const product::ConfigKey& name) {
+    if (read.use == LineUse::NOTHING) {
+        return false;
     }
-    return false;
+    const bool isBroken = isBrokenSection(read) || beginsWith(read.text, kByteOrderMark) ||
+                          (read.use == LineUse::SECTION && !isWholeSection(read.section));
+    const std::string_view section = name.category.substr(1, name.category.size() - 2);
+    if (isBroken && lowerCase(read.text).find(lowerCase(section)) != std::string::npos) {
+        return true;
+    }
+    if (read.use == LineUse::SECTION) {
+        const auto facts = table.sections.find(read.section);
+        return facts != table.sections.end() && facts->second.meant == name.category;
+    }
+    const ItemFacts* const facts = table.find({read.section, read.key});
+    return (facts != nullptr && facts->meant == name.key && read.section == name.category) ||
+           lowerCase(trimmed(read.text.substr(0, read.text.find('=')))).find(lowerCase(name.key)) ==
+                   0;
+}
+
+// Takes out the files of which some line was meant to be the item.
+void dropMeant(const ProductLine& line, const product::ConfigKey& name,
+               std::vector<const ItemFile*>& files) {
+    if (files.empty()) {
+        return;
+    }
+    const ItemTable& table = itemTableOf(line);
+    const std::vector<bool> meaning =
+            contentsThat(line, [&](FileFormat format, const ReadLine& read) {
+                return format == FileFormat::PROJECT && isMeantBy(read, table, name);
+            });
+    const auto isMeantSomewhere = [&](const ItemFile* item) {
+        return !linesThat(*item->file, meaning).empty();
+    };
+    files.erase(std::remove_if(files.begin(), files.end(), isMeantSomewhere), files.end());
 }
 
 // The models that have an item, and those that lack it without another finding.
@@ -85,27 +93,38 @@ Spread spreadOf(const std::vector<ItemFile>& files, const product::ConfigKey& na
     return spread;
 }
 
+// By the rows of kKnownItems.
+const std::vector<Spread>& spreadsOf(const ProductLine& line) {
+    const std::vector<ItemFile>& files = itemTableOf(line).files;
+    return line.memo().get<std::vector<Spread>>([&] {
+        std::vector<Spread> spreads;
+        for (const product::KnownItem& known : product::kKnownItems) {
+            spreads.push_back(spreadOf(files, known.name));
+        }
+        return spreads;
+    });
+}
+
 // Reports the items that `isUnusual` asks for, one finding a section of a file.
 template <typename IsUnusual>
 void checkItems(const ProductLine& line, Reporter& reporter, const IsUnusual& isUnusual) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
     struct Lack {
         std::string keys;
         size_t having = 0;
     };
     std::map<std::pair<const FileLines*, std::string_view>, Lack> lacks;
-    for (const product::KnownItem& known : product::kKnownItems) {
-        const Spread spread = spreadOf(files, known.name);
+    for (size_t i = 0; i < std::size(product::kKnownItems); ++i) {
+        const product::ConfigKey& name = product::kKnownItems[i].name;
+        const Spread& spread = spreadsOf(line)[i];
         if (!isUnusual(spread)) {
             continue;
         }
-        for (const ItemFile* const item : spread.lacking) {
-            if (!isMeantSomewhere(*item->file, known.name, misspelt)) {
-                Lack& lack = lacks[{item->file, known.name.category}];
-                lack.keys += (lack.keys.empty() ? "" : ", ") + std::string(known.name.key);
-                lack.having = std::max(lack.having, spread.having);
-            }
+        std::vector<const ItemFile*> lacking = spread.lacking;
+        dropMeant(line, name, lacking);
+        for (const ItemFile* const item : lacking) {
+            Lack& lack = lacks[{item->file, name.category}];
+            lack.keys += (lack.keys.empty() ? "" : ", ") + std::string(name.key);
+            lack.having = std::max(lack.having, spread.having);
         }
     }
     for (const auto& [name, lack] : lacks) {
@@ -150,16 +169,18 @@ bool hasFeaturesOfCountries(const ProductLine& line, const FileLines& model) {
 }
 
 void checkFeatures(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
     const product::ConfigKey& name = product::kTvConfigItem;
-    const Spread spread = spreadOf(files, name);
+    const Spread spread = spreadOf(itemTableOf(line).files, name);
+    if (isAlone(spread)) {
+        return;  // another rule reports it
+    }
     const std::string usual = "tvconfigs" + std::string(product::kDefaultTvConfigFile);
     const bool hasUsual = product::pathExists(line.tree().host(usual));
-    for (const ItemFile* const item : spread.lacking) {
+    std::vector<const ItemFile*> lacking = spread.lacking;
+    dropMeant(line, name, lacking);
+    for (const ItemFile* const item : lacking) {
         const bool isOfCountry = hasFeaturesOfCountries(line, *item->file);
-        if ((hasUsual && !isOfCountry) || isMeantSomewhere(*item->file, name, misspelt) ||
-            isAlone(spread)) {
+        if (hasUsual && !isOfCountry) {
             continue;
         }
         const auto section = item->file->sections().find(name.category);

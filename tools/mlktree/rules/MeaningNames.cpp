@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
@@ -17,15 +18,13 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-using Names = std::vector<std::string_view>;
-
-bool has(const Names& names, std::string_view name) {
+bool has(const std::vector<std::string_view>& names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-bool isKnown(const ProductLine& line, const ReadLine& read) {
-    return product::findKnownItem({read.section, read.key}) != nullptr ||
-           line.settings().find(read.section, read.key) != nullptr;
+bool isMeantSection(const ItemTable& table, std::string_view section) {
+    const auto found = table.sections.find(section);
+    return found != table.sections.end() && !found->second.meant.empty();
 }
 
 std::string isMeant(std::string_view name, std::string_view right) {
@@ -35,34 +34,28 @@ std::string isMeant(std::string_view name, std::string_view right) {
 }
 
 void checkSections(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
-    for (const ItemFile& item : files) {
-        for (const auto& [name, first] : item.file->sections()) {
-            const auto right = misspelt.sections.find(name);
-            if (right != misspelt.sections.end()) {
+    for (const ItemFile& item : itemTableOf(line).files) {
+        for (const auto& [name, first, facts] : item.sections) {
+            if (!facts->meant.empty()) {
                 reporter.report(placeOf(line, *item.file, *first, name),
                                 "no client finds the items of " + quoted(name) + ": " +
-                                        isMeant(name, right->second));
+                                        isMeant(name, facts->meant));
             }
         }
     }
 }
 
 void checkKeys(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
-    for (const ItemFile& item : files) {
-        for (const ReadLine* const read : item.items) {
-            const auto right = misspelt.keys.find({read->section, read->key});
-            if (right != misspelt.keys.end()) {
-                reporter.report(placeOf(line, *item.file, *read, read->key),
-                                "nobody asks for " + std::string(read->section) + " " +
-                                        quoted(read->key) + ": " +
-                                        isMeant(read->key, right->second));
-            }
-        }
-    }
+    const auto hasMeaning = [](const ItemName& /* name */, const ItemFacts& facts) {
+        return !facts.meant.empty();
+    };
+    forEachItemThat(itemTableOf(line), hasMeaning,
+                    [&](const FileLines& file, const ReadLine& read, const ItemFacts& facts) {
+                        reporter.report(placeOf(line, file, read, read.key),
+                                        "nobody asks for " + std::string(read.section) + " " +
+                                                quoted(read.key) + ": " +
+                                                isMeant(read.key, facts.meant));
+                    });
 }
 
 // The only section in which the service looks for the key; nothing if there are several or none.
@@ -80,27 +73,26 @@ std::optional<std::string_view> sectionOf(std::string_view key) {
 }
 
 void checkPlaces(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
-    for (const ItemFile& item : files) {
-        for (const ReadLine* const read : item.items) {
-            const std::optional<std::string_view> right = sectionOf(read->key);
-            if (!right || isKnown(line, *read) || misspelt.sections.count(read->section) > 0 ||
-                item.file->find(*right, read->key) != nullptr) {
-                continue;
-            }
-            const auto users = std::count_if(files.begin(), files.end(), [&](const ItemFile& f) {
-                return f.file->find(read->section, read->key) != nullptr;
+    const ItemTable& table = itemTableOf(line);
+    const auto isMisplaced = [&](const ItemName& name, const ItemFacts& facts) {
+        const auto isUser = [&](const ItemFile& item) {
+            return item.file->find(name.first, name.second) != nullptr;
+        };
+        return !facts.isKnown() && !isMeantSection(table, name.first) && sectionOf(name.second) &&
+               std::count_if(table.files.begin(), table.files.end(), isUser) == 1;
+    };
+    forEachItemThat(
+            table, isMisplaced, [&](const FileLines& file, const ReadLine& read, const ItemFacts&) {
+                const std::string_view right = *sectionOf(read.key);
+                if (file.find(right, read.key) != nullptr) {
+                    return;
+                }
+                reporter.report(placeOf(line, file, read, read.key),
+                                "the service looks for " + quoted(read.key) + " in " +
+                                        std::string(right) + ", not in " +
+                                        (read.section.empty() ? "the lines before any section"
+                                                              : std::string(read.section)));
             });
-            if (users == 1) {
-                reporter.report(placeOf(line, *item.file, *read, read->key),
-                                "the service looks for " + quoted(read->key) + " in " +
-                                        std::string(*right) + ", not in " +
-                                        (read->section.empty() ? "the lines before any section"
-                                                               : std::string(read->section)));
-            }
-        }
-    }
 }
 
 // Names by how many model files have them.
@@ -133,27 +125,20 @@ void sortByUse(Uses& uses, bool isSmall) {
     uses.mostUsed.resize(std::min(uses.mostUsed.size(), kMostCandidates));
 }
 
-Usage findUsage(const std::vector<ItemFile>& files) {
+Usage findUsage(const ItemTable& table) {
     Usage usage;
-    for (const ItemFile& item : files) {
-        if (item.isBoard) {
-            continue;
+    for (const auto& [name, facts] : table.sections) {
+        if (facts.models > 0) {
+            usage.sections.counts.emplace(name, facts.models);
         }
-        for (const auto& [name, first] : item.file->sections()) {
-            usage.sections.counts[name] += 1;
-        }
-        std::string_view section;
-        Uses* uses = nullptr;
-        for (const ReadLine* const read : item.items) {
-            if (uses == nullptr || read->section != section) {
-                section = read->section;
-                uses = &usage.keys[section];
-            }
-            uses->counts[read->key] += 1;
+    }
+    for (const auto& [name, facts] : table.items) {
+        if (facts.models > 0) {
+            usage.keys[name.first].counts.emplace(name.second, facts.models);
         }
     }
     constexpr size_t kFewFiles = 20;
-    const bool isSmall = files.size() < kFewFiles;
+    const bool isSmall = table.files.size() < kFewFiles;
     sortByUse(usage.sections, isSmall);
     for (auto& [section, uses] : usage.keys) {
         sortByUse(uses, isSmall);
@@ -161,16 +146,11 @@ Usage findUsage(const std::vector<ItemFile>& files) {
     return usage;
 }
 
-const Usage& usageOf(const ProductLine& line) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    return line.memo().get<Usage>([&] { return findUsage(files); });
-}
-
 // The near name that more model files have than this one; empty if there is none.
 std::string_view commonNameFor(const Uses& uses, std::string_view name) {
     const auto own = uses.counts.find(name);
     const size_t count = own != uses.counts.end() ? own->second : 0;
-    Names candidates;
+    std::vector<std::string_view> candidates;
     for (const std::string_view candidate : uses.mostUsed) {
         if (uses.counts.at(candidate) <= count) {
             break;
@@ -186,58 +166,55 @@ std::string unlike(const Uses& uses, std::string_view name, std::string_view rig
            ", not " + quoted(name);
 }
 
-void checkUnlikeSections(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Usage& usage = usageOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
-    std::map<std::string_view, std::string_view> common;
-    for (const ItemFile& item : files) {
-        for (const auto& [name, first] : item.file->sections()) {
-            if (!isWholeSection(name) || has(knownSections(), name) ||
-                misspelt.sections.count(name) > 0 || line.settings().knowsSection(name)) {
-                continue;
-            }
-            const auto [right, isNew] = common.try_emplace(name);
-            if (isNew) {
-                right->second = commonNameFor(usage.sections, name);
-            }
-            if (!right->second.empty() && item.file->sections().count(right->second) == 0) {
+void checkUnlikeSections(const ProductLine& line, Reporter& reporter, const ItemTable& table,
+                         const Uses& uses) {
+    std::map<const SectionFacts*, std::string_view> common;
+    for (const auto& [name, facts] : table.sections) {
+        const bool isUnknown = isWholeSection(name) && facts.meant.empty() &&
+                               !has(knownSections(), name) && !line.settings().knowsSection(name);
+        const std::string_view right = isUnknown ? commonNameFor(uses, name) : "";
+        if (!right.empty()) {
+            common.emplace(&facts, right);
+        }
+    }
+    for (const ItemFile& item : table.files) {
+        for (const auto& [name, first, facts] : item.sections) {
+            const auto right = common.find(facts);
+            if (right != common.end() && item.file->sections().count(right->second) == 0) {
                 reporter.report(placeOf(line, *item.file, *first, name),
-                                unlike(usage.sections, name, right->second));
+                                unlike(uses, name, right->second));
             }
         }
     }
 }
 
-void checkUnlikeKeys(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
-    const Usage& usage = usageOf(line);
-    const Misspellings& misspelt = misspellingsOf(line);
-    std::unordered_map<ItemName, std::string_view, ItemNameHash> common;
-    for (const ItemFile& item : files) {
-        for (const ReadLine* const read : item.items) {
-            const std::pair name(read->section, read->key);
-            const auto keys = usage.keys.find(read->section);
-            if (keys == usage.keys.end() || isKnown(line, *read) ||
-                misspelt.sections.count(read->section) > 0 || misspelt.keys.count(name) > 0) {
-                continue;
-            }
-            const auto [right, isNew] = common.try_emplace(name);
-            if (isNew) {
-                right->second = commonNameFor(keys->second, read->key);
-            }
-            if (!right->second.empty() &&
-                item.file->find(read->section, right->second) == nullptr) {
-                reporter.report(placeOf(line, *item.file, *read, read->key),
-                                unlike(keys->second, read->key, right->second));
-            }
+void checkUnlikeKeys(const ProductLine& line, Reporter& reporter, const ItemTable& table,
+                     const Usage& usage) {
+    std::map<const ItemFacts*, std::string_view> common;
+    const auto hasCommonName = [&](const ItemName& name, const ItemFacts& facts) {
+        const auto uses = usage.keys.find(name.first);
+        if (uses == usage.keys.end() || facts.isKnown() || !facts.meant.empty() ||
+            isMeantSection(table, name.first)) {
+            return false;
         }
-    }
+        const std::string_view right = commonNameFor(uses->second, name.second);
+        return !right.empty() && common.emplace(&facts, right).second;
+    };
+    forEachItemThat(table, hasCommonName,
+                    [&](const FileLines& file, const ReadLine& read, const ItemFacts& facts) {
+                        const std::string_view right = common.at(&facts);
+                        if (file.find(read.section, right) == nullptr) {
+                            reporter.report(placeOf(line, file, read, read.key),
+                                            unlike(usage.keys.at(read.section), read.key, right));
+                        }
+                    });
 }
 
 void checkUnlike(const ProductLine& line, Reporter& reporter) {
-    checkUnlikeSections(line, reporter);
-    checkUnlikeKeys(line, reporter);
+    const ItemTable& table = itemTableOf(line);
+    const Usage usage = findUsage(table);
+    checkUnlikeSections(line, reporter, table, usage.sections);
+    checkUnlikeKeys(line, reporter, table, usage);
 }
 
 constexpr Rule kRules[] = {

@@ -90,24 +90,24 @@ Related declarationOf(const OwnKey& key) {
 
 void checkValues(const ProductLine& line, Reporter& reporter) {
     std::map<const OwnKey*, std::regex> patterns;
-    for (const ItemFile& item : itemFilesOf(line)) {
-        for (const ReadLine* const read : item.items) {
-            const OwnKey* const key = line.settings().find(read->section, read->key);
-            const std::string problem =
-                    key != nullptr ? problemOfOwn(*key, read->value, patterns) : "";
-            if (!problem.empty()) {
-                const std::string_view needle = read->value.empty() ? "=" : read->value;
-                reporter.report(
-                        placeOf(line, *item.file, *read, needle),
-                        std::string(read->section) + " " + std::string(read->key) + ": " + problem,
-                        {declarationOf(*key)});
-            }
-        }
-    }
+    const auto isOwn = [](const ItemName& /* name */, const ItemFacts& facts) {
+        return facts.own != nullptr;
+    };
+    forEachItemThat(itemTableOf(line), isOwn,
+                    [&](const FileLines& file, const ReadLine& read, const ItemFacts& facts) {
+                        const std::string problem = problemOfOwn(*facts.own, read.value, patterns);
+                        if (!problem.empty()) {
+                            const std::string_view needle = read.value.empty() ? "=" : read.value;
+                            reporter.report(placeOf(line, file, read, needle),
+                                            std::string(read.section) + " " +
+                                                    std::string(read.key) + ": " + problem,
+                                            {declarationOf(*facts.own)});
+                        }
+                    });
 }
 
 void checkRequired(const ProductLine& line, Reporter& reporter) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const std::vector<ItemFile>& files = itemTableOf(line).files;
     for (const OwnKey& key : line.settings().keys) {
         const auto lacks = [&](const ItemFile& item) {
             return item.file->find(key.section, key.key) == nullptr;

@@ -1,6 +1,7 @@
 // Rules about paths that cannot lead to a file of the partitions, or that their reader does not
 // take.
 
+#include <algorithm>
 #include <iterator>
 #include <set>
 #include <string>
@@ -21,15 +22,23 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-// Calls check(path relative to the tree, naming) for each line whose value is a path as written;
-// once, even if its path stands for several files.
+// Calls check(path relative to the tree, naming) for each line whose value is a path of that form,
+// as written; once, even if its path stands for several files.
 template <typename Check>
-void forEachWholePath(const ProductLine& line, const Check& check) {
+void forEachPathOf(const ProductLine& line, PathForm form, const Check& check) {
     std::set<const ReadLine*> seen;
     for (const auto& [path, namings] : line.namedPaths()) {
+        std::string_view value;  // most lines that name a file have the same one
+        bool isOfForm = false;
         for (const Naming& naming : namings) {
-            if (isWholePath(naming) && !naming.line->value.empty() &&
-                !hasBlankInElement(*naming.line) && seen.insert(naming.line).second) {
+            if (!isWholePath(naming) || naming.line->value.empty()) {
+                continue;
+            }
+            if (naming.line->value != value) {
+                value = naming.line->value;
+                isOfForm = formOf(value) == form;
+            }
+            if (isOfForm && !hasBlankInElement(*naming.line) && seen.insert(naming.line).second) {
                 check(path, naming);
             }
         }
@@ -43,9 +52,9 @@ void reportAt(const ProductLine& line, Reporter& reporter, const Naming& naming,
 }
 
 void checkPrefixes(const ProductLine& line, Reporter& reporter) {
-    forEachWholePath(line, [&](const std::string& path, const Naming& naming) {
+    forEachPathOf(line, PathForm::BESIDE, [&](const std::string& path, const Naming& naming) {
         const std::string_view value = naming.line->value;
-        if (formOf(value) != PathForm::BESIDE || product::pathExists(line.tree().host(path))) {
+        if (product::pathExists(line.tree().host(path))) {
             return;
         }
         const std::string_view folder = value.substr(0, value.find('/', 1));
@@ -59,10 +68,10 @@ void checkPrefixes(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkRelative(const ProductLine& line, Reporter& reporter) {
-    forEachWholePath(line, [&](const std::string& /* path */, const Naming& naming) {
+    forEachPathOf(line, PathForm::RELATIVE, [&](const std::string&, const Naming& naming) {
         const std::string value(naming.line->value);
         const bool isBoard = naming.file->format() == FileFormat::BOARD_ID;
-        if (formOf(value) == PathForm::RELATIVE && (!isBoard || value.find('/') != value.npos)) {
+        if (!isBoard || value.find('/') != value.npos) {
             const bool lacksSlash = formOf("/" + value) == PathForm::INSIDE;
             reportAt(line, reporter, naming,
                      "a path begins with a \"/\" and a partition" +
@@ -73,8 +82,8 @@ void checkRelative(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkOutside(const ProductLine& line, Reporter& reporter) {
-    forEachWholePath(line, [&](const std::string& /* path */, const Naming& naming) {
-        if (formOf(naming.line->value) == PathForm::OUTSIDE && isOfService(naming)) {
+    forEachPathOf(line, PathForm::OUTSIDE, [&](const std::string&, const Naming& naming) {
+        if (isOfService(naming)) {
             reportAt(line, reporter, naming,
                      "the path leads out of the partitions, and whether the file exists is not "
                      "checked");
@@ -113,21 +122,27 @@ std::string problemOfLength(const ProductLine& line, const std::string& path,
 }
 
 void checkLengths(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kShortestLimit =
+            std::min({product::kAvrPathSize, product::kFileNameSize, product::kFeaturePathSize});
     for (const auto& [path, namings] : line.namedPaths()) {
+        const size_t size = line.tree().written(line.tree().host(path)).size();
         for (const Naming& naming : namings) {
-            const std::string problem = naming.file != nullptr && naming.line != nullptr
-                                                ? problemOfLength(line, path, naming)
-                                                : "";
-            if (!problem.empty()) {
-                const bool isOther =
-                        product::fileNameOf(path) != product::fileNameOf(naming.line->value);
-                std::vector<Related> related;
-                if (isOther) {
-                    related.push_back({{path, 0, 0}, "a file that is found by this path"});
-                }
-                reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value),
-                                problem, std::move(related));
+            if (naming.file == nullptr || naming.line == nullptr ||
+                std::max(size, naming.line->value.size()) < kShortestLimit) {
+                continue;
             }
+            const std::string problem = problemOfLength(line, path, naming);
+            if (problem.empty()) {
+                continue;
+            }
+            const bool isOther =
+                    product::fileNameOf(path) != product::fileNameOf(naming.line->value);
+            std::vector<Related> related;
+            if (isOther) {
+                related.push_back({{path, 0, 0}, "a file that is found by this path"});
+            }
+            reporter.report(placeOf(line, *naming.file, *naming.line, naming.line->value), problem,
+                            std::move(related));
         }
     }
 }

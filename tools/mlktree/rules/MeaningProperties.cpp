@@ -146,7 +146,7 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
 }
 
 bool hasDelays(const ProductLine& line) {
-    const std::vector<ItemFile>& files = itemFilesOf(line);
+    const std::vector<ItemFile>& files = itemTableOf(line).files;
     return std::any_of(files.begin(), files.end(), [](const ItemFile& item) {
         return item.file->find(product::item::kPanelAudio.category,
                                product::item::kPanelAudio.key) != nullptr;

@@ -19,41 +19,35 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-// Calls check(file, line, item) for each known item of a model, a board or a TV system.
-template <typename Check>
-void forEachKnownItem(const ProductLine& line, const Check& check) {
-    for (const ItemFile& item : itemFilesOf(line)) {
-        for (const ReadLine* const read : item.items) {
-            const auto* const known = product::findKnownItem({read->section, read->key});
-            if (known != nullptr) {
-                check(*item.file, *read, *known);
-            }
-        }
-    }
-    for (const TvSystemFiles& systems : line.tvSystems()) {
-        for (const ReadLine& read : systems.file->lines()) {
-            const auto* const known = product::findKnownItem({read.section, read.key});
-            if (read.use == LineUse::ITEM && read.isNew && known != nullptr) {
-                check(*systems.file, read, *known);
-            }
-        }
+void checkValue(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                const ReadLine& read, const product::KnownItem& item) {
+    const std::string problem = problemOf(item.type, trimmed(read.value), {item.least, item.most});
+    if (!problem.empty()) {
+        // The caret stands after the "=" if there is no value.
+        const std::string_view needle = read.value.empty() ? "=" : read.value;
+        reporter.report(placeOf(line, file, read, needle),
+                        std::string(read.section) + " " + std::string(read.key) + ": " + problem);
     }
 }
 
+// Checks the known items of a type: those of models, boards and TV systems.
 void checkType(const ProductLine& line, Reporter& reporter, product::ValueType type) {
-    forEachKnownItem(line, [&](const FileLines& file, const ReadLine& read,
-                               const product::KnownItem& item) {
-        const std::string problem =
-                item.type == type ? problemOf(type, trimmed(read.value), {item.least, item.most})
-                                  : "";
-        if (!problem.empty()) {
-            // The caret stands after the "=" if there is no value.
-            const std::string_view needle = read.value.empty() ? "=" : read.value;
-            reporter.report(
-                    placeOf(line, file, read, needle),
-                    std::string(read.section) + " " + std::string(read.key) + ": " + problem);
+    const auto isOfType = [type](const ItemName& /* name */, const ItemFacts& facts) {
+        return facts.known != nullptr && facts.known->type == type;
+    };
+    forEachItemThat(itemTableOf(line), isOfType,
+                    [&](const FileLines& file, const ReadLine& read, const ItemFacts& facts) {
+                        checkValue(line, reporter, file, read, *facts.known);
+                    });
+    for (const TvSystemFiles& systems : line.tvSystems()) {
+        for (const ReadLine& read : systems.file->lines()) {
+            const auto* const known = product::findKnownItem({read.section, read.key});
+            if (read.use == LineUse::ITEM && read.isNew && known != nullptr &&
+                known->type == type) {
+                checkValue(line, reporter, *systems.file, read, *known);
+            }
         }
-    });
+    }
 }
 
 void checkNumbers(const ProductLine& line, Reporter& reporter) {
@@ -102,8 +96,7 @@ void checkDelays(const ProductLine& line, Reporter& reporter) {
     }
     for (const FileLines* const file : files) {
         for (const ReadLine& read : file->lines()) {
-            if (read.use != LineUse::ITEM || file->find(read.section, read.key) != &read ||
-                isNumber(read)) {
+            if (!file->counts(read) || isNumber(read)) {
                 continue;
             }
             const std::string_view value = trimmed(read.value);

@@ -1,5 +1,6 @@
 // Rules about lines of which only one counts.
 
+#include <algorithm>
 #include <iterator>
 #include <map>
 #include <set>
@@ -27,6 +28,23 @@ std::string nameOfItem(const ReadLine& read) {
                                 : std::string(read.section) + " " + std::string(read.key);
 }
 
+// The items of which the file has several of one name, in their order.
+std::vector<const ReadLine*> linesOfKeysTwice(const FileLines& file) {
+    std::vector<const ReadLine*> lines;
+    for (const ReadLine* const read : file.outdone()) {
+        for (const ReadLine* const each : {read, file.find(read->section, read->key)}) {
+            const bool isComment =
+                    file.format() == FileFormat::CUSTOMER && looksLikeComment(each->text);
+            if (!isComment) {
+                lines.push_back(each);
+            }
+        }
+    }
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+    return lines;
+}
+
 void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
         const bool hasItems =
@@ -36,12 +54,8 @@ void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         std::map<std::pair<std::string_view, std::string_view>, const ReadLine*> seen;
-        for (const ReadLine& read : file->lines()) {
-            const bool isComment =
-                    file->format() == FileFormat::CUSTOMER && looksLikeComment(read.text);
-            if (read.use != LineUse::ITEM || isComment) {
-                continue;
-            }
+        for (const ReadLine* const each : linesOfKeysTwice(*file)) {
+            const ReadLine& read = *each;
             const auto [former, isNew] = seen.try_emplace({read.section, read.key}, &read);
             if (isNew) {
                 continue;
@@ -66,7 +80,7 @@ void checkBoards(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         for (const ReadLine& read : board.file->lines()) {
-            if (read.use != LineUse::ITEM || board.file->find(read.section, read.key) != &read) {
+            if (!board.file->counts(read)) {
                 continue;
             }
             std::vector<Related> related;
@@ -117,16 +131,18 @@ void checkCountries(const ProductLine& line, Reporter& reporter) {
             if (read.use != LineUse::ITEM || read.section.empty()) {
                 continue;
             }
-            for (const Model* const model : models) {
-                const ReadLine* const other = model->file->find(read.section, read.key);
-                if (other == nullptr || !names.insert(nameOfItem(read)).second) {
-                    continue;
-                }
-                first = first == nullptr ? &read : first;
-                if (related.size() < kMostRelated) {
-                    related.push_back({placeOf(line, *model->file, *other, other->value),
-                                       nameOfItem(read) + " is replaced"});
-                }
+            const std::string name = nameOfItem(read);
+            const auto model = std::find_if(models.begin(), models.end(), [&](const Model* each) {
+                return each->file->find(read.section, read.key) != nullptr;
+            });
+            if (model == models.end() || !names.insert(name).second) {
+                continue;
+            }
+            first = first == nullptr ? &read : first;
+            if (related.size() < kMostRelated) {
+                const FileLines& file = *(*model)->file;
+                const ReadLine& other = *file.find(read.section, read.key);
+                related.push_back({placeOf(line, file, other, other.value), name + " is replaced"});
             }
         }
         if (first != nullptr) {
