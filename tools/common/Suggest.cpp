@@ -30,19 +30,29 @@ std::string initialsOf(std::string_view name) {
 
 }  // namespace
 
-size_t editDistance(std::string_view one, std::string_view other) {
-    // Rows of the table of distances between the prefixes of both words.
-    std::vector<size_t> beforeLast(other.size() + 1);
-    std::vector<size_t> last(other.size() + 1);
-    std::vector<size_t> row(other.size() + 1);
-    for (size_t j = 0; j <= other.size(); ++j) {
+size_t editDistance(std::string_view one, std::string_view other, size_t most) {
+    const size_t longer = std::max(one.size(), other.size());
+    if (longer - std::min(one.size(), other.size()) > most) {
+        return most + 1;
+    }
+    // Rows of the table of distances between the prefixes of both words. Prefixes whose lengths
+    // differ by more than the limit are too far apart, whatever their letters.
+    const size_t limit = std::min(most, longer);
+    std::vector<size_t> beforeLast(other.size() + 1, limit + 1);
+    std::vector<size_t> last(beforeLast);
+    std::vector<size_t> row(beforeLast);
+    for (size_t j = 0; j <= std::min(limit, other.size()); ++j) {
         row[j] = j;
     }
+    size_t leastOfLast = 0;
     for (size_t i = 1; i <= one.size(); ++i) {
         beforeLast.swap(last);
         last.swap(row);
-        row[0] = i;
-        for (size_t j = 1; j <= other.size(); ++j) {
+        const size_t begin = i > limit ? i - limit : 1;
+        const size_t end = std::min(i + limit, other.size());
+        row[begin - 1] = begin == 1 ? i : limit + 1;
+        size_t least = row[begin - 1];
+        for (size_t j = begin; j <= end; ++j) {
             const size_t change = small(one[i - 1]) == small(other[j - 1]) ? 0 : 1;
             row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
             const bool swapped = i > 1 && j > 1 && small(one[i - 1]) == small(other[j - 2]) &&
@@ -50,9 +60,14 @@ size_t editDistance(std::string_view one, std::string_view other) {
             if (swapped) {
                 row[j] = std::min(row[j], beforeLast[j - 2] + 1);
             }
+            least = std::min(least, row[j]);
         }
+        if (std::min(least, leastOfLast + 1) > limit) {
+            return limit + 1;
+        }
+        leastOfLast = least;
     }
-    return row[other.size()];
+    return std::min(row[other.size()], limit + 1);
 }
 
 std::string_view suggestion(std::string_view word,
@@ -76,7 +91,7 @@ std::string_view suggestion(std::string_view word,
         if (word.size() > candidate.size() + limit) {
             continue;
         }
-        const size_t distance = editDistance(word, candidate);
+        const size_t distance = editDistance(word, candidate, limit);
         if (distance <= limit && (nearest.empty() || distance < least)) {
             nearest = candidate;
             least = distance;

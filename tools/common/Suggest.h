@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,8 +10,12 @@ namespace mlk {
 /**
  * The number of letters that have to be changed, added, removed or swapped with a neighbour to turn
  * one word into the other. Case does not count.
+ *
+ * @param most  the largest number of interest: a larger one may be given as most + 1, and is found
+ *              sooner
  */
-size_t editDistance(std::string_view one, std::string_view other);
+size_t editDistance(std::string_view one, std::string_view other,
+                    size_t most = std::numeric_limits<size_t>::max() - 1);
 
 /**
  * The candidate that the user probably meant. That is the first one that differs only in case; else

@@ -35,8 +35,8 @@ size_t caseDistance(std::string_view one, std::string_view other) {
 
 }  // namespace
 
-size_t distanceOf(std::string_view one, std::string_view other) {
-    return editDistance(joined(one), joined(other));
+size_t distanceOf(std::string_view one, std::string_view other, size_t most) {
+    return editDistance(joined(one), joined(other), most);
 }
 
 std::string_view nearest(std::string_view word, const std::vector<std::string_view>& candidates) {
@@ -49,7 +49,7 @@ std::string_view nearest(std::string_view word, const std::vector<std::string_vi
         if (candidate.empty() || longer - std::min(word.size(), candidate.size()) > limit) {
             continue;
         }
-        const size_t distance = distanceOf(word, candidate);
+        const size_t distance = distanceOf(word, candidate, limit);
         const size_t inCase = caseDistance(word, candidate);
         if (distance < longer &&
             (distance < bestDistance || (distance == bestDistance && inCase < bestCase))) {

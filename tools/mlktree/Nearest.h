@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,11 @@ namespace mlk::tree {
  * How many typing mistakes turn one word into the other: letters that are left out, added, wrong or
  * exchanged with their neighbour. The case of letters makes no difference, and neither does a blank
  * or "-" instead of "_".
+ *
+ * @param most  as of editDistance()
  */
-size_t distanceOf(std::string_view one, std::string_view other);
+size_t distanceOf(std::string_view one, std::string_view other,
+                  size_t most = std::numeric_limits<size_t>::max() - 1);
 
 /**
  * The candidate that somebody who typed `word` probably meant: the one at the smallest distance; of

@@ -19,6 +19,28 @@ TEST(EditDistanceTest, CountsSteps) {
     EXPECT_EQ(editDistance("kitten", "sitting"), 3U);
 }
 
+// Words of a few letters have all distances, and several ways to get there.
+TEST(EditDistanceTest, StopsAtTheLimit) {
+    std::vector<std::string> words;
+    for (size_t number = 0; number < 200; ++number) {
+        std::string word;
+        for (size_t rest = number * number + 1; rest > 1; rest /= 3) {
+            word += static_cast<char>('a' + rest % 3);
+        }
+        words.push_back(word);
+    }
+    for (const std::string& one : words) {
+        for (const std::string& other : words) {
+            const size_t distance = editDistance(one, other);
+            EXPECT_EQ(editDistance(other, one), distance) << one << " " << other;
+            for (size_t most = 0; most < 5; ++most) {
+                EXPECT_EQ(editDistance(one, other, most), std::min(distance, most + 1))
+                        << one << " " << other << " " << most;
+            }
+        }
+    }
+}
+
 TEST(SuggestionTest, FindsTheNearest) {
     const std::vector<std::string_view> methods = {"getPQPath", "getEQPath", "getAQPath",
                                                    "setFlag"};

@@ -111,6 +111,9 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
     std::vector<std::string_view> candidates;
     for (const std::string_view candidate : names) {
         const std::string_view other = withoutBrackets(candidate);
+        if (!isMeant(word, other)) {
+            continue;
+        }
         const bool isNumbered = withoutDigits(word) == withoutDigits(other);
         const bool isShort = word.size() <= 2 && !differsInCase(word, other);
         if (!isNumbered && !isShort && areWordsAlike(word, other)) {

@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cctype>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -144,23 +144,38 @@ std::set<std::string> modelFoldersOf(const ProductLine& line) {
     return folders;
 }
 
+// What the search of tvconfigs found.
+struct Unused {
+    std::vector<std::string> paths;  // of the unused files, in their order
+    std::vector<std::pair<std::string, std::string>> unsearched;  // folder, reason
+};
+
+Unused findUnused(const ProductLine& line) {
+    Unused unused;
+    Search search(line, foldersOfOthers(line));
+    search.search("tvconfigs");
+    unused.unsearched = std::move(search.unsearched);
+    if (line.models().empty()) {
+        return unused;  // another finding
+    }
+    const std::set<FileId> used = usedFilesOf(line);
+    for (const Found& found : search.files) {
+        if (used.count(found.id) == 0) {
+            unused.paths.push_back(found.path);
+        }
+    }
+    std::sort(unused.paths.begin(), unused.paths.end());
+    return unused;
+}
+
+const Unused& unusedOf(const ProductLine& line) {
+    return line.memo().get<Unused>([&] { return line.isWhole() ? findUnused(line) : Unused(); });
+}
+
 }  // namespace
 
 std::vector<std::string> unusedFilesOf(const ProductLine& line) {
-    if (!line.isWhole() || line.models().empty()) {
-        return {};  // other findings
-    }
-    Search search(line, foldersOfOthers(line));
-    search.search("tvconfigs");
-    const std::set<FileId> used = usedFilesOf(line);
-    std::vector<std::string> paths;
-    for (const Found& found : search.files) {
-        if (used.count(found.id) == 0) {
-            paths.push_back(found.path);
-        }
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
+    return unusedOf(line).paths;
 }
 
 namespace {
@@ -171,25 +186,40 @@ bool isModel(const std::set<std::string>& folders, const std::string& path) {
            path.compare(path.size() - kEnd.size(), kEnd.size(), kEnd) == 0;
 }
 
-// True if a line of a system file has the name, however it is misspelt otherwise.
-bool isMeantSomewhere(const ProductLine& line, const std::string& path) {
-    const std::string name = path.substr(path.rfind('/') + 1);
+std::string lowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+// The lines of the system files but for comments, in small letters.
+std::string textOfSystems(const ProductLine& line) {
+    std::string text;
     for (const Customer& customer : line.customers()) {
         for (const ReadLine& read :
              customer.system != nullptr ? customer.system->lines() : kNoLines) {
-            const std::string text(read.text);
-            if (!looksLikeComment(text) && strcasestr(text.c_str(), name.c_str()) != nullptr) {
-                return true;
+            if (!looksLikeComment(read.text)) {
+                text.append(lowerCase(std::string(read.text))).append("\n");
             }
         }
     }
-    return false;
+    return text;
 }
 
 void checkModels(const ProductLine& line, Reporter& reporter) {
     const std::set<std::string> folders = modelFoldersOf(line);
-    for (const std::string& path : unusedFilesOf(line)) {
-        if (isModel(folders, path) && !isMeantSomewhere(line, path)) {
+    const std::string systems = textOfSystems(line);
+    size_t searches = 0;
+    for (const std::string& path : unusedOf(line).paths) {
+        if (!isModel(folders, path)) {
+            continue;
+        }
+        if (++searches > Reporter::kMostOfRule) {
+            break;  // each searches all lines, and nobody reads more findings
+        }
+        // A line that has the name, however it is misspelt otherwise, has another finding.
+        const std::string name = lowerCase(path.substr(path.rfind('/') + 1));
+        if (systems.find(name) == std::string::npos) {
             reporter.reportIn(
                     {}, {path, 0, 0},
                     "no line of a system file names this model file, so no set can be it");
@@ -200,7 +230,7 @@ void checkModels(const ProductLine& line, Reporter& reporter) {
 void checkFiles(const ProductLine& line, Reporter& reporter) {
     const std::set<std::string> folders = modelFoldersOf(line);
     std::map<std::string, std::vector<std::string>> unused;
-    for (const std::string& path : unusedFilesOf(line)) {
+    for (const std::string& path : unusedOf(line).paths) {
         if (!isModel(folders, path)) {
             unused[folderOf(path)].push_back(path);
         }
@@ -219,12 +249,7 @@ void checkFiles(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkUnsearched(const ProductLine& line, Reporter& reporter) {
-    if (!line.isWhole()) {
-        return;
-    }
-    Search search(line, foldersOfOthers(line));
-    search.search("tvconfigs");
-    for (const auto& [folder, reason] : search.unsearched) {
+    for (const auto& [folder, reason] : unusedOf(line).unsearched) {
         reporter.reportIn({}, {folder, 0, 0}, "not searched for unused files: " + reason);
     }
 }

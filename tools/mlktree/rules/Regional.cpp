@@ -111,7 +111,7 @@ std::string_view countryMeantBy(std::string_view name) {
     }();
     const std::string_view word = trimmed(name);
     for (const OtherName& other : kOtherNames) {
-        if (other.name.size() == word.size() && distanceOf(other.name, word) == 0) {
+        if (other.name.size() == word.size() && distanceOf(other.name, word, 0) == 0) {
             return other.country;
         }
     }

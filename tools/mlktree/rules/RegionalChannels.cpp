@@ -72,7 +72,7 @@ class NamesInVain {
         const auto isNear = [plan](std::string_view name) {
             return std::max(name.size(), plan.size()) - std::min(name.size(), plan.size()) <=
                            kMostMistakes &&
-                   distanceOf(name, plan) <= kMostMistakes;
+                   distanceOf(name, plan, kMostMistakes) <= kMostMistakes;
         };
         return mIgnored.count(plan) > 0 || std::any_of(mMissing.begin(), mMissing.end(), isNear);
     }

@@ -195,6 +195,14 @@ TEST_F(CheckTest, RefusesAWrongBaseline) {
     EXPECT_EQ(check({"--baseline", "a", "--write-baseline", "b"}).status, 2);
 }
 
+TEST_F(CheckTest, SuggestsTheCountryThatIsMeant) {
+    const Outcome misspelt = check({"--country", "GERMNY"});
+    EXPECT_EQ(misspelt.status, 2);
+    EXPECT_THAT(misspelt.err, HasSubstr("--country GERMNY: the service knows no such country; did "
+                                        "you mean GERMANY?"));
+    EXPECT_THAT(check({"--country", "ATLANTIS"}).err, HasSubstr("no such country\n"));
+}
+
 TEST_F(CheckTest, WritesToAFile) {
     breakModel();
     const std::string path = mDir.path("out.json");
