@@ -146,8 +146,11 @@ Usage findUsage(const ItemTable& table) {
     return usage;
 }
 
+// More names that stand out than any line that somebody wrote has.
+constexpr size_t kMostSearches = 2'000;
+
 // The near name that more model files have than this one; empty if there is none.
-std::string_view commonNameFor(const Uses& uses, std::string_view name) {
+std::string_view commonNameFor(const Uses& uses, std::string_view name, size_t& searches) {
     const auto own = uses.counts.find(name);
     const size_t count = own != uses.counts.end() ? own->second : 0;
     std::vector<std::string_view> candidates;
@@ -157,7 +160,8 @@ std::string_view commonNameFor(const Uses& uses, std::string_view name) {
         }
         candidates.push_back(candidate);
     }
-    return nearestName(name, candidates);
+    const bool isSearched = !candidates.empty() && ++searches <= kMostSearches;
+    return isSearched ? nearestName(name, candidates) : std::string_view();
 }
 
 std::string unlike(const Uses& uses, std::string_view name, std::string_view right) {
@@ -169,10 +173,11 @@ std::string unlike(const Uses& uses, std::string_view name, std::string_view rig
 void checkUnlikeSections(const ProductLine& line, Reporter& reporter, const ItemTable& table,
                          const Uses& uses) {
     std::map<const SectionFacts*, std::string_view> common;
+    size_t searches = 0;
     for (const auto& [name, facts] : table.sections) {
         const bool isUnknown = isWholeSection(name) && facts.meant.empty() &&
                                !has(knownSections(), name) && !line.settings().knowsSection(name);
-        const std::string_view right = isUnknown ? commonNameFor(uses, name) : "";
+        const std::string_view right = isUnknown ? commonNameFor(uses, name, searches) : "";
         if (!right.empty()) {
             common.emplace(&facts, right);
         }
@@ -191,13 +196,14 @@ void checkUnlikeSections(const ProductLine& line, Reporter& reporter, const Item
 void checkUnlikeKeys(const ProductLine& line, Reporter& reporter, const ItemTable& table,
                      const Usage& usage) {
     std::map<const ItemFacts*, std::string_view> common;
+    size_t searches = 0;
     const auto hasCommonName = [&](const ItemName& name, const ItemFacts& facts) {
         const auto uses = usage.keys.find(name.first);
         if (uses == usage.keys.end() || facts.isKnown() || !facts.meant.empty() ||
             isMeantSection(table, name.first)) {
             return false;
         }
-        const std::string_view right = commonNameFor(uses->second, name.second);
+        const std::string_view right = commonNameFor(uses->second, name.second, searches);
         return !right.empty() && common.emplace(&facts, right).second;
     };
     forEachItemThat(table, hasCommonName,
