@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "projectconfigs/KnownItems.h"
+#include "projectconfigs/ProjectID.h"
+#include "regional/RegionalData.h"
+#include "regional/TvSysMapCfgHolder.h"
 #include "tools/common/Json.h"
 #include "tools/mlktree/answers/LineAnswers.h"
 #include "tools/mlktree/report/AnswersData.h"
@@ -14,8 +18,11 @@
 #include "tools/mlktree/report/Findings.h"
 #include "tools/mlktree/report/ServiceData.h"
 #include "tools/mlktree/report/TextTable.h"
+#include "tools/mlktree/set/SetModel.h"
 
 namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
@@ -113,14 +120,64 @@ std::string summaryOf(const ProductLine& line, const CheckReport& report, const 
             .str();
 }
 
-// Value and file in turns: what values of items name.
+// The country of the tree's own set: the saved one; without it the first of the country map, as
+// after a start of the service.
+_tv_country countryOfSet(const ProductLine& line, int64_t index) {
+    const Tree& tree = line.tree();
+    product::RegionalData data([&tree] { return tree.partitions(); });
+    const product::TvSysMapCfgHolder holder(tree.partitions(), line.properties(), data);
+    if (const auto saved = holder.savedCountry()) {
+        return *saved;
+    }
+    for (const Model& model : line.models()) {
+        for (const Board& board : line.boards()) {
+            const bool isOwn = model.counts && model.index == index && board.file != nullptr &&
+                               board.file->path() == line.boardOfSet();
+            const LayeredItem systems =
+                    isOwn ? line.item(model, board, product::item::kTvSystems.category,
+                                      product::item::kTvSystems.key)
+                          : LayeredItem();
+            for (const TvSystemFiles& files : line.tvSystems()) {
+                if (systems &&
+                    files.file->path() == tree.relative(tree.hostOfWritten(systems.line->value))) {
+                    return files.systems->firstCountry();
+                }
+            }
+        }
+    }
+    return kNoCountry;
+}
+
+// The set that impdata and tvdata select: the index of its model, its board file, its country. The
+// page begins with it.
+std::string ownSetJson(const ProductLine& line, const FileTable& files) {
+    const int64_t index = product::ProjectID::read(line.tree().partitions().impdata).value_or(0);
+    const size_t board = files.idOf(line.boardOfSet());
+    return JsonObject()
+            .number("model", index)
+            .number("board", board < files.size() ? static_cast<int64_t>(board) : -1)
+            .number("country", countryOfSet(line, index))
+            .str();
+}
+
+// Whether the values of a file's lines are values of items.
+bool hasItems(const FileLines& file) {
+    return file.format() == FileFormat::PROJECT || file.format() == FileFormat::TV_SYSTEMS ||
+           file.format() == FileFormat::COUNTRY_MAP;
+}
+
+// Value and file in turns: what values of items name. A line may name further files beside that of
+// its value: the receivers' audio files, the map in a folder of plans.
 std::string namedJson(const ProductLine& line, const FileTable& files, TextTable& texts) {
+    const Tree& tree = line.tree();
     std::map<std::string_view, size_t> named;
     for (const auto& [path, namings] : line.namedPaths()) {
         for (const Naming& naming : namings) {
-            if (naming.line != nullptr && !naming.line->value.empty()) {
-                named.emplace(naming.line->value, files.idOf(path));
+            if (naming.line == nullptr || naming.line->value.empty() || !hasItems(*naming.file)) {
+                continue;
             }
+            const size_t own = files.idOf(tree.relative(tree.hostOfWritten(naming.line->value)));
+            named.emplace(naming.line->value, own < files.size() ? own : files.idOf(path));
         }
     }
     NumberList list;
@@ -141,6 +198,7 @@ ReportData reportDataOf(const ProductLine& line, const CheckReport& report) {
     all.json("files", files.json(texts))
             .json("findings", findingsJson(report, files, texts))
             .json("rules", rulesJson())
+            .json("own", ownSetJson(line, files))
             .json("named", namedJson(line, files, texts))
             .json("answers", answersJson(line, *answersOf(line), files, texts));
     addService(all, line, files, texts);

@@ -112,6 +112,22 @@ std::string flagsJson() {
     return jsonArray(rows);
 }
 
+// All kinds of plans, in the order of `mlktree show`.
+std::string kindsJson() {
+    std::vector<std::string> kinds;
+    for (const auto type : ::android::hardware::hidl_enum_range<FreqTableType>()) {
+        const bool isCable = type == FreqTableType::DTV_CABLE || type == FreqTableType::ATV_CABLE;
+        if (!isCable) {
+            kinds.push_back(toString(type));
+            continue;
+        }
+        for (const auto cable : ::android::hardware::hidl_enum_range<AtscCableType>()) {
+            kinds.push_back(toString(type) + " " + toString(cable));
+        }
+    }
+    return jsonTexts(kinds);
+}
+
 std::string systemJson(const ProductLine& line, const TvSystemFiles& systems,
                        const FileTable& files, TextTable& texts) {
     const CountryItems items(systems);
@@ -150,6 +166,7 @@ void addService(JsonObject& data, const ProductLine& line, const FileTable& file
             .json("known", knownJson())
             .json("modulations", modulationsJson())
             .json("flags", flagsJson())
+            .json("kinds", kindsJson())
             .json("systems", jsonArray(systems))
             .json("countryNumbers", numbers.json());
 }

@@ -23,6 +23,7 @@ ARGUMENTS = (
     "--no-default-browser-check",
     "--force-device-scale-factor=1",
     "--hide-scrollbars",
+    "--disable-ipc-flooding-protection",  # a test follows hundreds of links
 )
 
 
@@ -58,6 +59,7 @@ class Page:
         self.driver.get("about:blank")
         self.driver.get(self.uri + route)
         self.wait(lambda: self.run("return document.documentElement.dataset.state") in (until, "failed"))
+        self.settle()
         return self
 
     def go(self, route):
@@ -71,6 +73,13 @@ class Page:
         self.wait(lambda: self.run("return window.__gone !== false"))
         self.settle()
         return self
+
+    def follow(self, link):
+        """Clicks a link, and waits for the view that it leads to."""
+        self.run("window.__gone = false; addEventListener('hashchange', () => { window.__gone = true; }, {once: true});")
+        link.click()
+        self.wait(lambda: self.run("return window.__gone"))
+        self.settle()
 
     def settle(self):
         """Waits until what was asked for in this frame is drawn."""

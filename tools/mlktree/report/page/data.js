@@ -6,6 +6,7 @@
 //                               lost: line, value and the line that counts, in fours
 //   findings, rules             of mlktree check
 //   customers, models, boards   of the line; numbers of files are -1 for none
+//   own                         the set that impdata and tvdata select
 //   named                       value and file in turns: what values of items name
 //   answers                     what sets answer, in pieces that many sets share (sets.js)
 class Data {

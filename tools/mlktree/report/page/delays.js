@@ -32,6 +32,8 @@ function delayPicture(rows, roles, width) {
                                svg("title", {}, `${role}: ${value} ms`)));
             }
         }
+        const sum = zero + row.summands.reduce((total, {value}) => total + value, 0) * scale;
+        nodes.push(svg("line", {class: "sum", x1: sum, x2: sum, y1: top + 15, y2: top + 37}));
         nodes.push(svg("text", {x: ends[1] + 6, y: top + 30}, `${row.value} ms`));
     });
     return picture(width, rows.length * DELAY_HEIGHT, "Sound delays", nodes);
@@ -81,7 +83,9 @@ function delaysView(words, fields) {
                                               (one) => { fields.receiver = one; keepFields({receiver: one}); show(); })),
             el("p", {class: "quiet"}, `${counted(sharing, "model")} with this board ${sharing === 1 ? "has" : "have"} these delays.`),
             el("ul", {class: "legend", "aria-label": "Colours"}, roles.map((role, i) => el("li", {}, svg(
-                "svg", {width: 16, height: 12, "aria-hidden": "true"}, svg("rect", {class: `fill${i % 5}`, width: 16, height: 12})), role))),
+                "svg", {width: 16, height: 12, "aria-hidden": "true"}, svg("rect", {class: `fill${i % 5}`, width: 16, height: 12})), role)),
+               el("li", {}, svg("svg", {width: 16, height: 12, "aria-hidden": "true"},
+                                svg("line", {class: "sum", x1: 8, x2: 8, y1: 0, y2: 12})), "sum")),
             fittedPicture((width) => delayPicture(rows, roles, width)),
             details);
     };

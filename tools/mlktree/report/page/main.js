@@ -27,12 +27,14 @@ document.getElementById("skip").addEventListener("click", (event) => {
 addEventListener("hashchange", () => drawRoute(false));
 drawRoute(true);
 document.documentElement.dataset.state = "summary";
+performance.mark("overview");
 
 // The data stands after this script, and is not read before it has come.
 addEventListener("DOMContentLoaded", () => requestAnimationFrame(() => setTimeout(async () => {
     try {
         data = await unpack(document.getElementById("data").textContent);
         document.getElementById("data").remove();
+        performance.mark("unpacked");
         if ((views.get(parseRoute(location.hash).words[0] || "overview") || {}).needsData !== false) {
             drawRoute(true);
         }

@@ -27,16 +27,21 @@ class MatrixValues {
         });
     }
 
-    // The value that most of these columns have.
+    // The value that most of these columns have; of several the first.
     usual(name, columns) {
-        let value = -1;
-        let votes = 0;
+        const counts = new Map();
+        let usual = -1;
+        let most = 0;
         for (const column of columns) {
-            const own = this.values[column][name];
-            votes += votes === 0 ? 1 : own === value ? 1 : -1;
-            value = votes === 1 ? own : value;
+            const value = this.values[column][name];
+            const count = (counts.get(value) || 0) + 1;
+            counts.set(value, count);
+            if (count > most) {
+                most = count;
+                usual = value;
+            }
         }
-        return value;
+        return usual;
     }
 
     differs(name, columns) {
@@ -101,7 +106,13 @@ function matrixView(words, fields) {
             return [String(index), data.text(pathText).split("/").pop(), data.modelName(values.models[i])].some(fitsColumn);
         });
         const rows = columns.length ? matrixRows(values, columns, fields.text || "", fields.all !== "yes") : [];
-        const usual = rows.map((name) => values.usual(name, columns));
+        const known = new Map();  // the usual values of the rows that were in sight
+        const usual = (row) => {
+            if (!known.has(row)) {
+                known.set(row, values.usual(rows[row], columns));
+            }
+            return known.get(row);
+        };
         count.textContent = `${counted(rows.length, "item")} of ${counted(columns.length, "model")}`;
         detail.replaceChildren();
         if (!rows.length) {
@@ -114,7 +125,7 @@ function matrixView(words, fields) {
             columnName: (column) => data.modelName(values.models[columns[column]]),
             cell: (row, column) => {
                 const value = values.values[columns[column]][rows[row]];
-                return {text: value < 0 ? "-" : data.text(value), none: value < 0, differs: value !== usual[row]};
+                return {text: value < 0 ? "-" : data.text(value), none: value < 0, differs: value !== usual(row)};
             },
             chosen: (row, column) => {
                 const name = rows[row];

@@ -136,7 +136,8 @@ Object.assign(Data.prototype, {
     plansOf(set) {
         const piece = this.sets.plans[set];
         return piece < 0 ? [] : this.answers.plans[piece].map(([kind, channels, file, line]) =>
-            ({kind: this.text(kind), piece: channels, file, line, channels: this.answers.channels[channels]}));
+            ({kind: this.text(kind), piece: channels, file, line, channels: this.answers.channels[channels]}))
+            .sort((a, b) => this.kinds.indexOf(a.kind) - this.kinds.indexOf(b.kind));
     },
 
     // Models are told apart by their index, and by their customer if there are several.
@@ -170,14 +171,15 @@ Object.assign(Data.prototype, {
         return this.countries.findIndex((_, country) => this.countryName(country) === word);
     },
 
-    // The set that words or fields choose; what they leave out is the first that there is.
+    // The set that words or fields choose; what they leave out is that of the tree's own set, which
+    // its impdata and tvdata select, or the first that there is.
     choose({model, board, country}) {
-        const choice = {
-            model: Math.max(this.modelNamed(model), this.models.length ? 0 : -1),
-            board: Math.max(this.boardNamed(board), 0),
-            country: Math.max(this.countryNamed(country), this.countries.length ? 0 : -1),
+        const first = (named, own, count) => (named >= 0 ? named : own >= 0 ? own : count ? 0 : -1);
+        return {
+            model: first(this.modelNamed(model), this.models.findIndex(({index}) => index === this.own.model), this.models.length),
+            board: first(this.boardNamed(board), this.boards.findIndex(({path}) => path >= 0 && path === this.own.board), this.boards.length),
+            country: first(this.countryNamed(country), this.countryNumbers.indexOf(this.own.country), this.countries.length),
         };
-        return choice;
     },
     setRoute({model, board, country}) {
         return route(["set", this.modelWord(model), this.boardName(board), this.countryName(country)]);

@@ -4,7 +4,6 @@
 const PLAN_HEIGHT = 66;
 const BAR_HEIGHT = 30;
 const VISION_CARRIER = 1250;  // kHz above the lower edge of an analogue channel
-const BAND_EDGE = 40000;      // kHz without a channel that divide bands
 
 // A channel of a plan with its edges in kHz. Analogue plans have the vision carrier.
 function edgesOf(kind, [number, frequency, bandwidth, label, modulation, file, line]) {
@@ -96,7 +95,7 @@ class Spectrum {
     row(plan, top, at) {
         const bars = plan.channels.map((channel) => this.bar(channel, top + 22, at));
         const marks = [
-            plan.gaps.filter((gap) => gap.high - gap.low < BAND_EDGE).map((gap) => this.mark("gap", gap, top + 22 + BAR_HEIGHT - 6, 6, at)),
+            plan.gaps.map((gap) => this.mark("gap", gap, top + 22 + BAR_HEIGHT - 6, 6, at)),
             plan.overlaps.map((overlap) => this.mark("overlap", overlap, top + 22, BAR_HEIGHT, at)),
         ];
         const title = svg("text", {x: 2, y: top + 14}, plan.label);
