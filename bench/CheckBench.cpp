@@ -1,6 +1,7 @@
 // Measures checking the partitions of a product line, nanoseconds for all of its sets:
 //   "check/CONTESTANT/MODELS"                      4 boards, 60 countries and their plans
-//   "growth-check-models/CONTESTANT/MODELS"        the same, at other sizes
+//   "report/ours/MODELS"                           the data of the page of `mlktree report`
+//   "growth-check-models/CONTESTANT/MODELS"        the check at other sizes
 //   "growth-check-countries/CONTESTANT/COUNTRIES"  with 100 models
 //
 // The limit reads every file of the partitions once and searches it for line feeds by memchr, on
@@ -18,6 +19,9 @@
 #include "bench/TreeOfLine.h"
 #include "common/File.h"
 #include "tools/mlktree/Checker.h"
+#include "tools/mlktree/Examination.h"
+#include "tools/mlktree/report/Packed.h"
+#include "tools/mlktree/report/ReportData.h"
 
 namespace mlk::bench {
 
@@ -57,6 +61,15 @@ size_t checkAll(const std::string& root) {
     return tree::check(line).size();
 }
 
+size_t reportAll(const std::string& root) {
+    const tree::Tree partitions(root, {});
+    const tree::Settings settings;
+    const tree::TreeProperties properties(root + "/data/property", {});
+    const tree::ProductLine line(partitions, settings, properties, {});
+    const tree::ReportData data = tree::reportDataOf(line, tree::examine(line, true));
+    return tree::inScript(data.summary).size() + tree::packed(data.data).size();
+}
+
 // The files that a check reads: those that the sets use.
 std::vector<std::string> filesOf(const std::string& root) {
     const tree::Tree partitions(root, {});
@@ -68,6 +81,18 @@ std::vector<std::string> filesOf(const std::string& root) {
         paths.push_back(partitions.host(path));
     }
     return paths;
+}
+
+void addReport(const LineSize& size) {
+    const auto dir = std::make_shared<std::unique_ptr<testing::TempDir>>();
+    benchmark::RegisterBenchmark(
+            ("report/ours/" + std::to_string(size.models)).c_str(), [=](benchmark::State& state) {
+                if (*dir == nullptr) {
+                    *dir = std::make_unique<testing::TempDir>();
+                    writeTree(**dir, size);
+                }
+                measureMedian(state, [&] { benchmark::DoNotOptimize(reportAll((*dir)->path())); });
+            });
 }
 
 void add(const std::string& family, const LineSize& size, size_t number) {
@@ -93,6 +118,7 @@ void add(const std::string& family, const LineSize& size, size_t number) {
 
 void registerAll() {
     add("check", {}, LineSize().models);
+    addReport({});
     for (const size_t models : {size_t{50}, size_t{158}, size_t{500}}) {
         add("growth-check-models", {models}, models);
     }

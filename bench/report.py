@@ -49,6 +49,8 @@ ROWS = (
     Row("start-5000", "exec to third registration, 5,000 items", "start", "5000", 1.6),
     Row("resident-5000", "resident size, 5,000 items", "resident", "5000", 1.25),
     Row("check-500", "mlktree check of 500 models, 4 boards, 60 countries", "check", "500", 25),
+    Row("report-500", "mlktree report of the same, over check", "report", "500", 4,
+        over="check/ours/500"),
 )
 
 UNITS = {"calls": "/s", "resident": "bytes"}  # of a family; the others are times in ns

@@ -15,7 +15,7 @@ print_help() {
 packages=(
     android-libbase-dev android-libcutils-dev android-liblog-dev android-libutils-dev
     cmake g++ hidl-gen libcli11-dev libgmock-dev libgtest-dev libtinyxml2-dev
-    libtomlplusplus-dev ninja-build nlohmann-json3-dev python3 python3-jsonschema
+    libtomlplusplus-dev ninja-build nlohmann-json3-dev python3 python3-jsonschema zlib1g-dev
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
@@ -27,6 +27,8 @@ coverage_packages=(llvm)
 device_packages=(blueprint-tools checkpolicy lld m4)
 # For tests/commands: manual pages, Debian packages, and what examples pipe their output to.
 package_packages=(dpkg-dev file groff-base jq less)
+# For the tests of the page of mlktree report: a browser, and what drives it.
+browser_packages=(chromium chromium-driver python3-selenium)
 # For ./run bench.
 bench_packages=(
     libbenchmark-dev

@@ -51,7 +51,7 @@ class Modules(unittest.TestCase):
     def writes(self, modules):
         """The generated sources of all modules; the reason when one cannot be written."""
         texts = {}
-        for name in rules.with_sources(modules):
+        for name in [*rules.with_sources(modules), *rules.of_host(modules)]:
             with tempfile.TemporaryDirectory() as out:
                 try:
                     for file in bp.generated(modules, name, out):

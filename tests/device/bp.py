@@ -99,7 +99,11 @@ def merge(first, second):
 def files_of(modules_by_name, word):
     """The files that a word of a srcs list stands for, by their names in the tree."""
     folder, _, properties = modules_by_name[word[1:]]
-    return [f"{folder}/{name}" for name in properties["srcs"]]
+    files = []
+    for name in properties["srcs"]:
+        found = sorted((tree.ROOT / folder).glob(name)) if "*" in name else []
+        files += [str(path.relative_to(tree.ROOT)) for path in found] or [f"{folder}/{name}"]
+    return files
 
 
 def generated_names(modules_by_name, name):

@@ -121,9 +121,12 @@ function fittedPicture(draw) {
 function chainNodes(set, choice) {
     const boxes = chainOf(set, choice);
     const files = filesNamedBy(set);
-    const broken = boxes.filter((box) => box.missing).length + files.filter((file) => file.missing).length;
+    const missing = [...boxes, ...files].filter((one) => one.missing);
     return [
-        el("p", {class: broken ? "bad" : "good"}, broken ? `${counted(broken, "link")} of the chain broken` : "Every file of the chain is there."),
+        missing.length ? [el("p", {class: "bad"}, `${counted(missing.length, "link")} of the chain broken:`),
+                          el("ul", {}, missing.map(({file, kind, name, text}) => el("li", {}, name === undefined ? `${kind}: ` : [itemLink(name), ": "],
+                                                                                    file >= 0 ? placeLink(file) : text)))]
+                       : el("p", {class: "good"}, "Every file of the chain is there."),
         fittedPicture((width) => chainPicture(boxes, files, width)),
     ];
 }

@@ -120,7 +120,7 @@ function matrixView(words, fields) {
             return;
         }
         result.replaceChildren(...gridNodes({
-            label: "Items by models", corner: "Item", rows: rows.length, columns: columns.length, headWidth: 320, columnWidth: 150,
+            label: "Items by models", corner: "Item", rows: rows.length, columns: columns.length, headWidth: 300, columnWidth: 175,
             rowName: (row) => data.nameOf(rows[row]),
             columnName: (column) => data.modelName(values.models[columns[column]]),
             cell: (row, column) => {
