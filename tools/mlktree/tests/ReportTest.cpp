@@ -1,7 +1,6 @@
 // What the page of `mlktree report` holds: its two JSON texts. tests/report_test.py looks at the
 // page itself, in a browser.
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <filesystem>
 #include <map>
@@ -11,151 +10,17 @@
 #include <vector>
 
 #include "host/testing/TempDir.h"
-#include "tools/common/Text.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/answers/LineAnswers.h"
 #include "tools/mlktree/report/Packed.h"
 #include "tools/mlktree/set/SetModel.h"
 #include "tools/mlktree/show/SetFacts.h"
 #include "tools/mlktree/tests/Harness.h"
+#include "tools/mlktree/tests/ReadReport.h"
 
 namespace mlk::tree {
 
 namespace {
-
-using nlohmann::json;
-
-std::string fromBase64(std::string_view text) {
-    constexpr std::string_view kDigits =
-            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string bytes;
-    unsigned bits = 0;
-    int count = 0;
-    for (const char digit : text) {
-        const size_t value = kDigits.find(digit);
-        if (value == std::string_view::npos) {
-            continue;
-        }
-        bits = bits << 6U | static_cast<unsigned>(value);
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes += static_cast<char>(bits >> static_cast<unsigned>(count) & 0xffU);
-        }
-    }
-    return bytes;
-}
-
-std::string unpacked(std::string_view text) {
-    std::string bytes = fromBase64(text);
-    z_stream stream{};
-    EXPECT_EQ(inflateInit2(&stream, 15 + 16), Z_OK);
-    stream.next_in = reinterpret_cast<Bytef*>(bytes.data());
-    stream.avail_in = static_cast<uInt>(bytes.size());
-    std::string out;
-    int state = Z_OK;
-    while (state == Z_OK) {
-        char piece[65536];
-        stream.next_out = reinterpret_cast<Bytef*>(piece);
-        stream.avail_out = sizeof piece;
-        state = inflate(&stream, Z_NO_FLUSH);
-        out.append(piece, sizeof piece - stream.avail_out);
-    }
-    EXPECT_EQ(state, Z_STREAM_END);
-    EXPECT_EQ(stream.avail_in, 0U);
-    inflateEnd(&stream);
-    return out;
-}
-
-std::string between(const std::string& text, const std::string& begin, const std::string& end) {
-    const size_t from = text.find(begin) + begin.size();
-    return text.substr(from, text.find(end, from) - from);
-}
-
-// Bytes that are no UTF-8 come back as they were.
-json parsed(const std::string& text) {
-    std::string plain;
-    if (!hideByteEscapes(text, &plain)) {
-        return json::parse(text);
-    }
-    return json::parse(plain);
-}
-
-/** The page of a tree, read as its script reads it. */
-class Report {
-  public:
-    explicit Report(const std::string& tree) {
-        const Outcome outcome = runMlktree({"report", tree, "-o", "-"});
-        EXPECT_EQ(outcome.status, 0) << outcome.err;
-        page = outcome.out;
-        summaryText = between(page, "id=\"summary\">", "</script>");
-        summary = parsed(summaryText);
-        data = parsed(unpacked(between(page, "id=\"data\">", "</script>")));
-    }
-
-    std::string text(const json& id) const {
-        return restoreBytes(data["texts"][id.get<size_t>()].get<std::string>());
-    }
-    std::string pathOf(const json& id) const {
-        return id.get<int64_t>() < 0 ? "" : text(data["files"][id.get<size_t>()]["path"]);
-    }
-    const json& file(const std::string& path) const {
-        for (const json& one : data["files"]) {
-            if (text(one["path"]) == path) {
-                return one;
-            }
-        }
-        static const json kNone;
-        ADD_FAILURE() << "no file " << path;
-        return kNone;
-    }
-    std::string fileOf(const std::string& value) const {
-        const json& named = data["named"];
-        for (size_t i = 0; i < named.size(); i += 2) {
-            if (text(named[i]) == value) {
-                return pathOf(named[i + 1]);
-            }
-        }
-        return "";
-    }
-    static std::vector<int64_t> column(const json& differences) {
-        std::vector<int64_t> numbers;
-        int64_t sum = 0;
-        for (const json& one : differences) {
-            numbers.push_back(sum += one.get<int64_t>());
-        }
-        return numbers;
-    }
-    /** "[SECTION] KEY" to value and place of every item of a set. */
-    std::map<std::string, std::string> itemsOf(size_t set) const {
-        const json& answers = data["answers"];
-        const auto pieces = static_cast<size_t>(column(answers["sets"]["pieces"])[set]);
-        std::map<std::string, std::string> items;
-        for (const char* const layer : {"model", "board", "country"}) {
-            const int64_t number = column(answers["pieces"][layer])[pieces];
-            if (number < 0) {
-                continue;
-            }
-            const json& piece = answers["items"][static_cast<size_t>(number)];
-            const auto names = column(piece["name"]);
-            const auto values = column(piece["value"]);
-            const auto files = column(piece["file"]);
-            const auto lines = column(piece["line"]);
-            for (size_t i = 0; i < names.size(); ++i) {
-                const auto name = static_cast<size_t>(names[i]);
-                items[text(answers["names"][2 * name]) + " " +
-                      text(answers["names"][2 * name + 1])] =
-                        text(values[i]) + " " + pathOf(files[i]) + ":" + std::to_string(lines[i]);
-            }
-        }
-        return items;
-    }
-
-    std::string page;
-    std::string summaryText;
-    json summary;
-    json data;
-};
 
 class ReportTest : public ::testing::Test {
   protected:
@@ -203,7 +68,7 @@ TEST(PackedTest, NothingEndsTheScriptElement) {
 
 TEST_F(ReportTest, HasTheLinesOfEveryFileThatIsRead) {
     append("tvconfigs/model/first.ini", "[X]\nbytes = \xff\xfe end\n\ttab = \x01\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const Opened opened(mDir.path());
     size_t lines = 0;
     for (const auto& [path, file] : opened.line.files()) {
@@ -223,17 +88,17 @@ TEST_F(ReportTest, HasTheLinesOfEveryFileThatIsRead) {
 TEST_F(ReportTest, CutsLongLinesAndLeavesOutHugeFiles) {
     append("tvconfigs/model/first.ini", "# " + std::string(5000, 'x') + "\n");
     append("tvconfigs/model/second.ini", std::string(size_t{2} << 20U, '#') + "\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const json& lines = report.file("tvconfigs/model/first.ini")["lines"];
     EXPECT_EQ(report.text(lines.back()).size(), 2000U);
     EXPECT_FALSE(report.file("tvconfigs/model/second.ini").contains("lines"));
 }
 
 TEST_F(ReportTest, SetsHaveTheirItemsWithTheirPlaces) {
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const Opened opened(mDir.path());
     ASSERT_GT(opened.answers->sets.size(), 2U);
-    ASSERT_EQ(Report::column(report.data["answers"]["sets"]["model"]).size(),
+    ASSERT_EQ(ReadReport::column(report.data["answers"]["sets"]["model"]).size(),
               opened.answers->sets.size());
     for (size_t i = 0; i < opened.answers->sets.size(); ++i) {
         const AnswerPieces& pieces = opened.answers->pieces[opened.answers->sets[i].pieces];
@@ -251,7 +116,7 @@ TEST_F(ReportTest, SetsHaveTheirItemsWithTheirPlaces) {
 
 TEST_F(ReportTest, TellsWhichLinesALaterOneReplaces) {
     append("tvconfigs/model/first.ini", "[TWICE]\nkey = one\nkey = two\nkey = three\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const json& file = report.file("tvconfigs/model/first.ini");
     const size_t last = file["lines"].size();
     const json& lost = file["lost"];
@@ -264,7 +129,7 @@ TEST_F(ReportTest, TellsWhichLinesALaterOneReplaces) {
 
 TEST_F(ReportTest, ValuesLeadToTheFilesThatTheyName) {
     mDir.write("tvconfigs/audio/AVR_0EC0DE_Orlan.ini", "[ARC]\nDTV_DELAY = 1\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     // The line that names it stands for the receivers' files of the folder, too.
     EXPECT_EQ(report.fileOf("/tvconfigs/audio/avr_default.ini"), "tvconfigs/audio/avr_default.ini");
     EXPECT_EQ(report.fileOf("/tvconfigs/audio/panel.ini"), "tvconfigs/audio/panel.ini");
@@ -276,7 +141,7 @@ TEST_F(ReportTest, ValuesLeadToTheFilesThatTheyName) {
 TEST_F(ReportTest, KnowsTheFilesThatNothingNamesAndThoseThatAreMissing) {
     mDir.write("tvconfigs/audio/old.ini", "[A]\n");
     append("tvconfigs/model/first.ini", "[OVERSCAN]\nOVERSCAN_PATH = /tvconfigs/none.bin\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     EXPECT_EQ(report.summary["unused"], json({"tvconfigs/audio/old.ini"}));
     EXPECT_EQ(report.summary["unusedCount"], 1);
     EXPECT_EQ(report.file("tvconfigs/audio/old.ini")["unused"], 1);
@@ -297,7 +162,7 @@ TEST_F(ReportTest, KnowsTheFilesThatNothingNamesAndThoseThatAreMissing) {
 
 TEST_F(ReportTest, HasTheFindingsOfTheCheckAndThoseThatAreAllowed) {
     append("tvconfigs/model/first.ini", "[OVERSCAN]\nOVERSCAN_PATH = /tvconfigs/none.bin\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const json check = json::parse(runMlktree({"check", "--format", "json", mDir.path()}).out);
     std::set<std::string> expected;
     for (const json& finding : check["findings"]) {
@@ -325,20 +190,20 @@ TEST_F(ReportTest, BeginsWithTheSetOfTheTree) {
     mDir.write("impdata/project_id.bin", "PROJECT_ID=2\n");
     const auto last = static_cast<int32_t>(Opened(mDir.path()).line.countries().back());
     mDir.write(saved, "COUNTRY_ID=" + std::to_string(last) + "\n");
-    const Report first(mDir.path());
+    const ReadReport first(mDir.path());
     EXPECT_EQ(first.data["own"]["model"], 2);
     EXPECT_EQ(first.pathOf(first.data["own"]["board"]), "tvconfigs/board/b1.ini");
     EXPECT_EQ(first.data["own"]["country"], last);
     // Without a saved country, it is the first of the map.
     std::filesystem::remove(mDir.path(saved));
-    const Report second(mDir.path());
+    const ReadReport second(mDir.path());
     const Opened opened(mDir.path());
     EXPECT_EQ(second.data["own"]["country"],
               static_cast<int32_t>(opened.line.tvSystems().front().systems->firstCountry()));
 }
 
 TEST_F(ReportTest, KnowsSystemAndRecordOfEachCountry) {
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const Opened opened(mDir.path());
     const json& system = report.data["systems"][0];
     EXPECT_EQ(report.pathOf(system["file"]), "tvconfigs/tvsysmap/systems.xml");
@@ -357,7 +222,7 @@ TEST_F(ReportTest, KnowsSystemAndRecordOfEachCountry) {
 }
 
 TEST_F(ReportTest, HasARowForEachFact) {
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     const Opened opened(mDir.path());
     SetChoice choice;
     choice.customer = &opened.line.customers().front();
@@ -373,7 +238,7 @@ TEST_F(ReportTest, HasARowForEachFact) {
 TEST_F(ReportTest, NoByteOfATreeEndsAScript) {
     mDir.write("tvconfigs/audio/</script><script>", "x");
     append("tvconfigs/model/first.ini", "[</script>]\n<!-- = </script>\n");
-    const Report report(mDir.path());
+    const ReadReport report(mDir.path());
     EXPECT_EQ(report.summaryText.find('<'), std::string::npos);
     const std::string data = between(report.page, "id=\"data\">", "</script>");
     EXPECT_EQ(data.find_first_not_of(
@@ -390,7 +255,7 @@ TEST_F(ReportTest, NoByteOfATreeEndsAScript) {
 TEST_F(ReportTest, AnEmptyTreeHasAPage) {
     const mlk::testing::TempDir empty;
     empty.mkdir("tvconfigs");
-    const Report report(empty.path());
+    const ReadReport report(empty.path());
     EXPECT_EQ(report.summary["models"], 0);
     EXPECT_EQ(report.data["answers"]["models"].size(), 0U);
 }

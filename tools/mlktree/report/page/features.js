@@ -30,6 +30,10 @@ function featuresView(words, fields) {
                         differs: (feature ? feature.value : undefined) !== usual[column]};
             },
             chosen: (row, column) => {
+                if (row < 0) {
+                    detail.replaceChildren();
+                    return;
+                }
                 const feature = byMethod[row].get(methods[column]);
                 const country = countries[row];
                 detail.replaceChildren(el("div", {class: "detail"},

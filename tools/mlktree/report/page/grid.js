@@ -6,7 +6,7 @@ const ROW_HEIGHT = 28;  // as parts.css has it
 class Grid {
     // options: label; corner (text); rows, columns (counts); rowName(row), columnName(column);
     // cell(row, column), which gives {text, differs, none}; headWidth, columnWidth (pixels);
-    // chosen(row, column), called for a cell that was chosen
+    // chosen(row, column), called for a cell that was chosen; -1 for a heading
     constructor(options) {
         this.options = options;
         this.active = {row: 0, column: 0};  // with the headings: row 0 and column 0
@@ -110,9 +110,7 @@ class Grid {
     }
 
     choose() {
-        if (this.active.row > 0) {
-            this.options.chosen(this.active.row - 1, this.active.column - 1);
-        }
+        this.options.chosen(this.active.row - 1, this.active.column - 1);
     }
 
     onKey(event) {

@@ -128,9 +128,9 @@ function matrixView(words, fields) {
                 return {text: value < 0 ? "-" : data.text(value), none: value < 0, differs: value !== usual(row)};
             },
             chosen: (row, column) => {
-                const name = rows[row];
-                detail.replaceChildren(column < 0 ? el("div", {class: "detail"}, el("h2", {}, itemLink(name))) : cellDetail(
-                    name, values.models[columns[column]], values.sets[columns[column]], choice));
+                const model = values.models[columns[column]];
+                const set = values.sets[columns[column]];
+                detail.replaceChildren(...cellDetail(row < 0 ? -1 : rows[row], column < 0 ? -1 : model, set, choice));
             },
         }));
     };
@@ -159,8 +159,12 @@ function matrixView(words, fields) {
     };
 }
 
+// What a cell says; -1 stands for the heading of a column or a row.
 function cellDetail(name, model, set, choice) {
-    return el("div", {class: "detail"}, el("h2", {}, itemLink(name)),
-              el("p", {}, "In ", el("a", {href: data.setRoute({...choice, model})}, data.modelName(model))),
-              historyNodes(set, name));
+    if (name < 0 && model < 0) {
+        return [];
+    }
+    const modelLink = model < 0 ? null : el("a", {href: data.setRoute({...choice, model})}, data.modelName(model));
+    return [el("div", {class: "detail"}, el("h2", {}, name < 0 ? modelLink : itemLink(name)),
+               name >= 0 && model >= 0 ? [el("p", {}, "In ", modelLink), historyNodes(set, name)] : null)];
 }
