@@ -23,7 +23,9 @@ from browser import Page, browser  # noqa: E402
 VIEWS = (
     ("overview", "#/", 900, 760, None, ""),
     ("findings", "#/findings?severity=error", 900, 620, None, ""),
-    ("matrix", "#/matrix?text=panel", 900, 720, None, """document.querySelector('[data-row="7"][data-column="2"]').click()"""),
+    ("matrix", "#/matrix?text=country&all=yes", 900, 800, None, """
+        const name = [...document.querySelectorAll("[role=rowheader]")].find((cell) => cell.textContent === "[COUNTRY] TV_SYSTEM");
+        document.querySelector(`[data-row="${name.dataset.row}"][data-column="2"]`).click();"""),
     ("set", "#/set/2/skerry_b2.ini/GERMANY", 900, 760, "What the set is", ""),
     ("chain", "#/set/2/skerry_b2.ini/GERMANY", 760, 1000, "The chain of its files", ""),
     ("spectrum", "#/country/GERMANY?beside=JAPAN,USA&kind=ATV_ANTENNA", 900, 520, "Channel plans", ""),

@@ -54,6 +54,15 @@ class Views(unittest.TestCase):
         page.go("#/matrix?text=OSMR-43U60")
         self.assertIn("[PANEL] m_pPanelName", page.text())
 
+    def test_matrix_offers_items_that_are_equal(self):
+        page = page_of(SAMPLE, "#/matrix?text=m_pSSCName")
+        self.assertEqual(page.all("[role=grid]"), [])
+        self.assertIn("1 item of this text is equal in all of these models", page.text())
+        page.one("main button").click()
+        page.settle()
+        self.assertEqual([one.text for one in page.all("[role=rowheader]")], ["[SSC] m_pSSCName"])
+        self.assertTrue(page.one("input[type=checkbox]").is_selected())
+
     def test_matrix_columns_by_pattern(self):
         page = page_of(SAMPLE, "#/matrix")
         headings = "return [...document.querySelectorAll('[role=columnheader]')].slice(0).map((cell) => cell.textContent)"

@@ -9,7 +9,8 @@ function countriesView(words, fields) {
             const system = set === undefined ? null : systemOf(set, country);
             const plans = set === undefined ? [] : data.plansOf(set).filter((plan) => plan.channels.length);
             return [link(data.countryName(country), ["country", data.countryName(country)], {model: fields.model, board: fields.board}),
-                    data.countryNumbers[country], (system && system.name) || quiet("-"),
+                    data.countryNumbers[country],
+                    system && system.name ? el("a", {href: fileRoute(system.map, system.recordLine)}, system.name) : quiet("-"),
                     plans.map((plan) => `${plan.kind}: ${plan.channels.length}`).join(", ") || quiet("none")];
         });
         result.replaceChildren(table(counted(rows.length, "country", "countries"), ["Country", ["Number", true], "TV system", "Channels"], rows));
@@ -97,7 +98,7 @@ function countryView(words, fields) {
                el("dt", {}, "Number"), el("dd", {}, String(data.countryNumbers[country])),
                el("dt", {}, "TV system"), el("dd", {}, system && system.name ? [system.name, ", ", placeLink(system.file)] : quiet("none")),
                el("dt", {}, "Record of the map"), el("dd", {}, system && system.recordLine ? placeLink(system.map, system.recordLine) : quiet("none")),
-               el("dt", {}, "Languages"), el("dd", {}, data.listOf(set, "languages").map((entry) => entry.text).join(", ") || quiet("none"))),
+               el("dt", {}, "Languages"), el("dd", {}, languageNodes(set))),
             listings(set, data.countryName(country)),
             el("h2", {}, "Items that it brings"), broughtItems(set),
             el("p", {}, el("a", {href: data.setRoute(choice)}, "This set")),

@@ -116,7 +116,9 @@ function matrixView(words, fields) {
         count.textContent = `${counted(rows.length, "item")} of ${counted(columns.length, "model")}`;
         detail.replaceChildren();
         if (!rows.length) {
-            result.replaceChildren(el("p", {}, "No item fits. Without \"Show equal items\", only items that differ between the models are rows."));
+            const equal = columns.length ? matrixRows(values, columns, fields.text || "", false).length : 0;
+            result.replaceChildren(el("p", {}, equal ? `${counted(equal, "item")} of this text ${equal === 1 ? "is" : "are"} equal in all of these models. ` : "Nothing fits."),
+                                   ...(equal ? [el("button", {type: "button", click: () => change("all")("yes")}, "Show equal items")] : []));
             return;
         }
         result.replaceChildren(...gridNodes({
@@ -137,6 +139,7 @@ function matrixView(words, fields) {
     const change = (name) => (value) => {
         fields[name] = value;
         keepFields({[name]: value});
+        showEqual.querySelector("input").checked = fields.all === "yes";
         show();
     };
     const changeSet = (part, name) => (value) => {
@@ -145,12 +148,13 @@ function matrixView(words, fields) {
         keepFields({[part]: name(value)});
         show();
     };
+    const showEqual = check("Show equal items", fields.all === "yes", (isOn) => change("all")(isOn ? "yes" : ""));
     const form = el("form", {class: "form", role: "search", "aria-label": "Choose items and models", submit: (event) => event.preventDefault()},
         search("Search items and values", fields.text || "", change("text")),
         search("Models (patterns such as 2, *_EU*)", fields.columns || "", change("columns")),
         boardSelect(choice.board, changeSet("board", (board) => data.boardName(board))),
         countrySelect(choice.country, changeSet("country", (country) => data.countryName(country))),
-        check("Show equal items", fields.all === "yes", (isOn) => change("all")(isOn ? "yes" : "")));
+        showEqual);
     show();
     return {
         title: "Matrix of models and items",

@@ -77,9 +77,15 @@ const FACTS = {
         const feature = data.featuresOf(set, "framework").find((one) => one.method === row.method);
         return feature && feature.value !== "0" && feature.value !== "false" && feature.value !== "" ? "on" : "off";
     },
-    index: (set, choice) => (choice.model >= 0 ? String(data.models[choice.model].index) : quiet("(none)")),
+    index: (set, choice) => {
+        const model = data.models[choice.model];
+        return model ? el("a", {href: fileRoute(model.file, model.line)}, model.index) : quiet("(none)");
+    },
     highestIndex: (set) => String(data.customers[data.sets.customer[set]].highest),
-    customer: (set) => data.text(data.customers[data.sets.customer[set]].id) || quiet("-"),
+    customer: (set) => {
+        const {id, path} = data.customers[data.sets.customer[set]];
+        return id ? el("a", {href: fileRoute(path)}, data.text(id)) : quiet("-");
+    },
     modelFile: (set, choice) => (choice.model < 0 ? quiet("-")
         : pathNode(data.models[choice.model].path, data.text(data.models[choice.model].pathText))),
     boardFile: (set, choice) => pathNode(data.boards[choice.board].path, data.text(data.boards[choice.board].pathText)),
@@ -87,7 +93,7 @@ const FACTS = {
         const menu = data.customers[data.sets.customer[set]].menu;
         const entries = [];
         for (let i = 0; i < menu.length && entries.length < 20; i += 3) {
-            entries.push(el("p", {}, data.text(menu[i])));
+            entries.push(el("p", {}, lineLink({text: data.text(menu[i]), file: menu[i + 1], line: menu[i + 2]})));
         }
         const more = menu.length / 3 - entries.length;
         return entries.length ? [entries, more ? el("p", {class: "quiet"}, `and ${more} more`) : null] : quiet("-");
@@ -99,15 +105,26 @@ const FACTS = {
         if (!system || !system.isReadable) {
             return quiet(data.text(data.valueOf(set, "[COUNTRY]", "tvSysMap")) === "" ? "-" : "(not readable)");
         }
-        return system.name || quiet("-");
+        return system.name ? el("a", {href: fileRoute(system.file)}, system.name) : quiet("-");
     },
-    channels: (set) => {
+    channels: (set, choice) => {
         const plans = data.plansOf(set).filter((plan) => plan.channels.length);
-        return plans.length ? plans.map((plan) => el("p", {}, `${plan.kind}: ${plan.channels.length}`)) : quiet("-");
+        return plans.length ? plans.map((plan) => el("p", {}, link(`${plan.kind}: ${plan.channels.length}`, [
+            "country", data.countryName(choice.country)], {kind: plan.kind}))) : quiet("-");
     },
-    languages: (set) => data.listOf(set, "languages").map((entry) => entry.text).join(", ") || quiet("-"),
+    languages: (set) => languageNodes(set),
     constant: (set, choice, row) => el("span", {class: "mono"}, row.text),
 };
+
+// An entry of a list, which leads to its line.
+function lineLink({text, file, line}) {
+    return file < 0 ? text : el("a", {href: fileRoute(file, line)}, text);
+}
+
+function languageNodes(set) {
+    const entries = data.listOf(set, "languages");
+    return entries.length ? entries.map((entry, i) => [i ? ", " : "", lineLink(entry)]) : quiet("-");
+}
 
 function flagNodes(set, value) {
     const features = new Map(data.featuresOf(set).map((feature) => [feature.method, feature.value]));
