@@ -11,6 +11,16 @@ namespace mlk::tree {
 
 namespace {
 
+// A report is of all models, boards and countries.
+Option customerOption() {
+    for (const Option& option : setOptions().options) {
+        if (option.name == "--customer") {
+            return option;
+        }
+    }
+    return {};
+}
+
 ExitStatus run(const Arguments& arguments, Environment& environment) {
     const std::string path = arguments.value("--output");
     if (path.empty()) {
@@ -19,9 +29,11 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     const std::string word = arguments.words().empty() ? "" : arguments.words().front();
     Progress progress(environment.errors, environment.isErrorTerminal);
     progress.now("reading the tree");
-    const OpenTree tree(arguments, word, environment, {});
+    Selection selection;
+    selection.customers = arguments.values("--customer");
+    const OpenTree tree(arguments, word, environment, selection);
     progress.now("checking the tree");
-    const CheckReport report = examine(tree.line(), true);
+    const CheckReport report = examine(tree.line(), selection.customers.empty());
     progress.now("collecting the report");
     const ReportData data = reportDataOf(tree.line(), report);
     const std::string summary = inScript(data.summary);
@@ -64,6 +76,7 @@ Command reportCommand() {
                "write the page to this file; \"-\" for standard output; must be given",
                Completion::FILE}}},
             treeOptions(),
+            {"Which sets", {customerOption()}},
     };
     command.statuses = {{0, "written, whatever check finds"},
                         {2,

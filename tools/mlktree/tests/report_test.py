@@ -9,7 +9,7 @@ import unittest
 
 from selenium.webdriver.common.keys import Keys
 
-from reports import (MARKUP, MLKTREE, RULES, SAMPLE, VIEWS, broken_line, driver, hostile_line, long_line, mlktree, page_of,
+from reports import (MARKUP, MLKTREE, RULES, SAMPLE, VIEWS, broken_line, driver, folder, hostile_line, long_line, mlktree, page_of,
                      report)
 
 
@@ -182,6 +182,20 @@ class Guarded(unittest.TestCase):
         self.assertNotIn("Not in this report", page.text())
         self.assertIsNone(page.run("return window.hit === undefined ? null : window.hit"))
         self.assertEqual(page.console(), [])
+
+    def test_lines_that_lack_things(self):
+        bare = folder() / "bare"
+        (bare / "tvconfigs").mkdir(parents=True)
+        page = page_of(bare)
+        self.assertIn("0\nmodels", page.text())
+        for route in VIEWS.values():
+            page.go(route)
+            self.assertEqual(page.console(), [], route)
+            self.assertNotIn("undefined", page.text(), route)
+        page.go("#/nowhere")
+        self.assertIn("Not in this report", page.text())
+        page.go("#/file/~zz~/x")
+        self.assertIn("Not in this report", page.text())
 
     def test_policy_stops_what_markup_would_do(self):
         page = page_of(SAMPLE)

@@ -2,9 +2,10 @@
 
 import json
 import re
+import shutil
 import unittest
 
-from reports import RULES, SAMPLE, VIEWS, broken_line, mlktree, page_of, shown_facts, squeezed
+from reports import RULES, SAMPLE, VIEWS, broken_line, folder, mlktree, page_of, shown_facts, squeezed
 
 
 class Views(unittest.TestCase):
@@ -94,10 +95,13 @@ class Views(unittest.TestCase):
         self.assertTrue(page.one("h1").text.startswith("Set: 3 TRQ55_M2_LATAM.ini"))
 
     def test_matrix_marks_what_differs(self):
-        page = page_of(SAMPLE, "#/matrix?text=AQBin_Path")
-        marks = page.run("""return [...document.querySelectorAll('[role=gridcell]')].map(
-            (cell) => [Number(cell.dataset.column), cell.classList.contains('differs')])""")
-        self.assertEqual([column for column, differs in sorted(marks) if differs], [5, 6, 7])
+        page = page_of(SAMPLE)
+        # What is usual need not be what the first model has.
+        for name, expected in (("AQBin_Path", [5, 6, 7]), ("m_nActiveHeight", [1])):
+            page.go(f"#/matrix?text={name}")
+            marks = page.run("""return [...document.querySelectorAll('[role=gridcell]')].map(
+                (cell) => [Number(cell.dataset.column), cell.classList.contains('differs')])""")
+            self.assertEqual([column for column, differs in sorted(marks) if differs], expected)
 
     def test_filter_hides_findings(self):
         page = page_of(broken_line(), "#/findings")
@@ -160,6 +164,14 @@ class Views(unittest.TestCase):
             return ["GERMANY DTV_ANTENNA", "FRANCE DTV_ANTENNA"].map(at);""")
         self.assertEqual(places[0], places[1])
 
+    def test_analogue_channels_begin_below_their_carrier(self):
+        page = page_of(SAMPLE, "#/country/GERMANY")
+        places = page.run("""
+            const at = (plan, name) => { const bar = [...document.querySelectorAll(`[data-plan="GERMANY ${plan}"] .bar`)].find(
+                (one) => one.textContent.startsWith(`${name}: `)); return ["x", "width"].map((key) => bar.getAttribute(key)); };
+            return [at("ATV_ANTENNA", "E5"), at("DTV_ANTENNA", "E5")];""")
+        self.assertEqual(places[0], places[1])
+
     def test_overlap_and_gap_are_marked(self):
         page = page_of(broken_line(), "#/country/GERMANY?kind=DTV_ANTENNA")
         said = page.run("return [...document.querySelectorAll('[data-plan] .overlap, [data-plan] .gap')].map((one) => one.textContent)")
@@ -193,11 +205,32 @@ class Views(unittest.TestCase):
 
     def test_features_by_country(self):
         page = page_of(SAMPLE, "#/features")
+        marked = page.run("""return [...document.querySelectorAll(".differs")].map((cell) =>
+            [document.querySelector(`[data-row="${cell.dataset.row}"][data-column="0"]`).textContent, cell.textContent])""")
+        self.assertIn(["IRELAND", "off"], marked)
+        self.assertNotIn("ANDORRA", [country for country, _ in marked])
         text = page.text()
         self.assertIn("ANDORRA", text)
         self.assertIn("Framework switches", text)
         page.all("[role=gridcell]")[0].click()
         self.assertIn("Answered as", page.one(".detail").text)
+
+    def test_models_of_two_customers(self):
+        tree = folder() / "two"
+        shutil.copytree(SAMPLE, tree)
+        system = tree / "tvconfigs/system/tarnquill_skerry.ini"
+        (tree / "tvconfigs/system/other.ini").write_text(
+            system.read_text(encoding="utf-8").replace('Model_1 = "/tvconfigs/model/TRQ32_S1_EU.ini"',
+                                                       'Model_1 = "/tvconfigs/model/TRQ65_C3_UK.ini"'), encoding="utf-8")
+        (tree / "tvconfigs/other.ini").write_text("CUSTOMER_ID = OTHER\nSYS_INI = /tvconfigs/system/other.ini\n", encoding="utf-8")
+        customers = ("--customer", tree / "tvconfigs/customer.ini", "--customer", tree / "tvconfigs/other.ini")
+        page = page_of(tree, "#/matrix?text=m_pPanelName&columns=1", words=customers)
+        values = [one.text.lstrip("\u2260\u00a0 ") for one in page.all("[role=gridcell]")]
+        self.assertEqual(len(set(values)), 2)
+        page.one("[role=columnheader][data-column='2']").click()
+        page.follow(page.one(".detail a"))
+        self.assertIn("OTHER", page.one("[data-fact='Project Customer']").text)
+        self.assertIn("TRQ65_C3_UK.ini", page.one("[data-fact='Project Model file']").text)
 
     def test_every_link_leads_to_something(self):
         page = page_of(broken_line())

@@ -55,10 +55,10 @@ def mlktree(*words):
 
 
 @functools.cache
-def report(tree):
+def report(tree, words=()):
     """The page of a tree."""
     path = folder() / f"{Path(tree).name}.html"
-    mlktree("report", tree, "-o", path)
+    mlktree("report", tree, "-o", path, *words)
     return path
 
 
@@ -110,8 +110,8 @@ def change(tree, path, old, new):
     file.write_text(text.replace(old, new, 1), encoding="utf-8")
 
 
-def page_of(tree, route="", until="ready"):
-    page = Page(driver(), report(tree))
+def page_of(tree, route="", until="ready", words=()):
+    page = Page(driver(), report(tree, words))
     page.media()
     page.size(1100, 800)
     page.console()
