@@ -1,6 +1,7 @@
 // Measures checking the partitions of a product line, nanoseconds for all of its sets:
 //   "check/CONTESTANT/MODELS"                      4 boards, 60 countries and their plans
 //   "report/ours/MODELS"                           the data of the page of `mlktree report`
+//   "snapshot/ours/MODELS"                         all that `mlktree snapshot` does with them
 //   "growth-check-models/CONTESTANT/MODELS"        the check at other sizes
 //   "growth-check-countries/CONTESTANT/COUNTRIES"  with 100 models
 //
@@ -20,6 +21,7 @@
 #include "common/File.h"
 #include "tools/mlktree/Checker.h"
 #include "tools/mlktree/Examination.h"
+#include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/report/Packed.h"
 #include "tools/mlktree/report/ReportData.h"
 
@@ -70,6 +72,17 @@ size_t reportAll(const std::string& root) {
     return tree::inScript(data.summary).size() + tree::packed(data.data).size();
 }
 
+size_t snapshotOf(const std::string& root) {
+    const tree::Tree partitions(root, {});
+    const tree::Settings settings;
+    const tree::TreeProperties properties(root + "/data/property", {});
+    const tree::ProductLine line(partitions, settings, properties, {});
+    size_t size = 0;
+    tree::writeSnapshot(*tree::answersOf(line),
+                        [&](std::string_view text) { size += text.size(); });
+    return size;
+}
+
 // The files that a check reads: those that the sets use.
 std::vector<std::string> filesOf(const std::string& root) {
     const tree::Tree partitions(root, {});
@@ -114,6 +127,13 @@ void add(const std::string& family, const LineSize& size, size_t number) {
         prepare();
         measureMedian(state, [&] { benchmark::DoNotOptimize(checkAll((*dir)->path())); });
     });
+    if (family == "check") {
+        const std::string name = "snapshot/ours" + end;
+        benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+            prepare();
+            measureMedian(state, [&] { benchmark::DoNotOptimize(snapshotOf((*dir)->path())); });
+        });
+    }
 }
 
 void registerAll() {

@@ -51,6 +51,8 @@ ROWS = (
     Row("check-500", "mlktree check of 500 models, 4 boards, 60 countries", "check", "500", 25),
     Row("report-500", "mlktree report of the same, over check", "report", "500", 4,
         over="check/ours/500"),
+    Row("snapshot-500", "mlktree snapshot of the same, over its check", "snapshot", "500", 2,
+        over="check/ours/500"),
 )
 
 UNITS = {"calls": "/s", "resident": "bytes"}  # of a family; the others are times in ns

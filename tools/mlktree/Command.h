@@ -38,6 +38,7 @@ enum class Completion {
     EXPLAINED,     /**< the words that say what explain shall explain */
     SOUND_SECTION, /**< of the audio files */
     SOUND_KEY,     /**< of the section that the word before names */
+    OPERAND,       /**< what diff compares: "model=6,country=GERMANY" */
 };
 
 /** One option of a command. */
@@ -134,6 +135,8 @@ Command settingsCommand();
 Command newCommand();
 Command showCommand();
 Command reportCommand();
+Command snapshotCommand();
+Command diffCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */
 

@@ -136,6 +136,33 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
     }
 }
 
+// A part of a set, "model=6", after the parts that the word has before its last comma.
+void addOperands(Candidates& out, const std::string& word, const Before& before, TreeNames& names) {
+    static constexpr std::pair<const char*, Completion> kParts[] = {
+            {"model=", Completion::MODEL},       {"board=", Completion::BOARD},
+            {"customer=", Completion::CUSTOMER}, {"country=", Completion::COUNTRY},
+            {"tree=", Completion::NOTHING},
+    };
+    out.files |= word.find('=') == std::string::npos;
+    const size_t comma = word.rfind(',');
+    const std::string done = comma == std::string::npos ? "" : word.substr(0, comma + 1);
+    const std::string part = word.substr(done.size());
+    for (const auto& [name, kind] : kParts) {
+        const std::string_view start = name;
+        const bool isGiven = ("," + done).find("," + std::string(start)) != std::string::npos;
+        if (!isGiven && part.compare(0, start.size(), start) == 0) {
+            for (const Candidate& value : names.of(kind, before.given, "")) {
+                out.words.push_back({done + name + value.word, value.what});
+            }
+        } else if (!isGiven) {
+            out.words.push_back({done + name, "a part of a set"});
+        }
+    }
+    if (done.empty()) {
+        out.words.push_back({"rev:", "the tree as a revision has it"});
+    }
+}
+
 void addValues(Candidates& out, const Option& option, const Before& before, TreeNames& names) {
     for (const std::string_view choice : option.choices) {
         out.words.push_back({std::string(choice), ""});
@@ -204,7 +231,11 @@ Candidates candidatesFor(const std::vector<std::string>& words, TreeNames& names
     }
     if (command->nextWord != nullptr && before.given.words().size() < command->mostWords) {
         for (const Completion kind : command->nextWord(before.given.words())) {
-            add(found, kind, before, names);
+            if (kind == Completion::OPERAND) {
+                addOperands(found, word, before, names);
+            } else {
+                add(found, kind, before, names);
+            }
         }
     }
     return found;

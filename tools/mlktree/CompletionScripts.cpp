@@ -12,17 +12,33 @@ namespace {
 constexpr std::string_view kBash = R"bash(# bash completion for mlktree
 
 _mlktree() {
-    local IFS=$'\n' typed=${COMP_WORDS[COMP_CWORD]} current line offered
-    local -a words=("${COMP_WORDS[@]:1:COMP_CWORD-1}")
-    words=("${words[@]//[\'\"\\]/}")
-    # "=" is a word of its own to bash, and to mlktree part of the option.
+    local IFS=$'\n' typed=${COMP_WORDS[COMP_CWORD]} current line offered word last= begun=
+    local -a words=()
+    # "=" is a word of its own to bash, and to mlktree part of the option or of the set.
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        word=${word//[\'\"\\]/}
+        if [[ ($word == = || $last == =) && ${#words[@]} -gt 0 && ${words[-1]} != -* ]]; then
+            words[-1]+=$word
+        else
+            words+=("$word")
+        fi
+        last=$word
+    done
+    if [[ ($typed == = || $last == =) && ${#words[@]} -gt 0 && ${words[-1]} != [-=]* ]]; then
+        begun=${words[-1]%=}=
+        unset 'words[-1]'
+    fi
     if [[ $typed == = ]]; then
         typed=
     fi
     current=${typed//[\'\"\\]/}
     COMPREPLY=()
-    offered=$("${COMP_WORDS[0]}" complete -- "${words[@]}" "$current" 2>/dev/null) || return
+    offered=$("${COMP_WORDS[0]}" complete -- "${words[@]}" "$begun$current" 2>/dev/null) || return
     for line in $offered; do
+        if [[ $line == *=$'\t'* ]]; then
+            compopt -o nospace 2>/dev/null
+        fi
+        line=${line#"$begun"}
         case $line in
             :files)
                 compopt -o filenames 2>/dev/null

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "common/TextHash.h"
+#include "tools/mlktree/Parallel.h"
 
 namespace mlk::tree {
 
@@ -37,6 +38,33 @@ std::vector<AnswerName> NameNumbers::sort() {
         names.push_back(mNames[preliminary]);
     }
     return names;
+}
+
+void sortNames(NameNumbers& names, LineAnswers& line) {
+    line.names = names.sort();
+    forEachInParallel(line.items.size(), [&](size_t i) {
+        ItemPiece& piece = line.items[i];
+        for (AnswerItem& item : piece) {
+            item.name = names.sorted(item.name);
+        }
+        const auto isBefore = [](const AnswerItem& a, const AnswerItem& b) {
+            return a.name < b.name;
+        };
+        std::stable_sort(piece.begin(), piece.end(), isBefore);
+        const auto end = std::unique(
+                piece.rbegin(), piece.rend(),
+                [](const AnswerItem& a, const AnswerItem& b) { return a.name == b.name; });
+        piece.erase(piece.begin(), end.base());
+    });
+    forEachInParallel(line.delays.size(), [&](size_t i) {
+        DelayPiece& piece = line.delays[i];
+        for (AnswerDelay& delay : piece) {
+            delay.name = names.sorted(delay.name);
+        }
+        std::sort(piece.begin(), piece.end(), [](const AnswerDelay& a, const AnswerDelay& b) {
+            return std::tie(a.receiver, a.name) < std::tie(b.receiver, b.name);
+        });
+    });
 }
 
 }  // namespace mlk::tree

@@ -30,4 +30,11 @@ class NameNumbers {
     vendor::morlak::mlkconfigs::V1_0::implementation::HashIndex mIndex;
 };
 
+/**
+ * Gives the names of a line their numbers, and brings its pieces into the order of these. Until
+ * then, the items and delays of the line have preliminary numbers. Of several items with one name
+ * in a piece, the last one counts.
+ */
+void sortNames(NameNumbers& names, LineAnswers& line);
+
 }  // namespace mlk::tree

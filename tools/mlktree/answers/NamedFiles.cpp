@@ -28,12 +28,13 @@ void examine(const Tree& tree, AnswerFile& file) {
     constexpr size_t kStep = size_t{64} << 10U;
     const std::string host = tree.hostOfWritten(file.path);
     file.exists = product::pathExists(host);
+    // What is no regular file is as good as an empty one: the service delivers no bytes.
+    file.hash = file.exists ? 0xcbf29ce484222325 : 0;
     product::File opened(host);
     if (!opened.isOpen()) {
         return;
     }
     file.size = opened.size();
-    file.hash = 0xcbf29ce484222325;
     std::vector<char> bytes(std::min(kStep, opened.size() + 1));
     for (size_t done = 0; done < kMostHashed;) {
         const ssize_t count = opened.readUpTo(bytes.data(), bytes.size());
@@ -46,6 +47,14 @@ void examine(const Tree& tree, AnswerFile& file) {
 }
 
 }  // namespace
+
+std::string hexOf(uint64_t hash) {
+    std::string text(16, '0');
+    for (size_t i = text.size(); i-- > 0; hash >>= 4U) {
+        text[i] = "0123456789abcdef"[hash & 0xfU];
+    }
+    return text;
+}
 
 bool mayNameFile(const AnswerName& name) {
     const product::KnownItem* const known = product::findKnownItem({name.section, name.key});

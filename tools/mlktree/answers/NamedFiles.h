@@ -14,6 +14,9 @@ bool mayNameFile(const AnswerName& name);
 /** Whether a value is a path of a partition: "/tvconfigs/pq/panel.bin". */
 bool isPartitionPath(std::string_view value);
 
+/** A hash as a text: 16 hexadecimal digits. */
+std::string hexOf(uint64_t hash);
+
 /**
  * Every file that an item of the line names and whose bytes the service delivers as they are, by
  * path; on all cores. Reads nothing outside of the partitions, unless a link leads there.

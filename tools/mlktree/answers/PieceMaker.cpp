@@ -78,7 +78,7 @@ void PieceMaker::make() {
     makeItems();
     makeAuxiliary();
     makeDelays();
-    sortItems();
+    sortNames(mNames, mAnswers);
     makeFeatures();
     makeLists();
     makePlans();
@@ -146,35 +146,6 @@ void PieceMaker::makeAuxiliary() {
             piece.push_back({mNames.of(read.section, read.key), placeOf(&file, &read), text});
         }
     }
-}
-
-// Gives the names their numbers, and brings the pieces into the order of these. Of several items
-// with one name in a piece, the last one counts.
-void PieceMaker::sortItems() {
-    mAnswers.names = mNames.sort();
-    forEachInParallel(mAnswers.items.size(), [this](size_t i) {
-        ItemPiece& piece = mAnswers.items[i];
-        for (AnswerItem& item : piece) {
-            item.name = mNames.sorted(item.name);
-        }
-        const auto isBefore = [](const AnswerItem& a, const AnswerItem& b) {
-            return a.name < b.name;
-        };
-        std::stable_sort(piece.begin(), piece.end(), isBefore);
-        const auto end = std::unique(
-                piece.rbegin(), piece.rend(),
-                [](const AnswerItem& a, const AnswerItem& b) { return a.name == b.name; });
-        piece.erase(piece.begin(), end.base());
-    });
-    forEachInParallel(mAnswers.delays.size(), [this](size_t i) {
-        DelayPiece& piece = mAnswers.delays[i];
-        for (AnswerDelay& delay : piece) {
-            delay.name = mNames.sorted(delay.name);
-        }
-        std::sort(piece.begin(), piece.end(), [](const AnswerDelay& a, const AnswerDelay& b) {
-            return std::tie(a.receiver, a.name) < std::tie(b.receiver, b.name);
-        });
-    });
 }
 
 void PieceMaker::makeLists() {

@@ -64,7 +64,6 @@ class PieceMaker {
     void makeDelays();
     void makeLists();
     void makePlans();
-    void sortItems();
     uint32_t channelsOf(const std::string& path);
     uint32_t fileNumber(const std::string& path);
 

@@ -11,25 +11,6 @@ namespace mlk::tree {
 
 namespace {
 
-/** A tree with what its sets answer. */
-struct Answered {
-    explicit Answered(const std::string& root, const Selection& selection = {})
-        : tree(root, {}),
-          properties(root + "/data/property", {}),
-          line(tree, settings, properties, selection),
-          answers(answersOf(line, selection.isOneSet)) {}
-
-    const Tree tree;
-    const Settings settings;
-    const TreeProperties properties;
-    const ProductLine line;
-    const std::unique_ptr<const LineAnswers> answers;
-};
-
-std::string samplePath() {
-    return testing::sourceDir() + "/samples/partitions";
-}
-
 // Every model and board, each in a third of the countries.
 TEST(AnswersTest, AgreeWithTheProductsOwnObjects) {
     const testing::QuietLog quiet;

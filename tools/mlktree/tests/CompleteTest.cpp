@@ -72,6 +72,16 @@ TEST(CompleteTest, OffersCommands) {
     EXPECT_THAT(offered({"complete", ""}), IsEmpty());
 }
 
+TEST(CompleteTest, OffersPartsOfSetsToCompare) {
+    EXPECT_THAT(offered({"diff", ""}), IsSupersetOf({"model=", "country=", "tree=", "rev:"}));
+    EXPECT_THAT(offered({"diff", "model="}), ElementsAre("model=1", "model=2"));
+    EXPECT_THAT(offered({"diff", "model=1,co"}), ElementsAre("model=1,country="));
+    EXPECT_THAT(offered({"diff", "a", "model=1,country=GR"}),
+                ElementsAre("model=1,country=GREECE"));
+    EXPECT_THAT(offered({"diff", "model=1,mo"}), IsEmpty());
+    EXPECT_THAT(offered({"diff", "a", "b", ""}), IsEmpty());
+}
+
 TEST(CompleteTest, OffersOptionsThatAreNotGiven) {
     EXPECT_THAT(offered({"check", "--mo"}), ElementsAre("--model"));
     EXPECT_THAT(offered({"check", "--model", "1", "--mo"}), IsEmpty());

@@ -7,6 +7,7 @@
 
 #include "common/Decimal.h"
 #include "frameworkconfigs/FrameworkItems.h"
+#include "host/testing/Process.h"
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/ProjectParser.h"
 #include "regional/CountryTable.h"
@@ -26,11 +27,12 @@ namespace {
 using Names = std::set<std::pair<std::string, std::string>>;
 
 std::string nameOf(std::string_view section, std::string_view key) {
-    return std::string(section) + " " + std::string(key);
+    return std::string(section) + (section.empty() ? "" : " ") + std::string(key);
 }
 
-void add(Told& told, const std::string& name, const std::string& value) {
-    if (!value.empty() && value != "0") {
+void add(Told& told, const std::string& name, const std::string& value,
+         const std::string& nothing = "") {
+    if (value != nothing) {
         told[name] = value;
     }
 }
@@ -43,6 +45,10 @@ std::string textOf(int32_t channel, int32_t frequency, int32_t bandwidth, const 
     return text.str();
 }
 
+std::string trimmedEnd(const std::string& text) {
+    return text.substr(0, text.find_last_not_of(" \r") + 1);
+}
+
 // Every section with every key of the text files of a folder: more than they have as items.
 void addNames(const fs::path& folder, Names& names) {
     std::error_code error;
@@ -51,14 +57,18 @@ void addNames(const fs::path& folder, Names& names) {
             continue;
         }
         std::ifstream file(entry.path());
-        std::string section;
+        std::vector<std::string> sections = {""};
         for (std::string line; std::getline(file, line);) {
+            const size_t begin = std::min(line.find_first_not_of('='), line.size());
             if (!line.empty() && line.front() == '[') {
-                section = line.substr(0, line.find(']') + 1);
-            } else if (line.find('=') != std::string::npos) {
-                const std::string key = line.substr(0, line.find('='));
-                const size_t end = key.find_last_not_of(' ');
-                names.emplace(section, key.substr(0, end == std::string::npos ? 0 : end + 1));
+                // As its author means it, and as the rest of the line may spoil it.
+                const std::string whole = line.substr(0, line.find('#'));
+                sections = {line.substr(0, line.find(']') + 1), whole, trimmedEnd(whole)};
+            } else if (line.find('=', begin) != std::string::npos) {
+                for (const std::string& section : sections) {
+                    names.emplace(section,
+                                  trimmedEnd(line.substr(begin, line.find('=', begin) - begin)));
+                }
             }
         }
     }
@@ -81,10 +91,10 @@ class Asking {
     Asking(const ProductLine& line, const SetChoice& choice)
         : mLine(line), mChoice(choice), mProduct(line, choice) {}
 
-    Told all() {
+    Told all(bool hasReceivers) {
         addItems();
         addFeatures();
-        addDelays();
+        addDelays(hasReceivers);
         addAuxiliary();
         addRegion();
         return std::move(mTold);
@@ -110,10 +120,22 @@ class Asking {
         items.dump(dump);
         std::istringstream lines(dump.str());
         std::set<std::string> sections;
+        static constexpr std::pair<std::string_view, const char*> kPaths[] = {
+                {"  Sys ini file: ", "customer system file"},
+                {"  Project ini file: ", "model file"},
+                {"  Board ini file: ", "board file"},
+        };
         for (std::string line; std::getline(lines, line);) {
-            const size_t end = line.find("]:");
-            if (line.compare(0, 5, "    [") == 0 && end != std::string::npos) {
-                sections.insert(line.substr(4, end - 3));
+            for (const auto& [start, name] : kPaths) {
+                if (line.compare(0, start.size(), start) == 0) {
+                    add(mTold, name, written(line.substr(start.size())));
+                }
+            }
+            // "    SECTION:KEY=VALUE"; a section or a key may have a colon.
+            for (size_t end = line.find(':');
+                 line.compare(0, 4, "    ") == 0 && end < line.find('=');
+                 end = line.find(':', end + 1)) {
+                sections.insert(line.substr(4, end - 4));
             }
         }
         for (const std::string& section : sections) {
@@ -158,18 +180,21 @@ class Asking {
         }
     }
 
-    void addDelays() {
+    void addDelays(bool hasReceivers) {
         product::SoundDelays& sounds = mProduct.project().sounds();
         Names names;
         addNames(mLine.tree().host("tvconfigs/audio"), names);
         const auto ask = [&](const std::string& receiver, bool isArc) {
             for (const auto& [section, key] : names) {
                 add(mTold, "delay " + nameOf(section, key) + " " + receiver,
-                    std::to_string(sounds.delay({section, key}, isArc)));
+                    std::to_string(sounds.delay({section, key}, isArc)), "0");
             }
         };
         ask("", false);
         ask("ARC", true);
+        if (!hasReceivers) {
+            return;
+        }
         const std::string path = mProduct.project().items().getInfo(product::item::kAvrAudio);
         const fs::path folder = fs::path(path).parent_path();
         std::error_code error;
@@ -187,7 +212,7 @@ class Asking {
                 mine.trySetAvrOSDName(name.substr(split + 1, name.size() - 4 - split - 1));
                 for (const auto& [section, key] : names) {
                     add(mTold, "delay " + nameOf(section, key) + " " + name,
-                        std::to_string(mine.delay({section, key}, true)));
+                        std::to_string(mine.delay({section, key}, true)), "0");
                 }
             }
         }
@@ -202,7 +227,7 @@ class Asking {
         for (const auto& [section, key] : names) {
             const std::string name = nameOf(section, key);
             const int32_t number = product::parseDecimal(set.karaoke().lookUp({section, key}));
-            add(mTold, "auxiliary karaoke " + name, std::to_string(number));
+            add(mTold, "auxiliary karaoke " + name, std::to_string(number), "0");
             add(mTold, "auxiliary keys " + name, set.globalKeys().lookUp({section, key}));
             add(mTold, "auxiliary ddcci " + name, set.customerDdcci().lookUp({section, key}));
         }
@@ -266,6 +291,10 @@ std::string bytesOf(const Tree& tree, std::string_view path) {
 
 }  // namespace
 
+std::string samplePath() {
+    return testing::sourceDir() + "/samples/partitions";
+}
+
 Told toldBy(const LineAnswers& line, const AnswerSet& set) {
     const AnswerPieces& pieces = line.pieces[set.pieces];
     Told told;
@@ -278,7 +307,7 @@ Told toldBy(const LineAnswers& line, const AnswerSet& set) {
     for (const AnswerDelay& delay : line.delayPiece(pieces.delays)) {
         const AnswerName& name = line.names[delay.name];
         add(told, "delay " + nameOf(name.section, name.key) + " " + std::string(delay.receiver),
-            std::to_string(delay.value));
+            std::to_string(delay.value), "0");
     }
     for (const auto& [kind, piece] :
          {std::pair{"karaoke", pieces.karaoke}, std::pair{"keys", pieces.keys},
@@ -286,7 +315,7 @@ Told toldBy(const LineAnswers& line, const AnswerSet& set) {
         for (const AnswerItem& item : line.itemPiece(piece)) {
             const AnswerName& name = line.names[item.name];
             add(told, std::string("auxiliary ") + kind + " " + nameOf(name.section, name.key),
-                std::string(item.value));
+                std::string(item.value), piece == pieces.karaoke ? "0" : "");
         }
     }
     add(told, "country countries", textOf(line.listPiece(pieces.countries)));
@@ -303,6 +332,11 @@ Told toldBy(const LineAnswers& line, const AnswerSet& set) {
     const AnswerCustomer& customer = line.customers[set.customer];
     told["customer id"] = std::string(customer.id.text);
     told["customer highest index"] = std::to_string(customer.highestIndex);
+    add(told, "customer system file", std::string(customer.system.text));
+    add(told, "board file", std::string(line.boards[set.board].file));
+    if (set.model != kNone) {
+        add(told, "model file", std::string(line.models[set.model].file.text));
+    }
     if (!customer.projectFiles.empty()) {
         told["customer project files"] = textOf(customer.projectFiles);
     }
@@ -322,8 +356,8 @@ Told filesTold(const LineAnswers& line, const Tree& tree, const Told& told) {
     return files;
 }
 
-Told toldByProduct(const ProductLine& line, const SetChoice& choice) {
-    return Asking(line, choice).all();
+Told toldByProduct(const ProductLine& line, const SetChoice& choice, bool hasReceivers) {
+    return Asking(line, choice).all(hasReceivers);
 }
 
 SetChoice choiceOf(const ProductLine& line, const LineAnswers& answers, const AnswerSet& set) {

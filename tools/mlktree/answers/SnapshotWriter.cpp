@@ -1,0 +1,402 @@
+#include <algorithm>
+
+#include "tools/common/Text.h"
+#include "tools/mlktree/answers/NamedFiles.h"
+#include "tools/mlktree/answers/Snapshot.h"
+#include "tools/mlktree/answers/SnapshotUses.h"
+
+namespace mlk::tree {
+
+namespace {
+
+constexpr size_t kEnoughToWrite = size_t{1} << 16U;
+
+const AnswerItem& itemOf(const AnswerItem& item) {
+    return item;
+}
+const AnswerItem& itemOf(const AnswerItem* item) {
+    return *item;
+}
+
+/** Some pieces that stand one after the other. */
+template <typename Iterator>
+struct Range {
+    Iterator first;
+    Iterator last;
+
+    Iterator begin() const { return first; }
+    Iterator end() const { return last; }
+};
+
+/** Writes the pieces of a line. A line of the file is a section, a list, or what refers to them. */
+class SnapshotWriter {
+  public:
+    SnapshotWriter(const LineAnswers& line, const TextSink& sink)
+        : mLine(line), mUses(line), mSink(sink) {}
+
+    void write() {
+        mOut += "{\"version\":" + std::to_string(kSnapshotVersion) + ",\n";
+        writeCustomers();
+        writeModels();
+        writeBoards();
+        writeFiles();
+        writeShared();
+        writeEach("sets", mLine.sets, [this](const AnswerSet& set) { writeSet(set); });
+        mOut += "}\n";
+        mSink(mOut);
+    }
+
+  private:
+    void flush() {
+        if (mOut.size() >= kEnoughToWrite) {
+            mSink(mOut);
+            mOut.clear();
+        }
+    }
+    void text(std::string_view value) { appendJsonString(mOut, value); }
+    void name(std::string_view value) {
+        text(value);
+        mOut += ':';
+    }
+
+    /** `"member":[` and a line for each. */
+    template <typename List, typename Write>
+    void writeEach(std::string_view member, const List& list, const Write& write) {
+        name(member);
+        mOut += '[';
+        bool isFirst = true;
+        for (const auto& one : list) {
+            mOut += isFirst ? "\n" : ",\n";
+            isFirst = false;
+            write(one);
+            flush();
+        }
+        mOut += isFirst ? "]" : "\n]";
+    }
+
+    /** A piece in its place, or a reference to it. */
+    template <typename Write>
+    void place(const char* kind, const PieceUses& uses, uint32_t piece, const Write& write) {
+        if (piece != kNone && uses.isShared(piece)) {
+            mOut.append("{\"$ref\":\"#/shared/").append(kind).append("/");
+            mOut += std::to_string(uses.numberOf(piece)) + "\"}";
+        } else {
+            write();
+        }
+    }
+
+    /** Opens and closes objects that group what comes one after the other: sections. */
+    template <typename Pieces, typename GroupOf, typename Write>
+    void writeGroups(const Pieces& pieces, const GroupOf& groupOf, const Write& write) {
+        mOut += '{';
+        bool isOpen = false;
+        std::string_view group;
+        for (const auto& one : pieces) {
+            const std::string_view next = groupOf(one);
+            if (!isOpen || next != group) {
+                mOut += isOpen ? "},\n" : "\n";
+                name(next);
+                mOut += '{';
+                isOpen = true;
+                group = next;
+            } else {
+                mOut += ',';
+            }
+            write(one);
+        }
+        mOut += isOpen ? "}}" : "}";
+    }
+
+    void writeCustomers();
+    void writeModels();
+    void writeBoards();
+    void writeFiles();
+    void writeShared();
+    void writeSet(const AnswerSet& set);
+    void writeAnswers(const AnswerPieces& pieces);
+    void writeItems(const AnswerPieces& pieces);
+    void writeItem(const AnswerItem& item, bool isNumber) {
+        name(mLine.names[item.name].key);
+        if (isNumber) {
+            mOut += item.value;
+        } else {
+            text(item.value);
+        }
+    }
+    template <typename Items>
+    void writeItemsOf(const Items& items, bool isNumber = false);
+    void writeAuxiliary(const AnswerPieces& pieces);
+    void writeFeatures(const FeaturePiece& piece);
+    void writeDelays(const DelayPiece& piece);
+    void writeList(const ListPiece& piece);
+    void writePlans(const PlanPiece& piece);
+    void writeChannels(const ChannelPiece& piece);
+    bool isKaraoke(uint32_t piece) const;
+
+    const LineAnswers& mLine;
+    const SnapshotUses mUses;
+    const TextSink& mSink;
+    std::string mOut;
+};
+
+void SnapshotWriter::writeCustomers() {
+    writeEach("customers", mLine.customers, [this](const AnswerCustomer& customer) {
+        mOut += "{\"file\":";
+        text(customer.file);
+        mOut += ",\"id\":";
+        text(customer.id.text);
+        mOut += ",\"system\":";
+        text(customer.system.text);
+        mOut += ",\"highestIndex\":" + std::to_string(customer.highestIndex);
+        mOut += ",\"projectFiles\":";
+        writeList(customer.projectFiles);
+        mOut += '}';
+    });
+    mOut += ",\n";
+}
+
+void SnapshotWriter::writeModels() {
+    writeEach("models", mLine.models, [this](const AnswerModel& model) {
+        mOut += "{\"model\":" + std::to_string(model.index) + ",\"customer\":";
+        text(mLine.customers[model.customer].file);
+        mOut += ",\"file\":";
+        text(model.file.text);
+        mOut += '}';
+    });
+    mOut += ",\n";
+}
+
+void SnapshotWriter::writeBoards() {
+    writeEach("boards", mLine.boards, [this](const AnswerBoard& board) {
+        mOut += "{\"board\":";
+        text(board.name);
+        mOut += ",\"file\":";
+        text(board.file);
+        mOut += '}';
+    });
+    mOut += ",\n";
+}
+
+void SnapshotWriter::writeFiles() {
+    name("files");
+    mOut += '{';
+    bool isFirst = true;
+    for (const AnswerFile& file : mLine.files) {
+        mOut += isFirst ? "\n" : ",\n";
+        isFirst = false;
+        name(file.path);
+        if (file.exists) {
+            mOut += "{\"size\":" + std::to_string(file.size) + ",\"hash\":\"" + hexOf(file.hash) +
+                    "\"}";
+        } else {
+            mOut += "null";
+        }
+        flush();
+    }
+    mOut += isFirst ? "},\n" : "\n},\n";
+}
+
+// True for a piece whose values are numbers.
+bool SnapshotWriter::isKaraoke(uint32_t piece) const {
+    return std::any_of(mLine.pieces.begin(), mLine.pieces.end(),
+                       [piece](const AnswerPieces& one) { return one.karaoke == piece; });
+}
+
+void SnapshotWriter::writeShared() {
+    name("shared");
+    mOut += '{';
+    bool isFirst = true;
+    const auto add = [&](const char* kind, const PieceUses& uses, const auto& write) {
+        if (uses.shared().empty()) {
+            return;
+        }
+        mOut += isFirst ? "\n" : ",\n";
+        isFirst = false;
+        writeEach(kind, uses.shared(), write);
+    };
+    add("items", mUses.items, [this](uint32_t piece) { writeItemsOf(mLine.items[piece]); });
+    add("auxiliary", mUses.auxiliary,
+        [this](uint32_t piece) { writeItemsOf(mLine.items[piece], isKaraoke(piece)); });
+    add("features", mUses.features,
+        [this](uint32_t piece) { writeFeatures(mLine.features[piece]); });
+    add("delays", mUses.delays, [this](uint32_t piece) { writeDelays(mLine.delays[piece]); });
+    add("lists", mUses.lists, [this](uint32_t piece) { writeList(mLine.lists[piece]); });
+    add("channels", mUses.channels,
+        [this](uint32_t piece) { writeChannels(mLine.channels[piece]); });
+    add("plans", mUses.plans, [this](uint32_t piece) { writePlans(mLine.plans[piece]); });
+    add("answers", mUses.answers, [this](uint32_t piece) {
+        mOut += '{';
+        writeAnswers(mLine.pieces[piece]);
+        mOut += '}';
+    });
+    mOut += isFirst ? "},\n" : "\n},\n";
+}
+
+void SnapshotWriter::writeSet(const AnswerSet& set) {
+    mOut += "{\"model\":" + (set.model == kNone ? std::string("null")
+                                                : std::to_string(mLine.models[set.model].index));
+    mOut += ",\"board\":";
+    text(mLine.boards[set.board].name);
+    mOut += ",\"customer\":";
+    text(mLine.customers[set.customer].file);
+    mOut += ",\"country\":";
+    text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
+    mOut += ',';
+    if (mUses.answers.isShared(set.pieces)) {
+        mOut += "\"$merge\":[{\"$ref\":\"#/shared/answers/" +
+                std::to_string(mUses.answers.numberOf(set.pieces)) + "\"}]";
+    } else {
+        writeAnswers(mLine.pieces[set.pieces]);
+    }
+    mOut += ",\"plans\":";
+    const uint32_t plans = set.plans == kNone ? kNone : mUses.plansLike[set.plans];
+    place("plans", mUses.plans, plans, [&] { writePlans(mLine.planPiece(plans)); });
+    mOut += '}';
+}
+
+void SnapshotWriter::writeAnswers(const AnswerPieces& pieces) {
+    mOut += "\"items\":";
+    writeItems(pieces);
+    for (const auto& [member, piece] : {std::pair{",\"features\":", pieces.features},
+                                        std::pair{",\"framework\":", pieces.framework}}) {
+        mOut += member;
+        place("features", mUses.features, piece,
+              [&, number = piece] { writeFeatures(mLine.featurePiece(number)); });
+    }
+    mOut += ",\"delays\":";
+    place("delays", mUses.delays, pieces.delays,
+          [&] { writeDelays(mLine.delayPiece(pieces.delays)); });
+    mOut += ",\"auxiliary\":";
+    writeAuxiliary(pieces);
+    for (const auto& [member, piece] : {std::pair{",\"countries\":", pieces.countries},
+                                        std::pair{",\"cltvCountries\":", pieces.cltvCountries},
+                                        std::pair{",\"languages\":", pieces.languages}}) {
+        mOut += member;
+        place("lists", mUses.lists, piece,
+              [&, number = piece] { writeList(mLine.listPiece(number)); });
+    }
+}
+
+// Layers stay apart if one of them stands elsewhere.
+void SnapshotWriter::writeItems(const AnswerPieces& pieces) {
+    std::vector<uint32_t> layers;
+    bool isShared = false;
+    for (const uint32_t layer : pieces.items) {
+        if (layer != kNone && !mLine.items[layer].empty()) {
+            layers.push_back(layer);
+            isShared |= mUses.items.isShared(layer);
+        }
+    }
+    const auto write = [&](uint32_t layer) {
+        place("items", mUses.items, layer, [&] { writeItemsOf(mLine.items[layer]); });
+    };
+    if (!isShared) {
+        writeItemsOf(mLine.itemsOf(pieces));
+    } else if (layers.size() == 1) {
+        write(layers.front());
+    } else {
+        mOut += "{\"$merge\":[";
+        for (const uint32_t layer : layers) {
+            mOut += layer == layers.front() ? "" : ",";
+            write(layer);
+        }
+        mOut += "]}";
+    }
+}
+
+template <typename Items>
+void SnapshotWriter::writeItemsOf(const Items& items, bool isNumber) {
+    writeGroups(
+            items, [this](const auto& item) { return mLine.names[itemOf(item).name].section; },
+            [&](const auto& item) { writeItem(itemOf(item), isNumber); });
+}
+
+void SnapshotWriter::writeAuxiliary(const AnswerPieces& pieces) {
+    mOut += "{\"karaoke\":";
+    place("auxiliary", mUses.auxiliary, pieces.karaoke,
+          [&] { writeItemsOf(mLine.itemPiece(pieces.karaoke), true); });
+    mOut += ",\"keys\":";
+    place("auxiliary", mUses.auxiliary, pieces.keys,
+          [&] { writeItemsOf(mLine.itemPiece(pieces.keys)); });
+    mOut += ",\"ddcci\":";
+    place("auxiliary", mUses.auxiliary, pieces.ddcci,
+          [&] { writeItemsOf(mLine.itemPiece(pieces.ddcci)); });
+    mOut += '}';
+}
+
+void SnapshotWriter::writeFeatures(const FeaturePiece& piece) {
+    mOut += '{';
+    bool isFirst = true;
+    for (const AnswerFeature& feature : piece) {
+        mOut += isFirst ? "" : ",";
+        isFirst = false;
+        name(feature.method);
+        if (feature.type == AnswerType::TEXT) {
+            text(feature.value);
+        } else {
+            mOut += feature.value;
+        }
+    }
+    mOut += '}';
+}
+
+void SnapshotWriter::writeDelays(const DelayPiece& piece) {
+    mOut += '{';
+    for (auto delay = piece.begin(); delay != piece.end();) {
+        const auto end = std::find_if(delay, piece.end(), [&](const AnswerDelay& one) {
+            return one.receiver != delay->receiver;
+        });
+        mOut += delay == piece.begin() ? "\n" : ",\n";
+        name(delay->receiver.empty() ? kNoReceiver : delay->receiver);
+        writeGroups(
+                Range<DelayPiece::const_iterator>{delay, end},
+                [this](const AnswerDelay& one) { return mLine.names[one.name].section; },
+                [this](const AnswerDelay& one) {
+                    name(mLine.names[one.name].key);
+                    mOut += std::to_string(one.value);
+                });
+        delay = end;
+    }
+    mOut += '}';
+}
+
+void SnapshotWriter::writeList(const ListPiece& piece) {
+    mOut += '[';
+    for (const AnswerEntry& entry : piece) {
+        mOut += &entry == &piece.front() ? "" : ",";
+        text(entry.text);
+    }
+    mOut += ']';
+}
+
+void SnapshotWriter::writePlans(const PlanPiece& piece) {
+    mOut += '{';
+    for (const AnswerPlan& plan : piece) {
+        mOut += &plan == &piece.front() ? "" : ",";
+        name(plan.kind);
+        place("channels", mUses.channels, plan.channels,
+              [&] { writeChannels(mLine.channelPiece(plan.channels)); });
+    }
+    mOut += '}';
+}
+
+void SnapshotWriter::writeChannels(const ChannelPiece& piece) {
+    mOut += '[';
+    for (const AnswerChannel& channel : piece) {
+        mOut += &channel == &piece.front() ? "\n" : ",\n";
+        mOut += "{\"channel\":" + std::to_string(channel.channel) +
+                ",\"frequency\":" + std::to_string(channel.frequency) +
+                ",\"bandwidth\":" + std::to_string(channel.bandwidth) + ",\"label\":";
+        text(channel.label);
+        mOut += ",\"modulation\":" + std::to_string(channel.modulation) + '}';
+    }
+    mOut += ']';
+}
+
+}  // namespace
+
+void writeSnapshot(const LineAnswers& line, const TextSink& sink) {
+    SnapshotWriter(line, sink).write();
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,171 @@
+#include "tools/mlktree/diff/DiffFormats.h"
+
+#include <algorithm>
+
+#include "tools/common/Json.h"
+#include "tools/common/Text.h"
+#include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+constexpr std::string_view kBold = "\033[1m";
+constexpr std::string_view kRed = "\033[31m";
+constexpr std::string_view kGreen = "\033[32m";
+constexpr std::string_view kDim = "\033[2m";
+constexpr std::string_view kPlain = "\033[0m";
+
+std::string placeOf(const ChangeSide& side) {
+    return side.file.empty() ? ""
+                             : side.file + (side.line != 0 ? ":" + std::to_string(side.line) : "");
+}
+
+// "no difference" or "3 differences".
+std::string summaryOf(const Difference& difference) {
+    const size_t count = difference.changes.size();
+    return count == 0 ? "no difference" : counted(count, "difference", "differences");
+}
+
+/** Prints the changes for a terminal. */
+class TextPrinter {
+  public:
+    TextPrinter(bool isColoured, const TextSink& sink) : mIsColoured(isColoured), mSink(sink) {}
+
+    void print(const Difference& difference) {
+        const ChangeKind* last = nullptr;
+        for (const Change& change : difference.changes) {
+            if (last == nullptr || *last != change.kind) {
+                mSink((last == nullptr ? "" : "\n") + in(kBold, std::string(titleOf(change.kind))) +
+                      "\n");
+            }
+            last = &change.kind;
+            print(change, difference.isOfSets);
+        }
+        mSink((last == nullptr ? "" : "\n") + summaryOf(difference) + "\n");
+    }
+
+  private:
+    std::string in(std::string_view colour, const std::string& text) const {
+        return mIsColoured ? std::string(colour) + text + std::string(kPlain) : text;
+    }
+
+    void print(const Change& change, bool isOfSets) {
+        mSink("  " + shownText(change.name) + "\n");
+        const auto shown = [](const std::optional<ChangeSide>& side) {
+            return !side ? std::string() : side->value.empty() ? "(empty)" : shownText(side->value);
+        };
+        const std::string a = shown(change.a);
+        const std::string b = shown(change.b);
+        // Places of long values stand closer, not below each other.
+        constexpr size_t kWidest = 60;
+        const size_t width = std::min(std::max(a.size(), b.size()), kWidest);
+        const auto line = [&](const char* sign, std::string_view colour, const std::string& text,
+                              const std::optional<ChangeSide>& side) {
+            if (!side) {
+                return;
+            }
+            const std::string place = shownText(placeOf(*side));
+            const std::string gap(2 + width - std::min(text.size(), width), ' ');
+            mSink("    " + in(colour, sign + text) + (place.empty() ? "" : gap + in(kDim, place)) +
+                  "\n");
+        };
+        line("- ", kRed, a, change.a);
+        line("+ ", kGreen, b, change.b);
+        if (!isOfSets && !change.sets.empty()) {
+            mSink(in(kDim, "    in " + inWords(change.sets)) + "\n");
+        }
+    }
+
+    const bool mIsColoured;
+    const TextSink& mSink;
+};
+
+std::string jsonOf(const std::optional<ChangeSide>& side) {
+    if (!side) {
+        return "null";
+    }
+    JsonObject object;
+    object.text("value", side->value);
+    if (side->file.empty()) {
+        object.json("file", "null").json("line", "null");
+    } else {
+        object.text("file", side->file).number("line", side->line);
+    }
+    return object.str();
+}
+
+// A text as code in a cell of a table. Nothing in it is markup.
+std::string codeOf(std::string_view text) {
+    const std::string plain = shownText(text);
+    if (plain.empty()) {
+        return "(empty)";
+    }
+    size_t longest = 0;
+    size_t run = 0;
+    std::string out;
+    for (const char c : plain) {
+        run = c == '`' ? run + 1 : 0;
+        longest = std::max(longest, run);
+        out += c == '|' ? "\\|" : std::string(1, c);
+    }
+    const std::string fence(longest + 1, '`');
+    const bool needsBlanks = plain.front() == '`' || plain.back() == '`';
+    const std::string blank = needsBlanks ? " " : "";
+    return fence + blank + out + blank + fence;
+}
+
+std::string cellOf(const std::optional<ChangeSide>& side) {
+    if (!side) {
+        return "-";
+    }
+    const std::string place = placeOf(*side);
+    return codeOf(side->value) + (place.empty() ? "" : " (" + codeOf(place) + ")");
+}
+
+}  // namespace
+
+void writeDiffText(const Difference& difference, bool isColoured, const TextSink& sink) {
+    TextPrinter(isColoured, sink).print(difference);
+}
+
+void writeDiffJson(const Difference& difference, const TextSink& sink) {
+    sink("{\"version\":" + std::to_string(kDiffVersion) + ",\"a\":" + jsonString(difference.a) +
+         ",\"b\":" + jsonString(difference.b) +
+         ",\"same\":" + (difference.changes.empty() ? "true" : "false") + ",\"changes\":[");
+    bool isFirst = true;
+    for (const Change& change : difference.changes) {
+        sink((isFirst ? "\n" : ",\n") + JsonObject()
+                                                .text("kind", nameOf(change.kind))
+                                                .text("name", change.name)
+                                                .json("a", jsonOf(change.a))
+                                                .json("b", jsonOf(change.b))
+                                                .json("sets", jsonTexts(inSelections(change.sets)))
+                                                .str());
+        isFirst = false;
+    }
+    sink(isFirst ? "]}\n" : "\n]}\n");
+}
+
+void writeDiffMarkdown(const Difference& difference, const TextSink& sink) {
+    sink("**" + summaryOf(difference) + "** between " + codeOf(difference.a) + " and " +
+         codeOf(difference.b) + "\n");
+    const ChangeKind* last = nullptr;
+    for (const Change& change : difference.changes) {
+        if (last == nullptr || *last != change.kind) {
+            sink("\n### " + std::string(titleOf(change.kind)) + "\n\n");
+            sink(difference.isOfSets ? "| name | before | after |\n|---|---|---|\n"
+                                     : "| name | before | after | sets |\n|---|---|---|---|\n");
+        }
+        last = &change.kind;
+        sink("| " + codeOf(change.name) + " | " + cellOf(change.a) + " | " + cellOf(change.b) +
+             " |");
+        if (!difference.isOfSets) {
+            sink(" " + (change.sets.empty() ? "-" : codeOf(inWords(change.sets))) + " |");
+        }
+        sink("\n");
+    }
+}
+
+}  // namespace mlk::tree

@@ -1,0 +1,191 @@
+#include "tools/mlktree/diff/Operand.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "common/File.h"
+#include "tools/common/Suggest.h"
+#include "tools/common/Text.h"
+#include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/answers/Snapshot.h"
+#include "tools/mlktree/rules/Texts.h"
+
+namespace mlk::tree {
+
+namespace {
+
+using vendor::morlak::mlkconfigs::V1_0::implementation::File;
+
+constexpr std::string_view kRevision = "rev:";
+constexpr const char* kExpected =
+        "; expected is a folder with tvconfigs/, the file of a snapshot, rev:REVISION, or a set "
+        "such as model=6,board=FILE,country=NAME,tree=DIR";
+
+bool isFolder(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool exists(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0;
+}
+
+std::string textOf(const std::string& path) {
+    File file(path);
+    if (!file.isOpen()) {
+        throw UsageError(printable(path) + " cannot be read: " + file.reason());
+    }
+    std::string text(file.size(), '\0');
+    const ssize_t count = file.readUpTo(text.data(), text.size());
+    if (count < 0) {
+        throw UsageError(printable(path) + " cannot be read: " + std::strerror(errno));
+    }
+    text.resize(static_cast<size_t>(count));
+    return text;
+}
+
+Selection selectionOf(const Operand& operand, bool isOneSet) {
+    Arguments arguments;
+    for (const auto& [part, value] : operand.set) {
+        arguments.add("--" + part, value);
+    }
+    Selection selection;
+    try {
+        selection = mlk::tree::selectionOf(arguments);
+    } catch (const UsageError& error) {
+        throw UsageError(excerpt(operand.text) + ": " + error.what());
+    }
+    selection.isOneSet = isOneSet;
+    return selection;
+}
+
+}  // namespace
+
+const std::vector<std::string_view> kOperandParts = {"model", "board", "customer", "country",
+                                                     "tree"};
+
+Operand parseOperand(const std::string& word) {
+    Operand operand;
+    operand.text = word;
+    const std::string_view first = std::string_view(word).substr(0, word.find_first_of("=,"));
+    const bool hasParts = word.find('=') != std::string::npos;
+    const bool isKnown =
+            std::find(kOperandParts.begin(), kOperandParts.end(), first) != kOperandParts.end();
+    // A file may have "=" in its name.
+    if (!hasParts || beginsWith(word, kRevision) || (!isKnown && exists(word))) {
+        operand.source = word;
+        return operand;
+    }
+    for (size_t begin = 0; begin <= word.size();) {
+        const size_t end = std::min(word.find(',', begin), word.size());
+        const std::string part = word.substr(begin, end - begin);
+        begin = end + 1;
+        const size_t equals = part.find('=');
+        const std::string name = part.substr(0, equals);
+        if (equals == std::string::npos ||
+            std::find(kOperandParts.begin(), kOperandParts.end(), name) == kOperandParts.end()) {
+            throw UsageError(excerpt(word) + ": " + excerpt(part) +
+                             " is no part of a set; the parts are model=N, board=FILE, "
+                             "customer=FILE, country=NAME and tree=DIR, with commas between them" +
+                             didYouMean(name, kOperandParts, ""));
+        }
+        const std::string value = part.substr(equals + 1);
+        std::string& kept = name == "tree" ? operand.source : operand.set[name];
+        if (value.empty() || !kept.empty()) {
+            throw UsageError(excerpt(word) + ": " + name + "= " +
+                             (value.empty() ? "has no value" : "is there twice"));
+        }
+        kept = value;
+    }
+    return operand;
+}
+
+OpenOperand::OpenOperand(const Operand& operand, bool isOneSet, const Arguments& arguments,
+                         const Environment& environment)
+    : mOperand(operand) {
+    const std::string& source = operand.source;
+    const std::string otherwise = treeFolder(arguments, "", environment);
+    if (beginsWith(source, kRevision)) {
+        mExtracted = extractRevision(otherwise, source.substr(kRevision.size()));
+        openTree(mExtracted->path() + kExtractedTree, source, isOneSet, arguments);
+    } else if (source.empty()) {
+        openTree(otherwise, otherwise, isOneSet, arguments);
+    } else if (isFolder(source)) {
+        openTree(source, source, isOneSet, arguments);
+    } else if (exists(source)) {
+        openSnapshot(source);
+    } else {
+        throw UsageError("there is no file or folder " + excerpt(source) + kExpected);
+    }
+}
+
+void OpenOperand::openTree(const std::string& folder, const std::string& name, bool isOneSet,
+                           const Arguments& arguments) {
+    const std::string where = folder + "/";
+    try {
+        if (!isFolder(where + "tvconfigs")) {
+            throw UsageError("there is no folder tvconfigs in it");
+        }
+        mTree = std::make_unique<Tree>(folder, Tree::Apart());
+        mSettings = std::make_unique<Settings>(readSettings(where + "mlktree.toml"));
+        mProperties = std::make_unique<TreeProperties>(where + "data/property",
+                                                       arguments.values("--prop"));
+        mLine = std::make_unique<ProductLine>(*mTree, *mSettings, *mProperties,
+                                              selectionOf(mOperand, isOneSet));
+    } catch (const UsageError& error) {
+        // The temporary folder of a revision is gone when somebody reads the message.
+        std::string what = error.what();
+        for (size_t at = what.find(where); mExtracted != nullptr && at != std::string::npos;
+             at = what.find(where)) {
+            what.erase(at, where.size());
+        }
+        throw UsageError(printable(name) + ": " + what);
+    }
+    mAnswers = answersOf(*mLine, isOneSet);
+}
+
+void OpenOperand::openSnapshot(const std::string& path) {
+    mIsSnapshot = true;
+    mAnswers = readSnapshot(textOf(path), path);
+}
+
+const AnswerSet& OpenOperand::set() const {
+    const LineAnswers& line = *mAnswers;
+    if (!mIsSnapshot && line.sets.size() == 1) {
+        return line.sets.front();
+    }
+    const auto isWanted = [&](const char* part, const std::string& value) {
+        const auto found = mOperand.set.find(part);
+        return found == mOperand.set.end() || found->second == value;
+    };
+    const AnswerSet* found = nullptr;
+    for (const AnswerSet& set : line.sets) {
+        const std::string model =
+                set.model == kNone ? "none" : std::to_string(line.models[set.model].index);
+        const std::string country(set.country == kNone ? std::string_view("none")
+                                                       : line.countries[set.country]);
+        if (!isWanted("model", model) || !isWanted("country", country) ||
+            !isWanted("board", std::string(line.boards[set.board].name)) ||
+            !isWanted("customer", std::string(line.customers[set.customer].file))) {
+            continue;
+        }
+        if (found != nullptr) {
+            throw UsageError(excerpt(mOperand.text) + " fits several sets of the snapshot, " +
+                             printable(nameOf(line, *found)) + " and " +
+                             printable(nameOf(line, set)) +
+                             "; name model=, board=, customer= and country=");
+        }
+        found = &set;
+    }
+    if (found == nullptr) {
+        throw UsageError(excerpt(mOperand.text) + " fits no set of the " +
+                         (mIsSnapshot ? "snapshot" : "tree"));
+    }
+    return *found;
+}
+
+}  // namespace mlk::tree

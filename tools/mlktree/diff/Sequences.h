@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mlk::tree {
+
+/** An entry of two lists: its positions, from 0; nothing on a side that lacks it. */
+struct SequencePair {
+    std::optional<size_t> a;
+    std::optional<size_t> b;
+    bool isMoved = false; /**< both have it, but not in the order of the others */
+};
+
+/**
+ * Matches two lists: equal entries from their beginnings, each once. As few as possible are moved.
+ * In the order of the first list; what it lacks comes last.
+ */
+std::vector<SequencePair> matchSequences(const std::vector<std::string>& a,
+                                         const std::vector<std::string>& b);
+
+}  // namespace mlk::tree
