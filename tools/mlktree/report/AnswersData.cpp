@@ -42,6 +42,7 @@ class Writer {
                 .json("boards", boards())
                 .json("countries", countries())
                 .json("names", names())
+                .json("placesByCountry", placesByCountry())
                 .json("items", piecesOf(mAnswers.items, &Writer::items))
                 .json("features", piecesOf(mAnswers.features, &Writer::features))
                 .json("delays", piecesOf(mAnswers.delays, &Writer::delays))
@@ -65,8 +66,9 @@ class Writer {
     }
 
     int64_t text(std::string_view text) { return static_cast<int64_t>(mTexts.idOf(text)); }
+    // The position of a file; -1 if none gives the value, -2 if each country's record does.
     int64_t fileOf(const AnswerPlace& place) const {
-        return place.isKnown() ? mPlaces[place.file] : -1;
+        return !place.isKnown() ? -1 : place.file == kPlaceByCountry ? -2 : mPlaces[place.file];
     }
     // The file of a path as written; -1 for none.
     int64_t written(std::string_view path) const {
@@ -137,6 +139,19 @@ class Writer {
             list.add(mTexts.idOf(name.section)).add(mTexts.idOf(name.key));
         }
         return list.json();
+    }
+
+    // File and line in turns, by country.
+    std::string placesByCountry() const {
+        std::vector<std::string> lists;
+        for (const std::vector<AnswerPlace>& places : mAnswers.placesByCountry) {
+            NumberList list;
+            for (const AnswerPlace& place : places) {
+                list.addSigned(fileOf(place)).add(place.line);
+            }
+            lists.push_back(list.json());
+        }
+        return jsonArray(lists);
     }
 
     std::string items(const ItemPiece& piece) {

@@ -126,10 +126,18 @@ std::map<std::string, std::string> ReadReport::itemsOf(size_t set) const {
         const auto values = column(piece["value"]);
         const auto files = column(piece["file"]);
         const auto lines = column(piece["line"]);
+        const auto country = static_cast<size_t>(column(answers["sets"]["country"])[set]);
         for (size_t i = 0; i < names.size(); ++i) {
+            json file = files[i];
+            json line = lines[i];
+            if (files[i] == -2) {
+                const json& places = answers["placesByCountry"][static_cast<size_t>(lines[i])];
+                file = places[2 * country];
+                line = places[2 * country + 1];
+            }
             const auto name = static_cast<size_t>(names[i]);
             items[text(answers["names"][2 * name]) + " " + text(answers["names"][2 * name + 1])] =
-                    text(values[i]) + " " + pathOf(files[i]) + ":" + std::to_string(lines[i]);
+                    text(values[i]) + " " + pathOf(file) + ":" + line.dump();
         }
     }
     return items;

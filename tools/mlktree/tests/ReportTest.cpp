@@ -105,10 +105,10 @@ TEST_F(ReportTest, SetsHaveTheirItemsWithTheirPlaces) {
         std::map<std::string, std::string> expected;
         for (const AnswerItem* const item : opened.answers->itemsOf(pieces)) {
             const AnswerName& name = opened.answers->names[item->name];
+            const AnswerPlace place = opened.answers->placeOf(*item, opened.answers->sets[i]);
             expected[std::string(name.section) + " " + std::string(name.key)] =
-                    std::string(item->value) + " " +
-                    std::string(opened.answers->pathOf(item->place)) + ":" +
-                    std::to_string(item->place.line);
+                    std::string(item->value) + " " + std::string(opened.answers->pathOf(place)) +
+                    ":" + std::to_string(place.line);
         }
         EXPECT_EQ(report.itemsOf(i), expected);
     }

@@ -249,6 +249,17 @@ class LongLine(unittest.TestCase):
         self.assertEqual(int(page.one("[role=grid]").get_attribute("aria-rowcount")), 2)
         self.assertEqual(page.console(), [])
 
+    def test_a_long_list_grows_and_is_whole_on_paper(self):
+        page = page_of(long_line(), "#/findings?severity=allowed")
+        count = int(page.one("h2").text.split()[0].replace(",", ""))
+        self.assertGreater(count, 300)
+        self.assertEqual(len(page.all(".finding")), 100)
+        page.one("button.more").click()
+        self.assertEqual(len(page.all(".finding")), 200)
+        self.assertEqual(page.run("return document.activeElement === document.querySelectorAll('.finding')[100]"), True)
+        page.run("dispatchEvent(new Event('beforeprint'))")
+        self.assertEqual(len(page.all(".finding")), count)
+
 
 if __name__ == "__main__":
     unittest.main()

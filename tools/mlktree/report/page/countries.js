@@ -42,7 +42,7 @@ function broughtItems(set) {
     const rows = [...piece.name].map((name, i) => {
         const history = data.historyOf(set, name);
         const before = history.filter((origin) => origin.layer !== "country").pop();
-        return [itemLink(name), valueNode(piece.value[i]), before ? valueNode(before.value) : quiet("nothing"), placeLink(piece.file[i], piece.line[i])];
+        return [itemLink(name), valueNode(piece.value[i]), before ? valueNode(before.value) : quiet("nothing"), placeLink(...data.placeOf(piece, i, data.sets.country[set]))];
     });
     return table("Items of the country", ["Item", "Value", "In place of", "Line"], rows);
 }

@@ -4,7 +4,8 @@
 //   models      index, customer, path (a file), pathText, file and line of the naming line
 //   boards      name, path, pathText
 //   names       section and key in turns
-//   items       pieces: name, value, file and line of each item, by columns
+//   items       pieces: name, value, file and line of each item, by columns; file -2: line is a number of
+//   placesByCountry  file and line in turns, by country
 //   features    pieces: [method, value, file, line]
 //   delays      pieces: [receiver, name, value, [role, value, file, line in turns]]
 //   lists       pieces: text, file and line in turns
@@ -88,7 +89,7 @@ Object.assign(Data.prototype, {
             const piece = this.itemPiece(this.pieces[layer][this.sets.pieces[set]]);
             const at = piece.name.indexOf(name);
             if (at >= 0) {
-                const [file, line] = [piece.file[at], piece.line[at]];
+                const [file, line] = this.placeOf(piece, at, this.sets.country[set]);
                 for (const lost of this.lostLines(file, line)) {
                     history.push({layer, ...lost});
                 }
@@ -96,6 +97,15 @@ Object.assign(Data.prototype, {
             }
         }
         return history;
+    },
+
+    // File and line of an item of a piece. A country's record may have a line of its own for it.
+    placeOf(piece, at, country) {
+        if (piece.file[at] !== -2) {
+            return [piece.file[at], piece.line[at]];
+        }
+        const places = this.answers.placesByCountry[piece.line[at]];
+        return country < 0 ? [-1, 0] : [places[2 * country], places[2 * country + 1]];
     },
 
     // Lines of the same file that give the same item, and that a later line replaces.
