@@ -1,10 +1,21 @@
 #include "tools/mlktree/answers/SnapshotUses.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 #include <utility>
 
 namespace mlk::tree {
+
+void PieceUses::addAll(std::vector<uint32_t> numbers, bool isOfOneSet) {
+    if (isOfOneSet) {
+        std::sort(numbers.begin(), numbers.end());
+        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    }
+    for (const uint32_t number : numbers) {
+        add(number);
+    }
+}
 
 void PieceUses::number() {
     mNumbers.assign(mUses.size(), kNone);
@@ -48,29 +59,27 @@ SnapshotUses::SnapshotUses(const LineAnswers& line)
         answers.add(set.pieces);
         plans.add(set.plans == kNone ? kNone : plansLike[set.plans]);
     }
-    // Whatever many sets share is written once, so each of these stands in the file once.
-    for (const AnswerPieces& pieces : line.pieces) {
-        for (const uint32_t layer : pieces.items) {
-            items.add(layer);
+    answers.number();
+    plans.number();
+    for (uint32_t number = 0; number < line.pieces.size(); ++number) {
+        const AnswerPieces& pieces = line.pieces[number];
+        const bool isOfOne = !answers.isShared(number);
+        items.addAll({pieces.items.begin(), pieces.items.end()}, isOfOne);
+        auxiliary.addAll({pieces.karaoke, pieces.keys, pieces.ddcci}, isOfOne);
+        features.addAll({pieces.features, pieces.framework}, isOfOne);
+        delays.addAll({pieces.delays}, isOfOne);
+        lists.addAll({pieces.countries, pieces.cltvCountries, pieces.languages}, isOfOne);
+    }
+    for (uint32_t number = 0; number < line.plans.size(); ++number) {
+        std::vector<uint32_t> numbers;
+        for (const AnswerPlan& plan : line.plans[number]) {
+            numbers.push_back(plan.channels);
         }
-        for (const uint32_t piece : {pieces.karaoke, pieces.keys, pieces.ddcci}) {
-            auxiliary.add(piece);
-        }
-        for (const uint32_t piece : {pieces.features, pieces.framework}) {
-            features.add(piece);
-        }
-        delays.add(pieces.delays);
-        for (const uint32_t piece : {pieces.countries, pieces.cltvCountries, pieces.languages}) {
-            lists.add(piece);
+        if (plansLike[number] == number) {
+            channels.addAll(std::move(numbers), !plans.isShared(number));
         }
     }
-    for (uint32_t piece = 0; piece < line.plans.size(); ++piece) {
-        for (const AnswerPlan& plan : line.plans[piece]) {
-            channels.add(plansLike[piece] == piece ? plan.channels : kNone);
-        }
-    }
-    for (PieceUses* const uses :
-         {&answers, &items, &auxiliary, &features, &delays, &lists, &plans, &channels}) {
+    for (PieceUses* const uses : {&items, &auxiliary, &features, &delays, &lists, &channels}) {
         uses->number();
     }
 }

@@ -18,6 +18,8 @@ class PieceUses {
             ++mUses[number];
         }
     }
+    /** Adds what one other piece refers to; what one set alone has is not shared by it. */
+    void addAll(std::vector<uint32_t> numbers, bool isOfOneSet);
     /** Ends the adding: gives the shared pieces their numbers, in the order of the pieces. */
     void number();
 

@@ -86,13 +86,9 @@ void AskedService::ask(const Json& call, const std::string& expected, const std:
     });
 }
 
-void AskedService::setCountry(int32_t country) {
+void AskedService::setCountry(int32_t model, int32_t country) {
+    ask({kProject, "setProjectId", model}, "true", "setProjectId", valueOf);
     ask({kProject, "setCountryId", country}, "true", "setCountryId", valueOf);
-}
-
-void AskedService::reloadFeatures(const std::string& path) {
-    mLines += Json({"IMlkTvConfigs", "reloadTvConfig", mRoot + path}).dump() + "\n";
-    mChecks.emplace_back([](const Json&) {});
 }
 
 void AskedService::compareSections(const Told& expected, const std::vector<std::string>& sections,

@@ -18,8 +18,11 @@ class AskedService {
     /** Starts the service and waits for it. */
     explicit AskedService(const testing::HostSet& set);
 
-    /** Makes the set one of that country; what follows is asked afterwards. */
-    void setCountry(int32_t country);
+    /**
+     * Makes the set as a start in that country makes it; what follows is asked afterwards. Selects
+     * the model anew, because a country leaves the items that only the former one brings.
+     */
+    void setCountry(int32_t model, int32_t country);
 
     /**
      * Asks for everything that `expected` tells of the set, and compares the answers with it.
@@ -33,9 +36,6 @@ class AskedService {
     /** Compares the keys and values of whole sections. */
     void compareSections(const Told& expected, const std::vector<std::string>& sections,
                          const std::string& where);
-
-    /** Reads the TV feature file of the set, as the service does after a start in its country. */
-    void reloadFeatures(const std::string& path);
 
     /** Makes the calls. @return how many answers were compared */
     size_t run();

@@ -11,6 +11,8 @@
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/ProjectParser.h"
 #include "regional/CountryTable.h"
+#include "regional/FreqTableParser.h"
+#include "regional/RegionalData.h"
 #include "tools/mlktree/answers/NamedFiles.h"
 #include "tools/mlktree/set/SetProduct.h"
 #include "tvconfigs/TvConfigItems.h"
@@ -242,6 +244,7 @@ class Asking {
             languages += language + "\n";
         }
         add(mTold, "language languages", languages);
+        const std::string folder = mProduct.project().items().getInfo(product::item::kChannelPlans);
         for (const auto type : hidl_enum_range<FreqTableType>()) {
             const bool isCable =
                     type == FreqTableType::DTV_CABLE || type == FreqTableType::ATV_CABLE;
@@ -250,7 +253,13 @@ class Asking {
                     continue;
                 }
                 std::string channels;
-                for (const HidlFreqListItem& item : region.plan(mChoice.country, type, cable)) {
+                // The service keeps names that it does not know: what one plan has changes the
+                // answers of the next ones. Each of these is the first.
+                product::RegionalData data([this] { return mLine.tree().partitions(); });
+                std::vector<HidlFreqListItem> items;
+                product::FreqTableParser(data).GetTableList(folder, mChoice.country, type, cable,
+                                                            items);
+                for (const HidlFreqListItem& item : items) {
                     const std::string label(item.label.data(),
                                             item.label.data() + item.label.size());
                     channels += textOf(item.channel, item.frequency, item.bandwidth, label.c_str(),

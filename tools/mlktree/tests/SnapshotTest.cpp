@@ -1,0 +1,348 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+
+#include "host/testing/HostSet.h"
+#include "host/testing/QuietLog.h"
+#include "regional/CountryTable.h"
+#include "tools/mlktree/answers/Snapshot.h"
+#include "tools/mlktree/diff/LineDiff.h"
+#include "tools/mlktree/tests/AskedService.h"
+#include "tools/mlktree/tests/Harness.h"
+#include "tools/mlktree/tests/ToldAnswers.h"
+
+namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+
+namespace {
+
+using nlohmann::json;
+using ::testing::HasSubstr;
+
+std::string snapshotOf(const LineAnswers& line) {
+    std::string text;
+    writeSnapshot(line, [&](std::string_view piece) { text += piece; });
+    return text;
+}
+
+// The value that a reference or a merger stands for, as the form's description says.
+json resolved(const json& all, const json& value) {
+    if (value.is_object() && value.contains("$ref")) {
+        const std::string target = value["$ref"];
+        return resolved(all, all.at(json::json_pointer(target.substr(1))));
+    }
+    json made = value;
+    if (value.is_object() && value.contains("$merge")) {
+        json merged = json::object();
+        for (const json& part : value["$merge"]) {
+            merged.merge_patch(resolved(all, part));
+        }
+        made.erase("$merge");
+        merged.update(made);
+        made = merged;
+    }
+    for (json& part : made) {
+        if (part.is_structured()) {
+            part = resolved(all, part);
+        }
+    }
+    return made;
+}
+
+TEST(SnapshotTest, TellsTheSameOfEverySetWhenItIsReadAgain) {
+    const testing::QuietLog quiet;
+    const Answered sample(samplePath());
+    const std::string text = snapshotOf(*sample.answers);
+    const std::unique_ptr<const LineAnswers> read = readSnapshot(text, "sample.json");
+    ASSERT_EQ(read->sets.size(), sample.answers->sets.size());
+    for (size_t i = 0; i < read->sets.size(); ++i) {
+        ASSERT_EQ(nameOf(*read, read->sets[i]), nameOf(*sample.answers, sample.answers->sets[i]));
+        ASSERT_EQ(toldBy(*read, read->sets[i]), toldBy(*sample.answers, sample.answers->sets[i]));
+    }
+    EXPECT_THAT(diffLines(*read, *sample.answers).changes, ::testing::IsEmpty());
+    EXPECT_THAT(diffLines(*sample.answers, *read).changes, ::testing::IsEmpty());
+    EXPECT_EQ(snapshotOf(*readSnapshot(snapshotOf(*read), "again")), snapshotOf(*read));
+}
+
+// Any program that knows references and mergers gets the plain form.
+TEST(SnapshotTest, HasThePlainFormBehindItsReferences) {
+    const testing::QuietLog quiet;
+    const Answered sample(samplePath());
+    const json all = json::parse(snapshotOf(*sample.answers));
+    for (size_t i = 0; i < all["sets"].size(); i += 101) {
+        const json set = resolved(all, all["sets"][i]);
+        Selection selection;
+        selection.model = set["model"];
+        selection.board = set["board"];
+        selection.country = set["country"];
+        const Answered alone(samplePath(), selection);
+        const json one = json::parse(snapshotOf(*alone.answers));
+        EXPECT_EQ(one["sets"].size(), 1U);
+        EXPECT_TRUE(one["shared"].empty());
+        EXPECT_TRUE(one["sets"][0] == set) << set.dump().substr(0, 100);
+        EXPECT_EQ(one.dump().find("$"), std::string::npos);
+    }
+}
+
+TEST(SnapshotTest, IsTheSameFromRunToRun) {
+    const Outcome first = runMlktree({"snapshot", samplePath()});
+    ASSERT_EQ(first.status, 0) << first.err;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(runMlktree({"snapshot", samplePath()}).out, first.out);
+    }
+    const testing::TempDir dir;
+    const Outcome toFile = runMlktree({"snapshot", samplePath(), "-o", dir.path("a.json")});
+    EXPECT_EQ(toFile.status, 0);
+    EXPECT_EQ(toFile.out, "");
+    EXPECT_EQ(dir.read("a.json"), first.out);
+}
+
+TEST(SnapshotTest, WritesBytesThatAreNoText) {
+    const testing::QuietLog quiet;
+    const testing::TempDir dir;
+    copySoundTree(dir);
+    const std::string model = "tvconfigs/model/first.ini";
+    dir.write(model, dir.read(model) + "[\xfe]\n\xff = a\xc3\xa4\x80\n");
+    const Answered answered(dir.path());
+    const std::string text = snapshotOf(*answered.answers);
+    EXPECT_THAT(text, HasSubstr("\"[\\udcfe]\":{\"\\udcff\":\"a\xc3\xa4\\udc80\"}"));
+    const std::unique_ptr<const LineAnswers> read = readSnapshot(text, "bytes.json");
+    EXPECT_NE(read->find("[\xfe]", "\xff"), kNone);
+    EXPECT_THAT(diffLines(*read, *answered.answers).changes, ::testing::IsEmpty());
+}
+
+// A snapshot of the sample, asked set by set.
+class SnapshotOfServiceTest : public ::testing::Test {
+  protected:
+    SnapshotOfServiceTest() {
+        mSet.copyFrom(samplePath());
+        const Outcome outcome = runMlktree({"snapshot", mSet.dir().path()});
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        mLine = readSnapshot(outcome.out, "sample.json");
+    }
+
+    void run(uint32_t model, uint32_t board);
+
+    testing::QuietLog mQuiet;
+    testing::HostSet mSet;
+    std::unique_ptr<const LineAnswers> mLine;
+    std::set<uint32_t> mFeatures;  // that were compared
+    size_t mSets = 0;
+};
+
+// One start of the service, in a country whose TV features were not compared yet; then all
+// countries. Items and lists are compared in each of them, and what the sets share once.
+void SnapshotOfServiceTest::run(uint32_t model, uint32_t board) {
+    std::vector<const AnswerSet*> sets;
+    const AnswerSet* first = nullptr;
+    std::set<std::string> sections;  // that a country changes
+    for (const AnswerSet& set : mLine->sets) {
+        if (set.model != model || set.board != board) {
+            continue;
+        }
+        sets.push_back(&set);
+        const AnswerPieces& pieces = mLine->pieces[set.pieces];
+        if (first == nullptr || (mFeatures.count(mLine->pieces[first->pieces].features) > 0 &&
+                                 mFeatures.count(pieces.features) == 0)) {
+            first = &set;
+        }
+        for (const AnswerItem& item : mLine->itemPiece(pieces.items[kItemLayers - 1])) {
+            sections.insert(std::string(mLine->names[item.name].section));
+        }
+    }
+    const auto countryOf = [this](const AnswerSet& set) {
+        return *product::countryNames().find(mLine->countries[set.country]);
+    };
+    const int32_t index = mLine->models[model].index;
+    mSet.dir().write("impdata/project_id.bin", "PROJECT_ID=" + std::to_string(index) + "\n");
+    mSet.dir().write("impdata/board_id.bin",
+                     "BOARD_ID=" + std::string(mLine->boards[board].file) + "\n");
+    mSet.dir().write("tvdata/tvsysmap/country_id.bin",
+                     "COUNTRY_ID=" + std::to_string(countryOf(*first)) + "\n");
+    AskedService service(mSet);
+    service.compare(toldBy(*mLine, *first), countryOf(*first), nameOf(*mLine, *first));
+    mFeatures.insert(mLine->pieces[first->pieces].features);
+    std::set<uint32_t> plans;
+    for (const AnswerSet* const set : sets) {
+        const Told told = toldBy(*mLine, *set);
+        const std::string where = nameOf(*mLine, *set);
+        service.setCountry(index, countryOf(*set));
+        service.compareSections(told, {sections.begin(), sections.end()}, where);
+        service.compare(told, countryOf(*set), where, {"country", "language"});
+        if (plans.insert(set->plans).second && board == 0) {
+            service.compare(told, countryOf(*set), where, {"plan"});
+        }
+        ++mSets;
+    }
+    EXPECT_GT(service.run(), sets.size() * 4);
+}
+
+TEST_F(SnapshotOfServiceTest, AgreesWithTheRunningServiceForEverySet) {
+    for (uint32_t model = 0; model < mLine->models.size(); ++model) {
+        for (uint32_t board = 0; board < mLine->boards.size(); ++board) {
+            run(model, board);
+        }
+    }
+    EXPECT_EQ(mSets, mLine->sets.size());
+    EXPECT_GT(mSets, 1000U);
+    EXPECT_EQ(mFeatures.size(), mLine->features.size() - 1) << "the framework switches are one";
+}
+
+/** A snapshot that somebody has changed, and what is said of it. */
+struct Hostile {
+    const char* name;
+    std::function<std::string(const json& good)> text;
+    const char* message;
+};
+
+std::string changed(const json& good, const std::function<void(json&)>& change) {
+    json all = good;
+    change(all);
+    return all.dump();
+}
+
+std::string nested(size_t depth) {
+    return R"({"version":1,"sets":)" + std::string(depth, '[') + std::string(depth, ']') + "}";
+}
+
+const Hostile kHostile[] = {
+        {"Nothing", [](const json&) { return std::string(); }, "it is no JSON"},
+        {"Text", [](const json&) { return std::string("PROJECT_ID=1\n"); }, "it is no JSON"},
+        {"Cut", [](const json& good) { return good.dump().substr(0, 5000); }, "it is no JSON"},
+        {"Deep", [](const json&) { return nested(1000000); }, "nested too deeply"},
+        {"DeepObjects",
+         [](const json&) {
+             std::string text;
+             for (int i = 0; i < 1000000; ++i) {
+                 text += "{\"a\":";
+             }
+             return text;
+         },
+         "nested too deeply"},
+        {"NoObject", [](const json&) { return std::string("[]"); }, "it is no object"},
+        {"NoVersion", [](const json&) { return std::string(R"({"sets":[]})"); },
+         "it lacks \"version\""},
+        {"OtherVersion",
+         [](const json& good) { return changed(good, [](json& all) { all["version"] = 2; }); },
+         "it has the version 2, and this mlktree reads version 1"},
+        {"VersionText",
+         [](const json& good) { return changed(good, [](json& all) { all["version"] = "1"; }); },
+         "version is no number"},
+        {"NoSets",
+         [](const json& good) { return changed(good, [](json& all) { all.erase("sets"); }); },
+         "it lacks \"sets\""},
+        {"SetsAreNoArray",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["sets"] = json::object(); });
+         },
+         "sets is no array"},
+        {"SetTwice",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["sets"].push_back(all["sets"][3]); });
+         },
+         "is a set that was there before"},
+        {"ModelText",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["sets"][1]["model"] = "2"; });
+         },
+         "sets[1].model is no whole number from -2147483648 to 2147483647"},
+        {"ModelTooLarge",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["sets"][1]["model"] = 1U << 31; });
+         },
+         "sets[1].model is no whole number"},
+        {"MissingReference",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["sets"][1]["$merge"][0]["$ref"] = "#/shared/answers/99999";
+             });
+         },
+         "sets[1].$merge does not refer to an element of shared.answers"},
+        {"ReferenceElsewhere",
+         [](const json& good) {
+             return changed(good,
+                            [](json& all) { all["sets"][1]["plans"]["$ref"] = "/etc/passwd"; });
+         },
+         "sets[1].plans is no reference of the form {\"$ref\":\"#/shared/plans/0\"}"},
+        {"ReferenceInACircle",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["answers"][0] = {{"$ref", "#/shared/answers/0"}};
+             });
+         },
+         "shared.answers[0] lacks \"items\""},
+        {"PieceInACircle",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["plans"][0] = {{"DTV_ANTENNA", {{"$ref", "#/shared/plans/0"}}}};
+             });
+         },
+         "shared.plans[0].DTV_ANTENNA is no reference of the form"},
+        {"TooManyLayers",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["answers"][0]["items"] = {
+                         {"$merge", json::array({json::object(), json::object(), json::object(),
+                                                 json::object()})}};
+             });
+         },
+         "shared.answers[0].items.$merge has more than 3 layers"},
+        {"ItemIsAnArray",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["items"][0]["[PANEL]"]["m_pPanelName"] = json::array();
+             });
+         },
+         "shared.items[0].[PANEL].m_pPanelName is no text"},
+        {"DelayIsAFraction",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["delays"][0]["none"]["[SPEAKER]"]["ATV_DELAY"] = 1.5;
+             });
+         },
+         "shared.delays[0].none.[SPEAKER].ATV_DELAY is no whole number"},
+        {"FrequencyTooLarge",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["shared"]["channels"][0][0]["frequency"] = 18446744073709551615U;
+             });
+         },
+         "shared.channels[0][0].frequency is no whole number"},
+        {"HashIsNoHash",
+         [](const json& good) {
+             return changed(good, [](json& all) {
+                 all["files"].begin().value() = {{"size", 1}, {"hash", "0x"}};
+             });
+         },
+         ".hash is no text of 16 hexadecimal digits"},
+        {"ControlCharacters",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["shared"]["items"][0]["[\x1b[31m]"] = 1; });
+         },
+         "[\\u001b[31m] is no object"},
+};
+
+class HostileSnapshotTest : public ::testing::TestWithParam<Hostile> {};
+
+TEST_P(HostileSnapshotTest, IsAnErrorThatSaysWhatIsWrong) {
+    const testing::QuietLog quiet;
+    static const json kGood = json::parse(runMlktree({"snapshot", samplePath()}).out);
+    const testing::TempDir dir;
+    const std::string file = dir.write("hostile.json", GetParam().text(kGood));
+    const Outcome outcome = runMlktree({"diff", file, samplePath()});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, HasSubstr(file + " is no snapshot of mlktree: "));
+    EXPECT_THAT(outcome.err, HasSubstr(GetParam().message));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Snapshots, HostileSnapshotTest, ::testing::ValuesIn(kHostile),
+                         [](const auto& param) { return param.param.name; });
+
+}  // namespace
+
+}  // namespace mlk::tree
