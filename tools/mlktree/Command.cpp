@@ -34,9 +34,10 @@ const Option* Command::find(std::string_view option) const {
 
 const std::vector<Command>& commands() {
     static const std::vector<Command> kCommands = {
-            checkCommand(),    explainCommand(), showCommand(),       diffCommand(),
-            snapshotCommand(), reportCommand(),  fixCommand(),        rulesCommand(),
-            settingsCommand(), newCommand(),     completionCommand(), completeCommand()};
+            checkCommand(),      explainCommand(), showCommand(),     planCommand(),
+            matrixCommand(),     diffCommand(),    snapshotCommand(), reportCommand(),
+            fixCommand(),        rulesCommand(),   settingsCommand(), newCommand(),
+            completionCommand(), completeCommand()};
     return kCommands;
 }
 

@@ -23,7 +23,7 @@ enum class Completion {
     FILE,
     FOLDER,
     TREE_FILE, /**< a path of the tree, or else a file */
-    CHOICE, /**< Option::choices */
+    CHOICE,    /**< Option::choices */
     COMMAND,
     RULE,
     SHELL,
@@ -39,6 +39,8 @@ enum class Completion {
     SOUND_SECTION, /**< of the audio files */
     SOUND_KEY,     /**< of the section that the word before names */
     OPERAND,       /**< what diff compares: "model=6,country=GERMANY" */
+    PLAN_KIND,     /**< "DTV_CABLE" */
+    CABLE,         /**< "HRC" */
 };
 
 /** One option of a command. */
@@ -137,6 +139,8 @@ Command showCommand();
 Command reportCommand();
 Command snapshotCommand();
 Command diffCommand();
+Command planCommand();
+Command matrixCommand();
 Command completionCommand();
 Command completeCommand(); /**< hidden: what the scripts of `completion` ask */
 

@@ -197,6 +197,9 @@ ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& en
     try {
         try {
             status = run(words, environment);
+        } catch (const NotFound& error) {
+            complain(environment, error.what());
+            status = ExitStatus::FOUND;
         } catch (const UsageError& error) {
             complain(environment, error.what());
         }

@@ -1,5 +1,7 @@
 #include "tools/mlktree/Complete.h"
 
+#include <vendor/morlak/mlkconfigs/1.0/types.h>
+
 #include <algorithm>
 #include <optional>
 
@@ -10,6 +12,9 @@
 namespace mlk::tree {
 
 namespace {
+
+using ::vendor::morlak::mlkconfigs::V1_0::AtscCableType;
+using ::vendor::morlak::mlkconfigs::V1_0::FreqTableType;
 
 bool isOption(const std::string& word) {
     return word.size() > 1 && word.front() == '-';
@@ -62,6 +67,13 @@ void addCommands(std::vector<Candidate>& out) {
         if (!command.isHidden) {
             out.push_back({std::string(command.name), std::string(command.summary)});
         }
+    }
+}
+
+template <typename Enum>
+void addEnumerators(std::vector<Candidate>& out) {
+    for (const auto value : ::android::hardware::hidl_enum_range<Enum>()) {
+        out.push_back({toString(value), ""});
     }
 }
 
@@ -118,6 +130,10 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
                 out.words.push_back({topic, ""});
             }
             return;
+        case Completion::PLAN_KIND:
+            return addEnumerators<FreqTableType>(out.words);
+        case Completion::CABLE:
+            return addEnumerators<AtscCableType>(out.words);
         case Completion::SHELL:
             for (const ShellScript& shell : completionScripts()) {
                 out.words.push_back({std::string(shell.name), ""});

@@ -1,10 +1,7 @@
 #include "tools/mlktree/ExplainWords.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include "tools/common/Text.h"
-#include "tools/mlktree/Tree.h"
+#include "tools/mlktree/OpenTree.h"
 
 namespace mlk::tree {
 
@@ -44,13 +41,6 @@ const Form* formOf(const std::vector<std::string>& words) {
 
 std::string inBrackets(const std::string& section) {
     return !section.empty() && section.front() == '[' ? section : "[" + section + "]";
-}
-
-// Whether a word that could be a key is a tree.
-bool looksLikeTree(const std::string& word) {
-    std::error_code error;
-    return word == "." || word == ".." || word.find('/') != std::string::npos ||
-           std::filesystem::is_directory(std::filesystem::path(word) / "tvconfigs", error);
 }
 
 [[noreturn]] void refuse(const std::string& what) {

@@ -5,38 +5,11 @@
 #include <map>
 
 #include "tools/mlktree/Formats.h"
-#include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/XmlText.h"
 
 namespace mlk::tree {
 
 namespace {
-
-// No sign of XML stays, and shownText() leaves no character that XML forbids.
-std::string xml(std::string_view text) {
-    std::string out;
-    for (const char sign : shownText(text)) {
-        switch (sign) {
-            case '&':
-                out += "&amp;";
-                break;
-            case '<':
-                out += "&lt;";
-                break;
-            case '>':
-                out += "&gt;";
-                break;
-            case '"':
-                out += "&quot;";
-                break;
-            case '\'':
-                out += "&apos;";
-                break;
-            default:
-                out += sign;
-        }
-    }
-    return out;
-}
 
 std::string lineOf(const Finding& finding) {
     std::string text = finding.place.file;
@@ -57,18 +30,18 @@ struct Findings {
 std::string linesOf(const std::vector<const Finding*>& findings) {
     std::string text;
     for (const Finding* finding : findings) {
-        text += "\n" + xml(lineOf(*finding));
+        text += "\n" + xmlText(lineOf(*finding));
         for (const Related& related : finding->related) {
-            text += "\n    " + xml(related.place.file + ":" + std::to_string(related.place.line) +
-                                   ": " + related.message);
+            text += "\n    " + xmlText(related.place.file + ":" +
+                                       std::to_string(related.place.line) + ": " + related.message);
         }
     }
     return text + "\n";
 }
 
 std::string caseOf(const RuleFamily& family, const Rule& rule, const Findings& findings) {
-    std::string text = "    <testcase classname=\"mlktree." + xml(family.name) + "\" name=\"" +
-                       xml(rule.name) + "\"";
+    std::string text = "    <testcase classname=\"mlktree." + xmlText(family.name) + "\" name=\"" +
+                       xmlText(rule.name) + "\"";
     if (findings.failed.empty() && findings.other.empty()) {
         return text + "/>\n";
     }
@@ -79,7 +52,8 @@ std::string caseOf(const RuleFamily& family, const Rule& rule, const Findings& f
                                                 return one->severity < other->severity;
                                             });
         text += "      <failure message=\"" +
-                xml(counted(findings.failed.size(), "finding") + ": " + std::string(rule.summary)) +
+                xmlText(counted(findings.failed.size(), "finding") + ": " +
+                        std::string(rule.summary)) +
                 "\" type=\"" + std::string(nameOf((*worst)->severity)) + "\">" +
                 linesOf(findings.failed) + "</failure>\n";
     }
@@ -115,7 +89,7 @@ void formatJunit(const CheckReport& report, const FormatContext& context, const 
             sink(caseOf(family, family.rules[i], byRule[family.rules[i].name]));
         }
     }
-    sink("    <system-out>" + xml(summaryOf(report)) +
+    sink("    <system-out>" + xmlText(summaryOf(report)) +
          "</system-out>\n  </testsuite>\n</testsuites>\n");
 }
 

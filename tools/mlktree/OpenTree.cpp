@@ -1,6 +1,8 @@
 #include "tools/mlktree/OpenTree.h"
 
 #include <charconv>
+#include <filesystem>
+#include <system_error>
 
 #include "tools/common/Text.h"
 
@@ -64,6 +66,12 @@ std::string treeFolder(const Arguments& arguments, const std::string& word,
         return word;
     }
     return environment.root.empty() ? "." : environment.root;
+}
+
+bool looksLikeTree(const std::string& word) {
+    std::error_code error;
+    return word == "." || word == ".." || word.find('/') != std::string::npos ||
+           std::filesystem::is_directory(std::filesystem::path(word) / "tvconfigs", error);
 }
 
 OpenTree::OpenTree(const Arguments& arguments, const std::string& word,

@@ -29,6 +29,12 @@ Selection selectionOfSet(const Arguments& arguments);
 std::string treeFolder(const Arguments& arguments, const std::string& word,
                        const Environment& environment);
 
+/**
+ * Whether a word that could be something else is a tree: ".", "..", a path with "/", or a folder
+ * that has tvconfigs/.
+ */
+bool looksLikeTree(const std::string& word);
+
 /** The tree that a command line names, read: its settings, properties and product line. */
 class OpenTree {
   public:

@@ -17,6 +17,12 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/** The tree has nothing of the name that is asked for; the program ends with status 1. */
+class NotFound : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 /**
  * A partition tree: the folders of this machine that hold the three partitions.
  *

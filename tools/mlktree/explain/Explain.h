@@ -1,6 +1,5 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,12 +10,6 @@
 #include "tools/mlktree/set/SetModel.h"
 
 namespace mlk::tree {
-
-/** The tree has nothing of that name; the program ends with status 1. */
-class NotFound : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 /** An explanation: for a person, and for a program. */
 struct Explanation {

@@ -1,5 +1,4 @@
 #include <optional>
-#include <ostream>
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
@@ -53,18 +52,12 @@ Explanation explain(const ProductLine& line, const Request& request) {
 
 ExitStatus run(const Arguments& arguments, Environment& environment) {
     const Question question = questionOf(arguments.words(), arguments.has("--tree"));
-    try {
-        const OpenTree open(arguments, question.tree, environment,
-                            selectionFor(question, arguments));
-        const Request request{question, arguments,
-                              isColoured(arguments, environment, environment.output.isTerminal())};
-        const Explanation found = explain(open.line(), request);
-        const bool isJson = arguments.value("--format") == "json";
-        environment.output.write(isJson ? found.json : found.text);
-    } catch (const NotFound& error) {
-        environment.errors << "mlktree: " << printable(error.what()) << std::endl;
-        return ExitStatus::FOUND;
-    }
+    const OpenTree open(arguments, question.tree, environment, selectionFor(question, arguments));
+    const Request request{question, arguments,
+                          isColoured(arguments, environment, environment.output.isTerminal())};
+    const Explanation found = explain(open.line(), request);
+    const bool isJson = arguments.value("--format") == "json";
+    environment.output.write(isJson ? found.json : found.text);
     return ExitStatus::NOTHING_FOUND;
 }
 

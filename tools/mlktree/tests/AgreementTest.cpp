@@ -288,6 +288,36 @@ TEST_F(AgreementTest, OfTheService) {
 }
 
 // All combinations, with objects of the product in this process.
+// Every plan, as `mlktree plan` shows it.
+TEST_F(AgreementTest, OfChannelPlans) {
+    run();
+    Calls calls;
+    size_t plans = 0;
+    for (const char* country : {"GERMANY", "FRANCE", "USA", "BRAZIL", "CHINA", "JAPAN", "ANGOLA"}) {
+        for (const char* kind : {"DTV_ANTENNA", "DTV_CABLE", "ATV_ANTENNA", "ATV_CABLE"}) {
+            for (const char* cable : {"AUTO", "STD", "HRC", "IRC"}) {
+                const Outcome shown =
+                        runMlktree({"plan", country, kind, cable, "--format", "json"}, root());
+                json channels = json::array();
+                if (shown.status == 0) {
+                    channels = json::parse(shown.out)["channels"];
+                    ++plans;
+                }
+                for (json& channel : channels) {
+                    channel.erase("modulationName");
+                    channel.erase("line");
+                }
+                calls.add({kProject, "getFreqTableList", country, kind, cable},
+                          [=](const json& answer) {
+                              EXPECT_EQ(channels, answer) << country << kind << cable;
+                          });
+            }
+        }
+    }
+    calls.run();
+    EXPECT_GT(plans, 40U);
+}
+
 TEST_F(AgreementTest, OfTheProductsOwnObjects) {
     const Tree tree(root(), {});
     const Settings settings;
