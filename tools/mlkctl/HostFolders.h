@@ -27,8 +27,8 @@ std::string aboutSocket(const std::string& name);
 std::string propertyFile(const std::string& key);
 
 /**
- * What was looked for if MLK_ROOT names a folder that is no set: one that has neither tvconfigs/ nor
- * a property store. Empty for a set.
+ * What was looked for if MLK_ROOT names a folder that is no set: one that has neither tvconfigs/
+ * nor a property store. Empty for a set.
  */
 std::string aboutMissingSet();
 
