@@ -36,9 +36,18 @@ class PieceUses {
     std::vector<uint32_t> mShared;
 };
 
+/** Sets that differ in their country alone: they have the same pieces and plans. */
+struct SetsAlike {
+    AnswerSet first;
+    uint32_t countries = kNone; /**< number in SnapshotUses::countryLists; kNone for one set */
+};
+
 /** The uses of all pieces of a line. */
 struct SnapshotUses {
     explicit SnapshotUses(const LineAnswers& line);
+
+    std::vector<SetsAlike> sets;                     /**< in the order of their first sets */
+    std::vector<std::vector<uint32_t>> countryLists; /**< of these, each once */
 
     /** The plans that stand for those with the same channels, which other lines name. */
     std::vector<uint32_t> plansLike;
@@ -51,6 +60,7 @@ struct SnapshotUses {
     PieceUses lists;
     PieceUses plans;
     PieceUses channels;
+    PieceUses countries; /**< countryLists */
 };
 
 }  // namespace mlk::tree

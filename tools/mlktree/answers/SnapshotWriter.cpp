@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "tools/common/Text.h"
 #include "tools/mlktree/answers/NamedFiles.h"
+#include "tools/mlktree/answers/PieceWriter.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/answers/SnapshotUses.h"
 
@@ -11,37 +11,23 @@ namespace {
 
 constexpr size_t kEnoughToWrite = size_t{1} << 16U;
 
-const AnswerItem& itemOf(const AnswerItem& item) {
-    return item;
-}
-const AnswerItem& itemOf(const AnswerItem* item) {
-    return *item;
-}
-
-/** Some pieces that stand one after the other. */
-template <typename Iterator>
-struct Range {
-    Iterator first;
-    Iterator last;
-
-    Iterator begin() const { return first; }
-    Iterator end() const { return last; }
-};
-
 /** Writes the pieces of a line. A line of the file is a section, a list, or what refers to them. */
-class SnapshotWriter {
+class SnapshotWriter : private PieceWriter {
   public:
     SnapshotWriter(const LineAnswers& line, const TextSink& sink)
-        : mLine(line), mUses(line), mSink(sink) {}
+        : PieceWriter(line), mUses(line), mSink(sink) {}
 
     void write() {
         mOut += "{\"version\":" + std::to_string(kSnapshotVersion) + ",\n";
         writeCustomers();
         writeModels();
         writeBoards();
+        name("countries");
+        writeTexts(mLine.countries);
+        mOut += ",\n";
         writeFiles();
         writeShared();
-        writeEach("sets", mLine.sets, [this](const AnswerSet& set) { writeSet(set); });
+        writeEach("sets", mUses.sets, [this](const SetsAlike& sets) { writeSets(sets); });
         mOut += "}\n";
         mSink(mOut);
     }
@@ -52,11 +38,6 @@ class SnapshotWriter {
             mSink(mOut);
             mOut.clear();
         }
-    }
-    void text(std::string_view value) { appendJsonString(mOut, value); }
-    void name(std::string_view value) {
-        text(value);
-        mOut += ':';
     }
 
     /** `"member":[` and a line for each. */
@@ -85,58 +66,21 @@ class SnapshotWriter {
         }
     }
 
-    /** Opens and closes objects that group what comes one after the other: sections. */
-    template <typename Pieces, typename GroupOf, typename Write>
-    void writeGroups(const Pieces& pieces, const GroupOf& groupOf, const Write& write) {
-        mOut += '{';
-        bool isOpen = false;
-        std::string_view group;
-        for (const auto& one : pieces) {
-            const std::string_view next = groupOf(one);
-            if (!isOpen || next != group) {
-                mOut += isOpen ? "},\n" : "\n";
-                name(next);
-                mOut += '{';
-                isOpen = true;
-                group = next;
-            } else {
-                mOut += ',';
-            }
-            write(one);
-        }
-        mOut += isOpen ? "}}" : "}";
-    }
-
     void writeCustomers();
     void writeModels();
     void writeBoards();
     void writeFiles();
     void writeShared();
-    void writeSet(const AnswerSet& set);
+    void writeSets(const SetsAlike& sets);
+    void writeCountries(uint32_t list);
     void writeAnswers(const AnswerPieces& pieces);
-    void writeItems(const AnswerPieces& pieces);
-    void writeItem(const AnswerItem& item, bool isNumber) {
-        name(mLine.names[item.name].key);
-        if (isNumber) {
-            mOut += item.value;
-        } else {
-            text(item.value);
-        }
-    }
-    template <typename Items>
-    void writeItemsOf(const Items& items, bool isNumber = false);
+    void writeLayers(const AnswerPieces& pieces);
     void writeAuxiliary(const AnswerPieces& pieces);
-    void writeFeatures(const FeaturePiece& piece);
-    void writeDelays(const DelayPiece& piece);
-    void writeList(const ListPiece& piece);
     void writePlans(const PlanPiece& piece);
-    void writeChannels(const ChannelPiece& piece);
     bool isKaraoke(uint32_t piece) const;
 
-    const LineAnswers& mLine;
     const SnapshotUses mUses;
     const TextSink& mSink;
-    std::string mOut;
 };
 
 void SnapshotWriter::writeCustomers() {
@@ -214,9 +158,10 @@ void SnapshotWriter::writeShared() {
         isFirst = false;
         writeEach(kind, uses.shared(), write);
     };
-    add("items", mUses.items, [this](uint32_t piece) { writeItemsOf(mLine.items[piece]); });
+    add("items", mUses.items,
+        [this](uint32_t piece) { writeItems(pointersTo(mLine.items[piece]), false); });
     add("auxiliary", mUses.auxiliary,
-        [this](uint32_t piece) { writeItemsOf(mLine.items[piece], isKaraoke(piece)); });
+        [this](uint32_t piece) { writeItems(pointersTo(mLine.items[piece]), isKaraoke(piece)); });
     add("features", mUses.features,
         [this](uint32_t piece) { writeFeatures(mLine.features[piece]); });
     add("delays", mUses.delays, [this](uint32_t piece) { writeDelays(mLine.delays[piece]); });
@@ -224,6 +169,7 @@ void SnapshotWriter::writeShared() {
     add("channels", mUses.channels,
         [this](uint32_t piece) { writeChannels(mLine.channels[piece]); });
     add("plans", mUses.plans, [this](uint32_t piece) { writePlans(mLine.plans[piece]); });
+    add("countries", mUses.countries, [this](uint32_t list) { writeCountries(list); });
     add("answers", mUses.answers, [this](uint32_t piece) {
         mOut += '{';
         writeAnswers(mLine.pieces[piece]);
@@ -232,16 +178,24 @@ void SnapshotWriter::writeShared() {
     mOut += isFirst ? "},\n" : "\n},\n";
 }
 
-void SnapshotWriter::writeSet(const AnswerSet& set) {
+void SnapshotWriter::writeSets(const SetsAlike& sets) {
+    const AnswerSet& set = sets.first;
     mOut += "{\"model\":" + (set.model == kNone ? std::string("null")
                                                 : std::to_string(mLine.models[set.model].index));
     mOut += ",\"board\":";
     text(mLine.boards[set.board].name);
     mOut += ",\"customer\":";
     text(mLine.customers[set.customer].file);
-    mOut += ",\"country\":";
-    text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
-    mOut += ',';
+    if (sets.countries != kNone) {
+        mOut += ",\"$each\":{\"country\":";
+        place("countries", mUses.countries, sets.countries,
+              [&] { writeCountries(sets.countries); });
+        mOut += "},";
+    } else {
+        mOut += ",\"country\":";
+        text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
+        mOut += ',';
+    }
     if (mUses.answers.isShared(set.pieces)) {
         mOut += "\"$merge\":[{\"$ref\":\"#/shared/answers/" +
                 std::to_string(mUses.answers.numberOf(set.pieces)) + "\"}]";
@@ -249,14 +203,21 @@ void SnapshotWriter::writeSet(const AnswerSet& set) {
         writeAnswers(mLine.pieces[set.pieces]);
     }
     mOut += ",\"plans\":";
-    const uint32_t plans = set.plans == kNone ? kNone : mUses.plansLike[set.plans];
-    place("plans", mUses.plans, plans, [&] { writePlans(mLine.planPiece(plans)); });
+    place("plans", mUses.plans, set.plans, [&] { writePlans(mLine.planPiece(set.plans)); });
     mOut += '}';
+}
+
+void SnapshotWriter::writeCountries(uint32_t list) {
+    std::vector<std::string_view> names;
+    for (const uint32_t country : mUses.countryLists[list]) {
+        names.push_back(mLine.countries[country]);
+    }
+    writeTexts(names);
 }
 
 void SnapshotWriter::writeAnswers(const AnswerPieces& pieces) {
     mOut += "\"items\":";
-    writeItems(pieces);
+    writeLayers(pieces);
     for (const auto& [member, piece] : {std::pair{",\"features\":", pieces.features},
                                         std::pair{",\"framework\":", pieces.framework}}) {
         mOut += member;
@@ -278,7 +239,7 @@ void SnapshotWriter::writeAnswers(const AnswerPieces& pieces) {
 }
 
 // Layers stay apart if one of them stands elsewhere.
-void SnapshotWriter::writeItems(const AnswerPieces& pieces) {
+void SnapshotWriter::writeLayers(const AnswerPieces& pieces) {
     std::vector<uint32_t> layers;
     bool isShared = false;
     for (const uint32_t layer : pieces.items) {
@@ -288,10 +249,11 @@ void SnapshotWriter::writeItems(const AnswerPieces& pieces) {
         }
     }
     const auto write = [&](uint32_t layer) {
-        place("items", mUses.items, layer, [&] { writeItemsOf(mLine.items[layer]); });
+        place("items", mUses.items, layer,
+              [&] { writeItems(pointersTo(mLine.items[layer]), false); });
     };
     if (!isShared) {
-        writeItemsOf(mLine.itemsOf(pieces));
+        writeItems(mLine.itemsOf(pieces), false);
     } else if (layers.size() == 1) {
         write(layers.front());
     } else {
@@ -304,69 +266,17 @@ void SnapshotWriter::writeItems(const AnswerPieces& pieces) {
     }
 }
 
-template <typename Items>
-void SnapshotWriter::writeItemsOf(const Items& items, bool isNumber) {
-    writeGroups(
-            items, [this](const auto& item) { return mLine.names[itemOf(item).name].section; },
-            [&](const auto& item) { writeItem(itemOf(item), isNumber); });
-}
-
 void SnapshotWriter::writeAuxiliary(const AnswerPieces& pieces) {
     mOut += "{\"karaoke\":";
     place("auxiliary", mUses.auxiliary, pieces.karaoke,
-          [&] { writeItemsOf(mLine.itemPiece(pieces.karaoke), true); });
+          [&] { writeItems(pointersTo(mLine.itemPiece(pieces.karaoke)), true); });
     mOut += ",\"keys\":";
     place("auxiliary", mUses.auxiliary, pieces.keys,
-          [&] { writeItemsOf(mLine.itemPiece(pieces.keys)); });
+          [&] { writeItems(pointersTo(mLine.itemPiece(pieces.keys)), false); });
     mOut += ",\"ddcci\":";
     place("auxiliary", mUses.auxiliary, pieces.ddcci,
-          [&] { writeItemsOf(mLine.itemPiece(pieces.ddcci)); });
+          [&] { writeItems(pointersTo(mLine.itemPiece(pieces.ddcci)), false); });
     mOut += '}';
-}
-
-void SnapshotWriter::writeFeatures(const FeaturePiece& piece) {
-    mOut += '{';
-    bool isFirst = true;
-    for (const AnswerFeature& feature : piece) {
-        mOut += isFirst ? "" : ",";
-        isFirst = false;
-        name(feature.method);
-        if (feature.type == AnswerType::TEXT) {
-            text(feature.value);
-        } else {
-            mOut += feature.value;
-        }
-    }
-    mOut += '}';
-}
-
-void SnapshotWriter::writeDelays(const DelayPiece& piece) {
-    mOut += '{';
-    for (auto delay = piece.begin(); delay != piece.end();) {
-        const auto end = std::find_if(delay, piece.end(), [&](const AnswerDelay& one) {
-            return one.receiver != delay->receiver;
-        });
-        mOut += delay == piece.begin() ? "\n" : ",\n";
-        name(delay->receiver.empty() ? kNoReceiver : delay->receiver);
-        writeGroups(
-                Range<DelayPiece::const_iterator>{delay, end},
-                [this](const AnswerDelay& one) { return mLine.names[one.name].section; },
-                [this](const AnswerDelay& one) {
-                    name(mLine.names[one.name].key);
-                    mOut += std::to_string(one.value);
-                });
-        delay = end;
-    }
-    mOut += '}';
-}
-
-void SnapshotWriter::writeList(const ListPiece& piece) {
-    mOut += '[';
-    for (const AnswerEntry& entry : piece) {
-        mOut += &entry == &piece.front() ? "" : ",";
-        text(entry.text);
-    }
-    mOut += ']';
 }
 
 void SnapshotWriter::writePlans(const PlanPiece& piece) {
@@ -378,19 +288,6 @@ void SnapshotWriter::writePlans(const PlanPiece& piece) {
               [&] { writeChannels(mLine.channelPiece(plan.channels)); });
     }
     mOut += '}';
-}
-
-void SnapshotWriter::writeChannels(const ChannelPiece& piece) {
-    mOut += '[';
-    for (const AnswerChannel& channel : piece) {
-        mOut += &channel == &piece.front() ? "\n" : ",\n";
-        mOut += "{\"channel\":" + std::to_string(channel.channel) +
-                ",\"frequency\":" + std::to_string(channel.frequency) +
-                ",\"bandwidth\":" + std::to_string(channel.bandwidth) + ",\"label\":";
-        text(channel.label);
-        mOut += ",\"modulation\":" + std::to_string(channel.modulation) + '}';
-    }
-    mOut += ']';
 }
 
 }  // namespace
