@@ -31,20 +31,28 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
         // long. Files of the kernel report size 0.
         const size_t wanted = mFile.size() == 0 ? kChunk : mFile.size() + 1;
         mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
-        mBuffer.reset(new char[mCapacity]);
+        mBuffer.reset(new char[mCapacity + kReadable]);
     } else if (!mFile.isMissing()) {
         fail(mPath, 0, "cannot be read: " + mFile.reason());
     }
 }
 
 bool LineReader::next(std::string_view& line) {
-    const std::string_view unread(mBuffer.get() + mBegin, mEnd - mBegin);
-    const size_t length = unread.find('\n');
-    if (length != std::string_view::npos) {
-        mBegin += length + 1;
-        line = {unread.data(), length};
-    } else if (!nextUnended(line)) {
-        return false;
+    if (mBegin == mEnd) {
+        if (!nextUnended(line)) {
+            return false;
+        }
+    } else {
+        const std::string_view unread(mBuffer.get() + mBegin, mEnd - mBegin);
+        const uint64_t ends = ByteBlock(unread.data()).where('\n');
+        const size_t length =
+                ends != 0 ? ByteBlock::firstOf(ends) : unread.find('\n', ByteBlock::kBytes);
+        if (length != std::string_view::npos) {
+            mBegin += length + 1;
+            line = {unread.data(), length};
+        } else if (!nextUnended(line)) {
+            return false;
+        }
     }
     ++mLineNumber;
     if (line.size() > mLimit) {
@@ -177,6 +185,7 @@ bool LineReader::fill() {
     const std::string_view added(mBuffer.get() + mEnd, count);
     mHasNul = (mHasNul && mEnd > 0) || added.find('\0') != std::string_view::npos;
     mEnd += count;
+    std::memset(mBuffer.get() + mEnd, 0, kReadable);  // so that it has no line feeds
     return count > 0;
 }
 

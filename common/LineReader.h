@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/ByteBlock.h"
 #include "common/File.h"
 #include "common/FileLimits.h"
 #include "common/ReadObserver.h"
@@ -32,6 +33,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class LineReader {
   public:
+    /** The bytes that may be read, but not used, from the beginning of a line on. */
+    static constexpr size_t kReadable = ByteBlock::kBytes;
+
     /**
      * Opens the file.
      *

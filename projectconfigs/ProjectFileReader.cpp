@@ -28,16 +28,6 @@ std::string_view withoutComment(std::string_view text) {
     return text;
 }
 
-std::string_view withoutSpaces(std::string_view text) {
-    while (!text.empty() && text.front() == ' ') {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && text.back() == ' ') {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 bool hasSymbols(std::string_view text) {
     return text.find('"') != npos || text.find(';') != npos;
 }
@@ -59,6 +49,41 @@ std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
     scratch = text;
     scratch.erase(std::remove_if(scratch.begin(), scratch.end(), isSymbol), scratch.end());
     return scratch;
+}
+
+// The part of a line from the first to the last byte that has a bit.
+std::string_view partOf(std::string_view line, uint64_t bits) {
+    if (bits == 0) {
+        return line.substr(0, 0);
+    }
+    const size_t begin = ByteBlock::firstOf(bits);
+    return {line.data() + begin, ByteBlock::endOf(bits) - begin};
+}
+
+// Finds the cleaned key and value of most lines: those that have a "=", all before the comment in
+// the first 64 bytes, and no quote or semicolon within key or value. False for other lines.
+//
+// The line must be one of a LineReader.
+bool splitUsualLine(std::string_view line, std::string_view& key, std::string_view& value) {
+    const ByteBlock block(line.data());
+    const uint64_t comments = block.where('#') & ByteBlock::before(line.size());
+    size_t size = comments != 0 ? ByteBlock::firstOf(comments) : line.size();
+    while (size > 0 && line[size - 1] == '\r') {
+        --size;
+    }
+    const uint64_t code = ByteBlock::before(size);
+    const uint64_t equals = block.where('=') & code;
+    if (equals == 0 || size > ByteBlock::kBytes) {
+        return false;
+    }
+    const uint64_t symbols = (block.where('"') | block.where(';')) & code;
+    const uint64_t kept = code & ~symbols & ~block.where(' ');
+    const uint64_t beforeEquals = ByteBlock::beforeFirst(equals);
+    const uint64_t keyBits = kept & beforeEquals;
+    const uint64_t valueBits = kept & ~(beforeEquals << 1 | 1);
+    key = partOf(line, keyBits);
+    value = partOf(line, valueBits);
+    return (symbols & (ByteBlock::filled(keyBits) | ByteBlock::filled(valueBits))) == 0;
 }
 
 std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
@@ -222,16 +247,14 @@ std::string_view ProjectFileReader::cleanPath(std::string_view value) {
 
 void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
                                    std::string_view wholeLine, const LineReader& reader) {
-    const std::string_view line = withoutComment(wholeLine);
-    // One search of the line is faster than one each of key and value.
-    const bool isQuoted = hasSymbols(line);
-    const auto clean = [isQuoted](std::string_view text, std::string& scratch) {
-        return isQuoted ? withoutSymbols(text, scratch) : withoutSpaces(text);
-    };
-    const size_t equals = line.find('=');
-    const std::string_view key = clean(line.substr(0, equals), mCleanedKey);
-    const std::string_view written =
-            equals == npos ? key : clean(line.substr(equals + 1), mCleaned);
+    std::string_view key;
+    std::string_view written;
+    if (!splitUsualLine(wholeLine, key, written)) {
+        const std::string_view line = withoutComment(wholeLine);
+        const size_t equals = line.find('=');
+        key = withoutSymbols(line.substr(0, equals), mCleanedKey);
+        written = equals == npos ? key : withoutSymbols(line.substr(equals + 1), mCleaned);
+    }
     if (reader.isObserved()) {
         // Told before it is added, so that nothing has to be kept for an observer that is not
         // there.

@@ -25,6 +25,30 @@ TEST_F(LineReaderTest, HandsOutEachLine) {
     EXPECT_THAT(mLog.lines(), IsEmpty());
 }
 
+TEST_F(LineReaderTest, LinesOfAnyLengthAreWhole) {
+    std::string text;
+    std::vector<std::string> expected;
+    for (size_t length = 0; length < 140; ++length) {
+        expected.emplace_back(length, static_cast<char>('a' + length % 26));
+        text += expected.back() + "\n";
+        EXPECT_EQ(linesOfText(text), expected);
+        EXPECT_EQ(linesOfText(text + "end").back(), "end");
+    }
+}
+
+// Its buffer still has line feeds of the lines before, after its end.
+TEST_F(LineReaderTest, TheLastLineOfALaterChunkEndsAtTheEnd) {
+    for (size_t count = 20'000; count < 20'004; ++count) {
+        std::string text;
+        for (size_t i = 0; i < count; ++i) {
+            text += "a\n";
+        }
+        const std::vector<std::string> lines = linesOfText(text + "end");
+        ASSERT_EQ(lines.size(), count + 1);
+        EXPECT_EQ(lines.back(), "end");
+    }
+}
+
 TEST_F(LineReaderTest, NulEndsTheTextOfItsLine) {
     EXPECT_THAT(linesOfText("a\0b\nc\n\0d\n\0"s), ElementsAre("a", "c", "", ""));
 }

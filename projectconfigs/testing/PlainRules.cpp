@@ -183,8 +183,10 @@ std::string randomFile(unsigned int seed) {
     for (size_t line = 1 + random() % 60; line > 0; --line) {
         const char* const starts[] = {"", "", "[", "[S]", "k=", "key", "="};
         text += starts[random() % 7];
+        const size_t padded = random() % 28;  // half of the lines are long
         for (size_t i = random() % 14; i > 0; --i) {
             text += alphabet[random() % alphabet.size()];
+            text.append(i == padded ? 40 + random() % 40 : 0, padded % 3 == 0 ? ' ' : 'p');
         }
         text += '\n';
     }
