@@ -9,7 +9,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
  * Finds numbered entries by the hash of their name. A hash table with open addressing in a single
- * allocation. The entries and their names belong to the caller. Not thread-safe.
+ * allocation. The entries and their names belong to the caller. The upper bits of the hashes should
+ * differ most. Not thread-safe.
  */
 class HashIndex {
   public:
@@ -70,7 +71,7 @@ class HashIndex {
     template <typename IsIt>
     size_t slotOf(uint32_t hash, const IsIt& isIt) const {
         const size_t mask = mSlots.size() - 1;
-        size_t slot = hash & mask;
+        size_t slot = hash >> mShift;
         while (mSlots[slot].number != kNone &&
                (mSlots[slot].hash != hash || !isIt(mSlots[slot].number))) {
             slot = (slot + 1) & mask;
@@ -81,6 +82,7 @@ class HashIndex {
     void grow(size_t slots) {
         const std::vector<Slot> former =
                 std::exchange(mSlots, std::vector<Slot>(slots, Slot{0, kNone}));
+        mShift = static_cast<uint32_t>(__builtin_clzll(slots)) - 31;
         for (const Slot& moved : former) {
             if (moved.number != kNone) {
                 mSlots[slotOf(moved.hash, [](uint32_t) { return false; })] = moved;
@@ -89,7 +91,8 @@ class HashIndex {
     }
 
     std::vector<Slot> mSlots;
-    size_t mSize = 0;
+    uint32_t mShift = 0;  // leaves the upper bits of a hash that number the slots
+    uint32_t mSize = 0;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

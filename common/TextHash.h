@@ -43,10 +43,9 @@ inline uint64_t hashText(std::string_view text, uint64_t seed) {
     return hash;
 }
 
-/** Folds a hash into 32 bits, of which the lowest ones, too, depend on all bytes of the text. */
+/** The upper half of a hash, of which the uppermost bits depend on all bytes of the text. */
 inline uint32_t shortHash(uint64_t hash) {
-    constexpr uint64_t kOdd = 0xD6E8FEB86659FD93;  // any with many bits set and cleared
-    return static_cast<uint32_t>(((hash ^ (hash >> 32)) * kOdd) >> 32);
+    return static_cast<uint32_t>(hash >> 32);
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
