@@ -26,21 +26,23 @@ inline uint64_t hashText(std::string_view text, uint64_t seed) {
     };
     const char* const bytes = text.data();
     const size_t size = text.size();
-    uint64_t hash = mix(seed, size);
+    uint64_t hash = mix(0, size);
+    uint64_t last = 0;
     // The last word may overlap the one before it, which is faster than single bytes.
     if (size >= 8) {
         for (size_t at = 0; at + 8 < size; at += 8) {
             hash = mix(hash, load(uint64_t{}, bytes + at));
         }
-        return mix(hash, load(uint64_t{}, bytes + size - 8));
+        last = load(uint64_t{}, bytes + size - 8);
+    } else if (size >= 4) {
+        last = load(uint32_t{}, bytes) << 32 | load(uint32_t{}, bytes + size - 4);
+    } else {
+        for (const char c : text) {
+            last = last << 8 | static_cast<uint8_t>(c);
+        }
     }
-    if (size >= 4) {
-        return mix(hash, load(uint32_t{}, bytes) << 32 | load(uint32_t{}, bytes + size - 4));
-    }
-    for (const char c : text) {
-        hash = mix(hash, static_cast<uint8_t>(c));
-    }
-    return hash;
+    // The seed comes last, so that a processor computes both hashes at the same time.
+    return mix(hash ^ seed, last);
 }
 
 /** The upper half of a hash, of which the uppermost bits depend on all bytes of the text. */
