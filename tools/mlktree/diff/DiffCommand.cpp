@@ -120,9 +120,8 @@ Command diffCommand() {
                          "the command line or a tree is wrong, or a file cannot be written; the "
                          "message says what would be right"}};
     command.examples = {
-            {"mlktree diff rev:HEAD .", "what the changes of a working tree do to which sets"},
-            {"mlktree diff release-1.json samples/partitions", "a tree with what it once was"},
             {"mlktree diff model=6 model=7", "two models with the same board and country"},
+            {"mlktree diff model=6,country=IRELAND model=6,country=FIJI", "two countries"},
             {"mlktree diff country=GERMANY country=FRANCE --format markdown",
              "for the comment of a review"},
     };
