@@ -61,6 +61,7 @@ std::string ruleCountsJson(const CheckReport& report) {
         ++count;
     }
     std::vector<std::string> rows;
+    rows.reserve(counts.size());
     for (const auto& [rule, row] : counts) {
         rows.push_back(JsonObject()
                                .text("rule", rule)
@@ -80,6 +81,7 @@ std::string kindsJson(const FileTable& files) {
         }
     }
     std::vector<std::string> rows;
+    rows.reserve(kinds.size());
     for (const auto& [kind, sums] : kinds) {
         rows.push_back(JsonObject()
                                .text("kind", kind)

@@ -73,7 +73,7 @@ function countryView(words, fields) {
     let others = (fields.beside || "").split(",").map((name) => data.countryNamed(name)).filter((other) => other >= 0 && other !== country);
     const result = el("div", {});
     const plans = el("div", {});
-    const beside = el("div", {class: "form"});
+    const beside = el("div", {class: "form screen"});
     const keepOthers = (now) => {
         others = now;
         keepFields({beside: others.map((other) => data.countryName(other)).join(",")});

@@ -148,21 +148,31 @@ class Grid {
         this.activeCell().focus({preventScroll: true});
     }
 
-    // The same as a plain table, for paper; of a table that no paper holds, its first columns and rows.
+    // The same as plain tables that a sheet of paper is wide enough for; of a table that no paper
+    // holds, its first columns and rows.
     paper() {
-        const {rows, columns, rowName, columnName, cell, label, corner} = this.options;
+        const {rows, columns, columnWidth} = this.options;
         const mostCells = 20000;
         const shownColumns = Math.min(columns, 40);
         const shownRows = Math.min(rows, Math.floor(mostCells / Math.max(shownColumns, 1)));
-        const numbers = (count) => Array.from({length: count}, (_, i) => i);
+        const perTable = Math.max(3, Math.floor(700 / columnWidth));
+        const tables = [];
+        for (let first = 0; first < shownColumns; first += perTable) {
+            tables.push(this.paperTable(shownRows, first, Math.min(first + perTable, shownColumns)));
+        }
         const isCut = shownColumns < columns || shownRows < rows;
-        return el("div", {class: "paper"},
-                  table(label, [corner, ...numbers(shownColumns).map(columnName)], numbers(shownRows).map((row) =>
-                      [rowName(row), ...numbers(shownColumns).map((column) => {
-                          const {text, differs} = cell(row, column);
-                          return differs ? el("strong", {}, text) : text;
-                      })])),
+        return el("div", {class: "paper"}, tables,
                   isCut ? el("p", {}, `The first ${shownRows} of ${rows} rows and ${shownColumns} of ${columns} columns.`) : null);
+    }
+
+    paperTable(rows, first, end) {
+        const {rowName, columnName, cell, label, corner} = this.options;
+        const columns = Array.from({length: end - first}, (_, i) => first + i);
+        return table(label, [corner, ...columns.map(columnName)], Array.from({length: rows}, (_, row) =>
+            [rowName(row), ...columns.map((column) => {
+                const {text, differs} = cell(row, column);
+                return differs ? el("strong", {}, text) : text;
+            })]));
     }
 }
 

@@ -162,7 +162,7 @@ function spectrumNodes(plans) {
     }});
     return [
         spectrum.legend(),
-        el("div", {class: "form"}, field("Magnify", range)),
+        el("div", {class: "form screen"}, field("Magnify", range)),
         holder,
         el("p", {class: "quiet"}, "Frequencies in MHz."),
         spectrum.told,
