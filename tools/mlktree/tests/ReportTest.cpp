@@ -144,6 +144,7 @@ TEST_F(ReportTest, KnowsTheFilesThatNothingNamesAndThoseThatAreMissing) {
     const ReadReport report(mDir.path());
     EXPECT_EQ(report.summary["unused"], json({"tvconfigs/audio/old.ini"}));
     EXPECT_EQ(report.summary["unusedCount"], 1);
+    EXPECT_EQ(report.summary["missing"], 1);
     EXPECT_EQ(report.file("tvconfigs/audio/old.ini")["unused"], 1);
     EXPECT_EQ(report.file("tvconfigs/none.bin")["exists"], 0);
     const json& named = report.file("tvconfigs/none.bin")["named"];
