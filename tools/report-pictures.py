@@ -14,10 +14,11 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(ROOT / "tools/mlktree/tests"))
+sys.path[:0] = [str(ROOT / "tools"), str(ROOT / "tools/mlktree/tests")]
 sys.dont_write_bytecode = True
 
 from browser import Page, browser  # noqa: E402
+from smallpng import smaller  # noqa: E402
 
 # Name, route, width, height, what is at the top, what is done before.
 VIEWS = (
@@ -63,7 +64,9 @@ def draw(page, name, route, width, height, heading, act):
         page.run("""[...document.querySelectorAll("h2")].find((one) => one.textContent === arguments[0]).scrollIntoView();""", heading)
     page.run("document.activeElement.blur()")
     page.settle()
-    page.picture(ROOT / f"docs/report-{name}.png")
+    path = ROOT / f"docs/report-{name}.png"
+    page.picture(path)
+    path.write_bytes(smaller(path.read_bytes()))
     print(f"docs/report-{name}.png")
 
 
