@@ -21,6 +21,11 @@ void put(char* place, std::string_view text) {
     place[text.size()] = '\0';
 }
 
+// As "==", which costs a lookup another call.
+bool isSame(std::string_view one, std::string_view other) {
+    return std::equal(one.begin(), one.end(), other.begin(), other.end());
+}
+
 // The size of the longest value that fits.
 uint32_t capacityAt(const char* texts) {
     uint32_t capacity = 0;
@@ -84,7 +89,7 @@ void ItemStore::expect(size_t bytes) {
 ItemStore::Section ItemStore::section(std::string_view name) {
     const uint64_t hash = hashText(name, 0);
     Section& section = mSectionsByName.findOrAdd(
-            shortHash(hash), [&](Section known) { return mSections[known].name == name; });
+            shortHash(hash), [&](Section known) { return isSame(mSections[known].name, name); });
     if (section == kNone) {
         char* const copy = mTexts.allocate(name.size() + 1);
         put(copy, name);
@@ -98,7 +103,7 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
                                       std::string_view value) {
     SectionEntry& owner = mSections[section];
     Item& item = mItemsByName.findOrAdd(shortHash(hashText(key, owner.hash)), [&](Item known) {
-        return mItems[known].section == section && keyOf(known) == key;
+        return mItems[known].section == section && isSame(keyOf(known), key);
     });
     if (item != kNone) {
         return {item, false};
@@ -127,8 +132,9 @@ void ItemStore::replace(Item item, std::string_view value) {
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {
     const uint32_t hash = shortHash(hashText(key, hashText(section, 0)));
-    return mItemsByName.find(
-            hash, [&](Item known) { return keyOf(known) == key && sectionOf(known) == section; });
+    return mItemsByName.find(hash, [&](Item known) {
+        return isSame(keyOf(known), key) && isSame(sectionOf(known), section);
+    });
 }
 
 const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
@@ -140,7 +146,7 @@ const std::vector<ItemStore::Item>& ItemStore::inOrder() const {
 
 std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const {
     const Section known = mSectionsByName.find(shortHash(hashText(section, 0)), [&](Section one) {
-        return mSections[one].name == section;
+        return isSame(mSections[one].name, section);
     });
     if (known == kNone) {
         return {};
