@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/mlktree/Checker.h"
+#include "tools/mlktree/Followers.h"
 #include "tools/mlktree/Suppressions.h"
 #include "tools/mlktree/rules/Families.h"
 
@@ -32,6 +33,7 @@ CheckReport examine(const ProductLine& line, bool isWhole) {
     Sorted sorted{check(line), {}};
     applyComments(sorted, allowCommentsOf(line), isWhole);
     applySettings(sorted, line.settings(), kSettingsFile, linesOf(line), isWhole);
+    leaveOutFollowers(sorted.findings, line);
     addSets(sorted.findings, line);
     CheckReport report;
     report.tree = line.tree().root();

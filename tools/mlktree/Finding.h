@@ -39,7 +39,18 @@ struct Finding {
      */
     std::vector<std::string> sets;
     std::vector<Related> related;
+    /**
+     * The lines of the place's file that this finding spoils, `last` included: what other rules
+     * find there follows from it. Line 0 is the file as a whole; an empty range spoils nothing.
+     */
+    struct Lines {
+        size_t first = 1;
+        size_t last = 0;
+    } spoilt = {};
 };
+
+/** A whole file, for Finding::spoilt. */
+inline constexpr Finding::Lines kWholeFile{0, static_cast<size_t>(-1)};
 
 /** Orders findings by file, line, column, rule and message. */
 bool operator<(const Finding& a, const Finding& b);

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "regional/CountryTable.h"
+#include "tools/mlktree/rules/Lookalikes.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -95,9 +96,38 @@ void dropBlanksOfFeature(FileFormat format, std::string& line) {
     line = key + "=" + value + (hasCarriageReturn ? "\r" : "");
 }
 
+// Spaces that are no blanks and characters that nobody sees, at the ends of names and values.
+void plainSpaces(FileFormat format, std::string& line) {
+    if (isAscii(line) || looksLikeComment(line)) {
+        return;
+    }
+    const auto isBlank = [&](size_t from, size_t to) {
+        const size_t text = line.find_first_not_of(" \t\r\";", from);
+        return from >= to || text == std::string::npos || text >= to;
+    };
+    size_t end = std::min(line.find(isList(format) ? ',' : '#'), line.size());
+    for (size_t at = 0; at < end;) {
+        const Lookalike found = findLookalike(line, at);
+        if (found.size == 0 || found.at >= end) {
+            return;
+        }
+        const size_t equals = line.find('=');
+        const bool isInName = isList(format) || equals == std::string::npos || found.at < equals;
+        const bool isAtEnd =
+                isInName || isBlank(equals + 1, found.at) || isBlank(found.at + found.size, end);
+        at = found.at + found.size;
+        if (isAtEnd && (found.looksLike == ' ' || found.looksLike == '\0')) {
+            const size_t left = found.looksLike == ' ' ? 1 : 0;
+            line.replace(found.at, found.size, left, ' ');
+            at = found.at + left;
+            end -= found.size - left;
+        }
+    }
+}
+
 constexpr void (*kFixes[])(FileFormat, std::string&) = {
-        dropCarriageReturn, dropBlanksOfEntry, capitalizeCountry,
-        outdentComment,     dropTabsOfKey,     dropBlanksOfFeature,
+        plainSpaces,    dropCarriageReturn, dropBlanksOfEntry,   capitalizeCountry,
+        outdentComment, dropTabsOfKey,      dropBlanksOfFeature,
 };
 
 bool isLineFormat(FileFormat format) {
@@ -131,10 +161,34 @@ std::optional<MendedFile> mendFile(const ProductLine& line, const FileLines& fil
     return isSame ? std::nullopt : std::optional(std::move(mended));
 }
 
+// A property's file with a line end, which belongs to the value.
+std::optional<MendedFile> mendProperty(const ProductLine& line, const std::string& path) {
+    const std::vector<std::string_view>& former = line.sources().lines(path);
+    if (former.size() != 1 || trimmed(former.front()).empty() ||
+        !line.sources().endsInLineFeed(path)) {
+        return std::nullopt;
+    }
+    MendedFile mended;
+    mended.path = path;
+    mended.text = former.front();
+    mended.text.erase(mended.text.find_last_not_of('\r') + 1);
+    mended.lines.push_back({1, std::string(former.front()), mended.text});
+    mended.dropsLastEnd = true;
+    return mended;
+}
+
 }  // namespace
 
 std::vector<MendedFile> mend(const ProductLine& line) {
     std::vector<MendedFile> files;
+    for (const std::string& key : line.properties().keys()) {
+        std::optional<MendedFile> mended = line.properties().isGiven(key)
+                                                   ? std::nullopt
+                                                   : mendProperty(line, "data/property/" + key);
+        if (mended) {
+            files.push_back(std::move(*mended));
+        }
+    }
     for (const auto& [path, file] : line.files()) {
         // A file that readers refuse is not touched either.
         if (!file->exists() || file->isUnreadable() || !isLineFormat(file->format())) {
@@ -175,6 +229,8 @@ std::string diffOf(const MendedFile& file, const std::vector<std::string_view>& 
             const bool gainsEnd = file.endsLastLine && i + 1 == former.size();
             diff += "-" + std::string(former[i]) +
                     (gainsEnd ? "\n\\ No newline at end of file\n+" : "\n+") + after[i] + "\n";
+            const bool losesEnd = file.dropsLastEnd && i + 1 == former.size();
+            diff += losesEnd ? "\\ No newline at end of file\n" : "";
         }
         first = last + 1;
     }

@@ -20,13 +20,15 @@ struct MendedFile {
     std::string path; /**< relative to the tree */
     std::vector<MendedLine> lines;
     bool endsLastLine = false; /**< the last line gets the line feed that it lacks */
+    bool dropsLastEnd = false; /**< the last line loses its line feed, which counts */
     std::string text;          /**< the whole file, mended */
 };
 
 /**
  * Finds what has only one right answer: byte order marks, carriage returns that stay, blanks in
- * entries of lists and around the "=" of TV features, tabs before "=", indented comments, countries
- * in the wrong case, and the line feed that the last line of a TV feature file lacks.
+ * entries of lists and around the "=" of TV features, tabs before "=", spaces that are no blanks,
+ * characters that nobody sees, indented comments, countries in the wrong case, the line feed that
+ * the last line of a TV feature file lacks, and the one that ends the value of a property.
  *
  * @return the files with something to mend, in the order of their paths
  */

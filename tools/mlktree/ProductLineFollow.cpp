@@ -77,6 +77,7 @@ ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine
     }
     std::string path = pathOf(line.value);
     if (namesFile && known->names == FileFormat::CHANNEL_PLANS) {
+        path.erase(path.find_last_not_of('/') + 1);
         addOnce(mPlanFolders, path);
         return {&mLine.mNamings[path + product::kChannelMapFile]};
     }

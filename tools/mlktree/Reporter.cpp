@@ -67,6 +67,15 @@ void Reporter::report(Place place, std::string message, std::vector<Related> rel
     reportIn(mLastSets, std::move(place), std::move(message), std::move(related));
 }
 
+void Reporter::reportSpoilt(Place place, Finding::Lines lines, std::string message,
+                            std::vector<Related> related) {
+    const size_t before = mFindings.size();
+    report(std::move(place), std::move(message), std::move(related));
+    if (mFindings.size() > before) {
+        mFindings.back().spoilt = lines;
+    }
+}
+
 void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string message,
                         std::vector<Related> related) {
     const size_t count = ++mCounts[place.file];
@@ -76,8 +85,13 @@ void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string 
     if (count == kMostOfFile || mFindings.size() + 1 == kMostOfRule) {
         message += "; there may be more such findings";
     }
-    mFindings.push_back({std::string(mRule.name), mRule.severity, std::move(place),
-                         std::move(message), std::move(sets), std::move(related)});
+    mFindings.push_back({std::string(mRule.name),
+                         mRule.severity,
+                         std::move(place),
+                         std::move(message),
+                         std::move(sets),
+                         std::move(related),
+                         {}});
 }
 
 }  // namespace mlk::tree

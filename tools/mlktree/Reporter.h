@@ -48,7 +48,11 @@ class Reporter {
      */
     void report(Place place, std::string message, std::vector<Related> related = {});
 
-    /** The same, for other sets; see Finding::sets. */
+    /** Reports a finding that makes what others find in those lines of its file its followers. */
+    void reportSpoilt(Place place, Finding::Lines lines, std::string message,
+                      std::vector<Related> related = {});
+
+    /** The same as report(), for other sets; see Finding::sets. */
     void reportIn(std::vector<std::string> sets, Place place, std::string message,
                   std::vector<Related> related = {});
 

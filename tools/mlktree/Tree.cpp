@@ -66,7 +66,12 @@ std::string Tree::relative(std::string_view hostPath) const {
     for (const Mount& mount : kMounts) {
         const std::string& folder = mPartitions.*mount.folder;
         if (isIn(hostPath, folder)) {
-            return std::string(mount.name).append(hostPath.substr(folder.size()));
+            std::string path = std::string(mount.name).append(hostPath.substr(folder.size()));
+            // Two slashes are one to the system: a file has one name.
+            for (size_t at = path.find("//"); at != std::string::npos; at = path.find("//", at)) {
+                path.erase(at, 1);
+            }
+            return path;
         }
     }
     if (isIn(hostPath, mRoot) && hostPath.size() > mRoot.size()) {

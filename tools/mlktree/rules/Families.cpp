@@ -6,11 +6,12 @@ namespace mlk::tree {
 
 const std::vector<RuleFamily>& ruleFamilies() {
     static const std::vector<RuleFamily> families = {
-            readingBytes(), readingLines(), readingValues(), replacing(),  models(),
-            identity(),     paths(),        pathForms(),     names(),      itemValues(),
-            missingItems(), ownItems(),     features(),      properties(), unused(),
-            countries(),    coverage(),     planLines(),     channels(),   xml(),
-            maps(),         tvSystems(),    savedCountry(),  allowing(),
+            readingSpoilt(),  readingBytes(), readingLines(), readingValues(), replacing(),
+            models(),         identity(),     paths(),        pathForms(),     names(),
+            auxiliaryNames(), itemValues(),   missingItems(), ownItems(),      features(),
+            properties(),     unused(),       countries(),    languages(),     coverage(),
+            planLines(),      channels(),     xml(),          maps(),          tvSystems(),
+            savedCountry(),   allowing(),
     };
     return families;
 }

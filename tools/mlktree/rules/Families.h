@@ -5,9 +5,12 @@
 namespace mlk::tree {
 
 // One function for each file of rules; Families.cpp lists them.
+RuleFamily readingSpoilt();
 RuleFamily readingBytes();
 RuleFamily readingLines();
 RuleFamily readingValues();
+RuleFamily languages();
+RuleFamily auxiliaryNames();
 RuleFamily replacing();
 RuleFamily paths();
 RuleFamily pathForms();

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/rules/Lookalikes.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -94,9 +95,28 @@ std::vector<std::string_view> knownKeysIn(std::string_view section) {
     return keys;
 }
 
+std::string_view sectionMeantBy(std::string_view code) {
+    const std::string plain = isAscii(code) ? std::string(code) : withoutLookalikes(code);
+    const std::string_view word = wordIn(plain);
+    // A name alone may be an item without its "=".
+    const bool hasBrackets = !word.empty() && word.size() < plain.size() &&
+                             std::string_view("[({<").find(plain.front()) != std::string::npos;
+    for (const std::string_view section : knownSections()) {
+        if (hasBrackets &&
+            (word == withoutBrackets(section) || differsInCase(word, withoutBrackets(section)))) {
+            return section;
+        }
+    }
+    return {};
+}
+
 bool isBrokenSection(const ReadLine& read) {
     const std::string_view code = trimmed(read.text.substr(0, read.text.find('#')));
     const bool hasMark = beginsWith(read.text, kByteOrderMark);
+    if (read.use != LineUse::SECTION && code.find('=') == std::string_view::npos &&
+        !sectionMeantBy(code).empty()) {
+        return true;
+    }
     return read.use != LineUse::SECTION && !code.empty() &&
            (code.find('=') == std::string_view::npos || beginsWith(code, "[")) &&
            (code.back() == ']' || (beginsWith(code, "[") && !hasMark));
@@ -106,8 +126,27 @@ bool isWholeSection(std::string_view name) {
     return name.size() > 2 && name.front() == '[' && name.find(']') == name.size() - 1;
 }
 
+std::string_view wordIn(std::string_view text) {
+    const auto isOfWord = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+    };
+    const auto* const begin = std::find_if(text.begin(), text.end(), isOfWord);
+    const auto end = std::find_if(text.rbegin(), text.rend(), isOfWord);
+    const auto at = static_cast<size_t>(begin - text.begin());
+    const auto after = static_cast<size_t>(end - text.rbegin());
+    return at + after >= text.size() ? std::string_view()
+                                     : text.substr(at, text.size() - at - after);
+}
+
 std::string_view nearestName(std::string_view name, const std::vector<std::string_view>& names) {
     const std::string_view word = withoutBrackets(name);
+    // A symbol too many, as in "PATH :" or "[[AUDIO]]".
+    const std::string_view core = wordIn(word);
+    for (const std::string_view candidate : names) {
+        if (core.size() < word.size() && core == withoutBrackets(candidate)) {
+            return candidate;
+        }
+    }
     std::vector<std::string_view> candidates;
     for (const std::string_view candidate : names) {
         const std::string_view other = withoutBrackets(candidate);

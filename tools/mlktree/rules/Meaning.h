@@ -100,6 +100,9 @@ const std::vector<std::string_view>& knownSections();
 /** Keys that the service reads in that section. */
 std::vector<std::string_view> knownKeysIn(std::string_view section);
 
+/** The known section that a line like "(AUDIO)" or "{AUDIO}" means; empty if it means none. */
+std::string_view sectionMeantBy(std::string_view code);
+
 /** True for a line of a section that lacks a bracket or is indented; another rule reports it. */
 bool isBrokenSection(const ReadLine& read);
 
@@ -112,6 +115,9 @@ bool isWholeSection(std::string_view name);
  * their case. Brackets of sections do not count.
  */
 std::string_view nearestName(std::string_view name, const std::vector<std::string_view>& names);
+
+/** The text without what is no letter, digit or "_" at its ends; a part of it. */
+std::string_view wordIn(std::string_view text);
 
 /** True if two names differ in the case of letters only. */
 bool differsInCase(std::string_view one, std::string_view other);

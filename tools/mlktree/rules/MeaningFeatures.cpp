@@ -58,6 +58,11 @@ void forEachFeature(const ProductLine& line, const Check& check) {
 // The feature that a key is meant for: rather one that the file lacks. Empty for none.
 std::string_view featureMeantBy(const FileLines& file, std::string_view key) {
     const auto endOf = [](std::string_view name) { return name.substr(name.rfind('.') + 1); };
+    for (const std::string_view feature : featureKeys()) {
+        if (endOf(feature) == endOf(key)) {
+            return feature;  // another beginning, or none
+        }
+    }
     std::vector<std::string_view> missing;
     for (const std::string_view feature : featureKeys()) {
         if (file.find("", feature) == nullptr) {

@@ -6,6 +6,7 @@
 
 #include "common/Decimal.h"
 #include "projectconfigs/ChainKeywords.h"
+#include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
@@ -33,7 +34,8 @@ std::string_view numberIn(std::string_view value) {
 
 void checkIndex(const ProductLine& line, Reporter& reporter) {
     const ReadLine* const id = identityLine(line, kProjectIdPath, keyword::kProjectId);
-    if (id == nullptr || !isDecimalIn(numberIn(id->value), {})) {
+    // Without any model, the system file has the mistake.
+    if (id == nullptr || !isDecimalIn(numberIn(id->value), {}) || line.models().empty()) {
         return;
     }
     const std::string model =
@@ -78,28 +80,65 @@ void checkKeyword(const ProductLine& line, Reporter& reporter, const char* path,
     reporter.report(std::move(place), message + ": " + effect);
 }
 
+// A later line with the keyword, which the service never reads.
+void checkSecond(const ProductLine& line, Reporter& reporter, const char* path,
+                 std::string_view word) {
+    const ReadLine* const id = identityLine(line, path, word);
+    if (id == nullptr || looksLikeComment(id->text)) {
+        return;
+    }
+    const std::vector<std::string_view>& lines = line.sources().lines(path);
+    for (size_t i = id->number; i < lines.size(); ++i) {
+        const size_t at = lines[i].find(word);
+        if (at != std::string_view::npos && !looksLikeComment(lines[i])) {
+            reporter.report({path, i + 1, at + 1},
+                            quoted(word) + " stands twice; the upper line counts",
+                            {{placeOf(line, *line.find(path), *id, word), "the other line"}});
+            return;
+        }
+    }
+}
+
 void checkKeywords(const ProductLine& line, Reporter& reporter) {
+    checkSecond(line, reporter, kProjectIdPath, keyword::kProjectId);
+    checkSecond(line, reporter, kBoardIdPath, keyword::kBoardId);
     checkKeyword(line, reporter, kProjectIdPath, keyword::kProjectId,
                  "the index is 0, which no model has");
     checkKeyword(line, reporter, kBoardIdPath, keyword::kBoardId, "the set has no board file");
 }
 
-void checkNumber(const ProductLine& line, Reporter& reporter) {
-    const ReadLine* const id = identityLine(line, kProjectIdPath, keyword::kProjectId);
+void checkNumber(const ProductLine& line, Reporter& reporter, const std::string& path,
+                 std::string_view word) {
+    const ReadLine* const id = identityLine(line, path.c_str(), word);
     if (id == nullptr) {
         return;
     }
     const std::string_view number = numberIn(id->value);
     const std::string problem = problemOf(product::ValueType::INTEGER, number);
     if (!problem.empty()) {
-        reporter.report(
-                placeOf(line, *line.find(kProjectIdPath), *id, number.empty() ? "=" : number),
-                problem);
+        reporter.report(placeOf(line, *line.find(path), *id, number.empty() ? "=" : number),
+                        problem);
     }
+}
+
+void checkNumbers(const ProductLine& line, Reporter& reporter) {
+    checkNumber(line, reporter, kProjectIdPath, keyword::kProjectId);
+    const std::string country = "tvdata" + std::string(product::kCountryIdFolder) +
+                                std::string(product::kCountryIdFile);
+    checkNumber(line, reporter, country, product::kCountryIdKeyword);
 }
 
 void checkBoard(const ProductLine& line, Reporter& reporter) {
     const ReadLine* const id = identityLine(line, kBoardIdPath, keyword::kBoardId);
+    for (const Model& model : line.models()) {
+        if (id != nullptr && model.file != nullptr && model.file->path() == line.boardOfSet()) {
+            reporter.report(placeOf(line, *line.find(kBoardIdPath), *id, trimmed(id->value)),
+                            "the board file is that of a model: its items replace those of every "
+                            "model",
+                            {{placeOf(line, *model.customer->system, *model.line), "the model"}});
+            return;
+        }
+    }
     if (id == nullptr || id->value == keyword::kNoBoardFile ||
         id->value.find('/') != std::string_view::npos) {
         return;
@@ -127,13 +166,18 @@ constexpr Rule kRules[] = {
          "The set has no model: only the items of its board file are known, and most getters have "
          "no answer.",
          "PROJECT_ID=9      (the system file has Model_1 to Model_7)", "PROJECT_ID=2", checkIndex},
-        {"identity-keyword", Severity::ERROR, "a file of the set's identity lacks its keyword",
-         "The service looks for the exact word. Without it the set has no model, or no board file.",
+        {"identity-keyword", Severity::ERROR,
+         "a file of the set's identity has its keyword not once",
+         "The service looks for the exact word. Without it the set has no model, or no board file; "
+         "of "
+         "two lines the upper one counts.",
          "PROJECTID=1", "PROJECT_ID=1", checkKeywords},
-        {"identity-number", Severity::ERROR, "the index of the set is no decimal number",
-         "What follows the digits does not count, and a text without digits is 0, which no model "
-         "has.",
-         "PROJECT_ID=0x2", "PROJECT_ID=2", checkNumber},
+        {"identity-number", Severity::ERROR,
+         "the index or the country of the set is no decimal number",
+         "What follows the digits does not count, and a text without digits is 0: no model, and "
+         "the "
+         "country ANDORRA.",
+         "PROJECT_ID=0x2", "PROJECT_ID=2", checkNumbers},
         {"board-value", Severity::ERROR, "board_id.bin has neither a path nor DEFAULT_BOARD_ID",
          "The word must stand alone: with a blank or a carriage return after it, it is the path of "
          "a file that does not exist.",

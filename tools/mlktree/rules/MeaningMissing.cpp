@@ -43,6 +43,9 @@ bool isMeantBy(const ReadLine& read, const ItemTable& table, const product::Conf
         const auto facts = table.sections.find(read.section);
         return facts != table.sections.end() && facts->second.meant == name.category;
     }
+    if (product::findKnownItem({read.section, read.key}) != nullptr) {
+        return false;  // meant for itself: several sections have the key
+    }
     const ItemFacts* const facts = table.find({read.section, read.key});
     return (facts != nullptr && facts->meant == name.key && read.section == name.category) ||
            lowerCase(trimmed(read.text.substr(0, read.text.find('=')))).find(lowerCase(name.key)) ==
@@ -105,14 +108,67 @@ const std::vector<Spread>& spreadsOf(const ProductLine& line) {
     });
 }
 
-// Reports the items that `isUnusual` asks for, one finding a section of a file.
-template <typename IsUnusual>
-void checkItems(const ProductLine& line, Reporter& reporter, const IsUnusual& isUnusual) {
-    struct Lack {
-        std::string keys;
-        size_t having = 0;
+// What a model lacks of one section.
+struct Lack {
+    std::string_view section;
+    std::string keys;
+    size_t having = 0;
+};
+
+// What a model lacks.
+struct Lacks {
+    std::vector<Lack> sections;
+    size_t items = 0;
+};
+
+enum class ModelSize {
+    ANY,
+    USUAL, /**< has most of the items that the others have */
+    SMALL, /**< has few of them: another kind of model */
+};
+
+bool isOfSize(const FileLines& file, const Lacks& lacks, ModelSize size) {
+    const auto has =
+            std::count_if(std::begin(product::kKnownItems), std::end(product::kKnownItems),
+                          [&](const product::KnownItem& known) {
+                              return file.find(known.name.category, known.name.key) != nullptr;
+                          });
+    const bool isSmall = lacks.items > static_cast<size_t>(has);
+    return size == ModelSize::ANY || isSmall == (size == ModelSize::SMALL);
+}
+
+void reportLacks(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                 const Lacks& lacks) {
+    constexpr size_t kMostSections = 4;
+    const auto others = [](const Lack& lack) {
+        return ", which " + counted(lack.having, "other model has", "other models have");
     };
-    std::map<std::pair<const FileLines*, std::string_view>, Lack> lacks;
+    if (lacks.sections.size() > kMostSections) {
+        const Lack& first = lacks.sections.front();
+        const size_t named =
+                static_cast<size_t>(std::count(first.keys.begin(), first.keys.end(), ',')) + 1;
+        reporter.report(placeOf(file), "no " + std::string(first.section) + " " + first.keys +
+                                               ", and " + std::to_string(lacks.items - named) +
+                                               " items of " +
+                                               std::to_string(lacks.sections.size() - 1) +
+                                               " other sections are missing, too" + others(first));
+        return;
+    }
+    for (const Lack& lack : lacks.sections) {
+        const auto first = file.sections().find(lack.section);
+        const Place place = first != file.sections().end()
+                                    ? placeOf(line, file, *first->second, lack.section)
+                                    : placeOf(file);
+        reporter.report(place, "no " + std::string(lack.section) + " " + lack.keys + others(lack));
+    }
+}
+
+// Reports the items that `isUnusual` asks for, one finding a section of a file; of a file that
+// lacks many, one.
+template <typename IsUnusual>
+void checkItems(const ProductLine& line, Reporter& reporter, ModelSize size,
+                const IsUnusual& isUnusual) {
+    std::map<std::string_view, std::pair<const FileLines*, Lacks>> all;  // by path
     for (size_t i = 0; i < std::size(product::kKnownItems); ++i) {
         const product::ConfigKey& name = product::kKnownItems[i].name;
         const Spread& spread = spreadsOf(line)[i];
@@ -122,20 +178,23 @@ void checkItems(const ProductLine& line, Reporter& reporter, const IsUnusual& is
         std::vector<const ItemFile*> lacking = spread.lacking;
         dropMeant(line, name, lacking);
         for (const ItemFile* const item : lacking) {
-            Lack& lack = lacks[{item->file, name.category}];
+            auto& [file, lacks] = all[item->file->path()];
+            file = item->file;
+            ++lacks.items;
+            const auto same =
+                    std::find_if(lacks.sections.begin(), lacks.sections.end(),
+                                 [&](const Lack& lack) { return lack.section == name.category; });
+            Lack& lack = same != lacks.sections.end() ? *same : lacks.sections.emplace_back();
+            lack.section = name.category;
             lack.keys += (lack.keys.empty() ? "" : ", ") + std::string(name.key);
             lack.having = std::max(lack.having, spread.having);
         }
     }
-    for (const auto& [name, lack] : lacks) {
-        const auto& [file, section] = name;
-        const auto first = file->sections().find(section);
-        const Place place = first != file->sections().end()
-                                    ? placeOf(line, *file, *first->second, section)
-                                    : placeOf(*file);
-        reporter.report(place,
-                        "no " + std::string(section) + " " + lack.keys + ", which " +
-                                counted(lack.having, "other model has", "other models have"));
+    for (const auto& [path, found] : all) {
+        const auto& [file, lacks] = found;
+        if (isOfSize(*file, lacks, size)) {
+            reportLacks(line, reporter, *file, lacks);
+        }
     }
 }
 
@@ -147,11 +206,12 @@ bool isAlone(const Spread& spread) {
 }
 
 void checkAlone(const ProductLine& line, Reporter& reporter) {
-    checkItems(line, reporter, isAlone);
+    checkItems(line, reporter, ModelSize::USUAL, isAlone);
 }
 
 void checkMost(const ProductLine& line, Reporter& reporter) {
-    checkItems(line, reporter, [](const Spread& spread) {
+    checkItems(line, reporter, ModelSize::SMALL, isAlone);
+    checkItems(line, reporter, ModelSize::ANY, [](const Spread& spread) {
         return !isAlone(spread) && spread.having > spread.lacking.size();
     });
 }
@@ -203,7 +263,8 @@ constexpr Rule kRules[] = {
          "a model without [PowerOnMode] ModeStatus, which six others have",
          "[PowerOnMode]\nModeStatus = 0", checkAlone},
         {"rare-lack", Severity::NOTE, "a model lacks an item that most models have",
-         "The getter has no answer for this model.",
+         "The getter has no answer for this model. A model that lacks most items of the others is "
+         "another kind of model, and also a note.",
          "two of seven models without [IRFilter] IR_Filter", "[IRFilter]\nIR_Filter =", checkMost},
         {"missing-tv-config", Severity::ERROR, "a model has no TV feature file",
          "A country replaces the path of the model's TV feature file and adds none. Without a file "

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "common/Paths.h"
 #include "projectconfigs/ChainKeywords.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
@@ -96,7 +97,8 @@ std::string shownOf(const ReadLine& read) {
 
 void checkFolders(const ProductLine& line, Reporter& reporter) {
     forEachModelLine(line, [&](const FileLines& file, const ReadLine& read) {
-        if (!read.value.empty() &&
+        const bool isThere = product::pathExists(line.tree().hostOfWritten(read.value));
+        if (!read.value.empty() && isThere &&
             read.text.find(keyword::kModelFolder) == std::string_view::npos) {
             reporter.report(placeOf(line, file, read, read.value),
                             "the list of models shows what follows \"model/\", and otherwise the "

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <optional>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -58,41 +58,73 @@ void checkKeys(const ProductLine& line, Reporter& reporter) {
                     });
 }
 
-// The only section in which the service looks for the key; nothing if there are several or none.
-std::optional<std::string_view> sectionOf(std::string_view key) {
-    std::optional<std::string_view> section;
+// The sections in which the service looks for the key and the file lacks it, as "[A] or [B]";
+// empty if there is none.
+std::string sectionsFor(const FileLines& file, std::string_view key) {
+    std::string sections;
     for (const product::KnownItem& item : product::kKnownItems) {
-        if (item.name.key == key) {
-            if (section) {
-                return std::nullopt;
-            }
-            section = item.name.category;
+        if (item.name.key == key && file.find(item.name.category, key) == nullptr) {
+            sections += (sections.empty() ? "" : " or ") + std::string(item.name.category);
         }
     }
-    return section;
+    return sections;
+}
+
+// Keys of one section that belong to another one.
+struct Misplaced {
+    const FileLines* file = nullptr;
+    const ReadLine* first = nullptr;
+    std::string message;
+    std::vector<Related> others;
+    size_t count = 0;
+};
+
+// True if the service looks for the key somewhere.
+bool isKnownKey(std::string_view key) {
+    return std::any_of(std::begin(product::kKnownItems), std::end(product::kKnownItems),
+                       [&](const product::KnownItem& item) { return item.name.key == key; });
 }
 
 void checkPlaces(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kMostRelated = 5;
     const ItemTable& table = itemTableOf(line);
     const auto isMisplaced = [&](const ItemName& name, const ItemFacts& facts) {
         const auto isUser = [&](const ItemFile& item) {
             return item.file->find(name.first, name.second) != nullptr;
         };
-        return !facts.isKnown() && !isMeantSection(table, name.first) && sectionOf(name.second) &&
+        return !facts.isKnown() && isKnownKey(name.second) && !isMeantSection(table, name.first) &&
                std::count_if(table.files.begin(), table.files.end(), isUser) == 1;
     };
+    // Where a section line is missing, all keys below it are misplaced.
+    std::map<std::tuple<std::string_view, std::string_view, std::string>, Misplaced> found;
     forEachItemThat(
             table, isMisplaced, [&](const FileLines& file, const ReadLine& read, const ItemFacts&) {
-                const std::string_view right = *sectionOf(read.key);
-                if (file.find(right, read.key) != nullptr) {
+                std::string right = sectionsFor(file, read.key);
+                if (right.empty()) {
                     return;
                 }
-                reporter.report(placeOf(line, file, read, read.key),
-                                "the service looks for " + quoted(read.key) + " in " +
-                                        std::string(right) + ", not in " +
+                Misplaced& misplaced = found[{file.path(), read.section, right}];
+                misplaced.file = &file;
+                if (++misplaced.count == 1) {
+                    misplaced.first = &read;
+                    misplaced.message = " in " + right + ", not in " +
                                         (read.section.empty() ? "the lines before any section"
-                                                              : std::string(read.section)));
+                                                              : std::string(read.section));
+                } else if (misplaced.others.size() < kMostRelated) {
+                    misplaced.others.push_back({placeOf(line, file, read, read.key), "here, too"});
+                }
             });
+    for (auto& [sections, misplaced] : found) {
+        const std::string more = misplaced.count > 1
+                                         ? " and " + std::to_string(misplaced.count - 1) +
+                                                   " other" + (misplaced.count > 2 ? "s" : "")
+                                         : "";
+        reporter.report(
+                placeOf(line, *misplaced.file, *misplaced.first, misplaced.first->key),
+                "the service looks for " + quoted(misplaced.first->key) + more + misplaced.message +
+                        (more.empty() ? "" : "; is the section line above them missing or wrong?"),
+                std::move(misplaced.others));
+    }
 }
 
 // Names by how many model files have them.

@@ -1,5 +1,6 @@
 #include "tools/mlktree/rules/MeaningPath.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "projectconfigs/KnownItems.h"
@@ -25,6 +26,10 @@ PathForm formOf(std::string_view path) {
     if (!beginsWith(path, "/")) {
         return PathForm::RELATIVE;
     }
+    if (beginsWith(path, "//")) {
+        const PathForm form = formOf(path.substr(path.find_first_not_of('/') - 1));
+        return form == PathForm::INSIDE ? PathForm::BESIDE : form;
+    }
     const std::string_view folder = firstFolderOf(path);
     for (const std::string_view partition : kPartitions) {
         if (folder == partition) {
@@ -42,6 +47,28 @@ std::string_view partitionMeantBy(std::string_view path) {
         }
     }
     return nearest(folder, {std::begin(kPartitions), std::end(kPartitions)});
+}
+
+std::string pathInside(std::string_view path) {
+    std::string plain(path);
+    std::replace(plain.begin(), plain.end(), '\\', '/');
+    size_t last = 0;
+    for (const std::string_view partition : kPartitions) {
+        const size_t at = plain.rfind(std::string(partition) + "/");
+        last = at != std::string::npos ? std::max(last, at) : last;
+    }
+    return last > 0 ? plain.substr(last) : std::string();
+}
+
+std::string pathIn(const Naming& naming) {
+    std::string path(naming.line->value);
+    if (naming.file != nullptr && naming.file->format() == FileFormat::BOARD_ID) {
+        path.erase(std::remove_if(path.begin(), path.end(),
+                                  [](char c) { return c == '"' || c == ';'; }),
+                   path.end());
+        path = std::string(trimmed(path.substr(0, path.find('#'))));
+    }
+    return path;
 }
 
 bool isWholePath(const Naming& naming) {

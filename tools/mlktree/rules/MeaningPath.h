@@ -21,6 +21,16 @@ PathForm formOf(std::string_view path);
 /** The partition that a path of the form BESIDE probably means, as "/tvdata". */
 std::string_view partitionMeantBy(std::string_view path);
 
+/**
+ * The end of a path that leads into a partition by way of something else, with slashes for
+ * backslashes: "/tvconfigs/a.ini" of "/vendor/tvconfigs/a.ini". Empty if there is none, and for a
+ * path into a partition.
+ */
+std::string pathInside(std::string_view path);
+
+/** The path that the line names: its value, or what the service makes of that of board_id.bin. */
+std::string pathIn(const Naming& naming);
+
 /** True if the value of the line is a path as written, not a part of one as in a map of plans. */
 bool isWholePath(const Naming& naming);
 

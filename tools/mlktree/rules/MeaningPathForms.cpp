@@ -36,7 +36,8 @@ void forEachPathOf(const ProductLine& line, PathForm form, const Check& check) {
             }
             if (naming.line->value != value) {
                 value = naming.line->value;
-                isOfForm = formOf(value) == form;
+                const std::string meant = pathIn(naming);
+                isOfForm = !meant.empty() && formOf(meant) == form;
             }
             if (isOfForm && !hasBlankInElement(*naming.line) && seen.insert(naming.line).second) {
                 check(path, naming);
@@ -51,13 +52,46 @@ void reportAt(const ProductLine& line, Reporter& reporter, const Naming& naming,
                     std::move(message));
 }
 
+// What is to say about a path with backslashes.
+std::string backslashes(const std::string& value) {
+    const std::string right = pathInside(value);
+    return "a \"\\\" separates no folders; write " + (right.empty() ? "\"/\"" : quoted(right));
+}
+
+// How a path that begins with no "/" is meant; empty if that cannot be told.
+std::string meantBy(const ProductLine& line, const std::string& value) {
+    if (formOf("/" + value) == PathForm::INSIDE) {
+        return "/" + value;
+    }
+    std::string inside = pathInside(value);
+    if (!inside.empty()) {
+        const bool isInApostrophes = value.front() == '\'' && value.back() == '\'';
+        return isInApostrophes ? inside.substr(0, inside.size() - 1) : inside;
+    }
+    const size_t begin = value.find_first_not_of("./~");
+    const std::string rest = begin != std::string::npos ? value.substr(begin) : "";
+    return !rest.empty() && product::pathExists(line.tree().host("tvconfigs/" + rest))
+                   ? "/tvconfigs/" + rest
+                   : "";
+}
+
 void checkPrefixes(const ProductLine& line, Reporter& reporter) {
     forEachPathOf(line, PathForm::BESIDE, [&](const std::string& path, const Naming& naming) {
-        const std::string_view value = naming.line->value;
+        const std::string value = pathIn(naming);
         if (product::pathExists(line.tree().host(path))) {
             return;
         }
-        const std::string_view folder = value.substr(0, value.find('/', 1));
+        if (value.find('\\') != std::string::npos) {
+            reportAt(line, reporter, naming, backslashes("/" + value));
+            return;
+        }
+        const size_t begin = value.find_first_not_of('/') - 1;
+        const std::string folder = value.substr(0, value.find('/', begin + 1));
+        if (begin > 0) {
+            reportAt(line, reporter, naming,
+                     quoted(folder) + " is no partition; write " + quoted(value.substr(begin)));
+            return;
+        }
         const std::string partition(partitionMeantBy(value));
         const bool isReplaced = beginsWith(folder, partition);
         reportAt(line, reporter, naming,
@@ -69,21 +103,37 @@ void checkPrefixes(const ProductLine& line, Reporter& reporter) {
 
 void checkRelative(const ProductLine& line, Reporter& reporter) {
     forEachPathOf(line, PathForm::RELATIVE, [&](const std::string&, const Naming& naming) {
-        const std::string value(naming.line->value);
+        const std::string value = pathIn(naming);
         const bool isBoard = naming.file->format() == FileFormat::BOARD_ID;
-        if (!isBoard || value.find('/') != value.npos) {
-            const bool lacksSlash = formOf("/" + value) == PathForm::INSIDE;
+        if (isBoard && value.find('/') == std::string::npos) {
+            return;
+        }
+        if (value.find('\\') != std::string::npos) {
+            reportAt(line, reporter, naming, backslashes("/" + value));
+            return;
+        }
+        const std::string meant = meantBy(line, value);
+        reportAt(line, reporter, naming,
+                 "a path begins with \"/tvconfigs\", \"/tvdata\" or \"/impdata\"" +
+                         (meant.empty() ? "" : "; write " + quoted(meant)));
+    });
+}
+
+void checkMountPoints(const ProductLine& line, Reporter& reporter) {
+    forEachPathOf(line, PathForm::OUTSIDE, [&](const std::string& path, const Naming& naming) {
+        const std::string inside = pathInside(pathIn(naming));
+        if (!inside.empty() && !product::pathExists(line.tree().host(path))) {
             reportAt(line, reporter, naming,
-                     "a path begins with a \"/\" and a partition" +
-                             (lacksSlash ? "; write " + quoted("/" + value)
-                                         : ", as \"/tvconfigs/" + value + "\""));
+                     "the path has the mount point of a partition, which is a matter of the set; "
+                     "write " +
+                             quoted(inside));
         }
     });
 }
 
 void checkOutside(const ProductLine& line, Reporter& reporter) {
     forEachPathOf(line, PathForm::OUTSIDE, [&](const std::string&, const Naming& naming) {
-        if (isOfService(naming)) {
+        if (pathInside(pathIn(naming)).empty() && isOfService(naming)) {
             reportAt(line, reporter, naming,
                      "the path leads out of the partitions, and whether the file exists is not "
                      "checked");
@@ -160,6 +210,11 @@ constexpr Rule kRules[] = {
          "path.",
          "AUDIO_CONFIG_PATH = tvconfigs/audio/panel.ini",
          "AUDIO_CONFIG_PATH = /tvconfigs/audio/panel.ini", checkRelative},
+        {"mount-point", Severity::WARNING, "a path has the mount point of a partition",
+         "The service replaces the name of a partition at the start of a path only. Another path "
+         "holds on the computer or the set of its author, if at all.",
+         "COUNTRY_PATH = /vendor/tvconfigs/country/eu.txt",
+         "COUNTRY_PATH = /tvconfigs/country/eu.txt", checkMountPoints},
         {"outside-path", Severity::NOTE, "a path leads out of the partitions",
          "A file of the system image changes with another image, and the checker does not see it.",
          "BootAnimation FileName = /vendor/media/boot.zip",

@@ -1,60 +1,29 @@
 // Rules about the files that lines name.
 
-#include <dirent.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <iterator>
-#include <memory>
+#include <map>
 #include <optional>
 
 #include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
+#include "regional/RegionalNames.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningPath.h"
+#include "tools/mlktree/rules/NearFiles.h"
 #include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
 namespace {
 
-using vendor::morlak::mlkconfigs::V1_0::implementation::fileNameOf;
-using vendor::morlak::mlkconfigs::V1_0::implementation::pathExists;
-
-// The path that exists and differs from this one in the case of letters only.
-std::optional<std::string> inAnotherCase(const std::string& host) {
-    std::string found = host.front() == '/' ? "" : ".";
-    size_t at = 0;
-    while (at < host.size()) {
-        const size_t begin = host.find_first_not_of('/', at);
-        if (begin == std::string::npos) {
-            break;
-        }
-        const size_t end = std::min(host.find('/', begin), host.size());
-        const std::string part = host.substr(begin, end - begin);
-        at = end;
-        if (pathExists(found + "/" + part)) {
-            found += "/" + part;
-            continue;
-        }
-        const std::unique_ptr<DIR, int (*)(DIR*)> folder(
-                opendir(found.empty() ? "/" : found.c_str()), closedir);
-        std::string match;
-        for (const dirent* entry = nullptr;
-             folder != nullptr && (entry = readdir(folder.get())) != nullptr;) {
-            if (strcasecmp(entry->d_name, part.c_str()) == 0) {
-                match = entry->d_name;
-                break;
-            }
-        }
-        if (match.empty()) {
-            return std::nullopt;
-        }
-        found += "/" + match;
-    }
-    return host.front() == '/' ? found : found.substr(2);
-}
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
+using product::pathExists;
 
 // True if a line names a file in the form of a path into the partitions.
 bool isLookedFor(const Naming& naming) {
@@ -62,7 +31,7 @@ bool isLookedFor(const Naming& naming) {
         return false;
     }
     // Other forms have rules of their own.
-    return !isWholePath(naming) || formOf(naming.line->value) == PathForm::INSIDE;
+    return !isWholePath(naming) || formOf(pathIn(naming)) == PathForm::INSIDE;
 }
 
 // Reports a file once, at the first line that names it; the others are related.
@@ -83,33 +52,86 @@ void reportNamed(const ProductLine& line, Reporter& reporter, const std::string&
                       std::move(related));
 }
 
+// What is to say about a file that does not exist, and the file that is meant.
+struct Missing {
+    std::string message;
+    std::vector<Related> related;
+};
+
+Missing describeMissing(const ProductLine& line, const std::string& path, bool isSearched) {
+    const Tree& tree = line.tree();
+    const std::string host = tree.host(path);
+    Missing missing{"there is no file " + tree.written(host), {}};
+    if (const std::optional<std::string> target = linkTarget(host)) {
+        missing.message =
+                tree.written(host) + " is a link to " + *target + ", and there is no such file";
+        return missing;
+    }
+    if (!isSearched) {
+        return missing;
+    }
+    std::string other = inAnotherCase(host);
+    if (!other.empty()) {
+        missing.message += "; case counts, and there is " + tree.written(other);
+    } else {
+        other = nearFile(tree, host);
+        missing.message += other.empty() ? "" : " (is " + tree.written(other) + " meant?)";
+    }
+    if (!other.empty()) {
+        missing.related.push_back({{tree.relative(other), 0, 0}, "this file exists"});
+    }
+    return missing;
+}
+
+// False for a file of a partition that the tree does not have.
+bool hasPartition(const ProductLine& line, const std::string& path) {
+    const Partitions& partitions = line.tree().partitions();
+    const std::string name = path.substr(0, path.find('/'));
+    return name == "tvdata"    ? pathExists(partitions.tvdata)
+           : name == "impdata" ? pathExists(partitions.impdata)
+                               : true;
+}
+
+void checkPartitions(const ProductLine& line, Reporter& reporter) {
+    std::map<std::string, size_t> unchecked;
+    for (const auto& [path, namings] : line.namedPaths()) {
+        if (!hasPartition(line, path) && std::any_of(namings.begin(), namings.end(), isLookedFor)) {
+            ++unchecked[path.substr(0, path.find('/'))];
+        }
+    }
+    for (const auto& [name, count] : unchecked) {
+        reporter.reportIn({"all"}, {name, 0, 0},
+                          "the tree has no such partition: whether " +
+                                  counted(count, "file", "files") +
+                                  " of it that lines name exist is not checked");
+    }
+}
+
 void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
     for (const Customer& customer : line.customers()) {
-        if (!pathExists(line.tree().host(customer.file->path()))) {
+        const std::string host = line.tree().host(customer.file->path());
+        if (!pathExists(host)) {
+            Missing missing = describeMissing(line, customer.file->path(), true);
             reporter.reportIn({"all"}, placeOf(*customer.file),
-                              "there is no customer file, with which everything begins");
+                              "everything begins with the customer file, and " + missing.message,
+                              std::move(missing.related));
         }
     }
     constexpr size_t kMostSearches = 1'000;  // each reads whole folders
     size_t searches = 0;
     for (const auto& [path, namings] : line.namedPaths()) {
-        const std::string host = line.tree().host(path);
         std::vector<const Naming*> looking;
         for (const Naming& naming : namings) {
             if (isLookedFor(naming)) {
                 looking.push_back(&naming);
             }
         }
-        if (looking.empty() || pathExists(host)) {
+        if (looking.empty() || pathExists(line.tree().host(path)) || !hasPartition(line, path)) {
             continue;
         }
-        const std::optional<std::string> other =
-                ++searches <= kMostSearches ? inAnotherCase(host) : std::nullopt;
-        reportNamed(
-                line, reporter, path, looking,
-                "there is no file " + line.tree().written(host) +
-                        (other ? "; case counts, and there is " + line.tree().written(*other) : ""),
-                {});
+        Missing missing = describeMissing(line, path, ++searches <= kMostSearches);
+        reportNamed(line, reporter, path, looking, std::move(missing.message),
+                    std::move(missing.related));
     }
 }
 
@@ -179,17 +201,75 @@ void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+// The format in which the service reads the file that a line names.
+FileFormat formatOf(const Naming& naming) {
+    if (naming.file == nullptr || naming.line == nullptr) {
+        return FileFormat::NONE;
+    }
+    if (naming.file->format() == FileFormat::COUNTRY_MAP) {
+        return naming.line->key == product::element::kFeaturesOfCountry ? FileFormat::TV_FEATURES
+                                                                        : FileFormat::NONE;
+    }
+    const auto* const known = product::findKnownItem({naming.line->section, naming.line->key});
+    const bool isOfItems = naming.file->format() == FileFormat::PROJECT ||
+                           naming.file->format() == FileFormat::TV_SYSTEMS;
+    const bool isRead = isOfItems && known != nullptr && known->names != FileFormat::OPAQUE &&
+                        known->names != FileFormat::CHANNEL_PLANS;
+    return isRead ? known->names : FileFormat::NONE;
+}
+
+void checkKinds(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, namings] : line.namedPaths()) {
+        std::map<FileFormat, std::vector<const Naming*>> kinds;
+        for (const Naming& naming : namings) {
+            const FileFormat format = formatOf(naming);
+            if (format != FileFormat::NONE) {
+                kinds[format].push_back(&naming);
+            }
+        }
+        if (kinds.size() < 2 || !pathExists(line.tree().host(path))) {
+            continue;
+        }
+        // Most lines are right.
+        const auto usual = std::max_element(
+                kinds.begin(), kinds.end(),
+                [](const auto& a, const auto& b) { return a.second.size() < b.second.size(); });
+        const Naming& right = *usual->second.front();
+        for (const auto& [format, wrong] : kinds) {
+            if (format != usual->first) {
+                reportNamed(line, reporter, path, wrong,
+                            "this line needs a " + std::string(nameOf(format)) + ", and " +
+                                    line.tree().written(line.tree().host(path)) + " is a " +
+                                    std::string(nameOf(usual->first)) + " to other lines",
+                            {{placeOf(line, *right.file, *right.line, right.line->value),
+                              "named here as " + std::string(nameOf(usual->first))}});
+            }
+        }
+    }
+}
+
 constexpr Rule kRules[] = {
         {"missing-file", Severity::ERROR, "a line names a file that does not exist",
          "The service goes on without the file's content: sound delays are 0, lists and plans are "
          "empty, and clients get a path that leads nowhere.",
          "[AUDIO]\nAUDIO_CONFIG_PATH = /tvconfigs/audio/Panel.ini      (the file is panel.ini)",
          "[AUDIO]\nAUDIO_CONFIG_PATH = /tvconfigs/audio/panel.ini", checkMissingFiles},
+        {"missing-partition", Severity::NOTE, "the tree has no folder tvdata or impdata",
+         "These partitions belong to a set, and a platform tree may lack them. Files in them are "
+         "not checked.",
+         "a tree with the folder tvconfigs alone",
+         "mlktree check --tvconfigs line/tvconfigs --tvdata line/tvdata --impdata factory/impdata",
+         checkPartitions},
         {"unusable-file", Severity::ERROR, "a file that a line names cannot be used",
          "The service refuses folders, pipes, files without permission and files larger than their "
          "format allows, and goes on without their content.",
          "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke      (a folder)",
          "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke/home.ini", checkUnusableFiles},
+        {"other-format", Severity::WARNING, "two lines name one file for two formats",
+         "A file has one format. Read in another one, it gives no items, or wrong ones.",
+         "COUNTRY_PATH = /tvconfigs/country/eu.txt\nLANGUAGE_PATH = /tvconfigs/country/eu.txt",
+         "COUNTRY_PATH = /tvconfigs/country/eu.txt\nLANGUAGE_PATH = /tvconfigs/language/eu.txt",
+         checkKinds},
 };
 
 }  // namespace

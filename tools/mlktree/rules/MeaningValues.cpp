@@ -114,6 +114,36 @@ void checkDelays(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+// The files that the item names, in models and boards.
+std::vector<const FileLines*> filesOf(const ProductLine& line, const product::ConfigKey& item) {
+    std::vector<const FileLines*> files;
+    for (const auto& [path, namings] : line.namedPaths()) {
+        const FileLines* const file = line.find(path);
+        const bool isNamed = std::any_of(namings.begin(), namings.end(), [&](const Naming& naming) {
+            return naming.line != nullptr && naming.line->section == item.category &&
+                   naming.line->key == item.key;
+        });
+        if (file != nullptr && file->format() == FileFormat::AUXILIARY && isNamed) {
+            files.push_back(file);
+        }
+    }
+    return files;
+}
+
+void checkKaraoke(const ProductLine& line, Reporter& reporter) {
+    for (const FileLines* const file : filesOf(line, product::item::kKaraoke)) {
+        for (const ReadLine& read : file->lines()) {
+            const std::string_view value = trimmed(read.value);
+            if (read.use == LineUse::ITEM && file->find(read.section, read.key) == &read &&
+                !isDecimalIn(value, {})) {
+                reporter.report(placeOf(line, *file, read, value.empty() ? "=" : value),
+                                std::string(read.section) + " " + std::string(read.key) + ": " +
+                                        problemOf(product::ValueType::INTEGER, value));
+            }
+        }
+    }
+}
+
 constexpr Rule kRules[] = {
         {"item-number", Severity::ERROR, "an item is no decimal number of its range",
          "The getter has no answer for a number out of range. What follows the digits does not "
@@ -126,6 +156,10 @@ constexpr Rule kRules[] = {
          "What follows the digits does not count: \"0x10\" is 0 and \"1.5\" is 1. Sound and "
          "picture do not fit together.",
          "HDMI_DELAY = 0x10", "HDMI_DELAY = 16", checkDelays},
+        {"karaoke-number", Severity::WARNING, "a value of a karaoke file is no decimal number",
+         "Clients get numbers of this file only: getKaraokeConfig answers 0 for a text and the "
+         "digits at the beginning of a number that goes on.",
+         "[MIC]\nMIC_COUNT = 0x2", "[MIC]\nMIC_COUNT = 2", checkKaraoke},
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Rules about lines that the service takes for something else than their author.
 
+#include <algorithm>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
+#include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -50,7 +52,8 @@ std::optional<Remark> itemWithoutEquals(const ReadLine& read) {
     const bool isBroken =
             isMark || code.find(']') != std::string_view::npos || beginsWith(start, "[");
     if (read.use != LineUse::ITEM || code.find('=') != std::string_view::npos ||
-        trimmed(code).empty() || beginsWith(start, ";") || isBroken) {
+        trimmed(code).empty() || beginsWith(start, ";") || isBroken ||
+        !sectionMeantBy(trimmed(code)).empty()) {
         return std::nullopt;
     }
     return Remark{columnOf(read, start),
@@ -74,6 +77,22 @@ std::optional<Remark> brokenSection(FileFormat /* format */, const ReadLine& rea
     if (read.use == LineUse::SECTION && read.text.find(']') == std::string_view::npos) {
         return Remark{columnOf(read, start), "the section is not closed: its name is " +
                                                      quoted(read.section) + ", without a \"]\""};
+    }
+    if (read.use == LineUse::SECTION &&
+        std::count(read.section.begin(), read.section.end(), '[') > 1) {
+        return Remark{columnOf(read, start),
+                      "a section has one pair of brackets: the name of this one is " +
+                              quoted(read.section)};
+    }
+    const std::string_view meant =
+            read.use == LineUse::SECTION || code.find('=') != std::string_view::npos
+                    ? std::string_view()
+                    : sectionMeantBy(code);
+    if (!meant.empty() && !beginsWith(code, "[") && code.back() != ']') {
+        return Remark{columnOf(read, start),
+                      "no section but an item, and what follows belongs to the section above; "
+                      "write " +
+                              quoted(meant)};
     }
     const bool isIndented = beginsWith(code, "[") && code.find(']') != code.npos;
     const bool lacksBracket =
@@ -128,12 +147,15 @@ std::optional<Remark> featureBlanks(FileFormat /* format */, const ReadLine& rea
 }
 
 constexpr Rule kRules[] = {
-        {"commented-keyword", Severity::WARNING, "a comment of a customer or system file counts",
-         "The service looks for CUSTOMER_ID, SYS_INI and Model_ anywhere in a line. A model that "
-         "is "
-         "commented out still raises the highest index, stands in the menu and can be selected.",
+        {"commented-keyword", Severity::WARNING,
+         "a comment of a customer, system or identity file counts",
+         "The service looks for CUSTOMER_ID, SYS_INI, Model_, PROJECT_ID and BOARD_ID anywhere in "
+         "a "
+         "line. A model that is commented out still raises the highest index, stands in the menu "
+         "and can be selected.",
          "#Model_7 = /tvconfigs/model/seven.ini", "# The seventh model is not sold any more.",
-         checkLines<commentedKeyword, FileFormat::CUSTOMER, FileFormat::SYSTEM>},
+         checkLines<commentedKeyword, FileFormat::CUSTOMER, FileFormat::SYSTEM,
+                    FileFormat::PROJECT_ID, FileFormat::BOARD_ID, FileFormat::COUNTRY_ID>},
         {"indented-comment", Severity::WARNING, "a comment does not begin in the first column",
          "The line becomes an item. In a model file its name is empty, and it stands in every dump "
          "of the section.",

@@ -118,11 +118,14 @@ std::optional<Remark> secondEquals(FileFormat format, const ReadLine& read) {
 
 std::optional<Remark> missingValue(FileFormat /* format */, const ReadLine& read) {
     const std::string_view text = trimmed(read.text);
-    const bool isSection = !text.empty() && text.back() == ']';
-    if (read.use != LineUse::IGNORED || isSection) {
+    if (read.use != LineUse::IGNORED || text.empty() || text.back() == ']') {
         return std::nullopt;
     }
-    return Remark{columnOf(read, text), "no value: the service skips the line"};
+    return Remark{columnOf(read, text),
+                  looksLikeComment(text)
+                          ? "no comment, and no value: a comment begins with \"#\" or \";\" in "
+                            "the first column; the service skips the line"
+                          : "no value: the service skips the line"};
 }
 
 bool isNumber(std::string_view text) {

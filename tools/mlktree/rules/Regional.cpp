@@ -10,6 +10,7 @@
 #include "regional/CountryTable.h"
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/rules/CountryCodes.h"
 
 namespace mlk::tree {
 
@@ -25,26 +26,45 @@ struct OtherName {
     std::string_view country;
 };
 constexpr OtherName kOtherNames[] = {
+        {"BELGIE", "BELGIUM"},
+        {"BELGIQUE", "BELGIUM"},
         {"BOSNIA", "BOSNIA_HERZEGOVINA"},
+        {"BOSNIA_AND_HERZEGOVINA", "BOSNIA_HERZEGOVINA"},
+        {"BURMA", "MYANMAR"},
+        {"COTE_D'IVOIRE", "IVORY_COAST"},
         {"CZECH_REPUBLIC", "CZECH"},
         {"CZECHIA", "CZECH"},
+        {"DEUTSCHLAND", "GERMANY"},
+        {"EIRE", "IRELAND"},
         {"EMIRATES", "UNITED_ARAB_EMIRATES"},
         {"ENGLAND", "UNITED_KINGDOM"},
-        {"GB", "UNITED_KINGDOM"},
+        {"ESPANA", "SPAIN"},
+        {"ESPA\xC3\x91"
+         "A",
+         "SPAIN"},
         {"GREAT_BRITAIN", "UNITED_KINGDOM"},
         {"HOLLAND", "NETHERLANDS"},
         {"KOREA", "SOUTH_KOREA"},
+        {"KOREA_REPUBLIC_OF", "SOUTH_KOREA"},
         {"LAOS", "LAO_PDR"},
         {"MACEDONIA", "NORTH_MACEDONIA"},
+        {"NEDERLAND", "NETHERLANDS"},
+        {"OESTERREICH", "AUSTRIA"},
+        {"OSTERREICH", "AUSTRIA"},
+        {"REPUBLIC_OF_KOREA", "SOUTH_KOREA"},
         {"RUSSIAN_FEDERATION", "RUSSIA"},
         {"SALVADOR", "EL_SALVADOR"},
+        {"SCHWEIZ", "SWITZERLAND"},
+        {"SUISSE", "SWITZERLAND"},
+        {"SUOMI", "FINLAND"},
+        {"SVERIGE", "SWEDEN"},
         {"TRINIDAD_AND_TOBAGO", "TRINIDAD"},
         {"TURKIYE", "TURKEY"},
         {"UAE", "UNITED_ARAB_EMIRATES"},
+        {"T\xC3\x9CRKIYE", "TURKEY"},
         {"UK", "UNITED_KINGDOM"},
         {"UNITED_STATES", "USA"},
         {"UNITED_STATES_OF_AMERICA", "USA"},
-        {"US", "USA"},
 };
 
 std::string_view fileNamed(const ProductLine& line, const Model& model, const Board& board,
@@ -55,6 +75,11 @@ std::string_view fileNamed(const ProductLine& line, const Model& model, const Bo
 
 std::string pathOf(const ProductLine& line, std::string_view value) {
     return line.tree().relative(line.tree().hostOfWritten(value));
+}
+
+std::string folderOf(const ProductLine& line, std::string_view value) {
+    std::string path = pathOf(line, value);
+    return path.erase(path.find_last_not_of('/') + 1);
 }
 
 // The files of a line by their paths.
@@ -73,7 +98,7 @@ class FilesByPath {
                       std::string_view plans) const {
         const std::string folder = plans.empty()
                                            ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
-                                           : pathOf(mLine, plans);
+                                           : folderOf(mLine, plans);
         RegionalSet set;
         set.list = list.empty() ? nullptr : mLine.find(pathOf(mLine, list));
         set.systems = systems.empty() ? nullptr : at(mSystems, pathOf(mLine, systems));
@@ -115,7 +140,8 @@ std::string_view countryMeantBy(std::string_view name) {
             return other.country;
         }
     }
-    return nearest(word, names);
+    const std::string_view country = countryOfCode(word);
+    return country.empty() ? nearest(word, names) : country;
 }
 
 std::set<std::string_view> countriesMeantBy(const std::vector<std::string_view>& names) {

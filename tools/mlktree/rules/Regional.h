@@ -59,6 +59,12 @@ std::vector<CountryBlock> blocksOf(const FileLines& map);
 /** How many elements at the top of a map are ignored: each may have been meant for a country. */
 size_t countIgnoredBlocks(const FileLines& map);
 
+/**
+ * True if a TV system file names the country map of another one: none of the TV systems of the map
+ * is defined here, nor nearly.
+ */
+bool namesOtherMap(const TvSystemFiles& files);
+
 /** The files that decide together what a country brings; null for one that is not named. */
 struct RegionalSet {
     const FileLines* list = nullptr;        /**< of the countries that the menu offers */

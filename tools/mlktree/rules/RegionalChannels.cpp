@@ -195,11 +195,35 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
     groups.report(reporter);
 }
 
+// True if the number of a channel is not the one that its neighbours leave out.
+bool isOffSequence(const std::vector<PlanChannel>& channels, size_t at) {
+    if (at == 0 || at + 1 >= channels.size()) {
+        return false;
+    }
+    const PlanChannel& before = channels[at - 1];
+    const PlanChannel& channel = channels[at];
+    const PlanChannel& after = channels[at + 1];
+    const bool isRow = before.variant() == channel.variant() &&
+                       after.variant() == channel.variant() &&
+                       before.item.frequency < channel.item.frequency &&
+                       channel.item.frequency < after.item.frequency;
+    return isRow && before.item.channel + 2 == after.item.channel &&
+           before.item.channel + 1 != channel.item.channel;
+}
+
 void checkRaster(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
         const std::vector<PlanChannel> channels = channelsOf(*plan);
         for (size_t i = 0; i < channels.size(); ++i) {
+            if (isOffSequence(channels, i)) {
+                groups.add("number" + std::to_string(i), placeOf(line, *plan, *channels[i].read),
+                           "channel " + std::to_string(channels[i].item.channel) +
+                                   " stands between " +
+                                   std::to_string(channels[i - 1].item.channel) + " and " +
+                                   std::to_string(channels[i + 1].item.channel) + " (is \"" +
+                                   std::to_string(channels[i - 1].item.channel + 1) + "\" meant?)");
+            }
             if (!isOffRaster(channels, i)) {
                 continue;
             }
@@ -321,8 +345,9 @@ constexpr Rule kRules[] = {
          "21, 8000000, 474000, E21, DVB_AUTO\n22, 8000000, 482000, E22, DVB_AUTO", checkRepeated},
         {"off-raster", Severity::WARNING,
          "a channel does not lie between its neighbours, though they leave room for it",
-         "A digit of the frequency or of the bandwidth is probably mistyped, and a scan misses "
-         "the channel.",
+         "A digit of the number, the frequency or the bandwidth is probably mistyped: a scan "
+         "misses "
+         "the channel, or finds it under another number.",
          "21, 8000000, 474000, E21, DVB_AUTO\n22, 8000000, 428000, E22, DVB_AUTO\n"
          "23, 8000000, 490000, E23, DVB_AUTO",
          "21, 8000000, 474000, E21, DVB_AUTO\n22, 8000000, 482000, E22, DVB_AUTO\n"

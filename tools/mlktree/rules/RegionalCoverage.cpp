@@ -122,7 +122,8 @@ void checkRecords(const ProductLine& line, Reporter& reporter) {
     std::set<std::pair<const FileLines*, const FileLines*>> seen;
     for (const RegionalSet& set : regionalSetsOf(line)) {
         const FileLines* const map = set.systems != nullptr ? set.systems->map : nullptr;
-        if (!isUsable(set.list) || !isUsable(map) || !seen.insert({set.list, map}).second) {
+        if (!isUsable(set.list) || !isUsable(map) || !seen.insert({set.list, map}).second ||
+            namesOtherMap(*set.systems)) {
             continue;
         }
         const std::vector<CountryBlock> blocks = blocksOf(*map);

@@ -55,8 +55,12 @@ bool offers(const FileLines& list, const std::string& country) {
             names.push_back(read.key);
         }
     }
-    return std::find(names.begin(), names.end(), country) != names.end() ||
-           countriesMeantBy(names).count(country) > 0;
+    const bool isSpoilt = !list.lines().empty() && list.lines().front().hasNul;
+    return isSpoilt || std::find(names.begin(), names.end(), country) != names.end() ||
+           countriesMeantBy(names).count(country) > 0 ||
+           std::any_of(names.begin(), names.end(), [&](std::string_view name) {
+               return beginsWith(name, country) && !countryOf(name);
+           });
 }
 
 Place placeOfCountry(const ProductLine& line, const std::string& path) {
@@ -120,7 +124,8 @@ void checkFirst(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const RegionalSet& set : regionalSetsOf(line)) {
         const FileLines* const map = set.systems != nullptr ? set.systems->map : nullptr;
-        if (!isUsable(set.list) || !isUsable(map) || !hasCountries(*set.list)) {
+        if (!isUsable(set.list) || !isUsable(map) || !hasCountries(*set.list) ||
+            namesOtherMap(*set.systems)) {
             continue;
         }
         const std::vector<CountryBlock> blocks = blocksOf(*map);

@@ -48,10 +48,40 @@ std::vector<const ReadLine*> systemsNamedBy(const FileLines& map) {
     return lines;
 }
 
+}  // namespace
+
+bool namesOtherMap(const TvSystemFiles& files) {
+    if (!isUsable(files.file) || !isUsable(files.map) || mayLackSystems(*files.file)) {
+        return false;
+    }
+    const std::set<std::string_view> names = systemNamesOf(*files.file);
+    const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
+    const auto isOther = [&](const ReadLine* read) {
+        const std::string_view name = trimmed(read->value);
+        return names.count(name) == 0 && nearest(name, {names.begin(), names.end()}).empty();
+    };
+    constexpr size_t kMostLookedAt = 100;
+    return !named.empty() && std::all_of(named.begin(),
+                                         named.begin() + static_cast<std::ptrdiff_t>(std::min(
+                                                                 named.size(), kMostLookedAt)),
+                                         isOther);
+}
+
+namespace {
+
 void checkUndefined(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const TvSystemFiles& files : line.tvSystems()) {
         if (!isUsable(files.file) || !isUsable(files.map) || mayLackSystems(*files.file)) {
+            continue;
+        }
+        if (namesOtherMap(files)) {
+            const ReadLine* const naming = files.file->find("", element::kCountryMap);
+            groups.add(files.map->path(),
+                       naming != nullptr ? placeOf(line, *files.file, *naming, naming->value)
+                                         : placeOf(*files.file),
+                       "this file defines no TV system that " + files.map->path() +
+                               " names: is it the map of another file?");
             continue;
         }
         const std::set<std::string_view> names = systemNamesOf(*files.file);
@@ -82,7 +112,7 @@ void checkUnused(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const TvSystemFiles& files : line.tvSystems()) {
         if (!isUsable(files.file) || !isUsable(files.map) || files.map->sections().empty() ||
-            countIgnoredBlocks(*files.map) > 0) {
+            countIgnoredBlocks(*files.map) > 0 || namesOtherMap(files)) {
             continue;
         }
         const std::set<std::string_view> names = systemNamesOf(*files.file);
@@ -235,6 +265,38 @@ std::string missingFrom(const SystemItems& system, const std::map<ItemName, cons
                                : missing + " and " + std::to_string(count - kMostNamed) + " more";
 }
 
+// Reports items that few TV systems set, and takes them out of `all`: the others lack nothing.
+void reportRare(const ProductLine& line, const FileLines& file,
+                const std::vector<SystemItems>& systems, std::map<ItemName, const ReadLine*>& all,
+                FindingGroups& groups) {
+    for (auto each = all.begin(); each != all.end();) {
+        const auto [item, begin] = *each;
+        const auto count = static_cast<size_t>(
+                std::count_if(systems.begin(), systems.end(), [&, name = item](const auto& system) {
+                    return system.items.count(name) > 0 || system.meant.count(name) > 0 ||
+                           system.mayLackAny;
+                }));
+        if (count * 2 >= systems.size()) {
+            ++each;
+            continue;
+        }
+        for (const ReadLine* const read : itemsOf(file)) {
+            if (read->owner == begin->owner && trimmed(read->section) == item.section &&
+                trimmed(read->key) == item.key) {
+                groups.add("rare" + nameOf(*read), placeOf(line, file, *read, read->key),
+                           "TV system " + quoted(read->owner) + " sets " +
+                                   std::string(item.section) + " " + std::string(item.key) +
+                                   ", which " + std::to_string(systems.size() - count) + " of " +
+                                   std::to_string(systems.size()) +
+                                   " do not set: after a change from one of its countries the "
+                                   "value stays");
+                break;
+            }
+        }
+        each = all.erase(each);
+    }
+}
+
 void checkUneven(const ProductLine& line, Reporter& reporter) {
     constexpr size_t kMostCompared = size_t{10} << 20;  // no file that somebody wrote has so many
     FindingGroups groups;
@@ -250,6 +312,7 @@ void checkUneven(const ProductLine& line, Reporter& reporter) {
         if (all.size() * systems.size() > kMostCompared) {
             continue;
         }
+        reportRare(line, *files.file, systems, all, groups);
         for (const SystemItems& system : systems) {
             const ReadLine* other = nullptr;
             const std::string missing = missingFrom(system, all, other);

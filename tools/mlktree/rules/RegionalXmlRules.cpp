@@ -221,8 +221,8 @@ void checkBlanks(const ProductLine& line, Reporter& reporter) {
             } else if (read.use == LineUse::ITEM && isTvSystems && !read.owner.empty()) {
                 report(read.section, "category");
                 report(read.key, "key");
-                if (trimmed(read.value).substr(0, 1) == "/") {
-                    report(read.value, "path");
+                if (!trimmed(read.value).empty()) {
+                    report(read.value, trimmed(read.value).front() == '/' ? "path" : "value");
                 }
             } else if (read.use == LineUse::ITEM && read.key != element::kCountryName) {
                 // Another rule looks at the names of countries.

@@ -12,6 +12,7 @@
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -28,21 +29,52 @@ std::string nameOfItem(const ReadLine& read) {
                                 : std::string(read.section) + " " + std::string(read.key);
 }
 
-// The items of which the file has several of one name, in their order.
-std::vector<const ReadLine*> linesOfKeysTwice(const FileLines& file) {
-    std::vector<const ReadLine*> lines;
-    for (const ReadLine* const read : file.outdone()) {
-        for (const ReadLine* const each : {read, file.find(read->section, read->key)}) {
-            const bool isComment =
-                    file.format() == FileFormat::CUSTOMER && looksLikeComment(each->text);
-            if (!isComment) {
-                lines.push_back(each);
-            }
+// A line whose key stands above, too.
+struct Repeat {
+    const ReadLine* line;
+    const ReadLine* former;
+};
+
+void reportRepeat(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                  const Repeat& repeat) {
+    const ReadLine& read = *repeat.line;
+    const ReadLine& former = *repeat.former;
+    const bool isLast = file.find(read.section, read.key)->number > former.number;
+    const std::string_view dead = isLast ? former.value : read.value;
+    const std::string_view alive = file.find(read.section, read.key)->value;
+    reporter.report(placeOf(line, file, read, read.key),
+                    quoted(read.key) + " stands twice" +
+                            (dead == alive ? " with one value; remove one of the lines"
+                                           : std::string("; the ") + (isLast ? "lower" : "upper") +
+                                                     " line counts: " + quoted(alive) + ", not " +
+                                                     quoted(dead)),
+                    {{placeOf(line, file, former, former.key), "the other line"}});
+}
+
+// The second block of lines of one section, and its keys that the first one has, too.
+void reportBlock(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                 const ReadLine* again, const std::vector<Repeat>& repeats) {
+    constexpr size_t kFewest = 3;
+    if (again == nullptr || repeats.size() < kFewest) {
+        for (const Repeat& repeat : repeats) {
+            reportRepeat(line, reporter, file, repeat);
         }
+        return;
     }
-    std::sort(lines.begin(), lines.end());
-    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
-    return lines;
+    const ReadLine& first = *file.sections().at(again->section);
+    const ReadLine& former = *repeats.front().former;
+    const bool isLast = file.find(former.section, former.key) != &former;
+    std::vector<Related> related = {
+            {placeOf(line, file, first, first.section), "the section stands here first"}};
+    for (size_t i = 0; i < repeats.size() && related.size() <= kMostRelated; ++i) {
+        const ReadLine& read = *repeats[i].line;
+        related.push_back({placeOf(line, file, read, read.key), "this key stands twice"});
+    }
+    reporter.report(placeOf(line, file, *again, again->section),
+                    "the section " + std::string(again->section) + " stands twice, and " +
+                            counted(repeats.size(), "key", "keys") + " of it; the " +
+                            (isLast ? "lower" : "upper") + " lines count",
+                    std::move(related));
 }
 
 void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
@@ -50,34 +82,48 @@ void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
         const bool hasItems =
                 file->format() == FileFormat::PROJECT || file->format() == FileFormat::AUXILIARY ||
                 file->format() == FileFormat::TV_FEATURES || file->format() == FileFormat::CUSTOMER;
-        if (!hasItems) {
+        if (!hasItems || file->outdone().empty()) {
             continue;
         }
+        const bool isCustomer = file->format() == FileFormat::CUSTOMER;
         std::map<std::pair<std::string_view, std::string_view>, const ReadLine*> seen;
-        for (const ReadLine* const each : linesOfKeysTwice(*file)) {
-            const ReadLine& read = *each;
+        std::vector<Repeat> repeats;  // since the last section line
+        const ReadLine* again = nullptr;
+        bool isBroken = false;
+        for (const ReadLine& read : file->lines()) {
+            if (read.use == LineUse::SECTION) {
+                reportBlock(line, reporter, *file, again, repeats);
+                repeats.clear();
+                again = file->sections().at(read.section) != &read ? &read : nullptr;
+                isBroken = false;
+                continue;
+            }
+            // Below a section line that is none, keys are not where their author put them.
+            isBroken |= file->format() != FileFormat::TV_FEATURES && !isCustomer &&
+                        isBrokenSection(read);
+            if (read.use != LineUse::ITEM || isBroken ||
+                (isCustomer && looksLikeComment(read.text))) {
+                continue;
+            }
             const auto [former, isNew] = seen.try_emplace({read.section, read.key}, &read);
             if (isNew) {
                 continue;
             }
             const ReadLine* const counts = file->find(read.section, read.key);
-            const bool isLast = counts->number > former->second->number;
-            const std::string message = quoted(read.key) + " stands twice; the " +
-                                        (isLast ? "lower" : "upper") +
-                                        " line counts: " + quoted(counts->value) + ", not " +
-                                        quoted(isLast ? former->second->value : read.value);
-            reporter.report(placeOf(line, *file, read, read.key), message,
-                            {{placeOf(line, *file, *former->second, former->second->key),
-                              "the other line"}});
-            former->second = isLast ? &read : former->second;
+            repeats.push_back({&read, former->second});
+            former->second = counts->number > former->second->number ? &read : former->second;
         }
+        reportBlock(line, reporter, *file, again, repeats);
     }
 }
 
 void checkBoards(const ProductLine& line, Reporter& reporter) {
     for (const Board& board : line.boards()) {
-        if (board.file == nullptr) {
-            continue;
+        const bool isModel =
+                std::any_of(line.models().begin(), line.models().end(),
+                            [&](const Model& model) { return model.file == board.file; });
+        if (board.file == nullptr || isModel) {
+            continue;  // another finding
         }
         for (const ReadLine& read : board.file->lines()) {
             if (!board.file->counts(read)) {

@@ -72,6 +72,32 @@ TEST_F(FixTest, AByteOrderMarkGoes) {
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\n");
 }
 
+TEST_F(FixTest, SpacesThatAreNoBlanksGo) {
+    const std::string rest =
+            "\"/tvconfigs/c.txt\"  # a\xC2\xA0 b\nNAME = \"L'\xC3\xA9tage\xC2\xA0 noir\"\n";
+    mDir.write("tvconfigs/model/a.ini",
+               "[COUNTRY]\nCOUNTRY_PATH\xE2\x80\x8B\xC2\xA0=\xC2\xA0" + rest);
+    EXPECT_EQ(mended("tvconfigs/model/a.ini"), "[COUNTRY]\nCOUNTRY_PATH = " + rest);
+}
+
+TEST_F(FixTest, NamesOfListsAndFeaturesGetTheirBlanksBack) {
+    mDir.write("tvconfigs/c.txt", "GERMANY\xC2\xA0,DE\n");
+    mDir.write("tvconfigs/tv/t.config", "persist.vendor.mlk.tv.enable_av\xC2\xA0=\xC2\xA0true\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\n");
+    EXPECT_EQ(mended("tvconfigs/tv/t.config"), "persist.vendor.mlk.tv.enable_av=true\n");
+}
+
+TEST_F(FixTest, APropertyLosesItsLineEnd) {
+    mDir.write("data/property/persist.vendor.mlk.enstr", "true\r\n");
+    mDir.write("data/property/persist.vendor.mlk.forcestr", "1\n2\n");
+    mDir.write("data/property/ro.hardware", "skerry");
+    EXPECT_EQ(mended("data/property/persist.vendor.mlk.enstr"), "true");
+    EXPECT_EQ(diff(),
+              "--- a/data/property/persist.vendor.mlk.enstr\n"
+              "+++ b/data/property/persist.vendor.mlk.enstr\n"
+              "@@ -1,1 +1,1 @@\n-true\r\n+true\n\\ No newline at end of file\n");
+}
+
 TEST_F(FixTest, EntriesOfListsLoseTheirBlanks) {
     mDir.write("tvconfigs/c.txt", " GERMANY ,DE\nSWEDEN \n,,FRANCE\t,FR\n\n");
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\nSWEDEN\n,,FRANCE,FR\n\n");

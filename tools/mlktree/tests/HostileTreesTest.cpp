@@ -125,7 +125,7 @@ TEST_F(HostileTreesTest, AListOfOneModelManyTimes) {
 }
 
 TEST_F(HostileTreesTest, TheLastOfManyFindingsSaysThatThereMayBeMore) {
-    std::string text = "[PANEL]\n";
+    std::string text;
     for (size_t i = 0; i < kMany; ++i) {
         text += "m_nWidth = 3840\n";
     }

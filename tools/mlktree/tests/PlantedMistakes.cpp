@@ -156,7 +156,7 @@ const std::vector<PlantedMistake>& plantedMistakes() {
             {"RemarkAfterModel", kSystem, kReplace, "TRQ50_M2_NA.ini\"",
              "TRQ50_M2_NA.ini\" # North America", "model-remark", nullptr, "# North America"},
             {"ModelOutsideOfItsFolder", kSystem, kReplace, "/tvconfigs/model/TRQ50",
-             "/tvconfigs//TRQ50", "model-folder", nullptr, "//TRQ50"},
+             "/tvconfigs/TRQ50", "missing-file", nullptr, "/tvconfigs/TRQ50"},
             {"ModelNotNamed", kSystem, kReplace, "Model_6 = \"/tvconfigs/model/TRQ65_C3_UK.ini\"\n",
              "", "unnamed-model", "tvconfigs/model/TRQ65_C3_UK.ini", ""},
             // Audio, karaoke, keys, DDC/CI.

@@ -17,6 +17,8 @@ enum class Planting {
     REMOVE,       /**< there is no such file */
     MOVE,         /**< the file has the path `to` */
     FOLDER,       /**< a folder has the path */
+    LINK,         /**< a link to `to` has the path */
+    UTF16,        /**< the file has two bytes a character */
 };
 
 /** One mistake in a copy of samples/partitions, and where the checker shall find it. */
@@ -36,7 +38,13 @@ inline void PrintTo(const PlantedMistake& mistake, std::ostream* out) {
     *out << mistake.name;
 }
 
-/** All of them. */
+/** Mistakes in what lines say. */
 const std::vector<PlantedMistake>& plantedMistakes();
+
+/** What editors, merges and habits from elsewhere leave in files. */
+const std::vector<PlantedMistake>& plantedOddities();
+
+/** What looks odd and is right, so that nothing is found. */
+const std::vector<PlantedMistake>& soundVariations();
 
 }  // namespace mlk::tree

@@ -65,6 +65,19 @@ class PlantedTree {
                 EXPECT_TRUE(fs::remove(path)) << path;
                 fs::create_directory(path);
                 return;
+            case Planting::LINK:
+                EXPECT_TRUE(fs::remove(path)) << path;
+                fs::create_symlink(mistake.to, path);
+                return;
+            case Planting::UTF16: {
+                std::string wide = "\xFF\xFE";
+                for (const char c : mDir.read(mistake.file)) {
+                    wide += c;
+                    wide += '\0';
+                }
+                mDir.write(mistake.file, wide);
+                return;
+            }
             case Planting::MOVE:
                 fs::rename(path, mDir.path(mistake.to));
                 return;
@@ -138,7 +151,19 @@ TEST_P(PlantedMistakes, AreNamedAtTheirPlace) {
     EXPECT_LE(findings.size(), kMostFindings) << listOf(findings);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sample, PlantedMistakes, ::testing::ValuesIn(plantedMistakes()),
+INSTANTIATE_TEST_SUITE_P(Lines, PlantedMistakes, ::testing::ValuesIn(plantedMistakes()),
+                         [](const auto& param) { return std::string(param.param.name); });
+INSTANTIATE_TEST_SUITE_P(Oddities, PlantedMistakes, ::testing::ValuesIn(plantedOddities()),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+class SoundVariations : public ::testing::TestWithParam<PlantedMistake> {};
+
+TEST_P(SoundVariations, GiveNoFinding) {
+    const PlantedTree tree(GetParam());
+    EXPECT_EQ(listOf(findingsIn(tree.path())), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Sample, SoundVariations, ::testing::ValuesIn(soundVariations()),
                          [](const auto& param) { return std::string(param.param.name); });
 
 TEST(PlantedMistakesTest, SampleItselfHasNone) {
@@ -147,9 +172,11 @@ TEST(PlantedMistakesTest, SampleItselfHasNone) {
 
 TEST(PlantedMistakesTest, RowsNameRules) {
     std::set<std::string> names;
-    for (const PlantedMistake& mistake : plantedMistakes()) {
-        EXPECT_NE(findRule(mistake.rule), nullptr) << mistake.name;
-        EXPECT_TRUE(names.insert(mistake.name).second) << mistake.name;
+    for (const auto& mistakes : {plantedMistakes(), plantedOddities()}) {
+        for (const PlantedMistake& mistake : mistakes) {
+            EXPECT_NE(findRule(mistake.rule), nullptr) << mistake.name;
+            EXPECT_TRUE(names.insert(mistake.name).second) << mistake.name;
+        }
     }
 }
 

@@ -1,0 +1,144 @@
+#include "tools/mlktree/rules/NearFiles.h"
+
+#include <dirent.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "common/Paths.h"
+#include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/rules/Meaning.h"
+#include "tools/mlktree/rules/MeaningPath.h"
+
+namespace mlk::tree {
+
+namespace {
+
+using vendor::morlak::mlkconfigs::V1_0::implementation::fileNameOf;
+using vendor::morlak::mlkconfigs::V1_0::implementation::pathExists;
+
+std::string folderIn(const std::string& path) {
+    const size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash);
+}
+
+bool isFile(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+// The names in a folder, in their order; of a very large one the first that are found.
+std::vector<std::string> namesIn(const std::string& folder) {
+    constexpr size_t kMostNames = 2'000;
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.c_str()), closedir);
+    std::vector<std::string> names;
+    for (const dirent* entry = nullptr; open != nullptr && names.size() < kMostNames &&
+                                        (entry = readdir(open.get())) != nullptr;) {
+        if (entry->d_name[0] != '.') {
+            names.emplace_back(entry->d_name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// The name that is meant: with another ending, or with a typing mistake. Names that differ in
+// their numbers only are different files.
+std::string nearName(const std::string& name, const std::vector<std::string>& names) {
+    const auto stem = [](std::string_view text) { return text.substr(0, text.find_last_of(".,")); };
+    std::vector<std::string_view> stems;
+    for (const std::string& other : names) {
+        if (stem(other) == stem(name) || stem(other) == name) {
+            return other;
+        }
+        stems.push_back(stem(other));
+    }
+    const std::string_view found = nearestName(stem(name), stems);
+    const auto whole = std::find(stems.begin(), stems.end(), found);
+    return found.empty() ? "" : names[static_cast<size_t>(whole - stems.begin())];
+}
+
+}  // namespace
+
+std::optional<std::string> linkTarget(const std::string& host) {
+    constexpr size_t kMostBytes = 4096;
+    std::array<char, kMostBytes> target{};
+    const ssize_t size = readlink(host.c_str(), target.data(), target.size());
+    return size > 0 && !pathExists(host)
+                   ? std::optional(std::string(target.data(), static_cast<size_t>(size)))
+                   : std::nullopt;
+}
+
+std::string inAnotherCase(const std::string& host) {
+    std::string found = host.front() == '/' ? "" : ".";
+    size_t at = 0;
+    while (at < host.size()) {
+        const size_t begin = host.find_first_not_of('/', at);
+        if (begin == std::string::npos) {
+            break;
+        }
+        const size_t end = std::min(host.find('/', begin), host.size());
+        const std::string part = host.substr(begin, end - begin);
+        at = end;
+        if (pathExists(found + "/" + part)) {
+            found += "/" + part;
+            continue;
+        }
+        const std::unique_ptr<DIR, int (*)(DIR*)> folder(
+                opendir(found.empty() ? "/" : found.c_str()), closedir);
+        std::string match;
+        for (const dirent* entry = nullptr;
+             folder != nullptr && (entry = readdir(folder.get())) != nullptr;) {
+            if (strcasecmp(entry->d_name, part.c_str()) == 0 &&
+                pathExists(found + "/" + entry->d_name)) {
+                match = entry->d_name;
+                break;
+            }
+        }
+        if (match.empty()) {
+            return {};
+        }
+        found += "/" + match;
+    }
+    return host.front() == '/' ? found : found.substr(2);
+}
+
+std::string nearFile(const Tree& tree, const std::string& host) {
+    // A whole path in place of a name, as in a map of plans.
+    const std::string whole = pathInside(tree.written(host));
+    if (!whole.empty() && isFile(tree.hostOfWritten(whole))) {
+        return tree.hostOfWritten(whole);
+    }
+    const std::string folder = folderIn(host);
+    const std::string name(fileNameOf(host));
+    const std::string above = folderIn(folder);
+    if (pathExists(folder) && !isFile(folder)) {
+        const std::string near = nearName(name, namesIn(folder));
+        return near.empty() || !isFile(folder + "/" + near) ? "" : folder + "/" + near;
+    }
+    if (isFile(above + "/" + name)) {
+        return above + "/" + name;
+    }
+    for (const std::string& other : namesIn(above)) {
+        if (isMeant(fileNameOf(folder), other) && isFile(above + "/" + other + "/" + name)) {
+            return above + "/" + other + "/" + name;
+        }
+    }
+    const std::string written = tree.written(host);
+    const std::string rest = written.substr(std::min(written.find('/', 1), written.size()));
+    for (const char* const partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
+        const std::string other = tree.hostOfWritten(partition + rest);
+        if (!rest.empty() && isFile(other)) {
+            return other;
+        }
+    }
+    return {};
+}
+
+}  // namespace mlk::tree
