@@ -102,7 +102,8 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
                                                 : file->find(read.section, right) != nullptr;
                 if (!right.empty() && !hasRight) {
                     reporter.report(placeOf(line, *file, read, name),
-                                    "other lines have " + quoted(right) + ", not " + quoted(name));
+                                    "other files of this kind have " + quoted(right) + ", not " +
+                                            quoted(name));
                 }
             }
         }

@@ -147,9 +147,9 @@ void reportLacks(const ProductLine& line, Reporter& reporter, const FileLines& f
         const Lack& first = lacks.sections.front();
         const size_t named =
                 static_cast<size_t>(std::count(first.keys.begin(), first.keys.end(), ',')) + 1;
-        reporter.report(placeOf(file), "no " + std::string(first.section) + " " + first.keys +
-                                               ", and " + std::to_string(lacks.items - named) +
-                                               " items of " +
+        reporter.report(placeOf(file), "the model has no " + std::string(first.section) + " " +
+                                               first.keys + ", and " +
+                                               std::to_string(lacks.items - named) + " items of " +
                                                std::to_string(lacks.sections.size() - 1) +
                                                " other sections are missing, too" + others(first));
         return;
@@ -159,7 +159,8 @@ void reportLacks(const ProductLine& line, Reporter& reporter, const FileLines& f
         const Place place = first != file.sections().end()
                                     ? placeOf(line, file, *first->second, lack.section)
                                     : placeOf(file);
-        reporter.report(place, "no " + std::string(lack.section) + " " + lack.keys + others(lack));
+        reporter.report(place, "the model has no " + std::string(lack.section) + " " + lack.keys +
+                                       others(lack));
     }
 }
 
@@ -248,7 +249,8 @@ void checkFeatures(const ProductLine& line, Reporter& reporter) {
                                     ? placeOf(line, *item->file, *section->second, name.category)
                                     : placeOf(*item->file);
         reporter.report(place,
-                        "no " + std::string(name.category) + " " + std::string(name.key) + ": " +
+                        "the model has no " + std::string(name.category) + " " +
+                                std::string(name.key) + ": " +
                                 (isOfCountry ? "the TV feature files of the countries are not used"
                                              : "all features come from properties, because there "
                                                "is no /" +

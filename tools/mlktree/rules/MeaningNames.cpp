@@ -28,9 +28,8 @@ bool isMeantSection(const ItemTable& table, std::string_view section) {
 }
 
 std::string isMeant(std::string_view name, std::string_view right) {
-    return differsInCase(name, right)
-                   ? "case counts, and the service looks for " + quoted(right)
-                   : "the service does not look for it; is " + quoted(right) + " meant?";
+    return differsInCase(name, right) ? "; case counts, and the service looks for " + quoted(right)
+                                      : "; is " + quoted(right) + " meant?";
 }
 
 void checkSections(const ProductLine& line, Reporter& reporter) {
@@ -38,7 +37,7 @@ void checkSections(const ProductLine& line, Reporter& reporter) {
         for (const auto& [name, first, facts] : item.sections) {
             if (!facts->meant.empty()) {
                 reporter.report(placeOf(line, *item.file, *first, name),
-                                "no client finds the items of " + quoted(name) + ": " +
+                                "no client finds the items of " + quoted(name) +
                                         isMeant(name, facts->meant));
             }
         }
@@ -53,8 +52,7 @@ void checkKeys(const ProductLine& line, Reporter& reporter) {
                     [&](const FileLines& file, const ReadLine& read, const ItemFacts& facts) {
                         reporter.report(placeOf(line, file, read, read.key),
                                         "nobody asks for " + std::string(read.section) + " " +
-                                                quoted(read.key) + ": " +
-                                                isMeant(read.key, facts.meant));
+                                                quoted(read.key) + isMeant(read.key, facts.meant));
                     });
 }
 

@@ -101,9 +101,9 @@ void checkPartitions(const ProductLine& line, Reporter& reporter) {
     }
     for (const auto& [name, count] : unchecked) {
         reporter.reportIn({"all"}, {name, 0, 0},
-                          "the tree has no such partition: whether " +
+                          "the tree has no folder " + name + ": " +
                                   counted(count, "file", "files") +
-                                  " of it that lines name exist is not checked");
+                                  " in it that lines name cannot be checked");
     }
 }
 

@@ -14,6 +14,7 @@
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningValue.h"
+#include "tools/mlktree/rules/NearFiles.h"
 #include "tools/mlktree/rules/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
 
@@ -174,8 +175,17 @@ void checkHardware(const ProductLine& line, Reporter& reporter) {
     const std::string path = std::string("tvconfigs") + product::kHardwareAudioFolder +
                              product::kHardwareAudioPrefix + hardware + product::kAudioFileEnd;
     if (!endsInLineEnd(hardware) && !product::pathExists(line.tree().host(path))) {
+        const std::string host = line.tree().host(path);
+        std::string other = inAnotherCase(host);
+        other = other.empty() ? nearFile(line.tree(), host) : other;
+        std::vector<Related> related;
+        if (!other.empty()) {
+            related.push_back({{line.tree().relative(other), 0, 0}, "this file exists"});
+        }
         reporter.reportIn({"all"}, placeOfProperty(key),
-                          origin(line, key) + "there is no file /" + path);
+                          origin(line, key) + "there is no file /" + path +
+                                  (other.empty() ? "" : "; there is " + line.tree().written(other)),
+                          std::move(related));
     }
 }
 
