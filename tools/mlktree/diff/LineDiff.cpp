@@ -278,16 +278,45 @@ Difference Comparison::run() {
     return difference;
 }
 
+// Numbers in names are in the order of their values: channel 9 comes before channel 10.
+bool isBefore(std::string_view a, std::string_view b) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    while (!a.empty() && !b.empty()) {
+        size_t digitsA = 0;
+        size_t digitsB = 0;
+        while (digitsA < a.size() && isDigit(a[digitsA])) {
+            ++digitsA;
+        }
+        while (digitsB < b.size() && isDigit(b[digitsB])) {
+            ++digitsB;
+        }
+        if (digitsA > 0 && digitsB > 0 && digitsA != digitsB) {
+            return digitsA < digitsB;
+        }
+        const size_t length = digitsA > 0 && digitsB > 0 ? digitsA : 1;
+        const int order = a.substr(0, length).compare(b.substr(0, length));
+        if (order != 0) {
+            return order < 0;
+        }
+        a.remove_prefix(length);
+        b.remove_prefix(length);
+    }
+    return a.size() < b.size();
+}
+
 void sortChanges(std::vector<Change>& changes) {
-    const auto key = [](const Change& change) {
+    const auto valuesOf = [](const Change& change) {
         const auto valueOf = [](const std::optional<ChangeSide>& side) {
             return side ? std::string_view(side->value) : std::string_view();
         };
-        return std::tuple(change.kind, std::string_view(change.name), valueOf(change.a),
-                          valueOf(change.b));
+        return std::pair(valueOf(change.a), valueOf(change.b));
     };
-    std::stable_sort(changes.begin(), changes.end(),
-                     [&](const Change& x, const Change& y) { return key(x) < key(y); });
+    std::stable_sort(changes.begin(), changes.end(), [&](const Change& x, const Change& y) {
+        if (x.kind != y.kind) {
+            return x.kind < y.kind;
+        }
+        return x.name != y.name ? isBefore(x.name, y.name) : valuesOf(x) < valuesOf(y);
+    });
 }
 
 }  // namespace

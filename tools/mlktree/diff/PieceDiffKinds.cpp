@@ -3,19 +3,27 @@
 #include <algorithm>
 #include <set>
 
+#include "regional/FreqTableParser.h"
 #include "tools/mlktree/diff/PieceDiff.h"
 #include "tools/mlktree/diff/Sequences.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
 constexpr std::string_view kArc = "ARC";
 
+// "E21, 474000 kHz, 8000000 Hz wide, DVBT"
 std::string textOf(const AnswerChannel& channel) {
+    static const product::NameTable kModulations = product::FreqTableParser::knownModulations();
+    std::string modulation = "modulation " + std::to_string(channel.modulation);
+    kModulations.firstNameOf(channel.modulation, modulation);
     return (channel.label.empty() ? "" : std::string(channel.label) + ", ") +
            std::to_string(channel.frequency) + " kHz, " + std::to_string(channel.bandwidth) +
-           " Hz wide, modulation " + std::to_string(channel.modulation);
+           " Hz wide, " + modulation;
 }
 
 bool isSame(const AnswerChannel& a, const AnswerChannel& b) {
@@ -246,16 +254,32 @@ uint32_t PieceDiff::plans(uint32_t a, uint32_t b) {
     if (!isNew || (a == b && &mA == &mB)) {
         return entry->second;
     }
-    std::map<std::string_view, std::pair<uint32_t, uint32_t>> kinds;
+    std::map<std::string_view, std::pair<const AnswerPlan*, const AnswerPlan*>> kinds;
     for (const AnswerPlan& plan : mA.planPiece(a)) {
-        kinds.try_emplace(plan.kind, kNone, kNone).first->second.first = plan.channels;
+        kinds[plan.kind].first = &plan;
     }
     for (const AnswerPlan& plan : mB.planPiece(b)) {
-        kinds.try_emplace(plan.kind, kNone, kNone).first->second.second = plan.channels;
+        kinds[plan.kind].second = &plan;
     }
     List list;
-    for (const auto& [kind, channels] : kinds) {
-        comparePlan(list, kind, channels.first, channels.second);
+    for (const auto& [kind, plans] : kinds) {
+        if (plans.first != nullptr && plans.second != nullptr) {
+            comparePlan(list, kind, plans.first->channels, plans.second->channels);
+            continue;
+        }
+        const auto sideOfPlan = [this](const LineAnswers& line, const AnswerPlan& plan) {
+            const size_t count = line.channelPiece(plan.channels).size();
+            return sideOf(line, counted(count, "channel", "channels"), plan.place);
+        };
+        Change change;
+        change.kind = ChangeKind::PLAN;
+        change.name = std::string(kind);
+        if (plans.first != nullptr) {
+            change.a = sideOfPlan(mA, *plans.first);
+        } else {
+            change.b = sideOfPlan(mB, *plans.second);
+        }
+        list.push_back(numberOf(std::move(change)));
     }
     return entry->second = keep(std::move(list));
 }

@@ -49,9 +49,10 @@ std::string askedBy(const Change& change) {
         case ChangeKind::LANGUAGE:
             return "language languages";
         case ChangeKind::PLAN: {
-            const size_t again = name.find(" (");
-            const std::string first = name.substr(0, again);
-            return "plan " + first.substr(0, first.rfind(' '));
+            // "DTV_CABLE HRC 21 (2)", "DTV_ANTENNA 21", or the kind alone.
+            const size_t isCable = name.find("_CABLE ");
+            const size_t kind = isCable == std::string::npos ? 0 : isCable + 7;
+            return "plan " + name.substr(0, name.find(' ', kind));
         }
         case ChangeKind::CUSTOMER:
             return startsWith("project files ") ? "customer project files" : "customer " + name;
@@ -77,21 +78,6 @@ std::set<std::string> toldByDiff(const Difference& difference, const LineAnswers
                 isIn(group.boards, std::string(line.boards[set.board].name)) &&
                 isIn(group.countries, std::string(line.countries[set.country]))) {
                 asked.insert(askedBy(change));
-            }
-        }
-    }
-    return asked;
-}
-
-// What differs between two tellings. Of a file that only one side names, the item tells.
-std::set<std::string> differing(const Told& a, const Told& b) {
-    std::set<std::string> asked;
-    for (const auto& [one, other] : {std::pair{&a, &b}, std::pair{&b, &a}}) {
-        for (const auto& [name, value] : *one) {
-            const auto found = other->find(name);
-            const bool isThere = found != other->end();
-            if (isThere ? found->second != value : name.compare(0, 5, "file ") != 0) {
-                asked.insert(name);
             }
         }
     }

@@ -245,6 +245,17 @@ TEST_F(DiffTest, PlansChangeByChannels) {
     EXPECT_THAT(told, ::testing::Contains(HasSubstr(" > -")));
 }
 
+TEST_F(DiffTest, APlanThatIsGoneIsOneChange) {
+    fs::remove(mDir.path("tvconfigs/freqtables/dtv/freqtable_isdb"));
+    const json all = changes();
+    ASSERT_EQ(all.size(), 2U) << all.dump(1);
+    EXPECT_EQ(all[0]["name"], "DTV_ANTENNA");
+    EXPECT_EQ(all[1]["name"], "DTV_CABLE AUTO");
+    EXPECT_THAT(all[0]["a"]["value"].get<std::string>(), ::testing::EndsWith(" channels"));
+    EXPECT_EQ(all[0]["a"]["file"], "tvconfigs/freqtables/country_freq_map.xml");
+    EXPECT_TRUE(all[0]["b"].is_null());
+}
+
 TEST_F(DiffTest, TwoSets) {
     const std::string tree = ",tree=" + samplePath();
     const Outcome models = runMlktree({"diff", "model=6" + tree, "model=7" + tree});

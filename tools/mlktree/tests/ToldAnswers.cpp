@@ -186,6 +186,7 @@ class Asking {
         product::SoundDelays& sounds = mProduct.project().sounds();
         Names names;
         addNames(mLine.tree().host("tvconfigs/audio"), names);
+        addNames(mLine.tree().host("tvconfigs/sound"), names);
         const auto ask = [&](const std::string& receiver, bool isArc) {
             for (const auto& [section, key] : names) {
                 add(mTold, "delay " + nameOf(section, key) + " " + receiver,
@@ -350,6 +351,20 @@ Told toldBy(const LineAnswers& line, const AnswerSet& set) {
         told["customer project files"] = textOf(customer.projectFiles);
     }
     return told;
+}
+
+std::set<std::string> differing(const Told& a, const Told& b) {
+    std::set<std::string> asked;
+    for (const auto& [one, other] : {std::pair{&a, &b}, std::pair{&b, &a}}) {
+        for (const auto& [name, value] : *one) {
+            const auto found = other->find(name);
+            const bool isThere = found != other->end();
+            if (isThere ? found->second != value : name.compare(0, 5, "file ") != 0) {
+                asked.insert(name);
+            }
+        }
+    }
+    return asked;
 }
 
 Told filesTold(const LineAnswers& line, const Tree& tree, const Told& told) {

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "tools/mlktree/ProductLine.h"
@@ -37,6 +38,9 @@ using Told = std::map<std::string, std::string>;
 
 /** What the answers of a line tell of one of its sets. */
 Told toldBy(const LineAnswers& line, const AnswerSet& set);
+
+/** What differs between two tellings. Of a file that only one side names, the item tells. */
+std::set<std::string> differing(const Told& a, const Told& b);
 
 /** The files that these items name, with their bytes, if the answers know them. */
 Told filesTold(const LineAnswers& line, const Tree& tree, const Told& told);
