@@ -10,8 +10,6 @@
 #include "host/testing/TempDir.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/diff/LineDiff.h"
-#include "tools/mlktree/diff/Operand.h"
-#include "tools/mlktree/diff/Sequences.h"
 #include "tools/mlktree/tests/Harness.h"
 #include "tools/mlktree/tests/ToldAnswers.h"
 
@@ -22,7 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using nlohmann::json;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using testing::Process;
@@ -359,56 +356,6 @@ TEST_F(DiffTest, WrongOperandsSayWhatWouldBeRight) {
         EXPECT_THAT(outcome.err, HasSubstr(wrong.message)) << joined(wrong.words);
         EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
     }
-}
-
-TEST(OperandTest, ReadsItsParts) {
-    const Operand set = parseOperand("model=6,board=b1.ini,country=GERMANY,tree=some dir");
-    EXPECT_TRUE(set.namesSet());
-    EXPECT_EQ(set.source, "some dir");
-    EXPECT_EQ(set.set.at("board"), "b1.ini");
-    EXPECT_EQ(set.set.count("tree"), 0U);
-    const Operand tree = parseOperand("tree=rev:HEAD~1");
-    EXPECT_FALSE(tree.namesSet());
-    EXPECT_EQ(tree.source, "rev:HEAD~1");
-    EXPECT_EQ(parseOperand("rev:a=b").source, "rev:a=b");
-    EXPECT_EQ(parseOperand("some/dir").source, "some/dir");
-    // A file may have such a name.
-    const TempDir dir;
-    const std::string file = dir.write("x=1,y", "");
-    EXPECT_EQ(parseOperand(file).source, file);
-}
-
-TEST(SequencesTest, MoveAsFewAsPossible) {
-    const auto shown = [](const std::vector<std::string>& a, const std::vector<std::string>& b) {
-        std::vector<std::string> all;
-        for (const SequencePair& pair : matchSequences(a, b)) {
-            const std::string& text = pair.a ? a[*pair.a] : b[*pair.b];
-            all.push_back((!pair.a ? "+" : !pair.b ? "-" : pair.isMoved ? "~" : "=") + text);
-        }
-        return all;
-    };
-    EXPECT_THAT(shown({}, {}), IsEmpty());
-    EXPECT_THAT(shown({"a", "b"}, {"a", "b"}), ElementsAre("=a", "=b"));
-    EXPECT_THAT(shown({"a", "b", "c", "d"}, {"d", "a", "b", "c"}),
-                ElementsAre("=a", "=b", "=c", "~d"));
-    EXPECT_THAT(shown({"a", "b"}, {"b", "x", "a"}), ElementsAre("~a", "=b", "+x"));
-    EXPECT_THAT(shown({"a", "a", "b"}, {"a", "b"}), ElementsAre("=a", "-a", "=b"));
-    EXPECT_THAT(shown({"a"}, {"a", "a"}), ElementsAre("=a", "+a"));
-    EXPECT_THAT(shown({"a"}, {"b"}), ElementsAre("-a", "+b"));
-}
-
-TEST(ChangeTest, TellsSetsInWords) {
-    EXPECT_EQ(inWords({SetGroup()}), "all sets");
-    EXPECT_EQ(inWords({{{"2", "3"}, {}, {}}}), "models 2, 3; all boards");
-    EXPECT_EQ(inWords({{{"1", "2", "3", "5"}, {"b1.ini"}, {}}}), "models 1 to 3, 5; board b1.ini");
-    EXPECT_EQ(inWords({{{}, {}, {"GERMANY"}}}), "all models; all boards; GERMANY");
-    EXPECT_EQ(inWords({{{"1"}, {}, {}}, {{"2"}, {"b"}, {"FIJI"}}}),
-              "model 1; all boards and model 2; board b; FIJI");
-    std::vector<std::string> many(12, "X");
-    EXPECT_THAT(inWords({{{}, {}, many}}), HasSubstr("X and 4 more"));
-    EXPECT_THAT(inSelections({SetGroup()}), ElementsAre("all"));
-    EXPECT_THAT(inSelections({{{"1", "2"}, {}, {"FIJI"}}}),
-                ElementsAre("model=1,country=FIJI", "model=2,country=FIJI"));
 }
 
 }  // namespace
