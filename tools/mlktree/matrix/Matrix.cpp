@@ -130,29 +130,27 @@ std::vector<std::string_view> Matrix::planTexts() {
 }
 
 void Matrix::readSets() {
-    auto& [items, features, framework, plans] = mParts;
+    MatrixPart& items = partOf(RowKind::ITEM);
+    MatrixPart& features = partOf(RowKind::FEATURE);
+    MatrixPart& framework = partOf(RowKind::FRAMEWORK);
+    MatrixPart& plans = partOf(RowKind::PLAN);
     ItemCells itemCells(mLine, items.rows, mValues);
     const std::vector<std::string_view> texts = planTexts();
+    const auto cellsOf = [this](const MatrixPart& of, uint32_t piece) {
+        return featureCells(of.rows, mLine.featurePiece(piece), mValues);
+    };
     for (const AnswerSet& set : mLine.sets) {
         const AnswerPieces& pieces = mLine.pieces[set.pieces];
-        mKeys.push_back(
-                {items.numberOf({pieces.items.begin(), pieces.items.end()},
-                                [&] { return itemCells.of(pieces); }),
-                 features.numberOf({pieces.features},
-                                   [&] {
-                                       return featureCells(features.rows,
-                                                           mLine.featurePiece(pieces.features),
-                                                           mValues);
-                                   }),
-                 framework.numberOf({pieces.framework},
-                                    [&] {
-                                        return featureCells(framework.rows,
-                                                            mLine.featurePiece(pieces.framework),
-                                                            mValues);
-                                    }),
-                 plans.numberOf({set.plans}, [&] {
-                     return planCells(plans.rows, mLine.planPiece(set.plans), texts, mValues);
-                 })});
+        const std::vector<uint32_t> layers(pieces.items.begin(), pieces.items.end());
+        mKeys.push_back({items.numberOf(layers, [&] { return itemCells.of(pieces); }),
+                         features.numberOf({pieces.features},
+                                           [&] { return cellsOf(features, pieces.features); }),
+                         framework.numberOf({pieces.framework},
+                                            [&] { return cellsOf(framework, pieces.framework); }),
+                         plans.numberOf({set.plans}, [&] {
+                             return planCells(plans.rows, mLine.planPiece(set.plans), texts,
+                                              mValues);
+                         })});
     }
     for (size_t kind = 0; kind < kRowKinds; ++kind) {
         findUnits(kind);

@@ -81,6 +81,7 @@ class Matrix {
     void findColumns();
     std::vector<std::string_view> planTexts();
 
+    MatrixPart& partOf(RowKind kind) { return mParts[static_cast<size_t>(kind)]; }
     const MatrixPart& part(RowKind kind) const { return mParts[static_cast<size_t>(kind)]; }
     const std::vector<Unit>& units(RowKind kind) const { return mUnits[static_cast<size_t>(kind)]; }
 

@@ -43,10 +43,11 @@ std::string treeOf(std::vector<std::string>& words, const Arguments& arguments) 
     const bool hasTree = !words.empty() && !arguments.has("--tree") &&
                          words.front().find_first_of("[]*?") == std::string::npos &&
                          looksLikeTree(words.front());
-    const std::string tree = hasTree ? words.front() : "";
-    if (hasTree) {
-        words.erase(words.begin());
+    if (!hasTree) {
+        return "";
     }
+    std::string tree = words.front();
+    words.erase(words.begin());
     return tree;
 }
 

@@ -108,6 +108,7 @@ NotFound missing(const SetModel& set, const PlanRequest& request,
         return NotFound(what + map + " does not have the country");
     }
     std::vector<std::string> names;
+    names.reserve(plans.size());
     for (const CountryPlan& plan : plans) {
         names.push_back(nameOf(plan));
     }
