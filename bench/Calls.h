@@ -48,11 +48,13 @@ Started startServer(const CallContestant& contestant);
 struct CallsProgram {
     /** Returns the contestants for a payload. */
     std::function<std::vector<CallContestant>(const Payload&)> contestants;
+    /** The same for more clients than the product has threads. */
+    std::function<std::vector<CallContestant>(const Payload&)> crowded;
     /** Determines the payload; the set exists by then. */
     std::function<Payload()> payload;
     /** The number of calls that are timed one by one. */
     int calls;
-    /** Numbers of simultaneous clients, besides 4, for "growth-calls". */
+    /** Numbers of simultaneous clients for "growth-calls". */
     std::vector<size_t> clients;
 };
 
@@ -64,9 +66,9 @@ CallContestant ours();
 
 /**
  * The minimum: the same numbers of bytes sent and received over a blocking stream socket, with one
- * server thread per connection.
+ * server thread per connection or, if `threads` is not 0, with that many for all connections.
  */
-CallContestant pingPong(const Payload& payload);
+CallContestant pingPong(const Payload& payload, size_t threads = 0);
 
 /**
  * Measures the sizes of `ours` by calling the service through a relay. The service must be running.

@@ -1,6 +1,7 @@
 // Measures a getter over IPC. Server and clients are separate processes:
 //   "call/CONTESTANT/1"               nanoseconds per call, the server and one client on one core
 //   "calls/CONTESTANT/4"              answers per second to that many clients, on all cores
+//   "calls-crowded/CONTESTANT/CLIENTS" the same for more clients than the product has threads
 //   "growth-calls/CONTESTANT/CLIENTS" the same for other numbers of clients
 
 #include "bench/Calls.h"
@@ -57,6 +58,11 @@ void registerAll(const CallsProgram& program, const Payload& payload) {
     }
     for (const CallContestant& one : contestants) {
         addCalls("calls", one, payload, 4);
+    }
+    for (const size_t clients : {16, 64}) {
+        for (const CallContestant& one : program.crowded(payload)) {
+            addCalls("calls-crowded", one, payload, clients);
+        }
     }
     for (const size_t clients : program.clients) {
         for (const CallContestant& one : contestants) {

@@ -55,11 +55,11 @@ class OurCaller : public Caller {
 
 constexpr const char* kName = "/vendor.morlak.mlkconfigs@1.0::IMlkProjectConfigs.default";
 
-// Relays between a client and the service and counts the bytes.
+// Relays packets between a client and the service and counts the bytes.
 class Relay {
   public:
     Relay(const std::string& folder, std::string service)
-        : mService(std::move(service)), mListener(listenOn(folder + kName)) {
+        : mService(std::move(service)), mListener(listenOn(folder + kName, SOCK_SEQPACKET)) {
         if (pipe(mEnd.data()) != 0) {
             throw std::runtime_error("no pipe");
         }
@@ -104,7 +104,8 @@ class Relay {
             }
             if (events[1].revents != 0) {
                 unique_fd client(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
-                connections.push_back({std::move(client), connectTo(mService + kName)});
+                connections.push_back(
+                        {std::move(client), connectTo(mService + kName, SOCK_SEQPACKET)});
             }
         }
     }

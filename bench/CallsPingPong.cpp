@@ -30,9 +30,14 @@ class PingPongCaller : public Caller {
 
 }  // namespace
 
-CallContestant pingPong(const Payload& payload) {
+CallContestant pingPong(const Payload& payload, size_t threads) {
+    std::vector<std::string> server = {"bench_pingpong", std::to_string(payload.request),
+                                       std::to_string(payload.reply)};
+    if (threads != 0) {
+        server.push_back(std::to_string(threads));
+    }
     return {"limit",
-            {"bench_pingpong", std::to_string(payload.request), std::to_string(payload.reply)},
+            std::move(server),
             {"pingpong"},
             [](const Payload& sizes) -> std::unique_ptr<Caller> {
                 return std::make_unique<PingPongCaller>(sizes);

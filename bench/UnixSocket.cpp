@@ -1,6 +1,5 @@
 #include "bench/UnixSocket.h"
 
-#include <sys/socket.h>
 #include <sys/un.h>
 
 #include <cerrno>
@@ -32,10 +31,10 @@ sockaddr_un addressOf(const std::string& path) {
 
 }  // namespace
 
-unique_fd listenOn(const std::string& path) {
+unique_fd listenOn(const std::string& path, int type) {
     const std::string temporary = path + ".new";
     const sockaddr_un address = addressOf(temporary);
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    unique_fd socket(::socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
     if (bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
         listen(socket.get(), kBacklog) != 0 || rename(temporary.c_str(), path.c_str()) != 0) {
         fail(path);
@@ -43,9 +42,9 @@ unique_fd listenOn(const std::string& path) {
     return socket;
 }
 
-unique_fd connectTo(const std::string& path) {
+unique_fd connectTo(const std::string& path, int type) {
     const sockaddr_un address = addressOf(path);
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    unique_fd socket(::socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
     if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         fail(path);
     }

@@ -38,6 +38,8 @@ ROWS = {  # name: label
     "lookup-5000": ("One item", "of 5,000"),
     "call": ("A getter over IPC", "on one core, median"),
     "calls-4": ("", "4 clients, time a call"),
+    "calls-16": ("", "16 clients, ten threads"),
+    "calls-64": ("", "64 clients, ten threads"),
     "start-500": ("Start-up", "500 items, 200 countries"),
     "start-5000": ("", "5,000 items"),
     "resident-5000": ("Memory", "resident, 5,000 items"),

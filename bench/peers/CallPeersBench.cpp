@@ -5,5 +5,5 @@ int main(int argc, char** argv) {
     const auto contestants = [](const Payload&) {
         return std::vector<CallContestant>{sdBus(), sdBusDaemon(), grpc(), capnProto()};
     };
-    return callsMain(argc, argv, {contestants, [] { return Payload(); }, 4000, {}});
+    return callsMain(argc, argv, {contestants, contestants, [] { return Payload(); }, 4000, {}});
 }

@@ -3,17 +3,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <iterator>
-#include <new>
 #include <utility>
 
 #include "Socket.h"
 
 namespace android::hardware::transport {
-
-namespace {
-constexpr size_t kFirstCapacity = 4096;
-}  // namespace
 
 MessageReader::Result MessageReader::inspect() {
     if (mTotal == 0) {
@@ -30,21 +24,14 @@ MessageReader::Result MessageReader::inspect() {
             return Result::RUBBISH;
         }
     }
-    // A descriptor arrives no later than the bytes it was sent with, and no sender sends more than
-    // a message declares. Surplus descriptors belong to the bytes that follow, if there are any.
-    const size_t wanted = mMessage.header().fdCount;
-    if (mMessage.descriptors.size() > wanted && mFilled <= mTotal) {
+    if (mFilled > mTotal || mMessage.descriptors.size() > mMessage.header().fdCount) {
         return Result::RUBBISH;
     }
     return mFilled < mTotal ? Result::AGAIN : Result::MESSAGE;
 }
 
-bool MessageReader::hasResult() {
-    return inspect() != Result::AGAIN;
-}
-
 void MessageReader::trim() {
-    const size_t needed = mFilled == 0 ? 0 : std::max({mFilled, mTotal, kFirstCapacity});
+    const size_t needed = std::max(mFilled, mTotal);
     if (mMessage.capacity <= needed) {
         return;
     }
@@ -62,53 +49,35 @@ void MessageReader::trim() {
 }
 
 MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsRest) {
-    if (!mMessage.reserve(kFirstCapacity, mFilled)) {
-        return Result::RUBBISH;
-    }
-    while (true) {
-        const Result state = inspect();
-        if (state != Result::AGAIN) {
-            return state;
-        }
-        const int flags = mFilled == 0 ? flagsFirst : flagsRest;
-        const ssize_t got = receiveBytes(socket, mMessage.bytes.get() + mFilled,
-                                         mMessage.capacity - mFilled, &mMessage.descriptors, flags);
-        if (got == 0) {
-            return Result::CLOSED;
-        }
-        if (got < 0) {
-            return errno == EAGAIN ? Result::AGAIN : Result::CLOSED;
-        }
-        mFilled += static_cast<size_t>(got);
-        // No message has more. Surplus descriptors belong to the next message, which has arrived.
-        const size_t most =
-                mTotal == 0 && mFilled < sizeof(Header) ? kMaxDescriptors : 2 * kMaxDescriptors;
-        if (mMessage.descriptors.size() > most) {
+    Result state = mFilled == 0 ? Result::AGAIN : inspect();
+    while (state == Result::AGAIN) {
+        const size_t end = mTotal != 0 ? mTotal : kMostPacketBytes;
+        if (!mMessage.reserve(end, mFilled)) {
             return Result::RUBBISH;
         }
+        const int flags = mFilled == 0 ? flagsFirst : flagsRest;
+        const ssize_t got = receiveBytes(socket, mMessage.bytes.get() + mFilled, end - mFilled,
+                                         &mMessage.descriptors, flags);
+        if (got < 0 && errno == EAGAIN) {
+            return Result::AGAIN;
+        }
+        if (got <= 0) {
+            return errno == EMSGSIZE && got < 0 ? Result::RUBBISH : Result::CLOSED;
+        }
+        mFilled += static_cast<size_t>(got);
+        // No message has more, whatever its header says.
+        if (mMessage.descriptors.size() > kMaxDescriptors) {
+            return Result::RUBBISH;
+        }
+        state = inspect();
     }
+    return state;
 }
 
 IncomingMessage MessageReader::take() {
-    IncomingMessage taken = std::move(mMessage);
-    const size_t total = std::exchange(mTotal, 0);
-    const size_t rest = std::exchange(mFilled, 0) - total;
-    const size_t belonging = std::min<size_t>(taken.header().fdCount, taken.descriptors.size());
-    if (rest == 0 && belonging == taken.descriptors.size()) {
-        return taken;
-    }
-    const auto others = taken.descriptors.begin() + static_cast<ptrdiff_t>(belonging);
-    mMessage.descriptors.assign(std::make_move_iterator(others),
-                                std::make_move_iterator(taken.descriptors.end()));
-    taken.descriptors.resize(belonging);
-    if (rest != 0) {
-        if (!mMessage.reserve(std::max(rest, kFirstCapacity), 0)) {
-            throw std::bad_alloc();
-        }
-        memcpy(mMessage.bytes.get(), taken.bytes.get() + total, rest);
-        mFilled = rest;
-    }
-    return taken;
+    mFilled = 0;
+    mTotal = 0;
+    return std::move(mMessage);
 }
 
 }  // namespace android::hardware::transport

@@ -21,20 +21,14 @@ class MessageReader {
         MESSAGE,  // a whole message has arrived: take it
         AGAIN,    // nothing more has arrived for now
         CLOSED,   // the other end is closed
-        RUBBISH,  // malformed message; the rest of the stream is unusable
+        RUBBISH,  // malformed message; what follows is unusable
     };
     /**
      * Reads until a whole message has arrived. The flags (MSG_DONTWAIT) and the socket's receive
      * time-out say whether and how long it waits for the first bytes and for the rest.
      */
     Result read(int socket, int flagsFirst, int flagsRest);
-    /**
-     * Whether the bytes that have already arrived give a result other than AGAIN. Several messages
-     * may arrive at once without any event for the later ones.
-     */
-    bool hasResult();
-
-    /** Whether it holds a partial message or messages that were not taken. */
+    /** Whether it holds a part of a message, or a message that was not taken. */
     bool hasBegun() const { return mFilled != 0; }
     /**
      * Frees the memory that the current message does not need. Call it when nobody will read for a
@@ -55,7 +49,7 @@ class MessageReader {
     Result inspect();
 
     const uint64_t mBodyLimit;
-    IncomingMessage mMessage;  // its descriptors may include those of later messages
+    IncomingMessage mMessage;
     size_t mFilled = 0;
     size_t mTotal = 0;  // size of the current message; 0 while its header is incomplete
 };

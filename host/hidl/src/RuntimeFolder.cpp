@@ -201,21 +201,15 @@ enum class Heard { HELLO, NOTHING, NONSENSE };
 
 Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     Hello hello{};
-    size_t filled = 0;
-    while (filled < sizeof(hello)) {
-        const ssize_t got =
-                TEMP_FAILURE_RETRY(recv(socket, reinterpret_cast<uint8_t*>(&hello) + filled,
-                                        sizeof(hello) - filled, MSG_DONTWAIT));
-        if (got < 0 && errno == EAGAIN) {
-            if (!waitFor(socket, POLLIN, end.left())) {
-                return Heard::NOTHING;
-            }
-            continue;
+    ssize_t got;
+    do {
+        got = TEMP_FAILURE_RETRY(recv(socket, &hello, sizeof(hello), MSG_DONTWAIT | MSG_TRUNC));
+        if (got < 0 && errno == EAGAIN && !waitFor(socket, POLLIN, end.left())) {
+            return Heard::NOTHING;
         }
-        if (got <= 0) {
-            return Heard::NONSENSE;
-        }
-        filled += static_cast<size_t>(got);
+    } while (got < 0 && errno == EAGAIN);
+    if (got != static_cast<ssize_t>(sizeof(hello))) {
+        return Heard::NONSENSE;
     }
     *server = hello.server;
     const bool isOurs = hello.magic == Hello::kMagic && hello.version == Hello::kVersion;
@@ -227,7 +221,7 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
 unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, const Deadline& end,
                           bool* isFull) {
     *isFull = false;
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
     if (!socket.ok() || !folder.descriptor.ok()) {
         return {};
     }
@@ -244,7 +238,7 @@ unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, 
 
 // Logs that this process takes the name over, and tells the former owner.
 void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int former) {
-    const unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (connectFile(socket.get(), former) != 0 && errno != EAGAIN) {
         return;  // it is gone
     }
@@ -262,7 +256,7 @@ void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int 
 }  // namespace
 
 status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener) {
-    unique_fd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!socket.ok()) {
         return -errno;
     }

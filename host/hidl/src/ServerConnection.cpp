@@ -30,6 +30,9 @@ namespace {
 // How long a thread waits for the next call of the client it has just answered before it serves all
 // connections again.
 constexpr timeval kStay = {0, 10000};
+// How many calls of one client a thread answers in a row when no other thread waits for calls: no
+// client waits for more calls of another one.
+constexpr int kMostInARow = 16;
 // How long a thread waits for a client to read the next part of a reply before it serves others, as
 // long as no other connection needs the thread.
 constexpr std::chrono::milliseconds kSendPatience{10};
@@ -77,12 +80,13 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
         return Next::DROP;
     }
     if (!mUnsent.empty()) {
-        return waitForSpace();
+        return Next::WAIT_FOR_SPACE;
     }
-    // The first call has arrived. After answering it the thread stays for the next one, unless that
-    // would leave others without a thread.
+    // The first call has arrived. After answering it the thread stays for the next one, which is
+    // cheaper than waiting for all connections. If others may need the thread, it only looks
+    // whether the next call has arrived, and not for ever.
     int flags = MSG_DONTWAIT;
-    while (true) {
+    for (int calls = 1;; ++calls) {
         switch (mReader.read(mSocket.get(), flags, MSG_DONTWAIT)) {
             case MessageReader::Result::AGAIN:
                 return waitForInput();
@@ -99,14 +103,12 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
             return Next::DROP;
         }
         if (!mUnsent.empty()) {
-            return waitForSpace();
+            return Next::WAIT_FOR_SPACE;
         }
-        if (!pool.anyThreadWaits()) {
-            // A call that arrived together with the last one causes no event of its own, so wait
-            // for space instead.
-            return mReader.hasResult() ? waitForSpace() : waitForInput();
+        flags = pool.anyThreadWaits() ? 0 : MSG_DONTWAIT;
+        if (flags != 0 && calls >= kMostInARow) {
+            return waitForInput();
         }
-        flags = 0;
     }
 }
 
@@ -117,18 +119,6 @@ EventSource::Next ServerConnection::waitForInput() {
     }
     const bool kept = mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors());
     return kept ? Next::WAIT_FOR_INPUT : Next::DROP;
-}
-
-EventSource::Next ServerConnection::waitForSpace() {
-    mReader.trim();
-    if (!mReader.hasBegun()) {
-        return Next::WAIT_FOR_SPACE;
-    }
-    if (!mUnfinished.keep(mReader.keptBytes(), mReader.keptDescriptors())) {
-        return Next::DROP;
-    }
-    mUnfinished.stopClock();
-    return Next::WAIT_FOR_SPACE;
 }
 
 // Runs the call. Returns an error when the call fails.

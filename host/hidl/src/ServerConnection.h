@@ -35,11 +35,8 @@ class ServerConnection : public EventSource {
     int descriptor() const override { return mSocket.get(); }
 
   private:
-    // The pool's next step: waitForInput when the client must send a message or the rest of one;
-    // waitForSpace when the client must read a reply, or others must be served before its next
-    // call.
+    // The pool's next step when the client must send a message or the rest of one.
     Next waitForInput();
-    Next waitForSpace();
     // Both return false when the connection has ended.
     bool dispatch(IncomingMessage&& message, const ThreadPool& pool);
     bool send(const ThreadPool& pool);

@@ -36,7 +36,7 @@ bool peerIsTrusted(int socket) {
 
 status_t connectedPair(unique_fd* first, unique_fd* second) {
     int ends[2];
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
         return -errno;
     }
     first->reset(ends[0]);
@@ -60,8 +60,9 @@ bool hasOption(int socket, int option, int wanted) {
 }
 }  // namespace
 
-bool isStreamSocket(int descriptor) {
-    return hasOption(descriptor, SO_DOMAIN, AF_UNIX) && hasOption(descriptor, SO_TYPE, SOCK_STREAM);
+bool isPacketSocket(int descriptor) {
+    return hasOption(descriptor, SO_DOMAIN, AF_UNIX) &&
+           hasOption(descriptor, SO_TYPE, SOCK_SEQPACKET);
 }
 
 bool isHungUp(int socket) {
@@ -118,6 +119,36 @@ void advance(Sending* sending, size_t sent) {
     piece.iov_len -= sent;
 }
 
+// The next packet of a message: pieces of it, the last one possibly cut. The cut lasts as long as
+// the object.
+class Packet {
+  public:
+    explicit Packet(Sending* sending) : mFirst(sending->pieces.data() + sending->next) {
+        constexpr size_t kMaxPieces = 256;
+        const size_t pieces = std::min(sending->pieces.size() - sending->next, kMaxPieces);
+        size_t space = kMostPacketBytes;
+        while (mCount < pieces && space > 0) {
+            iovec& piece = mFirst[mCount++];
+            if (piece.iov_len > space) {
+                mCut = piece.iov_len - space;
+                piece.iov_len = space;
+            }
+            space -= piece.iov_len;
+        }
+    }
+    ~Packet() { mFirst[mCount - 1].iov_len += mCut; }
+    Packet(const Packet&) = delete;
+    Packet& operator=(const Packet&) = delete;
+
+    iovec* pieces() const { return mFirst; }
+    size_t count() const { return mCount; }
+
+  private:
+    iovec* const mFirst;
+    size_t mCount = 0;
+    size_t mCut = 0;
+};
+
 // Holds the largest number of descriptors that the kernel passes at once.
 struct Control {
     alignas(cmsghdr) char bytes[CMSG_SPACE(sizeof(int) * kMaxDescriptors)];
@@ -135,23 +166,28 @@ void attach(const std::vector<int>& descriptors, Control* control, msghdr* messa
     memcpy(CMSG_DATA(rights), descriptors.data(), bytes);
 }
 
+ssize_t sendPacket(int socket, Sending* sending, int flags) {
+    const Packet packet(sending);
+    const bool withDescriptors = !sending->begun && !sending->descriptors.empty();
+    // Most messages are one piece, for which send(2) is cheaper than sendmsg(2).
+    if (packet.count() == 1 && !withDescriptors) {
+        return send(socket, packet.pieces()->iov_base, packet.pieces()->iov_len, flags);
+    }
+    msghdr message{};
+    message.msg_iov = packet.pieces();
+    message.msg_iovlen = packet.count();
+    Control control;
+    if (withDescriptors) {
+        attach(sending->descriptors, &control, &message);
+    }
+    return sendmsg(socket, &message, flags);
+}
+
 }  // namespace
 
 int sendPieces(int socket, Sending* sending, int flags) {
-    constexpr size_t kMaxPieces = 256;
-    Control control;
     while (sending->next < sending->pieces.size()) {
-        msghdr message{};
-        message.msg_iov = sending->pieces.data() + sending->next;
-        message.msg_iovlen = std::min(sending->pieces.size() - sending->next, kMaxPieces);
-        if (!sending->begun && !sending->descriptors.empty()) {
-            attach(sending->descriptors, &control, &message);
-        }
-        // Most messages are one piece, for which send(2) is cheaper than sendmsg(2).
-        const ssize_t result = message.msg_iovlen == 1 && message.msg_controllen == 0
-                                       ? send(socket, message.msg_iov->iov_base,
-                                              message.msg_iov->iov_len, flags | MSG_NOSIGNAL)
-                                       : sendmsg(socket, &message, flags | MSG_NOSIGNAL);
+        const ssize_t result = sendPacket(socket, sending, flags | MSG_NOSIGNAL);
         if (result >= 0) {
             advance(sending, static_cast<size_t>(result));
         } else if (errno != EINTR) {
@@ -212,6 +248,10 @@ ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<uniqu
         descriptors->reserve(descriptors->size() + count);
         std::move(arrived.begin(), arrived.begin() + static_cast<ptrdiff_t>(count),
                   std::back_inserter(*descriptors));
+    }
+    if ((message.msg_flags & MSG_TRUNC) != 0) {
+        errno = EMSGSIZE;
+        return -1;
     }
     return result;
 }

@@ -21,10 +21,10 @@ uid_t peerUser(int socket);
 /** The process id of the other end when it connected; -1 when unknown. */
 pid_t peerProcess(int socket);
 
-/** Makes two connected sockets. */
+/** Makes two connected packet sockets. */
 status_t connectedPair(unique_fd* first, unique_fd* second);
-/** Whether the descriptor is a stream socket, as connections are. */
-bool isStreamSocket(int descriptor);
+/** Whether the descriptor is a Unix packet socket, as connections are. */
+bool isPacketSocket(int descriptor);
 /** Whether the other end of a connection is closed. */
 bool isHungUp(int socket);
 
@@ -55,6 +55,12 @@ class Deadline {
 };
 
 /**
+ * The largest packet. A longer message is sent in several, so that the kernel needs no large blocks
+ * and every socket has space for a packet.
+ */
+constexpr size_t kMostPacketBytes = size_t{32} * 1024;
+
+/**
  * A message that is being sent: the part that is left. Its descriptors, which it does not own, go
  * with the first byte.
  */
@@ -70,8 +76,8 @@ struct Sending {
 };
 
 /**
- * Sends the rest of a message, like sendmsg with these flags. 0 when everything is sent, EAGAIN
- * when the rest does not fit now (MSG_DONTWAIT), otherwise an errno.
+ * Sends the rest of a message in as few packets as possible, like sendmsg with these flags. 0 when
+ * everything is sent, EAGAIN when the rest does not fit now (MSG_DONTWAIT), otherwise an errno.
  */
 int sendPieces(int socket, Sending* sending, int flags);
 /** The same, but waits for space up to the limit; EAGAIN when the time is over. */
@@ -80,8 +86,8 @@ int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit);
 bool endsConnection(int error);
 
 /**
- * Like recvmsg; appends descriptors that arrive. Returns the number of bytes, 0 at the end, or -1
- * with errno set.
+ * Receives a packet, like recvmsg; appends descriptors that arrive. Returns the number of bytes, 0
+ * at the end, or -1 with errno set: EMSGSIZE when the packet is larger than the capacity.
  */
 ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<unique_fd>* descriptors,
                      int flags);

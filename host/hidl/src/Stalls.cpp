@@ -173,7 +173,7 @@ void Stalls::endOverdue() {
     mWakeAt = Clock::time_point::max();
     Clock::time_point next = Clock::time_point::max();
     for (Stall* const stall : mStalls) {
-        if (!stall->mTimed || stall->mClosed) {
+        if (stall->mClosed) {
             continue;
         }
         const Clock::time_point end = stall->mSince + mBounds.time;
@@ -194,7 +194,7 @@ bool Stall::keep(uint64_t bytes, size_t descriptors) {
         mStalls.mStalls.insert(this);
         mKeeps = true;
         mClosed = false;
-        mTimed = false;
+        mSince = Stalls::Clock::now();
     } else if (!mClosed) {
         mStalls.countLocked(*this, -1);
     }
@@ -211,10 +211,6 @@ bool Stall::keep(uint64_t bytes, size_t descriptors) {
         mKeeps = false;
         return false;
     }
-    if (!mTimed) {
-        mSince = Stalls::Clock::now();
-    }
-    mTimed = true;
     mStalls.wakeLocked(mStalls.mBounds.time);
     return true;
 }
@@ -225,14 +221,6 @@ void Stall::progress() {
     }
     std::lock_guard<std::mutex> lock(mStalls.mMutex);
     mSince = Stalls::Clock::now();
-}
-
-void Stall::stopClock() {
-    if (!mKeeps) {
-        return;
-    }
-    std::lock_guard<std::mutex> lock(mStalls.mMutex);
-    mTimed = false;
 }
 
 void Stall::end() {

@@ -82,8 +82,6 @@ class Stall {
     bool keep(uint64_t bytes, size_t descriptors);
     /** The client has made progress: its time starts anew. */
     void progress();
-    /** Removes the time limit, because the connection does not wait for its client. */
-    void stopClock();
     /** Nothing is kept any more. */
     void end();
 
@@ -97,7 +95,6 @@ class Stall {
     // Under the lock of mStalls.
     uint64_t mBytes = 0;
     size_t mDescriptors = 0;
-    bool mTimed = false;
     bool mClosed = false;
     Stalls::Clock::time_point mSince{};
 };

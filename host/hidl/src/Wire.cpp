@@ -368,7 +368,7 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
                     break;
                 }
                 if (nextDescriptor == message->descriptors.size() ||
-                    !isStreamSocket(message->descriptors[nextDescriptor].get())) {
+                    !isPacketSocket(message->descriptors[nextDescriptor].get())) {
                     return BAD_VALUE;
                 }
                 object.binder = RemoteBinder::fromConnection(

@@ -1,7 +1,8 @@
 // The format of a message on a socket, and its conversion from and to a parcel.
 //
 // A message is a Header and a body: the parcel's numbers, a WireObject for each of its objects, and
-// the bytes of the buffers and handles in the same order, each part padded to eight bytes.
+// the bytes of the buffers and handles in the same order, each part padded to eight bytes. It is
+// sent as one packet or, if it is long, as several; no packet has bytes of two messages.
 // Descriptors go with the first byte, in the order of the handles and interfaces that they belong
 // to. Numbers have the machine's byte order, because both ends are on one machine.
 #pragma once
@@ -46,7 +47,7 @@ struct WireObject {
 static_assert(sizeof(WireObject) == 32);
 
 /**
- * The first bytes that a server sends on every connection. `server` tells two servers of one name
+ * The first packet that a server sends on every connection. `server` tells two servers of one name
  * apart.
  */
 struct Hello {

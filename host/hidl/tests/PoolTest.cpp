@@ -248,22 +248,56 @@ TEST_F(PoolTest, HotClientsOnAPoolOfOne) {
     EXPECT_EQ(threadsOf(server.pid()), 1U);
 }
 
-// A call may arrive together with the previous one, with no event after it. The thread must not
-// forget it when it turns to other clients.
+// Calls may arrive together. The thread must not forget the later ones when it turns to other
+// clients.
 TEST_F(PoolTest, CallsThatArriveTogetherAreAllAnswered) {
     const Server server({"default", "1+join", ""});
     const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
     RawClient client(mSet.runtime());
     ASSERT_TRUE(client.hello());
-    std::vector<uint8_t> both;
-    for (int i = 0; i < 3; ++i) {
-        const std::vector<uint8_t> one = textCall("call " + std::to_string(i)).bytes();
-        both.insert(both.end(), one.begin(), one.end());
+    constexpr int kCalls = 40;
+    HeldCalls held(proxies(server, 1));
+    ASSERT_TRUE(held.arrived(1));
+    for (int i = 0; i < kCalls; ++i) {
+        ASSERT_TRUE(client.send(textCall("call " + std::to_string(i))));
     }
-    ASSERT_TRUE(client.send(both));
-    for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(held.release(), 1U);
+    for (int i = 0; i < kCalls; ++i) {
         EXPECT_EQ(client.replyStatus(), ::android::OK) << i;
     }
+}
+
+TEST_F(PoolTest, NoClientWaitsForManyCallsOfAnother) {
+    constexpr size_t kMostInARow = 16;
+    constexpr int kCalls = 100;
+    const Server server({"default", "1+join", ""});
+    const testing::TimeLimit limit([&] { ::kill(server.pid(), SIGKILL); });
+    RawClient busy(mSet.runtime());
+    RawClient other(mSet.runtime());
+    ASSERT_TRUE(busy.hello());
+    ASSERT_TRUE(other.hello());
+    const sp<IEverything> reader = server.service();
+    const auto poke = [](RawClient& client, uint32_t number) {
+        RawMessage call = callOf(POKE);
+        call.header.type = MessageType::ONEWAY_CALL;
+        call.number(number);
+        ASSERT_TRUE(client.send(call));
+    };
+    HeldCalls held(proxies(server, 1));
+    ASSERT_TRUE(held.arrived(1));
+    for (int i = 0; i < kCalls; ++i) {
+        poke(busy, 1);
+    }
+    poke(other, 2);
+    EXPECT_EQ(held.release(), 1U);
+    std::vector<int32_t> order;
+    while (order.size() < kCalls + 1) {
+        ASSERT_TRUE(reader->poked([&](const auto& numbers) {
+                              order.insert(order.end(), numbers.begin(), numbers.end());
+                          }).isOk());
+    }
+    const auto turn = std::find(order.begin(), order.end(), 2);
+    EXPECT_LE(turn - order.begin(), static_cast<ptrdiff_t>(kMostInARow));
 }
 
 TEST_F(PoolTest, OnewayAndCallTogetherOnAPoolOfOne) {

@@ -141,7 +141,7 @@ RawMessage bytesCall(uint32_t count) {
 }
 
 RawClient::RawClient(const std::string& runtime, const std::string& interface)
-    : mSocket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    : mSocket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0)) {
     const std::string path = runtime + "/" + interface + ".default";
     sockaddr_un address{};
     address.sun_family = AF_UNIX;

@@ -78,7 +78,7 @@ class RawClient {
 
     /** Reads the server's hello; false when it is malformed. */
     bool hello();
-    /** Sends bytes, with descriptors; false when the server is gone. */
+    /** Sends a message or a part of one, with descriptors; false when the server is gone. */
     bool send(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors = {});
     bool send(const RawMessage& message) { return send(message.bytes(), message.descriptors); }
     /**

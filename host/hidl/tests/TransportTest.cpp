@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <memory>
@@ -52,16 +53,10 @@ class TransportTest : public ::testing::Test {
     MessageReader mReader{kMaxCallBody};
 };
 
-std::vector<uint8_t> joined(std::vector<uint8_t> first, const std::vector<uint8_t>& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
 TEST_F(TransportTest, ReaderWaitsForAWholeMessage) {
     const std::vector<uint8_t> bytes = textCall("text").bytes();
     for (const uint8_t byte : bytes) {
         EXPECT_EQ(read(), Result::AGAIN);
-        EXPECT_FALSE(mReader.hasResult());
         send({byte});
     }
     ASSERT_EQ(read(), Result::MESSAGE);
@@ -71,18 +66,67 @@ TEST_F(TransportTest, ReaderWaitsForAWholeMessage) {
     EXPECT_EQ(read(), Result::CLOSED);
 }
 
-TEST_F(TransportTest, ReaderKeepsTheNextMessage) {
-    send(joined(callOf(1).bytes(), joined(callOf(2).bytes(), {'M', 'L'})));
+TEST_F(TransportTest, ReaderLeavesTheNextMessageInTheSocket) {
+    send(callOf(1).bytes());
+    send(callOf(2).bytes());
+    send({'M', 'L'});
     ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(read(), Result::MESSAGE) << "it was not taken";
     EXPECT_EQ(mReader.take().header().code, 1U);
-    EXPECT_TRUE(mReader.hasResult());
+    EXPECT_FALSE(mReader.hasBegun());
     ASSERT_EQ(read(), Result::MESSAGE);
     EXPECT_EQ(mReader.take().header().code, 2U);
-    EXPECT_FALSE(mReader.hasResult());
     EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_TRUE(mReader.hasBegun());
     send({'x', 'x'});
     send(std::vector<uint8_t>(28));
     EXPECT_EQ(read(), Result::RUBBISH);
+}
+
+TEST_F(TransportTest, PacketWithMoreThanItsMessageIsRubbish) {
+    const std::vector<uint8_t> one = callOf(1).bytes();
+    std::vector<uint8_t> more = one;
+    more.push_back('M');
+    send(more);
+    EXPECT_EQ(read(), Result::RUBBISH);
+    MessageReader later(kMaxCallBody);
+    send({more.begin(), more.begin() + 40});
+    EXPECT_EQ(later.read(mThere.get(), MSG_DONTWAIT, MSG_DONTWAIT), Result::AGAIN);
+    send({more.begin() + 40, more.end()});
+    EXPECT_EQ(later.read(mThere.get(), MSG_DONTWAIT, MSG_DONTWAIT), Result::RUBBISH);
+}
+
+TEST_F(TransportTest, PacketBeyondTheLargestIsRubbish) {
+    std::vector<uint8_t> large = textCall(std::string(2 * kMostPacketBytes, 'x')).bytes();
+    large.resize(kMostPacketBytes + 1);
+    ASSERT_EQ(::send(mHere.get(), large.data(), large.size(), MSG_DONTWAIT),
+              static_cast<ssize_t>(large.size()));
+    EXPECT_EQ(read(), Result::RUBBISH);
+}
+
+TEST_F(TransportTest, LongMessagesTravelInSeveralPackets) {
+    // Packets end within a piece, at its end, and where the kernel takes no more pieces.
+    std::string text(3 * kMostPacketBytes + 100, 'x');
+    for (size_t i = 0; i < text.size(); ++i) {
+        text[i] = static_cast<char>('a' + i % 23);
+    }
+    for (const size_t size : {size_t{100}, size_t{1000}, kMostPacketBytes, text.size()}) {
+        Sending sending;
+        for (size_t at = 0; at < text.size(); at += size) {
+            sending.pieces.push_back({text.data() + at, std::min(size, text.size() - at)});
+        }
+        ASSERT_EQ(sendPieces(mHere.get(), &sending, MSG_DONTWAIT), 0);
+        std::string arrived;
+        std::vector<char> buffer(text.size());
+        while (arrived.size() < text.size()) {
+            const ssize_t got =
+                    recv(mThere.get(), buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_TRUNC);
+            ASSERT_GT(got, 0);
+            ASSERT_LE(got, static_cast<ssize_t>(kMostPacketBytes));
+            arrived.append(buffer.data(), static_cast<size_t>(got));
+        }
+        EXPECT_EQ(arrived, text) << size;
+    }
 }
 
 TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
@@ -118,7 +162,7 @@ TEST_F(TransportTest, ReaderFreesWhatItsMessageDoesNotNeed) {
     EXPECT_EQ(read(), Result::AGAIN);
     EXPECT_GT(mReader.keptBytes(), kLarge);
     mReader.trim();
-    EXPECT_EQ(mReader.keptBytes(), 4096U);
+    EXPECT_EQ(mReader.keptBytes(), bytes.size());
     send({bytes.back()});
     ASSERT_EQ(read(), Result::MESSAGE);
     EXPECT_EQ(mReader.take().header().code, TEXT);
@@ -268,11 +312,13 @@ TEST_F(TransportTest, SendingToNobody) {
 
 TEST_F(TransportTest, KindsOfDescriptors) {
     const Pipe pipe;
-    EXPECT_TRUE(isStreamSocket(mHere.get()));
-    EXPECT_FALSE(isStreamSocket(pipe.out.get()));
-    EXPECT_FALSE(isStreamSocket(-1));
-    const unique_fd packets(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    EXPECT_FALSE(isStreamSocket(packets.get()));
+    EXPECT_TRUE(isPacketSocket(mHere.get()));
+    EXPECT_FALSE(isPacketSocket(pipe.out.get()));
+    EXPECT_FALSE(isPacketSocket(-1));
+    for (const int kind : {SOCK_DGRAM, SOCK_STREAM}) {
+        const unique_fd other(socket(AF_UNIX, kind | SOCK_CLOEXEC, 0));
+        EXPECT_FALSE(isPacketSocket(other.get()));
+    }
     EXPECT_FALSE(isHungUp(mHere.get()));
     EXPECT_EQ(peerUser(mHere.get()), getuid());
     EXPECT_EQ(peerUser(pipe.out.get()), static_cast<uid_t>(-1));

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ namespace {
 using ::android::OK;
 using ::android::hardware::transport::kMaxCallBody;
 using ::android::hardware::transport::kMaxReplyBody;
+using ::android::hardware::transport::kMostPacketBytes;
 
 constexpr size_t kMegabyte = size_t{1} << 20;
 
@@ -200,24 +202,22 @@ class LessImpatientTest : public ImpatientTest {
     }
     // Reads a reply, which takes twice the limit. False when the connection ends.
     static bool readSlowly(const RawClient& client) {
-        Header header{};
-        if (recv(client.socket(), &header, sizeof header, MSG_WAITALL) !=
-            static_cast<ssize_t>(sizeof header)) {
-            return false;
-        }
-        constexpr int kPieces = 30;
         const auto start = std::chrono::steady_clock::now();
-        std::vector<uint8_t> piece(header.bodySize / kPieces);
-        size_t left = header.bodySize;
-        while (left > 0) {
-            (void)poll(nullptr, 0, 2 * static_cast<int>(kLimit.count()) / kPieces);
-            const ssize_t size =
-                    recv(client.socket(), piece.data(), std::min<size_t>(left, piece.size()), 0);
+        std::vector<uint8_t> packet(kMostPacketBytes);
+        Header header{};
+        size_t filled = 0;
+        do {
+            const ssize_t size = recv(client.socket(), packet.data(), packet.size(), 0);
             if (size <= 0) {
                 return false;
             }
-            left -= static_cast<size_t>(size);
-        }
+            if (filled == 0) {
+                memcpy(&header, packet.data(), sizeof header);
+            }
+            filled += static_cast<size_t>(size);
+            const auto packets = static_cast<int>(header.bodySize / packet.size());
+            (void)poll(nullptr, 0, 2 * static_cast<int>(kLimit.count()) / packets + 1);
+        } while (filled < sizeof header + header.bodySize);
         EXPECT_GE(std::chrono::steady_clock::now() - start, 2 * kLimit);
         return true;
     }
@@ -235,9 +235,8 @@ TEST_F(LessImpatientTest, CallThatWaitsForItsClientToReadHasItsTimeAfterwards) {
     const Server server;
     const auto client = connect();
     const std::vector<uint8_t> next = textCall("text").bytes();
-    std::vector<uint8_t> calls = bytesCall(2 * kMegabyte).bytes();
-    calls.insert(calls.end(), next.begin(), next.end() - 1);
-    ASSERT_TRUE(client->send(calls));
+    ASSERT_TRUE(client->send(bytesCall(2 * kMegabyte)));
+    ASSERT_TRUE(client->send({next.begin(), next.end() - 1}));
     EXPECT_TRUE(readSlowly(*client));
     ASSERT_TRUE(client->send(std::vector<uint8_t>{next.back()}));
     EXPECT_EQ(client->replyStatus(), OK);

@@ -203,13 +203,13 @@ TEST_F(EndToEndTest, HundredsOfSilentNamesAreListedSoon) {
         address.sun_family = AF_UNIX;
         ASSERT_LT(path.size(), sizeof(address.sun_path));
         path.copy(address.sun_path, path.size());
-        sockets.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockets.emplace_back(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
         ASSERT_EQ(
                 bind(sockets.back().get(), reinterpret_cast<sockaddr*>(&address), sizeof(address)),
                 0);
         ASSERT_EQ(listen(sockets.back().get(), isFull ? 0 : 10), 0);
         if (isFull) {
-            sockets.emplace_back(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+            sockets.emplace_back(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
             ASSERT_EQ(connect(sockets.back().get(), reinterpret_cast<sockaddr*>(&address),
                               sizeof(address)),
                       0);

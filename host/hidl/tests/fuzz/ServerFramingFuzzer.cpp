@@ -1,6 +1,6 @@
-// Feeds a server with bytes and descriptors of a client. The first byte of an input is the number
-// of descriptors that are sent with the bytes, the second the size of the pieces in which they are
-// sent once more.
+// Feeds a server with messages and descriptors of a client. The first byte of an input is the
+// number of descriptors that are sent with the first message, the second the size of the pieces in
+// which the messages are sent once more.
 
 #include <fcntl.h>
 #include <hidl/HidlTransportSupport.h>
@@ -8,8 +8,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "Calls.h"
 #include "host/hidl/tests/RawClient.h"
@@ -70,7 +70,7 @@ Server& server() {
 // Reads everything that the server sends until the connection ends.
 std::string received(int socket) {
     std::string bytes;
-    char chunk[4096];
+    char chunk[android::hardware::transport::kMostPacketBytes];
     ssize_t count = 0;
     while ((count = TEMP_FAILURE_RETRY(recv(socket, chunk, sizeof chunk, 0))) > 0) {
         bytes.append(chunk, static_cast<size_t>(count));
@@ -95,17 +95,33 @@ std::string headersOf(std::string_view bytes) {
     return headers;
 }
 
-// Returns the server's answers to the bytes, which are sent in pieces of that size.
-std::string answers(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors,
-                    size_t pieceSize) {
+// The size of the message that the bytes begin with, as its header says; all of the bytes if it
+// says something else.
+size_t sizeOfFirst(std::string_view bytes) {
+    Header header{};
+    if (bytes.size() < sizeof header) {
+        return bytes.size();
+    }
+    memcpy(&header, bytes.data(), sizeof header);
+    const bool fits = header.bodySize <= bytes.size() - sizeof header;
+    return fits ? sizeof header + header.bodySize : bytes.size();
+}
+
+// Returns the server's answers to the messages, which are sent in pieces of at most that size.
+std::string answers(std::string_view bytes, const std::vector<int>& descriptors, size_t pieceSize) {
     RawClient client(set().runtime());
     fuzzing::require(client.hello(), "a client is welcome");
-    for (size_t at = 0; at < bytes.size(); at += pieceSize) {
-        const auto first = bytes.begin() + static_cast<ptrdiff_t>(at);
-        const size_t size = std::min(pieceSize, bytes.size() - at);
-        if (!client.send({first, first + static_cast<ptrdiff_t>(size)},
-                         at == 0 ? descriptors : std::vector<int>())) {
-            break;
+    bool isFirst = true;
+    while (!bytes.empty()) {
+        std::string_view message = bytes.substr(0, sizeOfFirst(bytes));
+        bytes.remove_prefix(message.size());
+        while (!message.empty()) {
+            const std::string_view piece = message.substr(0, pieceSize);
+            message.remove_prefix(piece.size());
+            // A server that ends the connection reads no more.
+            (void)client.send({piece.begin(), piece.end()},
+                              isFirst ? descriptors : std::vector<int>());
+            isFirst = false;
         }
     }
     (void)shutdown(client.socket(), SHUT_WR);
@@ -119,7 +135,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     const std::vector<int> descriptors = server().descriptors(data[0] % kMostDescriptors);
-    const std::vector<uint8_t> bytes(data + 2, data + size);
+    const std::string_view bytes(reinterpret_cast<const char*>(data) + 2, size - 2);
     const std::string whole = answers(bytes, descriptors, bytes.size());
     if (descriptors.empty() && data[1] != 0) {
         fuzzing::requireEqual("what is answered to pieces", answers(bytes, {}, data[1]), whole);
