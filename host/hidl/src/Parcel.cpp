@@ -32,19 +32,19 @@ const std::vector<Parcel::Object>& Parcel::objects() const {
     return mContents->objects;
 }
 
-// Adds `length` bytes; their padding is zero.
-uint8_t* Parcel::addNumbers(size_t length) {
+// Adds a copy of the bytes, padded with zeros.
+void Parcel::addNumbers(const void* bytes, size_t length) {
     std::vector<uint8_t>& data = mContents->data;
-    const size_t start = data.size();
-    data.resize(start + padded(length));
+    const auto* first = static_cast<const uint8_t*>(bytes);
+    data.insert(data.end(), first, first + length);
+    data.insert(data.end(), padded(length) - length, 0);
     mBytes = data.data();
     mSize = data.size();
-    return data.data() + start;
 }
 
 template <typename T>
 status_t Parcel::writeAligned(T value) {
-    memcpy(addNumbers(sizeof(T)), &value, sizeof(T));
+    addNumbers(&value, sizeof(T));
     return OK;
 }
 
@@ -152,8 +152,7 @@ status_t Parcel::readDouble(double* value) const {
 }
 
 status_t Parcel::writeCString(const char* text) {
-    const size_t length = strlen(text) + 1;
-    memcpy(addNumbers(length), text, length);
+    addNumbers(text, strlen(text) + 1);
     return OK;
 }
 
@@ -175,8 +174,12 @@ status_t Parcel::writeInterfaceToken(const char* descriptor) {
 }
 
 bool Parcel::enforceInterface(const char* descriptor) const {
-    const char* token = readCString();
-    return token != nullptr && strcmp(token, descriptor) == 0;
+    const size_t length = strlen(descriptor) + 1;
+    if (mSize - mPosition < padded(length) || memcmp(mBytes + mPosition, descriptor, length) != 0) {
+        return false;
+    }
+    mPosition += padded(length);
+    return true;
 }
 
 status_t Parcel::refuse(status_t status) {

@@ -167,12 +167,14 @@ void attach(const std::vector<int>& descriptors, Control* control, msghdr* messa
 }
 
 ssize_t sendPacket(int socket, Sending* sending, int flags) {
-    const Packet packet(sending);
     const bool withDescriptors = !sending->begun && !sending->descriptors.empty();
-    // Most messages are one piece, for which send(2) is cheaper than sendmsg(2).
-    if (packet.count() == 1 && !withDescriptors) {
-        return send(socket, packet.pieces()->iov_base, packet.pieces()->iov_len, flags);
+    // Most messages are one small piece, for which send(2) is cheaper than sendmsg(2).
+    const iovec& first = sending->pieces[sending->next];
+    const bool isLast = sending->next + 1 == sending->pieces.size();
+    if (isLast && first.iov_len <= kMostPacketBytes && !withDescriptors) {
+        return send(socket, first.iov_base, first.iov_len, flags);
     }
+    const Packet packet(sending);
     msghdr message{};
     message.msg_iov = packet.pieces();
     message.msg_iovlen = packet.count();

@@ -150,7 +150,7 @@ class Parcel {
     template <typename T>
     status_t readAligned(T* value) const;
     status_t refuse(status_t status);
-    uint8_t* addNumbers(size_t length);
+    void addNumbers(const void* bytes, size_t length);
     status_t addObject(Object&& object, size_t* handle);
     status_t addEmbedded(Object&& object, size_t* handle, size_t parentHandle, size_t parentOffset);
     const Object* nextObject(ObjectKind kind) const;
