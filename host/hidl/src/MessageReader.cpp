@@ -55,9 +55,10 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
         if (!mMessage.reserve(end, mFilled)) {
             return Result::RUBBISH;
         }
-        const int flags = mFilled == 0 ? flagsFirst : flagsRest;
+        const bool isFirst = mFilled == 0 && !mExpectsDescriptors;
         const ssize_t got = receiveBytes(socket, mMessage.bytes.get() + mFilled, end - mFilled,
-                                         &mMessage.descriptors, flags);
+                                         isFirst ? nullptr : &mMessage.descriptors,
+                                         isFirst ? flagsFirst : flagsRest);
         if (got < 0 && errno == EAGAIN) {
             return Result::AGAIN;
         }
@@ -70,6 +71,16 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
             return Result::RUBBISH;
         }
         state = inspect();
+        if (state != Result::MESSAGE || mMessage.header().type != MessageType::DESCRIPTORS) {
+            continue;
+        }
+        const bool isRepeated = mExpectsDescriptors;
+        (void)take();
+        mExpectsDescriptors = true;
+        if (isRepeated) {
+            return Result::AGAIN;
+        }
+        state = Result::AGAIN;
     }
     return state;
 }
@@ -77,6 +88,7 @@ MessageReader::Result MessageReader::read(int socket, int flagsFirst, int flagsR
 IncomingMessage MessageReader::take() {
     mFilled = 0;
     mTotal = 0;
+    mExpectsDescriptors = false;
     return std::move(mMessage);
 }
 

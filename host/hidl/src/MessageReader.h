@@ -26,6 +26,7 @@ class MessageReader {
     /**
      * Reads until a whole message has arrived. The flags (MSG_DONTWAIT) and the socket's receive
      * time-out say whether and how long it waits for the first bytes and for the rest.
+     * Announcements that no message follows do not keep it: it answers AGAIN.
      */
     Result read(int socket, int flagsFirst, int flagsRest);
     /** Whether it holds a part of a message, or a message that was not taken. */
@@ -52,6 +53,7 @@ class MessageReader {
     IncomingMessage mMessage;
     size_t mFilled = 0;
     size_t mTotal = 0;  // size of the current message; 0 while its header is incomplete
+    bool mExpectsDescriptors = false;  // whether descriptors were announced for the current message
 };
 
 }  // namespace android::hardware::transport

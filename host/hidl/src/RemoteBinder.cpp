@@ -155,8 +155,10 @@ MessageReader::Result receiveMessage(int connection, MessageReader* reader,
         if (result != MessageReader::Result::AGAIN) {
             return result;
         }
-        // A connection that came from another process may be non-blocking.
-        if (!waitFor(connection, POLLIN, end.left())) {
+        // A connection that came from another process may be non-blocking. A server that sends
+        // without an end has no more time than others.
+        const std::chrono::milliseconds left = end.left();
+        if (left == std::chrono::milliseconds::zero() || !waitFor(connection, POLLIN, left)) {
             return result;
         }
     }

@@ -92,6 +92,7 @@ void Sending::clear() {
     descriptors.clear();
     next = 0;
     begun = false;
+    announced = false;
 }
 
 size_t Sending::left() const {
@@ -185,12 +186,22 @@ ssize_t sendPacket(int socket, Sending* sending, int flags) {
     return sendmsg(socket, &message, flags);
 }
 
+ssize_t announceDescriptors(int socket, int flags) {
+    const Header header{Header::kMagic, MessageType::DESCRIPTORS, 0, 0, 0, 0, 0};
+    return send(socket, &header, sizeof(header), flags);
+}
+
 }  // namespace
 
 int sendPieces(int socket, Sending* sending, int flags) {
     while (sending->next < sending->pieces.size()) {
-        const ssize_t result = sendPacket(socket, sending, flags | MSG_NOSIGNAL);
-        if (result >= 0) {
+        const bool announces =
+                !sending->begun && !sending->announced && !sending->descriptors.empty();
+        const ssize_t result = announces ? announceDescriptors(socket, flags | MSG_NOSIGNAL)
+                                         : sendPacket(socket, sending, flags | MSG_NOSIGNAL);
+        if (result >= 0 && announces) {
+            sending->announced = true;
+        } else if (result >= 0) {
             advance(sending, static_cast<size_t>(result));
         } else if (errno != EINTR) {
             return errno == EWOULDBLOCK ? EAGAIN : errno;
@@ -221,8 +232,24 @@ bool endsConnection(int error) {
     return error == EPIPE || error == ECONNRESET || error == ENOTCONN || error == ENOTSOCK;
 }
 
+namespace {
+
+ssize_t receivePlain(int socket, void* bytes, size_t capacity, int flags) {
+    const ssize_t result = TEMP_FAILURE_RETRY(recv(socket, bytes, capacity, flags | MSG_TRUNC));
+    if (result > static_cast<ssize_t>(capacity)) {
+        errno = EMSGSIZE;
+        return -1;
+    }
+    return result;
+}
+
+}  // namespace
+
 ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<unique_fd>* descriptors,
                      int flags) {
+    if (descriptors == nullptr) {
+        return receivePlain(socket, bytes, capacity, flags);
+    }
     Control control;
     iovec piece{bytes, capacity};
     msghdr message{};

@@ -62,13 +62,14 @@ constexpr size_t kMostPacketBytes = size_t{32} * 1024;
 
 /**
  * A message that is being sent: the part that is left. Its descriptors, which it does not own, go
- * with the first byte.
+ * with the first byte, after a packet that announces them.
  */
 struct Sending {
     std::vector<iovec> pieces;
     std::vector<int> descriptors;
-    size_t next = 0;     // the first piece that is left
-    bool begun = false;  // whether the first byte has been sent
+    size_t next = 0;         // the first piece that is left
+    bool begun = false;      // whether the first byte has been sent
+    bool announced = false;  // whether the receiver expects descriptors
 
     void clear();
     /** The number of bytes that are left. */
@@ -86,8 +87,9 @@ int sendWithin(int socket, Sending* sending, std::chrono::milliseconds limit);
 bool endsConnection(int error);
 
 /**
- * Receives a packet, like recvmsg; appends descriptors that arrive. Returns the number of bytes, 0
- * at the end, or -1 with errno set: EMSGSIZE when the packet is larger than the capacity.
+ * Receives a packet, like recvmsg; appends descriptors that arrive. Without a vector the kernel
+ * closes them, and receiving is cheaper. Returns the number of bytes, 0 at the end, or -1 with
+ * errno set: EMSGSIZE when the packet is larger than the capacity.
  */
 ssize_t receiveBytes(int socket, void* bytes, size_t capacity, std::vector<unique_fd>* descriptors,
                      int flags);

@@ -28,6 +28,7 @@ bool UnsentReply::keep(const Sending& message) {
     }
     mSending.pieces.push_back({mBytes.get(), size});
     mSending.begun = message.begun;
+    mSending.announced = message.announced;
     if (message.begun) {
         return true;
     }

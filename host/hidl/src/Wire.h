@@ -4,7 +4,9 @@
 // the bytes of the buffers and handles in the same order, each part padded to eight bytes. It is
 // sent as one packet or, if it is long, as several; no packet has bytes of two messages.
 // Descriptors go with the first byte, in the order of the handles and interfaces that they belong
-// to. Numbers have the machine's byte order, because both ends are on one machine.
+// to. A header of the type DESCRIPTORS comes before such a message: most messages have none, and
+// receiving without them is cheaper. Descriptors that nobody announced never reach the process.
+// Numbers have the machine's byte order, because both ends are on one machine.
 #pragma once
 
 #include <android-base/unique_fd.h>
@@ -20,7 +22,12 @@
 
 namespace android::hardware::transport {
 
-enum class MessageType : uint32_t { CALL = 1, ONEWAY_CALL = 2, REPLY = 3 };
+enum class MessageType : uint32_t {
+    CALL = 1,
+    ONEWAY_CALL = 2,
+    REPLY = 3,
+    DESCRIPTORS = 4,  // the next message may have descriptors
+};
 
 struct Header {
     static constexpr uint32_t kMagic = 0x314b4c4d;  // "MLK1"

@@ -96,7 +96,36 @@ TEST_F(HostileClientsTest, DescriptorsInTheMiddleOfAMessage) {
     const auto middle = bytes.begin() + 40;
     const auto attacker = connect();
     ASSERT_TRUE(attacker->send({bytes.begin(), middle}));
-    ASSERT_TRUE(attacker->send({middle, bytes.end()}, {file.get()}));
+    ASSERT_TRUE(attacker->sendRest({middle, bytes.end()}, {file.get()}));
+    EXPECT_EQ(attacker->replyStatus(), OK);
+    attacker->close();
+    expectUnharmed();
+}
+
+TEST_F(HostileClientsTest, DescriptorsThatNobodyAnnounced) {
+    const unique_fd file = fileWith("x");
+    const auto attacker = connect();
+    const RawMessage message = fdCall({file.get()});
+    ASSERT_TRUE(attacker->sendRest(message.bytes(), message.descriptors));
+    EXPECT_EQ(attacker->replyStatus(), BAD_VALUE) << "they have not arrived";
+    ASSERT_TRUE(attacker->send(message));
+    EXPECT_EQ(attacker->replyStatus(), OK);
+    attacker->close();
+    expectUnharmed();
+}
+
+TEST_F(HostileClientsTest, AnnouncesDescriptorsWithoutAnEnd) {
+    const unique_fd file = fileWith("x");
+    const auto attacker = connect();
+    RawMessage announcement;
+    announcement.header.type = MessageType::DESCRIPTORS;
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_TRUE(attacker->send(announcement));
+        ASSERT_TRUE(i % 100 != 0 || mHonest->ping().isOk());
+    }
+    expectAllThreadsAnswer();
+    // None of them is a call, and the last one still counts.
+    ASSERT_TRUE(attacker->send(fdCall({file.get()})));
     EXPECT_EQ(attacker->replyStatus(), OK);
     attacker->close();
     expectUnharmed();
@@ -110,7 +139,8 @@ TEST_F(HostileClientsTest, MoreAndMoreDescriptorsForOneMessage) {
     // One byte at a time, each with almost as many descriptors as the kernel takes: the server sets
     // a limit.
     for (size_t sent = 0; sent < 5; ++sent) {
-        if (!attacker->send(std::vector<uint8_t>{bytes[sent]}, many)) {
+        const std::vector<uint8_t> byte = {bytes[sent]};
+        if (!(sent == 0 ? attacker->send(byte, many) : attacker->sendRest(byte, many))) {
             break;
         }
     }

@@ -168,6 +168,14 @@ bool RawClient::send(const std::vector<uint8_t>& bytes, const std::vector<int>& 
     return transport::sendPieces(mSocket.get(), &sending, 0) == 0;
 }
 
+bool RawClient::sendRest(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors) {
+    transport::Sending sending;
+    sending.pieces = {{const_cast<uint8_t*>(bytes.data()), bytes.size()}};
+    sending.descriptors = descriptors;
+    sending.announced = true;
+    return transport::sendPieces(mSocket.get(), &sending, 0) == 0;
+}
+
 std::optional<::android::status_t> RawClient::replyStatus() {
     if (mReader.read(mSocket.get(), 0, 0) != transport::MessageReader::Result::MESSAGE) {
         return {};

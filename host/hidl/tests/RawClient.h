@@ -80,6 +80,8 @@ class RawClient {
     bool hello();
     /** Sends a message or a part of one, with descriptors; false when the server is gone. */
     bool send(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors = {});
+    /** Sends a later part of a message, whose descriptors are not announced. */
+    bool sendRest(const std::vector<uint8_t>& bytes, const std::vector<int>& descriptors);
     bool send(const RawMessage& message) { return send(message.bytes(), message.descriptors); }
     /**
      * Reads a whole reply. Returns the transport's status, or nothing when the connection ends

@@ -147,6 +147,49 @@ TEST_F(TransportTest, ReaderGivesEachMessageItsDescriptors) {
     EXPECT_EQ(contentOf(second.descriptors[0].get()), "two");
 }
 
+TEST_F(TransportTest, AnnouncementIsForOneMessage) {
+    const unique_fd file = fileWith("x");
+    send(fdCall({file.get()}).bytes(), {file.get()});
+    Sending unannounced;
+    std::vector<uint8_t> bytes = fdCall({file.get()}).bytes();
+    unannounced.pieces = {{bytes.data(), bytes.size()}};
+    unannounced.descriptors = {file.get()};
+    unannounced.announced = true;
+    ASSERT_EQ(sendPieces(mHere.get(), &unannounced, MSG_DONTWAIT), 0);
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().descriptors.size(), 1U);
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().descriptors.size(), 0U);
+}
+
+TEST_F(TransportTest, AnnouncementsDoNotKeepTheReader) {
+    RawMessage announcement;
+    announcement.header.type = MessageType::DESCRIPTORS;
+    for (int i = 0; i < 4; ++i) {
+        send(announcement.bytes());
+    }
+    send(callOf(1).bytes());
+    EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_FALSE(mReader.hasBegun());
+    EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_EQ(read(), Result::AGAIN);
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, 1U);
+    EXPECT_EQ(read(), Result::AGAIN);
+}
+
+TEST_F(TransportTest, DescriptorsThatCannotBeSentLeaveTheConnection) {
+    std::vector<uint8_t> bytes = fdCall({-1}).bytes();
+    Sending bad;
+    bad.pieces = {{bytes.data(), bytes.size()}};
+    bad.descriptors = {-1};
+    EXPECT_EQ(sendPieces(mHere.get(), &bad, MSG_DONTWAIT), EBADF);
+    EXPECT_FALSE(bad.begun);
+    send(callOf(1).bytes());
+    ASSERT_EQ(read(), Result::MESSAGE);
+    EXPECT_EQ(mReader.take().header().code, 1U);
+}
+
 TEST_F(TransportTest, ReaderFreesWhatItsMessageDoesNotNeed) {
     constexpr size_t kLarge = 40'000;
     // The memory of a message serves the next one of its thread.
@@ -288,6 +331,8 @@ TEST_F(TransportTest, DescriptorsAreSentOnceHoweverManyPiecesThereAre) {
     sending.descriptors = {STDERR_FILENO};
     EXPECT_EQ(sendPieces(mHere.get(), &sending, 0), 0);
     std::vector<char> buffer(text.size());
+    ASSERT_EQ(receiveBytes(mThere.get(), buffer.data(), buffer.size(), nullptr, 0),
+              static_cast<ssize_t>(sizeof(Header)));
     std::vector<unique_fd> descriptors;
     for (size_t filled = 0; filled < text.size();) {
         const ssize_t got =

@@ -13,6 +13,7 @@
 #include "host/hidl/src/Socket.h"
 #include "host/hidl/src/Stalls.h"
 #include "host/hidl/src/UnsentReply.h"
+#include "host/hidl/src/Wire.h"
 #include "host/testing/ProcessUsage.h"
 
 namespace mlk::test {
@@ -55,6 +56,9 @@ TEST_F(UnsentReplyTest, IsSentWhenThereIsRoom) {
     }
     EXPECT_TRUE(unsent.flush());
     EXPECT_TRUE(unsent.empty());
+    ASSERT_EQ(receiveBytes(mThere.get(), buffer.data(), buffer.size(), nullptr, 0),
+              static_cast<ssize_t>(sizeof(Header)))
+            << "the announcement of the descriptor";
     std::vector<unique_fd> descriptors;
     ASSERT_EQ(receiveBytes(mThere.get(), buffer.data(), buffer.size(), &descriptors, 0), 15);
     EXPECT_EQ(std::string(buffer.data(), 15), "kept until then");
