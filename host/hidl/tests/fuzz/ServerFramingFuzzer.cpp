@@ -79,15 +79,17 @@ std::string received(int socket) {
     return bytes;
 }
 
-// Returns the headers of the replies, which must be sound.
+// Returns the headers of the replies and announcements, which must be sound.
 std::string headersOf(std::string_view bytes) {
     std::string headers;
     while (!bytes.empty()) {
         Header header{};
         fuzzing::require(bytes.size() >= sizeof header, "a reply has a header");
         memcpy(&header, bytes.data(), sizeof header);
-        fuzzing::require(header.magic == Header::kMagic && header.type == MessageType::REPLY,
-                         "a server sends nothing but replies");
+        const bool announces = header.type == MessageType::DESCRIPTORS && header.bodySize == 0;
+        fuzzing::require(
+                header.magic == Header::kMagic && (header.type == MessageType::REPLY || announces),
+                "a server sends nothing but replies and announcements");
         fuzzing::require(header.bodySize <= bytes.size() - sizeof header, "replies are whole");
         bytes.remove_prefix(sizeof header + header.bodySize);
         headers.append(reinterpret_cast<const char*>(&header), sizeof header);
