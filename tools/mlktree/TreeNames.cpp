@@ -60,6 +60,7 @@ std::vector<Candidate> filesIn(const ProductLine& line) {
         paths.insert(path);
     }
     std::vector<Candidate> found;
+    found.reserve(paths.size());
     for (const std::string_view path : paths) {
         found.push_back({std::string(path), ""});
     }

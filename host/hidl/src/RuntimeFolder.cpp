@@ -34,30 +34,28 @@ constexpr std::chrono::milliseconds kHelloLimit{5000};
 constexpr std::chrono::milliseconds kNoLimit{0};
 constexpr std::chrono::milliseconds kLeast{1};
 
-// Whether the variable has a value.
-bool isSet(const char* variable) {
+// The value of a variable of the environment; empty if it is not set.
+std::string valueOf(const char* variable) {
     const char* value = getenv(variable);
-    return value != nullptr && *value != '\0';
+    return value == nullptr ? std::string() : value;
 }
 
 std::string runtimePath() {
-    if (isSet("MLK_RUNTIME_DIR")) {
+    std::string path = valueOf("MLK_RUNTIME_DIR");
+    if (!path.empty()) {
         // With a slash at its end the folder would be its own parent.
-        std::string path = getenv("MLK_RUNTIME_DIR");
         while (path.size() > 1 && path.back() == '/') {
             path.pop_back();
         }
         return path;
     }
-    if (isSet("XDG_RUNTIME_DIR")) {
-        return std::string(getenv("XDG_RUNTIME_DIR")) + "/mlkconfigs";
-    }
-    return "/run/mlkconfigs";
+    const std::string session = valueOf("XDG_RUNTIME_DIR");
+    return session.empty() ? "/run/mlkconfigs" : session + "/mlkconfigs";
 }
 
 // Only root may create the default folder, so another user is told what to set.
 const char* advice() {
-    const bool isDefault = !isSet("MLK_RUNTIME_DIR") && !isSet("XDG_RUNTIME_DIR");
+    const bool isDefault = valueOf("MLK_RUNTIME_DIR").empty() && valueOf("XDG_RUNTIME_DIR").empty();
     return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to a folder of your own" : "";
 }
 

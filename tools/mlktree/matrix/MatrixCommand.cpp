@@ -196,8 +196,8 @@ Command matrixCommand() {
     command.statuses = statusesOf("shown", "a PATTERN fits nothing");
     command.examples = {
             {"mlktree matrix SSC", "what a section differs in"},
-            {"mlktree matrix samples/partitions '*PanelName' 'feature dtv*'", "of that tree"},
-            {"mlktree matrix '[AQ] *' --country GERMANY --format csv", "for a spreadsheet"},
+            {"mlktree matrix '*PanelName' 'feature dtv*'", "rows by name"},
+            {"mlktree matrix AQ --country GERMANY --format csv", "for a spreadsheet"},
     };
     command.mostWords = 1000;
     command.nextWord = matrixWord;
