@@ -196,6 +196,17 @@ TEST_F(MatrixTest, AShortNameHeadsItsColumn) {
               "[AQ] AQ_SURROUND  0              1\n");
 }
 
+TEST_F(MatrixTest, NamesGroupsShortly) {
+    // Three indexes are a run, two are not.
+    EXPECT_THAT(shown({"BL_DUTY_MIN", "--layout", "list"}),
+                AllOf(HasSubstr("models 3, 4\n"), HasSubstr("models 5 to 7\n")));
+    // Of many countries those are named that are left out.
+    EXPECT_THAT(shown({"dtvCableEnabled", "--model", "2", "--layout", "list"}),
+                "feature dtvCableEnabled\n"
+                "  true   all but IRELAND, UNITED_KINGDOM\n"
+                "  false  IRELAND, UNITED_KINGDOM\n");
+}
+
 TEST_F(MatrixTest, WrapsColumnsIntoBlocksOfTheWidth) {
     for (const char* width : {"20", "40", "60", "100", "300"}) {
         const std::string text = shown({"PANEL", "--width", width, "--layout", "table"});
