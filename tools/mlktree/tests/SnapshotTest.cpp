@@ -90,7 +90,7 @@ TEST(SnapshotTest, TellsTheSameOfEverySetWhenItIsReadAgain) {
 }
 
 // Any program that knows references and mergers gets the plain form.
-TEST(SnapshotTest, HasThePlainFormBehindItsReferences) {
+TEST(SnapshotTest, HasThePlainFormOnceReferencesAreResolved) {
     const testing::QuietLog quiet;
     const Answered sample(samplePath());
     const json all = json::parse(snapshotOf(*sample.answers));
