@@ -27,14 +27,14 @@ void SnapshotReader::read(std::string_view text) {
     readIf("models", [this](const Json& one, const Where& at) { readModels(one, at); });
     readIf("boards", [this](const Json& one, const Where& at) { readBoards(one, at); });
     readIf("countries", [this](const Json& one, const Where& at) {
-        for (const std::string_view country : readTexts(one, at)) {
-            countryNumber(country);
-        }
+        forEach(one, at, [this](const Json& country, const Where& inside) {
+            countryNumber(text(country, inside));
+        });
     });
     readIf("files", [this](const Json& one, const Where& at) { readFiles(one, at); });
     readIf("shared", [this](const Json& one, const Where& at) { readShared(one, at); });
     forEach(member(json, "sets", top), {&top, "sets"},
-            [this](const Json& one, const Where& at) { readSets(one, at); });
+            [this](const Json& one, const Where& at) { readSet(one, at); });
     std::sort(mLine.sets.begin(), mLine.sets.end(), [](const AnswerSet& a, const AnswerSet& b) {
         return std::tie(a.customer, a.model, a.board, a.country) <
                std::tie(b.customer, b.model, b.board, b.country);
@@ -172,17 +172,11 @@ void SnapshotReader::readShared(const Json& json, const Where& where) {
              [this](const Json& one, const Where& at) { return readChannels(one, at); });
     readKind("plans", mShared.plans, mLine.plans,
              [this](const Json& one, const Where& at) { return readPlans(one, at); });
-    const auto countries = object(json, where).find("countries");
-    if (countries != json.end()) {
-        forEach(*countries, {&where, "countries"}, [this](const Json& one, const Where& at) {
-            mShared.countries.push_back(readTexts(one, at));
-        });
-    }
     readKind("answers", mShared.answers, mLine.pieces,
              [this](const Json& one, const Where& at) { return readAnswers(one, at); });
 }
 
-void SnapshotReader::readSets(const Json& json, const Where& where) {
+void SnapshotReader::readSet(const Json& json, const Where& where) {
     AnswerSet set;
     set.customer = customerNumber(textIn(json, "customer", where));
     const Json& model = member(json, "model", where);
@@ -209,38 +203,11 @@ void SnapshotReader::readSets(const Json& json, const Where& where) {
     set.plans = piece(member(json, "plans", where), "plans", mShared.plans, mLine.plans,
                       {&where, "plans"},
                       [this](const Json& one, const Where& at) { return readPlans(one, at); });
-    for (const std::string_view country : countriesOf(json, where)) {
-        set.country = countryNumber(country);
-        if (!mSets.emplace(set.customer, set.model, set.board, set.country).second) {
-            refuse(where, "is a set that was there before");
-        }
-        mLine.sets.push_back(set);
+    set.country = countryNumber(textIn(json, "country", where));
+    if (!mSets.emplace(set.customer, set.model, set.board, set.country).second) {
+        refuse(where, "is a set that was there before");
     }
-}
-
-// The countries of the sets that an element stands for.
-std::vector<std::string_view> SnapshotReader::countriesOf(const Json& json, const Where& where) {
-    const auto each = json.find("$each");
-    if (each == json.end()) {
-        return {textIn(json, "country", where)};
-    }
-    const Where at{&where, "$each"};
-    const Where inside{&at, "country"};
-    const Json& list = member(*each, "country", at);
-    if (const std::optional<size_t> index = reference(list, "countries", inside)) {
-        if (*index >= mShared.countries.size()) {
-            refuse(inside,
-                   "refers to shared.countries[" + std::to_string(*index) + "], which is missing");
-        }
-        return mShared.countries[*index];
-    }
-    return readTexts(list, inside);
-}
-
-std::vector<std::string_view> SnapshotReader::readTexts(const Json& json, const Where& where) {
-    std::vector<std::string_view> texts;
-    forEach(json, where, [&](const Json& one, const Where& at) { texts.push_back(text(one, at)); });
-    return texts;
+    mLine.sets.push_back(set);
 }
 
 AnswerPieces SnapshotReader::readAnswers(const Json& json, const Where& where) {

@@ -25,7 +25,6 @@ struct Shared {
     std::vector<uint32_t> channels;
     std::vector<uint32_t> plans;
     std::vector<uint32_t> answers;
-    std::vector<std::vector<std::string_view>> countries; /**< lists of names */
 };
 
 /** Reads a snapshot into answers. For one text. */
@@ -49,10 +48,7 @@ class SnapshotReader : private SnapshotJson {
     void readBoards(const Json& json, const Where& where);
     void readFiles(const Json& json, const Where& where);
     void readShared(const Json& json, const Where& where);
-    /** An element of "sets", which stands for one set or for one in each of some countries. */
-    void readSets(const Json& json, const Where& where);
-    std::vector<std::string_view> countriesOf(const Json& json, const Where& where);
-    std::vector<std::string_view> readTexts(const Json& json, const Where& where);
+    void readSet(const Json& json, const Where& where);
     AnswerPieces readAnswers(const Json& json, const Where& where);
     std::array<uint32_t, kItemLayers> readLayers(const Json& json, const Where& where);
     ItemPiece readItems(const Json& json, const Where& where);

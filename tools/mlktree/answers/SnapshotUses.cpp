@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 namespace mlk::tree {
@@ -44,34 +43,6 @@ std::vector<uint32_t> firstLike(const std::vector<PlanPiece>& plans) {
     return first;
 }
 
-// Puts sets together; their plans are those that stand for all like them.
-void findSetsAlike(const LineAnswers& line, SnapshotUses& uses) {
-    using Key = std::tuple<uint32_t, uint32_t, uint32_t, uint32_t, uint32_t>;
-    std::map<Key, std::pair<size_t, std::vector<uint32_t>>> known;
-    for (const AnswerSet& set : line.sets) {
-        const uint32_t plans = set.plans == kNone ? kNone : uses.plansLike[set.plans];
-        const auto [entry, isNew] =
-                known.try_emplace({set.customer, set.model, set.board, set.pieces, plans},
-                                  uses.sets.size(), std::vector<uint32_t>());
-        entry->second.second.push_back(set.country);
-        if (isNew) {
-            uses.sets.push_back({set, kNone});
-            uses.sets.back().first.plans = plans;
-        }
-    }
-    std::map<std::vector<uint32_t>, uint32_t> lists;
-    for (const auto& [key, found] : known) {
-        if (found.second.size() > 1) {
-            const auto [entry, isNew] = lists.try_emplace(
-                    found.second, static_cast<uint32_t>(uses.countryLists.size()));
-            if (isNew) {
-                uses.countryLists.push_back(found.second);
-            }
-            uses.sets[found.first].countries = entry->second;
-        }
-    }
-}
-
 }  // namespace
 
 SnapshotUses::SnapshotUses(const LineAnswers& line)
@@ -83,14 +54,10 @@ SnapshotUses::SnapshotUses(const LineAnswers& line)
       delays(line.delays.size()),
       lists(line.lists.size()),
       plans(line.plans.size()),
-      channels(line.channels.size()),
-      countries(0) {
-    findSetsAlike(line, *this);
-    countries = PieceUses(countryLists.size());
-    for (const SetsAlike& set : sets) {
-        answers.add(set.first.pieces);
-        plans.add(set.first.plans);
-        countries.add(set.countries);
+      channels(line.channels.size()) {
+    for (const AnswerSet& set : line.sets) {
+        answers.add(set.pieces);
+        plans.add(plansOf(set));
     }
     answers.number();
     plans.number();
@@ -112,8 +79,7 @@ SnapshotUses::SnapshotUses(const LineAnswers& line)
             channels.addAll(std::move(numbers), !plans.isShared(number));
         }
     }
-    for (PieceUses* const uses :
-         {&items, &auxiliary, &features, &delays, &lists, &channels, &countries}) {
+    for (PieceUses* const uses : {&items, &auxiliary, &features, &delays, &lists, &channels}) {
         uses->number();
     }
 }

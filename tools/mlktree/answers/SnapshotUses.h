@@ -36,18 +36,14 @@ class PieceUses {
     std::vector<uint32_t> mShared;
 };
 
-/** Sets that differ in their country alone: they have the same pieces and plans. */
-struct SetsAlike {
-    AnswerSet first;
-    uint32_t countries = kNone; /**< number in SnapshotUses::countryLists; kNone for one set */
-};
-
 /** The uses of all pieces of a line. */
 struct SnapshotUses {
     explicit SnapshotUses(const LineAnswers& line);
 
-    std::vector<SetsAlike> sets;                     /**< in the order of their first sets */
-    std::vector<std::vector<uint32_t>> countryLists; /**< of these, each once */
+    /** The plans of a set: those that stand for all with the same channels; kNone for none. */
+    uint32_t plansOf(const AnswerSet& set) const {
+        return set.plans == kNone ? kNone : plansLike[set.plans];
+    }
 
     /** The plans that stand for those with the same channels, which other lines name. */
     std::vector<uint32_t> plansLike;
@@ -60,7 +56,6 @@ struct SnapshotUses {
     PieceUses lists;
     PieceUses plans;
     PieceUses channels;
-    PieceUses countries; /**< countryLists */
 };
 
 }  // namespace mlk::tree

@@ -27,7 +27,7 @@ class SnapshotWriter : private PieceWriter {
         mOut += ",\n";
         writeFiles();
         writeShared();
-        writeEach("sets", mUses.sets, [this](const SetsAlike& sets) { writeSets(sets); });
+        writeEach("sets", mLine.sets, [this](const AnswerSet& set) { writeSet(set); });
         mOut += "}\n";
         mSink(mOut);
     }
@@ -71,8 +71,7 @@ class SnapshotWriter : private PieceWriter {
     void writeBoards();
     void writeFiles();
     void writeShared();
-    void writeSets(const SetsAlike& sets);
-    void writeCountries(uint32_t list);
+    void writeSet(const AnswerSet& set);
     void writeAnswers(const AnswerPieces& pieces);
     void writeLayers(const AnswerPieces& pieces);
     void writeAuxiliary(const AnswerPieces& pieces);
@@ -169,7 +168,6 @@ void SnapshotWriter::writeShared() {
     add("channels", mUses.channels,
         [this](uint32_t piece) { writeChannels(mLine.channels[piece]); });
     add("plans", mUses.plans, [this](uint32_t piece) { writePlans(mLine.plans[piece]); });
-    add("countries", mUses.countries, [this](uint32_t list) { writeCountries(list); });
     add("answers", mUses.answers, [this](uint32_t piece) {
         mOut += '{';
         writeAnswers(mLine.pieces[piece]);
@@ -178,24 +176,16 @@ void SnapshotWriter::writeShared() {
     mOut += isFirst ? "},\n" : "\n},\n";
 }
 
-void SnapshotWriter::writeSets(const SetsAlike& sets) {
-    const AnswerSet& set = sets.first;
+void SnapshotWriter::writeSet(const AnswerSet& set) {
     mOut += "{\"model\":" + (set.model == kNone ? std::string("null")
                                                 : std::to_string(mLine.models[set.model].index));
     mOut += ",\"board\":";
     text(mLine.boards[set.board].name);
     mOut += ",\"customer\":";
     text(mLine.customers[set.customer].file);
-    if (sets.countries != kNone) {
-        mOut += ",\"$each\":{\"country\":";
-        place("countries", mUses.countries, sets.countries,
-              [&] { writeCountries(sets.countries); });
-        mOut += "},";
-    } else {
-        mOut += ",\"country\":";
-        text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
-        mOut += ',';
-    }
+    mOut += ",\"country\":";
+    text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
+    mOut += ',';
     if (mUses.answers.isShared(set.pieces)) {
         mOut += "\"$merge\":[{\"$ref\":\"#/shared/answers/" +
                 std::to_string(mUses.answers.numberOf(set.pieces)) + "\"}]";
@@ -203,16 +193,9 @@ void SnapshotWriter::writeSets(const SetsAlike& sets) {
         writeAnswers(mLine.pieces[set.pieces]);
     }
     mOut += ",\"plans\":";
-    place("plans", mUses.plans, set.plans, [&] { writePlans(mLine.planPiece(set.plans)); });
+    const uint32_t plans = mUses.plansOf(set);
+    place("plans", mUses.plans, plans, [&] { writePlans(mLine.planPiece(plans)); });
     mOut += '}';
-}
-
-void SnapshotWriter::writeCountries(uint32_t list) {
-    std::vector<std::string_view> names;
-    for (const uint32_t country : mUses.countryLists[list]) {
-        names.push_back(mLine.countries[country]);
-    }
-    writeTexts(names);
 }
 
 void SnapshotWriter::writeAnswers(const AnswerPieces& pieces) {

@@ -56,17 +56,7 @@ json resolved(const json& all, const json& value) {
 std::vector<json> plainSets(const json& all) {
     std::vector<json> sets;
     for (const json& element : all["sets"]) {
-        json set = resolved(all, element);
-        if (!set.contains("$each")) {
-            sets.push_back(set);
-            continue;
-        }
-        const json each = set["$each"];
-        set.erase("$each");
-        for (const json& country : each["country"]) {
-            set["country"] = country;
-            sets.push_back(set);
-        }
+        sets.push_back(resolved(all, element));
     }
     return sets;
 }
@@ -306,20 +296,16 @@ const Hostile kHostile[] = {
              });
          },
          "shared.plans[0].DTV_ANTENNA is no reference of the form"},
-        {"CountryTwice",
+        {"SetTwice",
          [](const json& good) {
-             return changed(good, [](json& all) {
-                 all["shared"]["countries"][0].push_back(all["shared"]["countries"][0][0]);
-             });
+             return changed(good, [](json& all) { all["sets"].push_back(all["sets"][0]); });
          },
          "is a set that was there before"},
-        {"NoListOfCountries",
+        {"CountryMissing",
          [](const json& good) {
-             return changed(good, [](json& all) {
-                 all["sets"][0]["$each"]["country"] = {{"$ref", "#/shared/countries/99"}};
-             });
+             return changed(good, [](json& all) { all["sets"][0].erase("country"); });
          },
-         "sets[0].$each.country refers to shared.countries[99], which is missing"},
+         "sets[0] lacks \"country\""},
         {"TooManyLayers",
          [](const json& good) {
              return changed(good, [](json& all) {
