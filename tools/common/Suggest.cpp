@@ -44,7 +44,6 @@ size_t editDistance(std::string_view one, std::string_view other, size_t most) {
     for (size_t j = 0; j <= std::min(limit, other.size()); ++j) {
         row[j] = j;
     }
-    size_t leastOfLast = 0;
     for (size_t i = 1; i <= one.size(); ++i) {
         beforeLast.swap(last);
         last.swap(row);
@@ -62,10 +61,10 @@ size_t editDistance(std::string_view one, std::string_view other, size_t most) {
             }
             least = std::min(least, row[j]);
         }
-        if (std::min(least, leastOfLast + 1) > limit) {
+        // No row has less than the one before it, and a swap of letters is no shorter way.
+        if (least > limit) {
             return limit + 1;
         }
-        leastOfLast = least;
     }
     return std::min(row[other.size()], limit + 1);
 }
