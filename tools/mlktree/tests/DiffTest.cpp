@@ -242,6 +242,20 @@ TEST_F(DiffTest, PlansChangeByChannels) {
     EXPECT_THAT(told, ::testing::Contains(HasSubstr(" > -")));
 }
 
+TEST_F(DiffTest, BytesOfAFileCountForThoseWhoNameItOnBothSides) {
+    const std::string file = "tvconfigs/bootanimation/tarnquill.zip";
+    mDir.write(file, mDir.read(file) + "x");
+    replace(kModel, "/tvconfigs/bootanimation/tarnquill.zip", "/tvconfigs/bootanimation/other");
+    const json all = changes();
+    ASSERT_EQ(all.size(), 2U) << all.dump(1);
+    EXPECT_EQ(all[0]["kind"], "item");
+    EXPECT_EQ(all[0]["sets"], json({"model=3"}));
+    EXPECT_EQ(all[1]["kind"], "file");
+    EXPECT_EQ(all[1]["name"], "/" + file);
+    EXPECT_EQ(all[1]["sets"],
+              json({"model=1", "model=2", "model=4", "model=5", "model=6", "model=7"}));
+}
+
 TEST_F(DiffTest, APlanThatIsGoneIsOneChange) {
     fs::remove(mDir.path("tvconfigs/freqtables/dtv/freqtable_isdb"));
     const json all = changes();
