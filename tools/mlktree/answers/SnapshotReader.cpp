@@ -6,8 +6,8 @@
 
 namespace mlk::tree {
 
-void SnapshotReader::read(std::string_view text) {
-    const Json json = parse(text);
+void SnapshotReader::read(std::string_view content) {
+    const Json json = parse(content);
     const Where top;
     const Json& version = member(json, "version", top);
     if (!version.is_number_integer()) {

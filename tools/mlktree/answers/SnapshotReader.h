@@ -33,7 +33,7 @@ class SnapshotReader : private SnapshotJson {
     SnapshotReader(const std::string& name, LineAnswers& line) : SnapshotJson(name, line) {}
 
     /** @throw UsageError, see readSnapshot() */
-    void read(std::string_view text);
+    void read(std::string_view content);
 
   private:
     /** The index of a reference to that kind of piece; nothing if the value is none at all. */
