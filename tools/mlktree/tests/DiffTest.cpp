@@ -256,6 +256,22 @@ TEST_F(DiffTest, BytesOfAFileCountForThoseWhoNameItOnBothSides) {
               json({"model=1", "model=2", "model=4", "model=5", "model=6", "model=7"}));
 }
 
+// What the service does not know, it answers as it answers these.
+TEST_F(DiffTest, ZeroIsNoDifferenceAndAReceiverWithoutAFileIsAnyOther) {
+    for (const char* const file : {"karaoke/karaoke_home.ini", "audio/AVR_0AFADE_Sundra7.ini"}) {
+        const std::string path = std::string("tvconfigs/") + file;
+        mDir.write(path, mDir.read(path) + "\n[NEW]\nZERO=0\n");
+    }
+    EXPECT_EQ(diff().out, "no difference\n");
+    fs::remove(mDir.path("tvconfigs/audio/AVR_0EC0DE_Orlan900.ini"));
+    const json all = changes();
+    ASSERT_FALSE(all.empty());
+    for (const json& change : all) {
+        EXPECT_THAT(change["name"], ::testing::EndsWith(" with AVR_0EC0DE_Orlan900.ini"));
+        EXPECT_FALSE(change["b"].is_null()) << change;
+    }
+}
+
 TEST_F(DiffTest, APlanThatIsGoneIsOneChange) {
     fs::remove(mDir.path("tvconfigs/freqtables/dtv/freqtable_isdb"));
     const json all = changes();
