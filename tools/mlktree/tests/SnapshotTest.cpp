@@ -296,11 +296,6 @@ const Hostile kHostile[] = {
              });
          },
          "shared.plans[0].DTV_ANTENNA is no reference of the form"},
-        {"SetTwice",
-         [](const json& good) {
-             return changed(good, [](json& all) { all["sets"].push_back(all["sets"][0]); });
-         },
-         "is a set that was there before"},
         {"CountryMissing",
          [](const json& good) {
              return changed(good, [](json& all) { all["sets"][0].erase("country"); });

@@ -12,6 +12,7 @@ import base64
 import hashlib
 import re
 import sys
+import textwrap
 from pathlib import Path
 
 SHEET = re.compile(r'^ *<link rel="stylesheet" href="([\w.]+)">\n', re.MULTILINE)
@@ -61,21 +62,18 @@ def page_of(texts):
     return page.replace("@POLICY@", policy(style, script))
 
 
-def literal(text):
-    """A C++ literal, in pieces that any compiler takes."""
-    lines = []
-    for line in text.splitlines(keepends=True):
-        escaped = line.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "\\n").replace("??", "?\\?")
-        lines.append(f'        "{escaped}"')
-    return "\n".join(lines) or '        ""'
+def constant(name, text):
+    """The text as numbers: compilers need not take a literal of more than 65,536 bytes."""
+    numbers = textwrap.fill(", ".join(str(ord(c)) for c in text), 100)
+    return (f"static constexpr char {name}Text[] = {{\n{numbers}}};\n"
+            f"const std::string_view {name}({name}Text, sizeof({name}Text));\n")
 
 
 def source_of(page):
     pieces = re.split("@SUMMARY@|@DATA@", page)
     if len(pieces) != len(NAMES):
         raise SystemExit("embed.py: page.html needs @SUMMARY@ and @DATA@, each once")
-    constants = "\n".join(f"const std::string_view {name} =\n{literal(piece)};\n"
-                          for name, piece in zip(NAMES, pieces))
+    constants = "\n".join(constant(name, piece) for name, piece in zip(NAMES, pieces))
     return ('// Written by embed.py from the files of report/page.\n#include "tools/mlktree/report/PageText.h"\n\n'
             f"namespace mlk::tree {{\n\n{constants}\n}}  // namespace mlk::tree\n")
 
