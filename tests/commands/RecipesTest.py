@@ -16,9 +16,10 @@ GUIDE = "docs/mlktree.md"
 PLACE = "tvconfigs/model/TRQ43_M2_EU.ini"
 
 
-def block(language):
-    """The text of the only block of that language in the guide."""
-    (found,) = [block for block in examples.blocks(GUIDE, text_of(GUIDE)) if block.kind == language]
+def block(language, word=""):
+    """The text of the only block of that language in the guide that has the word."""
+    (found,) = [block for block in examples.blocks(GUIDE, text_of(GUIDE))
+                if block.kind == language and word in "".join(block.lines)]
     return "\n".join(found.lines) + "\n"
 
 
@@ -96,7 +97,7 @@ class Recipes(unittest.TestCase):
         self.assertIn(f"::error file=line/{PLACE},line=", annotations.stdout)
 
     def test_the_problem_matcher_matches(self):
-        (task,) = json.loads(block("json"))["tasks"]
+        (task,) = json.loads(block("json", "problemMatcher"))["tasks"]
         check_options(self, words_of(task["command"]), task["command"])
         self.plant()
         found, line, column = self.check()

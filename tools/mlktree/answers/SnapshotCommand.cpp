@@ -55,8 +55,8 @@ Command snapshotCommand() {
                          "the command line or the tree is wrong, or the file cannot be written; "
                          "the message says what would be right"}};
     command.examples = {
-            {"mlktree snapshot samples/partitions -o release-1.json", "all sets of that tree"},
-            {"mlktree snapshot --model 6 --board skerry_b2.ini --country GERMANY", "one set"},
+            {"mlktree snapshot samples/partitions -o release-1.json", "all sets"},
+            {"mlktree snapshot --model 6 --country GERMANY -o small.json", "some sets"},
     };
     command.mostWords = 1;
     command.nextWord = treeWord;

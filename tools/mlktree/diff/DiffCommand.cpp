@@ -120,10 +120,9 @@ Command diffCommand() {
                          "the command line or a tree is wrong, or a file cannot be written; the "
                          "message says what would be right"}};
     command.examples = {
-            {"mlktree diff model=6 model=7", "two models with the same board and country"},
-            {"mlktree diff model=6,country=IRELAND model=6,country=FIJI", "two countries"},
-            {"mlktree diff country=GERMANY country=FRANCE --format markdown",
-             "for the comment of a review"},
+            {"mlktree diff model=6 model=7", "two models"},
+            {"mlktree diff country=IRELAND country=FIJI", "two countries"},
+            {"mlktree diff model=6 model=7 --format markdown", "for a review"},
     };
     command.mostWords = 2;
     command.nextWord = nextWord;

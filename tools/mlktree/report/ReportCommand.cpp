@@ -84,8 +84,7 @@ Command reportCommand() {
                          "the message says what would be right"}};
     command.examples = {
             {"mlktree report samples/partitions -o line.html", "the whole line"},
-            {"mlktree report -o - | gzip -9 > line.html.gz",
-             "of the current folder, for an archive"},
+            {"mlktree report -o - | gzip -9 > line.html.gz", "for an archive"},
     };
     command.mostWords = 1;
     command.nextWord = treeWord;

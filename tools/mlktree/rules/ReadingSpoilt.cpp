@@ -89,7 +89,6 @@ void checkConflicts(const ProductLine& line, Reporter& reporter) {
     const std::vector<bool> marks = contentsThat(line, isConflictMark);
     for (const auto& [path, file] : line.files()) {
         size_t begin = 0;
-        Finding::Lines last;
         const auto report = [&, path = std::string_view(path)](size_t first, size_t end) {
             std::vector<Related> related;
             if (end != first) {

@@ -121,7 +121,8 @@ void checkMended(const MendedFile& file, const std::vector<std::string_view>& fo
     for (const std::string& line : lines) {
         text += line + "\n";
     }
-    if (!isEnded && !file.endsLastLine && !text.empty()) {
+    const bool hasLastEnd = (isEnded || file.endsLastLine) && !file.dropsLastEnd;
+    if (!hasLastEnd && !text.empty()) {
         text.pop_back();
     }
     fuzzing::requireEqual("a mended file", file.text, text);
