@@ -20,6 +20,10 @@ std::string_view firstFolderOf(std::string_view path) {
     return path.substr(0, path.find('/', 1));
 }
 
+bool isOfBoardId(const Naming& naming) {
+    return naming.file != nullptr && naming.file->format() == FileFormat::BOARD_ID;
+}
+
 }  // namespace
 
 PathForm formOf(std::string_view path) {
@@ -27,7 +31,9 @@ PathForm formOf(std::string_view path) {
         return PathForm::RELATIVE;
     }
     if (beginsWith(path, "//")) {
-        const PathForm form = formOf(path.substr(path.find_first_not_of('/') - 1));
+        const size_t begin = path.find_first_not_of('/');
+        const PathForm form = begin != std::string_view::npos ? formOf(path.substr(begin - 1))
+                                                              : PathForm::OUTSIDE;
         return form == PathForm::INSIDE ? PathForm::BESIDE : form;
     }
     const std::string_view folder = firstFolderOf(path);
@@ -62,13 +68,17 @@ std::string pathInside(std::string_view path) {
 
 std::string pathIn(const Naming& naming) {
     std::string path(naming.line->value);
-    if (naming.file != nullptr && naming.file->format() == FileFormat::BOARD_ID) {
+    if (isOfBoardId(naming)) {
         path.erase(std::remove_if(path.begin(), path.end(),
                                   [](char c) { return c == '"' || c == ';'; }),
                    path.end());
         path = std::string(trimmed(path.substr(0, path.find('#'))));
     }
     return path;
+}
+
+PathForm formOf(const Naming& naming) {
+    return isOfBoardId(naming) ? formOf(pathIn(naming)) : formOf(naming.line->value);
 }
 
 bool isWholePath(const Naming& naming) {

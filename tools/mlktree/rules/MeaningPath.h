@@ -31,6 +31,9 @@ std::string pathInside(std::string_view path);
 /** The path that the line names: its value, or what the service makes of that of board_id.bin. */
 std::string pathIn(const Naming& naming);
 
+/** The form of pathIn(). */
+PathForm formOf(const Naming& naming);
+
 /** True if the value of the line is a path as written, not a part of one as in a map of plans. */
 bool isWholePath(const Naming& naming);
 

@@ -28,16 +28,18 @@ template <typename Check>
 void forEachPathOf(const ProductLine& line, PathForm form, const Check& check) {
     std::set<const ReadLine*> seen;
     for (const auto& [path, namings] : line.namedPaths()) {
-        std::string_view value;  // most lines that name a file have the same one
+        const ReadLine* last = nullptr;  // most lines that name a file have the same value
         bool isOfForm = false;
         for (const Naming& naming : namings) {
             if (!isWholePath(naming) || naming.line->value.empty()) {
                 continue;
             }
-            if (naming.line->value != value) {
-                value = naming.line->value;
-                const std::string meant = pathIn(naming);
-                isOfForm = !meant.empty() && formOf(meant) == form;
+            // What a value of board_id.bin means is another matter.
+            const bool isBoardId = naming.file->format() == FileFormat::BOARD_ID;
+            if (last == nullptr || isBoardId || naming.line->value != last->value) {
+                const std::string value = pathIn(naming);
+                isOfForm = !value.empty() && formOf(value) == form;
+                last = isBoardId ? nullptr : naming.line;
             }
             if (isOfForm && !hasBlankInElement(*naming.line) && seen.insert(naming.line).second) {
                 check(path, naming);

@@ -312,6 +312,13 @@ TEST_F(HostileTreesTest, PathsThatClimbOutOfTheTree) {
     EXPECT_EQ(check().status, 1);
 }
 
+TEST_F(HostileTreesTest, PathsOfSlashes) {
+    append("tvconfigs/model/second.ini",
+           "[COUNTRY]\nCOUNTRY_PATH = //\nLANGUAGE_PATH = ////\ntvSysMap = /\n");
+    mDir.write("impdata/board_id.bin", "BOARD_ID=//\n");
+    EXPECT_EQ(check().status, 1);
+}
+
 // The rules refer to the lines of the first reading when another one follows.
 TEST_F(HostileTreesTest, OneFileInManyFormats) {
     const std::string model = "tvconfigs/model/first.ini";
