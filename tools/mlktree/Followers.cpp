@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tools/mlktree/ProductLine.h"
 
@@ -38,26 +42,50 @@ bool hidesFiles(const Finding& finding, const ProductLine& line) {
             finding.place.file.find(".xml") != std::string::npos);
 }
 
+// The lines that the findings of one rule spoil in one file: in their order, and none twice.
+using Spoilt = std::vector<Finding::Lines>;
+
+bool isEarlier(const Finding::Lines& one, const Finding::Lines& other) {
+    return one.first < other.first;
+}
+
+bool spoils(const Finding& finding) {
+    return finding.spoilt.first <= finding.spoilt.last;
+}
+
+// True if a finding lies in one of these lines and does not spoil as many itself.
+bool isIn(const Spoilt& spoilt, const Finding& finding) {
+    const size_t at = finding.place.line;
+    const auto after =
+            std::upper_bound(spoilt.begin(), spoilt.end(), Finding::Lines{at, at}, isEarlier);
+    if (after == spoilt.begin() || at > std::prev(after)->last) {
+        return false;
+    }
+    const Finding::Lines& lines = *std::prev(after);
+    return !spoils(finding) ||
+           finding.spoilt.last - finding.spoilt.first < lines.last - lines.first;
+}
+
 void leaveOutSpoilt(std::vector<Finding>& findings) {
-    std::map<std::string, std::vector<std::pair<Finding::Lines, std::string>>> spoilt;
+    std::map<std::string, std::map<std::string, Spoilt>> files;  // by file and rule
     for (const Finding& finding : findings) {
-        if (finding.spoilt.first <= finding.spoilt.last) {
-            spoilt[finding.place.file].emplace_back(finding.spoilt, finding.rule);
+        if (spoils(finding)) {
+            files[finding.place.file][finding.rule].push_back(finding.spoilt);
         }
     }
-    if (spoilt.empty()) {
+    if (files.empty()) {
         return;
     }
+    for (auto& [path, rules] : files) {
+        for (auto& [rule, spoilt] : rules) {
+            std::sort(spoilt.begin(), spoilt.end(), isEarlier);
+        }
+    }
     const auto follows = [&](const Finding& finding) {
-        const auto ranges = spoilt.find(finding.place.file);
-        return ranges != spoilt.end() &&
-               std::any_of(ranges->second.begin(), ranges->second.end(), [&](const auto& range) {
-                   const auto& [lines, rule] = range;
-                   const bool isLarger =
-                           finding.spoilt.last - finding.spoilt.first >= lines.last - lines.first;
-                   return rule != finding.rule && finding.place.line >= lines.first &&
-                          finding.place.line <= lines.last &&
-                          !(finding.spoilt.first <= finding.spoilt.last && isLarger);
+        const auto rules = files.find(finding.place.file);
+        return rules != files.end() &&
+               std::any_of(rules->second.begin(), rules->second.end(), [&](const auto& each) {
+                   return each.first != finding.rule && isIn(each.second, finding);
                });
     };
     findings.erase(std::remove_if(findings.begin(), findings.end(), follows), findings.end());
@@ -72,6 +100,49 @@ std::string textOf(const ProductLine& line, const std::string& path) {
     text.resize(static_cast<size_t>(stream.gcount()));
     return text.size() < kMostBytes ? text : std::string();
 }
+
+// Files, found by what follows their partition's name.
+class NamesOfFiles {
+  public:
+    explicit NamesOfFiles(const std::set<std::string>& paths) {
+        for (const std::string& path : paths) {
+            mPaths[path.substr(std::min(path.find('/'), path.size()))].push_back(path);
+        }
+        mPaths.erase("");
+    }
+
+    // Takes out and returns the files that a text names.
+    std::vector<std::string> takeNamed(std::string_view text) {
+        std::vector<std::string> named;
+        for (size_t at = text.find('/'); at != std::string_view::npos;
+             at = text.find('/', at + 1)) {
+            takeNamedAt(text.substr(at), named);
+        }
+        return named;
+    }
+
+  private:
+    // All names that the text begins with: each is found by cutting what the next one before the
+    // text in order does not have.
+    void takeNamedAt(std::string_view text, std::vector<std::string>& named) {
+        for (auto next = mPaths.upper_bound(text); next != mPaths.begin();
+             next = mPaths.upper_bound(text)) {
+            const auto before = std::prev(next);
+            const std::string_view name = before->first;
+            const auto differing =
+                    std::mismatch(name.begin(), name.end(), text.begin(), text.end()).first;
+            const auto same = static_cast<size_t>(differing - name.begin());
+            if (same == name.size()) {
+                named.insert(named.end(), before->second.begin(), before->second.end());
+                mPaths.erase(before);
+            } else {
+                text = text.substr(0, same);
+            }
+        }
+    }
+
+    std::map<std::string, std::vector<std::string>, std::less<>> mPaths;  // by name
+};
 
 // The files that are unused because of a mistake.
 std::set<std::string> unusedByMistake(const std::vector<Finding>& findings,
@@ -95,17 +166,12 @@ std::set<std::string> unusedByMistake(const std::vector<Finding>& findings,
             }
         }
     }
-    for (size_t i = 0; i < texts.size() && !unused.empty(); ++i) {
-        for (auto path = unused.begin(); path != unused.end();) {
-            const std::string name = path->substr(path->find('/'));
-            if (texts[i].find(name) != std::string::npos) {
-                // What it names in turn is used by it only.
-                texts.push_back(textOf(line, *path));
-                result.insert(*path);
-                path = unused.erase(path);
-            } else {
-                ++path;
-            }
+    NamesOfFiles names(unused);
+    for (size_t i = 0; i < texts.size(); ++i) {
+        for (const std::string& path : names.takeNamed(texts[i])) {
+            // What it names in turn is used by it only.
+            texts.push_back(textOf(line, path));
+            result.insert(path);
         }
     }
     return result;

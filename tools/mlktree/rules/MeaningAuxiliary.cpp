@@ -1,15 +1,17 @@
 // A rule about names in audio, karaoke, key and DDC/CI files.
 
-#include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <map>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
+#include "tools/mlktree/rules/NameUses.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -17,8 +19,6 @@ namespace mlk::tree {
 namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
-
-using Names = std::map<std::string_view, size_t>;  // with how many files or sections have them
 
 // The section of the items that name files of one kind; "[AUDIO]" also for a file of the hardware.
 std::string_view kindOf(const ProductLine& line, const std::string& path) {
@@ -34,78 +34,93 @@ std::string_view kindOf(const ProductLine& line, const std::string& path) {
     return {};
 }
 
+// The names that are meant, by the names that stand there.
+using Meant = std::map<std::string_view, std::string_view>;
+
 // What the files of one kind have.
 struct Kind {
     std::vector<const FileLines*> files;
-    Names sections;
-    Names keys;
+    NameUses sections;
+    NameUses keys;
+    Meant meantSections;
+    Meant meantKeys;
 };
 
-std::map<std::string_view, Kind> kindsOf(const ProductLine& line) {
-    std::map<std::string_view, Kind> kinds;
-    for (const auto& [path, file] : line.files()) {
-        if (file->format() != FileFormat::AUXILIARY || !file->exists() || file->isUnreadable()) {
-            continue;
-        }
-        Kind& kind = kinds[kindOf(line, path)];
-        kind.files.push_back(file.get());
+void countNames(const ProductLine& line, Kind& kind) {
+    std::map<uint32_t, size_t> uses;  // of items that count, by their contents
+    for (const FileLines* const file : kind.files) {
         for (const auto& [name, first] : file->sections()) {
-            ++kind.sections[name];
+            kind.sections.add(name, 1);
+            if (isWholeSection(name) && trimmed(name) == name) {
+                kind.meantSections.emplace(name, "");
+            }
         }
-        for (const ReadLine& read : file->lines()) {
-            if (read.use == LineUse::ITEM && file->find(read.section, read.key) == &read) {
-                ++kind.keys[read.key];
+        for (size_t i = 0; i < file->lines().size(); ++i) {
+            if (file->counts(file->lines()[i])) {
+                ++uses[file->contents()[i]];
             }
         }
     }
-    return kinds;
-}
-
-// The near name that more files have; empty if there is none.
-std::string_view commonNameFor(const Names& names, std::string_view name) {
-    constexpr size_t kMostNames = 500;
-    const size_t count = names.at(name);
-    std::vector<std::string_view> candidates;
-    for (const auto& [other, uses] : names) {
-        if (uses > count && candidates.size() < kMostNames) {
-            candidates.push_back(other);
+    for (const auto& [content, count] : uses) {
+        const ReadLine& read = *line.contents()[content].line;
+        kind.keys.add(read.key, count);
+        if (!read.key.empty() && trimmed(read.key) == read.key) {
+            kind.meantKeys.emplace(read.key, "");
         }
     }
-    return nearestName(name, candidates);
+}
+
+// Leaves the names that nearly are one that more files have.
+void findMeant(NameUses& uses, Meant& names) {
+    uses.sort(false);
+    size_t searches = 0;
+    for (auto each = names.begin(); each != names.end();) {
+        each->second = uses.commonNameFor(each->first, searches);
+        each = each->second.empty() ? names.erase(each) : std::next(each);
+    }
+}
+
+void reportUnlike(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                  const ReadLine& read, std::string_view name, std::string_view right) {
+    reporter.report(placeOf(line, file, read, name),
+                    "other files of this kind have " + quoted(right) + ", not " + quoted(name));
+}
+
+void checkKind(const ProductLine& line, Reporter& reporter, const Kind& kind) {
+    const std::vector<bool> unlike =
+            contentsThat(line, [&](FileFormat format, const ReadLine& read) {
+                return format == FileFormat::AUXILIARY && read.use == LineUse::ITEM &&
+                       kind.meantKeys.count(read.key) > 0 && !isBrokenSection(read);
+            });
+    for (const FileLines* const file : kind.files) {
+        for (const auto& [name, right] : kind.meantSections) {
+            const auto first = file->sections().find(name);
+            if (first != file->sections().end() && file->sections().count(right) == 0) {
+                reportUnlike(line, reporter, *file, *first->second, name, right);
+            }
+        }
+        for (const ReadLine* const read : linesThat(*file, unlike)) {
+            const std::string_view right = kind.meantKeys.at(read->key);
+            if (file->counts(*read) && file->find(read->section, right) == nullptr) {
+                reportUnlike(line, reporter, *file, *read, read->key, right);
+            }
+        }
+    }
 }
 
 void checkNames(const ProductLine& line, Reporter& reporter) {
-    for (const auto& [section, kind] : kindsOf(line)) {
-        std::map<std::string_view, std::string_view> common;  // of names that were looked up
-        const auto rightFor = [&common](const Names& names, std::string_view name) {
-            const auto [right, isNew] = common.try_emplace(name);
-            if (isNew) {
-                right->second = commonNameFor(names, name);
-            }
-            return right->second;
-        };
-        for (const FileLines* const file : kind.files) {
-            for (const ReadLine& read : file->lines()) {
-                const bool isSection = read.use == LineUse::SECTION;
-                const std::string_view name = isSection ? read.section : read.key;
-                const bool counts =
-                        isSection ? isWholeSection(name) && file->sections().at(name) == &read
-                                  : read.use == LineUse::ITEM && !name.empty() &&
-                                            !isBrokenSection(read) &&
-                                            file->find(read.section, name) == &read;
-                if (!counts || trimmed(name) != name) {
-                    continue;
-                }
-                const std::string_view right =
-                        rightFor(isSection ? kind.sections : kind.keys, name);
-                const bool hasRight = isSection ? file->sections().count(right) > 0
-                                                : file->find(read.section, right) != nullptr;
-                if (!right.empty() && !hasRight) {
-                    reporter.report(placeOf(line, *file, read, name),
-                                    "other files of this kind have " + quoted(right) + ", not " +
-                                            quoted(name));
-                }
-            }
+    std::map<std::string_view, Kind> kinds;
+    for (const auto& [path, file] : line.files()) {
+        if (file->format() == FileFormat::AUXILIARY && file->exists() && !file->isUnreadable()) {
+            kinds[kindOf(line, path)].files.push_back(file.get());
+        }
+    }
+    for (auto& [section, kind] : kinds) {
+        countNames(line, kind);
+        findMeant(kind.sections, kind.meantSections);
+        findMeant(kind.keys, kind.meantKeys);
+        if (!kind.meantSections.empty() || !kind.meantKeys.empty()) {
+            checkKind(line, reporter, kind);
         }
     }
 }

@@ -43,10 +43,12 @@ bool isMeantBy(const ReadLine& read, const ItemTable& table, const product::Conf
         const auto facts = table.sections.find(read.section);
         return facts != table.sections.end() && facts->second.meant == name.category;
     }
-    if (product::findKnownItem({read.section, read.key}) != nullptr) {
+    const ItemFacts* const facts = table.find({read.section, read.key});
+    const auto* const known =
+            facts != nullptr ? facts->known : product::findKnownItem({read.section, read.key});
+    if (known != nullptr) {
         return false;  // meant for itself: several sections have the key
     }
-    const ItemFacts* const facts = table.find({read.section, read.key});
     return (facts != nullptr && facts->meant == name.key && read.section == name.category) ||
            lowerCase(trimmed(read.text.substr(0, read.text.find('=')))).find(lowerCase(name.key)) ==
                    0;

@@ -97,9 +97,10 @@ std::string shownOf(const ReadLine& read) {
 
 void checkFolders(const ProductLine& line, Reporter& reporter) {
     forEachModelLine(line, [&](const FileLines& file, const ReadLine& read) {
-        const bool isThere = product::pathExists(line.tree().hostOfWritten(read.value));
-        if (!read.value.empty() && isThere &&
-            read.text.find(keyword::kModelFolder) == std::string_view::npos) {
+        // A file that does not exist is another finding.
+        if (!read.value.empty() &&
+            read.text.find(keyword::kModelFolder) == std::string_view::npos &&
+            product::pathExists(line.tree().hostOfWritten(read.value))) {
             reporter.report(placeOf(line, file, read, read.value),
                             "the list of models shows what follows \"model/\", and otherwise the "
                             "line without its first five bytes; put model files into a folder "

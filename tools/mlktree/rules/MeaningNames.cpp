@@ -4,12 +4,12 @@
 #include <iterator>
 #include <map>
 #include <tuple>
-#include <unordered_map>
 #include <vector>
 
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
+#include "tools/mlktree/rules/NameUses.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -126,88 +126,46 @@ void checkPlaces(const ProductLine& line, Reporter& reporter) {
 }
 
 // Names by how many model files have them.
-struct Uses {
-    std::unordered_map<std::string_view, size_t> counts;
-    std::vector<std::string_view> mostUsed;  // at most kMostCandidates
-};
-
-// Little work, also for a hostile section. In a large line, a name that one file has is no model
-// for others.
-constexpr size_t kMostCandidates = 500;
-
 struct Usage {
-    Uses sections;
-    std::map<std::string_view, Uses> keys;  // by section
+    NameUses sections;
+    std::map<std::string_view, NameUses> keys;  // by section
 };
-
-void sortByUse(Uses& uses, bool isSmall) {
-    for (const auto& [name, count] : uses.counts) {
-        if (count > 1 || isSmall) {
-            uses.mostUsed.push_back(name);
-        }
-    }
-    std::sort(uses.mostUsed.begin(), uses.mostUsed.end(),
-              [&](std::string_view one, std::string_view other) {
-                  const size_t count = uses.counts.at(one);
-                  const size_t otherCount = uses.counts.at(other);
-                  return count != otherCount ? count > otherCount : one < other;
-              });
-    uses.mostUsed.resize(std::min(uses.mostUsed.size(), kMostCandidates));
-}
 
 Usage findUsage(const ItemTable& table) {
     Usage usage;
     for (const auto& [name, facts] : table.sections) {
         if (facts.models > 0) {
-            usage.sections.counts.emplace(name, facts.models);
+            usage.sections.add(name, facts.models);
         }
     }
     for (const auto& [name, facts] : table.items) {
         if (facts.models > 0) {
-            usage.keys[name.first].counts.emplace(name.second, facts.models);
+            usage.keys[name.first].add(name.second, facts.models);
         }
     }
     constexpr size_t kFewFiles = 20;
     const bool isSmall = table.files.size() < kFewFiles;
-    sortByUse(usage.sections, isSmall);
+    usage.sections.sort(isSmall);
     for (auto& [section, uses] : usage.keys) {
-        sortByUse(uses, isSmall);
+        uses.sort(isSmall);
     }
     return usage;
 }
 
-// More names that stand out than any line that somebody wrote has.
-constexpr size_t kMostSearches = 2'000;
-
-// The near name that more model files have than this one; empty if there is none.
-std::string_view commonNameFor(const Uses& uses, std::string_view name, size_t& searches) {
-    const auto own = uses.counts.find(name);
-    const size_t count = own != uses.counts.end() ? own->second : 0;
-    std::vector<std::string_view> candidates;
-    for (const std::string_view candidate : uses.mostUsed) {
-        if (uses.counts.at(candidate) <= count) {
-            break;
-        }
-        candidates.push_back(candidate);
-    }
-    const bool isSearched = !candidates.empty() && ++searches <= kMostSearches;
-    return isSearched ? nearestName(name, candidates) : std::string_view();
-}
-
-std::string unlike(const Uses& uses, std::string_view name, std::string_view right) {
-    const size_t count = uses.counts.at(right);
+std::string unlike(const NameUses& uses, std::string_view name, std::string_view right) {
+    const size_t count = uses.countOf(right);
     return counted(count, "other model file has ", "other model files have ") + quoted(right) +
            ", not " + quoted(name);
 }
 
 void checkUnlikeSections(const ProductLine& line, Reporter& reporter, const ItemTable& table,
-                         const Uses& uses) {
+                         const NameUses& uses) {
     std::map<const SectionFacts*, std::string_view> common;
     size_t searches = 0;
     for (const auto& [name, facts] : table.sections) {
         const bool isUnknown = isWholeSection(name) && facts.meant.empty() &&
                                !has(knownSections(), name) && !line.settings().knowsSection(name);
-        const std::string_view right = isUnknown ? commonNameFor(uses, name, searches) : "";
+        const std::string_view right = isUnknown ? uses.commonNameFor(name, searches) : "";
         if (!right.empty()) {
             common.emplace(&facts, right);
         }
@@ -233,7 +191,7 @@ void checkUnlikeKeys(const ProductLine& line, Reporter& reporter, const ItemTabl
             isMeantSection(table, name.first)) {
             return false;
         }
-        const std::string_view right = commonNameFor(uses->second, name.second, searches);
+        const std::string_view right = uses->second.commonNameFor(name.second, searches);
         return !right.empty() && common.emplace(&facts, right).second;
     };
     forEachItemThat(table, hasCommonName,

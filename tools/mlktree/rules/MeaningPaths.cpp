@@ -7,6 +7,7 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
@@ -31,7 +32,7 @@ bool isLookedFor(const Naming& naming) {
         return false;
     }
     // Other forms have rules of their own.
-    return !isWholePath(naming) || formOf(pathIn(naming)) == PathForm::INSIDE;
+    return !isWholePath(naming) || formOf(naming) == PathForm::INSIDE;
 }
 
 // Reports a file once, at the first line that names it; the others are related.
@@ -201,31 +202,61 @@ void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// The format in which the service reads the file that a line names.
-FileFormat formatOf(const Naming& naming) {
-    if (naming.file == nullptr || naming.line == nullptr) {
-        return FileFormat::NONE;
-    }
-    if (naming.file->format() == FileFormat::COUNTRY_MAP) {
-        return naming.line->key == product::element::kFeaturesOfCountry ? FileFormat::TV_FEATURES
-                                                                        : FileFormat::NONE;
-    }
-    const auto* const known = product::findKnownItem({naming.line->section, naming.line->key});
-    const bool isOfItems = naming.file->format() == FileFormat::PROJECT ||
-                           naming.file->format() == FileFormat::TV_SYSTEMS;
-    const bool isRead = isOfItems && known != nullptr && known->names != FileFormat::OPAQUE &&
+// The format in which the service reads the file that an item names; NONE if it reads none.
+FileFormat formatNamedBy(const ReadLine& item) {
+    const auto* const known = product::findKnownItem({item.section, item.key});
+    const bool isRead = known != nullptr && known->names != FileFormat::OPAQUE &&
                         known->names != FileFormat::CHANNEL_PLANS;
     return isRead ? known->names : FileFormat::NONE;
 }
 
+// The same for the lines of model and board files, by their contents.
+std::vector<FileFormat> formatsNamedByItems(const ProductLine& line) {
+    std::vector<FileFormat> formats(line.contents().size(), FileFormat::NONE);
+    for (size_t i = 0; i < formats.size(); ++i) {
+        const LineContent& content = line.contents()[i];
+        if (content.format == FileFormat::PROJECT && content.line->use == LineUse::ITEM) {
+            formats[i] = formatNamedBy(*content.line);
+        }
+    }
+    return formats;
+}
+
+// The format in which the service reads the file that a line names.
+FileFormat formatOf(const Naming& naming, const std::vector<FileFormat>& ofItems) {
+    if (naming.file == nullptr || naming.line == nullptr) {
+        return FileFormat::NONE;
+    }
+    switch (naming.file->format()) {
+        case FileFormat::PROJECT:
+            return ofItems[naming.file->contentOf(*naming.line)];
+        case FileFormat::TV_SYSTEMS:
+            return formatNamedBy(*naming.line);
+        case FileFormat::COUNTRY_MAP:
+            return naming.line->key == product::element::kFeaturesOfCountry
+                           ? FileFormat::TV_FEATURES
+                           : FileFormat::NONE;
+        default:
+            return FileFormat::NONE;
+    }
+}
+
 void checkKinds(const ProductLine& line, Reporter& reporter) {
+    const std::vector<FileFormat> ofItems = formatsNamedByItems(line);
     for (const auto& [path, namings] : line.namedPaths()) {
         std::map<FileFormat, std::vector<const Naming*>> kinds;
+        std::vector<const Naming*>* last = nullptr;  // most lines have the kind of the last one
+        FileFormat lastFormat = FileFormat::NONE;
         for (const Naming& naming : namings) {
-            const FileFormat format = formatOf(naming);
-            if (format != FileFormat::NONE) {
-                kinds[format].push_back(&naming);
+            const FileFormat format = formatOf(naming, ofItems);
+            if (format == FileFormat::NONE) {
+                continue;
             }
+            if (format != lastFormat) {
+                last = &kinds[format];
+                lastFormat = format;
+            }
+            last->push_back(&naming);
         }
         if (kinds.size() < 2 || !pathExists(line.tree().host(path))) {
             continue;

@@ -119,11 +119,12 @@ std::vector<const FileLines*> filesOf(const ProductLine& line, const product::Co
     std::vector<const FileLines*> files;
     for (const auto& [path, namings] : line.namedPaths()) {
         const FileLines* const file = line.find(path);
-        const bool isNamed = std::any_of(namings.begin(), namings.end(), [&](const Naming& naming) {
+        const auto isItem = [&](const Naming& naming) {
             return naming.line != nullptr && naming.line->section == item.category &&
                    naming.line->key == item.key;
-        });
-        if (file != nullptr && file->format() == FileFormat::AUXILIARY && isNamed) {
+        };
+        if (file != nullptr && file->format() == FileFormat::AUXILIARY &&
+            std::any_of(namings.begin(), namings.end(), isItem)) {
             files.push_back(file);
         }
     }
@@ -134,8 +135,7 @@ void checkKaraoke(const ProductLine& line, Reporter& reporter) {
     for (const FileLines* const file : filesOf(line, product::item::kKaraoke)) {
         for (const ReadLine& read : file->lines()) {
             const std::string_view value = trimmed(read.value);
-            if (read.use == LineUse::ITEM && file->find(read.section, read.key) == &read &&
-                !isDecimalIn(value, {})) {
+            if (file->counts(read) && !isDecimalIn(value, {})) {
                 reporter.report(placeOf(line, *file, read, value.empty() ? "=" : value),
                                 std::string(read.section) + " " + std::string(read.key) + ": " +
                                         problemOf(product::ValueType::INTEGER, value));

@@ -269,31 +269,41 @@ std::string missingFrom(const SystemItems& system, const std::map<ItemName, cons
 void reportRare(const ProductLine& line, const FileLines& file,
                 const std::vector<SystemItems>& systems, std::map<ItemName, const ReadLine*>& all,
                 FindingGroups& groups) {
+    struct Rare {
+        std::string_view owner;  // the first system that sets it
+        size_t count;            // of systems that set it
+    };
+    std::map<ItemName, Rare> rare;
     for (auto each = all.begin(); each != all.end();) {
-        const auto [item, begin] = *each;
+        const ItemName item = each->first;
         const auto count = static_cast<size_t>(
-                std::count_if(systems.begin(), systems.end(), [&, name = item](const auto& system) {
-                    return system.items.count(name) > 0 || system.meant.count(name) > 0 ||
+                std::count_if(systems.begin(), systems.end(), [&](const SystemItems& system) {
+                    return system.items.count(item) > 0 || system.meant.count(item) > 0 ||
                            system.mayLackAny;
                 }));
         if (count * 2 >= systems.size()) {
             ++each;
             continue;
         }
-        for (const ReadLine* const read : itemsOf(file)) {
-            if (read->owner == begin->owner && trimmed(read->section) == item.section &&
-                trimmed(read->key) == item.key) {
-                groups.add("rare" + nameOf(*read), placeOf(line, file, *read, read->key),
-                           "TV system " + quoted(read->owner) + " sets " +
-                                   std::string(item.section) + " " + std::string(item.key) +
-                                   ", which " + std::to_string(systems.size() - count) + " of " +
-                                   std::to_string(systems.size()) +
-                                   " do not set: after a change from one of its countries the "
-                                   "value stays");
-                break;
-            }
-        }
+        rare.emplace(item, Rare{each->second->owner, count});
         each = all.erase(each);
+    }
+    if (rare.empty()) {
+        return;
+    }
+    for (const ReadLine* const read : itemsOf(file)) {
+        const auto found = rare.find({trimmed(read->section), trimmed(read->key)});
+        if (found == rare.end() || found->second.owner != read->owner) {
+            continue;
+        }
+        const ItemName& item = found->first;
+        groups.add("rare" + nameOf(*read), placeOf(line, file, *read, read->key),
+                   "TV system " + quoted(read->owner) + " sets " + std::string(item.section) + " " +
+                           std::string(item.key) + ", which " +
+                           std::to_string(systems.size() - found->second.count) + " of " +
+                           std::to_string(systems.size()) +
+                           " do not set: after a change from one of its countries the value stays");
+        rare.erase(found);  // the first line is enough
     }
 }
 

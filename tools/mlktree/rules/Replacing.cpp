@@ -12,6 +12,7 @@
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
 
@@ -27,6 +28,23 @@ constexpr size_t kMostRelated = 5;
 std::string nameOfItem(const ReadLine& read) {
     return read.section.empty() ? std::string(read.key)
                                 : std::string(read.section) + " " + std::string(read.key);
+}
+
+// The items of which the file has several of one name, in their order.
+std::vector<const ReadLine*> linesOfKeysTwice(const FileLines& file) {
+    std::vector<const ReadLine*> lines;
+    for (const ReadLine* const read : file.outdone()) {
+        for (const ReadLine* const each : {read, file.find(read->section, read->key)}) {
+            const bool isComment =
+                    file.format() == FileFormat::CUSTOMER && looksLikeComment(each->text);
+            if (!isComment) {
+                lines.push_back(each);
+            }
+        }
+    }
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+    return lines;
 }
 
 // A line whose key stands above, too.
@@ -77,7 +95,53 @@ void reportBlock(const ProductLine& line, Reporter& reporter, const FileLines& f
                     std::move(related));
 }
 
+// The lines of model, board and auxiliary files that begin a section, or look so: keys below the
+// latter are not where their author put them.
+std::vector<bool> sectionContents(const ProductLine& line) {
+    return contentsThat(line, [](FileFormat format, const ReadLine& read) {
+        const bool hasSections = format == FileFormat::PROJECT || format == FileFormat::AUXILIARY;
+        return hasSections && (read.use == LineUse::SECTION || isBrokenSection(read));
+    });
+}
+
+void checkKeysTwiceIn(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                      const std::vector<bool>& sections) {
+    std::vector<const ReadLine*> lines = linesOfKeysTwice(file);
+    const std::vector<const ReadLine*> begins = linesThat(file, sections);
+    lines.insert(lines.end(), begins.begin(), begins.end());
+    std::sort(lines.begin(), lines.end());
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+
+    std::map<std::pair<std::string_view, std::string_view>, const ReadLine*> seen;
+    std::vector<Repeat> repeats;  // since the last section line
+    const ReadLine* again = nullptr;
+    bool isBroken = false;
+    for (const ReadLine* const each : lines) {
+        const ReadLine& read = *each;
+        if (read.use == LineUse::SECTION) {
+            reportBlock(line, reporter, file, again, repeats);
+            repeats.clear();
+            again = file.sections().at(read.section) != each ? each : nullptr;
+            isBroken = false;
+            continue;
+        }
+        isBroken |= sections[file.contentOf(read)];
+        if (read.use != LineUse::ITEM || isBroken) {
+            continue;
+        }
+        const auto [former, isNew] = seen.try_emplace({read.section, read.key}, each);
+        if (isNew) {
+            continue;
+        }
+        const ReadLine* const counts = file.find(read.section, read.key);
+        repeats.push_back({each, former->second});
+        former->second = counts->number > former->second->number ? each : former->second;
+    }
+    reportBlock(line, reporter, file, again, repeats);
+}
+
 void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
+    std::vector<bool> sections;  // made when the first file needs it
     for (const auto& [path, file] : line.files()) {
         const bool hasItems =
                 file->format() == FileFormat::PROJECT || file->format() == FileFormat::AUXILIARY ||
@@ -85,45 +149,21 @@ void checkKeysTwice(const ProductLine& line, Reporter& reporter) {
         if (!hasItems || file->outdone().empty()) {
             continue;
         }
-        const bool isCustomer = file->format() == FileFormat::CUSTOMER;
-        std::map<std::pair<std::string_view, std::string_view>, const ReadLine*> seen;
-        std::vector<Repeat> repeats;  // since the last section line
-        const ReadLine* again = nullptr;
-        bool isBroken = false;
-        for (const ReadLine& read : file->lines()) {
-            if (read.use == LineUse::SECTION) {
-                reportBlock(line, reporter, *file, again, repeats);
-                repeats.clear();
-                again = file->sections().at(read.section) != &read ? &read : nullptr;
-                isBroken = false;
-                continue;
-            }
-            // Below a section line that is none, keys are not where their author put them.
-            isBroken |= file->format() != FileFormat::TV_FEATURES && !isCustomer &&
-                        isBrokenSection(read);
-            if (read.use != LineUse::ITEM || isBroken ||
-                (isCustomer && looksLikeComment(read.text))) {
-                continue;
-            }
-            const auto [former, isNew] = seen.try_emplace({read.section, read.key}, &read);
-            if (isNew) {
-                continue;
-            }
-            const ReadLine* const counts = file->find(read.section, read.key);
-            repeats.push_back({&read, former->second});
-            former->second = counts->number > former->second->number ? &read : former->second;
+        if (sections.empty()) {
+            sections = sectionContents(line);
         }
-        reportBlock(line, reporter, *file, again, repeats);
+        checkKeysTwiceIn(line, reporter, *file, sections);
     }
 }
 
 void checkBoards(const ProductLine& line, Reporter& reporter) {
+    std::set<const FileLines*> modelFiles;
+    for (const Model& model : line.models()) {
+        modelFiles.insert(model.file);
+    }
     for (const Board& board : line.boards()) {
-        const bool isModel =
-                std::any_of(line.models().begin(), line.models().end(),
-                            [&](const Model& model) { return model.file == board.file; });
-        if (board.file == nullptr || isModel) {
-            continue;  // another finding
+        if (board.file == nullptr || modelFiles.count(board.file) > 0) {
+            continue;  // a board file that is a model's is another finding
         }
         for (const ReadLine& read : board.file->lines()) {
             if (!board.file->counts(read)) {

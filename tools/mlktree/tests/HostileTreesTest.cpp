@@ -319,6 +319,14 @@ TEST_F(HostileTreesTest, PathsOfSlashes) {
     EXPECT_EQ(check().status, 1);
 }
 
+// Most names stand in both files, and the others are near to many of these.
+TEST_F(HostileTreesTest, AudioFilesOfManyNames) {
+    const std::string shared = "[SPEAKER]\n" + manyLines("HDMI_DELAY_", " = 1");
+    append("tvconfigs/audio/ic.ini", shared);
+    append("tvconfigs/audio/panel.ini", shared + manyLines("HDMI_DEALY_", " = 1"));
+    EXPECT_LE(count("unlike-other-files"), Reporter::kMostOfFile);
+}
+
 // The rules refer to the lines of the first reading when another one follows.
 TEST_F(HostileTreesTest, OneFileInManyFormats) {
     const std::string model = "tvconfigs/model/first.ini";
