@@ -74,14 +74,14 @@ std::string AskedService::written(const std::string& value) const {
 void AskedService::ask(const Json& call, const std::string& expected, const std::string& what,
                        const Read& read) {
     mLines += call.dump() + "\n";
-    mChecks.push_back([this, expected, what, read](const Json& answer) {
+    mChecks.push_back([this, expected, what, read](const Json& answer, bool hasBytes) {
         std::string found;
         try {
             found = read(answer);
         } catch (const Json::exception& error) {
             found = std::string(error.what()) + ": " + answer.dump();
         }
-        EXPECT_EQ(found, expected) << what;
+        EXPECT_EQ(hasBytes ? restoreBytes(found) : found, expected) << what;
         ++mCompared;
     });
 }
@@ -184,7 +184,7 @@ size_t AskedService::run() {
     for (std::string line; std::getline(out, line) && answers < mChecks.size(); ++answers) {
         std::string plain;
         const bool hasBytes = hideByteEscapes(line, &plain);
-        mChecks[answers](Json::parse(hasBytes ? plain : line));
+        mChecks[answers](Json::parse(hasBytes ? plain : line), hasBytes);
     }
     EXPECT_EQ(answers, mChecks.size());
     mLines.clear();

@@ -51,7 +51,7 @@ class AskedService {
     const std::string mRoot;
     testing::Process mService;
     std::string mLines;
-    std::vector<std::function<void(const Json&)>> mChecks;
+    std::vector<std::function<void(const Json&, bool hasBytes)>> mChecks;
     size_t mCompared = 0;
 };
 
