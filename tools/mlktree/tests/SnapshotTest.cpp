@@ -52,15 +52,6 @@ json resolved(const json& all, const json& value) {
     return made;
 }
 
-// All sets of a snapshot in the plain form.
-std::vector<json> plainSets(const json& all) {
-    std::vector<json> sets;
-    for (const json& element : all["sets"]) {
-        sets.push_back(resolved(all, element));
-    }
-    return sets;
-}
-
 TEST(SnapshotTest, TellsTheSameOfEverySetWhenItIsReadAgain) {
     const testing::QuietLog quiet;
     const Answered sample(samplePath());
@@ -84,10 +75,10 @@ TEST(SnapshotTest, HasThePlainFormOnceReferencesAreResolved) {
     const testing::QuietLog quiet;
     const Answered sample(samplePath());
     const json all = json::parse(snapshotOf(*sample.answers));
-    const std::vector<json> sets = plainSets(all);
+    const json& sets = all["sets"];
     EXPECT_EQ(sets.size(), sample.line.setCount());
     for (size_t i = 0; i < sets.size(); i += 101) {
-        const json& set = sets[i];
+        const json set = resolved(all, sets[i]);
         Selection selection;
         selection.model = set["model"];
         selection.board = set["board"];
