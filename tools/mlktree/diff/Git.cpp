@@ -351,11 +351,44 @@ TemporaryFolder::TemporaryFolder() {
     if (mkdtemp(mPath.data()) == nullptr) {
         fail(mPath.c_str());
     }
+    startGuard();
+}
+
+void TemporaryFolder::startGuard() {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return;
+    }
+    // A group of its own: Ctrl-C of a terminal does not reach it. Nothing that waits for the end of
+    // this program's output waits for it.
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    std::string words[] = {"sh", "-c", "read -r end; exec rm -rf -- \"$0\"", mPath};
+    char* const pointers[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(),
+                              nullptr};
+    if (posix_spawn(&mGuard, "/bin/sh", &actions, &attributes, pointers, environ) != 0) {
+        mGuard = -1;
+    }
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    (void)close(ends[0]);
+    mGuardPipe = ends[1];
 }
 
 TemporaryFolder::~TemporaryFolder() {
     std::error_code ignored;
     fs::remove_all(mPath, ignored);
+    if (mGuardPipe >= 0) {
+        (void)close(mGuardPipe);
+    }
+    while (mGuard > 0 && waitpid(mGuard, nullptr, 0) < 0 && errno == EINTR) {
+    }
 }
 
 std::unique_ptr<TemporaryFolder> extractRevision(const std::string& folder,

@@ -1,12 +1,17 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace mlk::tree {
 
-/** A folder of the system's temporary folder. The destructor removes it with all it has. */
+/**
+ * A folder of the system's temporary folder. The destructor removes it with all it has. Should a
+ * signal end the program before that, a process that only waits for this removes it.
+ */
 class TemporaryFolder {
   public:
     /** @throw std::system_error if it cannot be made */
@@ -18,7 +23,11 @@ class TemporaryFolder {
     const std::string& path() const { return mPath; }
 
   private:
+    void startGuard();
+
     std::string mPath;
+    pid_t mGuard = -1;    // -1 if it cannot be started
+    int mGuardPipe = -1;  // closed when this process ends, in whatever way
 };
 
 /** Where extractRevision() puts the folder, below the temporary one. */

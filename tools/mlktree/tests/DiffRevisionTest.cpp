@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/Process.h"
 #include "host/testing/QuietLog.h"
 #include "host/testing/TempDir.h"
@@ -106,8 +108,6 @@ TEST_F(DiffRevisionTest, SaysWhatIsMissing) {
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.err,
               "mlktree: rev:nothing: the repository of " + line() + " has no such revision\n");
-    const Outcome none =
-            diff({"rev:HEAD", line(), "--tree", samplePath()}, {{"GIT_CEILING_DIRECTORIES", "/"}});
     const TempDir outside;
     fs::copy(samplePath(), outside.path(), fs::copy_options::recursive);
     const Outcome noRepository = diff({"rev:HEAD", line(), "--tree", outside.path()});
@@ -195,6 +195,32 @@ TEST_F(DiffRevisionTest, FollowsNoLinkWhenItWrites) {
         EXPECT_EQ(outcome.status, 2) << outcome.out;
     }
     EXPECT_TRUE(fs::is_empty(aim.path()));
+}
+
+// A git that ends its parent, while the parent reads files, with the signal that the test names.
+TEST_F(DiffRevisionTest, LeavesNoFolderWhenASignalEndsIt) {
+    const TempDir programs;
+    programs.write("git",
+                   "#!/bin/sh\n"
+                   "case \"$*\" in\n"
+                   "*cat-file*) ls -d \"$TMPDIR\"/*/tree >&3; kill -\"$SIGNAL\" $PPID; exit 1 ;;\n"
+                   "esac\n"
+                   "PATH=$REAL_PATH exec git \"$@\"\n");
+    fs::permissions(programs.path("git"), fs::perms::owner_all);
+    const std::string path = std::getenv("PATH");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL}) {
+        const std::string seen = programs.path("seen");
+        Process run({"sh", "-c", "exec \"$@\" 3> \"$0\"", seen, testing::binDir() + "/mlktree",
+                     "diff", "rev:HEAD", line()},
+                    {{{"PATH", programs.path() + ":" + path},
+                      {"REAL_PATH", path},
+                      {"SIGNAL", std::to_string(signal)},
+                      {"TMPDIR", temporary()},
+                      {"MLK_ROOT", line()}}});
+        EXPECT_EQ(run.wait(), 128 + signal) << run.err();
+        EXPECT_THAT(programs.read("seen"), HasSubstr(temporary() + "/mlktree-"));
+        EXPECT_TRUE(testing::eventually([this] { return fs::is_empty(temporary()); })) << signal;
+    }
 }
 
 TEST_F(DiffRevisionTest, LeavesTheRepositoryAsItIs) {
