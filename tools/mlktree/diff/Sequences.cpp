@@ -39,14 +39,32 @@ void markMoved(std::vector<SequencePair>& pairs) {
 
 std::vector<SequencePair> matchSequences(const std::vector<std::string>& a,
                                          const std::vector<std::string>& b) {
+    // An entry that is repeated is not moved where nothing changes around it.
+    const size_t shorter = std::min(a.size(), b.size());
+    size_t front = 0;
+    while (front < shorter && a[front] == b[front]) {
+        ++front;
+    }
+    size_t back = 0;
+    while (back < shorter - front && a[a.size() - 1 - back] == b[b.size() - 1 - back]) {
+        ++back;
+    }
     std::map<std::string_view, std::vector<size_t>> places;  // in b, the last one first
-    for (size_t i = b.size(); i-- > 0;) {
+    for (size_t i = b.size() - back; i-- > front;) {
         places[b[i]].push_back(i);
     }
     std::vector<SequencePair> pairs;
     for (size_t i = 0; i < a.size(); ++i) {
         SequencePair& pair = pairs.emplace_back();
         pair.a = i;
+        if (i < front) {
+            pair.b = i;
+            continue;
+        }
+        if (i >= a.size() - back) {
+            pair.b = i + b.size() - a.size();
+            continue;
+        }
         const auto found = places.find(a[i]);
         if (found != places.end() && !found->second.empty()) {
             pair.b = found->second.back();

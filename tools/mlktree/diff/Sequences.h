@@ -15,7 +15,8 @@ struct SequencePair {
 };
 
 /**
- * Matches two lists: equal entries from their beginnings, each once. As few as possible are moved.
+ * Matches two lists: equal beginnings and ends with each other, then equal entries from the first
+ * one on, each once. As few as possible are moved.
  * In the order of the first list; what it lacks comes last.
  */
 std::vector<SequencePair> matchSequences(const std::vector<std::string>& a,

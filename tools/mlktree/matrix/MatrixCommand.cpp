@@ -164,7 +164,7 @@ Command matrixCommand() {
             "some.\n\n"
             "PATTERN chooses rows by their names: \"*\" stands for any characters, \"?\" for one. "
             "The name of a section, a key or a getter stands for itself; a section needs no "
-            "brackets.\n\n"
+            "brackets. The words feature, framework and plan stand for all of that kind.\n\n"
             "\"-\" stands for an item that a set does not have, \"\" for an empty value; a channel "
             "plan is shown as its file and the number of its channels. In JSON, each row has its "
             "values with their sets: a group of sets lists its models, boards and countries, "

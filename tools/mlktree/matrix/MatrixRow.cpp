@@ -20,7 +20,8 @@ std::string MatrixRow::name() const {
 bool isChosen(const MatrixRow& row, const std::string& pattern) {
     const bool isSection =
             !pattern.empty() && (pattern == row.section || "[" + pattern + "]" == row.section);
-    return isSection || pattern == row.key || fitsWildcards(pattern, row.name());
+    const bool isKind = row.kind != RowKind::ITEM && pattern == nameOf(row.kind);
+    return isSection || isKind || pattern == row.key || fitsWildcards(pattern, row.name());
 }
 
 std::vector<MatrixRow> rowsOf(const LineAnswers& line) {

@@ -28,7 +28,7 @@ struct MatrixRow {
 
 /**
  * Whether a row fits a pattern: its name fits with "*" and "?" as wildcards; or the pattern is its
- * section, with or without brackets, its key or its method.
+ * section, with or without brackets, its key or its method, or its kind, except "item".
  */
 bool isChosen(const MatrixRow& row, const std::string& pattern);
 

@@ -50,6 +50,18 @@ TEST(SequencesTest, MoveAsFewAsPossible) {
     EXPECT_THAT(shown({"a", "a", "b"}, {"a", "b"}), ElementsAre("=a", "-a", "=b"));
     EXPECT_THAT(shown({"a"}, {"a", "a"}), ElementsAre("=a", "+a"));
     EXPECT_THAT(shown({"a"}, {"b"}), ElementsAre("-a", "+b"));
+    // The entry that is new is the first "b": the last one stays where it is.
+    EXPECT_THAT(shown({"a", "c", "b", "d"}, {"b", "c", "b", "d"}),
+                ElementsAre("-a", "=c", "=b", "=d", "+b"));
+    EXPECT_THAT(shown({"b", "b"}, {"b", "x", "b"}), ElementsAre("=b", "=b", "+x"));
+}
+
+TEST(SequencesTest, AnEntryThatIsRepeatedIsNewWhereItIsNew) {
+    const std::vector<SequencePair> pairs = matchSequences({"a", "c", "b"}, {"b", "c", "b"});
+    ASSERT_EQ(pairs.size(), 4U);
+    EXPECT_EQ(pairs[2].b, 2U);
+    EXPECT_EQ(pairs[3].a, std::nullopt);
+    EXPECT_EQ(pairs[3].b, 0U);
 }
 
 TEST(ChangeTest, TellsSetsInWords) {

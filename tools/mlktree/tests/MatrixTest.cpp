@@ -42,6 +42,11 @@ TEST(MatrixRowTest, PatternsAreOfNames) {
     EXPECT_TRUE(isChosen(feature, "feature *"));
     EXPECT_TRUE(isChosen(feature, "pvrEnabled"));
     EXPECT_FALSE(isChosen(feature, "framework *"));
+    EXPECT_TRUE(isChosen(feature, "feature"));
+    EXPECT_FALSE(isChosen(feature, "plan"));
+    EXPECT_FALSE(isChosen(item, "item"));
+    EXPECT_TRUE(isChosen({RowKind::PLAN, "", "DTV_CABLE AUTO"}, "plan"));
+    EXPECT_TRUE(isChosen({RowKind::FRAMEWORK, "", "strEnabled"}, "framework"));
     EXPECT_FALSE(isChosen(feature, ""));
 }
 
