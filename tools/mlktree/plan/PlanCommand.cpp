@@ -71,6 +71,9 @@ PlanRequest requestOf(std::vector<std::string> words, bool isTreeNamed) {
         throw UsageError(std::string(kForm) +
                          (words.size() > 3 ? "; " + excerpt(words[3]) + " is too much" : ""));
     }
+    if (words.size() == 2 && !isTreeNamed && looksLikeTree(words[0]) && !countryOf(words[0])) {
+        throw UsageError(std::string(kForm) + "; a word is missing after " + excerpt(words[0]));
+    }
     request.country = words[0];
     request.kind = words[1];
     request.cable = words.size() > 2 ? words[2] : "AUTO";
@@ -95,8 +98,9 @@ NotFound missing(const SetModel& set, const PlanRequest& request,
     const std::string map = planFolderOf(set.line(), set.valueOf(product::item::kChannelPlans)) +
                             product::kChannelMapFile;
     const FileLines* const file = set.line().find(map);
-    const std::string what = request.country + " has no plan " + request.name() + " in " +
-                             nameOf(set.choice()) + ": ";
+    const std::string choice = nameOf(set.choice());  // empty if the line has no model
+    const std::string what = request.country + " has no plan " + request.name() +
+                             (choice.empty() ? "" : " in " + choice) + ": ";
     if (file == nullptr || !file->exists()) {
         return NotFound(what + "there is no map " + map);
     }

@@ -331,6 +331,11 @@ TEST_F(PlanCommandTest, SaysWhatWouldBeRight) {
     EXPECT_THAT(refused({mDir.path(), "USA", "DTV_CABEL"}, 2),
                 HasSubstr("did you mean DTV_CABLE?"));
     EXPECT_THAT(refused({"GERMANY"}, 2), HasSubstr("plan takes [TREE] COUNTRY KIND [CABLE]"));
+    for (const char* const word : {"USA", "DTV_CABLE"}) {
+        EXPECT_EQ(refused({mDir.path(), word}, 2),
+                  "mlktree: plan takes [TREE] COUNTRY KIND [CABLE]; a word is missing after \"" +
+                          mDir.path() + "\"\n");
+    }
     EXPECT_THAT(refused({"USA", "DTV_CABLE", "HRC", "x", "--tree", "."}, 2),
                 HasSubstr("\"x\" is too much"));
 }
@@ -355,6 +360,10 @@ TEST_F(PlanCommandTest, NamesMapAndLineOfAPlanThatIsMissing) {
                 HasSubstr("the map " + map + " cannot be read"));
     std::filesystem::remove(mDir.path(map));
     EXPECT_THAT(refused({"GERMANY", "DTV_ANTENNA"}, 1), HasSubstr("there is no map " + map));
+    const testing::TempDir empty;
+    std::filesystem::create_directory(empty.path("tvconfigs"));
+    EXPECT_EQ(refused({empty.path(), "GERMANY", "DTV_ANTENNA"}, 1),
+              "mlktree: GERMANY has no plan DTV_ANTENNA: there is no map " + map + "\n");
 }
 
 // docs/mlktree.md shows it and has the commands that make it.
