@@ -14,7 +14,7 @@ namespace mlk::tree {
 namespace {
 
 UsageError notWritten(const std::string& path, const std::error_code& code) {
-    return UsageError(path + " cannot be written: " + code.message());
+    return UsageError((path.empty() ? "\"\"" : path) + " cannot be written: " + code.message());
 }
 
 int openedForWriting(const std::string& path) {

@@ -111,7 +111,8 @@ OpenOperand::OpenOperand(const Operand& operand, bool isOneSet, const Arguments&
     const std::string otherwise = treeFolder(arguments, "", environment);
     if (beginsWith(source, kRevision)) {
         mExtracted = extractRevision(otherwise, source.substr(kRevision.size()));
-        openTree(mExtracted->path() + kExtractedTree, source, isOneSet, arguments);
+        openTree(mExtracted->path() + kExtractedTree, source + " of " + otherwise, isOneSet,
+                 arguments);
     } else if (source.empty()) {
         openTree(otherwise, otherwise, isOneSet, arguments);
     } else if (isFolder(source)) {
@@ -128,7 +129,9 @@ void OpenOperand::openTree(const std::string& folder, const std::string& name, b
     const std::string where = folder + "/";
     try {
         if (!isFolder(where + "tvconfigs")) {
-            throw UsageError("there is no folder tvconfigs in it");
+            const bool isDefault = mExtracted != nullptr || mOperand.source.empty();
+            throw UsageError(std::string("there is no folder tvconfigs in it") +
+                             (isDefault ? "; --tree names the tree" : ""));
         }
         mTree = std::make_unique<Tree>(folder, Tree::Apart());
         mSettings = std::make_unique<Settings>(readSettings(where + "mlktree.toml"));

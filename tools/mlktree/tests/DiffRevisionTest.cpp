@@ -127,7 +127,8 @@ TEST_F(DiffRevisionTest, SaysWhatIsMissing) {
     commit("no tree");
     const Outcome noTree = diff({"rev:HEAD", line()});
     EXPECT_EQ(noTree.status, 2);
-    EXPECT_EQ(noTree.err, "mlktree: rev:HEAD: there is no folder tvconfigs in it\n");
+    EXPECT_EQ(noTree.err, "mlktree: rev:HEAD of " + line() +
+                                  ": there is no folder tvconfigs in it; --tree names the tree\n");
 }
 
 // No word of a revision is an option, a path or a command.

@@ -376,6 +376,9 @@ TEST_F(DiffTest, WrongOperandsSayWhatWouldBeRight) {
             {{"country=OZ,tree=" + sample, sample}, "--country OZ: the service knows no such"},
             {{"model=6,tree=nowhere", sample}, "there is no file or folder \"nowhere\""},
             {{"rev:HEAD", sample, "--tree", sample + "/.."}, ""},
+            {{"model=6", "model=7", "--tree", mDir.path("tvconfigs")},
+             "tvconfigs: there is no folder tvconfigs in it; --tree names the tree"},
+            {{sample, sample, "-o", ""}, "mlktree: \"\" cannot be written: No such file"},
     };
     for (const Wrong& wrong : kWrong) {
         std::vector<std::string> words = wrong.words;
