@@ -1,5 +1,7 @@
 #include "tools/mlktree/diff/Change.h"
 
+#include <utility>
+
 #include "tools/mlktree/ShownLine.h"
 
 namespace mlk::tree {
@@ -67,13 +69,37 @@ std::string listed(const std::vector<std::string>& names) {
     return text + (hidden > 0 ? " and " + std::to_string(hidden) + " more" : "");
 }
 
+// "2 of tvconfigs/customer_b.ini": the index, and the customer file; empty if the line has only
+// one.
+std::pair<std::string, std::string> partsOf(const std::string& model) {
+    constexpr std::string_view kOf = " of ";
+    const size_t end = model.find(kOf);
+    return end == std::string::npos
+                   ? std::pair(model, std::string())
+                   : std::pair(model.substr(0, end), model.substr(end + kOf.size()));
+}
+
+// "2, 3", "1 to 3 of tvconfigs/customer_b.ini" or "2 of ..., 2 of ..." for several customers.
+std::string listedModels(const std::vector<std::string>& models) {
+    const std::string customer = partsOf(models.front()).second;
+    std::vector<std::string> indexes;
+    for (const std::string& model : models) {
+        const auto [index, other] = partsOf(model);
+        if (other != customer) {
+            return listed(models);
+        }
+        indexes.push_back(index);
+    }
+    return listed(indexes) + (customer.empty() ? "" : " of " + shownText(customer));
+}
+
 std::string inWords(const SetGroup& group) {
     if (group.isAll()) {
         return "all sets";
     }
     std::string text = group.models.empty() ? "all models"
                                             : (group.models.size() == 1 ? "model " : "models ") +
-                                                      listed(group.models);
+                                                      listedModels(group.models);
     text += "; ";
     text += group.boards.empty()
                     ? "all boards"
@@ -121,7 +147,12 @@ std::vector<std::string> inSelections(const std::vector<SetGroup>& groups) {
             }
             made = std::move(all);
         };
-        multiply("model=", group.models);
+        std::vector<std::string> models;
+        for (const std::string& model : group.models) {
+            const auto [index, customer] = partsOf(model);
+            models.push_back(index + (customer.empty() ? "" : ",customer=" + customer));
+        }
+        multiply("model=", models);
         multiply("board=", group.boards);
         multiply("country=", group.countries);
         for (std::string& one : made) {

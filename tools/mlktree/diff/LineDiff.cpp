@@ -206,21 +206,28 @@ Difference Comparison::run() {
     match();
     compareIdentities();
     compareSets();
-    const auto customersOf = [](const LineAnswers& line) {
+    const bool isOfMany = mA.customers.size() > 1 || mB.customers.size() > 1;
+    const auto modelName = [isOfMany](const LineAnswers& line, const AnswerModel& one) {
+        return std::to_string(one.index) +
+               (isOfMany ? " of " + std::string(line.customers[one.customer].file) : "");
+    };
+    const auto customersOf = [&](const LineAnswers& line) {
         std::vector<Own> all;
         for (const AnswerCustomer& one : line.customers) {
             all.push_back({std::string(one.file), one.id, {}});
         }
+        for (const AnswerModel& one : line.models) {
+            if (isOfMany) {
+                all[one.customer].sets.models.push_back(modelName(line, one));
+            }
+        }
         return all;
     };
     addOwn(ChangeKind::CUSTOMER, customersOf(mA), customersOf(mB));
-    const bool isOfMany = mA.customers.size() > 1 || mB.customers.size() > 1;
-    const auto modelsOf = [isOfMany](const LineAnswers& line) {
+    const auto modelsOf = [&](const LineAnswers& line) {
         std::vector<Own> all;
         for (const AnswerModel& one : line.models) {
-            const std::string name =
-                    std::to_string(one.index) +
-                    (isOfMany ? " of " + std::string(line.customers[one.customer].file) : "");
+            const std::string name = modelName(line, one);
             all.push_back({"model " + name, one.file, {{name}, {}, {}}});
         }
         return all;

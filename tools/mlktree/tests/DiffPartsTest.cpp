@@ -76,6 +76,14 @@ TEST(ChangeTest, TellsSetsInWords) {
     EXPECT_THAT(inSelections({SetGroup()}), ElementsAre("all"));
     EXPECT_THAT(inSelections({{{"1", "2"}, {}, {"FIJI"}}}),
                 ElementsAre("model=1,country=FIJI", "model=2,country=FIJI"));
+    // Of a line with several customers.
+    EXPECT_EQ(inWords({{{"1 of a.ini", "2 of a.ini", "3 of a.ini"}, {}, {}}}),
+              "models 1 to 3 of a.ini; all boards");
+    EXPECT_EQ(inWords({{{"2 of a.ini", "2 of b.ini"}, {}, {}}}),
+              "models 2 of a.ini, 2 of b.ini; all boards");
+    EXPECT_EQ(inWords({{{"2 of a of b.ini"}, {}, {}}}), "model 2 of a of b.ini; all boards");
+    EXPECT_THAT(inSelections({{{"1 of a.ini", "1 of b.ini"}, {"b1"}, {}}}),
+                ElementsAre("model=1,customer=a.ini,board=b1", "model=1,customer=b.ini,board=b1"));
 }
 
 }  // namespace

@@ -326,6 +326,40 @@ TEST_F(DiffTest, SnapshotsStandForTrees) {
     EXPECT_EQ(none.status, 2);
 }
 
+TEST_F(DiffTest, ACustomerThatIsGoneReachesItsModels) {
+    fs::copy(mDir.path("tvconfigs/customer.ini"), mDir.path("tvconfigs/customer_b.ini"));
+    const TempDir out;
+    std::vector<std::string> words = {"snapshot",
+                                      "--tree",
+                                      mDir.path(),
+                                      "--board",
+                                      "skerry_b1.ini",
+                                      "--country",
+                                      "CHILE",
+                                      "-o",
+                                      out.path("one.json"),
+                                      "--customer",
+                                      "tvconfigs/customer.ini"};
+    ASSERT_EQ(runMlktree(words).status, 0);
+    words[8] = out.path("two.json");
+    words.insert(words.end(), {"--customer", "tvconfigs/customer_b.ini"});
+    ASSERT_EQ(runMlktree(words).status, 0);
+    words = {"diff", out.path("two.json"), out.path("one.json")};
+    EXPECT_THAT(runMlktree(words).out,
+                HasSubstr("  tvconfigs/customer_b.ini\n    - TARNQUILL\n"
+                          "    in models 1 to 7 of tvconfigs/customer_b.ini"));
+    words.insert(words.end(), {"--format", "json"});
+    const json difference = json::parse(runMlktree(words).out);
+    std::vector<std::string> kinds;
+    for (const json& change : difference["changes"]) {
+        kinds.push_back(change["kind"]);
+        const std::string last = change["sets"].back();
+        EXPECT_THAT(last, HasSubstr(",customer=tvconfigs/customer_b.ini")) << change;
+    }
+    EXPECT_EQ(kinds.size(), 8U) << "seven models and their customer";
+    EXPECT_EQ(std::count(kinds.begin(), kinds.end(), "customer"), 1);
+}
+
 TEST_F(DiffTest, PropertiesOfTheCommandLineCountOnBothSides) {
     mDir.write("data/property/persist.vendor.mlk.enstr", "false");
     EXPECT_EQ(diff().status, 1);
