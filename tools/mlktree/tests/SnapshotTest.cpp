@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
 #include <functional>
 #include <set>
+#include <sstream>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/QuietLog.h"
@@ -104,6 +107,45 @@ TEST(SnapshotTest, IsTheSameFromRunToRun) {
     EXPECT_EQ(toFile.status, 0);
     EXPECT_EQ(toFile.out, "");
     EXPECT_EQ(dir.read("a.json"), first.out);
+}
+
+// Whether all that the example has is so in the whole; arrays and objects may have more there.
+bool isPartOf(const json& example, const json& whole) {
+    if (!example.is_structured()) {
+        return example == whole;
+    }
+    if (example.type() != whole.type()) {
+        return false;
+    }
+    if (example.is_object()) {
+        return std::all_of(example.items().begin(), example.items().end(), [&](const auto& item) {
+            return whole.contains(item.key()) && isPartOf(item.value(), whole[item.key()]);
+        });
+    }
+    return std::all_of(example.begin(), example.end(), [&](const json& one) {
+        return std::any_of(whole.begin(), whole.end(),
+                           [&](const json& other) { return isPartOf(one, other); });
+    });
+}
+
+TEST(SnapshotTest, HasWhatTheExampleOfTheGuideHas) {
+    const testing::QuietLog quiet;
+    std::ostringstream guide;
+    guide << std::ifstream(testing::sourceDir() + "/docs/mlktree.md").rdbuf();
+    const std::string text = guide.str();
+    const size_t begin = text.find("{\"version\"", text.find("\n## A snapshot\n"));
+    ASSERT_NE(begin, std::string::npos);
+    const json example = json::parse(text.substr(begin, text.find("```", begin) - begin));
+    const json& set = example["sets"][0];
+    const Outcome outcome = runMlktree({"snapshot", samplePath(), "--model",
+                                        std::to_string(set["model"].get<int>()), "--board",
+                                        set["board"], "--country", set["country"]});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const json all = json::parse(outcome.out);
+    for (const auto& [name, value] : set.items()) {
+        EXPECT_TRUE(isPartOf(value, all["sets"][0][name])) << name << ": " << value;
+    }
+    EXPECT_TRUE(isPartOf(example, all)) << example;
 }
 
 TEST(SnapshotTest, WritesBytesThatAreNoText) {
