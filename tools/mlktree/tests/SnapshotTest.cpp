@@ -5,7 +5,6 @@
 #include <fstream>
 #include <functional>
 #include <set>
-#include <sstream>
 
 #include "host/testing/HostSet.h"
 #include "host/testing/QuietLog.h"
@@ -130,9 +129,8 @@ bool isPartOf(const json& example, const json& whole) {
 
 TEST(SnapshotTest, HasWhatTheExampleOfTheGuideHas) {
     const testing::QuietLog quiet;
-    std::ostringstream guide;
-    guide << std::ifstream(testing::sourceDir() + "/docs/mlktree.md").rdbuf();
-    const std::string text = guide.str();
+    std::ifstream guide(testing::sourceDir() + "/docs/mlktree.md");
+    const std::string text(std::istreambuf_iterator<char>(guide), {});
     const size_t begin = text.find("{\"version\"", text.find("\n## A snapshot\n"));
     ASSERT_NE(begin, std::string::npos);
     const json example = json::parse(text.substr(begin, text.find("```", begin) - begin));
