@@ -36,7 +36,7 @@ class SnapshotReader : private SnapshotJson {
     void read(std::string_view content);
 
   private:
-    /** The index of a reference to that kind of piece; nothing if the value is none at all. */
+    /** The index in a reference to that kind of piece; nothing if the value is no reference. */
     std::optional<size_t> reference(const Json& json, const char* kind, const Where& where) const;
     /** The number of a piece that stands there or is referred to. */
     template <typename Piece, typename Read>

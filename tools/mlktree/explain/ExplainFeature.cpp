@@ -1,7 +1,6 @@
 // `mlktree explain feature NAME`: TV features and framework switches.
 
 #include <algorithm>
-#include <cctype>
 
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
@@ -13,13 +12,6 @@
 namespace mlk::tree {
 
 namespace {
-
-std::string lowerCase(std::string text) {
-    for (char& letter : text) {
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-    }
-    return text;
-}
 
 // The text without something at its beginning or end.
 std::string withoutStart(const std::string& text, std::string_view start) {

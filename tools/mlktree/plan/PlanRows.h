@@ -34,15 +34,21 @@ struct PlanRows {
  * Breaks a plan into rows, as lines of a text: a channel that does not fit the rest of a row begins
  * the next one.
  *
- * @param channelsInARow  so many channels of the usual bandwidth fit a row, unless that would make
- *                        more than kMostPlanRows
+ * @param channelsInARow  how many channels of the usual bandwidth fit a row; more of them do if the
+ *                        plan would take more than kMostPlanRows
  */
 PlanRows rowsOf(const PlanView& plan, int64_t channelsInARow);
 
 constexpr size_t kMostPlanRows = 40;
 constexpr size_t kMostLanes = 6; /**< further bars share the last one */
 
-/** The round distance of the marks of an axis of that span, about so many of them: kHz. */
+/**
+ * The distance between two marks of an axis: a round number.
+ *
+ * @param span   length of the axis, in kHz
+ * @param marks  about how many marks it gets
+ * @return kHz
+ */
 int64_t markDistance(int64_t span, int64_t marks);
 
 }  // namespace mlk::tree

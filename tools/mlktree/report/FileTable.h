@@ -41,7 +41,7 @@ class FileTable {
      */
     FileTable(const ProductLine& line, const std::vector<std::string>& found);
 
-    /** The position of a file; size() for a path that is none. */
+    /** The position of a file; size() if the table lacks the path. */
     size_t idOf(std::string_view path) const;
     size_t size() const { return mFiles.size(); }
     const std::vector<ReportedFile>& files() const { return mFiles; }

@@ -17,7 +17,7 @@ struct Lookalike {
 /** True if all bytes are below 0x80. */
 bool isAscii(std::string_view text);
 
-/** The first such character from `from` on; of size 0 if there is none. */
+/** The first lookalike from the position `from` on; its size is 0 if the text has no more. */
 Lookalike findLookalike(std::string_view text, size_t from = 0);
 
 /** The text with the characters that are meant. */

@@ -1,7 +1,6 @@
 // Rules about items that a getter reads and a model lacks.
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <map>
 
@@ -20,13 +19,6 @@ namespace mlk::tree {
 namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return lower;
-}
 
 // True if a line that other rules report was probably meant to be this item, or its section.
 bool isMeantBy(const ReadLine& read, const ItemTable& table, const product::ConfigKey& name) {

@@ -56,8 +56,8 @@ void checkKeys(const ProductLine& line, Reporter& reporter) {
                     });
 }
 
-// The sections in which the service looks for the key and the file lacks it, as "[A] or [B]";
-// empty if there is none.
+// The sections in which the service looks for the key and the file lacks it: "[A] or [B]", or
+// empty.
 std::string sectionsFor(const FileLines& file, std::string_view key) {
     std::string sections;
     for (const product::KnownItem& item : product::kKnownItems) {

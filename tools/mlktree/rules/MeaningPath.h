@@ -22,9 +22,9 @@ PathForm formOf(std::string_view path);
 std::string_view partitionMeantBy(std::string_view path);
 
 /**
- * The end of a path that leads into a partition by way of something else, with slashes for
- * backslashes: "/tvconfigs/a.ini" of "/vendor/tvconfigs/a.ini". Empty if there is none, and for a
- * path into a partition.
+ * The part of a path that begins with a partition, if something else stands before it:
+ * "/tvconfigs/a.ini" of "/vendor/tvconfigs/a.ini". Backslashes become slashes. Empty if the path
+ * names no partition, or begins with one.
  */
 std::string pathInside(std::string_view path);
 

@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -186,12 +185,6 @@ bool isModel(const std::set<std::string>& folders, const std::string& path) {
            path.compare(path.size() - kEnd.size(), kEnd.size(), kEnd) == 0;
 }
 
-std::string lowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 // The lines of the system files but for comments, in small letters.
 std::string textOfSystems(const ProductLine& line) {
     std::string text;
@@ -199,7 +192,7 @@ std::string textOfSystems(const ProductLine& line) {
         for (const ReadLine& read :
              customer.system != nullptr ? customer.system->lines() : kNoLines) {
             if (!looksLikeComment(read.text)) {
-                text.append(lowerCase(std::string(read.text))).append("\n");
+                text.append(lowerCase(read.text)).append("\n");
             }
         }
     }

@@ -27,7 +27,7 @@ class NameUses {
     size_t countOf(std::string_view name) const;
 
     /**
-     * The near name that more files have than this one; empty if there is none.
+     * A name that is spelt nearly like this one and that more files have; empty if no name is.
      *
      * @param searches  how many names the caller has looked for: after thousands, which no line
      *                  that somebody wrote has, nothing is found

@@ -23,7 +23,7 @@ std::string shapeOf(std::string_view name) {
     return shape;
 }
 
-// The form that nearly all names of a list have; empty if there is none.
+// The form that nearly all names of a list have; empty if their forms are mixed.
 std::string usualShapeOf(const FileLines& list) {
     constexpr size_t kFewest = 4;
     std::map<std::string, size_t> counts;

@@ -155,7 +155,7 @@ bool harms(std::string_view value, const Lookalike& first) {
 
 constexpr size_t kNone = std::string_view::npos;
 
-// The first character of the line that does harm, and to what; kNone if there is none.
+// The first lookalike in the line that does harm, and to what part of it; kNone for a sound line.
 size_t harmfulAt(FileFormat format, const ReadLine& read, const char*& part) {
     const bool hasRemarks =
             format != FileFormat::COUNTRY_LIST && format != FileFormat::LANGUAGE_LIST;

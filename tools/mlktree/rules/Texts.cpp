@@ -1,6 +1,8 @@
 #include "tools/mlktree/rules/Texts.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 
 namespace mlk::tree {
@@ -81,6 +83,13 @@ size_t invalidUtf8At(std::string_view text) {
         at += length;
     }
     return std::string_view::npos;
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return lower;
 }
 
 std::string counted(size_t count, std::string_view singular, std::string_view plural) {

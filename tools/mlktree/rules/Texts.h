@@ -23,6 +23,9 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 /** The position of the first byte that is not part of valid UTF-8; npos if there is none. */
 size_t invalidUtf8At(std::string_view text);
 
+/** The text with the ASCII letters in small. */
+std::string lowerCase(std::string_view text);
+
 /** "1 line" or "3 lines". */
 std::string counted(size_t count, std::string_view singular, std::string_view plural);
 

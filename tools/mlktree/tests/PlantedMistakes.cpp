@@ -1,31 +1,11 @@
 // The mistakes that people make in a product line, one a row.
 
 #include "tools/mlktree/tests/PlantedMistakes.h"
+#include "tools/mlktree/tests/PlantedNames.h"
 
 namespace mlk::tree {
 
 namespace {
-
-constexpr auto kReplace = Planting::REPLACE;
-constexpr auto kAppend = Planting::APPEND;
-constexpr auto kWhole = Planting::WHOLE;
-constexpr auto kRemove = Planting::REMOVE;
-
-constexpr const char* kCustomer = "tvconfigs/customer.ini";
-constexpr const char* kSystem = "tvconfigs/system/tarnquill_skerry.ini";
-constexpr const char* kModel = "tvconfigs/model/TRQ43_M2_EU.ini";
-constexpr const char* kOther = "tvconfigs/model/TRQ50_M2_NA.ini";
-constexpr const char* kBoard = "tvconfigs/board/skerry_b2.ini";
-constexpr const char* kPanel = "tvconfigs/audio/panel_osmr_uhd60.ini";
-constexpr const char* kKeys = "tvconfigs/keys/keys_joystick.ini";
-constexpr const char* kFeatures = "tvconfigs/tv/tv_eu.config";
-constexpr const char* kList = "tvconfigs/country/country_eu.txt";
-constexpr const char* kCountries = "tvconfigs/tvsysmap/countries_eu.xml";
-constexpr const char* kTvSystems = "tvconfigs/tvsysmap/tvsys_eu.xml";
-constexpr const char* kPlanMap = "tvconfigs/freqtables/country_freq_map.xml";
-constexpr const char* kPlan = "tvconfigs/freqtables/dtv/freqtable_eu";
-constexpr const char* kProjectId = "impdata/project_id.bin";
-constexpr const char* kBoardId = "impdata/board_id.bin";
 
 const std::string kLongLine = "REMARK = " + std::string(1100, 'x') + "\n";
 const std::string kLongEntry = "GERMANY," + std::string(300, 'x') + "\n";

@@ -1,33 +1,11 @@
 // More mistakes that people make: what editors, merges and habits from elsewhere leave in files.
 
 #include "tools/mlktree/tests/PlantedMistakes.h"
+#include "tools/mlktree/tests/PlantedNames.h"
 
 namespace mlk::tree {
 
 namespace {
-
-constexpr auto kReplace = Planting::REPLACE;
-constexpr auto kAppend = Planting::APPEND;
-constexpr auto kWhole = Planting::WHOLE;
-constexpr auto kUtf16 = Planting::UTF16;
-
-constexpr const char* kCustomer = "tvconfigs/customer.ini";
-constexpr const char* kSystem = "tvconfigs/system/tarnquill_skerry.ini";
-constexpr const char* kModel = "tvconfigs/model/TRQ43_M2_EU.ini";
-constexpr const char* kBoard = "tvconfigs/board/skerry_b2.ini";
-constexpr const char* kPanel = "tvconfigs/audio/panel_osmr_uhd60.ini";
-constexpr const char* kAvr = "tvconfigs/audio/avr_default.ini";
-constexpr const char* kKaraoke = "tvconfigs/karaoke/karaoke_home.ini";
-constexpr const char* kFeatures = "tvconfigs/tv/tv_eu.config";
-constexpr const char* kList = "tvconfigs/country/country_eu.txt";
-constexpr const char* kLanguages = "tvconfigs/language/language_eu.txt";
-constexpr const char* kCountries = "tvconfigs/tvsysmap/countries_eu.xml";
-constexpr const char* kTvSystems = "tvconfigs/tvsysmap/tvsys_eu.xml";
-constexpr const char* kPlanMap = "tvconfigs/freqtables/country_freq_map.xml";
-constexpr const char* kPlan = "tvconfigs/freqtables/dtv/freqtable_eu";
-constexpr const char* kProjectId = "impdata/project_id.bin";
-constexpr const char* kBoardId = "impdata/board_id.bin";
-constexpr const char* kCountryId = "tvdata/tvsysmap/country_id.bin";
 
 // Lines that stand in every model file.
 constexpr std::string_view kCountryPath = "COUNTRY_PATH    = \"/tvconfigs/country/country_eu.txt\"";

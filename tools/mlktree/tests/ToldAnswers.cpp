@@ -15,6 +15,7 @@
 #include "regional/RegionalData.h"
 #include "tools/mlktree/answers/NamedFiles.h"
 #include "tools/mlktree/set/SetProduct.h"
+#include "tools/mlktree/tests/ToldTexts.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {
@@ -27,25 +28,6 @@ using ::android::hardware::hidl_enum_range;
 namespace {
 
 using Names = std::set<std::pair<std::string, std::string>>;
-
-std::string nameOf(std::string_view section, std::string_view key) {
-    return std::string(section) + (section.empty() ? "" : " ") + std::string(key);
-}
-
-void add(Told& told, const std::string& name, const std::string& value,
-         const std::string& nothing = "") {
-    if (value != nothing) {
-        told[name] = value;
-    }
-}
-
-std::string textOf(int32_t channel, int32_t frequency, int32_t bandwidth, const std::string& label,
-                   int32_t modulation) {
-    std::ostringstream text;
-    text << channel << ' ' << frequency << ' ' << bandwidth << ' ' << label << ' ' << modulation
-         << '\n';
-    return text.str();
-}
 
 std::string trimmedEnd(const std::string& text) {
     return text.substr(0, text.find_last_not_of(" \r") + 1);

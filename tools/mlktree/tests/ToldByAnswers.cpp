@@ -5,31 +5,13 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/tests/ToldAnswers.h"
+#include "tools/mlktree/tests/ToldTexts.h"
 
 namespace mlk::tree {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
-
-std::string nameOf(std::string_view section, std::string_view key) {
-    return std::string(section) + (section.empty() ? "" : " ") + std::string(key);
-}
-
-void add(Told& told, const std::string& name, const std::string& value,
-         const std::string& nothing = "") {
-    if (value != nothing) {
-        told[name] = value;
-    }
-}
-
-std::string textOf(int32_t channel, int32_t frequency, int32_t bandwidth, const std::string& label,
-                   int32_t modulation) {
-    std::ostringstream text;
-    text << channel << ' ' << frequency << ' ' << bandwidth << ' ' << label << ' ' << modulation
-         << '\n';
-    return text.str();
-}
 
 void addFeatures(Told& told, const char* kind, const FeaturePiece& piece) {
     for (const AnswerFeature& feature : piece) {
