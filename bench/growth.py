@@ -28,8 +28,8 @@ SERIES = (
     Series("growth-start", "exec to third registration", "items"),
     Series("growth-start-models", "the same, 500 items", "models"),
     Series("growth-start-countries", "the same, 500 items", "countries"),
-    Series("growth-check-models", "mlktree check, 60 countries", "models"),
-    Series("growth-check-countries", "mlktree check, 100 models", "countries"),
+    Series("growth-check-models", "check, 60 countries", "models"),
+    Series("growth-check-countries", "check, 100 models", "countries"),
     Series("growth-calls", "getter over IPC", "clients", "/s"),
 )
 

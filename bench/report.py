@@ -52,10 +52,10 @@ ROWS = (
     Row("start-500", "exec to third registration, 500 items", "start", "500", 1.5),
     Row("start-5000", "exec to third registration, 5,000 items", "start", "5000", 1.35),
     Row("resident-5000", "resident size, 5,000 items", "resident", "5000", 1.25),
-    Row("check-500", "mlktree check of 500 models, 4 boards, 60 countries", "check", "500", 25),
-    Row("report-500", "mlktree report of the same, over check", "report", "500", 4,
+    Row("check-500", "check of 500 models, 4 boards, 60 countries", "check", "500", 25),
+    Row("report-500", "report of the same, over check", "report", "500", 4,
         over="check/ours/500"),
-    Row("snapshot-500", "mlktree snapshot of the same, over its check", "snapshot", "500", 2,
+    Row("snapshot-500", "snapshot of the same, over its check", "snapshot", "500", 2,
         over="check/ours/500"),
 )
 
