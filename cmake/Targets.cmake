@@ -65,6 +65,14 @@ function(mlk_fast)
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O3>")
 endfunction()
 
+# mlk_unoptimised(SOURCES...)
+# Builds these sources without optimisation, except in a release: most of their compile time goes
+# into the templates of the libraries that read command lines, JSON and TOML, and they run once a
+# command.
+function(mlk_unoptimised)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<NOT:$<CONFIG:Release>>:-O0>")
+endfunction()
+
 # mlk_program(NAME SOURCES... LIBS libs...)
 # A program in build/<preset>/bin.
 function(mlk_program name)

@@ -13,6 +13,8 @@ namespace mlk::testing {
 constexpr bool kAddressSanitizer = MLK_HAS_FEATURE(address_sanitizer);
 /** It has a thread of its own in every program with more than one thread. */
 constexpr bool kThreadSanitizer = MLK_HAS_FEATURE(thread_sanitizer);
+/** One of them: each step of a test takes many times as long. */
+constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
 
 #undef MLK_HAS_FEATURE
 

@@ -21,8 +21,7 @@ namespace {
 
 using implementation::kMostDeliveredBytes;
 using implementation::kMostReplyBytesOnDevice;
-using ::mlk::testing::kAddressSanitizer;
-using ::mlk::testing::kThreadSanitizer;
+using ::mlk::testing::kSanitized;
 using ::mlk::testing::peakOf;
 using ::mlk::testing::residentOf;
 
@@ -64,13 +63,13 @@ TEST_F(FileDeliveryTest, LargeFileTakesItsSizeOfSharedMemoryAndTwiceItAsBytes) {
     const size_t before = residentOf(pid());
     // The client has its answer before the service gives the memory back.
     const auto isBack = [&] {
-        return kAddressSanitizer || kThreadSanitizer ||
+        return kSanitized ||
                ::mlk::testing::eventually([&] { return residentOf(pid()) <= before + kBesides; });
     };
     const size_t shared = peakIn(pid(), [&] { EXPECT_TRUE(isSharedWhole(path)); });
     EXPECT_TRUE(isBack());
     const size_t sent = peakIn(pid(), [&] { EXPECT_TRUE(isSentWhole(path)); });
-    if (!kAddressSanitizer && !kThreadSanitizer) {
+    if (!kSanitized) {
         EXPECT_LE(shared, kSize + kBesides);
         EXPECT_LE(sent, 2 * kSize + kBesides);
     }
@@ -135,7 +134,7 @@ TEST_F(FileDeliveryTest, NothingGrowsOverAThousandDeliveries) {
     EXPECT_TRUE(::mlk::testing::eventually(
             [&] { return ::mlk::testing::descriptorsOf(pid()) <= descriptors; }));
     // A thousand blocks or buffers would be a hundred megabytes.
-    const size_t slack = kAddressSanitizer || kThreadSanitizer ? 64 * kMegabyte : kMegabyte;
+    const size_t slack = kSanitized ? 64 * kMegabyte : kMegabyte;
     EXPECT_LE(residentOf(pid()), memory + slack);
     EXPECT_LE(residentOf(mAllocator->pid()), allocatorMemory + slack);
 }

@@ -125,9 +125,7 @@ class LoadTest : public ::testing::Test {
         EXPECT_TRUE(eventually([&] { return descriptorsOf(pid()) <= mDescriptors; }))
                 << descriptorsOf(pid()) << " descriptors instead of " << mDescriptors;
         // The allocators keep memory for the next call; the sanitizers keep more.
-        constexpr size_t kSlack =
-                ::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer ? 96U << 20U
-                                                                                      : 4U << 20U;
+        constexpr size_t kSlack = ::mlk::testing::kSanitized ? 96U << 20U : 4U << 20U;
         EXPECT_LE(residentOf(pid()), resident + kSlack);
     }
 
@@ -190,10 +188,7 @@ TEST_F(LoadTest, ThousandIdleConnections) {
     EXPECT_LE(threadsOf(pid()), kPoolThreads);
     // A connection without a call is a few kilobytes.
     EXPECT_LE(residentOf(pid()),
-              before + (4U << 20U) +
-                      (::mlk::testing::kAddressSanitizer || ::mlk::testing::kThreadSanitizer
-                               ? 96U << 20U
-                               : 0U));
+              before + (4U << 20U) + (::mlk::testing::kSanitized ? 96U << 20U : 0U));
     idle.clear();
     expectAsBefore(before + (3U << 20U));
 }

@@ -84,7 +84,7 @@ TEST_F(LimitsTest, AnswerAboveTheLimit) {
 }
 
 TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
-    if (testing::kAddressSanitizer || testing::kThreadSanitizer) {
+    if (testing::kSanitized) {
         GTEST_SKIP() << "sanitizers keep it for a while";
     }
     // The C library may keep blocks of up to 32 MiB. What the server keeps of an answer that is not

@@ -167,7 +167,7 @@ TEST_F(PoolTest, DescriptorsOfTheServerAreForItAlone) {
 TEST_F(PoolTest, ClientsThatHaveBecomeQuietKeepNoMemory) {
     constexpr size_t kClients = 100;
     constexpr size_t kSize = 60'000;
-    if (testing::kAddressSanitizer || testing::kThreadSanitizer) {
+    if (testing::kSanitized) {
         GTEST_SKIP() << "the sanitizer has its own use of memory";
     }
     if (!allowMoreDescriptors(kClients)) {

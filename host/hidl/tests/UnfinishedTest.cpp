@@ -55,9 +55,7 @@ TEST_F(UnfinishedTest, MessagesHaveABoundTogether) {
         (void)attackers.back()->send(bytes);
         ASSERT_TRUE(mHonest->ping().isOk());
     }
-    EXPECT_LT(residentOf(mServer.pid()),
-              before + (testing::kAddressSanitizer || testing::kThreadSanitizer ? 200 : 40) *
-                               kMegabyte);
+    EXPECT_LT(residentOf(mServer.pid()), before + (testing::kSanitized ? 200 : 40) * kMegabyte);
     EXPECT_TRUE(eventually([&] { return alive(attackers) <= 16; })) << alive(attackers);
     // An honest client's slow call still fits.
     const auto slow = connect();

@@ -22,9 +22,7 @@ namespace mlk::tree {
 
 namespace {
 
-// Sanitizers take many times as long for each.
-constexpr bool kIsSlow = testing::kAddressSanitizer || testing::kThreadSanitizer;
-constexpr size_t kMutations = kIsSlow ? 27 : 216;
+constexpr size_t kMutations = testing::kSanitized ? 27 : 216;
 // Several for each start of the service, which takes its time.
 constexpr size_t kChangesAtOnce = 9;
 
@@ -193,7 +191,7 @@ TEST_F(DiffMutationsTest, NameWhatTheProductAnswersDifferently) {
         }
         mutations.undo();
     }
-    if (seed() != kSeed || kIsSlow) {
+    if (seed() != kSeed || testing::kSanitized) {
         return;
     }
     // Each of these files has lines that count, and was changed several times.

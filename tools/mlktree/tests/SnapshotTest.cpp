@@ -8,6 +8,7 @@
 
 #include "host/testing/HostSet.h"
 #include "host/testing/QuietLog.h"
+#include "host/testing/Sanitizers.h"
 #include "regional/CountryTable.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/LineDiff.h"
@@ -227,10 +228,15 @@ void SnapshotOfServiceTest::run(uint32_t model, uint32_t board) {
 }
 
 TEST_F(SnapshotOfServiceTest, AgreesWithTheRunningServiceForEverySet) {
-    for (uint32_t model = 0; model < mLine->models.size(); ++model) {
+    // What further models add is compared once, without sanitizers.
+    for (uint32_t model = 0; model < mLine->models.size(); model += testing::kSanitized ? 3 : 1) {
         for (uint32_t board = 0; board < mLine->boards.size(); ++board) {
             run(model, board);
         }
+    }
+    if (testing::kSanitized) {
+        EXPECT_GT(mSets, 300U);
+        return;
     }
     EXPECT_EQ(mSets, mLine->sets.size());
     EXPECT_GT(mSets, 1000U);
