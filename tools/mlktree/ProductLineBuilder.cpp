@@ -116,7 +116,7 @@ void ProductLineBuilder::findCustomers() {
     readRequests();
     for (const std::string& path : paths) {
         Customer customer;
-        customer.file = fileOf(path);
+        customer.file = fileAs(path, FileFormat::CUSTOMER);
         customer.systemLine = customer.file->find("", product::keyword::kSystemFile);
         if (customer.systemLine != nullptr && !customer.systemLine->value.empty()) {
             ask(pathOf(customer.systemLine->value), FileFormat::SYSTEM);
@@ -127,7 +127,7 @@ void ProductLineBuilder::findCustomers() {
     for (Customer& customer : mLine.mCustomers) {
         if (customer.systemLine != nullptr && !customer.systemLine->value.empty()) {
             const std::string path = pathOf(customer.systemLine->value);
-            customer.system = fileOf(path);
+            customer.system = fileAs(path, FileFormat::SYSTEM);
             name(path, customer.file, customer.systemLine);
         }
     }
@@ -222,7 +222,8 @@ void ProductLineBuilder::findBoards() {
     }
     readRequests();
     for (size_t i = 0; i < paths.size(); ++i) {
-        mLine.mBoards[mLine.mBoards.size() - paths.size() + i].file = fileOf(paths[i]);
+        mLine.mBoards[mLine.mBoards.size() - paths.size() + i].file =
+                fileAs(paths[i], FileFormat::PROJECT);
     }
 }
 
@@ -236,7 +237,7 @@ void ProductLineBuilder::readProjects() {
     for (Model& model : mLine.mModels) {
         if (!model.line->value.empty()) {
             const std::string path = pathOf(model.line->value);
-            model.file = fileOf(path);
+            model.file = fileAs(path, FileFormat::PROJECT);
             name(path, model.customer->system, model.line);
         }
     }
@@ -330,6 +331,20 @@ void ProductLineBuilder::readRequests() {
     for (size_t i = 0; i < requests.size(); ++i) {
         mLine.mFiles.emplace(requests[i].first, std::move(files[i]));
     }
+}
+
+const FileLines* ProductLineBuilder::fileAs(const std::string& path, FileFormat format) {
+    const FileLines* const file = fileOf(path);
+    if (file == nullptr || file->format() == format) {
+        return file;
+    }
+    const FileLines*& anew = mReadAnew[{path, format}];
+    if (anew == nullptr) {
+        std::unique_ptr<FileLines> read = readFile(mLine.mTree, path, format);
+        mLine.mContents.add(*read);
+        anew = keep(std::move(read));
+    }
+    return anew;
 }
 
 const FileLines* ProductLineBuilder::keep(std::unique_ptr<FileLines> file) {

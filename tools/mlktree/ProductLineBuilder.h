@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -44,6 +45,8 @@ class ProductLineBuilder {
     _tv_country countryOfSet() const;
 
     const FileLines* fileOf(const std::string& path) const { return mLine.find(path); }
+    /** The file as a file of that format; read anew if it was read in another one first. */
+    const FileLines* fileAs(const std::string& path, FileFormat format);
     /** Remembers that a line names a path. */
     void name(const std::string& path, const FileLines* file, const ReadLine* line);
     /** The lists of those who name a file, to which an item belongs; the same for all lines that
@@ -60,6 +63,7 @@ class ProductLineBuilder {
     std::vector<Request> mRequests;
     std::vector<std::string> mTvSystemPaths;
     std::vector<std::string> mPlanFolders;
+    std::map<Request, const FileLines*> mReadAnew;
 };
 
 }  // namespace mlk::tree

@@ -200,9 +200,18 @@ void checkWhole(const ProductLine& line, Reporter& reporter) {
                 std::any_of(file->lines().begin(), file->lines().end(),
                             [](const ReadLine& read) { return read.use == LineUse::ITEM; });
         if (!hasModels && !isMeantSomewhere(*file, keyword::kModel)) {
+            std::vector<Related> related;
+            for (const Naming& naming : line.namings(file->path())) {
+                if (naming.file != nullptr && naming.file->format() == FileFormat::CUSTOMER) {
+                    related.push_back(
+                            {placeOf(line, *naming.file, *naming.line, naming.line->value),
+                             "named here as the list of models"});
+                }
+            }
             reporter.report(placeOf(*file),
                             "no line has \"Model_\" and an index: the product line "
-                            "has no model");
+                            "has no model",
+                            std::move(related));
         }
     }
 }

@@ -143,6 +143,9 @@ const std::vector<PlantedMistake>& plantedOddities() {
              "missing-file", nullptr, "/country_eu\""},
             {"ModelFolderMisspelt", kSystem, kReplace, "/tvconfigs/model/TRQ50",
              "/tvconfigs/models/TRQ50", "missing-file", nullptr, "/models/"},
+            {"SystemFileIsTheCustomerFile", kCustomer, kReplace,
+             "/tvconfigs/system/tarnquill_skerry.ini", "/tvconfigs/customer.ini",
+             "incomplete-chain", nullptr, ""},
             {"CountryListForLanguages", kModel, kReplace, "/tvconfigs/language/language_eu.txt",
              kRightPath, "other-format", nullptr, "LANGUAGE_PATH"},
             // Lists, identity, regions.
