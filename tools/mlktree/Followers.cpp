@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/ProductLine.h"
 
 namespace mlk::tree {
@@ -194,7 +195,8 @@ void leaveOutFollowers(std::vector<Finding>& findings, const ProductLine& line) 
     const auto follows = [&](const Finding& finding) {
         return (isBlind && finding.rule == kUnusedFile) ||
                ((isBlind || hasErrors) && finding.rule == kUnusedAllow) ||
-               (isAboutUnused(finding) && mistaken.count(finding.place.file) > 0);
+               (isAboutUnused(finding) && (mistaken.count(finding.place.file) > 0 ||
+                                           mistaken.count(folderOf(finding.place.file)) > 0));
     };
     findings.erase(std::remove_if(findings.begin(), findings.end(), follows), findings.end());
 }

@@ -26,6 +26,29 @@ bool isOfBoardId(const Naming& naming) {
 
 }  // namespace
 
+bool leavesPartition(std::string_view path) {
+    const bool isInPartition =
+            std::any_of(std::begin(kPartitions), std::end(kPartitions),
+                        [&](std::string_view each) { return firstFolderOf(path) == each; });
+    if (!isInPartition || path.find("/..") == std::string_view::npos) {
+        return false;
+    }
+    int depth = 0;
+    for (size_t begin = firstFolderOf(path).size() + 1; begin < path.size();) {
+        const size_t end = std::min(path.find('/', begin), path.size());
+        const std::string_view part = path.substr(begin, end - begin);
+        if (part == "..") {
+            if (--depth < 0) {
+                return true;
+            }
+        } else if (!part.empty() && part != ".") {
+            ++depth;
+        }
+        begin = end + 1;
+    }
+    return false;
+}
+
 PathForm formOf(std::string_view path) {
     if (!beginsWith(path, "/")) {
         return PathForm::RELATIVE;
@@ -39,7 +62,7 @@ PathForm formOf(std::string_view path) {
     const std::string_view folder = firstFolderOf(path);
     for (const std::string_view partition : kPartitions) {
         if (folder == partition) {
-            return PathForm::INSIDE;
+            return leavesPartition(path) ? PathForm::OUTSIDE : PathForm::INSIDE;
         }
     }
     return partitionMeantBy(path).empty() ? PathForm::OUTSIDE : PathForm::BESIDE;

@@ -11,9 +11,12 @@ namespace mlk::tree {
 enum class PathForm {
     INSIDE,   /**< into one of the partitions */
     BESIDE,   /**< to a folder that has nearly the name of a partition, as "/tvdataX" */
-    OUTSIDE,  /**< elsewhere on the television */
+    OUTSIDE,  /**< elsewhere on the television, or out of a partition by ".." */
     RELATIVE, /**< does not begin with a "/" */
 };
+
+/** True if a path begins with a partition and ".." leads it out of that. */
+bool leavesPartition(std::string_view path);
 
 /** The form of a path that is not empty. */
 PathForm formOf(std::string_view path);

@@ -1,15 +1,22 @@
 // Rules about paths that cannot lead to a file of the partitions, or that their reader does not
 // take.
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "common/FileLimits.h"
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/SoundDelays.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningPath.h"
@@ -123,8 +130,13 @@ void checkRelative(const ProductLine& line, Reporter& reporter) {
 
 void checkMountPoints(const ProductLine& line, Reporter& reporter) {
     forEachPathOf(line, PathForm::OUTSIDE, [&](const std::string& path, const Naming& naming) {
-        const std::string inside = pathInside(pathIn(naming));
-        if (!inside.empty() && !product::pathExists(line.tree().host(path))) {
+        const std::string value = pathIn(naming);
+        const std::string inside = pathInside(value);
+        if (leavesPartition(value)) {
+            reportAt(line, reporter, naming,
+                     "\"..\" leads out of the partition, and where to is a matter of the set" +
+                             (inside.empty() ? "" : "; write " + quoted(inside)));
+        } else if (!inside.empty() && !product::pathExists(line.tree().host(path))) {
             reportAt(line, reporter, naming,
                      "the path has the mount point of a partition, which is a matter of the set; "
                      "write " +
@@ -135,7 +147,8 @@ void checkMountPoints(const ProductLine& line, Reporter& reporter) {
 
 void checkOutside(const ProductLine& line, Reporter& reporter) {
     forEachPathOf(line, PathForm::OUTSIDE, [&](const std::string&, const Naming& naming) {
-        if (pathInside(pathIn(naming)).empty() && isOfService(naming)) {
+        const std::string value = pathIn(naming);
+        if (pathInside(value).empty() && !leavesPartition(value) && isOfService(naming)) {
             reportAt(line, reporter, naming,
                      "the path leads out of the partitions, and whether the file exists is not "
                      "checked");
@@ -199,6 +212,78 @@ void checkLengths(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+// Tells of files whether they lie in the partitions when all links are followed.
+class Links {
+  public:
+    explicit Links(const Partitions& partitions) {
+        for (const std::string& folder :
+             {partitions.tvconfigs, partitions.tvdata, partitions.impdata}) {
+            mPartitions.push_back(target(folder));
+        }
+    }
+
+    bool leadOut(const std::string& host) {
+        struct stat info {};
+        if (lstat(host.c_str(), &info) != 0) {
+            return false;
+        }
+        if (S_ISLNK(info.st_mode)) {
+            return isOutside(target(host));
+        }
+        const auto [folder, isNew] = mFolders.try_emplace(folderOf(host));
+        if (isNew) {
+            folder->second = isOutside(target(folder->first));
+        }
+        return folder->second;
+    }
+
+  private:
+    // Where a path leads; empty if to nothing.
+    static std::string target(const std::string& path) {
+        const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), free);
+        return real != nullptr ? real.get() : "";
+    }
+
+    bool isOutside(const std::string& path) const {
+        return !path.empty() &&
+               std::none_of(mPartitions.begin(), mPartitions.end(), [&](const std::string& folder) {
+                   return path == folder || beginsWith(path, folder + "/");
+               });
+    }
+
+    std::vector<std::string> mPartitions;
+    std::map<std::string, bool> mFolders;
+};
+
+void checkLinks(const ProductLine& line, Reporter& reporter) {
+    constexpr size_t kMostSingle = 3;
+    Links links(line.tree().partitions());
+    std::vector<std::string> out;
+    bool hasInside = false;
+    for (const auto& [path, namings] : line.namedPaths()) {
+        const std::string host = line.tree().host(path);
+        if (formOf("/" + path) != PathForm::INSIDE || !product::pathExists(host)) {
+            continue;
+        }
+        if (links.leadOut(host)) {
+            out.push_back(path);
+        } else {
+            hasInside = true;
+        }
+    }
+    if (!hasInside) {
+        return;  // a build tool made the tree of links
+    }
+    for (size_t i = 0; i < (out.size() > kMostSingle ? 1 : out.size()); ++i) {
+        reporter.report({out[i], 0, 0},
+                        "links lead out of the partitions, so that a set does not have the file" +
+                                (out.size() > kMostSingle
+                                         ? "; nor does it have " + std::to_string(out.size() - 1) +
+                                                   " others"
+                                         : std::string()));
+    }
+}
+
 constexpr Rule kRules[] = {
         {"partition-prefix", Severity::ERROR, "a path begins with nearly the name of a partition",
          "The service replaces the name of a partition at the start of a path, whether or not a "
@@ -212,7 +297,8 @@ constexpr Rule kRules[] = {
          "path.",
          "AUDIO_CONFIG_PATH = tvconfigs/audio/panel.ini",
          "AUDIO_CONFIG_PATH = /tvconfigs/audio/panel.ini", checkRelative},
-        {"mount-point", Severity::WARNING, "a path has the mount point of a partition",
+        {"mount-point", Severity::WARNING,
+         "a path has the mount point of a partition, or leads out of one",
          "The service replaces the name of a partition at the start of a path only. Another path "
          "holds on the computer or the set of its author, if at all.",
          "COUNTRY_PATH = /vendor/tvconfigs/country/eu.txt",
@@ -221,6 +307,12 @@ constexpr Rule kRules[] = {
          "A file of the system image changes with another image, and the checker does not see it.",
          "BootAnimation FileName = /vendor/media/boot.zip",
          "BootAnimation FileName = /tvconfigs/bootanimation/boot.zip", checkOutside},
+        {"outside-link", Severity::WARNING, "a link leads out of the partitions",
+         "The image of a partition has the link and not what it leads to. A tree in which all "
+         "files "
+         "are such links, as some build tools make it, has no such finding.",
+         "tvconfigs/panel/ssc.ini -> /home/anna/ssc.ini", "tvconfigs/panel/ssc.ini, a file",
+         checkLinks},
         {"long-path", Severity::ERROR, "a path or a file name is longer than its reader takes",
          "The service does not use the file: TV feature files have paths of at most 127 bytes, "
          "files of AVRs paths, and audio, karaoke, key and DDC/CI files names, of fewer than 128.",

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "common/Paths.h"
@@ -15,7 +17,7 @@
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningPath.h"
-#include "tools/mlktree/rules/NearFiles.h"
+#include "tools/mlktree/rules/MissingFiles.h"
 #include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/rules/Texts.h"
 
@@ -25,73 +27,6 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 using product::pathExists;
-
-// True if a line names a file in the form of a path into the partitions.
-bool isLookedFor(const Naming& naming) {
-    if (naming.file == nullptr || naming.line == nullptr || hasBlankInElement(*naming.line)) {
-        return false;
-    }
-    // Other forms have rules of their own.
-    return !isWholePath(naming) || formOf(naming) == PathForm::INSIDE;
-}
-
-// Reports a file once, at the first line that names it; the others are related.
-void reportNamed(const ProductLine& line, Reporter& reporter, const std::string& path,
-                 const std::vector<const Naming*>& namings, std::string message,
-                 std::vector<Related> related) {
-    constexpr size_t kMostRelated = 5;
-    const auto placeOfName = [&](const Naming& naming) {
-        return placeOf(line, *naming.file, *naming.line, naming.line->value);
-    };
-    for (size_t i = 1; i < namings.size() && i <= kMostRelated; ++i) {
-        related.push_back({placeOfName(*namings[i]), "named here, too"});
-    }
-    if (namings.size() > kMostRelated + 1) {
-        message += " (" + std::to_string(namings.size()) + " lines name it)";
-    }
-    reporter.reportIn(line.setsOf(path), placeOfName(*namings.front()), std::move(message),
-                      std::move(related));
-}
-
-// What is to say about a file that does not exist, and the file that is meant.
-struct Missing {
-    std::string message;
-    std::vector<Related> related;
-};
-
-Missing describeMissing(const ProductLine& line, const std::string& path, bool isSearched) {
-    const Tree& tree = line.tree();
-    const std::string host = tree.host(path);
-    Missing missing{"there is no file " + tree.written(host), {}};
-    if (const std::optional<std::string> target = linkTarget(host)) {
-        missing.message =
-                tree.written(host) + " is a link to " + *target + ", and there is no such file";
-        return missing;
-    }
-    if (!isSearched) {
-        return missing;
-    }
-    std::string other = inAnotherCase(host);
-    if (!other.empty()) {
-        missing.message += "; case counts, and there is " + tree.written(other);
-    } else {
-        other = nearFile(tree, host);
-        missing.message += other.empty() ? "" : " (is " + tree.written(other) + " meant?)";
-    }
-    if (!other.empty()) {
-        missing.related.push_back({{tree.relative(other), 0, 0}, "this file exists"});
-    }
-    return missing;
-}
-
-// False for a file of a partition that the tree does not have.
-bool hasPartition(const ProductLine& line, const std::string& path) {
-    const Partitions& partitions = line.tree().partitions();
-    const std::string name = path.substr(0, path.find('/'));
-    return name == "tvdata"    ? pathExists(partitions.tvdata)
-           : name == "impdata" ? pathExists(partitions.impdata)
-                               : true;
-}
 
 void checkPartitions(const ProductLine& line, Reporter& reporter) {
     std::map<std::string, size_t> unchecked;
@@ -105,34 +40,6 @@ void checkPartitions(const ProductLine& line, Reporter& reporter) {
                           "the tree has no folder " + name + ": " +
                                   counted(count, "file", "files") +
                                   " in it that lines name cannot be checked");
-    }
-}
-
-void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
-    for (const Customer& customer : line.customers()) {
-        const std::string host = line.tree().host(customer.file->path());
-        if (!pathExists(host)) {
-            Missing missing = describeMissing(line, customer.file->path(), true);
-            reporter.reportIn({"all"}, placeOf(*customer.file),
-                              "everything begins with the customer file, and " + missing.message,
-                              std::move(missing.related));
-        }
-    }
-    constexpr size_t kMostSearches = 1'000;  // each reads whole folders
-    size_t searches = 0;
-    for (const auto& [path, namings] : line.namedPaths()) {
-        std::vector<const Naming*> looking;
-        for (const Naming& naming : namings) {
-            if (isLookedFor(naming)) {
-                looking.push_back(&naming);
-            }
-        }
-        if (looking.empty() || pathExists(line.tree().host(path)) || !hasPartition(line, path)) {
-            continue;
-        }
-        Missing missing = describeMissing(line, path, ++searches <= kMostSearches);
-        reportNamed(line, reporter, path, looking, std::move(missing.message),
-                    std::move(missing.related));
     }
 }
 
@@ -171,7 +78,10 @@ std::string problemOfFile(const ProductLine& line, const std::string& path) {
             return problem.text;
         }
     }
-    return access(host.c_str(), R_OK) == 0 ? "" : "cannot be read: no permission";
+    // Root may read all files, and the service does not run as root.
+    const bool isReadable =
+            (info.st_mode & (S_IRUSR | S_IRGRP | S_IROTH)) != 0 && access(host.c_str(), R_OK) == 0;
+    return isReadable ? "" : "cannot be read: no permission";
 }
 
 void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
@@ -202,59 +112,85 @@ void checkUnusableFiles(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// The format in which the service reads the file that an item names; NONE if it reads none.
-FileFormat formatNamedBy(const ReadLine& item) {
+// What a file is to a line that names it.
+struct Kind {
+    FileFormat format = FileFormat::NONE; /**< in which the service reads it; NONE if it does not */
+    std::string_view section; /**< of the items that name an auxiliary file; else empty */
+
+    bool operator<(const Kind& other) const {
+        return std::tie(format, section) < std::tie(other.format, other.section);
+    }
+    bool operator!=(const Kind& other) const { return *this < other || other < *this; }
+};
+
+// "a country list", "an auxiliary file of [KEY]".
+std::string describe(const Kind& kind) {
+    const std::string name(nameOf(kind.format));
+    return (name.front() == 'a' ? "an " : "a ") + name +
+           (kind.section.empty() ? "" : " of " + std::string(kind.section));
+}
+
+Kind kindNamedBy(const ReadLine& item) {
     const auto* const known = product::findKnownItem({item.section, item.key});
     const bool isRead = known != nullptr && known->names != FileFormat::OPAQUE &&
                         known->names != FileFormat::CHANNEL_PLANS;
-    return isRead ? known->names : FileFormat::NONE;
+    if (!isRead) {
+        return {};
+    }
+    return {known->names,
+            known->names == FileFormat::AUXILIARY ? known->name.category : std::string_view()};
 }
 
 // The same for the lines of model and board files, by their contents.
-std::vector<FileFormat> formatsNamedByItems(const ProductLine& line) {
-    std::vector<FileFormat> formats(line.contents().size(), FileFormat::NONE);
-    for (size_t i = 0; i < formats.size(); ++i) {
+std::vector<Kind> kindsNamedByItems(const ProductLine& line) {
+    std::vector<Kind> kinds(line.contents().size());
+    for (size_t i = 0; i < kinds.size(); ++i) {
         const LineContent& content = line.contents()[i];
         if (content.format == FileFormat::PROJECT && content.line->use == LineUse::ITEM) {
-            formats[i] = formatNamedBy(*content.line);
+            kinds[i] = kindNamedBy(*content.line);
         }
     }
-    return formats;
+    return kinds;
 }
 
-// The format in which the service reads the file that a line names.
-FileFormat formatOf(const Naming& naming, const std::vector<FileFormat>& ofItems) {
+Kind kindOf(const Naming& naming, const std::vector<Kind>& ofItems) {
     if (naming.file == nullptr || naming.line == nullptr) {
-        return FileFormat::NONE;
+        return {};
     }
     switch (naming.file->format()) {
+        case FileFormat::CUSTOMER:
+            return {FileFormat::SYSTEM, {}};
+        case FileFormat::SYSTEM:
+        case FileFormat::BOARD_ID:
+            return {FileFormat::PROJECT, {}};
         case FileFormat::PROJECT:
             return ofItems[naming.file->contentOf(*naming.line)];
         case FileFormat::TV_SYSTEMS:
-            return formatNamedBy(*naming.line);
+            return kindNamedBy(*naming.line);
         case FileFormat::COUNTRY_MAP:
-            return naming.line->key == product::element::kFeaturesOfCountry
-                           ? FileFormat::TV_FEATURES
-                           : FileFormat::NONE;
+            return {naming.line->key == product::element::kFeaturesOfCountry
+                            ? FileFormat::TV_FEATURES
+                            : FileFormat::NONE,
+                    {}};
         default:
-            return FileFormat::NONE;
+            return {};
     }
 }
 
 void checkKinds(const ProductLine& line, Reporter& reporter) {
-    const std::vector<FileFormat> ofItems = formatsNamedByItems(line);
+    const std::vector<Kind> ofItems = kindsNamedByItems(line);
     for (const auto& [path, namings] : line.namedPaths()) {
-        std::map<FileFormat, std::vector<const Naming*>> kinds;
+        std::map<Kind, std::vector<const Naming*>> kinds;
         std::vector<const Naming*>* last = nullptr;  // most lines have the kind of the last one
-        FileFormat lastFormat = FileFormat::NONE;
+        Kind lastKind;
         for (const Naming& naming : namings) {
-            const FileFormat format = formatOf(naming, ofItems);
-            if (format == FileFormat::NONE) {
+            const Kind kind = kindOf(naming, ofItems);
+            if (kind.format == FileFormat::NONE) {
                 continue;
             }
-            if (format != lastFormat) {
-                last = &kinds[format];
-                lastFormat = format;
+            if (kind != lastKind) {
+                last = &kinds[kind];
+                lastKind = kind;
             }
             last->push_back(&naming);
         }
@@ -266,14 +202,14 @@ void checkKinds(const ProductLine& line, Reporter& reporter) {
                 kinds.begin(), kinds.end(),
                 [](const auto& a, const auto& b) { return a.second.size() < b.second.size(); });
         const Naming& right = *usual->second.front();
-        for (const auto& [format, wrong] : kinds) {
-            if (format != usual->first) {
+        for (const auto& [kind, wrong] : kinds) {
+            if (kind != usual->first) {
                 reportNamed(line, reporter, path, wrong,
-                            "this line needs a " + std::string(nameOf(format)) + ", and " +
-                                    line.tree().written(line.tree().host(path)) + " is a " +
-                                    std::string(nameOf(usual->first)) + " to other lines",
+                            "this line needs " + describe(kind) + ", and " +
+                                    line.tree().written(line.tree().host(path)) + " is " +
+                                    describe(usual->first) + " to other lines",
                             {{placeOf(line, *right.file, *right.line, right.line->value),
-                              "named here as " + std::string(nameOf(usual->first))}});
+                              "named here as " + describe(usual->first)}});
             }
         }
     }
@@ -296,7 +232,8 @@ constexpr Rule kRules[] = {
          "format allows, and goes on without their content.",
          "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke      (a folder)",
          "KARAOKE_CONFIG_PATH = /tvconfigs/karaoke/home.ini", checkUnusableFiles},
-        {"other-format", Severity::WARNING, "two lines name one file for two formats",
+        {"other-format", Severity::WARNING,
+         "two lines name one file for two formats, or for two purposes",
          "A file has one format. Read in another one, it gives no items, or wrong ones.",
          "COUNTRY_PATH = /tvconfigs/country/eu.txt\nLANGUAGE_PATH = /tvconfigs/country/eu.txt",
          "COUNTRY_PATH = /tvconfigs/country/eu.txt\nLANGUAGE_PATH = /tvconfigs/language/eu.txt",

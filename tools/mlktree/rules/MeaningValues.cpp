@@ -114,7 +114,8 @@ void checkDelays(const ProductLine& line, Reporter& reporter) {
     }
 }
 
-// The files that the item names, in models and boards.
+// The files that the item names, in models and boards. A file that other items name, too, is a
+// matter of another rule.
 std::vector<const FileLines*> filesOf(const ProductLine& line, const product::ConfigKey& item) {
     std::vector<const FileLines*> files;
     for (const auto& [path, namings] : line.namedPaths()) {
@@ -123,8 +124,8 @@ std::vector<const FileLines*> filesOf(const ProductLine& line, const product::Co
             return naming.line != nullptr && naming.line->section == item.category &&
                    naming.line->key == item.key;
         };
-        if (file != nullptr && file->format() == FileFormat::AUXILIARY &&
-            std::any_of(namings.begin(), namings.end(), isItem)) {
+        if (file != nullptr && file->format() == FileFormat::AUXILIARY && !namings.empty() &&
+            std::all_of(namings.begin(), namings.end(), isItem)) {
             files.push_back(file);
         }
     }

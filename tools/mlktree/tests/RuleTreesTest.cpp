@@ -34,7 +34,9 @@ std::string textOf(const fs::path& path) {
 }
 
 void layOver(const fs::path& overlay, const fs::path& tree) {
-    fs::copy(overlay, tree, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+    fs::copy(overlay, tree,
+             fs::copy_options::recursive | fs::copy_options::overwrite_existing |
+                     fs::copy_options::copy_symlinks);
     std::istringstream removed(textOf(overlay / "removed"));
     for (std::string path; std::getline(removed, path);) {
         EXPECT_GT(fs::remove_all(tree / path), 0U) << path << " is not in the base";
