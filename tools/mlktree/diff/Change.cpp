@@ -142,7 +142,8 @@ std::vector<std::string> inSelections(const std::vector<SetGroup>& groups) {
             std::vector<std::string> all;
             for (const std::string& before : made) {
                 for (const std::string& value : values) {
-                    all.push_back(before + (before.empty() ? "" : ",") + part + value);
+                    std::string& one = all.emplace_back(before);
+                    one.append(before.empty() ? "" : ",").append(part).append(value);
                 }
             }
             made = std::move(all);
@@ -150,7 +151,10 @@ std::vector<std::string> inSelections(const std::vector<SetGroup>& groups) {
         std::vector<std::string> models;
         for (const std::string& model : group.models) {
             const auto [index, customer] = partsOf(model);
-            models.push_back(index + (customer.empty() ? "" : ",customer=" + customer));
+            std::string& one = models.emplace_back(index);
+            if (!customer.empty()) {
+                one.append(",customer=").append(customer);
+            }
         }
         multiply("model=", models);
         multiply("board=", group.boards);

@@ -151,6 +151,7 @@ class Git {
   private:
     static std::vector<char*> pointersTo(std::vector<std::string>& texts) {
         std::vector<char*> pointers;
+        pointers.reserve(texts.size() + 1);
         for (std::string& text : texts) {
             pointers.push_back(text.data());
         }
