@@ -32,7 +32,13 @@ void remarkLines(const ProductLine& line, Reporter& reporter,
         for (const ReadLine* const read : linesThat(*file, remarkable)) {
             // Made anew for each line: a file full of mistakes has many remarks.
             Remark remark = *check(file->format(), *read);
-            reporter.report({path, read->number, remark.column}, std::move(remark.message));
+            const Place place{path, read->number, remark.column};
+            if (remark.isSpoiling) {
+                reporter.reportSpoilt(place, {read->number, read->number},
+                                      std::move(remark.message));
+            } else {
+                reporter.report(place, std::move(remark.message));
+            }
         }
     }
 }

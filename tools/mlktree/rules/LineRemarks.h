@@ -14,6 +14,7 @@ namespace mlk::tree {
 struct Remark {
     size_t column; /**< where the caret shall stand; see columnOf() */
     std::string message;
+    bool isSpoiling = false; /**< what other rules find in the line follows from this */
 };
 
 /**

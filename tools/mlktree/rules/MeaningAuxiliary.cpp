@@ -1,12 +1,15 @@
-// A rule about names in audio, karaoke, key and DDC/CI files.
+// Rules about names in audio, karaoke, key and DDC/CI files.
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
+#include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
@@ -125,6 +128,53 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+void checkSections(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, file] : line.files()) {
+        if (file->format() != FileFormat::AUXILIARY) {
+            continue;
+        }
+        const ReadLine* first = nullptr;
+        size_t count = 0;
+        for (const ReadLine& read : file->lines()) {
+            if (read.use == LineUse::SECTION) {
+                break;
+            }
+            const bool isItem = read.use == LineUse::ITEM && !isBrokenSection(read);
+            first = first == nullptr && isItem ? &read : first;
+            count += isItem ? 1 : 0;
+        }
+        if (first != nullptr) {
+            reporter.report(placeOf(line, *file, *first, first->key),
+                            counted(count, "item stands", "items stand") +
+                                    " above the first section, where no client looks");
+        }
+    }
+}
+
+// The file of a receiver has the form AVR_vendor_name.ini, as the receiver announces both.
+void checkReceivers(const ProductLine& line, Reporter& reporter) {
+    for (const auto& [path, file] : line.files()) {
+        const std::string_view name = product::fileNameOf(path);
+        const std::string_view prefix = product::kAvrAudioPrefix;
+        const size_t second = name.find('_', prefix.size());
+        if (file->format() != FileFormat::AUXILIARY || !beginsWith(name, prefix)) {
+            continue;
+        }
+        const std::string_view end = product::kAudioFileEnd;
+        const bool hasBoth = second != std::string_view::npos && second > prefix.size() &&
+                             second + 1 + end.size() < name.size();
+        const std::vector<Naming>& namings = line.namings(path);
+        const bool isFound = std::any_of(namings.begin(), namings.end(), [](const Naming& naming) {
+            return naming.line != nullptr && naming.line->key == product::item::kAvrAudio.key;
+        });
+        if (isFound && !hasBoth) {
+            reporter.report(placeOf(*file),
+                            "no receiver has this file: its name is AVR_, the vendor, \"_\", the "
+                            "name of the receiver, and .ini");
+        }
+    }
+}
+
 constexpr Rule kRules[] = {
         {"unlike-other-files", Severity::WARNING,
          "an audio, karaoke, key or DDC/CI file has nearly the name that others have",
@@ -132,6 +182,15 @@ constexpr Rule kRules[] = {
          "have for one section and key. A misspelt one is missing from it.",
          "[SPEAKER]\nHDMI_DEALY = 40      (the other audio files have HDMI_DELAY)",
          "[SPEAKER]\nHDMI_DELAY = 40", checkNames},
+        {"item-without-section", Severity::WARNING,
+         "an item of an audio, karaoke, key or DDC/CI file stands above the first section",
+         "Clients ask for a section and a key, and no section has this one.",
+         "HDMI_DELAY = 40\n[SPEAKER]", "[SPEAKER]\nHDMI_DELAY = 40", checkSections},
+        {"receiver-name", Severity::WARNING, "no receiver can have a file of this name",
+         "A receiver announces its vendor and its name, and the service looks for the file that "
+         "has "
+         "both in its name.",
+         "AVR_0AFADE-Sundra7.ini", "AVR_0AFADE_Sundra7.ini", checkReceivers},
 };
 
 }  // namespace

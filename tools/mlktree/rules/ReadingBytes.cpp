@@ -43,8 +43,8 @@ void checkByteOrderMarks(const ProductLine& line, Reporter& reporter) {
         const bool hasMark = !file->contents().empty() && file->lines().front().number == 1 &&
                              beginsWith(file->lines().front().text, kByteOrderMark);
         if (hasMark) {
-            reporter.report(
-                    placeOf(line, *file, file->lines().front()),
+            reporter.reportSpoilt(
+                    placeOf(line, *file, file->lines().front()), {1, 1},
                     "a byte order mark: the service takes its three bytes for the beginning of "
                     "the first line; save the file as UTF-8 without it");
         }

@@ -62,7 +62,12 @@ std::string mistakeIn(const ReadLine& read, const std::string& usual) {
         return "the name of the language stands before the first comma, and " + quoted(name) +
                " stands there instead of " + quoted(later.substr(0, later.find(',')));
     }
-    const bool isOtherCode = name.size() <= usual.size() &&
+    const size_t separator = name.find_first_of(";:=|\t");
+    if (comma == std::string_view::npos && separator != std::string_view::npos &&
+        shapeOf(trimmed(name.substr(0, separator))) == usual) {
+        return "a comma ends the name of a language: the name is " + quoted(name);
+    }
+    const bool isOtherCode = (name.size() <= usual.size() || read.number == 1) &&
                              name.find_first_not_of(
                                      "abcdefghijklmnopqrstuvwxyz"
                                      "ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string_view::npos;

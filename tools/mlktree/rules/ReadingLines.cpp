@@ -78,6 +78,10 @@ std::optional<Remark> brokenSection(FileFormat /* format */, const ReadLine& rea
         return Remark{columnOf(read, start), "the section is not closed: its name is " +
                                                      quoted(read.section) + ", without a \"]\""};
     }
+    if (read.use == LineUse::SECTION && !read.section.empty() &&
+        trimmed(read.section.substr(1, read.section.find(']') - 1)).empty()) {
+        return Remark{columnOf(read, start), "the section has no name between its brackets"};
+    }
     if (read.use == LineUse::SECTION &&
         std::count(read.section.begin(), read.section.end(), '[') > 1) {
         return Remark{columnOf(read, start),

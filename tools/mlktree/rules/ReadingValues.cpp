@@ -26,6 +26,10 @@ std::string_view rawValue(const ReadLine& read) {
     return trimmed(value);
 }
 
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
 // The text without quotes and semicolons at its ends, where they do no harm.
 std::string_view withoutOuterSymbols(std::string_view text) {
     constexpr std::string_view kOuter = "\"; \t";
@@ -63,6 +67,16 @@ std::optional<Remark> vanishingSymbol(FileFormat /* format */, const ReadLine& r
     if (at == std::string_view::npos) {
         return std::nullopt;
     }
+    const size_t semicolon = inner.find(';');
+    const bool isLikeComment = semicolon != std::string_view::npos &&
+                               isBlank(inner[semicolon - 1]) &&
+                               inner.find(';', semicolon + 1) == std::string_view::npos;
+    if (isLikeComment) {
+        return Remark{columnOf(read, inner.substr(semicolon)),
+                      "\";\" begins no comment and is removed: " + quoted(read.key) + " is " +
+                              quoted(read.value) + "; a comment begins with \"#\"",
+                      true};
+    }
     const bool isSemicolon = inner[at] == ';';
     return Remark{columnOf(read, inner.substr(at, 1)),
                   (isSemicolon ? "semicolons are" : "quotes are") +
@@ -75,6 +89,9 @@ std::optional<Remark> takenFollowers(FileFormat /* format */, const ReadLine& re
         return std::nullopt;
     }
     std::string_view raw = rawValue(read);
+    if (beginsWith(raw, "=")) {
+        return std::nullopt;  // another rule reports the second "="
+    }
     raw = raw.substr(0, raw.find('='));
     raw = trimmed(raw.substr(0, raw.find('#')));
     std::string expected(raw);
@@ -109,6 +126,15 @@ std::optional<Remark> secondEquals(FileFormat format, const ReadLine& read) {
     const std::string_view raw = rawValue(read);
     const std::string_view code = raw.substr(0, raw.find('#'));
     const size_t second = code.find('=');
+    if (format == FileFormat::PROJECT) {
+        // Elsewhere in the value it is a part like others.
+        const bool isAtBeginning = beginsWith(code, "=") || beginsWith(code, ">");
+        return isAtBeginning ? std::optional(Remark{columnOf(read, code.substr(0, 1)),
+                                                    "the first \"=\" counts: " + quoted(read.key) +
+                                                            " is " + quoted(read.value),
+                                                    true})
+                             : std::nullopt;
+    }
     return second == std::string_view::npos
                    ? std::nullopt
                    : std::optional(Remark{columnOf(read, code.substr(second, 1)),
@@ -143,9 +169,28 @@ std::optional<Remark> remarkInFeature(const ReadLine& read) {
                           "; a comment needs a line of its own"};
 }
 
+// In a model or board file: a comment of another language, which is part of the value.
+std::optional<Remark> foreignRemark(const ReadLine& read) {
+    const std::string_view raw = rawValue(read);
+    const std::string_view code = raw.substr(0, raw.find('#'));
+    for (const std::string_view begin : {"//", "/*"}) {
+        const size_t at = code.find(begin);
+        if (at != std::string_view::npos && at > 0 && isBlank(code[at - 1])) {
+            return Remark{columnOf(read, code.substr(at)),
+                          quoted(begin) + " begins no comment: " + quoted(read.key) + " is " +
+                                  quoted(read.value),
+                          true};
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<Remark> remarkInValue(FileFormat format, const ReadLine& read) {
     if (!hasEquals(read)) {
         return std::nullopt;
+    }
+    if (format == FileFormat::PROJECT) {
+        return foreignRemark(read);
     }
     if (format == FileFormat::TV_FEATURES) {
         return remarkInFeature(read);
@@ -157,6 +202,19 @@ std::optional<Remark> remarkInValue(FileFormat format, const ReadLine& read) {
     }
     return Remark{hash + 1,
                   "the blank before this comment stays in the value " + quoted(read.value)};
+}
+
+// Apostrophes at both ends of a value, where somebody took them for quotes.
+std::optional<Remark> apostrophes(FileFormat /* format */, const ReadLine& read) {
+    const std::string_view value = trimmed(read.value);
+    const bool isInApostrophes = value.size() > 1 && value.front() == '\'' && value.back() == '\'';
+    // Rules about paths and numbers say more.
+    const bool isOther = isInApostrophes && (value[1] == '/' || isNumber(value.substr(1, 1)));
+    if (read.use != LineUse::ITEM || !isInApostrophes || isOther) {
+        return std::nullopt;
+    }
+    return Remark{columnOf(read, value), "apostrophes are no quotes: " + quoted(read.key) + " is " +
+                                                 quoted(read.value) + " with them"};
 }
 
 constexpr Rule kRules[] = {
@@ -172,6 +230,10 @@ constexpr Rule kRules[] = {
          "one word.",
          "INPUTS = hdmi1;hdmi2      (the value is hdmi1hdmi2)", "INPUTS = hdmi1,hdmi2",
          checkLines<vanishingSymbol, FileFormat::PROJECT>},
+        {"apostrophe", Severity::WARNING, "a value stands in apostrophes",
+         "Readers remove double quotes alone: apostrophes belong to the value.",
+         "m_pPanelName = 'LC430-A'", "m_pPanelName = \"LC430-A\"",
+         checkLines<apostrophes, FileFormat::PROJECT, FileFormat::AUXILIARY>},
         {"taken-followers", Severity::ERROR,
          "a quote or semicolon of an audio, karaoke, key or DDC/CI file takes other characters "
          "along",
@@ -181,19 +243,23 @@ constexpr Rule kRules[] = {
          checkLines<takenFollowers, FileFormat::AUXILIARY>},
         {"second-equals", Severity::WARNING, "a second \"=\" stands in a line",
          "In audio, karaoke, key and DDC/CI files the value ends there; in TV feature files the "
-         "last \"=\" counts, so that the key is another one.",
+         "last \"=\" counts, so that the key is another one. In model and board files a value may "
+         "have one, but does not begin with it.",
          "RATIO = 16=9      (the value is 16)", "RATIO = 16:9",
-         checkLines<secondEquals, FileFormat::AUXILIARY, FileFormat::TV_FEATURES>},
+         checkLines<secondEquals, FileFormat::PROJECT, FileFormat::AUXILIARY,
+                    FileFormat::TV_FEATURES>},
         {"no-value", Severity::WARNING,
          "a line of an audio, karaoke, key or DDC/CI file has no value",
          "The service skips the line, so the item does not exist.",
          "HDMI_DELAY =", "HDMI_DELAY = 0", checkLines<missingValue, FileFormat::AUXILIARY>},
         {"remark-in-value", Severity::WARNING, "a comment after a value changes the value",
          "In audio, karaoke, key and DDC/CI files the blank before the comment stays in the value. "
-         "In TV feature files the whole comment does, so that a feature is off.",
+         "In TV feature files the whole comment does, so that a feature is off. In model and board "
+         "files only a \"#\" begins a comment, not \"//\".",
          "persist.vendor.mlk.tv.enable_ci=true # for now",
          "# for now\npersist.vendor.mlk.tv.enable_ci=true",
-         checkLines<remarkInValue, FileFormat::AUXILIARY, FileFormat::TV_FEATURES>},
+         checkLines<remarkInValue, FileFormat::PROJECT, FileFormat::AUXILIARY,
+                    FileFormat::TV_FEATURES>},
 };
 
 }  // namespace

@@ -25,9 +25,8 @@ struct NameMistake {
     std::string message; /**< empty if the name is right */
 };
 
-// The country that a later entry of the line names, as in "DE,GERMANY".
-std::string_view laterEntry(const ReadLine& read) {
-    std::string_view rest = read.text;
+// The first country among the entries of a line, as in "DE,GERMANY".
+std::string_view countryIn(std::string_view rest) {
     while (!rest.empty()) {
         const size_t comma = std::min(rest.find(','), rest.size());
         const std::string_view entry = trimmed(rest.substr(0, comma));
@@ -50,7 +49,7 @@ NameMistake mistakeInList(const ReadLine& read, std::string_view name) {
     if (core.front() == '#' || core.front() == ';' || beginsWith(core, "//")) {
         return {"comment", "a list has no comments: this line counts as a country"};
     }
-    if (const std::string_view later = laterEntry(read); !later.empty()) {
+    if (const std::string_view later = countryIn(read.text); !later.empty()) {
         return {"order", "the name of the country stands before the first comma, and " +
                                  quoted(name) + " stands there instead of " + quoted(later)};
     }
@@ -112,6 +111,31 @@ std::optional<std::string_view> nameIn(const FileLines& file, const ReadLine& re
 bool namesCountries(FileFormat format) {
     return format == FileFormat::COUNTRY_LIST || format == FileFormat::COUNTRY_MAP ||
            format == FileFormat::CHANNEL_MAP;
+}
+
+// Countries after the first comma of a line that begins with a country.
+void checkLost(const ProductLine& line, Reporter& reporter) {
+    FindingGroups groups;
+    for (const auto& [path, file] : line.files()) {
+        if (file->format() != FileFormat::COUNTRY_LIST) {
+            continue;
+        }
+        for (const ReadLine& read : file->lines()) {
+            const size_t comma = read.text.find(',', read.text.find(read.key));
+            if (read.use != LineUse::ITEM || comma == std::string_view::npos ||
+                !countryOf(read.key) || groups.isFull(path)) {
+                continue;
+            }
+            const std::string_view lost = countryIn(read.text.substr(comma + 1));
+            if (!lost.empty() && lost != read.key) {
+                groups.add(
+                        "lost", placeOf(line, *file, read, lost),
+                        "a line has one country, before its first comma: the set does not offer " +
+                                quoted(lost));
+            }
+        }
+    }
+    groups.report(reporter);
 }
 
 void checkNames(const ProductLine& line, Reporter& reporter) {
@@ -178,6 +202,9 @@ constexpr Rule kRules[] = {
          "customer who chooses it gets its channels, and the set saves it. In a map no set ever "
          "finds the record. Case counts, and blanks and carriage returns belong to the name.",
          "GERMNAY,DE", "GERMANY,DE", checkNames},
+        {"lost-country", Severity::WARNING, "a line of a country list has two countries",
+         "Only the text before the first comma counts.", "GERMANY,SWEDEN", "GERMANY,DE\nSWEDEN,SE",
+         checkLost},
         {"repeated-country", Severity::WARNING, "a country stands twice in one list or map",
          "A list offers the country twice. Of two records in a country map the first one counts, "
          "of two blocks in the map of channel plans the last one, so that a change of the other "

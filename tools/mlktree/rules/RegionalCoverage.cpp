@@ -6,9 +6,11 @@
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
+#include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -69,11 +71,46 @@ void checkShadowed(const ProductLine& line, Reporter& reporter) {
     }
 }
 
+constexpr const auto& kListItem = product::item::kCountries;
+
+bool hasListItem(const FileLines& file) {
+    const ReadLine* const item = file.find(kListItem.category, kListItem.key);
+    return item != nullptr && !trimmed(item->value).empty();
+}
+
+// True if a board or a TV system names the country list of sets of that model.
+bool isReplaced(const ProductLine& line, const Model& model) {
+    return std::any_of(line.boards().begin(), line.boards().end(),
+                       [](const Board& board) {
+                           return board.file != nullptr && hasListItem(*board.file);
+                       }) ||
+           std::any_of(line.tvSystems().begin(), line.tvSystems().end(),
+                       [&](const TvSystemFiles& systems) {
+                           const std::vector<Naming>& namings = line.namings(systems.file->path());
+                           return hasListItem(*systems.file) &&
+                                  std::any_of(namings.begin(), namings.end(),
+                                              [&](const Naming& naming) {
+                                                  return naming.file == model.file;
+                                              });
+                       });
+}
+
 void checkEmpty(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, list] : line.files()) {
         const bool isList = list->format() == FileFormat::COUNTRY_LIST;
         if (isList && isUsable(list.get()) && !hasCountries(*list)) {
             reporter.report(placeOf(*list), "the list has no country");
+        }
+    }
+    std::set<const FileLines*> seen;
+    for (const Model& model : line.models()) {
+        if (model.file == nullptr || !seen.insert(model.file).second || isReplaced(line, model)) {
+            continue;
+        }
+        const ReadLine* const item = model.file->find(kListItem.category, kListItem.key);
+        if (item != nullptr && trimmed(item->value).empty()) {
+            reporter.report(placeOf(line, *model.file, *item),
+                            "no country list is named, and the set has no country to choose");
         }
     }
 }
@@ -187,7 +224,7 @@ void checkPlans(const ProductLine& line, Reporter& reporter) {
 }
 
 constexpr Rule kRules[] = {
-        {"empty-list", Severity::ERROR, "a country list that a model names has no country",
+        {"empty-list", Severity::ERROR, "a model has no country list, or one without a country",
          "The menu offers no country, so that nobody can choose one.", "(an empty file)",
          "GERMANY,DE", checkEmpty},
         {"shadowed-country", Severity::ERROR,
