@@ -1,0 +1,260 @@
+// Where each rule begins and ends: the last value that is right and the first that is wrong, and
+// files of every kind that the rule speaks of. RegionalEdgesTest has those of countries and plans.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/mlktree/tests/Harness.h"
+#include "tools/mlktree/tests/RuleEdges.h"
+
+namespace mlk::tree {
+
+namespace {
+
+using mlk::testing::TempDir;
+
+constexpr const char* kModel = "tvconfigs/model/first.ini";
+constexpr const char* kSystem = "tvconfigs/system/line.ini";
+constexpr const char* kCustomer = "tvconfigs/customer.ini";
+constexpr const char* kPanel = "tvconfigs/audio/panel.ini";
+constexpr const char* kFeatures = "tvconfigs/tv/tv_eu.config";
+constexpr const char* kCountryMap = "tvconfigs/tvsysmap/countries.xml";
+constexpr const char* kSystems = "tvconfigs/tvsysmap/systems.xml";
+constexpr const char* kLanguages = "tvconfigs/language/language.txt";
+
+// Models 3 to `last`, which are like the second one but for `without`.
+Edit models(int last, const std::string& without = "") {
+    return [=](const TempDir& dir) {
+        std::string text = dir.read("tvconfigs/model/second.ini");
+        if (!without.empty()) {
+            replaced(kModel, without, "")(dir);
+        }
+        for (int i = 3; i <= last; ++i) {
+            const std::string path = "tvconfigs/model/m" + std::to_string(i) + ".ini";
+            dir.write(path, text);
+            appended(kSystem, "Model_" + std::to_string(i) + " = /" + path + "\n")(dir);
+        }
+    };
+}
+
+std::string letters(size_t count) {
+    return std::string(count, 'x');
+}
+
+std::vector<Edge> valueEdges() {
+    return {
+            {"GreatestNumberOfARange", "item-number",
+             replaced(kModel, "ModeStatus = 0", "ModeStatus = 2"), ""},
+            {"BeyondTheGreatestNumber", "item-number",
+             replaced(kModel, "ModeStatus = 0", "ModeStatus = 3"), "tvconfigs/model/first.ini:19"},
+            {"NumberOfATvSystem", "item-number",
+             replaced(kSystems, "\"SubtitleDefault\" value=\"off\"/>",
+                      "\"SubtitleDefault\" value=\"off\"/>\n"
+                      "        <Item category=\"[PowerOnMode]\" key=\"ModeStatus\" value=\"3\"/>"),
+             "tvconfigs/tvsysmap/systems.xml:7"},
+            {"SwitchWithoutAValue", "item-switch",
+             replaced(kModel, "DPVR       = true", "DPVR       ="), ""},
+            {"NumberWithTwoSigns", "delay-number", written(kPanel, "[SPEAKER]\nHDMI_DELAY = +-5\n"),
+             "tvconfigs/audio/panel.ini:2"},
+            {"NumberWithAPlus", "delay-number", written(kPanel, "[SPEAKER]\nHDMI_DELAY = +5\n"),
+             ""},
+            {"DelayOfTheHardware", "delay-number",
+             written("tvconfigs/audio/audio_chassis.ini", "[SPEAKER]\nHDMI_DELAY = none\n"),
+             "tvconfigs/audio/audio_chassis.ini:2"},
+            {"TextOfAnAudioFile", "delay-number", appended(kPanel, "NOTE = built in\n"), ""},
+            {"FeatureThatDoesNotCount", "feature-value",
+             appended(kFeatures, "persist.vendor.mlk.tv.enable_av=True\n"), ""},
+            {"MasterThatIsOn", "feature-without-master", [](const TempDir&) {}, ""},
+            {"LongestProperty", "property-value",
+             written("data/property/persist.vendor.tarnquill.note", letters(91)), ""},
+            {"LongestValueOfAPattern", "own-value",
+             all({written("mlktree.toml",
+                          "[[key]]\nsection = \"[BACKLIGHT]\"\nkey = \"BL_NOTE\"\n"
+                          "type = \"pattern\"\npattern = \"x*\"\n"),
+                  appended(kModel, "\n[BACKLIGHT]\nBL_NOTE = " + letters(512) + "\n")}),
+             ""},
+            {"LongerValueOfAPattern", "own-value",
+             all({written("mlktree.toml",
+                          "[[key]]\nsection = \"[BACKLIGHT]\"\nkey = \"BL_NOTE\"\n"
+                          "type = \"pattern\"\npattern = \"x*\"\n"),
+                  appended(kModel, "\n[BACKLIGHT]\nBL_NOTE = " + letters(513) + "\n")}),
+             "tvconfigs/model/first.ini:53(1)"},
+    };
+}
+
+std::vector<Edge> identityEdges() {
+    return {
+            {"RemarkAfterTheIndex", "identity-number",
+             written("impdata/project_id.bin", "PROJECT_ID=1 # the first\n"), ""},
+            {"KeywordInACommentBelow", "identity-keyword",
+             written("impdata/project_id.bin", "PROJECT_ID=1\n# PROJECT_ID=2\n"), ""},
+            {"CountryThatIsNoNumber", "identity-number",
+             written("tvdata/tvsysmap/country_id.bin", "COUNTRY_ID=GERMANY\n"),
+             "tvdata/tvsysmap/country_id.bin:1"},
+            {"CommentedBoard", "commented-keyword",
+             written("impdata/board_id.bin", "#BOARD_ID=/tvconfigs/board/b1.ini\n"),
+             "impdata/board_id.bin:1"},
+            {"CommentedModelWithoutANumber", "model-number",
+             appended(kSystem, "# Model_x = /tvconfigs/model/second.ini\n"), ""},
+            {"KeywordWithoutAValue", "incomplete-chain",
+             replaced(kCustomer, "CUSTOMER_ID = 17", "CUSTOMER_ID ="), "tvconfigs/customer.ini:1"},
+            {"ModelWithoutEquals", "no-equals",
+             appended(kSystem, "Model_3 /tvconfigs/model/second.ini\n"),
+             "tvconfigs/system/line.ini:4"},
+    };
+}
+
+std::vector<Edge> modelEdges() {
+    const std::string mode = "[PowerOnMode]\nModeStatus = 0\n";
+    const std::string five = "[OVERSCAN]\nOVERSCAN_PATH = /tvconfigs/panel/overscan.ini\n\n" + mode;
+    return {
+            {"ItemThatTwoOthersHave", "missing-item", models(3, mode), ""},
+            {"ItemThatThreeOthersHave", "missing-item", models(4, mode),
+             "tvconfigs/model/first.ini:0"},
+            {"ItemThatHalfHave", "rare-lack", models(2, mode), ""},
+            {"ItemThatMostHave", "rare-lack", models(3, mode), "tvconfigs/model/first.ini:0"},
+            {"ItemThatEveryBoardHas", "missing-item",
+             all({models(4, mode), appended("tvconfigs/board/b1.ini", mode)}), ""},
+            {"UnlikeABoardInAFewFiles", "unlike-other-models",
+             all({models(18), appended(kModel, "\n[EXTRA]\nexGamma = 1\n"),
+                  appended("tvconfigs/board/b1.ini", "[EXTRA]\nexGama = 1\n")}),
+             "tvconfigs/board/b1.ini:4"},
+            {"UnlikeABoardInManyFiles", "unlike-other-models",
+             all({models(19), appended(kModel, "\n[EXTRA]\nexGamma = 1\n"),
+                  appended("tvconfigs/board/b1.ini", "[EXTRA]\nexGama = 1\n")}),
+             ""},
+    };
+}
+
+std::vector<Edge> pathEdges() {
+    // "/tvconfigs/audio/" and ".ini" are 21 bytes, "/tvconfigs/tv/" and ".config" too.
+    const auto audio = [](size_t size) { return "tvconfigs/audio/" + letters(size - 21) + ".ini"; };
+    const auto karaoke = [](size_t size) {
+        return "tvconfigs/karaoke/" + letters(size - 4) + ".ini";
+    };
+    const auto features = [](size_t size) {
+        return "tvconfigs/tv/" + letters(size - 21) + ".config";
+    };
+    const std::string avr = "/tvconfigs/audio/avr_default.ini";
+    const std::string song = "/tvconfigs/karaoke/karaoke.ini";
+    return {
+            {"LongestPathOfAnAvr", "long-path",
+             all({written(audio(127), ""), replaced(kModel, avr, "/" + audio(127))}), ""},
+            {"LongerPathOfAnAvr", "long-path",
+             all({written(audio(128), ""), replaced(kModel, avr, "/" + audio(128))}),
+             "tvconfigs/model/first.ini:31"},
+            {"LongestNameOfAKaraokeFile", "long-path",
+             all({written(karaoke(127), ""), replaced(kModel, song, "/" + karaoke(127))}), ""},
+            {"LongerNameOfAKaraokeFile", "long-path",
+             all({written(karaoke(128), ""), replaced(kModel, song, "/" + karaoke(128))}),
+             "tvconfigs/model/first.ini:34"},
+            {"LongestFeaturesOfACountry", "long-path",
+             all({written(features(127), ""),
+                  replaced(kCountryMap, "/tvconfigs/tv/tv_eu.config", "/" + features(127))}),
+             ""},
+            {"LongerFeaturesOfACountry", "long-path",
+             all({written(features(128), ""),
+                  replaced(kCountryMap, "/tvconfigs/tv/tv_eu.config", "/" + features(128))}),
+             "tvconfigs/tvsysmap/countries.xml:5"},
+            {"FileInImpdata", "missing-file", replaced(kModel, song, "/impdata/karaoke/oem.ini"),
+             "tvconfigs/model/first.ini:34"},
+            {"HiddenFile", "unused-file", written("tvconfigs/.editor/state", ""), ""},
+            {"ThreeUnusedFilesOfAFolder", "unused-file",
+             all({written("tvconfigs/eq/a.bin", ""), written("tvconfigs/eq/b.bin", ""),
+                  written("tvconfigs/eq/c.bin", "")}),
+             "tvconfigs/eq/a.bin:0 tvconfigs/eq/b.bin:0 tvconfigs/eq/c.bin:0"},
+            {"FolderOfBoardsWithoutABoard", "unused-file",
+             [](const TempDir& dir) {
+                 std::filesystem::remove(dir.path("tvconfigs/board/b1.ini"));
+                 dir.write("impdata/board_id.bin", "BOARD_ID=DEFAULT_BOARD_ID\n");
+                 dir.write("tvconfigs/board/readme.txt", "");
+             },
+             "tvconfigs/panel/ssc.ini:0"},
+            {"ThirtyTwoFoldersInEachOther", "unsearched-folder",
+             [](const TempDir& dir) {
+                 std::string folder = "tvconfigs";
+                 for (int i = 1; i < 32; ++i) {
+                     folder += "/d";
+                 }
+                 dir.write(folder + "/file", "");
+             },
+             ""},
+    };
+}
+
+std::vector<Edge> lineEdges() {
+    return {
+            {"TabAtTheEndOfAValue", "tab",
+             replaced(kModel, "ModeStatus = 0\n", "ModeStatus = 0\t\n"),
+             "tvconfigs/model/first.ini:19"},
+            {"BrokenSectionOfAnAudioFile", "broken-section",
+             written(kPanel, "SPEAKER]\nHDMI_DELAY = 5\n"), "tvconfigs/audio/panel.ini:1"},
+            {"UnendedComment", "unended-line", appended(kFeatures, "# the end"), ""},
+            {"UnendedFeature", "unended-line",
+             appended(kFeatures, "persist.vendor.mlk.tv.enable_av=true"),
+             "tvconfigs/tv/tv_eu.config:27"},
+            {"ThreeOfFourLanguages", "language-name",
+             written(kLanguages, "ger\neng\nfre\nita\nspa\npor\nDAN\nSWE\n"),
+             "tvconfigs/language/language.txt:7 tvconfigs/language/language.txt:8"},
+            {"FewerThanThreeOfFourLanguages", "language-name",
+             written(kLanguages, "ger\neng\nfre\nita\nspa\nDAN\nSWE\n"), ""},
+            {"FourLanguages", "language-name", written(kLanguages, "ger\neng\nfre\nita\nDAN\n"),
+             "tvconfigs/language/language.txt:5"},
+            {"ThreeLanguages", "language-name", written(kLanguages, "ger\neng\nfre\nDAN\n"), ""},
+    };
+}
+
+class RuleEdges : public ::testing::TestWithParam<Edge> {};
+
+TEST_P(RuleEdges, HasItsFindings) {
+    expectPlaces(GetParam());
+}
+
+std::vector<Edge> edges() {
+    std::vector<Edge> every;
+    for (const auto& some :
+         {valueEdges(), identityEdges(), modelEdges(), pathEdges(), lineEdges()}) {
+        every.insert(every.end(), some.begin(), some.end());
+    }
+    return every;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, RuleEdges, ::testing::ValuesIn(edges()),
+                         [](const auto& param) { return std::string(param.param.name); });
+
+class RuleEdgesTest : public ::testing::Test {
+  protected:
+    RuleEdgesTest() { copySoundTree(mDir); }
+    const TempDir mDir;
+};
+
+TEST_F(RuleEdgesTest, AGivenPropertyHidesItsFile) {
+    mDir.write("data/property/persist.vendor.tarnquill.note", letters(92));
+    EXPECT_NE(placesOf(mDir, "property-value"), "");
+    EXPECT_EQ(placesOf(mDir, "property-value", "persist.vendor.tarnquill.note=short"), "");
+}
+
+// What five sections of a model lack is one finding, what four lack is one for each.
+TEST_F(RuleEdgesTest, AModelThatLacksManySectionsHasOneFinding) {
+    models(4)(mDir);
+    std::string model = mDir.read(kModel);
+    const char* const sections[] = {"[PowerOnMode]\nModeStatus = 0\n",
+                                    "[OVERSCAN]\nOVERSCAN_PATH = /tvconfigs/panel/overscan.ini\n",
+                                    "[KEY]\nKEY_CONFIG_PATH = /tvconfigs/keys/keys.ini\n",
+                                    "[MODEL_REGION_NAME_CFG]\nREGION_NAME = EUROPE\n"};
+    for (const char* const section : sections) {
+        model.erase(model.find(section), std::string(section).size());
+    }
+    mDir.write(kModel, model);
+    const std::string place = "tvconfigs/model/first.ini:0";
+    EXPECT_EQ(placesOf(mDir, "missing-item"), place + " " + place + " " + place + " " + place);
+    const std::string fifth = "[CLIENT_TYPE_INFO]\nCLIENT_TYPE = RETAIL\n";
+    mDir.write(kModel, model.erase(model.find(fifth), fifth.size()));
+    EXPECT_EQ(placesOf(mDir, "missing-item"), place);
+}
+
+}  // namespace
+
+}  // namespace mlk::tree
