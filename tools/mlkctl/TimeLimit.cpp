@@ -28,9 +28,13 @@ std::chrono::duration<double> limitOf(const std::string& seconds) {
 }
 
 void addTimeout(CLI::App& app, std::string* seconds) {
-    app.add_option("--timeout", *seconds)->type_name("SECONDS")->check([](const std::string& text) {
+    const auto problemOf = [](const std::string& text) {
         return secondsFrom(text) ? "" : "SECONDS is a number from 0 to 86400, not " + excerpt(text);
-    });
+    };
+    app.add_option("--timeout", *seconds)
+            ->type_name("SECONDS")
+            ->check(problemOf)
+            ->capture_default_str();
 }
 
 }  // namespace mlk::ctl

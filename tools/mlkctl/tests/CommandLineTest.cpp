@@ -80,6 +80,9 @@ TEST(CommandLineTest, EveryCommandHasAManualPage) {
         const std::string page = verb->help();
         for (const CLI::Option* option : app.get_options()) {
             EXPECT_THAT(page, HasSubstr("--" + option->get_lnames().at(0))) << name;
+            if (const std::string value = option->get_default_str(); !value.empty()) {
+                EXPECT_THAT(page, ContainsRegex("default " + value + "[.\n]")) << name;
+            }
         }
         std::istringstream lines(page);
         for (std::string line; std::getline(lines, line);) {

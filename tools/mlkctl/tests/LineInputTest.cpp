@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "host/testing/Eventually.h"
-#include "tools/common/Output.h"
 
 namespace mlk::ctl {
 
@@ -164,28 +163,6 @@ TEST(LineInputTest, SleepsAtAPipeThatDoesNotWait) {
     EXPECT_GE(asleep, 90);
     pipe.write("a\n");
     reader.join();
-}
-
-TEST(OutputTest, WaitsAtAPipeThatDoesNot) {
-    static constexpr size_t kMuch = 4UL * 1024 * 1024;  // more than any pipe holds
-    int ends[2];
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    ASSERT_EQ(fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
-    std::thread reader([end = ends[0]] {
-        std::string piece(4096, '\0');
-        size_t all = 0;
-        while (const ssize_t got = read(end, piece.data(), piece.size())) {
-            ASSERT_GT(got, 0);
-            all += static_cast<size_t>(got);
-        }
-        EXPECT_EQ(all, kMuch);
-    });
-    Output output(ends[1]);
-    output.write(std::string(kMuch, 'x'));
-    output.flush();
-    close(ends[1]);
-    reader.join();
-    close(ends[0]);
 }
 
 TEST(LineInputTest, ThrowsWhereReadingFails) {
