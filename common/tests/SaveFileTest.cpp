@@ -84,6 +84,15 @@ TEST_F(SaveFileTest, RemainderOfAnEarlierAttemptIsNoObstacle) {
     EXPECT_FALSE(isNewLeft());
 }
 
+// It may be a link that somebody else put there.
+TEST_F(SaveFileTest, RemainderThatStaysIsNotWritten) {
+    mDir.write("file.new", "somebody else's");
+    const FileCalls calls(failing(FileCall::UNLINK, EPERM));
+    EXPECT_EQ(saveFile(mDir.path("file"), "text"), Saved::NOT_OPENED);
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(mDir.read("file.new"), "somebody else's");
+}
+
 TEST_F(SaveFileTest, WithoutAPlaceNothingIsCreated) {
     EXPECT_EQ(saveFile(mDir.path("none/file"), "text"), Saved::NOT_OPENED);
     EXPECT_EQ(errno, ENOENT);

@@ -180,6 +180,16 @@ TEST_F(StallsTest, TimeIsOver) {
     EXPECT_EQ(mWakings.size(), 2U);
 }
 
+TEST_F(StallsTest, WhatWasClosedIsClosedOnce) {
+    Connection& stalled = keeping(6000);
+    pass();
+    mStalls.endOverdue();
+    EXPECT_TRUE(stalled.closed());
+    mStalls.endOverdue();
+    (void)keeping(kReplies);  // all the space there is, and not less
+    EXPECT_FALSE(connect().stall->keep(kReplies, 0));
+}
+
 TEST_F(StallsTest, KeepingMoreDoesNotBuyTime) {
     Connection& one = keeping(1);
     pass();
@@ -200,6 +210,24 @@ TEST_F(StallsTest, FewLinesAreLogged) {
                         "closing the connection of a client that left its message unfinished, "
                         "1 bytes and 1 descriptors: its time is over; 0 more since the last such "
                         "line"));
+}
+
+TEST_F(StallsTest, TheNextLineTellsWhatHadNone) {
+    const testing::LogCapture log;
+    for (const int closed : {3, 1, 1}) {
+        for (int i = 0; i < closed; ++i) {
+            (void)keeping(1);
+        }
+        pass();
+        mStalls.endOverdue();
+    }
+    const std::string line =
+            "closing the connection of a client that left its reply unread, 1 bytes and 0 "
+            "descriptors: its time is over; ";
+    EXPECT_THAT(log.texts(ANDROID_LOG_WARN, "hidl"),
+                ::testing::ElementsAre(line + "0 more since the last such line",
+                                       line + "2 more since the last such line",
+                                       line + "0 more since the last such line"));
 }
 
 }  // namespace

@@ -109,7 +109,8 @@ TEST_F(TransportTest, LongMessagesTravelInSeveralPackets) {
     for (size_t i = 0; i < text.size(); ++i) {
         text[i] = static_cast<char>('a' + i % 23);
     }
-    for (const size_t size : {size_t{100}, size_t{1000}, kMostPacketBytes, text.size()}) {
+    for (const size_t size :
+         {size_t{10}, size_t{100}, size_t{1000}, kMostPacketBytes, text.size()}) {
         Sending sending;
         for (size_t at = 0; at < text.size(); at += size) {
             sending.pieces.push_back({text.data() + at, std::min(size, text.size() - at)});
@@ -207,7 +208,26 @@ TEST_F(TransportTest, ReaderFreesWhatItsMessageDoesNotNeed) {
     EXPECT_EQ(mReader.keptBytes(), bytes.size());
     send({bytes.back()});
     ASSERT_EQ(read(), Result::MESSAGE);
-    EXPECT_EQ(mReader.take().header().code, TEXT);
+    const IncomingMessage message = mReader.take();
+    EXPECT_EQ(std::vector<uint8_t>(message.bytes.get(), message.bytes.get() + bytes.size()), bytes);
+}
+
+TEST_F(TransportTest, ReaderThatFreesMemoryKeepsDescriptors) {
+    const unique_fd file = fileWith("content");
+    send(textCall(std::string(40'000, 'x')).bytes());  // its memory is more than the next needs
+    ASSERT_EQ(read(), Result::MESSAGE);
+    (void)mReader.take();
+    const std::vector<uint8_t> bytes = fdCall({file.get()}).bytes();
+    send({bytes.begin(), bytes.end() - 1}, {file.get()});
+    EXPECT_EQ(read(), Result::AGAIN);
+    EXPECT_EQ(mReader.keptDescriptors(), 1U);
+    mReader.trim();
+    EXPECT_EQ(mReader.keptDescriptors(), 1U);
+    send({bytes.back()});
+    ASSERT_EQ(read(), Result::MESSAGE);
+    const IncomingMessage message = mReader.take();
+    ASSERT_EQ(message.descriptors.size(), 1U);
+    EXPECT_EQ(contentOf(message.descriptors[0].get()), "content");
 }
 
 TEST_F(TransportTest, LargeMessageIsNotKeptWhenItIsSent) {

@@ -66,6 +66,24 @@ TEST_F(UnsentReplyTest, IsSentWhenThereIsRoom) {
     EXPECT_EQ(contentOf(descriptors[0].get()), "content");
 }
 
+// The announcement may fit into the socket, and what it announces may not.
+TEST_F(UnsentReplyTest, AnnouncesItsDescriptorsOnce) {
+    std::string text = "text";
+    const unique_fd file = fileWith("content");
+    Sending sending;
+    sending.pieces = {{text.data(), text.size()}};
+    sending.descriptors = {file.get()};
+    sending.announced = true;
+    UnsentReply unsent(mHere.get());
+    ASSERT_TRUE(unsent.keep(sending));
+    EXPECT_TRUE(unsent.flush());
+    EXPECT_TRUE(unsent.empty());
+    std::vector<char> buffer(1000);
+    std::vector<unique_fd> descriptors;
+    ASSERT_EQ(receiveBytes(mThere.get(), buffer.data(), buffer.size(), &descriptors, 0), 4);
+    EXPECT_EQ(descriptors.size(), 1U);
+}
+
 TEST_F(UnsentReplyTest, ClientThatIsGone) {
     fill();
     char byte = 'x';
