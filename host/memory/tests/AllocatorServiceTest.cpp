@@ -33,6 +33,7 @@ using ::mlk::testing::descriptorsOf;
 using ::mlk::testing::eventually;
 using ::mlk::testing::inThreads;
 using ::mlk::testing::residentOf;
+using ::mlk::testing::threadsOf;
 using ::testing::HasSubstr;
 
 // An allocator that has lost its limits must fail its test without using up the machine's memory.
@@ -112,6 +113,8 @@ TEST(AllocatorService, AnswersManyThreadsAtOnce) {
             EXPECT_EQ(memory->size(), size);
         }
     });
+    // The second one answers while the first sends a large reply.
+    EXPECT_EQ(threadsOf(process.pid()), 2U);
 }
 
 TEST(AllocatorService, RefusesAbsurdSizesAndLivesOn) {

@@ -1,10 +1,12 @@
 #include "host/properties/PropertyStore.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include "host/testing/TempDir.h"
@@ -133,6 +135,24 @@ TEST_F(PropertyStoreTest, PassesOverTemporaryFilesThatWereLeftBehind) {
     EXPECT_TRUE(mStore.set("a.key", "two"));
     EXPECT_THAT(mStore.get("a.key"), Optional(std::string("two")));
     EXPECT_EQ(files().size(), 1001U);
+}
+
+// The system takes a part of the value and refuses the rest.
+TEST_F(PropertyStoreTest, PartOfAValueIsNoValue) {
+    ASSERT_TRUE(mStore.set("a.key", "one"));
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const auto formerAction = signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{10, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const bool done = mStore.set("a.key", std::string(20, 'x'));
+    const int error = errno;
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    (void)signal(SIGXFSZ, formerAction);
+    EXPECT_FALSE(done);
+    EXPECT_EQ(error, EFBIG);
+    EXPECT_THAT(mStore.get("a.key"), Optional(std::string("one")));
+    EXPECT_THAT(files(), ElementsAre("a.key"));
 }
 
 TEST_F(PropertyStoreTest, SpoiltFilesHarmNobody) {
