@@ -18,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 
 #include "Wire.h"
 
@@ -59,6 +58,21 @@ const char* advice() {
     return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to a folder of your own" : "";
 }
 
+// Creates the folder and those above it that are missing; 0 or an errno.
+int makeFolder(const std::string& path) {
+    if (mkdir(path.c_str(), 0700) == 0) {
+        return 0;
+    }
+    if (errno != ENOENT) {
+        return errno;
+    }
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        (void)mkdir(path.substr(0, slash).c_str(), 0777);
+    }
+    return mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+}
+
 // Opens the existing folder; 0 or an errno.
 int openFolder(RuntimeFolder* folder) {
     folder->path = runtimePath();
@@ -80,12 +94,7 @@ bool isOursOrRoots(uid_t user) {
 
 RuntimeFolder makeRuntimeFolder() {
     RuntimeFolder folder;
-    const std::filesystem::path path(runtimePath());
-    std::error_code ignored;
-    if (path.has_parent_path()) {
-        std::filesystem::create_directories(path.parent_path(), ignored);
-    }
-    const int made = mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+    const int made = makeFolder(runtimePath());
     int error = openFolder(&folder);
     if (error == ENOENT && made != 0) {
         error = made;

@@ -60,7 +60,7 @@ class FoldersTest : public ::testing::Test {
 
 TEST_F(FoldersTest, IsMadeForItsUserOnly) {
     const mode_t former = umask(0);
-    for (const char* name : {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er"}) {
+    for (const char* name : {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er/still"}) {
         use(mBase + name);
         EXPECT_TRUE(works()) << name;
         EXPECT_EQ(modeOf(mBase + name), 0700U) << name;
