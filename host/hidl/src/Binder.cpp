@@ -1,5 +1,4 @@
 #include <hidl/HidlBinderSupport.h>
-#include <hidl/HidlPassthroughSupport.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/Static.h>
 #include <hwbinder/IBinder.h>
@@ -84,10 +83,6 @@ BnConstructorMap& getBnConstructorMap() {
     static auto* map = new BnConstructorMap;
     return *map;
 }
-BsConstructorMap& getBsConstructorMap() {
-    static auto* map = new BsConstructorMap;
-    return *map;
-}
 
 namespace {
 template <typename Map>
@@ -111,17 +106,6 @@ bool debuggable() {
 sp<IBase> implementationOf(BHwBinder* stub) {
     auto* base = dynamic_cast<::android::hidl::base::V1_0::BnHwBase*>(stub);
     return base == nullptr ? nullptr : base->getImpl();
-}
-
-sp<IBase> wrapPassthroughInternal(const sp<IBase>& object) {
-    std::string descriptor;
-    const auto asked = object->interfaceDescriptor(
-            [&](const hidl_string& name) { descriptor = std::string(name); });
-    const auto wrap = getBsConstructorMap().get(descriptor, nullptr);
-    if (!asked.isOk() || wrap == nullptr) {
-        return object;
-    }
-    return wrap(object.get());
 }
 
 Return<bool> canCastInterface(IBase* object, const char* descriptor, bool emitError) {

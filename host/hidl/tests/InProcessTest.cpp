@@ -1,4 +1,4 @@
-// Objects in the process that uses them: direct calls of their stubs, and the passthrough wrapper.
+// Objects in the process that uses them: direct calls of their stubs, and no passthrough wrapper.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlBinderSupport.h>
@@ -198,25 +198,9 @@ TEST_F(StubMapTest, InterfaceWithoutAStubCannotBeRegistered) {
     EXPECT_EQ(service->registerAsService("some"), OK);
 }
 
-TEST(PassthroughTest, WrapperRunsOnewayMethodsOnAThreadOfItsOwn) {
-    const sp<Everything> service = new Everything;
-    {
-        const sp<IEverything> wrapper = wrapPassthrough(sp<IEverything>(service));
-        ASSERT_NE(wrapper, nullptr);
-        EXPECT_NE(sp<IEverything>(service), wrapper);
-        EXPECT_FALSE(wrapper->isRemote());
-        for (int32_t i = 0; i < 10; ++i) {
-            EXPECT_TRUE(wrapper->poke(i).isOk());
-        }
-        std::string answer;
-        EXPECT_TRUE(wrapper->text("through", [&](const hidl_string& s) { answer = s; }).isOk());
-        EXPECT_EQ(answer, "through");
-        EXPECT_FALSE(wrapper->text("unheard", nullptr).isOk());
-    }
-    // The wrapper is destroyed, so its tasks have run.
-    std::vector<int32_t> poked;
-    ASSERT_TRUE(service->poked([&](const auto& n) { poked = n; }).isOk());
-    EXPECT_THAT(poked, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9));
+TEST(PassthroughTest, OwnObjectIsNotWrapped) {
+    const sp<IEverything> service = new Everything;
+    EXPECT_EQ(wrapPassthrough(service), service);
     EXPECT_EQ(wrapPassthrough(sp<IEverything>()), nullptr);
 }
 

@@ -25,15 +25,27 @@ struct SchedPrio {
 
 using IBase = ::android::hidl::base::V1_0::IBase;
 using BnConstructorMap = ConcurrentMap<std::string, std::function<sp<IBinder>(void*)>>;
-using BsConstructorMap = ConcurrentMap<std::string, std::function<sp<IBase>(void*)>>;
 
 /**
  * Makes the stub of an interface. The key is the interface's descriptor; the argument is the
  * implementation, as a pointer to the interface.
  */
 BnConstructorMap& getBnConstructorMap();
-/** Makes the passthrough wrapper of an interface. The key is the interface's descriptor. */
-BsConstructorMap& getBsConstructorMap();
+
+/**
+ * Generated code hands every interface's passthrough wrapper to this table, which keeps none: a
+ * process of a host uses its own objects without wrappers. The linker then drops their code, which
+ * is as large as two thirds of the stubs.
+ */
+class BsConstructorMap {
+  public:
+    template <typename Make>
+    void set(const char* /* descriptor */, const Make&) {}
+    size_t erase(const char* /* descriptor */) { return 0; }
+};
+inline BsConstructorMap getBsConstructorMap() {
+    return {};
+}
 
 /** A table that generated code reaches with an arrow. */
 template <typename Map>
