@@ -4,7 +4,6 @@
 
 #include <log/log.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -46,7 +45,7 @@ ReadResult readTextFile(const std::string& path, std::string& text, ReadObserver
             return unreadable(path, largerThan(kMostListBytes), observer);
         }
         if (filled == content.size()) {
-            content.resize(std::max(filled + kChunk, file.size() + 1));
+            content.resize(filled == 0 && file.size() != 0 ? file.size() + 1 : filled + kChunk);
         }
         count = file.read(content.data() + filled, content.size() - filled);
     } while (count > 0);
