@@ -28,10 +28,12 @@ bool startsWith(std::string_view text, std::string_view start) {
 // Text of an element of a country block; empty, and logged, if there is no such element.
 std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
                             const char* function, int line, const char* complaint) {
-    if (block.FirstChildElement(element) == nullptr) {
+    const tinyxml2::XMLElement* const child = block.FirstChildElement(element);
+    if (child == nullptr) {
         ALOGE("[%s:%d] without %s", function, line, complaint);
+        return {};
     }
-    return orEmpty(textOfChild(block, element));
+    return orEmpty(child->GetText());
 }
 
 // Tells what becomes of the elements at the top of a TV system file; null if one is missing.

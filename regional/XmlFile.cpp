@@ -84,14 +84,19 @@ const char* expectationOf(tinyxml2::XMLError error) {
     }
 }
 
-size_t references(std::string_view text) {
-    constexpr std::string_view kMark = "&#";
+size_t countOf(std::string_view mark, std::string_view text) {
     size_t count = 0;
-    for (size_t at = text.find(kMark); at != std::string_view::npos; at = text.find(kMark, at)) {
-        at += kMark.size();
+    for (size_t at = text.find(mark); at != std::string_view::npos; at = text.find(mark, at)) {
+        at += mark.size();
         ++count;
     }
     return count;
+}
+
+// Looks at the tags only if there are enough quotes in all: most files have few.
+bool hasTooManyAttributes(std::string_view text) {
+    return countOf("\"", text) + countOf("'", text) > kMostAttributes &&
+           mostAttributes(text) > kMostAttributes;
 }
 
 }  // namespace
@@ -117,7 +122,7 @@ tinyxml2::XMLError XmlFile::load() {
         case ReadResult::DONE:
             break;
     }
-    if (mostAttributes(text) > kMostAttributes || references(text) > kMostReferences) {
+    if (hasTooManyAttributes(text) || countOf("&#", text) > kMostReferences) {
         const std::string problem =
                 "more than " + std::to_string(kMostAttributes) + " attributes in an element or " +
                 std::to_string(kMostReferences) + " character references in all";

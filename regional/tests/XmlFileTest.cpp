@@ -102,15 +102,17 @@ TEST_F(XmlFileTest, DeepNestingIsAnError) {
 }
 
 TEST_F(XmlFileTest, ManyAttributesInOneElementAreRefused) {
-    const auto attributes = [](int count) {
+    const auto attributes = [](int count, const std::string& quote) {
         std::string text;
         for (int i = 0; i < count; ++i) {
-            text += " a" + std::to_string(i) + "='1'";
+            text += " a" + std::to_string(i) + "=" + quote + "1" + quote;
         }
         return text;
     };
-    EXPECT_EQ(errorOf("<A" + attributes(256) + "/>"), "none");
-    EXPECT_EQ(errorOf("<A" + attributes(257) + "/>"), "XML_ERROR_PARSING");
+    for (const char* quote : {"'", "\""}) {
+        EXPECT_EQ(errorOf("<A" + attributes(256, quote) + "/>"), "none") << quote;
+        EXPECT_EQ(errorOf("<A" + attributes(257, quote) + "/>"), "XML_ERROR_PARSING") << quote;
+    }
     mLog.clear();
     const std::string few = repeat(200, " a='1'");
     std::string most;
