@@ -6,8 +6,8 @@
 #include <cstring>
 #include <utility>
 
-#include "common/ConfigKey.h"
 #include "common/TextHash.h"
+#include "common/TextOrder.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -15,6 +15,8 @@ namespace {
 
 constexpr size_t kUsualLine = 40;
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
+
+static_assert(TextArena::kReadableAfter >= kReadBySorting);
 
 void put(char* place, std::string_view text) {
     std::copy(text.begin(), text.end(), place);
@@ -34,41 +36,6 @@ uint32_t capacityAt(const char* texts) {
 }
 
 }  // namespace
-
-// A sort key of eight bytes: the length of a text, then its first bytes. It orders most texts as
-// CompareStr does without reading them. Texts of kManyBytes and more have equal sort keys.
-struct ItemStore::Place {
-    uint64_t order;
-    uint32_t number;  // of the section or item
-
-    // Reads eight bytes even of a shorter text; the arena allows that.
-    Place(std::string_view text, uint32_t numberOfIt)
-        : order(uint64_t{std::min(text.size(), kManyBytes)} << 48), number(numberOfIt) {
-        if (text.size() >= kManyBytes) {
-            return;
-        }
-        uint64_t start = 0;
-        for (size_t i = 0; i < sizeof start; ++i) {
-            start = start << 8 | static_cast<uint8_t>(text.data()[i]);  // one load and a swap
-        }
-        if (text.size() < kBytes) {
-            start &= ~(UINT64_MAX >> (8 * text.size()));
-        }
-        order |= start >> 16;
-    }
-
-    // `textOf` returns the text of a number.
-    template <typename TextOf>
-    static void sort(std::vector<Place>& places, const TextOf& textOf) {
-        std::sort(places.begin(), places.end(), [&](const Place& a, const Place& b) {
-            return a.order != b.order ? a.order < b.order
-                                      : ConfigKey::CompareStr(textOf(a.number), textOf(b.number));
-        });
-    }
-
-    static constexpr size_t kBytes = 6;
-    static constexpr size_t kManyBytes = UINT16_MAX;
-};
 
 void ItemStore::clear() {
     mItems.clear();
@@ -152,8 +119,8 @@ std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const 
         return {};
     }
     std::vector<Item> items(mSections[known].size);
-    std::vector<Place> places;
-    putInOrder(mSections[known], places, items.data());
+    std::vector<NumberedText> keys;
+    putInOrder(mSections[known], keys, items.data());
     return items;
 }
 
@@ -186,36 +153,36 @@ char* ItemStore::placeTexts(std::string_view key, size_t valueCapacity) {
 }
 
 void ItemStore::putInOrder() const {
-    std::vector<Place> places;
-    places.reserve(mSections.size());
+    std::vector<NumberedText> texts;
+    texts.reserve(mSections.size());
     for (const SectionEntry& section : mSections) {
-        places.emplace_back(section.name, static_cast<Section>(places.size()));
+        texts.emplace_back(section.name, static_cast<Section>(texts.size()));
     }
-    Place::sort(places, [this](Section section) { return mSections[section].name; });
+    sortTexts(texts);
     std::vector<size_t> begins(mSections.size());
     size_t begin = 0;
-    for (const Place& place : places) {
-        begins[place.number] = begin;
-        begin += mSections[place.number].size;
+    for (const NumberedText& text : texts) {
+        begins[text.number] = begin;
+        begin += mSections[text.number].size;
     }
     mOrder.resize(mItems.size());
     // In the order of insertion, which is the order of the texts in memory.
     for (size_t section = 0; section < mSections.size(); ++section) {
-        putInOrder(mSections[section], places, mOrder.data() + begins[section]);
+        putInOrder(mSections[section], texts, mOrder.data() + begins[section]);
     }
     mIsOrdered = true;
 }
 
-// Writes the sorted items of a section to `items`. Uses `places` as scratch memory.
-void ItemStore::putInOrder(const SectionEntry& section, std::vector<Place>& places,
+// Writes the sorted items of a section to `items`. Uses `keys` as scratch memory.
+void ItemStore::putInOrder(const SectionEntry& section, std::vector<NumberedText>& keys,
                            Item* items) const {
-    places.clear();
+    keys.clear();
     for (Item item = section.first; item != kNone; item = mItems[item].next) {
-        places.emplace_back(keyOf(item), item);
+        keys.emplace_back(keyOf(item), item);
     }
-    Place::sort(places, [this](Item item) { return keyOf(item); });
-    for (const Place& place : places) {
-        *items++ = place.number;
+    sortTexts(keys);
+    for (const NumberedText& key : keys) {
+        *items++ = key.number;
     }
 }
 

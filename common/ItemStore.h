@@ -11,6 +11,8 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+struct NumberedText;
+
 /**
  * Stores configuration items. An item has a section, a key in that section, and a value; section
  * and key identify it.
@@ -102,10 +104,10 @@ class ItemStore {
         Section section;
         Item next;  // of the section
     };
-    struct Place;  // of a text in an order
     char* placeTexts(std::string_view key, size_t valueCapacity);
     void putInOrder() const;
-    void putInOrder(const SectionEntry& section, std::vector<Place>& places, Item* items) const;
+    void putInOrder(const SectionEntry& section, std::vector<NumberedText>& keys,
+                    Item* items) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;

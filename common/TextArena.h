@@ -18,7 +18,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class TextArena {
   public:
     /** The bytes that may be read, but not used, after the end of each text. */
-    static constexpr size_t kReadableAfter = sizeof(uint64_t);
+    static constexpr size_t kReadableAfter = 32;
 
     /**
      * Returns `size` uninitialised bytes, valid until clear() or the end of the arena. Throws
