@@ -83,11 +83,24 @@ void appendControl(std::string& out, uint8_t byte) {
     }
 }
 
+bool isPlain(char byte, bool inQuotes) {
+    return byte >= 0x20 && byte < 0x7f && !(inQuotes && (byte == '"' || byte == '\\'));
+}
+
 // inQuotes: also escapes quotes and backslashes. DEL and the C1 controls are commands to a
 // terminal.
 void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
     size_t position = 0;
-    while (position < text.size()) {
+    while (true) {
+        // Most texts have nothing else.
+        const size_t plain = position;
+        while (position < text.size() && isPlain(text[position], inQuotes)) {
+            ++position;
+        }
+        out.append(text, plain, position - plain);
+        if (position == text.size()) {
+            return;
+        }
         const size_t length = sequenceLength(text, position);
         const uint8_t byte = byteAt(text, position);
         if (length == 0) {

@@ -1,6 +1,8 @@
 #include "tools/mlktree/answers/PieceWriter.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 #include "tools/mlktree/answers/Snapshot.h"
 
@@ -27,6 +29,12 @@ std::vector<const AnswerItem*> pointersTo(const ItemPiece& piece) {
         items.push_back(&item);
     }
     return items;
+}
+
+void PieceWriter::number(int64_t value) {
+    std::array<char, 20> digits{};  // of the smallest number, with its sign
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    mOut.append(digits.data(), end);
 }
 
 // Opens and closes objects that group what comes one after the other: sections.
@@ -122,11 +130,17 @@ void PieceWriter::writeChannels(const ChannelPiece& piece) {
     mOut += '[';
     for (const AnswerChannel& channel : piece) {
         mOut += &channel == &piece.front() ? "\n" : ",\n";
-        mOut += "{\"channel\":" + std::to_string(channel.channel) +
-                ",\"frequency\":" + std::to_string(channel.frequency) +
-                ",\"bandwidth\":" + std::to_string(channel.bandwidth) + ",\"label\":";
+        mOut += "{\"channel\":";
+        number(channel.channel);
+        mOut += ",\"frequency\":";
+        number(channel.frequency);
+        mOut += ",\"bandwidth\":";
+        number(channel.bandwidth);
+        mOut += ",\"label\":";
         text(channel.label);
-        mOut += ",\"modulation\":" + std::to_string(channel.modulation) + '}';
+        mOut += ",\"modulation\":";
+        number(channel.modulation);
+        mOut += '}';
     }
     mOut += ']';
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,7 @@ class PieceWriter {
         text(value);
         mOut += ':';
     }
+    void number(int64_t value);
     /** Items by section; their values as numbers, or as texts. */
     void writeItems(const std::vector<const AnswerItem*>& items, bool isNumbers);
     void writeFeatures(const FeaturePiece& piece);

@@ -11,6 +11,10 @@ namespace {
 
 constexpr size_t kEnoughToWrite = size_t{1} << 16U;
 
+bool areOfOneModelAndBoard(const AnswerSet& a, const AnswerSet& b) {
+    return a.model == b.model && a.board == b.board && a.customer == b.customer;
+}
+
 /** Writes the pieces of a line. A line of the file is a section, a list, or what refers to them. */
 class SnapshotWriter : private PieceWriter {
   public:
@@ -27,7 +31,7 @@ class SnapshotWriter : private PieceWriter {
         mOut += ",\n";
         writeFiles();
         writeShared();
-        writeEach("sets", mLine.sets, [this](const AnswerSet& set) { writeSet(set); });
+        writeSets();
         mOut += "}\n";
         mSink(mOut);
     }
@@ -60,7 +64,8 @@ class SnapshotWriter : private PieceWriter {
     void place(const char* kind, const PieceUses& uses, uint32_t piece, const Write& write) {
         if (piece != kNone && uses.isShared(piece)) {
             mOut.append("{\"$ref\":\"#/shared/").append(kind).append("/");
-            mOut += std::to_string(uses.numberOf(piece)) + "\"}";
+            number(uses.numberOf(piece));
+            mOut += "\"}";
         } else {
             write();
         }
@@ -71,7 +76,9 @@ class SnapshotWriter : private PieceWriter {
     void writeBoards();
     void writeFiles();
     void writeShared();
-    void writeSet(const AnswerSet& set);
+    void writeSets();
+    std::string startOf(const AnswerSet& set) const;
+    std::vector<std::string> countryTexts() const;
     void writeAnswers(const AnswerPieces& pieces);
     void writeLayers(const AnswerPieces& pieces);
     void writeAuxiliary(const AnswerPieces& pieces);
@@ -176,26 +183,52 @@ void SnapshotWriter::writeShared() {
     mOut += isFirst ? "},\n" : "\n},\n";
 }
 
-void SnapshotWriter::writeSet(const AnswerSet& set) {
-    mOut += "{\"model\":" + (set.model == kNone ? std::string("null")
-                                                : std::to_string(mLine.models[set.model].index));
-    mOut += ",\"board\":";
-    text(mLine.boards[set.board].name);
-    mOut += ",\"customer\":";
-    text(mLine.customers[set.customer].file);
-    mOut += ",\"country\":";
-    text(set.country == kNone ? std::string_view() : mLine.countries[set.country]);
-    mOut += ',';
-    if (mUses.answers.isShared(set.pieces)) {
-        mOut += "\"$merge\":[{\"$ref\":\"#/shared/answers/" +
-                std::to_string(mUses.answers.numberOf(set.pieces)) + "\"}]";
-    } else {
-        writeAnswers(mLine.pieces[set.pieces]);
+// A line may have 100,000 sets: the names that many of them repeat are escaped once.
+void SnapshotWriter::writeSets() {
+    const std::vector<std::string> countries = countryTexts();
+    const AnswerSet* before = nullptr;
+    std::string start;
+    writeEach("sets", mLine.sets, [&](const AnswerSet& set) {
+        if (before == nullptr || !areOfOneModelAndBoard(set, *before)) {
+            start = startOf(set);
+        }
+        before = &set;
+        mOut += start;
+        mOut += set.country == kNone ? countries.back() : countries[set.country];
+        if (mUses.answers.isShared(set.pieces)) {
+            mOut += "\"$merge\":[{\"$ref\":\"#/shared/answers/";
+            number(mUses.answers.numberOf(set.pieces));
+            mOut += "\"}]";
+        } else {
+            writeAnswers(mLine.pieces[set.pieces]);
+        }
+        mOut += ",\"plans\":";
+        const uint32_t plans = mUses.plansOf(set);
+        place("plans", mUses.plans, plans, [&] { writePlans(mLine.planPiece(plans)); });
+        mOut += '}';
+    });
+}
+
+// The members of a set that say who it is, up to its country's name.
+std::string SnapshotWriter::startOf(const AnswerSet& set) const {
+    std::string start = "{\"model\":";
+    start += set.model == kNone ? "null" : std::to_string(mLine.models[set.model].index);
+    start += ",\"board\":";
+    appendJsonString(start, mLine.boards[set.board].name);
+    start += ",\"customer\":";
+    appendJsonString(start, mLine.customers[set.customer].file);
+    start += ",\"country\":";
+    return start;
+}
+
+// The names of all countries and, last, of no country, each as a set has it, with the comma.
+std::vector<std::string> SnapshotWriter::countryTexts() const {
+    std::vector<std::string> texts;
+    for (const std::string_view country : mLine.countries) {
+        texts.push_back(jsonString(country) + ',');
     }
-    mOut += ",\"plans\":";
-    const uint32_t plans = mUses.plansOf(set);
-    place("plans", mUses.plans, plans, [&] { writePlans(mLine.planPiece(plans)); });
-    mOut += '}';
+    texts.push_back(jsonString("") + ',');
+    return texts;
 }
 
 void SnapshotWriter::writeAnswers(const AnswerPieces& pieces) {
