@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "regional/RegionalData.h"
 #include "regional/TvSysMapCfgHolder.h"
 #include "tools/common/Json.h"
+#include "tools/mlktree/Parallel.h"
 #include "tools/mlktree/answers/LineAnswers.h"
 #include "tools/mlktree/report/AnswersData.h"
 #include "tools/mlktree/report/FileTable.h"
@@ -178,8 +180,11 @@ std::string namedJson(const ProductLine& line, const FileTable& files, TextTable
             if (naming.line == nullptr || naming.line->value.empty() || !hasItems(*naming.file)) {
                 continue;
             }
-            const size_t own = files.idOf(tree.relative(tree.hostOfWritten(naming.line->value)));
-            named.emplace(naming.line->value, own < files.size() ? own : files.idOf(path));
+            const auto [entry, isNew] = named.try_emplace(naming.line->value, 0);
+            if (isNew) {
+                const size_t own = files.idOf(tree.relative(tree.hostOfWritten(entry->first)));
+                entry->second = own < files.size() ? own : files.idOf(path);
+            }
         }
     }
     NumberList list;
@@ -195,14 +200,25 @@ ReportData reportDataOf(const ProductLine& line, const CheckReport& report) {
     const FileTable files(line, filesOf(report));
     TextTable texts;
     ReportData data;
-    data.summary = summaryOf(line, report, files);
     JsonObject all;
-    all.json("files", files.json(texts))
-            .json("findings", findingsJson(report, files, texts))
-            .json("rules", rulesJson())
-            .json("own", ownSetJson(line, files))
-            .json("named", namedJson(line, files, texts))
-            .json("answers", answersJson(line, *answersOf(line), files, texts));
+    std::unique_ptr<const LineAnswers> answers;
+    const auto describeFiles = [&] {
+        data.summary = summaryOf(line, report, files);
+        all.json("files", files.json(texts))
+                .json("findings", findingsJson(report, files, texts))
+                .json("rules", rulesJson())
+                .json("own", ownSetJson(line, files))
+                .json("named", namedJson(line, files, texts));
+    };
+    // Neither needs what the other one makes.
+    forEachInParallel(2, [&](size_t part) {
+        if (part == 0) {
+            describeFiles();
+        } else {
+            answers = answersOf(line);
+        }
+    });
+    all.json("answers", answersJson(line, *answers, files, texts));
     addService(all, line, files, texts);
     // At the end, since everything above adds texts.
     data.data = all.json("texts", texts.json()).str();

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <vector>
+
+#include "common/HashIndex.h"
 
 namespace mlk::tree {
 
@@ -26,8 +27,8 @@ class TextTable {
     std::string json() const;
 
   private:
-    std::unordered_map<std::string, size_t> mIds;
-    std::vector<const std::string*> mTexts;  // the keys of mIds, by number
+    std::deque<std::string> mTexts;  // by number
+    vendor::morlak::mlkconfigs::V1_0::implementation::HashIndex mIndex;
 };
 
 /** Appends numbers to a JSON array. */
