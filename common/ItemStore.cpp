@@ -16,10 +16,21 @@ namespace {
 constexpr size_t kUsualLine = 40;
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
 
-static_assert(TextArena::kReadableAfter >= kReadBySorting);
+static_assert(TextArena::kSlack >= kReadBySorting);
 
 void put(char* place, std::string_view text) {
     std::copy(text.begin(), text.end(), place);
+    place[text.size()] = '\0';
+}
+
+// As put(), for most texts without a branch that depends on their size. Reads and writes kReadable
+// bytes, also of a shorter text.
+[[gnu::always_inline]] inline void putReadable(char* place, std::string_view text) {
+    constexpr size_t kUsual = ItemStore::kReadable;
+    std::memcpy(place, text.data(), kUsual);
+    if (text.size() > kUsual) {
+        std::memcpy(place + kUsual, text.data() + kUsual, text.size() - kUsual);
+    }
     place[text.size()] = '\0';
 }
 
@@ -68,6 +79,19 @@ ItemStore::Section ItemStore::section(std::string_view name) {
 
 ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
                                       std::string_view value) {
+    return insertBy([](char* place, std::string_view text) { put(place, text); }, section, key,
+                    value);
+}
+
+ItemStore::Inserted ItemStore::insertReadable(Section section, std::string_view key,
+                                              std::string_view value) {
+    return insertBy([](char* place, std::string_view text) { putReadable(place, text); }, section,
+                    key, value);
+}
+
+template <typename Put>
+ItemStore::Inserted ItemStore::insertBy(const Put& putText, Section section, std::string_view key,
+                                        std::string_view value) {
     SectionEntry& owner = mSections[section];
     Item& item = mItemsByName.findOrAdd(shortHash(hashText(key, owner.hash)), [&](Item known) {
         return mItems[known].section == section && isSame(keyOf(known), key);
@@ -75,8 +99,9 @@ ItemStore::Inserted ItemStore::insert(Section section, std::string_view key,
     if (item != kNone) {
         return {item, false};
     }
-    char* const texts = placeTexts(key, value.size());
-    put(texts + key.size() + 1, value);
+    char* const texts = placeTexts(key.size(), value.size());
+    putText(texts, key);
+    putText(texts + key.size() + 1, value);
     mItems.push_back({texts, static_cast<uint32_t>(key.size()), static_cast<uint32_t>(value.size()),
                       section, kNone});
     item = static_cast<Item>(mItems.size() - 1);
@@ -91,7 +116,9 @@ void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
     if (value.size() > capacityAt(entry.texts)) {
         // Doubling: a value that keeps growing wastes no more memory than it needs in the end.
-        entry.texts = placeTexts(keyOf(item), value.size() * 2);
+        char* const texts = placeTexts(entry.keySize, value.size() * 2);
+        put(texts, keyOf(item));
+        entry.texts = texts;
     }
     put(entry.texts + entry.keySize + 1, value);
     entry.valueSize = static_cast<uint32_t>(value.size());
@@ -142,14 +169,12 @@ void ItemStore::write(std::ostream& out, std::string_view indent) const {
     out.flush();
 }
 
-// Allocates memory for a key and a value and copies the key.
-char* ItemStore::placeTexts(std::string_view key, size_t valueCapacity) {
+// Allocates memory for a key and a value.
+char* ItemStore::placeTexts(size_t keySize, size_t valueCapacity) {
     const auto capacity = static_cast<uint32_t>(valueCapacity);
-    char* const texts =
-            mTexts.allocate(sizeof capacity + key.size() + valueCapacity + 2) + sizeof capacity;
-    std::memcpy(texts - sizeof capacity, &capacity, sizeof capacity);
-    put(texts, key);
-    return texts;
+    char* const place = mTexts.allocate(sizeof capacity + keySize + valueCapacity + 2);
+    std::memcpy(place, &capacity, sizeof capacity);
+    return place + sizeof capacity;
 }
 
 void ItemStore::putInOrder() const {

@@ -60,6 +60,15 @@ class ItemStore {
     /** Adds an item. An existing item of the same names keeps its value. */
     Inserted insert(Section section, std::string_view key, std::string_view value);
 
+    /** The bytes of a text that insertReadable() reads, even of a shorter one. */
+    static constexpr size_t kReadable = TextArena::kSlack;
+
+    /**
+     * As insert(), but faster. Of both texts kReadable bytes must be readable, as they are of those
+     * of a LineReader and of a TextArena.
+     */
+    Inserted insertReadable(Section section, std::string_view key, std::string_view value);
+
     /** Replaces the value of an item, in place if the new one fits. */
     void replace(Item item, std::string_view value);
 
@@ -104,7 +113,10 @@ class ItemStore {
         Section section;
         Item next;  // of the section
     };
-    char* placeTexts(std::string_view key, size_t valueCapacity);
+    template <typename Put>
+    Inserted insertBy(const Put& putText, Section section, std::string_view key,
+                      std::string_view value);
+    char* placeTexts(size_t keySize, size_t valueCapacity);
     void putInOrder() const;
     void putInOrder(const SectionEntry& section, std::vector<NumberedText>& keys,
                     Item* items) const;

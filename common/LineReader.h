@@ -33,7 +33,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class LineReader {
   public:
-    /** The bytes that may be read, but not used, from the beginning of a line on. */
+    /** The bytes that may be read, but not used, from any byte of a line on. */
     static constexpr size_t kReadable = ByteBlock::kBytes;
 
     /**

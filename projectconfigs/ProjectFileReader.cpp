@@ -34,7 +34,7 @@ bool hasSymbols(std::string_view text) {
 
 // Removes quotes and semicolons everywhere, and then spaces at both ends. The result is a part of
 // the text, unless there is a quote or semicolon in the middle: then it is in scratch.
-std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
+std::string_view withoutSymbols(std::string_view text, TextArena& scratch) {
     const auto isSymbol = [](char c) { return c == '"' || c == ';'; };
     const auto goes = [&](char c) { return c == ' ' || isSymbol(c); };
     while (!text.empty() && goes(text.front())) {
@@ -46,9 +46,9 @@ std::string_view withoutSymbols(std::string_view text, std::string& scratch) {
     if (!hasSymbols(text)) {
         return text;
     }
-    scratch = text;
-    scratch.erase(std::remove_if(scratch.begin(), scratch.end(), isSymbol), scratch.end());
-    return scratch;
+    char* const copy = scratch.allocate(text.size());
+    const char* const end = std::remove_copy_if(text.begin(), text.end(), copy, isSymbol);
+    return {copy, static_cast<size_t>(end - copy)};
 }
 
 // The part of a line from the first to the last byte that has a bit.
@@ -84,10 +84,6 @@ bool splitUsualLine(std::string_view line, std::string_view& key, std::string_vi
     key = partOf(line, keyBits);
     value = partOf(line, valueBits);
     return (symbols & (ByteBlock::filled(keyBits) | ByteBlock::filled(valueBits))) == 0;
-}
-
-std::string_view eraseSymbol(std::string_view text, std::string& scratch) {
-    return withoutSymbols(withoutComment(text), scratch);
 }
 
 bool contains(std::string_view line, std::string_view word) {
@@ -167,7 +163,7 @@ void ProjectFileReader::parse_customer_ini(const char* path, std::string& custom
             reader.tell(line, LineUse::IGNORED);
             continue;
         }
-        value = eraseSymbol(value, mCleaned);
+        value = eraseSymbol(value);
         if (reader.isObserved()) {
             bool& isKnown = isCustomerId ? hasCustomerId : hasSystemFile;
             tellItem(reader, line, "", isCustomerId ? keyword::kCustomerId : keyword::kSystemFile,
@@ -203,12 +199,12 @@ void ProjectFileReader::parse_sys_ini(const char* path, int32_t projectId,
         }
         const int32_t number = parseDecimal(line.substr(model + keyword::kModel.size()));
         if (reader.isObserved()) {
-            tellModel(reader, line, number, eraseSymbol(value, mCleaned), told);
+            tellModel(reader, line, number, eraseSymbol(value), told);
         }
         // Unsigned: a negative number counts as larger than all others.
         maxIdx = std::max(maxIdx, static_cast<uint32_t>(number));
         if (number == projectId) {
-            projectIniPath = PatchIniItemPath(eraseSymbol(value, mCleaned));
+            projectIniPath = PatchIniItemPath(eraseSymbol(value));
         }
     }
 }
@@ -229,7 +225,7 @@ bool ProjectFileReader::parse_project_ini(const char* path, ItemStore& items) {
         if (line.empty() || line.front() == '\r' || line.front() == '#') {
             reader.tell(line, LineUse::NOTHING);
         } else if (line.front() == '[') {
-            const std::string_view name = eraseSymbol(line, mCleaned);
+            const std::string_view name = eraseSymbol(line);
             section = items.section(name);
             if (reader.isObserved()) {
                 tellSection(reader, line, name);
@@ -241,19 +237,25 @@ bool ProjectFileReader::parse_project_ini(const char* path, ItemStore& items) {
     return !reader.failed();
 }
 
+std::string_view ProjectFileReader::eraseSymbol(std::string_view text) {
+    mScratch.clear();
+    return withoutSymbols(withoutComment(text), mScratch);
+}
+
 std::string_view ProjectFileReader::cleanPath(std::string_view value) {
-    return PatchIniItemPath(eraseSymbol(value, mCleaned));
+    return PatchIniItemPath(eraseSymbol(value));
 }
 
 void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
                                    std::string_view wholeLine, const LineReader& reader) {
     std::string_view key;
     std::string_view written;
+    mScratch.clear();
     if (!splitUsualLine(wholeLine, key, written)) {
         const std::string_view line = withoutComment(wholeLine);
         const size_t equals = line.find('=');
-        key = withoutSymbols(line.substr(0, equals), mCleanedKey);
-        written = equals == npos ? key : withoutSymbols(line.substr(equals + 1), mCleaned);
+        key = withoutSymbols(line.substr(0, equals), mScratch);
+        written = equals == npos ? key : withoutSymbols(line.substr(equals + 1), mScratch);
     }
     if (reader.isObserved()) {
         // Told before it is added, so that nothing has to be kept for an observer that is not
@@ -262,7 +264,7 @@ void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
         tellItem(reader, wholeLine, name, key, written, items.find(name, key) == ItemStore::kNone);
     }
     const std::string_view value = PatchIniItemPath(written);
-    const auto [item, isNew] = items.insert(section, key, value);
+    const auto [item, isNew] = items.insertReadable(section, key, value);
     if (!isNew) {
         const std::string text(value);
         ALOGD("[%s %d] update value (%s -> %s) due to the same key (%s)", __func__, __LINE__,
@@ -276,13 +278,15 @@ std::string_view ProjectFileReader::PatchIniItemPath(std::string_view value) {
         return value;
     }
     // The prefix need not be followed by a "/".
-    const std::pair<std::string_view, const char*> prefixes[] = {
+    const std::pair<std::string_view, std::string_view> prefixes[] = {
             {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
     for (const auto& [prefix, mountPoint] : prefixes) {
         if (startsWith(value, prefix)) {
-            mPatched = mountPoint;
-            mPatched.append(value.substr(prefix.size()));
-            return mPatched;
+            const std::string_view rest = value.substr(prefix.size());
+            char* const patched = mScratch.allocate(mountPoint.size() + rest.size());
+            std::copy(rest.begin(), rest.end(),
+                      std::copy(mountPoint.begin(), mountPoint.end(), patched));
+            return {patched, mountPoint.size() + rest.size()};
         }
     }
     return value;

@@ -7,6 +7,7 @@
 #include "common/ItemStore.h"
 #include "common/LineReader.h"
 #include "common/ReadObserver.h"
+#include "common/TextArena.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -69,15 +70,14 @@ class ProjectFileReader {
   private:
     void addNewItem(ItemStore& items, ItemStore::Section section, std::string_view wholeLine,
                     const LineReader& reader);
+    std::string_view eraseSymbol(std::string_view text);
     std::string_view PatchIniItemPath(std::string_view value);
 
-    const char* const mTvdataPath;
-    const char* const mTvconfigsPath;
-    const char* const mImpdataPath;
+    const std::string_view mTvdataPath;
+    const std::string_view mTvconfigsPath;
+    const std::string_view mImpdataPath;
     ReadObserver* const mObserver;
-    std::string mCleanedKey;  // buffers for texts that differ from their line
-    std::string mCleaned;
-    std::string mPatched;
+    TextArena mScratch;  // texts that differ from those of the current line
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

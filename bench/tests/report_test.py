@@ -36,7 +36,7 @@ class ReportTest(unittest.TestCase):
     def test_ratio_is_the_median_of_the_rounds(self):
         # 10, 10.5 and 9: not 273000 over 28100.
         self.assertEqual(self.rows["parse-5000"]["ratio"], 10)
-        self.assertTrue(self.rows["parse-5000"]["reached"])
+        self.assertFalse(self.rows["parse-5000"]["reached"])
 
     def test_more_may_be_better(self):
         # 0.92, 0.91 and 0.94; 0.9, 0.92 and 0.95
@@ -70,6 +70,7 @@ class ReportTest(unittest.TestCase):
 
     def test_reparse_is_compared_with_the_first_parse(self):
         self.assertAlmostEqual(self.rows["reparse-5000"]["ratio"], 280000 / 295050, places=2)
+        self.assertTrue(self.rows["reparse-5000"]["reached"])
 
     def test_what_was_not_measured_is_left_out(self):
         for name in ("parse-100000", "parse-100000-peers", "start-5000"):

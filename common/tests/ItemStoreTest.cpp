@@ -5,11 +5,13 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <new>
 #include <random>
 #include <sstream>
@@ -149,6 +151,26 @@ TEST(ItemStoreTest, FirstItemOfANameStays) {
     EXPECT_EQ(first.item, second.item);
     EXPECT_EQ(get(store, "[A]", "k"), "1");
     EXPECT_EQ(store.section("[A]"), section);
+}
+
+TEST(ItemStoreTest, InsertsTextsThatAreFollowedByOthers) {
+    // Texts as those of a line: more bytes follow, and the last text has no more than it must have.
+    const std::string bytes = std::string(100, 'k') + std::string(100, 'v');
+    ItemStore store;
+    const ItemStore::Section section = store.section("[A]");
+    for (size_t size = 0; size <= 100; ++size) {
+        const auto key = std::string_view(bytes).substr(100 - size, size);
+        const std::unique_ptr<char[]> exact(new char[std::max(size, ItemStore::kReadable)]);
+        std::fill_n(exact.get(), std::max(size, ItemStore::kReadable), 'v');
+        EXPECT_TRUE(store.insertReadable(section, key, {exact.get(), size}).isNew);
+        EXPECT_FALSE(store.insertReadable(section, key, key).isNew);
+    }
+    for (size_t size = 0; size <= 100; ++size) {
+        const ItemStore::Item item = store.find("[A]", std::string(size, 'k'));
+        ASSERT_NE(item, ItemStore::kNone);
+        EXPECT_STREQ(store.keyOf(item).data(), std::string(size, 'k').c_str());
+        EXPECT_STREQ(store.valueOf(item).data(), std::string(size, 'v').c_str());
+    }
 }
 
 TEST(ItemStoreTest, TextsEndWithANul) {

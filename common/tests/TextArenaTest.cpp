@@ -80,5 +80,19 @@ TEST(TextArenaTest, ClearedArenaSkipsBlocksThatAreTooSmall) {
     texts.expectUnchanged();
 }
 
+TEST(TextArenaTest, EachTextIsFollowedByReadableBytes) {
+    TextArena arena;
+    std::string read;
+    for (int round = 0; round < 2; ++round, arena.clear()) {
+        for (const size_t size : {0U, 1U, 1023U, 1024U, 0U, 300'000U, 0U}) {
+            char* const text = arena.allocate(size);
+            ASSERT_NE(text, nullptr);
+            std::memset(text, 'a', size + TextArena::kSlack);
+            read.append(text, size + TextArena::kSlack);  // the address sanitizer watches
+        }
+    }
+    EXPECT_EQ(read.find_first_not_of('a'), std::string::npos);
+}
+
 }  // namespace
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -159,6 +160,17 @@ TEST_F(ProjectGrammarTest, LongerProjectLineIsCutAndReported) {
     EXPECT_EQ(itemsOf("[S]\nk=" + value + "w\nl=1\n"), "[S]:k=" + value + ";[S]:l=1;");
     EXPECT_THAT(errors(), ElementsAre(tvconfigs() + "/model/A.ini:2: line longer than 1023 bytes, "
                                                     "its rest is skipped"));
+}
+
+// A partition without a path becomes the empty text.
+TEST_F(ProjectGrammarTest, AValueOfAPartitionAloneMayBecomeEmpty) {
+    const std::string path = write("a.ini", "[S]\na=/tvdata\nb=/impdata/x\nc=/tvconfigs\n");
+    ProjectFileReader reader(nullptr, nullptr, nullptr, nullptr);
+    ItemStore read;
+    EXPECT_TRUE(reader.parse_project_ini(path.c_str(), read));
+    std::ostringstream out;
+    read.write(out, "");
+    EXPECT_EQ(out.str(), "[S]:a=\n[S]:b=/x\n[S]:c=\n");
 }
 
 }  // namespace
