@@ -59,7 +59,7 @@ Failure explained(const Failure& failure, const Services::Request& request) {
 
 Services::Services() : mFinder([](const Interface& interface) { return interface.find(); }) {}
 
-void Services::within(const Interface& interface, std::function<void()> work) {
+void Services::within(std::function<void()> work) {
     if (mWorker == nullptr) {
         mWorker = std::make_unique<Worker>();
     }
@@ -67,7 +67,6 @@ void Services::within(const Interface& interface, std::function<void()> work) {
         return;
     }
     mWorker = nullptr;
-    mObjects.erase(&interface);
     throw tooLate(mLimit);
 }
 
@@ -78,8 +77,7 @@ void Services::within(const Interface& interface, std::function<void()> work) {
     }
     const auto found = std::make_shared<::android::sp<IBase>>();
     try {
-        within(interface,
-               [found, finder = mFinder, asked = &interface] { *found = finder(*asked); });
+        within([found, finder = mFinder, asked = &interface] { *found = finder(*asked); });
     } catch (const Failure& failure) {
         throw about(interface, failure);
     }
@@ -92,7 +90,7 @@ void Services::within(const Interface& interface, std::function<void()> work) {
 void Services::askForNothing(const Interface& interface, std::function<void(IBase&)> question) {
     const ::android::sp<IBase> target = object(interface);
     try {
-        within(interface, [target, question = std::move(question)] { question(*target); });
+        within([target, question = std::move(question)] { question(*target); });
     } catch (const Failure& failure) {
         if (failure.status() == ExitStatus::UNREACHABLE) {
             mObjects.erase(&interface);

@@ -84,7 +84,7 @@ class Services {
 
   private:
     size_t callSome(const std::vector<Request>& requests, size_t first, const Receiver& receive);
-    void within(const Interface& interface, std::function<void()> work);
+    void within(std::function<void()> work);
     ::android::sp<IBase> object(const Interface& interface);
     void askForNothing(const Interface& interface, std::function<void(IBase&)> question);
 

@@ -280,6 +280,10 @@ TEST(TerminalTest, GetsNoCommandsAndAProgramGetsTheBytes) {
     EXPECT_EQ(shownOn(true, {"prop", "get", "odd"}, script),
               "a\\u001b[31m\\tb\\u007f\\u009b\\udc9b\r\n");
     EXPECT_EQ(shownOn(false, {"prop", "get", "odd"}, script), odd + '\n');
+    script.items = {{"odd", odd}};
+    const std::vector<std::string> get = {"get", "--plain", "[LiveTV]", "odd"};
+    EXPECT_EQ(shownOn(true, get, script), "a\\u001b[31m\\tb\\u007f\\u009b\\udc9b\r\n");
+    EXPECT_EQ(shownOn(false, get, script), odd + '\n');
     for (const bool terminal : {true, false}) {
         EXPECT_THAT(shownOn(terminal, {"call", "IMlkProjectConfigs", "getPanelName"}, script),
                     StartsWith(R"({"success":true,"value":"a\u001b[31m\tb\u007f\u009b\udc9b"})"));
