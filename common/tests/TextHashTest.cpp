@@ -30,6 +30,22 @@ TEST(TextHashTest, DependsOnEveryByteTheSizeAndTheSeed) {
     }
 }
 
+// Tables begin their search at the uppermost bits.
+TEST(TextHashTest, TheUppermostBitsDependOnEveryByte) {
+    for (size_t size = 1; size < 24; ++size) {
+        for (size_t i = 0; i < size; ++i) {
+            std::string text(size, 'x');
+            std::set<uint32_t> uppermost;
+            for (int byte = 0; byte < 256; ++byte) {
+                text[i] = static_cast<char>(byte);
+                uppermost.insert(shortHash(hashText(text, 0)) >> 24U);
+            }
+            // Random ones would have about 162 of the 256 values; those of some bytes have fewer.
+            EXPECT_GT(uppermost.size(), 60U) << size << " " << i;
+        }
+    }
+}
+
 TEST(TextHashTest, ReadsNothingBesideTheText) {
     // The bytes around a text must not count. The address sanitizer reports if any of them is read.
     for (size_t size = 0; size < 40; ++size) {
