@@ -98,7 +98,7 @@ void ProductLineBuilder::findCustomers() {
     std::vector<std::string> paths;
     for (const std::string& customer : mSelection.customers) {
         const std::string host = mLine.mTree.hostOfArgument(customer);
-        if (!product::pathExists(host)) {
+        if (!isRegularFile(host)) {
             throw UsageError(std::string("--customer ")
                                      .append(customer)
                                      .append(": there is no file ")

@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/Progress.h"
@@ -16,6 +18,9 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     progress.now("asking all sets");
     const std::unique_ptr<const LineAnswers> answers = answersOf(tree.line());
     progress.stop();
+    if (answers->sets.empty()) {
+        environment.errors << "mlktree: there are no sets; mlktree check tells why" << std::endl;
+    }
     const std::string path = arguments.value("--output", "-");
     if (path == "-") {
         writeSnapshot(*answers, [&](std::string_view text) { environment.output.write(text); });

@@ -274,9 +274,10 @@ void SnapshotWriter::writeLayers(const AnswerPieces& pieces) {
         write(layers.front());
     } else {
         mOut += "{\"$merge\":[";
-        for (const uint32_t layer : layers) {
-            mOut += layer == layers.front() ? "" : ",";
-            write(layer);
+        // A layer may be there twice: a board may have the file of its model.
+        for (size_t i = 0; i < layers.size(); ++i) {
+            mOut += i == 0 ? "" : ",";
+            write(layers[i]);
         }
         mOut += "]}";
     }
