@@ -299,13 +299,7 @@ void ProductLineBuilder::selectCountry() {
         }
         return;
     }
-    const std::optional<int32_t> value = product::countryNames().find(mSelection.country);
-    if (!value) {
-        const std::string_view other = countryMeantBy(mSelection.country);
-        throw UsageError("--country " + mSelection.country + ": the service knows no such country" +
-                         (other.empty() ? "" : "; did you mean " + std::string(other) + "?"));
-    }
-    mLine.mCountries = {_tv_country{*value}};
+    mLine.mCountries = {countryOfOption(mSelection.country)};
 }
 
 void ProductLineBuilder::name(const std::string& path, const FileLines* file,

@@ -6,6 +6,36 @@
 
 namespace mlk::tree {
 
+std::string listed(const std::vector<std::string>& names) {
+    constexpr size_t kMostListed = 8;
+    const auto isNumber = [](const std::string& name) {
+        return !name.empty() && name.size() < 9 &&
+               name.find_first_not_of("0123456789") == std::string::npos;
+    };
+    std::vector<std::string> parts;
+    size_t hidden = 0;
+    for (size_t i = 0; i < names.size();) {
+        size_t end = i + 1;
+        while (end < names.size() && isNumber(names[end]) && isNumber(names[end - 1]) &&
+               std::stol(names[end]) == std::stol(names[end - 1]) + 1) {
+            ++end;
+        }
+        end = end - i > 2 ? end : i + 1;
+        if (parts.size() < kMostListed) {
+            parts.push_back(shownText(names[i]) +
+                            (end - i > 2 ? " to " + shownText(names[end - 1]) : ""));
+        } else {
+            hidden += end - i;
+        }
+        i = end;
+    }
+    std::string text;
+    for (const std::string& part : parts) {
+        text += (text.empty() ? "" : ", ") + part;
+    }
+    return text + (hidden > 0 ? " and " + std::to_string(hidden) + " more" : "");
+}
+
 namespace {
 
 struct KindRow {
@@ -36,37 +66,6 @@ const KindRow& rowOf(ChangeKind kind) {
         }
     }
     return kKinds[0];
-}
-
-// "models 2, 3" or "GERMANY, FRANCE and 40 more"; runs of numbers as "2 to 9".
-std::string listed(const std::vector<std::string>& names) {
-    constexpr size_t kMostListed = 8;
-    const auto isNumber = [](const std::string& name) {
-        return !name.empty() && name.size() < 9 &&
-               name.find_first_not_of("0123456789") == std::string::npos;
-    };
-    std::vector<std::string> parts;
-    size_t hidden = 0;
-    for (size_t i = 0; i < names.size();) {
-        size_t end = i + 1;
-        while (end < names.size() && isNumber(names[end]) && isNumber(names[end - 1]) &&
-               std::stol(names[end]) == std::stol(names[end - 1]) + 1) {
-            ++end;
-        }
-        end = end - i > 2 ? end : i + 1;
-        if (parts.size() < kMostListed) {
-            parts.push_back(shownText(names[i]) +
-                            (end - i > 2 ? " to " + shownText(names[end - 1]) : ""));
-        } else {
-            hidden += end - i;
-        }
-        i = end;
-    }
-    std::string text;
-    for (const std::string& part : parts) {
-        text += (text.empty() ? "" : ", ") + part;
-    }
-    return text + (hidden > 0 ? " and " + std::to_string(hidden) + " more" : "");
 }
 
 // "2 of tvconfigs/customer_b.ini": the index, and the customer file; empty if the line has only

@@ -50,6 +50,10 @@ struct SetGroup {
     std::vector<std::string> boards;
     std::vector<std::string> countries;
 
+    bool operator==(const SetGroup& other) const {
+        return models == other.models && boards == other.boards && countries == other.countries;
+    }
+
     bool isAll() const { return models.empty() && boards.empty() && countries.empty(); }
 };
 
@@ -57,6 +61,7 @@ struct SetGroup {
 struct Change {
     ChangeKind kind = ChangeKind::ITEM;
     std::string name;            /**< "[PANEL] m_pPanelName" */
+    std::string receiver;        /**< of a sound delay; its name ends with it */
     std::optional<ChangeSide> a; /**< nothing if that side has nothing */
     std::optional<ChangeSide> b;
     std::vector<SetGroup> sets; /**< empty if two sets are compared */
@@ -67,9 +72,11 @@ struct Difference {
     std::string a; /**< as the command line names it */
     std::string b;
     bool isOfSets = false;
-    bool hasBoards = true;       /**< there are several boards, so that they are worth telling */
     std::vector<Change> changes; /**< by kind, then in the order of names */
 };
+
+/** "GERMANY, FRANCE and 40 more"; runs of numbers as "2 to 9". Safe for a terminal. */
+std::string listed(const std::vector<std::string>& names);
 
 /** "models 2, 3; all boards". */
 std::string inWords(const std::vector<SetGroup>& groups);

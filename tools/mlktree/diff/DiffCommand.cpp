@@ -1,9 +1,11 @@
 #include "tools/mlktree/CommonOptions.h"
+#include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/Progress.h"
 #include "tools/mlktree/WrittenFile.h"
 #include "tools/mlktree/diff/DiffFormats.h"
 #include "tools/mlktree/diff/LineDiff.h"
 #include "tools/mlktree/diff/Operand.h"
+#include "tools/mlktree/diff/SetFilter.h"
 
 namespace mlk::tree {
 
@@ -12,11 +14,13 @@ namespace {
 Difference compare(const Operand& a, const Operand& b, const Arguments& arguments,
                    const Environment& environment) {
     const bool isOfSets = a.namesSet() || b.namesSet();
+    const SetFilter filter(isOfSets ? Selection() : selectionOf(arguments));
     const OpenOperand openA(a, isOfSets, arguments, environment);
     const OpenOperand openB(b, isOfSets, arguments, environment);
+    filter.mustFitSomeOf(openA.answers(), openB.answers());
     Difference difference =
             isOfSets ? diffSets(openA.answers(), openA.set(), openB.answers(), openB.set())
-                     : diffLines(openA.answers(), openB.answers());
+                     : diffLines(openA.answers(), openB.answers(), filter);
     difference.a = a.text;
     difference.b = b.text;
     return difference;
@@ -48,6 +52,10 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
         b.set = a.set;
     } else if (b.namesSet() && !a.namesSet()) {
         a.set = b.set;
+    }
+    if (a.namesSet()) {
+        addParts(a, arguments);
+        addParts(b, arguments);
     }
     Progress progress(environment.errors, environment.isErrorTerminal);
     progress.now("comparing");
@@ -92,6 +100,8 @@ Command diffCommand() {
             "Parts may be left out: the tree is then that of --tree, and the others are what the "
             "tree's impdata and tvdata partitions say. tree= may also name a snapshot or "
             "rev:REVISION. If only one of A and B names a set, the other means the same set.\n\n"
+            "The options that say which sets compare only these of two trees: \"all sets\" then "
+            "means all of them. To two sets they add the parts that neither names.\n\n"
             "A value has the line that gives it, except in a snapshot, which has no lines. Neither "
             "tree is written to.";
     command.groups = {
@@ -113,6 +123,7 @@ Command diffCommand() {
                       "",
                       true},
              }},
+            setOptions(),
     };
     command.statuses = {{0, "both are the same"},
                         {1, "they differ"},
@@ -123,6 +134,7 @@ Command diffCommand() {
             {"mlktree diff model=6 model=7", "two models"},
             {"mlktree diff country=IRELAND country=FIJI", "two countries"},
             {"mlktree diff model=6 model=7 --format markdown", "for a review"},
+            {"mlktree diff rev:HEAD~1 . --model 6", "what the last commit changes in a model"},
     };
     command.mostWords = 2;
     command.nextWord = nextWord;

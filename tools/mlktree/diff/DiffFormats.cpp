@@ -5,6 +5,7 @@
 #include "tools/common/Json.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/diff/ToldChanges.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -23,8 +24,7 @@ std::string placeOf(const ChangeSide& side) {
 }
 
 // "no difference" or "3 differences".
-std::string summaryOf(const Difference& difference) {
-    const size_t count = difference.changes.size();
+std::string summaryOf(size_t count) {
     return count == 0 ? "no difference" : counted(count, "difference", "differences");
 }
 
@@ -35,15 +35,16 @@ class TextPrinter {
 
     void print(const Difference& difference) {
         const ChangeKind* last = nullptr;
-        for (const Change& change : difference.changes) {
-            if (last == nullptr || *last != change.kind) {
-                mSink((last == nullptr ? "" : "\n") + in(kBold, std::string(titleOf(change.kind))) +
-                      "\n");
+        const std::vector<ToldChange> told = toldChanges(difference);
+        for (const ToldChange& one : told) {
+            const ChangeKind& kind = one.change->kind;
+            if (last == nullptr || *last != kind) {
+                mSink((last == nullptr ? "" : "\n") + in(kBold, std::string(titleOf(kind))) + "\n");
             }
-            last = &change.kind;
-            print(change, difference.isOfSets);
+            last = &kind;
+            print(one, difference.isOfSets);
         }
-        mSink((last == nullptr ? "" : "\n") + summaryOf(difference) + "\n");
+        mSink((last == nullptr ? "" : "\n") + summaryOf(told.size()) + "\n");
     }
 
   private:
@@ -51,10 +52,15 @@ class TextPrinter {
         return mIsColoured ? std::string(colour) + text + std::string(kPlain) : text;
     }
 
-    void print(const Change& change, bool isOfSets) {
-        mSink("  " + shownText(change.name) + "\n");
-        const auto shown = [](const std::optional<ChangeSide>& side) {
-            return !side ? std::string() : side->value.empty() ? "(empty)" : shownText(side->value);
+    void print(const ToldChange& told, bool isOfSets) {
+        const Change& change = *told.change;
+        // A line "= value" before all sections is an item without a name.
+        const auto textOf = [](const std::string& text) {
+            return text.empty() ? "(empty)" : shownText(text);
+        };
+        mSink("  " + textOf(change.name) + "\n");
+        const auto shown = [&](const std::optional<ChangeSide>& side) {
+            return !side ? std::string() : textOf(side->value);
         };
         const std::string a = shown(change.a);
         const std::string b = shown(change.b);
@@ -73,6 +79,9 @@ class TextPrinter {
         };
         line("- ", kRed, a, change.a);
         line("+ ", kGreen, b, change.b);
+        for (const std::string& also : told.also) {
+            mSink("    " + also + "\n");
+        }
         if (!isOfSets && !change.sets.empty()) {
             mSink(in(kDim, "    in " + inWords(change.sets)) + "\n");
         }
@@ -149,18 +158,23 @@ void writeDiffJson(const Difference& difference, const TextSink& sink) {
 }
 
 void writeDiffMarkdown(const Difference& difference, const TextSink& sink) {
-    sink("**" + summaryOf(difference) + "** between " + codeOf(difference.a) + " and " +
+    const std::vector<ToldChange> told = toldChanges(difference);
+    sink("**" + summaryOf(told.size()) + "** between " + codeOf(difference.a) + " and " +
          codeOf(difference.b) + "\n");
     const ChangeKind* last = nullptr;
-    for (const Change& change : difference.changes) {
+    for (const ToldChange& one : told) {
+        const Change& change = *one.change;
         if (last == nullptr || *last != change.kind) {
             sink("\n### " + std::string(titleOf(change.kind)) + "\n\n");
             sink(difference.isOfSets ? "| name | before | after |\n|---|---|---|\n"
                                      : "| name | before | after | sets |\n|---|---|---|---|\n");
         }
         last = &change.kind;
-        sink("| " + codeOf(change.name) + " | " + cellOf(change.a) + " | " + cellOf(change.b) +
-             " |");
+        std::string name = codeOf(change.name);
+        for (const std::string& also : one.also) {
+            name += ", " + codeOf(also);
+        }
+        sink("| " + name + " | " + cellOf(change.a) + " | " + cellOf(change.b) + " |");
         if (!difference.isOfSets) {
             sink(" " + (change.sets.empty() ? "-" : codeOf(inWords(change.sets))) + " |");
         }

@@ -40,7 +40,8 @@ PieceDiff::List customerChanges(PieceDiff& pieces, const std::string& prefix,
 /** Compares all sets of two lines. */
 class Comparison {
   public:
-    Comparison(const LineAnswers& a, const LineAnswers& b) : mA(a), mB(b), mPieces(a, b) {}
+    Comparison(const LineAnswers& a, const LineAnswers& b, const SetFilter& filter)
+        : mA(a), mB(b), mFilter(filter), mPieces(a, b) {}
 
     Difference run();
 
@@ -50,6 +51,7 @@ class Comparison {
         std::string name;
         AnswerEntry entry;
         SetGroup sets;
+        bool isChosen;
     };
 
     void match();
@@ -64,6 +66,7 @@ class Comparison {
 
     const LineAnswers& mA;
     const LineAnswers& mB;
+    const SetFilter& mFilter;
     PieceDiff mPieces;
     std::vector<SetPair> mPairs;
     std::vector<uint32_t> mNumbers;                 // of the sets of mPairs in mA
@@ -74,10 +77,13 @@ class Comparison {
 void Comparison::match() {
     std::map<Identity, const AnswerSet*> ofB;
     for (const AnswerSet& set : mB.sets) {
-        ofB.emplace(identityOf(mB, set), &set);
+        if (mFilter.fits(mB, set)) {
+            ofB.emplace(identityOf(mB, set), &set);
+        }
     }
     for (uint32_t i = 0; i < mA.sets.size(); ++i) {
-        const auto found = ofB.find(identityOf(mA, mA.sets[i]));
+        const auto found =
+                mFilter.fits(mA, mA.sets[i]) ? ofB.find(identityOf(mA, mA.sets[i])) : ofB.end();
         if (found != ofB.end()) {
             mPairs.push_back({&mA.sets[i], found->second});
             mNumbers.push_back(i);
@@ -124,7 +130,7 @@ void Comparison::compareIdentities() {
     for (uint32_t a = 0; a < mA.customers.size(); ++a) {
         for (const AnswerCustomer& other : mB.customers) {
             const AnswerCustomer& one = mA.customers[a];
-            if (one.file == other.file) {
+            if (one.file == other.file && mFilter.fits(one)) {
                 const std::string prefix =
                         mA.customers.size() > 1 ? std::string(one.file) + " " : std::string();
                 add(customerChanges(mPieces, prefix, one, other),
@@ -161,7 +167,7 @@ void Comparison::addOwn(ChangeKind kind, const std::vector<Own>& a, const std::v
             const bool isThere = std::any_of(theirs.begin(), theirs.end(), [&](const Own& other) {
                 return other.name == one.name;
             });
-            if (!isThere) {
+            if (!isThere && one.isChosen) {
                 Change& change = mOwn.emplace_back();
                 change.kind = kind;
                 change.name = one.name;
@@ -192,8 +198,9 @@ void Comparison::addUnmatched(const LineAnswers& line, const LineAnswers& other,
     for (const AnswerSet& set : line.sets) {
         const Identity identity = identityOf(line, set);
         const auto& [customer, model, board, country] = identity;
-        if (theirs.count(identity) == 0 && models.count({customer, model}) > 0 &&
-            boards.count(board) > 0 && countries.count(country) > 0) {
+        if (mFilter.fits(line, set) && theirs.count(identity) == 0 &&
+            models.count({customer, model}) > 0 && boards.count(board) > 0 &&
+            countries.count(country) > 0) {
             Change& change = mOwn.emplace_back();
             change.kind = ChangeKind::MODEL;
             change.name = nameOf(line, set);
@@ -214,7 +221,7 @@ Difference Comparison::run() {
     const auto customersOf = [&](const LineAnswers& line) {
         std::vector<Own> all;
         for (const AnswerCustomer& one : line.customers) {
-            all.push_back({std::string(one.file), one.id, {}});
+            all.push_back({std::string(one.file), one.id, {}, mFilter.fits(one)});
         }
         for (const AnswerModel& one : line.models) {
             if (isOfMany) {
@@ -228,24 +235,30 @@ Difference Comparison::run() {
         std::vector<Own> all;
         for (const AnswerModel& one : line.models) {
             const std::string name = modelName(line, one);
-            all.push_back({"model " + name, one.file, {{name}, {}, {}}});
+            all.push_back({"model " + name,
+                           one.file,
+                           {{name}, {}, {}},
+                           mFilter.fits(one) && mFilter.fits(line.customers[one.customer])});
         }
         return all;
     };
     addOwn(ChangeKind::MODEL, modelsOf(mA), modelsOf(mB));
-    const auto boardsOf = [](const LineAnswers& line) {
+    const auto boardsOf = [this](const LineAnswers& line) {
         std::vector<Own> all;
         for (const AnswerBoard& one : line.boards) {
             const std::string name(one.name);
-            all.push_back({"board " + name, {one.file, {}}, {{}, {name}, {}}});
+            all.push_back({"board " + name, {one.file, {}}, {{}, {name}, {}}, mFilter.fits(one)});
         }
         return all;
     };
     addOwn(ChangeKind::BOARD, boardsOf(mA), boardsOf(mB));
-    const auto countriesOf = [](const LineAnswers& line) {
+    const auto countriesOf = [this](const LineAnswers& line) {
         std::vector<Own> all;
         for (const std::string_view one : line.countries) {
-            all.push_back({"country " + std::string(one), {one, {}}, {{}, {}, {std::string(one)}}});
+            all.push_back({"country " + std::string(one),
+                           {one, {}},
+                           {{}, {}, {std::string(one)}},
+                           mFilter.fitsCountry(one)});
         }
         return all;
     };
@@ -281,7 +294,6 @@ Difference Comparison::run() {
         change.sets = known->second;
     }
     std::move(mOwn.begin(), mOwn.end(), std::back_inserter(difference.changes));
-    difference.hasBoards = mA.boards.size() > 1;
     return difference;
 }
 
@@ -328,8 +340,8 @@ void sortChanges(std::vector<Change>& changes) {
 
 }  // namespace
 
-Difference diffLines(const LineAnswers& a, const LineAnswers& b) {
-    Difference difference = Comparison(a, b).run();
+Difference diffLines(const LineAnswers& a, const LineAnswers& b, const SetFilter& filter) {
+    Difference difference = Comparison(a, b, filter).run();
     sortChanges(difference.changes);
     return difference;
 }

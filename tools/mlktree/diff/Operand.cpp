@@ -11,6 +11,7 @@
 #include "tools/common/Text.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/answers/Snapshot.h"
+#include "tools/mlktree/diff/SetFilter.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -48,7 +49,8 @@ std::string textOf(const std::string& path) {
     return text;
 }
 
-Selection selectionOf(const Operand& operand, bool isOneSet) {
+Selection selectionOf(const Operand& operand, bool isOneSet,
+                      const std::vector<std::string>& customers = {}) {
     Arguments arguments;
     for (const auto& [part, value] : operand.set) {
         arguments.add("--" + part, value);
@@ -60,6 +62,9 @@ Selection selectionOf(const Operand& operand, bool isOneSet) {
         throw UsageError(excerpt(operand.text) + ": " + error.what());
     }
     selection.isOneSet = isOneSet;
+    if (!isOneSet) {
+        selection.customers = customers;
+    }
     return selection;
 }
 
@@ -104,6 +109,24 @@ Operand parseOperand(const std::string& word) {
     return operand;
 }
 
+void addParts(Operand& operand, const Arguments& arguments) {
+    for (const std::string_view part : kOperandParts) {
+        const std::string option = "--" + std::string(part);
+        if (option == "--tree" || !arguments.has(option)) {
+            continue;
+        }
+        if (arguments.values(option).size() > 1) {
+            throw UsageError("a set has one customer file; give --customer once");
+        }
+        const std::string value = arguments.value(option);
+        const auto [known, isNew] = operand.set.emplace(part, value);
+        if (!isNew) {
+            throw UsageError(excerpt(operand.text) + " and " + option + " " + excerpt(value) +
+                             " both name a " + std::string(part) + "; leave one of them out");
+        }
+    }
+}
+
 OpenOperand::OpenOperand(const Operand& operand, bool isOneSet, const Arguments& arguments,
                          const Environment& environment)
     : mOperand(operand) {
@@ -137,8 +160,9 @@ void OpenOperand::openTree(const std::string& folder, const std::string& name, b
         mSettings = std::make_unique<Settings>(readSettings(where + "mlktree.toml"));
         mProperties = std::make_unique<TreeProperties>(where + "data/property",
                                                        arguments.values("--prop"));
-        mLine = std::make_unique<ProductLine>(*mTree, *mSettings, *mProperties,
-                                              selectionOf(mOperand, isOneSet));
+        mLine = std::make_unique<ProductLine>(
+                *mTree, *mSettings, *mProperties,
+                selectionOf(mOperand, isOneSet, arguments.values("--customer")));
     } catch (const UsageError& error) {
         // The temporary folder of a revision is gone when somebody reads the message.
         std::string what = error.what();
@@ -161,19 +185,10 @@ const AnswerSet& OpenOperand::set() const {
     if (!mIsSnapshot && line.sets.size() == 1) {
         return line.sets.front();
     }
-    const auto isWanted = [&](const char* part, const std::string& value) {
-        const auto found = mOperand.set.find(part);
-        return found == mOperand.set.end() || found->second == value;
-    };
+    const SetFilter filter(selectionOf(mOperand, true));
     const AnswerSet* found = nullptr;
     for (const AnswerSet& set : line.sets) {
-        const std::string model =
-                set.model == kNone ? "none" : std::to_string(line.models[set.model].index);
-        const std::string country(set.country == kNone ? std::string_view("none")
-                                                       : line.countries[set.country]);
-        if (!isWanted("model", model) || !isWanted("country", country) ||
-            !isWanted("board", std::string(line.boards[set.board].name)) ||
-            !isWanted("customer", std::string(line.customers[set.customer].file))) {
+        if (!filter.fits(line, set)) {
             continue;
         }
         if (found != nullptr) {

@@ -37,11 +37,18 @@ struct Operand {
  */
 Operand parseOperand(const std::string& word);
 
+/**
+ * Adds what --model, --board, --customer and --country say to the parts of a set.
+ *
+ * @throw UsageError if the operand has such a part already
+ */
+void addParts(Operand& operand, const Arguments& arguments);
+
 /** A side of a comparison: its answers, and what these show texts of. */
 class OpenOperand {
   public:
     /**
-     * Reads what the operand names.
+     * Reads what the operand names. Of a tree that is no set, --customer names the customer files.
      *
      * @param isOneSet  only one set is wanted; the operand's parts choose it
      * @throw UsageError if there is no such source, or it has no such set

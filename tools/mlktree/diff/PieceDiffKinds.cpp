@@ -161,7 +161,8 @@ void PieceDiff::compareDelay(List& list, std::string_view receiver, uint32_t nam
     change.kind = ChangeKind::DELAY;
     change.name = mNameOfA[name] != kNone ? nameOf(mA, mNameOfA[name]) : nameOf(mB, mNameOfB[name]);
     if (!receiver.empty()) {
-        change.name += " with " + std::string(receiver);
+        change.receiver = receiver;
+        change.name += " with " + change.receiver;
     }
     if (a != nullptr) {
         change.a = sideOf(mA, std::to_string(a->value), placeOf(*a, b));

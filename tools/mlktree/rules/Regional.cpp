@@ -9,6 +9,7 @@
 #include "projectconfigs/KnownItems.h"
 #include "regional/CountryTable.h"
 #include "regional/RegionalNames.h"
+#include "tools/common/Text.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/CountryCodes.h"
 
@@ -125,6 +126,16 @@ std::optional<_tv_country> countryOf(std::string_view name) {
     static const product::NameTable names = product::countryNames();
     const std::optional<int32_t> value = names.find(name);
     return value ? std::optional(_tv_country{*value}) : std::nullopt;
+}
+
+_tv_country countryOfOption(const std::string& name) {
+    const std::optional<_tv_country> country = countryOf(name);
+    if (!country) {
+        const std::string_view other = countryMeantBy(name);
+        throw UsageError("--country " + printable(name) + ": the service knows no such country" +
+                         (other.empty() ? "" : "; did you mean " + std::string(other) + "?"));
+    }
+    return *country;
 }
 
 std::string_view countryMeantBy(std::string_view name) {

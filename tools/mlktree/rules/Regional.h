@@ -20,6 +20,9 @@ std::optional<_tv_country> countryOf(std::string_view name);
 /** The name that a wrong name of a country probably stands for; empty if that cannot be told. */
 std::string_view countryMeantBy(std::string_view name);
 
+/** The country that --country names. @throw UsageError if the service knows no such country */
+_tv_country countryOfOption(const std::string& name);
+
 /**
  * The countries that the wrong ones of some names probably stand for. Of very many wrong names the
  * first thousand are looked at.

@@ -97,6 +97,111 @@ TEST_F(DiffTest, ACustomerThatIsGoneReachesItsModels) {
     EXPECT_EQ(std::count(kinds.begin(), kinds.end(), "customer"), 1);
 }
 
+// A second customer of one model, whose file has another panel.
+void addCustomer(const TempDir& dir, const std::string& panel) {
+    std::string customer = dir.read("tvconfigs/customer.ini");
+    const size_t system = customer.find("/tvconfigs/system/");
+    customer.replace(system, customer.find_first_of("\"\n", system) - system,
+                     "/tvconfigs/system/b.ini");
+    dir.write("tvconfigs/customer_b.ini", customer);
+    dir.write("tvconfigs/system/b.ini", "Model_3 = \"/tvconfigs/model/b.ini\"\n");
+    dir.write("tvconfigs/model/b.ini", dir.read(kModel));
+    replaceIn(dir, "tvconfigs/model/b.ini", "BRYL-55U60-C1", panel);
+}
+
+TEST_F(DiffTest, ASetMayBeOfAnotherCustomer) {
+    addCustomer(mDir, "OF-B");
+    const std::string tree = ",tree=" + mDir.path();
+    for (const char* const file :
+         {"tvconfigs/customer_b.ini", "/tvconfigs/customer_b.ini", "customer_b.ini"}) {
+        const std::string set = std::string("model=3,customer=") + file + tree;
+        const Outcome outcome =
+                runMlktree({"diff", "model=3" + tree, set, "--country", "CHILE"}, mDir.path());
+        const bool isFound = std::string(file).find('/') != std::string::npos;
+        EXPECT_EQ(outcome.status, isFound ? 1 : 2) << outcome.err;
+        if (isFound) {
+            EXPECT_THAT(outcome.out, HasSubstr("    + OF-B"));
+        }
+    }
+    // The same of a snapshot with both customers.
+    const std::string snapshot = mDir.path("both.json");
+    ASSERT_EQ(runMlktree({"snapshot", mDir.path(), "--customer", "tvconfigs/customer.ini",
+                          "--customer", "tvconfigs/customer_b.ini", "-o", snapshot})
+                      .status,
+              0);
+    const std::string both = "model=3,board=skerry_b1.ini,country=CHILE,tree=" + snapshot;
+    EXPECT_THAT(runMlktree({"diff", both + ",customer=tvconfigs/customer.ini",
+                            both + ",customer=/tvconfigs/customer_b.ini"})
+                        .out,
+                HasSubstr("    - BRYL-55U60-C1\n    + OF-B\n"));
+    EXPECT_THAT(runMlktree({"diff", both, both + ",customer=tvconfigs/customer.ini"}).err,
+                HasSubstr("fits several sets of the snapshot"));
+}
+
+TEST_F(DiffTest, OptionsChooseTheSetsThatAreCompared) {
+    replace(kModel, "BRYL-55U60-C1", "LC999");
+    replace("tvconfigs/model/TRQ65_C3_UK.ini", "OSMR-65U120-D2", "NEW");
+    const std::string snapshot = mDir.path("new.json");
+    ASSERT_EQ(runMlktree({"snapshot", mDir.path(), "-o", snapshot}).status, 0);
+    for (const std::string& other : {mDir.path(), snapshot}) {
+        const auto diffWith = [&](std::vector<std::string> options) {
+            options.insert(options.begin(), {"diff", samplePath(), other});
+            return runMlktree(options);
+        };
+        EXPECT_THAT(diffWith({}).out, HasSubstr("2 differences\n"));
+        const Outcome three = diffWith({"--model", "3"});
+        EXPECT_THAT(three.out, HasSubstr("+ LC999"));
+        EXPECT_THAT(three.out, HasSubstr("    in all sets\n\n1 difference\n"));
+        EXPECT_EQ(diffWith({"--model", "1"}).out, "no difference\n");
+        EXPECT_EQ(diffWith({"--model", "1"}).status, 0);
+        EXPECT_EQ(diffWith({"--customer", "tvconfigs/customer.ini"}).out, diffWith({}).out);
+        for (const char* const board :
+             {"skerry_b2.ini", "/tvconfigs/board/skerry_b2.ini", "tvconfigs/board/skerry_b2.ini"}) {
+            EXPECT_THAT(diffWith({"--board", board, "--country", "CHILE"}).out,
+                        HasSubstr("2 differences\n"));
+        }
+        EXPECT_THAT(diffWith({"--model", "33"}).err,
+                    HasSubstr("--model 33: neither side has such a set"));
+        EXPECT_THAT(diffWith({"--board", "b.ini"}).err,
+                    HasSubstr("--board b.ini: neither side has such a set"));
+        EXPECT_THAT(diffWith({"--country", "GERMANI"}).err, HasSubstr("did you mean GERMANY?"));
+        EXPECT_EQ(diffWith({"--customer", "tvconfigs/customer_b.ini"}).status, 2);
+    }
+}
+
+TEST_F(DiffTest, OptionsChooseWhatOnlyOneSideHas) {
+    const std::string system = "tvconfigs/system/tarnquill_skerry.ini";
+    replaceIn(mDir, system, "Model_3 ", "Model_33 ");
+    mDir.write("tvconfigs/board/new.ini", "[A]\nb=c\n");
+    EXPECT_THAT(diff().out, HasSubstr("4 differences\n")) << "and the highest index";
+    EXPECT_THAT(diff({"--model", "33"}).out, HasSubstr("  model 33\n    + "));
+    EXPECT_THAT(diff({"--model", "3", "--board", "none"}).err,
+                HasSubstr("--board none: neither side has such a set"));
+    EXPECT_THAT(diff({"--model", "1", "--board", "skerry_b1.ini"}).out,
+                ::testing::AllOf(::testing::StartsWith("Customer\n  highest index\n"),
+                                 HasSubstr("\n1 difference\n")));
+    EXPECT_THAT(diff({"--model", "1"}).out, HasSubstr("Boards\n  board new.ini\n"));
+}
+
+TEST_F(DiffTest, OptionsCompleteTwoSets) {
+    const std::string tree = ",tree=" + samplePath();
+    const std::vector<std::string> words = {"diff", "model=6" + tree, "model=7" + tree};
+    const auto diffWith = [&](const std::string& option, const std::string& value) {
+        std::vector<std::string> all = words;
+        all.insert(all.end(), {option, value});
+        return runMlktree(all);
+    };
+    EXPECT_EQ(diffWith("--board", "skerry_b2.ini").out,
+              runMlktree({"diff", words[1] + ",board=skerry_b2.ini",
+                          words[2] + ",board=skerry_b2.ini"})
+                      .out);
+    const Outcome twice = diffWith("--model", "6");
+    EXPECT_EQ(twice.status, 2);
+    EXPECT_THAT(twice.err, HasSubstr("\" and --model \"6\" both name a model; leave one of them"));
+    EXPECT_THAT(runMlktree({"diff", words[1], words[2], "--customer", "a", "--customer", "b"}).err,
+                HasSubstr("a set has one customer file; give --customer once"));
+}
+
 TEST_F(DiffTest, PropertiesOfTheCommandLineCountOnBothSides) {
     mDir.write("data/property/persist.vendor.mlk.enstr", "false");
     EXPECT_EQ(diff().status, 1);

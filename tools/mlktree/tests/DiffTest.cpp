@@ -103,6 +103,57 @@ TEST_F(DiffTest, GroupsByChangeWithTheSetsItReaches) {
          "sets":["model=3"]}])"));
 }
 
+TEST_F(DiffTest, TellsADelayOnceForAllReceivers) {
+    // The first of two lines counts.
+    replace("tvconfigs/audio/panel_bryl_uhd60.ini", "[ARC]", "[ARC]\nATV_DELAY = 240");
+    EXPECT_EQ(diff().out,
+              "Sound delays\n"
+              "  [ARC] ATV_DELAY\n"
+              "    - 89   tvconfigs/audio/panel_bryl_uhd60.ini:31\n"
+              "    + 243  tvconfigs/audio/panel_bryl_uhd60.ini:30\n"
+              "    59 -> 213 with ARC\n"
+              "    77 -> 231 with AVR_0AFADE_Sundra7.ini\n"
+              "    47 -> 201 with AVR_0EC0DE_Orlan900.ini\n"
+              "    in models 3, 4; all boards\n"
+              "\n"
+              "1 difference\n");
+    EXPECT_THAT(diff({"--format", "markdown"}).out,
+                HasSubstr("| `[ARC] ATV_DELAY`, `59 -> 213 with ARC`, `77 -> 231 with "
+                          "AVR_0AFADE_Sundra7.ini`, `47 -> 201 with AVR_0EC0DE_Orlan900.ini` | "
+                          "`89` ("));
+    // A program asks for one receiver.
+    const json all = changes();
+    ASSERT_EQ(all.size(), 4U);
+    EXPECT_EQ(all[1]["name"], "[ARC] ATV_DELAY with ARC");
+    EXPECT_EQ(all[3]["b"]["value"], "201");
+    // With a receiver whose own file changes, too, it becomes another difference.
+    replace("tvconfigs/audio/AVR_0EC0DE_Orlan900.ini", "ATV_DELAY       = -12", "ATV_DELAY = -10");
+    const std::string both = diff({"--model", "3"}).out;
+    EXPECT_THAT(both, HasSubstr("    77 -> 231 with AVR_0AFADE_Sundra7.ini\n    in all sets\n"));
+    EXPECT_THAT(both, HasSubstr("  [ARC] ATV_DELAY with AVR_0EC0DE_Orlan900.ini\n    - 47 "));
+    EXPECT_THAT(both, HasSubstr("\n2 differences\n"));
+}
+
+TEST_F(DiffTest, TellsOnceWhatAllReceiversShare) {
+    replace("tvconfigs/audio/panel_osmr_hd60.ini", "ATV_DELAY", "# ATV_DELAY");
+    EXPECT_THAT(diff({"--model", "1"}).out,
+                HasSubstr("\n    the same with ARC, AVR_0AFADE_Sundra7.ini, "
+                          "AVR_0EC0DE_Orlan900.ini\n    in all sets\n\n1 difference\n"));
+}
+
+TEST_F(DiffTest, AnItemMayHaveNoName) {
+    mDir.write(kModel, "= nameless\n" + mDir.read(kModel));
+    EXPECT_EQ(diff().out,
+              "Items\n"
+              "  (empty)\n"
+              "    + nameless  tvconfigs/model/TRQ55_M2_LATAM.ini:1\n"
+              "    in model 3; all boards\n"
+              "\n"
+              "1 difference\n");
+    EXPECT_THAT(diff({"--format", "markdown"}).out, HasSubstr("\n| (empty) | - | `nameless` ("));
+    EXPECT_EQ(changes()[0]["name"], "");
+}
+
 TEST_F(DiffTest, WritesToAFile) {
     const TempDir out;
     const Outcome outcome = diff({"-o", out.path("diff.txt")});
