@@ -41,6 +41,7 @@ enum class Completion {
     OPERAND,       /**< what diff compares: "model=6,country=GERMANY" */
     PLAN_KIND,     /**< "DTV_CABLE" */
     CABLE,         /**< "HRC" */
+    ROW,           /**< what a pattern of matrix accepts */
 };
 
 /** One option of a command. */

@@ -141,7 +141,9 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
             return;
         default:
             const std::vector<std::string>& words = before.given.words();
-            const auto found = names.of(kind, before.given, words.empty() ? "" : words.back());
+            const std::string last = words.empty() ? "" : words.back();
+            const auto found =
+                    names.of(kind, before.given, kind == Completion::ROW ? before.word : last);
             if (kind == Completion::SECTION || kind == Completion::SOUND_SECTION) {
                 return addSections(out.words, found, before.word);
             }

@@ -30,10 +30,11 @@ class TreeNames {
 
     /**
      * Names of that kind: MODEL, BOARD, CUSTOMER, COUNTRY, PROPERTY, SECTION, KEY, FEATURE,
-     * SOUND_SECTION, SOUND_KEY, TREE_FILE. Sections have brackets; paths are relative to the tree.
+     * SOUND_SECTION, SOUND_KEY, TREE_FILE, ROW. Sections have brackets, except as rows; paths are
+     * relative to the tree.
      *
      * @param given    what the command line says so far
-     * @param section  of KEY
+     * @param section  of KEY; of ROW the word as far as it is typed
      */
     virtual std::vector<Candidate> of(Completion kind, const Arguments& given,
                                       const std::string& section) = 0;

@@ -7,6 +7,7 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/matrix/MatrixWords.h"
 
 namespace mlk::tree {
 
@@ -105,6 +106,8 @@ std::vector<Candidate> namesIn(const OpenTree& tree, Completion kind, const std:
             return found;
         case Completion::TREE_FILE:
             return filesIn(tree.line());
+        case Completion::ROW:
+            return matrixWords(rowsOf(*answersOf(tree.line())), section);
         default:
             return namesInLines(tree.line(), kind, section);
     }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <ostream>
 
 #include "tools/common/Suggest.h"
@@ -49,6 +50,23 @@ std::string treeOf(std::vector<std::string>& words, const Arguments& arguments) 
     std::string tree = words.front();
     words.erase(words.begin());
     return tree;
+}
+
+// Somebody may have meant the first word as the tree, so a message on the tree says what it is.
+std::unique_ptr<const OpenTree> opened(const Arguments& arguments, const std::string& tree,
+                                       const std::vector<std::string>& patterns,
+                                       const Environment& environment) {
+    try {
+        return std::make_unique<const OpenTree>(arguments, tree, environment,
+                                                selectionOf(arguments));
+    } catch (const UsageError& error) {
+        const bool isDefault = tree.empty() && !patterns.empty() && !arguments.has("--tree");
+        if (!isDefault || !beginsWith(error.what(), "no partition tree")) {
+            throw;
+        }
+        throw UsageError(std::string(error.what()) + "; " + excerpt(patterns.front()) +
+                         " is no such folder and counts as a PATTERN");
+    }
 }
 
 // A section without its brackets.
@@ -113,8 +131,8 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     std::vector<std::string> words = arguments.words();
     const std::string tree = treeOf(words, arguments);
     const size_t width = widthFor(arguments, environment);
-    const OpenTree open(arguments, tree, environment, selectionOf(arguments));
-    const auto answers = answersOf(open.line());
+    const auto open = opened(arguments, tree, words, environment);
+    const auto answers = answersOf(open->line());
     requireRows(*answers, words);
     const Matrix matrix(*answers, {words, arguments.has("--all")});
     const std::string path = arguments.value("--output", "-");
@@ -136,8 +154,8 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
 }
 
 std::vector<Completion> matrixWord(const std::vector<std::string>& before) {
-    return before.empty() ? std::vector<Completion>{Completion::FOLDER, Completion::SECTION}
-                          : std::vector<Completion>{Completion::SECTION};
+    return before.empty() ? std::vector<Completion>{Completion::FOLDER, Completion::ROW}
+                          : std::vector<Completion>{Completion::ROW};
 }
 
 std::vector<std::string_view> formatNames() {

@@ -14,11 +14,26 @@ constexpr size_t kGap = 2;           // blanks between columns
 constexpr size_t kLongestHead = 24;  // longer names are explained in a list
 constexpr size_t kWidestCell = 34;
 constexpr size_t kLeastCell = 8;
-constexpr const char* kBreaks = "/_,;";
+constexpr std::string_view kBreaks = "/_,;";
+constexpr std::string_view kPathBreaks = "/";
 
 constexpr const char* kBold = "\033[1m";
 constexpr const char* kFaint = "\033[2m";
 constexpr const char* kPlain = "\033[0m";
+
+// The characters after which a line may end. Names of files stay whole where they fit.
+std::string_view breaksOf(std::string_view text, size_t width) {
+    size_t longest = 0;
+    size_t begin = 0;
+    for (size_t at = 0; at <= text.size(); ++at) {
+        if (at == text.size() || text[at] == '/') {
+            longest = std::max(longest, columnsOf(text.substr(begin, at + 1 - begin)));
+            begin = at + 1;
+        }
+    }
+    const bool isPath = text.find('/') != std::string_view::npos;
+    return isPath && longest <= width ? kPathBreaks : kBreaks;
+}
 
 /** Columns side by side, in blocks that are as wide as the terminal. */
 class MatrixTable {
@@ -61,11 +76,11 @@ class MatrixTable {
         return mHasLetters ? lettersOf(column) : shownText(mNames[column]);
     }
 
-    // The width of a column; long values are wrapped.
-    size_t widthOf(size_t column) const {
+    // The width of a column; values that are longer than `widest` are wrapped.
+    size_t widthOf(size_t column, size_t widest) const {
         const size_t used = mLabelWidth + kGap;
         const size_t left = mStyle.width > used ? mStyle.width - used : 0;
-        const size_t most = std::clamp(left, kLeastCell, kWidestCell);
+        const size_t most = std::clamp(left, kLeastCell, widest);
         const size_t head = columnsOf(headOf(column));
         size_t width = head;
         for (size_t row = 0; row < mLabels.size() && width < most; ++row) {
@@ -74,10 +89,19 @@ class MatrixTable {
         return std::min(width, std::max(most, head));
     }
 
+    // Values stay whole if all columns fit beside each other then.
     void findBlocks() {
+        addBlocks(mStyle.width);
+        if (mBlocks.size() > 1) {
+            mBlocks.clear();
+            addBlocks(kWidestCell);
+        }
+    }
+
+    void addBlocks(size_t widest) {
         size_t used = 0;
         for (size_t column = 0; column < mNames.size(); ++column) {
-            const size_t width = widthOf(column);
+            const size_t width = widthOf(column, widest);
             used += kGap + width;
             if (mBlocks.empty() || used > mStyle.width) {
                 mBlocks.push_back({column, {}});
@@ -111,7 +135,8 @@ class MatrixTable {
             const MatrixCell usual = mMatrix.cell(row, 0);
             for (size_t i = 0; i < block.widths.size(); ++i) {
                 const MatrixCell cell = mMatrix.cell(row, block.first + i);
-                cells.push_back(wrapped(cellText(cell), block.widths[i], kBreaks));
+                const std::string text = cellText(cell);
+                cells.push_back(wrapped(text, block.widths[i], breaksOf(text, block.widths[i])));
                 // What differs from the first column stands out.
                 styles.push_back(!cell ? kFaint : cell != usual ? kBold : "");
             }

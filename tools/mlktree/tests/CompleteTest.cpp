@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "host/testing/Process.h"
+#include "host/testing/QuietLog.h"
 #include "host/testing/TempDir.h"
 #include "tools/mlktree/ExplainWords.h"
 #include "tools/mlktree/tests/Harness.h"
@@ -70,6 +71,34 @@ TEST(CompleteTest, OffersCommands) {
     EXPECT_THAT(offered({"--v"}), ElementsAre("--version"));
     EXPECT_THAT(offered({"dance", ""}), IsEmpty());
     EXPECT_THAT(offered({"complete", ""}), IsEmpty());
+}
+
+// The rows are those of the sample.
+TEST(CompleteTest, OffersWhatPatternsOfAMatrixAccept) {
+    const testing::QuietLog quiet;
+    const std::string tree = mlk::testing::sourceDir() + "/samples/partitions";
+    const auto offeredFor = [&](const std::string& word) {
+        std::istringstream lines(runMlktree({"complete", "--", "matrix", tree, word}).out);
+        Words out;
+        for (std::string line; std::getline(lines, line);) {
+            out.push_back(line.substr(0, line.find('\t')));
+        }
+        return out;
+    };
+    EXPECT_THAT(offeredFor(""), IsSupersetOf({"feature", "framework", "plan", "PANEL", "SSC"}));
+    EXPECT_THAT(offeredFor(""), Not(Contains("m_pPanelName")));
+    EXPECT_THAT(offeredFor("m_pPanelN"), ElementsAre("m_pPanelName"));
+    EXPECT_THAT(offeredFor("pvrEn"), ElementsAre("pvrEnabled"));
+    EXPECT_THAT(offeredFor("[SS"), ElementsAre("[SSC]"));
+    EXPECT_THAT(offeredFor("f"), IsSupersetOf({"feature", "framework"}));
+    EXPECT_THAT(offeredFor("plan DTV_A"), ElementsAre("plan DTV_ANTENNA"));
+    EXPECT_THAT(offeredFor("feature pvrE"), ElementsAre("feature pvrEnabled"));
+    EXPECT_THAT(offeredFor("[PANEL] m_pPanelN"), ElementsAre("[PANEL] m_pPanelName"));
+    // Each of them is a pattern that fits rows.
+    for (const std::string& word : offeredFor("")) {
+        EXPECT_EQ(runMlktree({"matrix", tree, word, "--all", "-o", "/dev/null"}).status, 0) << word;
+    }
+    EXPECT_EQ(runMlktree({"complete", "--", "matrix", tree + "/tvdata", "f"}).status, 0);
 }
 
 TEST(CompleteTest, OffersPartsOfSetsToCompare) {

@@ -229,6 +229,22 @@ TEST_F(MatrixTest, WrapsColumnsIntoBlocksOfTheWidth) {
     }
 }
 
+TEST_F(MatrixTest, NamesOfFilesStayWholeWhereTheyFit) {
+    const std::string path = "/tvconfigs/some_long_folder/another_long_folder/panel_60.bin";
+    mDir.write("tvconfigs/board/skerry_b1.ini", "[SSC]\nm_pSSCName = " + path + "\n");
+    const std::vector<std::string> words = {"m_pSSCName", "--model", "1", "--layout", "table"};
+    const auto shownWith = [&](const char* width) {
+        std::vector<std::string> all = words;
+        all.insert(all.end(), {"--width", width});
+        return shown(all);
+    };
+    EXPECT_THAT(shownWith("200"), HasSubstr("  " + path + "  /tvconfigs/"));
+    // A narrow terminal gets pieces that end after a folder.
+    EXPECT_THAT(shownWith("100"), AllOf(HasSubstr("  /tvconfigs/some_long_folder/ "),
+                                        HasSubstr("  another_long_folder/panel_60.bin\n")));
+    EXPECT_THAT(shownWith("40"), HasSubstr("  another_long_"));
+}
+
 TEST_F(MatrixTest, ManyColumnsBecomeALists) {
     const std::string text = shown({"plan DTV_ANTENNA", "getAtvSystem"});
     EXPECT_THAT(text, StartsWith("feature getAtvSystem\n"
@@ -313,6 +329,14 @@ TEST_F(MatrixTest, TakesATreeInFront) {
     EXPECT_EQ(runMlktree({"matrix", mDir.path(), "[PANEL]*"}, other).out, text);
     EXPECT_EQ(runMlktree({"matrix", "PANEL", "-o", mDir.path("m.txt")}, mDir.path()).out, "");
     EXPECT_EQ(mDir.read("m.txt"), text);
+    // A word that was meant as the tree.
+    const Outcome wrong = runMlktree({"matrix", "partitoins"}, mDir.path("tvdata"));
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_THAT(wrong.err, AllOf(HasSubstr("no partition tree: there is no folder "),
+                                 HasSubstr("; \"partitoins\" is no such folder and counts as a "
+                                           "PATTERN\n")));
+    EXPECT_THAT(runMlktree({"matrix", "PANEL", "--tree", mDir.path("tvdata")}).err,
+                Not(HasSubstr("PATTERN")));
 }
 
 // Customers and a set without country or model.
