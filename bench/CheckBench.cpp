@@ -2,6 +2,7 @@
 //   "check/CONTESTANT/MODELS"                      4 boards, 60 countries and their plans
 //   "report/ours/MODELS"                           the data of the page of `mlktree report`
 //   "snapshot/ours/MODELS"                         all that `mlktree snapshot` does with them
+//   "matrix/ours/MODELS"                           all that `mlktree matrix` does with them
 //   "growth-check-models/CONTESTANT/MODELS"        the check at other sizes
 //   "growth-check-countries/CONTESTANT/COUNTRIES"  with 100 models
 //
@@ -22,6 +23,7 @@
 #include "tools/mlktree/Checker.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/answers/Snapshot.h"
+#include "tools/mlktree/matrix/MatrixFormats.h"
 #include "tools/mlktree/report/Packed.h"
 #include "tools/mlktree/report/ReportData.h"
 
@@ -83,6 +85,18 @@ size_t snapshotOf(const std::string& root) {
     return size;
 }
 
+size_t matrixOf(const std::string& root) {
+    const tree::Tree partitions(root, {});
+    const tree::Settings settings;
+    const tree::TreeProperties properties(root + "/data/property", {});
+    const tree::ProductLine line(partitions, settings, properties, {});
+    const auto answers = tree::answersOf(line);
+    const tree::Matrix matrix(*answers, {});
+    size_t size = 0;
+    tree::matrixText(matrix, {}, [&](std::string_view text) { size += text.size(); });
+    return size;
+}
+
 // The files that a check reads: those that the sets use.
 std::vector<std::string> filesOf(const std::string& root) {
     const tree::Tree partitions(root, {});
@@ -128,11 +142,14 @@ void add(const std::string& family, const LineSize& size, size_t number) {
         measureMedian(state, [&] { benchmark::DoNotOptimize(checkAll((*dir)->path())); });
     });
     if (family == "check") {
-        const std::string name = "snapshot/ours" + end;
-        benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
-            prepare();
-            measureMedian(state, [&] { benchmark::DoNotOptimize(snapshotOf((*dir)->path())); });
-        });
+        const auto addOther = [&](const std::string& name, size_t (*work)(const std::string&)) {
+            benchmark::RegisterBenchmark((name + end).c_str(), [=](benchmark::State& state) {
+                prepare();
+                measureMedian(state, [&] { benchmark::DoNotOptimize(work((*dir)->path())); });
+            });
+        };
+        addOther("snapshot/ours", snapshotOf);
+        addOther("matrix/ours", matrixOf);
     }
 }
 

@@ -57,6 +57,8 @@ ROWS = (
         over="check/ours/500"),
     Row("snapshot-500", "snapshot of the same, over its check", "snapshot", "500", 2,
         over="check/ours/500"),
+    Row("matrix-500", "matrix of the same, over its check", "matrix", "500", None,
+        over="check/ours/500"),
 )
 
 UNITS = {"calls": "/s", "calls-crowded": "/s", "resident": "bytes"}  # of a family; the others are times in ns
