@@ -19,7 +19,7 @@ join() {
 }
 
 for fuzzer in project_chain auxiliary_ini tv_config list_files freq_map freq_table tv_system \
-    properties partition_tree; do
+    properties partition_tree partition_answers; do
     mkdir -p "$to/$fuzzer"
     find "$to/$fuzzer" -type f -delete
 done
@@ -90,3 +90,4 @@ for tree in "$(dirname "$0")"/mlktree/tests/rules/*/bad; do
         [[ ! -e removed ]] || sed 's/$/\n--8<--/' removed
     ) >"$to/partition_tree/${rule##*/}"
 done
+cp "$to"/partition_tree/* "$to/partition_answers/"

@@ -14,26 +14,13 @@
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"
 #include "tools/mlktree/Formats.h"
+#include "tools/mlktree/tests/fuzz/OpenedTree.h"
 #include "tools/mlktree/tests/fuzz/OverlaidTree.h"
 
 using namespace mlk::tree;
 namespace fuzzing = mlk::fuzzing;
 
 namespace {
-
-// What a command line opens.
-struct Opened {
-    explicit Opened(const std::string& root)
-        : tree(root, {}),
-          settings(readSettings(root + "/mlktree.toml")),
-          properties(root + "/data/property", {}),
-          line(tree, settings, properties, {}) {}
-
-    const Tree tree;
-    const Settings settings;
-    const TreeProperties properties;
-    const ProductLine line;
-};
 
 std::string printed(Format format, const CheckReport& report, const LineOf& lineOf) {
     const FormatContext context{
@@ -44,7 +31,7 @@ std::string printed(Format format, const CheckReport& report, const LineOf& line
     return text;
 }
 
-void checkPlace(const Opened& opened, const Place& place) {
+void checkPlace(const OpenedTree& opened, const Place& place) {
     const bool isRead = opened.line.find(place.file) != nullptr;
     fuzzing::require(isRead || std::filesystem::exists(opened.tree.host(place.file)),
                      "a finding stands in a file: " + fuzzing::printable(place.file));
@@ -60,7 +47,7 @@ void checkPlace(const Opened& opened, const Place& place) {
                      "the column of a finding exists: " + shown);
 }
 
-void checkFindings(const Opened& opened, const CheckReport& report) {
+void checkFindings(const OpenedTree& opened, const CheckReport& report) {
     const std::vector<Finding>& findings = report.findings;
     for (size_t i = 1; i < findings.size(); ++i) {
         fuzzing::require(findings[i - 1] < findings[i], "findings are in order, each once");
@@ -137,7 +124,7 @@ void checkMended(const MendedFile& file, const std::vector<std::string_view>& fo
     fuzzing::require(count("\n+") >= file.lines.size(), "a diff has all mended lines");
 }
 
-void checkFix(const OverlaidTree& tree, const Opened& opened) {
+void checkFix(const OverlaidTree& tree, const OpenedTree& opened) {
     const std::vector<MendedFile> files = mend(opened.line);
     for (const MendedFile& file : files) {
         checkMended(file, opened.line.sources().lines(file.path),
@@ -151,7 +138,7 @@ void checkFix(const OverlaidTree& tree, const Opened& opened) {
     for (const MendedFile& file : files) {
         fuzzing::writeFile(opened.tree.host(file.path), file.text);
     }
-    const Opened again(tree.path());
+    const OpenedTree again(tree.path());
     for (const MendedFile& more : mend(again.line)) {
         const auto same = std::find_if(files.begin(), files.end(), [&](const MendedFile& file) {
             return file.path == more.path;
@@ -171,12 +158,12 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     OverlaidTree tree(dir.path(), MLK_BASE_TREE);
     tree.layOver({reinterpret_cast<const char*>(data), size});
     try {
-        const Opened opened(tree.path());
+        const OpenedTree opened(tree.path());
         const CheckReport report = examine(opened.line, true);
         const LineOf lineOf = linesOf(opened.line);
         checkFindings(opened, report);
         checkFormats(report, lineOf);
-        const Opened second(tree.path());
+        const OpenedTree second(tree.path());
         fuzzing::requireEqual("a second check",
                               printed(formatJson, examine(second.line, true), lineOf),
                               printed(formatJson, report, lineOf));
