@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <memory>
 
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
@@ -6,6 +7,7 @@
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
+#include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/WrittenFile.h"
 #include "tools/mlktree/explain/Explain.h"
@@ -128,7 +130,7 @@ PlanView planFor(const SetModel& set, const PlanRequest& request, _tv_country co
     if (plan == plans.end()) {
         throw missing(set, request, plans);
     }
-    const FileLines* const file = set.line().find(plan->file);
+    const FileLines* file = set.line().find(plan->file);
     const std::string named =
             plan->map == nullptr || plan->line == nullptr
                     ? ""
@@ -139,6 +141,12 @@ PlanView planFor(const SetModel& set, const PlanRequest& request, _tv_country co
     }
     if (plan->channels.empty()) {
         throw NotFound(plan->file + named + " has no channel");
+    }
+    // A file that is something else, too, such as the board's, was read as that.
+    std::unique_ptr<const FileLines> own;
+    if (file == nullptr || file->format() != FileFormat::CHANNEL_PLAN) {
+        own = readFile(set.line().tree(), plan->file, FileFormat::CHANNEL_PLAN);
+        file = own.get();
     }
     return viewOf(*plan, request.country, file);
 }

@@ -122,7 +122,9 @@ PlanView viewOf(const CountryPlan& plan, const std::string& country, const FileL
         view.channels.push_back(channelOf(item));
     }
     const std::vector<PlanChannel> lines =
-            read != nullptr ? channelsOf(*read) : std::vector<PlanChannel>();
+            read != nullptr && read->format() == FileFormat::CHANNEL_PLAN
+                    ? channelsOf(*read)
+                    : std::vector<PlanChannel>();
     if (lines.size() == view.channels.size()) {
         for (size_t i = 0; i < lines.size(); ++i) {
             view.channels[i].line = lines[i].read->number;

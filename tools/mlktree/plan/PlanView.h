@@ -61,7 +61,7 @@ struct PlanView {
  * channels of different variants, which the letters of their labels tell apart, may overlap: both
  * as in the rules of `check`.
  *
- * @param read  the file of the plan; null if its lines are unknown
+ * @param read  the file of the plan; its lines are unknown if this is null, or of another format
  */
 PlanView viewOf(const CountryPlan& plan, const std::string& country, const FileLines* read);
 

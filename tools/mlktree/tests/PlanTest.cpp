@@ -379,6 +379,12 @@ TEST_F(PlanCommandTest, ThePictureOfTheGuideIsWhatItDraws) {
             << "make docs/plan.svg anew as the guide says";
 }
 
+TEST_F(PlanCommandTest, APlanMayBeReadAsABoardToo) {
+    const std::string text = shown({"GERMANY", "DTV_ANTENNA", "--format", "json"});
+    mDir.write("impdata/board_id.bin", "BOARD_ID=/tvconfigs/freqtables/dtv/freqtable_eu\n");
+    EXPECT_EQ(shown({"GERMANY", "DTV_ANTENNA", "--format", "json"}), text);
+}
+
 TEST_F(PlanCommandTest, DrawsIntoAFileOrOnStandardOutput) {
     const std::string svg = shown({"GERMANY", "DTV_ANTENNA", "--svg", "-"});
     EXPECT_EQ(shown({"GERMANY", "DTV_ANTENNA", "--svg", mDir.path("plan.svg")}), "");
