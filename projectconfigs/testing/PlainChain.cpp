@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
 #include <utility>
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {
@@ -47,6 +50,19 @@ Chain::Chain(std::string tvdata, std::string tvconfigs, std::string impdata)
     : mTvdata(std::move(tvdata)), mTvconfigs(std::move(tvconfigs)), mImpdata(std::move(impdata)) {}
 
 void Chain::update(const std::string& customerPath, int projectId, const std::string& boardId) {
+    const auto state = [this] {
+        return std::tie(mItems, mProjectId, mMaxIdx, mCustomerId, mSystemPath, mProjectPath,
+                        mBoardPath);
+    };
+    const std::tuple<Items, int, uint32_t, std::string, std::string, std::string, std::string>
+            former = state();
+    if (!readChain(customerPath, projectId, boardId) && mIsRead) {
+        state() = former;
+    }
+    mIsRead = true;
+}
+
+bool Chain::readChain(const std::string& customerPath, int projectId, const std::string& boardId) {
     mItems.clear();
     mProjectId = projectId;
     for (const std::string& line : linesOf(contentOf(customerPath), kListLine)) {
@@ -71,22 +87,28 @@ void Chain::update(const std::string& customerPath, int projectId, const std::st
             mProjectPath = patched(cleaned(textAfter(line, "=")));
         }
     }
-    readProjectFile(mProjectPath);
+    const bool hasProject = readProjectFile(mProjectPath);
     if (boardId == "DEFAULT_BOARD_ID") {
         mBoardPath = "";
-        return;
+        return hasProject;
     }
     if (!boardId.empty()) {
         mBoardPath = boardId;
     }
     mBoardPath = patched(cleaned(mBoardPath));
-    readProjectFile(mBoardPath);
+    return readProjectFile(mBoardPath) && hasProject;
 }
 
-void Chain::readProjectFile(const std::string& path) {
+bool Chain::readProjectFile(const std::string& path) {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::directory) {
+        return false;
+    }
     for (const auto& [name, value] : projectItems(contentOf(path))) {
         mItems[name] = patched(value);
     }
+    return true;
 }
 
 void Chain::setInfo(const Items::key_type& name, const std::string& value) {

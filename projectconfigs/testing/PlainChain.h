@@ -24,6 +24,8 @@ class Chain {
     /** The three mount points. */
     Chain(std::string tvdata, std::string tvconfigs, std::string impdata);
 
+    /** A project or board file that exists and is no file changes nothing, but for the first time.
+     */
     void update(const std::string& customerPath, int projectId, const std::string& boardId);
 
     /** Replaces the value of an item; does not add an item. */
@@ -38,7 +40,8 @@ class Chain {
 
   private:
     std::string patched(const std::string& value) const;
-    void readProjectFile(const std::string& path);
+    bool readChain(const std::string& customerPath, int projectId, const std::string& boardId);
+    bool readProjectFile(const std::string& path);
 
     const std::string mTvdata;
     const std::string mTvconfigs;
@@ -50,6 +53,7 @@ class Chain {
     std::string mProjectPath;
     std::string mBoardPath;
     Items mItems;
+    bool mIsRead = false;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain
