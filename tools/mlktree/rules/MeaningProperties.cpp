@@ -69,7 +69,7 @@ bool endsInLineEnd(std::string_view value) {
 std::string problemOfProperty(const std::string& key, const std::string& value) {
     for (const product::FrameworkItemRow& row : product::kFrameworkItems) {
         if (row.property != nullptr && key == row.property) {
-            const std::string problem = problemOf(typeOf(row.kind), value);
+            std::string problem = problemOf(typeOf(row.kind), value);
             if (!problem.empty()) {
                 return problem;
             }
@@ -176,8 +176,9 @@ void checkHardware(const ProductLine& line, Reporter& reporter) {
                              product::kHardwareAudioPrefix + hardware + product::kAudioFileEnd;
     if (!endsInLineEnd(hardware) && !product::pathExists(line.tree().host(path))) {
         const std::string host = line.tree().host(path);
-        std::string other = inAnotherCase(host);
-        other = other.empty() ? nearFile(line.tree(), host) : other;
+        NearFiles near(line.tree());
+        std::string other = near.inAnotherCase(host);
+        other = other.empty() ? near.nearFile(host) : other;
         std::vector<Related> related;
         if (!other.empty()) {
             related.push_back({{line.tree().relative(other), 0, 0}, "this file exists"});

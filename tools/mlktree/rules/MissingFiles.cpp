@@ -49,7 +49,8 @@ std::string otherSeparators(const Tree& tree, const std::string& host) {
                    : "";
 }
 
-Missing describeMissing(const ProductLine& line, const std::string& path, bool isSearched) {
+// The file that is meant is searched if `near` is not null.
+Missing describeMissing(const ProductLine& line, const std::string& path, NearFiles* near) {
     const Tree& tree = line.tree();
     const std::string host = tree.host(path);
     Missing missing{"there is no file " + tree.written(host), {}, {}};
@@ -60,14 +61,14 @@ Missing describeMissing(const ProductLine& line, const std::string& path, bool i
     }
     const std::string separators = otherSeparators(tree, host);
     missing.message += separators;
-    if (!isSearched || !separators.empty()) {
+    if (near == nullptr || !separators.empty()) {
         return missing;
     }
-    missing.meant = inAnotherCase(host);
+    missing.meant = near->inAnotherCase(host);
     if (!missing.meant.empty()) {
         missing.message += "; case counts, and there is " + tree.written(missing.meant);
     } else {
-        missing.meant = nearFile(tree, host);
+        missing.meant = near->nearFile(host);
         missing.message +=
                 missing.meant.empty() ? "" : " (is " + tree.written(missing.meant) + " meant?)";
     }
@@ -139,15 +140,15 @@ bool isAllowed(const ProductLine& line, const Naming& naming) {
 }
 
 // Reports a folder that has none of the files that lines name in it, at the first of these lines.
-void reportFolder(const ProductLine& line, Reporter& reporter, const std::string& folder,
-                  std::vector<const MissingFile*> files) {
+void reportFolder(const ProductLine& line, Reporter& reporter, NearFiles& near,
+                  const std::string& folder, std::vector<const MissingFile*> files) {
     std::sort(files.begin(), files.end(), [](const MissingFile* one, const MissingFile* other) {
         return isBefore(*one->lines.front(), *other->lines.front());
     });
     const Tree& tree = line.tree();
     const std::string host = tree.host(folder);
     const MissingFile& first = *files.front();
-    const Missing missing = describeMissing(line, first.path, true);
+    const Missing missing = describeMissing(line, first.path, &near);
     std::string message =
             pathExists(host)
                     ? "none of the " + std::to_string(files.size()) + " files that lines name in " +
@@ -179,10 +180,10 @@ void reportFolder(const ProductLine& line, Reporter& reporter, const std::string
                       std::move(related));
 }
 
-void checkCustomers(const ProductLine& line, Reporter& reporter) {
+void checkCustomers(const ProductLine& line, Reporter& reporter, NearFiles& near) {
     for (const Customer& customer : line.customers()) {
         if (!pathExists(line.tree().host(customer.file->path()))) {
-            Missing missing = describeMissing(line, customer.file->path(), true);
+            Missing missing = describeMissing(line, customer.file->path(), &near);
             reporter.reportIn({"all"}, placeOf(*customer.file),
                               "everything begins with the customer file, and " + missing.message,
                               std::move(missing.related));
@@ -222,9 +223,10 @@ void reportNamed(const ProductLine& line, Reporter& reporter, const std::string&
 }
 
 void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
-    checkCustomers(line, reporter);
+    NearFiles near(line.tree());
+    checkCustomers(line, reporter, near);
     constexpr size_t kFewestOfFolder = 3;
-    constexpr size_t kMostSearches = 1'000;  // each reads whole folders
+    constexpr size_t kMostSearches = 1'000;  // each compares many names
     const std::vector<MissingFile> all = missingFilesOf(line);
     std::map<std::string, std::vector<const MissingFile*>> folders;
     for (const MissingFile& file : all) {
@@ -241,12 +243,13 @@ void checkMissingFiles(const ProductLine& line, Reporter& reporter) {
                         return !isAllowed(line, *file->lines.front());
                     });
             if (allowed != files.begin()) {
-                reportFolder(line, reporter, folder, {files.begin(), allowed});
+                reportFolder(line, reporter, near, folder, {files.begin(), allowed});
             }
             files.erase(files.begin(), allowed);
         }
         for (const MissingFile* const file : files) {
-            Missing missing = describeMissing(line, file->path, ++searches <= kMostSearches);
+            Missing missing = describeMissing(line, file->path,
+                                              ++searches <= kMostSearches ? &near : nullptr);
             reportNamed(line, reporter, file->path, file->lines, std::move(missing.message),
                         std::move(missing.related));
         }

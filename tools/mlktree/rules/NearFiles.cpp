@@ -1,7 +1,6 @@
 #include "tools/mlktree/rules/NearFiles.h"
 
 #include <dirent.h>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,12 +8,15 @@
 #include <array>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/Paths.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningPath.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -31,21 +33,6 @@ std::string folderIn(const std::string& path) {
 bool isFile(const std::string& path) {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
-
-// The names in a folder, in their order; of a very large one the first that are found.
-std::vector<std::string> namesIn(const std::string& folder) {
-    constexpr size_t kMostNames = 2'000;
-    const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.c_str()), closedir);
-    std::vector<std::string> names;
-    for (const dirent* entry = nullptr; open != nullptr && names.size() < kMostNames &&
-                                        (entry = readdir(open.get())) != nullptr;) {
-        if (entry->d_name[0] != '.') {
-            names.emplace_back(entry->d_name);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 // The name that is meant: with another ending, or with a typing mistake. Names that differ in
@@ -75,7 +62,30 @@ std::optional<std::string> linkTarget(const std::string& host) {
                    : std::nullopt;
 }
 
-std::string inAnotherCase(const std::string& host) {
+const NearFiles::Folder& NearFiles::folderAt(const std::string& path) {
+    constexpr size_t kMostEntries = 100'000;  // of a larger folder, those that are found first
+    constexpr size_t kMostNames = 2'000;      // each is compared with each missing file
+    const auto [at, isNew] = mFolders.try_emplace(path);
+    Folder& folder = at->second;
+    if (!isNew) {
+        return folder;
+    }
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(path.c_str()), closedir);
+    for (const dirent* entry = nullptr; open != nullptr && folder.byCase.size() < kMostEntries &&
+                                        (entry = readdir(open.get())) != nullptr;) {
+        std::string name = entry->d_name;
+        if (name.front() != '.') {
+            folder.names.push_back(name);
+        }
+        std::string& first = folder.byCase[lowerCase(name)];
+        first = first.empty() ? name : std::min(first, name);
+    }
+    std::sort(folder.names.begin(), folder.names.end());
+    folder.names.resize(std::min(folder.names.size(), kMostNames));
+    return folder;
+}
+
+std::string NearFiles::inAnotherCase(const std::string& host) {
     std::string found = host.front() == '/' ? "" : ".";
     size_t at = 0;
     while (at < host.size()) {
@@ -86,30 +96,22 @@ std::string inAnotherCase(const std::string& host) {
         const size_t end = std::min(host.find('/', begin), host.size());
         const std::string part = host.substr(begin, end - begin);
         at = end;
-        if (pathExists(found + "/" + part)) {
-            found += "/" + part;
-            continue;
-        }
-        const std::unique_ptr<DIR, int (*)(DIR*)> folder(
-                opendir(found.empty() ? "/" : found.c_str()), closedir);
-        std::string match;
-        for (const dirent* entry = nullptr;
-             folder != nullptr && (entry = readdir(folder.get())) != nullptr;) {
-            if (strcasecmp(entry->d_name, part.c_str()) == 0 &&
-                pathExists(found + "/" + entry->d_name)) {
-                match = entry->d_name;
-                break;
+        std::string next = pathIn(found, part);
+        if (!pathExists(next)) {
+            const Folder& folder = folderAt(found.empty() ? "/" : found);
+            const auto other = folder.byCase.find(lowerCase(part));
+            next = other != folder.byCase.end() ? pathIn(found, other->second) : "";
+            if (next.empty() || !pathExists(next)) {
+                return {};
             }
         }
-        if (match.empty()) {
-            return {};
-        }
-        found += "/" + match;
+        found = std::move(next);
     }
     return host.front() == '/' ? found : found.substr(2);
 }
 
-std::string nearFile(const Tree& tree, const std::string& host) {
+std::string NearFiles::nearFile(const std::string& host) {
+    const Tree& tree = mTree;
     // A whole path in place of a name, as in a map of plans.
     const std::string whole = pathInside(tree.written(host));
     if (!whole.empty() && isFile(tree.hostOfWritten(whole))) {
@@ -119,21 +121,22 @@ std::string nearFile(const Tree& tree, const std::string& host) {
     const std::string name(fileNameOf(host));
     const std::string above = folderIn(folder);
     if (pathExists(folder) && !isFile(folder)) {
-        const std::string near = nearName(name, namesIn(folder));
+        const std::string near = nearName(name, folderAt(folder).names);
         return near.empty() || !isFile(folder + "/" + near) ? "" : folder + "/" + near;
     }
     if (isFile(above + "/" + name)) {
         return above + "/" + name;
     }
-    for (const std::string& other : namesIn(above)) {
-        if (isMeant(fileNameOf(folder), other) && isFile(above + "/" + other + "/" + name)) {
-            return above + "/" + other + "/" + name;
+    for (const std::string& other : folderAt(above).names) {
+        std::string near = pathIn(pathIn(above, other), name);
+        if (isMeant(fileNameOf(folder), other) && isFile(near)) {
+            return near;
         }
     }
     const std::string written = tree.written(host);
     const std::string rest = written.substr(std::min(written.find('/', 1), written.size()));
     for (const char* const partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
-        const std::string other = tree.hostOfWritten(partition + rest);
+        std::string other = tree.hostOfWritten(partition + rest);
         if (!rest.empty() && isFile(other)) {
             return other;
         }
