@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "common/Paths.h"
 #include "projectconfigs/ChainKeywords.h"
@@ -227,6 +228,23 @@ void checkPaths(const ProductLine& line, Reporter& reporter) {
     });
 }
 
+void checkSameFile(const ProductLine& line, Reporter& reporter) {
+    std::map<std::pair<const FileLines*, const FileLines*>, const Model*> first;  // of a list
+    for (const Model& model : line.models()) {
+        if (!model.counts || model.file == nullptr || !model.file->exists()) {
+            continue;
+        }
+        const FileLines& list = *model.customer->system;
+        const auto [former, isNew] = first.try_emplace({&list, model.file}, &model);
+        if (!isNew && former->second->index != model.index) {
+            reporter.report(placeOf(line, list, *model.line, model.line->value),
+                            std::string(model.line->key) + " has the project file of " +
+                                    std::string(former->second->line->key),
+                            {{placeOf(line, list, *former->second->line), "the other line"}});
+        }
+    }
+}
+
 constexpr Rule kRules[] = {
         {"same-index", Severity::ERROR, "two models have one index",
          "The lower line counts, and the model of the upper one cannot be selected.",
@@ -239,6 +257,12 @@ constexpr Rule kRules[] = {
         {"model-without-path", Severity::ERROR, "a model has no project file",
          "A set with this index has the items of its board file alone.",
          "Model_3 =", "Model_3 = /tvconfigs/model/a.ini", checkPaths},
+        {"same-model", Severity::NOTE, "two models have one project file",
+         "Sets with either index are the same. If only one of the lines was copied, the file of "
+         "the "
+         "other model has no index.",
+         "Model_3 = /tvconfigs/model/a.ini\nModel_4 = /tvconfigs/model/a.ini",
+         "Model_3 = /tvconfigs/model/a.ini\nModel_4 = /tvconfigs/model/b.ini", checkSameFile},
         {"model-folder", Severity::WARNING, "a model file lies in no folder named \"model\"",
          "The list of models shows what follows \"model/\" in a line. Without it the list has the "
          "line without its first five bytes.",

@@ -85,7 +85,13 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         const std::set<std::string_view> names = systemNamesOf(*files.file);
-        for (const ReadLine* const read : systemsNamedBy(*files.map)) {
+        const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
+        std::map<std::string_view, size_t> uses;
+        std::set<std::string_view> misspelt;  // in the definition
+        for (const ReadLine* const read : named) {
+            ++uses[trimmed(read->value)];
+        }
+        for (const ReadLine* const read : named) {
             if (names.count(trimmed(read->value)) > 0 || groups.isFull(files.map->path())) {
                 continue;
             }
@@ -93,6 +99,20 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
             const auto& systems = files.file->sections();
             const auto defined = systems.find(near);
             std::vector<Related> related;
+            if (defined != systems.end() && uses.count(near) == 0 && uses[read->value] > 2) {
+                // Several countries agree, so the definition is wrong.
+                uses[near] = 1;
+                misspelt.insert(read->value);
+                groups.add(files.file->path() + '\n' + std::string(near),
+                           placeOf(line, *files.file, *defined->second, near),
+                           "no country has the TV system " + quoted(near) + "; " +
+                                   std::to_string(uses[read->value]) + " countries have " +
+                                   quoted(read->value),
+                           {{placeOf(line, *files.map, *read, read->value), "named here"}});
+            }
+            if (misspelt.count(read->value) > 0) {
+                continue;
+            }
             if (defined != systems.end()) {
                 related.push_back({placeOf(line, *files.file, *defined->second, near),
                                    "this one is defined"});

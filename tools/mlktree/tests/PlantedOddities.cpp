@@ -226,6 +226,8 @@ const std::vector<PlantedMistake>& plantedOddities() {
              "blank-in-element", nullptr, "\" off\""},
             {"ChannelNumberMistyped", kPlan, kReplace, "26, 8000000, 514000", "62, 8000000, 514000",
              "off-raster", nullptr, "62, 8000000, 514000"},
+            {"TvSystemMisspeltWhereDefined", kTvSystems, kReplace, "type=\"DVB_WEST\"",
+             "type=\"DVB_WSET\"", "undefined-tv-system", nullptr, "DVB_WSET"},
             {"MapOfAnotherRegion", kTvSystems, kReplace, "countries_eu.xml</", "countries_na.xml</",
              "undefined-tv-system", nullptr, "countries_na.xml"},
             {"PlanWithItsFolder", kPlanMap, kReplace, "<DTV_ANTENA>freqtable_eu<",
