@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace mlk::tree {
 
@@ -32,20 +33,24 @@ std::string folderOf(const std::string& path) {
     return slash == std::string::npos ? "" : path.substr(0, slash);
 }
 
-std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view ending) {
+FolderFiles filesIn(const std::string& hostFolder, std::string_view ending, size_t most) {
     std::vector<std::string> names;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(hostFolder.c_str()), closedir);
     if (folder == nullptr) {
-        return names;
+        return {};
     }
     while (const dirent* const entry = readdir(folder.get())) {
-        const std::string name = entry->d_name;
-        if (endsWith(name, ending) && isRegularFile(pathIn(hostFolder, name))) {
-            names.push_back(name);
+        std::string name = entry->d_name;
+        if (!endsWith(name, ending) || !isRegularFile(pathIn(hostFolder, name))) {
+            continue;
         }
+        if (names.size() == most) {
+            return {{}, true};
+        }
+        names.push_back(std::move(name));
     }
     std::sort(names.begin(), names.end());
-    return names;
+    return {std::move(names), false};
 }
 
 }  // namespace mlk::tree

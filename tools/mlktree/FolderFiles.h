@@ -1,10 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace mlk::tree {
+
+/** Most boards that a product line has, and most receivers: a larger folder is not searched. */
+inline constexpr size_t kMostBoards = 1'000;
+inline constexpr size_t kMostReceivers = 10'000;
 
 /** The ending of the INI files that are found by their folder. */
 inline constexpr const char* kIniEnding = ".ini";
@@ -18,7 +23,18 @@ std::string pathIn(const std::string& folder, const std::string& name);
 /** The path up to its last "/", without that; empty if the path has no "/". */
 std::string folderOf(const std::string& path);
 
-/** The regular files of a folder with that ending, in byte order; empty if there is no folder. */
-std::vector<std::string> filesIn(const std::string& hostFolder, std::string_view ending);
+/** The files that a folder has. */
+struct FolderFiles {
+    std::vector<std::string> names; /**< in byte order */
+    bool isTooLarge = false;        /**< the folder has more than are wanted; there are no names */
+};
+
+/**
+ * The regular files of a folder with that ending; none if there is no folder.
+ *
+ * @param most  if the folder has more of them, none is returned: which of them come first is a
+ *              matter of chance
+ */
+FolderFiles filesIn(const std::string& hostFolder, std::string_view ending, size_t most);
 
 }  // namespace mlk::tree

@@ -135,6 +135,10 @@ class ProductLine {
     /** models x boards x countries (at least one of each). */
     size_t setCount() const;
 
+    /** Folders that have too many files to be searched for boards or for files of receivers, with
+     * what is left out; relative to the tree. */
+    const std::map<std::string, std::string>& unsearched() const { return mUnsearched; }
+
     /** The bytes of the files. */
     const Sources& sources() const { return mSources; }
 
@@ -190,6 +194,7 @@ class ProductLine {
     std::vector<PlanFiles> mPlanFolders;
     std::vector<_tv_country> mCountries;
     std::string mBoardIdPath;
+    std::map<std::string, std::string> mUnsearched;  // by folder
     std::map<std::string, std::vector<Naming>, std::less<>> mNamings;
     mutable std::mutex mMutex;  // guards the one below
     mutable std::map<std::string, std::vector<std::string>, std::less<>> mSetsOf;  // when asked

@@ -60,7 +60,7 @@ std::string indexesOf(const std::vector<Customer>& customers) {
 
 // "; did you mean skerry_b1.ini?", if the folder has a file of a near name.
 std::string boardMeant(const std::string& board, const std::string& folder) {
-    const std::vector<std::string> files = filesIn(folder, kIniEnding);
+    const std::vector<std::string> files = filesIn(folder, kIniEnding, kMostBoards).names;
     return didYouMean(board, {files.begin(), files.end()}, "");
 }
 
@@ -177,7 +177,7 @@ void ProductLineBuilder::findBoards() {
     product::ProjectFileReader reader(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(),
                                       partitions.impdata.c_str(), nullptr);
     const std::string boardPath(id != nullptr ? reader.cleanPath(id->value) : "");
-    std::vector<std::string> paths;
+    std::set<std::string> paths;
     // A misspelt word for no board is the path of a file that does not exist.
     bool hasNone = !boardPath.empty() && boardPath.find('/') == std::string::npos;
     if (!boardPath.empty() && !hasNone) {
@@ -198,32 +198,33 @@ void ProductLineBuilder::findBoards() {
                              boardMeant(mSelection.board, partitions.tvconfigs + "/board"));
         }
         hasNone = false;
-        paths.push_back(mLine.mTree.relative(host));
+        paths.insert(mLine.mTree.relative(host));
     } else if (!mLine.mBoardIdPath.empty()) {
-        paths.push_back(mLine.mBoardIdPath);
+        paths.insert(mLine.mBoardIdPath);
     }
     if (mSelection.board.empty() && !mSelection.isOneSet) {
         for (const std::string& folder :
              {std::string("tvconfigs/board"), folderOf(mLine.mBoardIdPath)}) {
-            for (const std::string& file :
-                 folder.empty() ? std::vector<std::string>()
-                                : filesIn(mLine.mTree.host(folder), kIniEnding)) {
-                addOnce(paths, pathIn(folder, file));
+            if (folder.empty()) {
+                continue;
+            }
+            for (const std::string& file : iniFilesIn(folder, kMostBoards, "boards")) {
+                paths.insert(pathIn(folder, file));
             }
         }
     }
     if (hasNone || paths.empty()) {
         mLine.mBoards.push_back({"none", nullptr});
     }
-    std::sort(paths.begin(), paths.end());
+    const size_t former = mLine.mBoards.size();
     for (const std::string& path : paths) {
         ask(path, FileFormat::PROJECT);
         mLine.mBoards.push_back({std::string(product::fileNameOf(path)), nullptr});
     }
     readRequests();
-    for (size_t i = 0; i < paths.size(); ++i) {
-        mLine.mBoards[mLine.mBoards.size() - paths.size() + i].file =
-                fileAs(paths[i], FileFormat::PROJECT);
+    size_t board = former;
+    for (const std::string& path : paths) {
+        mLine.mBoards[board++].file = fileAs(path, FileFormat::PROJECT);
     }
 }
 
@@ -325,6 +326,15 @@ void ProductLineBuilder::readRequests() {
     for (size_t i = 0; i < requests.size(); ++i) {
         mLine.mFiles.emplace(requests[i].first, std::move(files[i]));
     }
+}
+
+std::vector<std::string> ProductLineBuilder::iniFilesIn(const std::string& folder, size_t most,
+                                                        const char* what) {
+    FolderFiles files = filesIn(mLine.mTree.host(folder), kIniEnding, most);
+    if (files.isTooLarge) {
+        mLine.mUnsearched[folder] = what;
+    }
+    return std::move(files.names);
 }
 
 const FileLines* ProductLineBuilder::fileAs(const std::string& path, FileFormat format) {

@@ -45,6 +45,8 @@ class ProductLineBuilder {
     _tv_country countryOfSet() const;
 
     const FileLines* fileOf(const std::string& path) const { return mLine.find(path); }
+    /** The INI files of a folder of the tree; a folder that is too large is remembered. */
+    std::vector<std::string> iniFilesIn(const std::string& folder, size_t most, const char* what);
     /** The file as a file of that format; read anew if it was read in another one first. */
     const FileLines* fileAs(const std::string& path, FileFormat format);
     /** Remembers that a line names a path. */

@@ -93,7 +93,7 @@ ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine
     if (line.key == product::item::kAvrAudio.key &&
         line.section == product::item::kAvrAudio.category) {
         const std::string folder = folderOf(path);
-        for (const std::string& avr : filesIn(mLine.mTree.host(folder), kIniEnding)) {
+        for (const std::string& avr : iniFilesIn(folder, kMostReceivers, "files of receivers")) {
             if (avr.compare(0, 4, "AVR_") == 0) {
                 const std::string avrPath = pathIn(folder, avr);
                 lists.push_back(&mLine.mNamings[avrPath]);

@@ -44,7 +44,8 @@ std::vector<std::string> avrFilesOf(const ProductLine& line, const DelayPaths& p
         return files;
     }
     const std::string_view prefix = product::kAvrAudioPrefix;
-    for (const std::string& name : filesIn(path.substr(0, folder - 1), kIniEnding)) {
+    for (const std::string& name :
+         filesIn(path.substr(0, folder - 1), kIniEnding, kMostReceivers).names) {
         // "AVR_", vendor, "_", name, ".ini": neither is empty.
         const size_t end = name.size() - std::string_view(kIniEnding).size();
         const size_t split = name.find('_', prefix.size() + 1);

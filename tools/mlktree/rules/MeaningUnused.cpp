@@ -85,7 +85,7 @@ class Search {
                                                     " files and folders"}};
                 return;
             }
-            const std::string path = folder + "/" + name;
+            const std::string path = pathIn(folder, name);
             if (S_ISDIR(info.st_mode)) {
                 folders.push_back(path);
             } else if (S_ISREG(info.st_mode)) {
@@ -245,6 +245,11 @@ void checkUnsearched(const ProductLine& line, Reporter& reporter) {
     for (const auto& [folder, reason] : unusedOf(line).unsearched) {
         reporter.reportIn({}, {folder, 0, 0}, "not searched for unused files: " + reason);
     }
+    for (const auto& [folder, what] : line.unsearched()) {
+        reporter.reportIn(
+                {}, {folder, 0, 0},
+                "too many files: its " + what + " are not checked, but for those that lines name");
+    }
 }
 
 constexpr Rule kRules[] = {
@@ -255,9 +260,10 @@ constexpr Rule kRules[] = {
         {"unused-file", Severity::NOTE, "a file of tvconfigs that no line names",
          "It takes space on every set, or the line that should name it is missing.",
          "tvconfigs/audio/old_panel.ini", "a file that some item names", checkFiles},
-        {"unsearched-folder", Severity::NOTE, "a folder is not searched for unused files",
-         "The search ends at 100,000 files, at 32 folders in each other, and at a folder that may "
-         "not be read.",
+        {"unsearched-folder", Severity::NOTE, "a folder is not searched",
+         "The search for unused files ends at 100,000 files, at 32 folders in each other, and at a "
+         "folder that may not be read. A folder of more than 1,000 boards, or of 10,000 INI files "
+         "beside the file of receivers, is not searched for these.",
          "a tree with a folder of temporary files", "the same tree without them", checkUnsearched},
 };
 

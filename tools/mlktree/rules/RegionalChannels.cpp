@@ -84,6 +84,7 @@ class NamesInVain {
 
 void checkUnused(const ProductLine& line, Reporter& reporter) {
     constexpr size_t kMostUnused = 1'000;  // of a folder; nobody reads more findings
+    constexpr size_t kMostPlans = 100'000;
     for (const PlanFiles& plans : line.planFolders()) {
         if (!isUsable(plans.map) || plans.map->sections().empty() ||
             countIgnoredBlocks(*plans.map) > 0) {
@@ -93,7 +94,8 @@ void checkUnused(const ProductLine& line, Reporter& reporter) {
             const std::string folder = plans.folder->path() + kind;
             const NamesInVain vain(line, plans, folder);
             size_t unused = 0;
-            for (const std::string& name : filesIn(line.tree().host(folder), "")) {
+            for (const std::string& name :
+                 filesIn(line.tree().host(folder), "", kMostPlans).names) {
                 if (line.namings(folder + name).empty() && ++unused <= kMostUnused &&
                     !vain.has(name)) {
                     reporter.reportIn({}, {folder + name, 0, 0},

@@ -19,6 +19,7 @@
 #include "host/testing/TempDir.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/tests/Harness.h"
 
@@ -174,6 +175,27 @@ TEST_F(HostileTreesTest, AFolderOfManyFiles) {
         ASSERT_EQ(symlink("ic.ini", path.c_str()), 0) << path;
     }
     EXPECT_TRUE(contains(findings(), "tvconfigs:0: unsearched-folder"));
+}
+
+TEST_F(HostileTreesTest, AFolderOfManyBoards) {
+    append("tvconfigs/board/b1.ini", "[AUDIO]\nAUDIO_CONFIG_PATH = /tvconfigs/audio/Panel.ini\n");
+    mDir.write("tvconfigs/board/b2.ini", "[BOARD]\nNAME = b2\nno equals\n");
+    EXPECT_EQ(count("no-equals"), 1U);
+    for (size_t i = 0; i < kMostBoards; ++i) {
+        fs::create_symlink("b2.ini", mDir.path("tvconfigs/board/x" + std::to_string(i) + ".ini"));
+    }
+    EXPECT_EQ(count("no-equals"), 0U);
+    EXPECT_TRUE(contains(findings(), "tvconfigs/board:0: unsearched-folder"));
+    EXPECT_TRUE(contains(findings(), "tvconfigs/board/b1.ini:4: missing-file"));
+}
+
+TEST_F(HostileTreesTest, AFolderOfManyReceivers) {
+    for (size_t i = 0; i <= kMostReceivers; ++i) {
+        fs::create_symlink("ic.ini",
+                           mDir.path("tvconfigs/audio/AVR_1_" + std::to_string(i) + ".ini"));
+    }
+    EXPECT_TRUE(contains(findings(), "tvconfigs/audio:0: unsearched-folder"));
+    EXPECT_EQ(runMlktree({"snapshot", mDir.path()}).status, 0);
 }
 
 TEST_F(HostileTreesTest, AFolderOfManyPlans) {
