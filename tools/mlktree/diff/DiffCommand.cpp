@@ -134,7 +134,7 @@ Command diffCommand() {
             {"mlktree diff model=6 model=7", "two models"},
             {"mlktree diff country=IRELAND country=FIJI", "two countries"},
             {"mlktree diff model=6 model=7 --format markdown", "for a review"},
-            {"mlktree diff rev:HEAD~1 . --model 6", "what the last commit changes in a model"},
+            {"mlktree diff model=6 model=7 --country IRELAND", "two models in a country"},
     };
     command.mostWords = 2;
     command.nextWord = nextWord;
