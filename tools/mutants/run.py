@@ -89,7 +89,8 @@ def build(source, preset, targets):
         # Planted bugs may cause warnings.
         subprocess.run(["cmake", "--preset", preset, "-B", folder, f"-DCMAKE_CXX_FLAGS={flags} -w"],
                        cwd=source, check=True, stdout=sys.stderr)
-    if subprocess.run(["cmake", "--build", folder, "--target", *sorted(targets)],
+    # Goes on after a failure: one run shows all rows that do not build.
+    if subprocess.run(["cmake", "--build", folder, "--target", *sorted(targets), "--", "-k", "0"],
                       stdout=sys.stderr, check=False).returncode != 0:
         sys.exit("mutants: the tree with the planted bugs does not build")
     environment = {
