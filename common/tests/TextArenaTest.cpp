@@ -72,7 +72,9 @@ TEST(TextArenaTest, ClearedArenaUsesItsBlocksAgain) {
 
 TEST(TextArenaTest, ClearedArenaSkipsBlocksThatAreTooSmall) {
     TextArena arena;
-    arena.allocate(10);
+    const char* const small = arena.allocate(10);
+    arena.clear();
+    EXPECT_NE(arena.allocate(5000), small);
     arena.clear();
     Texts texts;
     texts.add(arena, 5000);

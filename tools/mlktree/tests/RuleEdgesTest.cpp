@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/tests/Harness.h"
 #include "tools/mlktree/tests/RuleEdges.h"
 
@@ -161,6 +162,7 @@ std::vector<Edge> pathEdges() {
             {"FileInImpdata", "missing-file", replaced(kModel, song, "/impdata/karaoke/oem.ini"),
              "tvconfigs/model/first.ini:34"},
             {"HiddenFile", "unused-file", written("tvconfigs/.editor/state", ""), ""},
+            {"HiddenFolder", "unsearched-folder", written("tvconfigs/.editor/state", ""), ""},
             {"ThreeUnusedFilesOfAFolder", "unused-file",
              all({written("tvconfigs/eq/a.bin", ""), written("tvconfigs/eq/b.bin", ""),
                   written("tvconfigs/eq/c.bin", "")}),
@@ -229,6 +231,11 @@ class RuleEdgesTest : public ::testing::Test {
     RuleEdgesTest() { copySoundTree(mDir); }
     const TempDir mDir;
 };
+
+TEST(QuotedTest, ATextOfSixtyBytesIsWhole) {
+    EXPECT_EQ(mlk::tree::quoted(letters(60)), "\"" + letters(60) + "\"");
+    EXPECT_EQ(mlk::tree::quoted(letters(61)), "\"" + letters(60) + "...\"");
+}
 
 TEST_F(RuleEdgesTest, AGivenPropertyHidesItsFile) {
     mDir.write("data/property/persist.vendor.tarnquill.note", letters(92));
