@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <string>
 #include <tuple>
+#include <utility>
 
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
@@ -143,12 +146,18 @@ void applySettings(Sorted& sorted, const Settings& settings, const std::string& 
                    const LineOf& lineOf, bool unused) {
     std::vector<bool> isUsed(settings.allowances.size());
     takeOut(sorted, [&](const Finding& finding) -> std::optional<Allowed> {
+        std::optional<std::string> text;  // of the line, when it is needed
+        const auto hasText = [&](const Allowance& allowance) {
+            if (!allowance.text.empty() && !text) {
+                text = trimmed(lineOf(finding.place.file, finding.place.line));
+            }
+            return allowance.text.empty() || *text == trimmed(allowance.text);
+        };
         for (size_t i = 0; i < settings.allowances.size(); ++i) {
             const Allowance& allowance = settings.allowances[i];
-            if (allowance.rule == finding.rule && fitsPath(allowance.files, finding.place.file) &&
-                (allowance.text.empty() ||
-                 trimmed(lineOf(finding.place.file, finding.place.line)) ==
-                         trimmed(allowance.text))) {
+            // The pattern last: it takes longest.
+            if (allowance.rule == finding.rule && hasText(allowance) &&
+                fitsPath(allowance.files, finding.place.file)) {
                 isUsed[i] = true;
                 return Allowed{{}, AllowedBy::SETTINGS, allowance.reason};
             }
@@ -163,8 +172,13 @@ void applySettings(Sorted& sorted, const Settings& settings, const std::string& 
                                                     " that this allows; remove the table"));
         }
     }
+    std::map<std::pair<std::string, std::string>, const RuleSetting*> known;  // by rule and file
     takeOut(sorted, [&](Finding& finding) -> std::optional<Allowed> {
-        const RuleSetting* setting = settingFor(settings, finding);
+        const auto [at, isNew] = known.try_emplace({finding.rule, finding.place.file});
+        if (isNew) {
+            at->second = settingFor(settings, finding);
+        }
+        const RuleSetting* const setting = at->second;
         if (setting == nullptr) {
             return std::nullopt;
         }
