@@ -11,6 +11,9 @@ namespace mlk::tree {
 inline constexpr size_t kMostBoards = 1'000;
 inline constexpr size_t kMostReceivers = 10'000;
 
+/** Most properties of which all are looked at; of more, those that the service knows. */
+inline constexpr size_t kMostProperties = 10'000;
+
 /** The ending of the INI files that are found by their folder. */
 inline constexpr const char* kIniEnding = ".ini";
 

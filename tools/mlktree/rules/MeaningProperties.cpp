@@ -10,6 +10,7 @@
 #include "frameworkconfigs/FrameworkItems.h"
 #include "projectconfigs/KnownProperties.h"
 #include "projectconfigs/SoundDelays.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
@@ -92,8 +93,19 @@ size_t sizeOf(const ProductLine& line, const std::string& key) {
                    : 0;
 }
 
+// The properties to look at.
+std::vector<std::string> keysOf(const ProductLine& line) {
+    std::vector<std::string> keys = line.properties().keys();
+    if (keys.size() > kMostProperties) {
+        keys.erase(std::remove_if(keys.begin(), keys.end(),
+                                  [](const std::string& key) { return !isKnownProperty(key); }),
+                   keys.end());
+    }
+    return keys;
+}
+
 void checkValues(const ProductLine& line, Reporter& reporter) {
-    for (const std::string& key : line.properties().keys()) {
+    for (const std::string& key : keysOf(line)) {
         const std::string value = line.properties().get(key.c_str());
         std::string problem =
                 endsInLineEnd(value) || value.empty() ? "" : problemOfProperty(key, value);
@@ -109,7 +121,7 @@ void checkValues(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkLineEnds(const ProductLine& line, Reporter& reporter) {
-    for (const std::string& key : line.properties().keys()) {
+    for (const std::string& key : keysOf(line)) {
         const std::string value = line.properties().get(key.c_str());
         if (!endsInLineEnd(value)) {
             continue;
@@ -126,7 +138,7 @@ void checkLineEnds(const ProductLine& line, Reporter& reporter) {
 }
 
 void checkNames(const ProductLine& line, Reporter& reporter) {
-    const std::vector<std::string> keys = line.properties().keys();
+    const std::vector<std::string> keys = keysOf(line);
     std::vector<std::string_view> candidates;
     for (const std::string_view known : knownProperties()) {
         if (std::find(keys.begin(), keys.end(), known) == keys.end()) {
@@ -165,7 +177,7 @@ void checkHardware(const ProductLine& line, Reporter& reporter) {
             return !isKnownProperty(known) &&
                    nearestName(known, {product::property::kHardware}) == key;
         };
-        const std::vector<std::string> keys = line.properties().keys();
+        const std::vector<std::string> keys = keysOf(line);
         if (std::none_of(keys.begin(), keys.end(), names)) {
             reporter.reportIn({"all"}, {"data/property/" + key, 0, 0},
                               "no such property, so that no audio file of the hardware is read");

@@ -245,6 +245,10 @@ void checkUnsearched(const ProductLine& line, Reporter& reporter) {
     for (const auto& [folder, reason] : unusedOf(line).unsearched) {
         reporter.reportIn({}, {folder, 0, 0}, "not searched for unused files: " + reason);
     }
+    if (line.properties().keys().size() > kMostProperties) {
+        reporter.reportIn({}, {"data/property", 0, 0},
+                          "too many files: only properties that the service knows are checked");
+    }
     for (const auto& [folder, what] : line.unsearched()) {
         reporter.reportIn(
                 {}, {folder, 0, 0},

@@ -198,6 +198,17 @@ TEST_F(HostileTreesTest, AFolderOfManyReceivers) {
     EXPECT_EQ(runMlktree({"snapshot", mDir.path()}).status, 0);
 }
 
+TEST_F(HostileTreesTest, AFolderOfManyProperties) {
+    mDir.write("data/property/ro.kernel", "1\n");
+    mDir.write("data/property/persist.vendor.mlk.enstr", "1\n");
+    EXPECT_EQ(count("property-line-end"), 2U);
+    for (size_t i = 0; i < kMostProperties; ++i) {
+        fs::create_symlink("ro.kernel", mDir.path("data/property/ro.x" + std::to_string(i)));
+    }
+    EXPECT_EQ(count("property-line-end"), 1U);
+    EXPECT_TRUE(contains(findings(), "data/property:0: unsearched-folder"));
+}
+
 TEST_F(HostileTreesTest, AFolderOfManyPlans) {
     for (size_t i = 0; i < 5'000; ++i) {
         mDir.write("tvconfigs/freqtables/dtv/table" + std::to_string(i), "");
