@@ -122,6 +122,21 @@ TEST_F(CheckTest, NamesTheFileInTheRightCaseAsWritten) {
     }
 }
 
+TEST_F(CheckTest, AFileThatALineWithAMistakeNamesIsNotUnused) {
+    const std::string right = "OVERSCAN_PATH = /tvconfigs/panel/overscan.ini\n";
+    std::string text = mSound;
+    const size_t at = text.find(right);
+    ASSERT_NE(at, std::string::npos);
+    mDir.write("tvconfigs/panel/other.ini", mDir.read("tvconfigs/panel/overscan.ini"));
+    text.replace(at, right.size(), "OVERSCAN_PATH /tvconfigs/panel/other.ini\n");
+    mDir.write(kModel, text);
+    const Json found = findings();
+    ASSERT_FALSE(found.empty());
+    for (const Json& finding : found) {
+        EXPECT_NE(finding["file"], "tvconfigs/panel/other.ini") << finding;
+    }
+}
+
 TEST_F(CheckTest, ThresholdDecidesTheStatus) {
     mDir.write(kModel, "# mlktree: allow missing-file it is not missing at all\n" + mSound);
     EXPECT_EQ(check().status, 0);
