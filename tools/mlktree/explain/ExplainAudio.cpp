@@ -115,8 +115,7 @@ std::string avrFileOf(const Arguments& arguments, const DelayPaths& paths) {
     if (vendor.empty() || name.empty()) {
         return "";
     }
-    std::string file =
-            product::kAvrAudioPrefix + vendor + "_" + name + product::kAudioFileEnd;
+    std::string file = product::kAvrAudioPrefix + vendor + "_" + name + product::kAudioFileEnd;
     if (std::max(vendor.size(), name.size()) > product::kFileNameSize ||
         SetDelays::isRefused(paths, file)) {
         throw UsageError(

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 
+#include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
 
 namespace mlk::tree {
+
+namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
@@ -29,6 +32,17 @@ std::vector<const ReadLine*> itemsOf(const FileLines& file) {
         }
     }
     return items;
+}
+
+std::vector<const ReadLine*> systemsNamedBy(const FileLines& map) {
+    std::vector<const ReadLine*> lines;
+    for (const ReadLine& read : map.lines()) {
+        if (read.use == LineUse::ITEM && read.key == product::element::kSystemOfCountry &&
+            read.isNew && !read.value.empty()) {
+            lines.push_back(&read);
+        }
+    }
+    return lines;
 }
 
 bool hasBrackets(std::string_view category) {

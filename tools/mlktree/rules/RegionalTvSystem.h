@@ -24,6 +24,9 @@ struct ItemName {
 /** The items of a TV system file that count. */
 std::vector<const ReadLine*> itemsOf(const FileLines& file);
 
+/** The lines of a country map that name TV systems; without those that another rule reports. */
+std::vector<const ReadLine*> systemsNamedBy(const FileLines& map);
+
 /** True for "[LiveTV]". */
 bool hasBrackets(std::string_view category);
 

@@ -36,18 +36,6 @@ bool mayLackSystems(const FileLines& file) {
     return file.sections().empty() || countIgnoredBlocks(file) > 0;
 }
 
-// The lines of a map that name TV systems; without those that another rule reports.
-std::vector<const ReadLine*> systemsNamedBy(const FileLines& map) {
-    std::vector<const ReadLine*> lines;
-    for (const ReadLine& read : map.lines()) {
-        if (read.use == LineUse::ITEM && read.key == element::kSystemOfCountry && read.isNew &&
-            !read.value.empty()) {
-            lines.push_back(&read);
-        }
-    }
-    return lines;
-}
-
 }  // namespace
 
 bool namesOtherMap(const TvSystemFiles& files) {
@@ -101,16 +89,14 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
             std::vector<Related> related;
             if (defined != systems.end() && uses.count(near) == 0 && uses[read->value] > 2) {
                 // Several countries agree, so the definition is wrong.
-                uses[near] = 1;
-                misspelt.insert(read->value);
-                groups.add(files.file->path() + '\n' + std::string(near),
-                           placeOf(line, *files.file, *defined->second, near),
-                           "no country has the TV system " + quoted(near) + "; " +
-                                   std::to_string(uses[read->value]) + " countries have " +
-                                   quoted(read->value),
-                           {{placeOf(line, *files.map, *read, read->value), "named here"}});
-            }
-            if (misspelt.count(read->value) > 0) {
+                if (misspelt.insert(near).second) {
+                    groups.add(files.file->path() + '\n' + std::string(near),
+                               placeOf(line, *files.file, *defined->second, near),
+                               "no country has the TV system " + quoted(near) + "; " +
+                                       std::to_string(uses[read->value]) + " countries have " +
+                                       quoted(read->value),
+                               {{placeOf(line, *files.map, *read, read->value), "named here"}});
+                }
                 continue;
             }
             if (defined != systems.end()) {
