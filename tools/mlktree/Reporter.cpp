@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/mlktree/rules/Texts.h"
+
 namespace mlk::tree {
 
 namespace {
@@ -76,6 +78,21 @@ void Reporter::reportSpoilt(Place place, Finding::Lines lines, std::string messa
     }
 }
 
+namespace {
+
+// A message is one line, whatever the paths in it have: control bytes become escapes.
+void escapeControlBytes(std::string& text) {
+    const auto isControl = [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F; };
+    for (auto at = std::find_if(text.begin(), text.end(), isControl); at != text.end();
+         at = std::find_if(text.begin(), text.end(), isControl)) {
+        const std::string escape = quoted(std::string_view(&*at, 1));
+        const auto position = static_cast<size_t>(at - text.begin());
+        text.replace(position, 1, escape, 1, escape.size() - 2);
+    }
+}
+
+}  // namespace
+
 void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string message,
                         std::vector<Related> related) {
     const size_t count = ++mCounts[place.file];
@@ -84,6 +101,10 @@ void Reporter::reportIn(std::vector<std::string> sets, Place place, std::string 
     }
     if (count == kMostOfFile || mFindings.size() + 1 == kMostOfRule) {
         message += "; there may be more such findings";
+    }
+    escapeControlBytes(message);
+    for (Related& each : related) {
+        escapeControlBytes(each.message);
     }
     mFindings.push_back({std::string(mRule.name),
                          mRule.severity,

@@ -64,7 +64,7 @@ class Sarif(unittest.TestCase):
             with self.subTest(rule=rule.name):
                 tree = Path(self.folder.name) / rule.name
                 shutil.copytree(HERE / "rules" / "base", tree)
-                shutil.copytree(rule / "bad", tree, dirs_exist_ok=True)
+                shutil.copytree(rule / "bad", tree, symlinks=True, dirs_exist_ok=True)
                 removed = tree / "removed"
                 for path in removed.read_text().split() if removed.exists() else ():
                     if (tree / path).is_dir():

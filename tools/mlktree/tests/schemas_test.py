@@ -66,7 +66,7 @@ class Schemas(unittest.TestCase):
                 continue
             tree = Path(self.folder.name) / rule.name
             shutil.copytree(BASE, tree)
-            shutil.copytree(rule / "bad", tree, dirs_exist_ok=True)
+            shutil.copytree(rule / "bad", tree, symlinks=True, dirs_exist_ok=True)
             difference = printed("diff", BASE, tree, "--format", "json")
             DIFF.validate(difference)
             self.assertEqual(difference["same"], not difference["changes"])
