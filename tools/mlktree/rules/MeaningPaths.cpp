@@ -188,7 +188,7 @@ void checkKinds(const ProductLine& line, Reporter& reporter) {
             if (kind.format == FileFormat::NONE) {
                 continue;
             }
-            if (kind != lastKind) {
+            if (last == nullptr || kind != lastKind) {
                 last = &kinds[kind];
                 lastKind = kind;
             }
