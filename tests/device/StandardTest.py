@@ -11,7 +11,7 @@ import tree
 NAMES = {
     "algorithm": """all_of any_of binary_search clamp copy copy_if copy_n count count_if equal fill fill_n find
         find_first_of find_if for_each lexicographical_compare lower_bound max_element min_element mismatch none_of
-        remove_if replace reverse search shuffle sort stable_sort transform unique upper_bound""",
+        remove_copy_if remove_if replace reverse search shuffle sort stable_sort transform unique upper_bound""",
     "algorithm string_view string": "max min",
     "array": "array",
     "atomic": "atomic atomic_bool atomic_int",
@@ -26,6 +26,7 @@ NAMES = {
     "deque": "deque",
     "exception": "current_exception exception_ptr rethrow_exception",
     "exception stdexcept new": "exception",
+    "filesystem": "filesystem",
     "fstream": "ifstream ofstream",
     "functional": "function hash",
     "functional map set": "less",
