@@ -67,7 +67,7 @@ void SetFilter::mustFitSomeOf(const LineAnswers& a, const LineAnswers& b) const 
         }
     };
     const auto isIn = [this](const auto& all) {
-        return std::any_of(all.begin(), all.end(), [this](const auto& one) { return fits(one); });
+        return std::any_of(all.begin(), all.end(), [&](const auto& one) { return fits(one); });
     };
     if (mModel) {
         demand([&](const LineAnswers& line) { return isIn(line.models); },
