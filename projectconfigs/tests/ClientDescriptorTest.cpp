@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "host/testing/Sanitizers.h"
 #include "projectconfigs/tests/ClientWriting.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -213,9 +214,10 @@ TEST(ClientDescriptor, NothingIsSoonWritten) {
 }
 
 TEST(ClientDescriptor, PipeFailsWithoutDescriptorsForOurOwn) {
+    if (mlk::testing::kAddressSanitizer) {
+        GTEST_SKIP() << "its check of virtual calls needs descriptors, too";
+    }
     TestPipe pipe;
-    // A sanitizer needs descriptors for what it meets for the first time.
-    EXPECT_EQ(written(pipe.writeEnd(), "y"), (Written{WriteOutcome::COMPLETE, 1}));
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const rlimit none{0, limit.rlim_max};
