@@ -62,7 +62,7 @@ class LineReader {
      * Gives the next line without its line feed; a carriage return before it stays. A NUL byte
      * ends the text of its line. The last line needs no line feed.
      *
-     * @param line  set to the line, valid until the next call; untouched if there is none
+     * @param line  set to the line, valid until the next call; untouched if no line is left
      * @return false at the end of the file and after a failure, see failed()
      */
     bool next(std::string_view& line);

@@ -20,7 +20,7 @@ enum class Saved {
  * keeps either the old or the new text readable if the process or the power ends at any time:
  *
  * - A longer text: the file first grows by zeros, which reserves the space for the whole text and
- *   fails if there is none. The text is written once the new size is on storage.
+ *   fails if the disk is full. The text is written once the new size is on storage.
  * - A shorter text: it is written at once, with a NUL byte at its end. The remainder of the old
  * text is cut off once both are on storage.
  *

@@ -23,7 +23,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class ProjectID {
   public:
     /**
-     * Reads the index. Creates an empty file if there is none. A file without an index gives 0,
+     * Reads the index. Creates an empty file if it is missing. A file without an index gives 0,
      * which no project has. A file that can be read but not written is used, and the log says that
      * it cannot be opened for writing.
      *

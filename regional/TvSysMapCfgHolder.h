@@ -132,7 +132,7 @@ class TvSysMapCfgHolder {
     /** Returns the TV feature file of a country as in the map; empty without a record. */
     std::string getTvConfigName(_tv_country country) const;
 
-    /** Returns the path of that file; empty if there is none or it is not below "/tvconfigs". */
+    /** Returns the path of that file; empty if it is missing or not below "/tvconfigs". */
     std::string getTvConfigFilePath(_tv_country country) const;
 
     /** Returns the name of a country; empty if it has none. */

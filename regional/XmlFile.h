@@ -29,7 +29,7 @@ class XmlFile {
     /** Returns TinyXML-2's name of the loading error; null if the file is loaded. */
     const char* error() const;
 
-    /** Returns the first top-level element of this name; null if there is none. */
+    /** Returns the first top-level element of this name, or null. */
     const tinyxml2::XMLElement* first(const char* name) const;
 
     /** Logs an error about an element: "path:line: problem". */

@@ -4,7 +4,7 @@
     tools/report-pictures.py [PROGRAM]
 
 PROGRAM is mlktree, by default that of build/default. The pictures show the sample with a few mistakes, so
-that there is something to see. Needs chromium, chromium-driver and python3-selenium, as ./test does.
+that they have something to show. Needs chromium, chromium-driver and python3-selenium, as ./test does.
 """
 
 import shutil

@@ -84,11 +84,11 @@ class MlkTvConfigs : public IMlkTvConfigs {
     MLK_FLAG(getWOWEnabled, setWOWEnabled)
 #undef MLK_FLAG
 
-    /** Answers the value of the flag of that type. If there is none: success false, and false. */
+    /** Answers the value of the flag of that type. If no flag has it: success false, and false. */
     ::android::hardware::Return<void> getFlag(ConfigType type, getFlag_cb _hidl_cb) override;
 
     /**
-     * Calls the setter of the flag of that type, which gives the answer. If there is none, answers
+     * Calls the setter of the flag of that type, which gives the answer. If no flag has it, answers
      * success false and the value of `enabled`.
      */
     ::android::hardware::Return<void> setFlag(ConfigType type, bool enabled,

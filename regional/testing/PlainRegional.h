@@ -32,7 +32,7 @@ std::vector<HidlFreqListItem> channels(const std::string& text, Names& modulatio
 /** Maps category and key to the value. */
 using Items = std::map<std::pair<std::string, std::string>, std::string>;
 
-/** Returns the country in a "country_id.bin" with that text; -1 if there is none. */
+/** Returns the country in a "country_id.bin" with that text, or -1. */
 int32_t countryIdOf(const std::string& text);
 
 /** A TV system file and its country map. */
@@ -44,7 +44,7 @@ struct TvSystems {
 
     /** Returns the items of a country other than kNoCountry; adds the map's unknown countries. */
     Items itemsOf(int32_t country, Names& countries) const;
-    /** Returns the value of the map's first country; -1 if there is none. */
+    /** Returns the value of the map's first country, or -1. */
     int32_t firstCountry(Names& countries) const;
 
   private:

@@ -63,7 +63,7 @@ class Services {
         std::string outside = {};  // outsideRanges() of its arguments
     };
 
-    /** The answer as it is printed, or why there is none. */
+    /** The answer as it is printed, or why it is missing. */
     using Result = std::variant<std::string, Failure>;
 
     using Receiver = std::function<void(Result&&)>;

@@ -33,7 +33,7 @@ struct TreeView {
  */
 std::optional<TreeView> parseTreeView(const std::string& json);
 
-/** mlktree: the program beside this one, else the one on PATH; empty if there is none. */
+/** mlktree: the program beside this one, else the one on PATH; empty if neither exists. */
 std::string findMlktree();
 
 /**

@@ -116,14 +116,14 @@ struct Command {
     ExitStatus (*run)(const Arguments& arguments, Environment& environment) = nullptr;
     bool isHidden = false; /**< for scripts: no help lists it */
 
-    /** The option of that name ("--model", "-o"); null if there is none. "--help" is one. */
+    /** The option of that name ("--model", "-o"), or null. "--help" is one. */
     const Option* find(std::string_view option) const;
 };
 
 /** Every command, in the order of the manual. */
 const std::vector<Command>& commands();
 
-/** The command of that name; null if there is none. */
+/** The command of that name, or null. */
 const Command* findCommand(std::string_view name);
 
 /** "--help", which every command has. */

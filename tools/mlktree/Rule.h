@@ -34,7 +34,7 @@ struct RuleFamily {
 /** All families, in the order of `mlktree rules`. */
 const std::vector<RuleFamily>& ruleFamilies();
 
-/** The rule of that name; null if there is none. */
+/** The rule of that name, or null. */
 const Rule* findRule(std::string_view name);
 
 }  // namespace mlk::tree

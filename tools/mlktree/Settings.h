@@ -51,7 +51,7 @@ struct Settings {
     std::vector<RuleSetting> rules;
     std::vector<Allowance> allowances;
 
-    /** The declaration of an item; null if there is none. */
+    /** The declaration of an item, or null. */
     const OwnKey* find(std::string_view section, std::string_view key) const;
     /** True if some key of that section is declared. */
     bool knowsSection(std::string_view section) const;

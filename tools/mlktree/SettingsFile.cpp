@@ -225,7 +225,7 @@ void checkHeadings(const std::string& path, const toml::table& root) {
     }
 }
 
-// The whole file; nothing if there is none.
+// The whole file, or nothing if it does not exist.
 std::optional<std::string> textOf(const std::string& path) {
     File file(path);
     if (file.isMissing()) {

@@ -20,7 +20,7 @@ namespace {
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace keyword = product::keyword;
 
-// The line of the keyword in an identity file; null if there is none.
+// The line of the keyword in an identity file, or null.
 const ReadLine* identityLine(const ProductLine& line, const char* path, std::string_view word) {
     const FileLines* const file = line.find(path);
     return file != nullptr && !file->isUnreadable() ? file->find("", word) : nullptr;

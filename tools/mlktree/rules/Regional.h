@@ -52,7 +52,7 @@ struct CountryBlock {
     std::vector<const ReadLine*> elements; /**< with those that are ignored */
 
     std::string_view country() const { return begin->owner; }
-    /** The element that counts of that name; null if there is none. */
+    /** The element that counts of that name, or null. */
     const ReadLine* find(std::string_view element) const;
 };
 

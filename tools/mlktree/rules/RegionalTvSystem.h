@@ -45,8 +45,8 @@ class ItemsOfModels {
     bool mayLack(const ReadLine& item) const;
 
     /**
-     * The item that the models have and that an ignored item of the file probably means; empty if
-     * there is none. One that the same TV system has, too, was not meant.
+     * The item that the models have and that an ignored item of the file probably means, or an
+     * empty name. One that the same TV system has, too, was not meant.
      */
     ItemName nearestTo(const ReadLine& item);
 

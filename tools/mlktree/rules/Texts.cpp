@@ -9,7 +9,7 @@ namespace mlk::tree {
 
 namespace {
 
-// The length of the valid UTF-8 character at the beginning; 0 if there is none.
+// The length of the valid UTF-8 character at the beginning, or 0.
 size_t characterAt(std::string_view text) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byte(0);

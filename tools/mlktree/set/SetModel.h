@@ -79,7 +79,7 @@ class SetModel {
     const SetChoice& choice() const { return mChoice; }
 
     const Items& items() const { return mItems; }
-    /** The item of that name; null if there is none. */
+    /** The item of that name, or null. */
     const SetItem* find(std::string_view section, std::string_view key) const;
     /** The value of an item, as written; empty if there is no such item. */
     std::string_view valueOf(const ConfigKey& name) const;

@@ -12,7 +12,7 @@ namespace mlk::tree {
 /** A change of a tree. */
 using Edit = std::function<void(const mlk::testing::TempDir&)>;
 
-/** The first `old` of the file becomes `text`; the test fails if there is none. */
+/** The first `old` of the file becomes `text`; the test fails if it lacks it. */
 Edit replaced(const std::string& file, const std::string& old, const std::string& text);
 
 /** The file goes on with `text`. */
