@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <fstream>
 #include <string>
 #include <system_error>
 #include <thread>
 
 #include "host/testing/Eventually.h"
+#include "host/testing/ThreadState.h"
 
 namespace mlk {
 
@@ -56,15 +56,6 @@ class OutputTest : public ::testing::Test {
     int mEnds[2] = {-1, -1};
 };
 
-// The state that the kernel shows for a thread of this process: 'S' while it sleeps.
-char stateOf(pid_t thread) {
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    const size_t end = text.rfind(") ");
-    return end == std::string::npos ? '?' : text[end + 2];
-}
-
 TEST_F(OutputTest, WritesWhatIsFlushedOnce) {
     Output output(writer());
     output.line("one");
@@ -99,10 +90,11 @@ TEST_F(OutputTest, SleepsAtAFullPipe) {
         output.flush();
         closeWriter();
     });
-    EXPECT_TRUE(mlk::testing::eventually([&] { return thread != 0 && stateOf(thread) == 'S'; }));
+    EXPECT_TRUE(mlk::testing::eventually(
+            [&] { return thread != 0 && mlk::testing::stateOf(thread) == 'S'; }));
     int asleep = 0;
     for (int i = 0; i < 100; ++i) {
-        asleep += stateOf(thread) == 'S' ? 1 : 0;
+        asleep += mlk::testing::stateOf(thread) == 'S' ? 1 : 0;
         (void)poll(nullptr, 0, 1);
     }
     EXPECT_GE(asleep, 90);

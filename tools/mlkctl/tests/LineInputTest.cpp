@@ -7,12 +7,12 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <fstream>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 #include "host/testing/Eventually.h"
+#include "host/testing/ThreadState.h"
 
 namespace mlk::ctl {
 
@@ -134,15 +134,6 @@ TEST(LineInputTest, WaitsAtAPipeThatDoesNot) {
     writer.join();
 }
 
-// The state that the kernel shows for a thread of this process: 'S' while it sleeps.
-char stateOf(pid_t thread) {
-    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string text;
-    std::getline(file, text);
-    const size_t end = text.rfind(") ");
-    return end == std::string::npos ? '?' : text[end + 2];
-}
-
 // A reader sleeps until there is input. One that polled the pipe in a loop would run.
 TEST(LineInputTest, SleepsAtAPipeThatDoesNotWait) {
     Pipe pipe;
@@ -154,10 +145,11 @@ TEST(LineInputTest, SleepsAtAPipeThatDoesNotWait) {
         std::string_view line;
         EXPECT_EQ(input.next(&line), LineInput::Next::LINE);
     });
-    EXPECT_TRUE(mlk::testing::eventually([&] { return thread != 0 && stateOf(thread) == 'S'; }));
+    EXPECT_TRUE(mlk::testing::eventually(
+            [&] { return thread != 0 && mlk::testing::stateOf(thread) == 'S'; }));
     int asleep = 0;
     for (int i = 0; i < 100; ++i) {
-        asleep += stateOf(thread) == 'S' ? 1 : 0;
+        asleep += mlk::testing::stateOf(thread) == 'S' ? 1 : 0;
         (void)poll(nullptr, 0, 1);
     }
     EXPECT_GE(asleep, 90);

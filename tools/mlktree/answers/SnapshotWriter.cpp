@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kEnoughToWrite = size_t{1} << 16U;
 
-bool areOfOneModelAndBoard(const AnswerSet& a, const AnswerSet& b) {
+bool differInCountryOnly(const AnswerSet& a, const AnswerSet& b) {
     return a.model == b.model && a.board == b.board && a.customer == b.customer;
 }
 
@@ -189,7 +189,7 @@ void SnapshotWriter::writeSets() {
     const AnswerSet* before = nullptr;
     std::string start;
     writeEach("sets", mLine.sets, [&](const AnswerSet& set) {
-        if (before == nullptr || !areOfOneModelAndBoard(set, *before)) {
+        if (before == nullptr || !differInCountryOnly(set, *before)) {
             start = startOf(set);
         }
         before = &set;

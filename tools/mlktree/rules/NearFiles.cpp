@@ -1,7 +1,6 @@
 #include "tools/mlktree/rules/NearFiles.h"
 
 #include <dirent.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,11 +27,6 @@ using vendor::morlak::mlkconfigs::V1_0::implementation::pathExists;
 std::string folderIn(const std::string& path) {
     const size_t slash = path.find_last_of('/');
     return slash == std::string::npos ? "." : path.substr(0, slash);
-}
-
-bool isFile(const std::string& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
 // The name that is meant: with another ending, or with a typing mistake. Names that differ in
@@ -114,22 +108,22 @@ std::string NearFiles::nearFile(const std::string& host) {
     const Tree& tree = mTree;
     // A whole path in place of a name, as in a map of plans.
     const std::string whole = pathInside(tree.written(host));
-    if (!whole.empty() && isFile(tree.hostOfWritten(whole))) {
+    if (!whole.empty() && isRegularFile(tree.hostOfWritten(whole))) {
         return tree.hostOfWritten(whole);
     }
     const std::string folder = folderIn(host);
     const std::string name(fileNameOf(host));
     const std::string above = folderIn(folder);
-    if (pathExists(folder) && !isFile(folder)) {
+    if (pathExists(folder) && !isRegularFile(folder)) {
         const std::string near = nearName(name, folderAt(folder).names);
-        return near.empty() || !isFile(folder + "/" + near) ? "" : folder + "/" + near;
+        return near.empty() || !isRegularFile(folder + "/" + near) ? "" : folder + "/" + near;
     }
-    if (isFile(above + "/" + name)) {
+    if (isRegularFile(above + "/" + name)) {
         return above + "/" + name;
     }
     for (const std::string& other : folderAt(above).names) {
         std::string near = pathIn(pathIn(above, other), name);
-        if (isMeant(fileNameOf(folder), other) && isFile(near)) {
+        if (isMeant(fileNameOf(folder), other) && isRegularFile(near)) {
             return near;
         }
     }
@@ -137,7 +131,7 @@ std::string NearFiles::nearFile(const std::string& host) {
     const std::string rest = written.substr(std::min(written.find('/', 1), written.size()));
     for (const char* const partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
         std::string other = tree.hostOfWritten(partition + rest);
-        if (!rest.empty() && isFile(other)) {
+        if (!rest.empty() && isRegularFile(other)) {
             return other;
         }
     }
