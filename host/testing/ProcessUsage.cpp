@@ -43,6 +43,19 @@ size_t descriptorsOf(pid_t process) {
     return entriesOf(fileOf(process, "fd")) - (process == getpid() ? 1 : 0);
 }
 
+size_t awaitedBy(pid_t process) {
+    size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(fileOf(process, "fdinfo"))) {
+        // An epoll instance's file has a line for each.
+        std::ifstream info(entry.path());
+        std::string line;
+        while (std::getline(info, line)) {
+            count += line.rfind("tfd:", 0) == 0 ? 1 : 0;
+        }
+    }
+    return count;
+}
+
 size_t threadsOf(pid_t process) {
     const size_t count = entriesOf(fileOf(process, "task"));
     return kThreadSanitizer && count > 1 ? count - 1 : count;

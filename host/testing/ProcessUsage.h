@@ -12,6 +12,9 @@ namespace mlk::testing {
 /** The number of open descriptors. */
 size_t descriptorsOf(pid_t process);
 
+/** The number of descriptors that its epoll instances wait for. */
+size_t awaitedBy(pid_t process);
+
 /** The number of the program's own threads, without the thread sanitizer's. */
 size_t threadsOf(pid_t process);
 

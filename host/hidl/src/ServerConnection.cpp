@@ -33,6 +33,9 @@ constexpr timeval kStay = {0, 10000};
 // How many calls of one client a thread answers in a row when no other thread waits for calls: no
 // client waits for more calls of another one.
 constexpr int kMostInARow = 16;
+// After this many calls of one client in a row the pool stops hearing of each message: one that
+// goes on for long saves more than the two system calls that this costs.
+constexpr int kCallsUntilSilence = 16;
 // How long a thread waits for a client to read the next part of a reply before it serves others, as
 // long as no other connection needs the thread.
 constexpr std::chrono::milliseconds kSendPatience{10};
@@ -108,6 +111,9 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
         flags = pool.anyThreadWaits() ? 0 : MSG_DONTWAIT;
         if (flags != 0 && calls >= kMostInARow) {
             return waitForInput();
+        }
+        if (calls == kCallsUntilSilence) {
+            pool.silence(*this);
         }
     }
 }

@@ -123,6 +123,21 @@ void ThreadPool::remove(uint64_t id) {
     (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_DEL, removed->descriptor(), nullptr);
 }
 
+void ThreadPool::silence(const EventSource& source) {
+    (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_DEL, source.descriptor(), nullptr);
+}
+
+bool ThreadPool::waitAgainLocked(uint64_t id, int descriptor, EventSource::Next next) {
+    epoll_event event{};
+    event.events = epollEvents(next);
+    event.data.u64 = id;
+    if (epoll_ctl(mEpoll.get(), EPOLL_CTL_MOD, descriptor, &event) == 0) {
+        return true;
+    }
+    const bool isSilenced = errno == ENOENT;
+    return isSilenced && epoll_ctl(mEpoll.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
+}
+
 void ThreadPool::serve(uint64_t id, uint32_t events) {
     std::shared_ptr<EventSource> source;
     {
@@ -140,18 +155,15 @@ void ThreadPool::serve(uint64_t id, uint32_t events) {
         // An exception costs one connection, not the process.
         ALOGE("a connection ends: %s", exception.what());
     }
-    if (next == EventSource::Next::DROP) {
-        remove(id);
-        return;
+    if (next != EventSource::Next::DROP) {
+        // Under the lock, so that a source that was removed meanwhile is not armed again.
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mSources.count(id) == 0 || waitAgainLocked(id, source->descriptor(), next)) {
+            return;
+        }
+        ALOGE("a connection ends: cannot wait on it: %s", strerror(errno));
     }
-    epoll_event event{};
-    event.events = epollEvents(next);
-    event.data.u64 = id;
-    // Under the lock, so that a source that was removed meanwhile is not armed again.
-    std::lock_guard<std::mutex> lock(mMutex);
-    if (mSources.count(id) != 0) {
-        (void)epoll_ctl(mEpoll.get(), EPOLL_CTL_MOD, source->descriptor(), &event);
-    }
+    remove(id);
 }
 
 bool ThreadPool::ownsThisThread() {

@@ -61,6 +61,12 @@ class ThreadPool {
     /** Forgets the source. A thread that is serving it finishes its current event. */
     void remove(uint64_t id);
 
+    /**
+     * For onEvents of a source that stays with its thread for long: the kernel tells the pool of no
+     * event of it until onEvents returns, which makes each message to it cheaper.
+     */
+    void silence(const EventSource& source);
+
     /** Whether a thread is waiting for events. Then the calling thread may stay with its source. */
     bool anyThreadWaits() const { return mWaiting.load(std::memory_order_relaxed) > 0; }
 
@@ -68,6 +74,7 @@ class ThreadPool {
     ThreadPool();
     [[noreturn]] void run();
     void serve(uint64_t id, uint32_t events);
+    bool waitAgainLocked(uint64_t id, int descriptor, EventSource::Next next);
     bool takePlace();
     void startThreadLocked();
     void startThreadIfNoneWaits();

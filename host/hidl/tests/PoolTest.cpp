@@ -135,6 +135,26 @@ TEST_F(PoolTest, SilentClientsCostNoThread) {
     EXPECT_LT(timeOf(server.pid()) - before, std::chrono::milliseconds(100));
 }
 
+// A message is cheaper for its sender if no epoll instance waits for it.
+TEST_F(PoolTest, KernelDoesNotTellThePoolOfABusyClient) {
+    const Server server({"default", "10+join", ""});
+    const sp<IEverything> service = server.service();
+    ASSERT_TRUE(service->ping().isOk());
+    EXPECT_TRUE(testing::eventually([&] { return testing::awaitedBy(server.pid()) >= 2; }));
+    const size_t quiet = testing::awaitedBy(server.pid());
+    std::atomic<bool> enough{false};
+    std::thread busy([&] {
+        while (!enough) {
+            EXPECT_TRUE(service->ping().isOk());
+        }
+    });
+    EXPECT_TRUE(testing::eventually([&] { return testing::awaitedBy(server.pid()) == quiet - 1; }));
+    enough = true;
+    busy.join();
+    EXPECT_TRUE(testing::eventually([&] { return testing::awaitedBy(server.pid()) == quiet; }));
+    EXPECT_TRUE(service->ping().isOk());
+}
+
 // Programs that the server starts inherit nothing of it.
 TEST_F(PoolTest, DescriptorsOfTheServerAreForItAlone) {
     const Server server({"default", "10+join", ""});

@@ -43,6 +43,7 @@ class Source : public EventSource {
     void write() const { EXPECT_EQ(::write(mOther.get(), "x", 1), 1); }
     void read() const { EXPECT_EQ(readFrom(mOwn.get(), 1), "x"); }
     void hangUp() { mOther.reset(); }
+    void close() { mOwn.reset(); }
     int events() const { return mEvents; }
     static int alive() { return sAlive; }
 
@@ -146,6 +147,36 @@ TEST_F(ThreadPoolTest, SourceRemovedWhileItIsServed) {
     removed.set_value();
     EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
     EXPECT_EQ(source->events(), 1);
+}
+
+TEST_F(ThreadPoolTest, SilencedSourceIsHeardAgain) {
+    auto source = std::make_shared<Source>([this](Source& s) {
+        s.read();
+        mPool.silence(s);
+        mPool.silence(s);  // has no effect
+        return s.events() < 3 ? Next::WAIT_FOR_INPUT : Next::DROP;
+    });
+    ASSERT_NE(mPool.add(source, true), 0U);
+    for (int i = 1; i <= 3; ++i) {
+        source->write();
+        EXPECT_TRUE(eventually([&] { return source->events() == i; }));
+    }
+    EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+}
+
+TEST_F(ThreadPoolTest, SourceThatCannotBeHeardAgainEnds) {
+    const testing::LogCapture log;
+    auto source = std::make_shared<Source>([this](Source& s) {
+        mPool.silence(s);
+        s.close();
+        return Next::WAIT_FOR_INPUT;
+    });
+    ASSERT_NE(mPool.add(source, true), 0U);
+    source->write();
+    EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+    EXPECT_THAT(
+            log.brief(),
+            ::testing::ElementsAre("E/a connection ends: cannot wait on it: Bad file descriptor"));
 }
 
 TEST_F(ThreadPoolTest, NothingToWaitOn) {
