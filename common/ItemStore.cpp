@@ -14,6 +14,9 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 constexpr size_t kUsualLine = 40;
+constexpr size_t kNumber = sizeof(uint32_t);
+constexpr size_t kNuls = 2;                      // after key and value
+constexpr uint32_t kMostValue = (1U << 31) - 1;  // no file that is read has as many bytes
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
 
 static_assert(TextArena::kSlack >= kReadBySorting);
@@ -39,11 +42,10 @@ bool isSame(std::string_view one, std::string_view other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end());
 }
 
-// The size of the longest value that fits.
-uint32_t capacityAt(const char* texts) {
-    uint32_t capacity = 0;
-    std::memcpy(&capacity, texts - sizeof capacity, sizeof capacity);
-    return capacity;
+// Writes the number that ItemStore::numberBefore() reads.
+void putBefore(char* place, size_t number) {
+    const auto narrow = static_cast<uint32_t>(number);
+    std::memcpy(place - sizeof narrow, &narrow, sizeof narrow);
 }
 
 }  // namespace
@@ -71,7 +73,7 @@ ItemStore::Section ItemStore::section(std::string_view name) {
     if (section == kNone) {
         char* const copy = mTexts.allocate(name.size() + 1);
         put(copy, name);
-        mSections.push_back({{copy, name.size()}, hash, kNone, kNone, 0});
+        mSections.push_back({{copy, name.size()}, hash, 0, kNone});
         section = static_cast<Section>(mSections.size() - 1);
     }
     return section;
@@ -99,29 +101,37 @@ ItemStore::Inserted ItemStore::insertBy(const Put& putText, Section section, std
     if (item != kNone) {
         return {item, false};
     }
-    char* const texts = placeTexts(key.size(), value.size());
+    char* const texts = mTexts.allocate(kNumber + key.size() + value.size() + kNuls) + kNumber;
+    putBefore(texts, key.size());
     putText(texts, key);
     putText(texts + key.size() + 1, value);
-    mItems.push_back({texts, static_cast<uint32_t>(key.size()), static_cast<uint32_t>(value.size()),
-                      section, kNone});
+    mItems.push_back({texts, static_cast<uint32_t>(value.size()) & kMostValue, 0, section});
     item = static_cast<Item>(mItems.size() - 1);
-    (owner.first == kNone ? owner.first : mItems[owner.last].next) = item;
-    owner.last = item;
-    ++owner.size;
+    if (owner.size++ == 0) {
+        owner.first = item;
+    }
     mIsOrdered = false;
     return {item, true};
 }
 
 void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
-    if (value.size() > capacityAt(entry.texts)) {
+    const std::string_view key = keyOf(item);
+    // Most items are never replaced: they store no capacity, and have that of their value.
+    const uint32_t capacity =
+            entry.isRoomy != 0 ? numberBefore(entry.texts - kNumber) : entry.valueSize;
+    if (value.size() > capacity) {
         // Doubling: a value that keeps growing wastes no more memory than it needs in the end.
-        char* const texts = placeTexts(entry.keySize, value.size() * 2);
-        put(texts, keyOf(item));
+        const size_t more = value.size() * 2;
+        char* const texts = mTexts.allocate(2 * kNumber + key.size() + more + kNuls) + 2 * kNumber;
+        putBefore(texts - kNumber, more);
+        putBefore(texts, key.size());
+        put(texts, key);
         entry.texts = texts;
+        entry.isRoomy = 1;
     }
-    put(entry.texts + entry.keySize + 1, value);
-    entry.valueSize = static_cast<uint32_t>(value.size());
+    put(entry.texts + key.size() + 1, value);
+    entry.valueSize = static_cast<uint32_t>(value.size()) & kMostValue;
 }
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {
@@ -145,9 +155,16 @@ std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const 
     if (known == kNone) {
         return {};
     }
-    std::vector<Item> items(mSections[known].size);
+    std::vector<Item> items;
+    items.reserve(mSections[known].size);
+    // The items of a section mostly follow each other.
+    for (Item item = mSections[known].first; items.size() < mSections[known].size; ++item) {
+        if (mItems[item].section == known) {
+            items.push_back(item);
+        }
+    }
     std::vector<NumberedText> keys;
-    putInOrder(mSections[known], keys, items.data());
+    sortByKeys(items.data(), items.size(), keys);
     return items;
 }
 
@@ -169,14 +186,6 @@ void ItemStore::write(std::ostream& out, std::string_view indent) const {
     out.flush();
 }
 
-// Allocates memory for a key and a value.
-char* ItemStore::placeTexts(size_t keySize, size_t valueCapacity) {
-    const auto capacity = static_cast<uint32_t>(valueCapacity);
-    char* const place = mTexts.allocate(sizeof capacity + keySize + valueCapacity + 2);
-    std::memcpy(place, &capacity, sizeof capacity);
-    return place + sizeof capacity;
-}
-
 void ItemStore::putInOrder() const {
     std::vector<NumberedText> texts;
     texts.reserve(mSections.size());
@@ -184,26 +193,30 @@ void ItemStore::putInOrder() const {
         texts.emplace_back(section.name, static_cast<Section>(texts.size()));
     }
     sortTexts(texts);
-    std::vector<size_t> begins(mSections.size());
-    size_t begin = 0;
+    // Where the next item of each section belongs.
+    std::vector<Item> places(mSections.size());
+    Item place = 0;
     for (const NumberedText& text : texts) {
-        begins[text.number] = begin;
-        begin += mSections[text.number].size;
+        places[text.number] = place;
+        place += mSections[text.number].size;
     }
     mOrder.resize(mItems.size());
+    for (Item item = 0; item < mItems.size(); ++item) {
+        mOrder[places[mItems[item].section]++] = item;
+    }
     // In the order of insertion, which is the order of the texts in memory.
     for (size_t section = 0; section < mSections.size(); ++section) {
-        putInOrder(mSections[section], texts, mOrder.data() + begins[section]);
+        const size_t count = mSections[section].size;
+        sortByKeys(mOrder.data() + places[section] - count, count, texts);
     }
     mIsOrdered = true;
 }
 
-// Writes the sorted items of a section to `items`. Uses `keys` as scratch memory.
-void ItemStore::putInOrder(const SectionEntry& section, std::vector<NumberedText>& keys,
-                           Item* items) const {
+// Sorts items of one section. Uses `keys` as scratch memory.
+void ItemStore::sortByKeys(Item* items, size_t count, std::vector<NumberedText>& keys) const {
     keys.clear();
-    for (Item item = section.first; item != kNone; item = mItems[item].next) {
-        keys.emplace_back(keyOf(item), item);
+    for (size_t i = 0; i < count; ++i) {
+        keys.emplace_back(keyOf(items[i]), items[i]);
     }
     sortTexts(keys);
     for (const NumberedText& key : keys) {

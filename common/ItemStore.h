@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <ostream>
 #include <string_view>
 #include <vector>
@@ -80,10 +81,13 @@ class ItemStore {
 
     /** The names and the value of an item. */
     std::string_view sectionOf(Item item) const { return mSections[mItems[item].section].name; }
-    std::string_view keyOf(Item item) const { return {mItems[item].texts, mItems[item].keySize}; }
+    std::string_view keyOf(Item item) const {
+        const char* const key = mItems[item].texts;
+        return {key, numberBefore(key)};
+    }
     std::string_view valueOf(Item item) const {
-        const ItemEntry& entry = mItems[item];
-        return {entry.texts + entry.keySize + 1, entry.valueSize};
+        const std::string_view key = keyOf(item);
+        return {key.data() + key.size() + 1, mItems[item].valueSize};
     }
 
     /** Returns all items in order. */
@@ -102,24 +106,27 @@ class ItemStore {
     struct SectionEntry {
         std::string_view name;
         uint64_t hash;
-        Item first;
-        Item last;
         uint32_t size;  // items
+        Item first;
     };
+    // A set has thousands of these in memory for as long as the process runs: what is rarely needed
+    // is stored beside the texts or not at all.
     struct ItemEntry {
-        char* texts;  // the key, then the value; the four bytes before have its capacity
-        uint32_t keySize;
-        uint32_t valueSize;
+        char* texts;  // the key, which has its size before it, then the value
+        uint32_t valueSize : 31;
+        uint32_t isRoomy : 1;  // the value's capacity is before the key's size
         Section section;
-        Item next;  // of the section
     };
+    static uint32_t numberBefore(const char* place) {
+        uint32_t number = 0;
+        std::memcpy(&number, place - sizeof number, sizeof number);
+        return number;
+    }
     template <typename Put>
     Inserted insertBy(const Put& putText, Section section, std::string_view key,
                       std::string_view value);
-    char* placeTexts(size_t keySize, size_t valueCapacity);
     void putInOrder() const;
-    void putInOrder(const SectionEntry& section, std::vector<NumberedText>& keys,
-                    Item* items) const;
+    void sortByKeys(Item* items, size_t count, std::vector<NumberedText>& keys) const;
 
     std::vector<ItemEntry> mItems;
     std::vector<SectionEntry> mSections;

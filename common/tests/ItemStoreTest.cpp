@@ -296,6 +296,24 @@ TEST(ItemStoreTest, ClearedStoreUsesItsMemoryAgain) {
     EXPECT_EQ(afterFirst.kept(), 0);
 }
 
+TEST(ItemStoreTest, ReplacedValueUsesItsMemoryAgain) {
+    if (mlk::testing::kThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer counts memory itself";
+    }
+    ItemStore store;
+    const ItemStore::Item item = store.insert(store.section("[S]"), "key", "0123456789").item;
+    const std::string large(5000, 'l');
+    store.replace(item, large);
+    const Allocated afterFirst;
+    for (int i = 0; i < 1000; ++i) {
+        store.replace(item, i % 2 == 0 ? "short" : large);
+        ASSERT_EQ(store.valueOf(item), i % 2 == 0 ? "short" : large);
+    }
+    store.replace(item, std::string(10'000, 'd'));  // twice the value that it got memory for
+    EXPECT_EQ(afterFirst.kept(), 0);
+    EXPECT_EQ(store.keyOf(item), "key");
+}
+
 TEST(ItemStoreTest, SpaceIsReservedForAFileOfAReasonableSizeOnly) {
     if (mlk::testing::kThreadSanitizer) {
         GTEST_SKIP() << "the thread sanitizer counts memory itself";
