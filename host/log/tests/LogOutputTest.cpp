@@ -187,6 +187,40 @@ TEST(LogOutput, AReaderThatRestsGetsEverything) {
     EXPECT_EQ(got.size(), size);
 }
 
+// What is read adds to the account, but not beyond its limit.
+TEST(LogOutput, AReaderThatStopsAfterALongTimeCostsNoMoreTime) {
+    const Ends ends = pipeEnds();
+    LogOutput output(ends.write.get());
+    const std::string longer(2'000'000, 'x');  // without a limit, half a minute
+    std::thread reader([&] {
+        pollfd input{ends.read.get(), POLLIN, 0};
+        size_t got = 0;
+        while (got < longer.size() && poll(&input, 1, 10'000) == 1) {
+            got += readNow(ends.read.get()).size();
+        }
+    });
+    output.write(longer);
+    reader.join();
+    const auto begin = steady_clock::now();
+    output.write(longer);
+    EXPECT_LT(steady_clock::now() - begin, 15 * LogOutput::kPatience);
+}
+
+TEST(LogOutput, AnotherFileHasAnAccountOfItsOwn) {
+    const Ends first = pipeEnds();
+    const Ends second = pipeEnds();
+    const unique_fd error(dup(first.write.get()));
+    LogOutput output(error.get());
+    output.write(std::string(1'000'000, 'x') + '\n');
+    ASSERT_EQ(fcntl(second.write.get(), F_SETFL, O_NONBLOCK), 0);
+    while (write(second.write.get(), "x", 1) == 1) {
+    }
+    ASSERT_EQ(dup2(second.write.get(), error.get()), error.get());
+    const auto begin = steady_clock::now();
+    output.write("waits for a reader\n");
+    EXPECT_GE(steady_clock::now() - begin, LogOutput::kPatience / 2);
+}
+
 TEST(LogOutput, AMessageThatIsBegunIsFinishedFirst) {
     const Ends ends = pipeEnds();
     LogOutput output(ends.write.get());
