@@ -372,6 +372,13 @@ TEST_F(CountryIdTest, WithoutAMapNothingIsSaved) {
     EXPECT_NE(access(file().c_str(), F_OK), 0);
 }
 
+TEST_F(CountryIdTest, AFileThatIsGoneLeavesNoCountry) {
+    EXPECT_EQ(parse("COUNTRY_ID=14\n"), kGermany);
+    ASSERT_EQ(unlink(file().c_str()), 0);
+    mHolder.parseCountryId();
+    EXPECT_EQ(mHolder.currentCountry(), kNoCountry);
+}
+
 TEST_F(CountryIdTest, AFifoInPlaceOfTheFileHoldsNobodyUp) {
     set().dir().mkdir("tvdata/tvsysmap");
     ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);

@@ -21,11 +21,11 @@ using ::mlk::testing::eventually;
 
 class AllocatorTest : public Delivery {
   protected:
-    /** Replaces the real allocator: the blocks have `difference` more bytes than asked for. */
-    void startFake(int difference) {
+    /** Replaces the real allocator by service_fake_allocator with that argument. */
+    void startFake(const std::string& argument) {
         stopAllocator();
         mAllocator = std::make_unique<::mlk::testing::Process>(
-                std::vector<std::string>{SERVICE_FAKE_ALLOCATOR, std::to_string(difference)});
+                std::vector<std::string>{SERVICE_FAKE_ALLOCATOR, argument});
         ASSERT_TRUE(mAllocator->waitForErr("registered")) << mAllocator->err();
     }
     /** Stops the allocator: it keeps the sockets of its clients and reads nothing from them. */
@@ -126,7 +126,7 @@ TEST_F(AllocatorTest, OthersAreAnsweredWhileTheAllocatorIsSilent) {
 }
 
 TEST_F(AllocatorTest, SmallerBlockIsNotWrittenBeyondItsEnd) {
-    startFake(-1);
+    startFake("-1");
     const std::string path = file(4096);
     EXPECT_EQ(shared(path), "empty memory");
     EXPECT_TRUE(
@@ -135,8 +135,15 @@ TEST_F(AllocatorTest, SmallerBlockIsNotWrittenBeyondItsEnd) {
     EXPECT_EQ(panel(), "PANEL_ONE");
 }
 
+TEST_F(AllocatorTest, BlockOfAnAllocatorThatFailedIsNotTaken) {
+    startFake("refusing");
+    EXPECT_EQ(shared(file(4096)), "empty memory");
+    EXPECT_TRUE(isLogged(
+            "getVendorPartitionFile, no shared memory of 4096 bytes: the allocator has none\n"));
+}
+
 TEST_F(AllocatorTest, LargerBlockIsAnsweredWithTheSizeOfTheFile) {
-    startFake(5000);
+    startFake("5000");
     EXPECT_TRUE(isSharedWhole(file(4096)));
 }
 

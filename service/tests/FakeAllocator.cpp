@@ -2,6 +2,8 @@
 //
 //   service_fake_allocator DIFFERENCE   gives blocks that have that many bytes more than asked for;
 //                                       fewer if negative
+//   service_fake_allocator refusing     gives such blocks as were asked for, and says that it
+//   failed
 
 #include <android/hidl/allocator/1.0/IAllocator.h>
 #include <cutils/native_handle.h>
@@ -9,6 +11,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <string_view>
 
 #include "host/memory/SharedBlock.h"
 
@@ -20,14 +23,15 @@ using ::android::hardware::Return;
 
 class FakeAllocator : public ::android::hidl::allocator::V1_0::IAllocator {
   public:
-    explicit FakeAllocator(int difference) : mDifference(static_cast<uint64_t>(difference)) {}
+    FakeAllocator(int difference, bool success)
+        : mDifference(static_cast<uint64_t>(difference)), mSuccess(success) {}
 
     Return<void> allocate(uint64_t size, allocate_cb answer) override {
         const uint64_t given = size + mDifference;
         ::android::base::unique_fd block = mlk::host::createSharedBlock(given);
         native_handle_t* const handle = native_handle_create(1, 0);
         handle->data[0] = block.get();
-        answer(true, hidl_memory(mlk::host::kAshmem, handle, given));
+        answer(mSuccess, hidl_memory(mlk::host::kAshmem, handle, given));
         native_handle_delete(handle);
         return {};
     }
@@ -39,14 +43,16 @@ class FakeAllocator : public ::android::hidl::allocator::V1_0::IAllocator {
 
   private:
     const uint64_t mDifference;
+    const bool mSuccess;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
     android::hardware::configureRpcThreadpool(1, true /* callerWillJoin */);
+    const std::string_view argument = argc > 1 ? argv[1] : "0";
     const ::android::sp<FakeAllocator> allocator =
-            new FakeAllocator(argc > 1 ? std::atoi(argv[1]) : 0);
+            new FakeAllocator(std::atoi(argument.data()), argument != "refusing");
     if (allocator->registerAsService(mlk::host::kAshmem) != android::OK) {
         return EXIT_FAILURE;
     }

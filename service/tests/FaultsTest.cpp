@@ -218,6 +218,18 @@ INSTANTIATE_TEST_SUITE_P(
                         false}),
         [](const ::testing::TestParamInfo<Lasting>& lasting) { return lasting.param.name; });
 
+TEST(FaultsTest, SavedCountryThatCannotBeSeenNowIsNotReplaced) {
+    const std::string norway = "COUNTRY_ID=" + std::to_string(kNorway) + "\n";
+    Scenario scenario;
+    scenario.set().dir().write("tvdata/tvsysmap/country_id.bin", norway);
+    auto environment = faulty(scenario.set(), "access 1+ 5");
+    environment["MLK_FAULT_BELOW"] = scenario.set().tvdata();
+    ServiceProcess server(environment);
+    ASSERT_TRUE(server.waitUntilRegistered());
+    EXPECT_EQ(scenario.read("tvdata/tvsysmap/country_id.bin"), norway);
+    EXPECT_THAT(server.process().err(), ::testing::HasSubstr("country_id.bin failed!"));
+}
+
 /** A set some of whose partitions are missing. */
 class MissingTest : public ::testing::TestWithParam<const char*> {};
 
