@@ -6,7 +6,9 @@
 
 #include <string>
 
+#include "host/testing/AddressLimit.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/Sanitizers.h"
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
 #include "tvconfigs/tests/EditorTexts.h"
@@ -221,6 +223,26 @@ TEST_F(FileConfigEditorReadTest, AFileThatCannotBeOpenedLeavesTheEntries) {
     EXPECT_EQ(entriesOf(editor), "a=1\n");
     EXPECT_THAT(complaints(),
                 ElementsAre("ERROR: Open " + missing + " fail!", "ERROR: Open  fail!"));
+}
+
+TEST_F(FileConfigEditorReadTest, MemoryThatRunsOutCostsTheFileOnly) {
+    if (mlk::testing::kSanitized) {
+        GTEST_SKIP() << "a sanitizer ends the process";
+    }
+    std::string large;
+    for (int i = 0; i < 60'000; ++i) {
+        large += "an.entry.whose.key.has.memory.of.its.own." + std::to_string(i) + "=\n";
+    }
+    const std::string path = mDir.write("large", large);
+    FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
+    {
+        const mlk::testing::AddressLimit limit(1 << 20);
+        EXPECT_FALSE(editor.Update(path.c_str()));
+    }
+    EXPECT_EQ(entriesOf(editor), "a=1\n");
+    EXPECT_THAT(complaints(), ElementsAre("Open " + path + " success!",
+                                          "ERROR: Read " + path + " fail! out of memory"));
+    EXPECT_TRUE(editor.Update(path.c_str()));
 }
 
 TEST_F(FileConfigEditorReadTest, OnlyRegularFilesAreOpened) {
