@@ -4,6 +4,10 @@
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/testing/Process.h"
 #include "tools/mlktree/tests/Harness.h"
@@ -177,6 +181,29 @@ TEST_F(CheckTest, SettingsChangeSeverities) {
                "[[allow]]\nrule = \"missing-file\"\nfiles = \"*.ini\"\n"
                "text = \"AUDIO_CONFIG_PATH     = /tvconfigs/audio/oem.ini\"\nreason = \"later\"\n");
     EXPECT_THAT(findings(), IsEmpty());
+}
+
+TEST_F(CheckTest, AllowedFindingsStandInTheOrderOfFilesAndLines) {
+    for (const char* file : {kModel, "tvconfigs/model/second.ini"}) {
+        mDir.write(file, mDir.read(file) +
+                                 "[X]\n# mlktree: allow missing-file it comes later\n"
+                                 "b = /tvconfigs/none\n"
+                                 "# mlktree: allow no-equals it is a note\nc d\n");
+    }
+    const Json log = Json::parse(check({"--format", "sarif"}).out);
+    std::vector<std::pair<std::string, int>> places;
+    std::set<std::string> rules;
+    for (const Json& result : log["runs"][0]["results"]) {
+        if (result["suppressions"].empty()) {
+            continue;
+        }
+        const Json& place = result["locations"][0]["physicalLocation"];
+        places.emplace_back(place["artifactLocation"]["uri"], place["region"]["startLine"]);
+        rules.insert(result["ruleId"].get<std::string>());
+    }
+    EXPECT_THAT(rules, ::testing::IsSupersetOf({"missing-file", "no-equals"}));
+    EXPECT_GE(places.size(), 3U);
+    EXPECT_THAT(places, ::testing::WhenSorted(::testing::ElementsAreArray(places)));
 }
 
 TEST_F(CheckTest, BaselineKnowsTodaysFindings) {
