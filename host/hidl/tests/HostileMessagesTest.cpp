@@ -9,6 +9,7 @@
 #include <limits>
 #include <optional>
 #include <ostream>
+#include <utility>
 
 #include "HostileFixture.h"
 
@@ -83,8 +84,17 @@ Row withCount(const char* name, size_t place, int32_t value) {
     });
 }
 
+int packetSocket() {
+    static const auto ends = [] {
+        std::pair<unique_fd, unique_fd> pair;
+        EXPECT_EQ(::android::hardware::transport::connectedPair(&pair.first, &pair.second), OK);
+        return pair;
+    }();
+    return ends.first.get();
+}
+
 Row interfaceCall(const char* name, const std::function<void(RawMessage&)>& change) {
-    return changed(name, BAD_VALUE, change, [] { return listenCall(nullFile()); });
+    return changed(name, BAD_VALUE, change, [] { return listenCall(packetSocket()); });
 }
 
 const Row kRows[] = {
@@ -232,7 +242,7 @@ const Row kRows[] = {
                    [](RawMessage& m) { m.objects.push_back(m.objects[0]); }),
 
         // Interfaces.
-        interfaceCall("InterfaceThatIsNoSocket", [](RawMessage&) {}),
+        {"InterfaceThatIsNoSocket", [] { return listenCall(nullFile()); }, BAD_VALUE},
         interfaceCall("InterfaceWithoutDescriptor", [](RawMessage& m) { m.descriptors.clear(); }),
         interfaceCall("InterfaceWithLength", [](RawMessage& m) { m.objects[0].record.length = 8; }),
         interfaceCall("InterfaceWithParent",
