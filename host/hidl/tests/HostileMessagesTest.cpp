@@ -73,6 +73,16 @@ int nullFile() {
     return file.get();
 }
 
+// A call with a handle that its method does not read.
+Row unreadHandle(const char* name, status_t answer, int32_t version) {
+    return changed(name, answer, [=](RawMessage& m) {
+        RawMessage handle = fdCall({nullFile()});
+        memcpy(handle.objects[0].bytes.data(), &version, sizeof(version));
+        m.objects.push_back(std::move(handle.objects[0]));
+        m.descriptors = std::move(handle.descriptors);
+    });
+}
+
 // A call with a handle of one descriptor: the counts lie at offsets 0, 4 and 8 of its object.
 Row handleCall(const char* name, std::optional<status_t> answer,
                const std::function<void(RawMessage&)>& change) {
@@ -226,6 +236,8 @@ const Row kRows[] = {
 
         // Handles.
         withCount("HandleOfAnotherVersion", 0, 13),
+        unreadHandle("HandleThatNobodyReads", OK, sizeof(native_handle_t)),
+        unreadHandle("HandleOfAnotherVersionThatNobodyReads", BAD_VALUE, 13),
         withCount("HandleWithNegativeDescriptors", 4, -1),
         withCount("HandleWithNegativeNumbers", 8, -1),
         withCount("HandleWithMoreDescriptors", 4, 2),
