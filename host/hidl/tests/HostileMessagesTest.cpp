@@ -117,7 +117,11 @@ const Row kRows[] = {
         changed("UnknownType", kEnds, [](RawMessage& m) { m.header.type = MessageType{99}; }),
         changed("BodyOf4GiB", kEnds, [](RawMessage& m) { m.bodySize = uint64_t{1} << 32U; }),
         changed("BodyOfAlmostEverything", kEnds, [](RawMessage& m) { m.bodySize = kHuge - 7; }),
-        changed("BodyNotPadded", kEnds, [](RawMessage& m) { m.bodySize = 41; }),
+        changed("BodyNotPadded", kEnds,
+                [](RawMessage& m) {
+                    m.bodySize = 41;
+                    m.isCut = true;
+                }),
         changed("BodyOverTheLimit", kEnds, [](RawMessage& m) { m.bodySize = kMaxCallBody + 8; }),
         changed("BodyEmpty", BAD_TYPE,
                 [](RawMessage& m) {

@@ -91,6 +91,9 @@ std::vector<uint8_t> RawMessage::bytes() const {
     whole.objectCount = objectCount.value_or(static_cast<uint32_t>(objects.size()));
     whole.fdCount = fdCount.value_or(static_cast<uint32_t>(descriptors.size()));
     whole.bodySize = bodySize.value_or(body.size());
+    if (isCut) {
+        body.resize(static_cast<size_t>(whole.bodySize));
+    }
     std::vector<uint8_t> all;
     append(&all, &whole, sizeof(whole));
     append(&all, body.data(), body.size());

@@ -37,6 +37,8 @@ struct RawMessage {
     std::optional<uint32_t> objectCount;
     std::optional<uint32_t> fdCount;
     std::optional<uint64_t> bodySize;
+    /** Whether the body ends where bodySize says. */
+    bool isCut = false;
 
     /** Adds numbers, and a text with its NUL, to the data. */
     void number(uint32_t value);
