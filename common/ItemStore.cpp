@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kUsualLine = 40;
 constexpr size_t kNumber = sizeof(uint32_t);
 constexpr size_t kNuls = 2;                      // after key and value
-constexpr uint32_t kMostValue = (1U << 31) - 1;  // no file that is read has as many bytes
+constexpr uint32_t kMostValue = (1U << 31) - 1;  // files have 64 MiB at most, calls less
 constexpr size_t kMostExpected = size_t{4} * 1024 * 1024;
 
 static_assert(TextArena::kSlack >= kReadBySorting);
@@ -117,7 +117,8 @@ ItemStore::Inserted ItemStore::insertBy(const Put& putText, Section section, std
 void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
     const std::string_view key = keyOf(item);
-    // Most items are never replaced: they store no capacity, and have that of their value.
+    // Most items are never replaced. They store no capacity: what fits is the size of the present
+    // value, so that a shorter value gives up the rest.
     const uint32_t capacity =
             entry.isRoomy != 0 ? numberBefore(entry.texts - kNumber) : entry.valueSize;
     if (value.size() > capacity) {
@@ -157,7 +158,6 @@ std::vector<ItemStore::Item> ItemStore::itemsOf(std::string_view section) const 
     }
     std::vector<Item> items;
     items.reserve(mSections[known].size);
-    // The items of a section mostly follow each other.
     for (Item item = mSections[known].first; items.size() < mSections[known].size; ++item) {
         if (mItems[item].section == known) {
             items.push_back(item);

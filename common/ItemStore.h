@@ -93,7 +93,10 @@ class ItemStore {
     /** Returns all items in order. */
     const std::vector<Item>& inOrder() const;
 
-    /** Returns the items of one section in order. */
+    /**
+     * Returns the items of one section in order. Looks at all items from its first to its last one,
+     * which mostly follow each other.
+     */
     std::vector<Item> itemsOf(std::string_view section) const;
 
     /** Logs every item in order: a tab, then "<section>:<key>=<value>". */
@@ -112,11 +115,12 @@ class ItemStore {
     // A set has thousands of these in memory for as long as the process runs: what is rarely needed
     // is stored beside the texts or not at all.
     struct ItemEntry {
-        char* texts;  // the key, which has its size before it, then the value
+        char* texts;  // the key, then the value; the four bytes before have the key's size
         uint32_t valueSize : 31;
         uint32_t isRoomy : 1;  // the value's capacity is before the key's size
         Section section;
     };
+    static_assert(sizeof(ItemEntry) <= 2 * sizeof(uint64_t));
     static uint32_t numberBefore(const char* place) {
         uint32_t number = 0;
         std::memcpy(&number, place - sizeof number, sizeof number);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
+#include <utility>
 
 namespace mlk::testing {
 
@@ -30,5 +32,20 @@ class Pace {
     Clock::time_point mLast = Clock::now();
     Clock::duration mLongest{0};
 };
+
+/**
+ * What `attempt` returns as an optional, at the first attempt that returns something. Throws after
+ * some attempts on a machine that is too busy for all of them.
+ */
+template <typename Attempt>
+auto onTime(const Attempt& attempt) {
+    constexpr int kAttempts = 10;
+    for (int i = 0; i < kAttempts; ++i) {
+        if (auto result = attempt()) {
+            return *std::move(result);
+        }
+    }
+    throw std::runtime_error("the machine is too busy for this test");
+}
 
 }  // namespace mlk::testing

@@ -2,8 +2,8 @@
 //
 //   service_fake_allocator DIFFERENCE   gives blocks that have that many bytes more than asked for;
 //                                       fewer if negative
-//   service_fake_allocator refusing     gives such blocks as were asked for, and says that it
-//   failed
+//   service_fake_allocator refusing     gives the blocks that were asked for, and says that it has
+//                                       none
 
 #include <android/hidl/allocator/1.0/IAllocator.h>
 #include <cutils/native_handle.h>
@@ -50,9 +50,9 @@ class FakeAllocator : public ::android::hidl::allocator::V1_0::IAllocator {
 
 int main(int argc, char** argv) {
     android::hardware::configureRpcThreadpool(1, true /* callerWillJoin */);
-    const std::string_view argument = argc > 1 ? argv[1] : "0";
+    const char* const argument = argc > 1 ? argv[1] : "0";
     const ::android::sp<FakeAllocator> allocator =
-            new FakeAllocator(std::atoi(argument.data()), argument != "refusing");
+            new FakeAllocator(std::atoi(argument), std::string_view(argument) != "refusing");
     if (allocator->registerAsService(mlk::host::kAshmem) != android::OK) {
         return EXIT_FAILURE;
     }

@@ -33,8 +33,9 @@ constexpr timeval kStay = {0, 10000};
 // How many calls of one client a thread answers in a row when no other thread waits for calls: no
 // client waits for more calls of another one.
 constexpr int kMostInARow = 16;
-// After this many calls of one client in a row the pool stops hearing of each message: one that
-// goes on for long saves more than the two system calls that this costs.
+// After this many calls in a row the connection leaves the pool's epoll instance, which makes each
+// message cheaper. Leaving and coming back costs two more system calls, which pays only for a
+// client that goes on.
 constexpr int kCallsUntilSilence = 16;
 // How long a thread waits for a client to read the next part of a reply before it serves others, as
 // long as no other connection needs the thread.

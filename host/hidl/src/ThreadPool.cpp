@@ -156,12 +156,14 @@ void ThreadPool::serve(uint64_t id, uint32_t events) {
         ALOGE("a connection ends: %s", exception.what());
     }
     if (next != EventSource::Next::DROP) {
+        std::unique_lock<std::mutex> lock(mMutex);
         // Under the lock, so that a source that was removed meanwhile is not armed again.
-        std::lock_guard<std::mutex> lock(mMutex);
         if (mSources.count(id) == 0 || waitAgainLocked(id, source->descriptor(), next)) {
             return;
         }
-        ALOGE("a connection ends: cannot wait on it: %s", strerror(errno));
+        const int error = errno;
+        lock.unlock();
+        ALOGE("a connection ends: cannot wait on it: %s", strerror(error));
     }
     remove(id);
 }

@@ -62,8 +62,9 @@ class ThreadPool {
     void remove(uint64_t id);
 
     /**
-     * For onEvents of a source that stays with its thread for long: the kernel tells the pool of no
-     * event of it until onEvents returns, which makes each message to it cheaper.
+     * Takes the source out of the epoll instance until its onEvents returns: the kernel then does
+     * less for each message to it. Only this onEvents may call it, otherwise the pool never hears
+     * of the source again.
      */
     void silence(const EventSource& source);
 

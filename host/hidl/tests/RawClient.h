@@ -37,7 +37,7 @@ struct RawMessage {
     std::optional<uint32_t> objectCount;
     std::optional<uint32_t> fdCount;
     std::optional<uint64_t> bodySize;
-    /** Whether the body ends where bodySize says. */
+    /** Whether the body is cut, or filled with zeros, to bodySize. */
     bool isCut = false;
 
     /** Adds numbers, and a text with its NUL, to the data. */

@@ -142,15 +142,16 @@ TEST(LogOutput, APipeThatCannotBeOpenedAgainStopsNobodyEither) {
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
 }
 
-// Gives the number of bytes that a reader got of lines from several threads, and of those that were
-// written. Gives nothing if a busy machine kept the reader away for long.
+// Several threads write lines to one reader. Gives the bytes that it got, and those that were
+// written; nothing if a busy machine kept the reader away for long.
 std::optional<std::pair<size_t, size_t>> readAtOnce() {
     Ends ends = pipeEnds();
     constexpr int kThreads = 4;
     ::mlk::testing::Pace pace(LogOutput::kPatience / 2);
     size_t got = 0;
     std::thread reader([&] {
-        std::string piece(1000, '\0');
+        // What is read at once gives the log a second of patience.
+        std::string piece(65536, '\0');
         ssize_t size = 0;
         while ((size = read(ends.read.get(), piece.data(), piece.size())) > 0) {
             got += static_cast<size_t>(size);
@@ -173,11 +174,8 @@ std::optional<std::pair<size_t, size_t>> readAtOnce() {
 }
 
 TEST(LogOutput, AReaderThatReadsGetsEverything) {
-    std::optional<std::pair<size_t, size_t>> sizes;
-    while (!sizes) {
-        sizes = readAtOnce();
-    }
-    EXPECT_EQ(sizes->first, sizes->second);
+    const auto [got, written] = ::mlk::testing::onTime(readAtOnce);
+    EXPECT_EQ(got, written);
 }
 
 // Writes many lines to a reader that pauses briefly, again and again. Gives what it read; nothing
@@ -208,12 +206,9 @@ TEST(LogOutput, AReaderThatRestsGetsEverything) {
     for (int i = 0; i < kLines; ++i) {
         all += line(i);
     }
-    std::optional<std::string> got;
-    while (!got) {
-        got = readWithRests();
-    }
-    EXPECT_EQ(got->size(), all.size() + 4);
-    EXPECT_EQ(got->substr(0, all.size()), all);
+    const std::string got = ::mlk::testing::onTime(readWithRests);
+    EXPECT_EQ(got.size(), all.size() + 4);
+    EXPECT_EQ(got.substr(0, all.size()), all);
 }
 
 // What is read adds to the account, but not beyond its limit.
