@@ -9,13 +9,18 @@
 #include <future>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "Native.h"
 #include "Server.h"
 #include "host/hidl/src/Socket.h"
 #include "host/hidl/src/ThreadPool.h"
+#include "host/testing/AddressLimit.h"
 #include "host/testing/LogCapture.h"
+#include "host/testing/Sanitizers.h"
+#include "host/testing/ThreadState.h"
 #include "host/testing/Threads.h"
 
 namespace mlk::test {
@@ -61,10 +66,39 @@ class Source : public EventSource {
 };
 std::atomic<int> Source::sAlive{0};
 
+// Sources, each of which holds its thread until the end.
+class HeldThreads {
+  public:
+    void add() {
+        mSources.push_back(std::make_shared<Source>([this](Source&) {
+            ++mCount;
+            mEnd.wait();
+            return Next::DROP;
+        }));
+        EXPECT_NE(ThreadPool::instance().add(mSources.back(), true), 0U);
+        mSources.back()->write();
+    }
+    void release() { mRelease.set_value(); }
+    ~HeldThreads() {
+        for (const auto& source : mSources) {
+            EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+        }
+    }
+    int count() const { return mCount; }
+
+  private:
+    std::promise<void> mRelease;
+    const std::shared_future<void> mEnd = mRelease.get_future().share();
+    std::atomic<int> mCount{0};
+    std::vector<std::shared_ptr<Source>> mSources;
+};
+
+constexpr int kThreads = 4;
+
 class ThreadPoolTest : public ::testing::Test {
   protected:
     ThreadPoolTest() {
-        mPool.configure(4, false);
+        mPool.configure(kThreads, false);
         mPool.start();
     }
     ThreadPool& mPool = ThreadPool::instance();
@@ -210,6 +244,49 @@ TEST_F(ThreadPoolTest, SourceThatCannotBeHeardAgainEnds) {
     EXPECT_THAT(log.brief(),
                 ::testing::ElementsAre(
                         "E/a connection ends: cannot wait on it: Operation not permitted"));
+}
+
+TEST_F(ThreadPoolTest, UnannouncedThreadHasNoPlaceInAFullPool) {
+    HeldThreads held;
+    for (int i = 0; i < kThreads; ++i) {
+        held.add();
+    }
+    EXPECT_TRUE(eventually([&] { return held.count() == kThreads; }));
+    std::atomic<pid_t> late{0};
+    std::thread([&] {
+        late = gettid();
+        mPool.join();
+    }).detach();
+    held.add();
+    EXPECT_TRUE(eventually([&] { return late != 0 && testing::stateOf(late) == 'S'; }));
+    EXPECT_EQ(held.count(), kThreads);
+    held.release();
+    EXPECT_TRUE(eventually([&] { return held.count() == kThreads + 1; }));
+}
+
+TEST_F(ThreadPoolTest, ThreadThatCannotBeStartedIsStartedLater) {
+    if (testing::kSanitized) {
+        GTEST_SKIP() << "a sanitizer ends the process when memory runs out";
+    }
+    const testing::LogCapture log;
+    {
+        const testing::AddressLimit tooLittleForAStack(4 << 20);
+        for (int i = 0; i < kThreads; ++i) {
+            auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
+            ASSERT_NE(mPool.add(source, true), 0U);
+            source->write();
+            EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+        }
+    }
+    // None if other tests of this process have started all threads.
+    EXPECT_THAT(log.brief(),
+                ::testing::Each(::testing::StartsWith("E/cannot start an RPC thread, 1 run: ")));
+    HeldThreads held;
+    for (int i = 0; i < kThreads; ++i) {
+        held.add();
+    }
+    EXPECT_TRUE(eventually([&] { return held.count() == kThreads; }));
+    held.release();
 }
 
 TEST_F(ThreadPoolTest, NothingToWaitOn) {
