@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -12,6 +13,7 @@
 #include "Native.h"
 #include "Server.h"
 #include "host/testing/HostSet.h"
+#include "host/testing/TimeLimit.h"
 
 namespace mlk::test {
 namespace {
@@ -143,6 +145,16 @@ TEST_F(DeathTest, CallsUnderWaySaySo) {
     mServer->kill();
     EXPECT_EQ(held.release(), 0U);
     EXPECT_TRUE(mService->ping().isDeadObject());
+}
+
+// A proxy has 32 connections; two of these callers wait for one.
+TEST_F(DeathTest, CallersThatWaitForAConnectionAreToldToo) {
+    const testing::TimeLimit limit([] { abort(); });  // nothing else wakes them
+    HeldCalls held(std::vector<sp<IEverything>>(34, mService));
+    ASSERT_TRUE(held.arrived(4));
+    EXPECT_FALSE(held.moreArrive());
+    mServer->kill();
+    EXPECT_EQ(held.release(), 0U);
 }
 
 TEST_F(DeathTest, NameIsGoneAndComesBackWithANewServer) {
