@@ -244,6 +244,19 @@ TEST(ItemStoreTest, LongTextsComeByTheirLengthFirst) {
     EXPECT_EQ(store.itemsOf("[S]").size(), keys.size());
 }
 
+TEST(ItemStoreTest, SectionThatIsContinuedHasAllItsItems) {
+    ItemStore store;
+    put(store, "[A]", "first", "1");
+    put(store, "[B]", "b", "2");
+    put(store, "[A]", "last", "3");
+    put(store, "[B]", "c", "4");
+    const std::vector<ItemStore::Item> items = store.itemsOf("[A]");
+    ASSERT_EQ(items.size(), 2U);
+    EXPECT_EQ(store.valueOf(items[0]), "3") << "the shorter key comes first";
+    EXPECT_EQ(store.valueOf(items[1]), "1");
+    EXPECT_EQ(written(store), " [A]:last=3\n [A]:first=1\n [B]:b=2\n [B]:c=4\n");
+}
+
 TEST(ItemStoreTest, ItemAddedAfterAWalkIsInTheNext) {
     ItemStore store;
     put(store, "[A]", "b", "1");

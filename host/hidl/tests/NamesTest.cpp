@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/ServiceManagement.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -176,6 +177,19 @@ TEST_F(NamesTest, GoodInstances) {
         EXPECT_TRUE(found->ping().isOk()) << instance;
     }
     EXPECT_THAT(listed(), ::testing::SizeIs(std::size(rows)));
+}
+
+// Each connection needs a descriptor.
+TEST_F(NamesTest, ServiceMayHaveAsManyDescriptorsAsItsUserAllows) {
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = 200;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    const sp<IEverything> service = new Everything;
+    EXPECT_EQ(service->registerAsService("default"), ::android::OK);
+    rlimit now{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &now), 0);
+    EXPECT_EQ(now.rlim_cur, limit.rlim_max);
 }
 
 TEST_F(NamesTest, BadInstances) {
