@@ -183,6 +183,17 @@ TEST_F(CheckTest, SettingsChangeSeverities) {
     EXPECT_THAT(findings(), IsEmpty());
 }
 
+TEST_F(CheckTest, FindingsOfALineStandInTheOrderOfItsColumns) {
+    Finding first;
+    first.rule = "z";
+    first.place = {"f", 1, 2};
+    Finding second;
+    second.rule = "a";
+    second.place = {"f", 1, 9};
+    EXPECT_LT(first, second);
+    EXPECT_FALSE(second < first);
+}
+
 TEST_F(CheckTest, AllowedFindingsStandInTheOrderOfFilesAndLines) {
     for (const char* file : {kModel, "tvconfigs/model/second.ini"}) {
         mDir.write(file, mDir.read(file) +

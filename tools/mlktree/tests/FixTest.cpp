@@ -128,6 +128,33 @@ TEST_F(FixTest, TabsBeforeTheEqualsSignAndIndentsOfCommentsGo) {
               "[PANEL]\n# the panel\nm_pPanelName = a\tb\nWIDTH =\t5\nA B = 1 # x\t= 2\n");
 }
 
+TEST_F(FixTest, WhatLooksSimilarStays) {
+    mDir.write("tvconfigs/s.ini", "  # the models\nModel_1=/tvconfigs/model/a.ini\n");
+    mDir.write("tvconfigs/model/a.ini",
+               "[PANEL]\nnote # width\t= 5\n[LiveTV]\nTvConfig=/tvconfigs/tv/t.config\n");
+    mDir.write("tvconfigs/tv/t.config", "; a = b\n// c = d\n");
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, ALastLineThatIsMendedStaysUnended) {
+    mDir.write("tvconfigs/c.txt", "SWEDEN\nGermany");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "SWEDEN\nGERMANY");
+}
+
+TEST_F(FixTest, AFileThatItsReaderRefusesIsNotTouched) {
+    std::string tooMany;
+    for (int i = 0; i < 70'000; ++i) {
+        tooMany += "a" + std::to_string(i) + " = 1\n";
+    }
+    mDir.write("tvconfigs/tv/t.config", tooMany);
+    EXPECT_EQ(diff(), "");
+}
+
+TEST_F(FixTest, AByteOrderMarkGoesFromAnyLine) {
+    mDir.write("tvconfigs/c.txt", "SWEDEN,SE\n\xEF\xBB\xBFGERMANY,DE\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), "SWEDEN,SE\nGERMANY,DE\n");
+}
+
 TEST_F(FixTest, AMendedTreeHasNothingMoreToMend) {
     mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBF Germany \r\n");
     mDir.write("tvconfigs/tv/t.config", " a = 1 ");
