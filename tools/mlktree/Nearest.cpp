@@ -51,8 +51,7 @@ std::string_view nearest(std::string_view word, const std::vector<std::string_vi
         }
         const size_t distance = distanceOf(word, candidate, limit);
         const size_t inCase = caseDistance(word, candidate);
-        if (distance < longer &&
-            (distance < bestDistance || (distance == bestDistance && inCase < bestCase))) {
+        if (distance < bestDistance || (distance == bestDistance && inCase < bestCase)) {
             best = candidate;
             bestDistance = distance;
             bestCase = inCase;

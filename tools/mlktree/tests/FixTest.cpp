@@ -173,6 +173,14 @@ TEST_F(FixTest, TheDiffIsUnified) {
               "@@ -9,4 +9,4 @@\n H,8\n I,9\n J,0\n-K\r\n+K\n");
 }
 
+TEST_F(FixTest, ChangesThatShareTheirContextAreOneHunk) {
+    mDir.write("tvconfigs/c.txt", "A,1\nGermany\nC,3\nD,4\nE,5\nF,6\nG,7\nSweden\nH,8\n");
+    EXPECT_EQ(diff(),
+              "--- a/tvconfigs/c.txt\n+++ b/tvconfigs/c.txt\n"
+              "@@ -1,9 +1,9 @@\n A,1\n-Germany\n+GERMANY\n C,3\n D,4\n E,5\n F,6\n G,7\n"
+              "-Sweden\n+SWEDEN\n H,8\n");
+}
+
 TEST_F(FixTest, TheDiffShowsAMissingLineEnd) {
     mDir.write("tvconfigs/tv/t.config", "a=1");
     EXPECT_EQ(diff(),

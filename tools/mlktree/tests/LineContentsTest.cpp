@@ -64,6 +64,22 @@ TEST(LineContentsTest, TellsLinesApart) {
     EXPECT_EQ(features->contents(), std::vector<uint32_t>{7});
 }
 
+// Of so many different lines, some have one hash of 32 bits.
+TEST(LineContentsTest, TellsLinesOfOneHashApart) {
+    constexpr size_t kLines = 200000;
+    std::vector<std::string> sections;
+    sections.reserve(kLines);
+    std::vector<ReadLine> lines;
+    for (size_t i = 0; i < kLines; ++i) {
+        sections.push_back("[" + std::to_string(i) + "]");
+        lines.push_back(item("a=1", sections.back()));
+    }
+    const auto file = fileOf(lines);
+    LineContents contents;
+    contents.add(*file);
+    EXPECT_EQ(contents.all().size(), kLines);
+}
+
 TEST(LineContentsTest, LeavesOutXml) {
     ReadLine element = item("", "");
     element.column = 0;

@@ -42,6 +42,8 @@ TEST(PathPatternTest, StandsForPaths) {
     EXPECT_FALSE(fitsPath("tvconfigs/**/b?/*.ini", "tvdata/x/y/b1/a.ini"));
     EXPECT_TRUE(fitsPath("*.ini", "tvconfigs/model/a.ini"));
     EXPECT_FALSE(fitsPath("*.ini", "tvconfigs/model/a.txt"));
+    EXPECT_TRUE(fitsPath("a.ini", "tvconfigs/model/a.ini"));
+    EXPECT_FALSE(fitsPath("tvconfigs*", "tvconfigs/model/a.ini"));
 }
 
 TEST(ValuePatternTest, IsARegularExpression) {

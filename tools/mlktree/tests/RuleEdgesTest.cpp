@@ -17,6 +17,7 @@ namespace {
 using mlk::testing::TempDir;
 
 constexpr const char* kModel = "tvconfigs/model/first.ini";
+constexpr const char* kBoard = "tvconfigs/board/b1.ini";
 constexpr const char* kSystem = "tvconfigs/system/line.ini";
 constexpr const char* kCustomer = "tvconfigs/customer.ini";
 constexpr const char* kPanel = "tvconfigs/audio/panel.ini";
@@ -117,14 +118,14 @@ std::vector<Edge> modelEdges() {
             {"ItemThatHalfHave", "rare-lack", models(2, mode), ""},
             {"ItemThatMostHave", "rare-lack", models(3, mode), "tvconfigs/model/first.ini:0"},
             {"ItemThatEveryBoardHas", "missing-item",
-             all({models(4, mode), appended("tvconfigs/board/b1.ini", mode)}), ""},
+             all({models(4, mode), appended(kBoard, mode)}), ""},
             {"UnlikeABoardInAFewFiles", "unlike-other-models",
              all({models(18), appended(kModel, "\n[EXTRA]\nexGamma = 1\n"),
-                  appended("tvconfigs/board/b1.ini", "[EXTRA]\nexGama = 1\n")}),
+                  appended(kBoard, "[EXTRA]\nexGama = 1\n")}),
              "tvconfigs/board/b1.ini:4"},
             {"UnlikeABoardInManyFiles", "unlike-other-models",
              all({models(19), appended(kModel, "\n[EXTRA]\nexGamma = 1\n"),
-                  appended("tvconfigs/board/b1.ini", "[EXTRA]\nexGama = 1\n")}),
+                  appended(kBoard, "[EXTRA]\nexGama = 1\n")}),
              ""},
     };
 }
@@ -161,6 +162,19 @@ std::vector<Edge> pathEdges() {
              "tvconfigs/tvsysmap/countries.xml:5"},
             {"FileInImpdata", "missing-file", replaced(kModel, song, "/impdata/karaoke/oem.ini"),
              "tvconfigs/model/first.ini:34"},
+            {"AudioNameThatABoardReplaces", "same-audio-name",
+             all({replaced(kModel, "/audio/ic.ini", "/audio/panel.ini"),
+                  appended(kBoard, "[AUDIO]\nAUDIO_CONFIG_IC_PATH = /tvconfigs/audio/ic.ini\n")}),
+             ""},
+            {"AudioNameOfABoard", "same-audio-name",
+             appended(kBoard, "[AUDIO]\nAUDIO_CONFIG_IC_PATH = /tvconfigs/audio/panel.ini\n"),
+             "tvconfigs/board/b1.ini:4(29)"},
+            {"ThreeMissingFilesOfAFolderWithFiles", "missing-file",
+             appended(kModel,
+                      "\n[EDID]\np1 = /tvconfigs/panel/p1.bin\n"
+                      "p2 = /tvconfigs/panel/p2.bin\np3 = /tvconfigs/panel/p3.bin\n"),
+             "tvconfigs/model/first.ini:53 tvconfigs/model/first.ini:54 "
+             "tvconfigs/model/first.ini:55"},
             {"HiddenFile", "unused-file", written("tvconfigs/.editor/state", ""), ""},
             {"HiddenFolder", "unsearched-folder", written("tvconfigs/.editor/state", ""), ""},
             {"ThreeUnusedFilesOfAFolder", "unused-file",
