@@ -2,6 +2,7 @@
 // them, so they do nothing here: not even the call that asks whether somebody does.
 #pragma once
 
+#include <cutils/compiler.h>  // generated code gets CC_UNLIKELY from here
 #include <stdint.h>
 
 /** The tag of interfaces between processes. */
