@@ -73,7 +73,7 @@ TEST(WorkerTest, DoesAGroupUntilAPieceSaysNo) {
     EXPECT_FALSE(anyPending());
 }
 
-// Three pieces of 0.4 s do not exceed a limit of 1 s; a further one that never ends does.
+// Three pieces of 0.7 s do not exceed a limit of 2 s; a further one that never ends does.
 TEST(WorkerTest, GivesEachPieceOfAGroupTheLimit) {
     const auto release = std::make_shared<std::promise<void>>();
     const std::shared_future<void> released = release->get_future();
@@ -144,6 +144,25 @@ TEST(ServicesTest, AnObjectIsLookedForOnce) {
     EXPECT_TRUE(ask());
     EXPECT_TRUE(ask());
     EXPECT_EQ(found, 1);
+}
+
+TEST(ServicesTest, OnlyAnObjectThatDiedIsLookedForAgain) {
+    Script script;
+    int found = 0;
+    Services services([&script, &found](const Interface& interface) {
+        ++found;
+        return finderOf(script)(interface);
+    });
+    const auto askOneThatFails = [&](ExitStatus status) {
+        EXPECT_THROW(services.ask(tvInterface(),
+                                  [status](IBase&) -> bool { throw Failure(status, "no"); }),
+                     Failure);
+        return services.ask(tvInterface(), [](IBase&) { return true; });
+    };
+    EXPECT_TRUE(askOneThatFails(ExitStatus::NO_ANSWER));
+    EXPECT_EQ(found, 1);
+    EXPECT_TRUE(askOneThatFails(ExitStatus::UNREACHABLE));
+    EXPECT_EQ(found, 2);
 }
 
 // A call that never ends loses only its own answer. Calls before it keep theirs; calls after it go
