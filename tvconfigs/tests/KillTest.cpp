@@ -18,6 +18,7 @@
 #include <string>
 
 #include "host/testing/LogCapture.h"
+#include "host/testing/Sanitizers.h"
 #include "host/testing/TempDir.h"
 #include "tvconfigs/FileConfigEditor.h"
 #include "tvconfigs/testing/SlowEditor.h"
@@ -161,7 +162,7 @@ void tell(const char* what, const Changes& changes, const Found& found) {
               << found.damaged << " of them damaged, " << found.empty << " empty\n";
 }
 
-constexpr int kRounds = 100;
+constexpr int kRounds = ::mlk::testing::kSanitized ? 25 : 100;
 // Files of 1 KiB and of 80 KiB. The values "1" and "0" have the same length.
 constexpr Changes kUsual[] = {{28, "true", "false"}, {28, "1", "0"}};
 constexpr Changes kHuge[] = {{2000, "true", "false"}, {2000, "1", "0"}};
