@@ -4,6 +4,7 @@
 
 #include "common/SaveFile.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/Ansi.h"
 #include "tools/mlktree/Command.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Fixes.h"
@@ -29,10 +30,10 @@ std::string coloured(std::string_view diff) {
     while (!diff.empty()) {
         const std::string_view line = diff.substr(0, diff.find('\n'));
         diff.remove_prefix(std::min(line.size() + 1, diff.size()));
-        const char* const colour = beginsWith(line, "+")   ? "\033[32m"
-                                   : beginsWith(line, "-") ? "\033[31m"
+        const char* const colour = beginsWith(line, "+")   ? ansi::kGreen
+                                   : beginsWith(line, "-") ? ansi::kRed
                                                            : "";
-        result += colour + printable(line) + (*colour != '\0' ? "\033[m\n" : "\n");
+        result += colour + printable(line) + (*colour != '\0' ? ansi::kPlain : "") + "\n";
     }
     return result;
 }

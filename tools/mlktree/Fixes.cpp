@@ -141,9 +141,6 @@ std::optional<MendedFile> mendFile(const ProductLine& line, const FileLines& fil
     mended.path = file.path();
     for (size_t i = 0; i < former.size(); ++i) {
         std::string text(former[i]);
-        if (i == 0 && beginsWith(text, kByteOrderMark)) {
-            text.erase(0, kByteOrderMark.size());
-        }
         for (const auto& fix : kFixes) {
             fix(file.format(), text);
         }

@@ -1,5 +1,6 @@
 // Findings for people and for editors: file:line:column: severity: message [rule].
 
+#include "tools/mlktree/Ansi.h"
 #include "tools/mlktree/Formats.h"
 #include "tools/mlktree/ShownLine.h"
 
@@ -7,16 +8,10 @@ namespace mlk::tree {
 
 namespace {
 
-constexpr std::string_view kBold = "\033[1m";
-constexpr std::string_view kRed = "\033[1;31m";
-constexpr std::string_view kYellow = "\033[1;33m";
-constexpr std::string_view kCyan = "\033[1;36m";
-constexpr std::string_view kGreen = "\033[1;32m";
-constexpr std::string_view kDim = "\033[2m";
-constexpr std::string_view kPlain = "\033[0m";
-
 std::string_view colourOf(Severity severity) {
-    return severity == Severity::ERROR ? kRed : severity == Severity::WARNING ? kYellow : kCyan;
+    return severity == Severity::ERROR     ? ansi::kBoldRed
+           : severity == Severity::WARNING ? ansi::kBoldYellow
+                                           : ansi::kBoldCyan;
 }
 
 class Printer {
@@ -25,20 +20,21 @@ class Printer {
 
     void print(const Finding& finding) {
         mSink(head(finding.place, nameOf(finding.severity), colourOf(finding.severity)));
-        mSink(in(kBold, shownText(finding.message)) + in(kDim, " [" + finding.rule + "]") + "\n");
+        mSink(in(ansi::kBold, shownText(finding.message)) +
+              in(ansi::kDim, " [" + finding.rule + "]") + "\n");
         printSource(finding.place);
         for (const Related& related : finding.related) {
-            mSink(head(related.place, "note", kCyan) + shownText(related.message) + "\n");
+            mSink(head(related.place, "note", ansi::kBoldCyan) + shownText(related.message) + "\n");
         }
         const std::string sets = setsInWords(finding);
         if (!sets.empty()) {
-            mSink(in(kDim, "    " + sets) + "\n");
+            mSink(in(ansi::kDim, "    " + sets) + "\n");
         }
     }
 
   private:
     std::string in(std::string_view colour, const std::string& text) const {
-        return mContext.isColoured ? std::string(colour) + text + std::string(kPlain) : text;
+        return mContext.isColoured ? std::string(colour) + text + std::string(ansi::kPlain) : text;
     }
 
     std::string head(const Place& place, std::string_view severity, std::string_view colour) const {
@@ -49,7 +45,7 @@ class Printer {
         if (place.line != 0 && place.column != 0) {
             where += ":" + std::to_string(place.column);
         }
-        return in(kBold, where + ":") + " " + in(colour, std::string(severity) + ":") + " ";
+        return in(ansi::kBold, where + ":") + " " + in(colour, std::string(severity) + ":") + " ";
     }
 
     void printSource(const Place& place) {
@@ -61,8 +57,8 @@ class Printer {
             return;
         }
         const ShownLine shown = shownLine(source, place.column);
-        mSink("    " + shown.text + "\n    " + std::string(shown.caret, ' ') + in(kGreen, "^") +
-              "\n");
+        mSink("    " + shown.text + "\n    " + std::string(shown.caret, ' ') +
+              in(ansi::kBoldGreen, "^") + "\n");
     }
 
     const FormatContext& mContext;

@@ -1,4 +1,5 @@
 #include "tools/mlktree/diff/DiffFormats.h"
+#include "tools/mlktree/Ansi.h"
 
 #include <algorithm>
 
@@ -11,12 +12,6 @@
 namespace mlk::tree {
 
 namespace {
-
-constexpr std::string_view kBold = "\033[1m";
-constexpr std::string_view kRed = "\033[31m";
-constexpr std::string_view kGreen = "\033[32m";
-constexpr std::string_view kDim = "\033[2m";
-constexpr std::string_view kPlain = "\033[0m";
 
 std::string placeOf(const ChangeSide& side) {
     return side.file.empty() ? ""
@@ -39,7 +34,8 @@ class TextPrinter {
         for (const ToldChange& one : told) {
             const ChangeKind& kind = one.change->kind;
             if (last == nullptr || *last != kind) {
-                mSink((last == nullptr ? "" : "\n") + in(kBold, std::string(titleOf(kind))) + "\n");
+                mSink((last == nullptr ? "" : "\n") + in(ansi::kBold, std::string(titleOf(kind))) +
+                      "\n");
             }
             last = &kind;
             print(one, difference.isOfSets);
@@ -49,7 +45,7 @@ class TextPrinter {
 
   private:
     std::string in(std::string_view colour, const std::string& text) const {
-        return mIsColoured ? std::string(colour) + text + std::string(kPlain) : text;
+        return mIsColoured ? std::string(colour) + text + std::string(ansi::kPlain) : text;
     }
 
     void print(const ToldChange& told, bool isOfSets) {
@@ -74,16 +70,16 @@ class TextPrinter {
             }
             const std::string place = shownText(placeOf(*side));
             const std::string gap(2 + width - std::min(text.size(), width), ' ');
-            mSink("    " + in(colour, sign + text) + (place.empty() ? "" : gap + in(kDim, place)) +
-                  "\n");
+            mSink("    " + in(colour, sign + text) +
+                  (place.empty() ? "" : gap + in(ansi::kDim, place)) + "\n");
         };
-        line("- ", kRed, a, change.a);
-        line("+ ", kGreen, b, change.b);
+        line("- ", ansi::kRed, a, change.a);
+        line("+ ", ansi::kGreen, b, change.b);
         for (const std::string& also : told.also) {
             mSink("    " + also + "\n");
         }
         if (!isOfSets && !change.sets.empty()) {
-            mSink(in(kDim, "    in " + inWords(change.sets)) + "\n");
+            mSink(in(ansi::kDim, "    in " + inWords(change.sets)) + "\n");
         }
     }
 

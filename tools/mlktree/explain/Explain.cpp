@@ -1,4 +1,5 @@
 #include "tools/mlktree/explain/Explain.h"
+#include "tools/mlktree/Ansi.h"
 
 #include <algorithm>
 
@@ -11,32 +12,30 @@ namespace mlk::tree {
 namespace {
 
 constexpr size_t kLabelWidth = 15;  // with the blanks around it
-constexpr const char* kBold = "\033[1m";
-constexpr const char* kDim = "\033[2m";
-constexpr const char* kPlain = "\033[0m";
 
 }  // namespace
 
 std::string Page::styled(const char* code, const std::string& text) const {
-    return mIsColoured ? code + text + kPlain : text;
+    return mIsColoured ? code + text + ansi::kPlain : text;
 }
 
 void Page::title(std::string_view text) {
-    mText += (mText.empty() ? "" : "\n") + styled(kBold, shownText(text)) + "\n";
+    mText += (mText.empty() ? "" : "\n") + styled(ansi::kBold, shownText(text)) + "\n";
     mLabel.clear();
 }
 
 void Page::row(std::string_view label, std::string_view text) {
     std::string head = "  " + (label == mLabel ? std::string() : std::string(label));
     head.append(kLabelWidth - std::min(kLabelWidth, head.size()), ' ');
-    mText += styled(kDim, head) + shownText(text) + "\n";
+    mText += styled(ansi::kDim, head) + shownText(text) + "\n";
     mLabel = label;
 }
 
 void Page::source(const std::string& file, size_t line) {
     const std::string_view source = mLine.sources().line(file, line);
     if (source.find_first_not_of(" \t\r\n") != std::string_view::npos) {
-        mText += std::string(kLabelWidth + 4, ' ') + styled(kDim, shownLine(source, 0).text) + "\n";
+        mText += std::string(kLabelWidth + 4, ' ') + styled(ansi::kDim, shownLine(source, 0).text) +
+                 "\n";
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/common/Wrap.h"
+#include "tools/mlktree/Ansi.h"
 #include "tools/mlktree/ShownLine.h"
 #include "tools/mlktree/matrix/MatrixFormats.h"
 
@@ -16,10 +17,6 @@ constexpr size_t kWidestCell = 34;
 constexpr size_t kLeastCell = 8;
 constexpr std::string_view kBreaks = "/_,;";
 constexpr std::string_view kPathBreaks = "/";
-
-constexpr const char* kBold = "\033[1m";
-constexpr const char* kFaint = "\033[2m";
-constexpr const char* kPlain = "\033[0m";
 
 // The characters after which a line may end. Names of files stay whole where they fit.
 std::string_view breaksOf(std::string_view text, size_t width) {
@@ -124,7 +121,7 @@ class MatrixTable {
 
     void printBlock(const Block& block, const MatrixSink& sink) const {
         std::vector<Lines> cells = {{""}};
-        std::vector<const char*> styles(block.widths.size() + 1, kBold);
+        std::vector<const char*> styles(block.widths.size() + 1, ansi::kBold);
         for (size_t i = 0; i < block.widths.size(); ++i) {
             cells.push_back({headOf(block.first + i)});
         }
@@ -138,7 +135,7 @@ class MatrixTable {
                 const std::string text = cellText(cell);
                 cells.push_back(wrapped(text, block.widths[i], breaksOf(text, block.widths[i])));
                 // What differs from the first column stands out.
-                styles.push_back(!cell ? kFaint : cell != usual ? kBold : "");
+                styles.push_back(!cell ? ansi::kDim : cell != usual ? ansi::kBold : "");
             }
             printLines(block, cells, styles, sink);
         }
@@ -160,7 +157,7 @@ class MatrixTable {
                 if (!piece.empty()) {
                     const bool isStyled = mStyle.isColoured && *styles[i] != '\0';
                     text.append(begin - end, ' ');
-                    text += isStyled ? styles[i] + piece + kPlain : piece;
+                    text += isStyled ? styles[i] + piece + ansi::kPlain : piece;
                     end = begin + columnsOf(piece);
                 }
                 begin += (i == 0 ? mLabelWidth : block.widths[i - 1]) + kGap;
@@ -195,7 +192,7 @@ void matrixList(const Matrix& matrix, const MatrixStyle& style, const MatrixSink
     constexpr NameLimits kLimits = {20, 8, 12, 8};
     for (size_t row = 0; row < matrix.rows().size(); ++row) {
         const std::string name = shownText(matrix.rows()[row].name());
-        sink(style.isColoured ? kBold + name + kPlain + "\n" : name + "\n");
+        sink(style.isColoured ? ansi::kBold + name + ansi::kPlain + "\n" : name + "\n");
         const std::vector<MatrixValue> values = matrix.valuesOf(row);
         size_t width = 0;
         for (const MatrixValue& value : values) {

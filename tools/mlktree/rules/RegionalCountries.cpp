@@ -17,7 +17,6 @@ namespace element = vendor::morlak::mlkconfigs::V1_0::implementation::element;
 using vendor::morlak::mlkconfigs::V1_0::implementation::kNoCountry;
 
 constexpr std::string_view kFirstCountry = "ANDORRA";
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 /** A mistake in a name; lines of one file with the same group have the same mistake. */
 struct NameMistake {

@@ -70,6 +70,8 @@ TEST_F(FixTest, CarriageReturnsThatReadersDropStay) {
 TEST_F(FixTest, AByteOrderMarkGoes) {
     mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBFGERMANY,DE\n");
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\n");
+    mDir.write("tvconfigs/s.ini", "\xEF\xBB\xBF# models\nModel_1=/tvconfigs/model/a.ini\n");
+    EXPECT_EQ(mended("tvconfigs/s.ini"), "# models\nModel_1=/tvconfigs/model/a.ini\n");
 }
 
 TEST_F(FixTest, SpacesThatAreNoBlanksGo) {
