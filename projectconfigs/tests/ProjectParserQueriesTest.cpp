@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "host/testing/AddressLimit.h"
 #include "host/testing/LogCapture.h"
 #include "host/testing/ReadHook.h"
+#include "host/testing/Sanitizers.h"
 #include "projectconfigs/FileDelivery.h"
 #include "projectconfigs/ProjectParser.h"
 #include "projectconfigs/tests/ProjectFiles.h"
@@ -217,6 +219,30 @@ TEST_F(ProjectParserQueriesTest, TvFileThatIsEmptyOrMissing) {
     mLog.clear();
     EXPECT_EQ(readFile(""), "");
     EXPECT_THAT(mLog.lines(), IsEmpty());
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileThatIsEmptyNeedsNoMemory) {
+    const std::string path = write("empty", "");
+    const auto noPlace = [](size_t size) -> uint8_t* {
+        ADD_FAILURE() << "a block of " << size << " bytes";
+        return nullptr;
+    };
+    EXPECT_EQ(readForClient(path, noPlace), 0U);
+}
+
+TEST_F(ProjectParserQueriesTest, TvFileForWhichThereIsNoMemoryIsEmpty) {
+    if (mlk::testing::kSanitized) {
+        GTEST_SKIP() << "a sanitizer ends the process when memory runs out";
+    }
+    const std::string path = write("sparse", "x");
+    ASSERT_EQ(truncate(path.c_str(), off_t{200} << 20), 0);
+    std::string text;
+    {
+        const mlk::testing::AddressLimit limit(rlim_t{50} << 20);
+        EXPECT_NO_THROW(text = readFile(path));
+    }
+    EXPECT_EQ(text, "");
+    EXPECT_THAT(errors(), ElementsAre(path + ": cannot be read: no memory for 209715200 bytes"));
 }
 
 TEST_F(ProjectParserQueriesTest, TvFileReadsRegularFilesOnly) {
