@@ -20,12 +20,12 @@ bool ProjectParser::update(const char* customerIniPath, int projectId, const std
         return true;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
+    // All but the highest index, which only grows: a set whose model cannot be read can still learn
+    // of further models.
     const auto sources = [this] {
-        return std::tie(mProjectId, mProjectMaxIdx, mCustomerId, mSysIniPath, mProjectIniPath,
-                        mBoardIniPath);
+        return std::tie(mProjectId, mCustomerId, mSysIniPath, mProjectIniPath, mBoardIniPath);
     };
-    std::tuple<int32_t, uint32_t, std::string, std::string, std::string, std::string> former =
-            sources();
+    std::tuple<int32_t, std::string, std::string, std::string, std::string> former = sources();
     std::swap(mItems, mFormerItems);
     const auto restore = [&] {
         std::swap(mItems, mFormerItems);

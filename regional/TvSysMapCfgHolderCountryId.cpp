@@ -120,10 +120,10 @@ _tv_country TvSysMapCfgHolder::readCountryId(const std::string& path) const {
 
 void TvSysMapCfgHolder::writeFirstCountryId(const std::string& path) {
     // Without a map no file is created, so that a later start with a map saves its first country.
-    const _tv_country first = firstCountry();
-    if (first == kNoCountry) {
+    if (mCountryList.empty()) {
         return;
     }
+    const _tv_country first = mCountryList.front();
     // Not saveFile: a file that is only inaccessible now has the country of this set.
     const Saved saved = createFile(path, lineOf(first));
     complain(path, saved, "parseCountryId", log_line::kIdNotWritten);

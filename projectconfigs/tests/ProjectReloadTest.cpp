@@ -56,10 +56,10 @@ class ProjectReloadTest : public ServiceOnSet {
     std::string setWithPid(int32_t id) {
         return flag(asked(&IMlkProjectConfigs::setProjectIdWithPid, id, "factory", 99));
     }
-    void expectModelA() {
+    void expectModelA(const std::string& highest = "2") {
         EXPECT_EQ(panel(), "panel A");
         EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectId)), "1");
-        EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), "2");
+        EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), highest);
         EXPECT_EQ(text(asked(&IMlkProjectConfigs::getCustomerId)), "42");
         EXPECT_EQ(mSet.dir().read("impdata/project_id.bin"), "PROJECT_ID=1\n");
     }
@@ -124,7 +124,7 @@ TEST_F(ProjectReloadTest, ProjectFileThatCannotBeReadKeepsTheModel) {
     makeUnreadable("model/B.ini");
     EXPECT_EQ(set(2), "false");
     EXPECT_EQ(setWithPid(2), "false");
-    expectModelA();
+    expectModelA("9");
 }
 
 TEST_F(ProjectReloadTest, BoardFileThatCannotBeReadKeepsTheModel) {
@@ -132,6 +132,14 @@ TEST_F(ProjectReloadTest, BoardFileThatCannotBeReadKeepsTheModel) {
     EXPECT_EQ(set(2), "false");
     expectModelA();
     EXPECT_NE(boardName(), "");
+}
+
+TEST_F(ProjectReloadTest, AFurtherModelIsFoundThoughThePresentOneCannotBeRead) {
+    write("tvconfigs/sys.ini", "Model_1=/tvconfigs/model/A.ini\nModel_3=/tvconfigs/model/B.ini\n");
+    makeUnreadable("model/A.ini");
+    EXPECT_EQ(set(3), "true");
+    EXPECT_EQ(panel(), "panel B");
+    EXPECT_EQ(number(asked(&IMlkProjectConfigs::getProjectMaxIdx)), "3");
 }
 
 TEST_F(ProjectReloadTest, MissingProjectFileIsAChangeAllTheSame) {

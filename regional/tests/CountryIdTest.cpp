@@ -319,6 +319,16 @@ TEST_F(CountryIdTest, TheFirstStartSavesTheMapsFirstCountry) {
     EXPECT_THAT(errors(), IsEmpty());
 }
 
+// The first start saves whatever stands first, so that later starts do not choose again.
+TEST_F(CountryIdTest, TheFirstStartAlsoSavesThatTheFirstCountryIsNone) {
+    const std::string xml = writeBoth();
+    writeCountries(country("DEFAULT", "DVB", "/tvconfigs/tv/eu.config") +
+                   country("USA", "ATSC", "/tvconfigs/tv/na.config"));
+    EXPECT_THAT(mHolder.getConfigs(xml, kNoCountry), IsEmpty());
+    EXPECT_EQ(countryId(), "COUNTRY_ID=-1\n");
+    EXPECT_THAT(errors(), ElementsAre("[getConfigs] chkchk mCountryIdx=-1"));
+}
+
 TEST_F(CountryIdTest, LaterStartsReadTheSavedCountry) {
     const std::string xml = writeBoth();
     writeCountryId("COUNTRY_ID=44\n");

@@ -137,21 +137,20 @@ std::string Argument::outsideOf(const Word& word) const {
         return {};
     }
     const ArgumentDescription& argument = *word.argument;
-    const std::string name(argument.name);
     if (word.kind == Word::Kind::TEXT) {
         if (!isText() || !argument.high) {
             return {};
         }
         const auto size = static_cast<int64_t>(toText(word).size());
-        return size <= *argument.high
-                       ? std::string()
-                       : name + " of " + std::to_string(size) + " bytes: " + word.allowed();
+        return size <= *argument.high ? std::string()
+                                      : word.name + " of " + std::to_string(size) +
+                                                " bytes is too long: " + word.allowed();
     }
     const auto number = numberFor(word);
     if (!number || word.kind == Word::Kind::FLAG) {
         return {};
     }
-    const std::string given = name + ' ' + std::to_string(*number) + ": ";
+    const std::string given = word.name + ' ' + std::to_string(*number);
     if (!word.names.rows.empty()) {
         for (const auto& row : word.names.rows) {
             if (row.second == *number) {
@@ -159,15 +158,17 @@ std::string Argument::outsideOf(const Word& word) const {
             }
         }
         if (word.kind == Word::Kind::NUMBER) {
-            return given + "no country has this number";
+            return given + ": no country has this number";
         }
         constexpr size_t kMostNames = 6;
-        return given + (word.names.rows.size() <= kMostNames ? enumeratorsOf(word.names)
-                                                             : "no enumerator has this number");
+        return given + (word.names.rows.size() <= kMostNames
+                                ? " is not " + enumeratorsOf(word.names)
+                                : ": no enumerator has this number");
     }
     const bool isInside = (!argument.low || *number >= *argument.low) &&
                           (!argument.high || *number <= *argument.high);
-    return isInside ? std::string() : given + std::string(argument.range);
+    return isInside ? std::string()
+                    : given + " is out of its range, " + std::string(argument.range);
 }
 
 int64_t Argument::toNumber(const Word& word, int64_t least, int64_t most) const {

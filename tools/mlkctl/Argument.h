@@ -60,8 +60,8 @@ class Argument {
     int64_t toNumber(const Word& word, int64_t least, int64_t most) const;
 
     /**
-     * Why the method does not serve this value, though its type has it: "index 5: 0 or 1". Empty if
-     * the value is in the word's range, or the word has none.
+     * Why the method does not serve this value, though its type has it: "INDEX 5 is out of its
+     * range, 0 or 1". Empty if the value is in the word's range, or the word has none.
      */
     std::string outsideOf(const Word& word) const;
 

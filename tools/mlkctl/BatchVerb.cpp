@@ -39,6 +39,7 @@ Output:
 Exit status:
   0  the input was read to its end, whatever the answers were
   1  the system refuses: standard input cannot be read, or standard output not written
+  2  the command line is wrong
 
 Examples:
   echo '["IMlkProjectConfigs","getConfig","[LiveTV]","TvConfig"]' | mlkctl batch

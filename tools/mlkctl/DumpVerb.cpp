@@ -31,6 +31,7 @@ Output:
 Exit status:
   0  done
   1  the service cannot be reached, died while it wrote, or took too long
+  2  the command line is wrong
   3  the service wrote nothing
 
 Example:

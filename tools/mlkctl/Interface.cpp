@@ -172,7 +172,7 @@ std::string outsideRanges(const Method& method, const std::vector<Argument>& arg
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string outside = arguments[i].outsideOf(method.call.words[i]);
         if (!outside.empty()) {
-            out += (out.empty() ? "" : ", ") + outside;
+            out += (out.empty() ? "" : "; ") + outside;
         }
     }
     return out;

@@ -67,8 +67,8 @@ std::string synopsis(const Method& method);
 std::string limits(const Method& method);
 
 /**
- * What is outside the range that the method serves: "index 5: 0 or 1"; empty if nothing is. The
- * arguments must be bound already.
+ * What is outside the range that the method serves: "INDEX 5 is out of its range, 0 or 1"; empty if
+ * nothing is. The arguments must be bound already.
  */
 std::string outsideRanges(const Method& method, const std::vector<Argument>& arguments);
 

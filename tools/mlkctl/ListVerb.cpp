@@ -18,7 +18,8 @@ Lists every name that is registered: its interface with the package, its instanc
 lives in and how many threads that process has now. Where there is no process id, its column says
 why:
 
-  hangs   the service gives no answer within two seconds
+  hangs   the service gives no answer within one second after the names are known, or two seconds
+          after the beginning
   untold  it answers, but does not tell its process. On a device these are the rows of the runtime
           itself, and services whose runtime tells it on debuggable builds only
   absent  there is a name, but no service is given for it: it has gone, or this user may not have it
@@ -38,6 +39,7 @@ Output:
 Exit status:
   0  done
   1  nothing is registered, or the service manager cannot be reached
+  2  the command line is wrong
 
 Examples:
   mlkctl list

@@ -26,8 +26,9 @@ belong to the set, not to the service, which need not run. On a host they are fi
 $MLK_ROOT/data/property.
 
 Words after list, get or set are taken as they are, -1 and --foo included. A key is letters,
-digits and "_.@:-". A value has at most 91 bytes. A key that begins with "ro." is set once. Many
-switches are read by the service when it starts; a change is seen then.
+digits and "_.@:-"; a "." stands between other characters. A value has at most 91 bytes. A key that
+begins with "ro." is set once. Many switches are read by the service when it starts; a change is
+seen then.
 
 Options:
   --json      list: one JSON object instead of lines
@@ -85,10 +86,23 @@ void refuseOtherFolders() {
     }
 }
 
+void requireKey(const std::string& text) {
+    constexpr const char* kCharacters =
+            "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.@:-";
+    if (text.empty() || text.find_first_not_of(kCharacters) != std::string::npos) {
+        throw usage(excerpt(text) + R"( is no KEY: that is letters, digits and "_.@:-")");
+    }
+    if (text.front() == '.' || text.back() == '.' || text.find("..") != std::string::npos) {
+        throw usage(excerpt(text) +
+                    R"( is no KEY: it has a "." at its beginning or end, or two in a row)");
+    }
+}
+
 void get(const std::vector<std::string>& words, Output& output) {
     if (words.size() != 1) {
         throw usage("prop get takes one argument: KEY");
     }
+    requireKey(words[0]);
     refuseOtherFolders();
     std::array<char, PROPERTY_VALUE_MAX> value{};
     property_get(words[0].c_str(), value.data(), "");
@@ -106,19 +120,11 @@ std::string reason(const std::string& key, int error) {
     return error == 0 ? "the store refuses it" : strerror(error);
 }
 
-bool isKey(const std::string& text) {
-    return !text.empty() && text.find_first_not_of(
-                                    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                    "0123456789_.@:-") == std::string::npos;
-}
-
 void set(const std::vector<std::string>& words) {
     if (words.size() != 2) {
         throw usage("prop set takes two arguments: KEY VALUE");
     }
-    if (!isKey(words[0])) {
-        throw usage(excerpt(words[0]) + R"( is no KEY: that is letters, digits and "_.@:-")");
-    }
+    requireKey(words[0]);
     const std::string& value = words[1];
     if (value.size() >= PROPERTY_VALUE_MAX) {
         throw usage("VALUE has at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +

@@ -1,5 +1,7 @@
 #include "tools/mlkctl/Services.h"
 
+#include <set>
+
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/Registry.h"
@@ -33,9 +35,10 @@ std::string shownSeconds(std::chrono::duration<double> limit) {
     return text;
 }
 
+// A service that had no time at all need not hang.
 Failure tooLate(std::chrono::duration<double> limit) {
-    return {ExitStatus::UNREACHABLE,
-            "the service gave no answer within " + shownSeconds(limit) + " s; it hangs"};
+    return {ExitStatus::UNREACHABLE, "the service gave no answer within " + shownSeconds(limit) +
+                                             " s" + (limit.count() > 0 ? "; it hangs" : "")};
 }
 
 Clock::time_point after(std::chrono::duration<double> limit) {
@@ -94,6 +97,7 @@ void Services::askForNothing(const Interface& interface, std::function<void(IBas
     } catch (const Failure& failure) {
         if (failure.status() == ExitStatus::UNREACHABLE) {
             mObjects.erase(&interface);
+            throw about(interface, failure);
         }
         throw;
     }
@@ -131,11 +135,33 @@ std::string Services::call(const Interface& interface, const Method& method,
     return std::get<std::string>(std::move(result));
 }
 
+void Services::forgetIfDead(const Interface& interface) {
+    const auto kept = mObjects.find(&interface);
+    if (kept == mObjects.end()) {
+        return;
+    }
+    const auto isAlive = std::make_shared<bool>(false);
+    try {
+        within([isAlive, target = kept->second] { *isAlive = target->ping().isOk(); });
+    } catch (const Failure& failure) {
+        mObjects.erase(kept);
+        throw about(interface, failure);
+    }
+    if (!*isAlive) {
+        mObjects.erase(kept);
+    }
+}
+
 void Services::callAll(const std::vector<Request>& requests, const Receiver& receive) {
+    std::set<const Interface*> looked;
     size_t done = 0;
     while (done < requests.size()) {
+        const Interface& interface = *requests[done].interface;
         try {
-            (void)object(*requests[done].interface);
+            if (looked.insert(&interface).second) {
+                forgetIfDead(interface);
+            }
+            (void)object(interface);
         } catch (const Failure& failure) {
             receive(failure);
             ++done;

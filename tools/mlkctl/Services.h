@@ -41,9 +41,9 @@ class Services {
     /**
      * Calls `question` with the object of the interface on another thread, and returns its result.
      * The question must own what it refers to, because it is abandoned if the service hangs. Throws
-     * what the question throws, and Failure UNREACHABLE if there is no object or no answer within
-     * the limit. An object that is dead or hangs is forgotten: the next call finds its successor.
-     * The question is not asked again, because it may have had an effect.
+     * what the question throws, and Failure UNREACHABLE, which names the interface, if there is no
+     * object or no answer within the limit. An object that is dead or hangs is forgotten: the next
+     * call finds its successor. The question is not asked again, because it may have had an effect.
      */
     template <typename Question>
     auto ask(const Interface& interface, Question question) {
@@ -83,6 +83,11 @@ class Services {
     const Finder& finder() const { return mFinder; }
 
   private:
+    /**
+     * An object whose service died while nobody called it: a call would be the first to hear of it,
+     * although it never reached the service. Throws Failure if the service hangs.
+     */
+    void forgetIfDead(const Interface& interface);
     size_t callSome(const std::vector<Request>& requests, size_t first, const Receiver& receive);
     void within(std::function<void()> work);
     ::android::sp<IBase> object(const Interface& interface);

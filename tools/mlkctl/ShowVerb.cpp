@@ -62,6 +62,7 @@ Output:
 Exit status:
   0  shown
   1  an interface of the service cannot be reached; what the others say, if there are any, is shown
+  2  the command line is wrong
 
 Examples:
   mlkctl show
@@ -85,7 +86,7 @@ Answers askAll(Services& services, Unreachable* unreachable) {
             }
         } catch (const Failure& failure) {
             if (failure.status() == ExitStatus::UNREACHABLE) {
-                unreachable->emplace(interface, about(*interface, failure));
+                unreachable->emplace(interface, failure);
             } else {
                 value = NoValue{"(no answer)"};
             }

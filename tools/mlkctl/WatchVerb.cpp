@@ -94,7 +94,7 @@ std::string told(Services& services, const Interface& interface, const Question&
         return services.ask(interface, question);
     } catch (const Failure& failure) {
         if (failure.status() == ExitStatus::UNREACHABLE) {
-            throw about(interface, failure);
+            throw;
         }
         return kNoAnswer;
     }

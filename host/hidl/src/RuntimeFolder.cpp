@@ -58,19 +58,22 @@ const char* advice() {
     return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to a folder of your own" : "";
 }
 
+// Creates a folder for this user alone, whatever the umask takes away; 0 or an errno.
+int makeOwnFolder(const std::string& path) {
+    return mkdir(path.c_str(), 0700) == 0 && chmod(path.c_str(), 0700) == 0 ? 0 : errno;
+}
+
 // Creates the folder and those above it that are missing; 0 or an errno.
 int makeFolder(const std::string& path) {
-    if (mkdir(path.c_str(), 0700) == 0) {
-        return 0;
-    }
-    if (errno != ENOENT) {
-        return errno;
+    const int error = makeOwnFolder(path);
+    if (error != ENOENT) {
+        return error;
     }
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
         (void)mkdir(path.substr(0, slash).c_str(), 0777);
     }
-    return mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+    return makeOwnFolder(path);
 }
 
 // Opens the existing folder; 0 or an errno.

@@ -60,7 +60,9 @@ class FoldersTest : public ::testing::Test {
 
 TEST_F(FoldersTest, IsMadeForItsUserOnly) {
     const mode_t former = umask(0);
-    for (const char* name : {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er/still"}) {
+    for (const char* name :
+         {"/new", "/slash/at/end/", "/two/slashes//", "/deep/er/still", "/umask"}) {
+        umask(name == std::string("/umask") ? 0277 : 0);
         use(mBase + name);
         EXPECT_TRUE(works()) << name;
         EXPECT_EQ(modeOf(mBase + name), 0700U) << name;

@@ -87,7 +87,7 @@ garbage
                     R"({"error":"usage","message":"IMlkTvConfigs setPvrEnabled: ENABLED is true or false, not \"true\""})",
                     R"({"error":"usage","message":"IMlkTvConfigs reloadTvConfig: PATH is a text, not 5"})",
                     R"({"error":"usage","message":"IMlkTvConfigs pvrEnabled: it takes no argument; there is 1"})",
-                    R"({"error":"no-answer","message":"IMlkProjectConfigs getEQPath: no answer; index 2: 0 or 1"})",
+                    R"({"error":"no-answer","message":"IMlkProjectConfigs getEQPath: no answer; INDEX 2 is out of its range, 0 or 1"})",
                     R"({"success":true,"value":true})"));
 }
 

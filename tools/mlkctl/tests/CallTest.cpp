@@ -165,7 +165,7 @@ TEST(CallTest, AnUnansweredCallIsNoAnswer) {
                   "IMlkProjectConfigs getEQPath: no answer; there is none if the index is not 0 or "
                   "1");
     expectFailure({"IMlkProjectConfigs", "getEQPath", "5"}, script, 3,
-                  "IMlkProjectConfigs getEQPath: no answer; index 5: 0 or 1");
+                  "IMlkProjectConfigs getEQPath: no answer; INDEX 5 is out of its range, 0 or 1");
     expectFailure({"IMlkProjectConfigs", "getPowerOnMode"}, script, 3,
                   "IMlkProjectConfigs getPowerOnMode: no answer: Status(EX_ILLEGAL_STATE): 'not "
                   "now'; there "
@@ -184,18 +184,21 @@ TEST(CallTest, AnAnsweredCallOutOfItsRangeIsNoted) {
         return outcome.err;
     };
     EXPECT_EQ(noted({"tv", "setAtvSystem", "1"}), "");
-    EXPECT_EQ(noted({"tv", "setAtvSystem", "2"}), "mlkctl: system 2: 0 or 1\n");
-    EXPECT_EQ(noted({"tv", "setAtvSystem", "-1"}), "mlkctl: system -1: 0 or 1\n");
+    EXPECT_EQ(noted({"tv", "setAtvSystem", "2"}), "mlkctl: SYSTEM 2 is out of its range, 0 or 1\n");
+    EXPECT_EQ(noted({"tv", "setAtvSystem", "-1"}),
+              "mlkctl: SYSTEM -1 is out of its range, 0 or 1\n");
     EXPECT_EQ(noted({"setProjectId", "1"}), "");
-    EXPECT_EQ(noted({"setProjectId", "0"}), "mlkctl: projectId 0: 1 or more\n");
+    EXPECT_EQ(noted({"setProjectId", "0"}),
+              "mlkctl: PROJECT_ID 0 is out of its range, 1 or more\n");
     EXPECT_EQ(noted({"setAvrVendorId", std::string(128, 'x')}), "");
     EXPECT_EQ(noted({"setAvrVendorId", std::string(129, 'x')}),
-              "mlkctl: vendorId of 129 bytes: a text of at most 128 bytes\n");
+              "mlkctl: VENDOR_ID of 129 bytes is too long: a text of at most 128 bytes\n");
     EXPECT_EQ(noted({"setCountryId", "-1"}), "");
-    EXPECT_EQ(noted({"setCountryId", "999"}), "mlkctl: country 999: no country has this number\n");
+    EXPECT_EQ(noted({"setCountryId", "999"}), "mlkctl: COUNTRY 999: no country has this number\n");
     EXPECT_EQ(noted({"getHDMIEdidPath", "4", "7"}),
-              "mlkctl: port 4: 0 to 3, version 7: EDID_1P4, EDID_2P0 or EDID_2P1\n");
-    EXPECT_EQ(noted({"getFlag", "0"}), "mlkctl: type 0: no enumerator has this number\n");
+              "mlkctl: PORT 4 is out of its range, 0 to 3; VERSION 7 is not EDID_1P4, EDID_2P0 or "
+              "EDID_2P1\n");
+    EXPECT_EQ(noted({"getFlag", "0"}), "mlkctl: TYPE 0: no enumerator has this number\n");
 }
 
 TEST(CallTest, AnInterfaceMayBeShortOrLeftOut) {

@@ -258,6 +258,13 @@ TEST_F(EndToEndTest, ABatchOutlivesTheService) {
     startService();
     batch.send("[\"IMlkProjectConfigs\",\"getRegionName\"]\n");
     ASSERT_TRUE(batch.waitForOut("{\"success\":true,\"value\":\"getRegionName\"}\n"));
+    // Without a call on its way, no line needs to hear of the death.
+    mService->kill(SIGKILL);
+    mService->wait();
+    startService();
+    batch.send("[\"IMlkProjectConfigs\",\"getClientType\"]\n");
+    ASSERT_TRUE(batch.waitForOut("getClientType\"}\n"));
+    EXPECT_EQ(batch.out().find("getClientType: "), std::string::npos) << batch.out();
     batch.closeInput();
     EXPECT_EQ(batch.wait(), 0);
 }

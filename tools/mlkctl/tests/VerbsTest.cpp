@@ -338,6 +338,12 @@ TEST(PropTest, SaysWhyAPropertyCannotBeSet) {
         EXPECT_EQ(refused(key, "1"),
                   "2 mlkctl: \"" + std::string(key) +
                           "\" is no KEY: that is letters, digits and \"_.@:-\"\n");
+        EXPECT_EQ(runMlkctl({"prop", "get", key}, script).status, 2) << key;
+    }
+    for (const char* key : {".", ".a", "a.", "a..b"}) {
+        EXPECT_EQ(refused(key, "1"), "2 mlkctl: \"" + std::string(key) +
+                                             "\" is no KEY: it has a \".\" at its beginning or "
+                                             "end, or two in a row\n");
     }
 }
 

@@ -129,6 +129,8 @@ TEST(ServicesTest, WhatHangsIsToldApartFromWhatIsMissing) {
     EXPECT_EQ(call.status, 1);
     EXPECT_EQ(call.err,
               "mlkctl: IMlkTvConfigs: the service gave no answer within 0.2 s; it hangs\n");
+    EXPECT_EQ(runMlkctl({"call", "--timeout", "0", "IMlkTvConfigs", "getAtvSystem"}, services).err,
+              "mlkctl: IMlkTvConfigs: the service gave no answer within 0 s\n");
     release->set_value();
     EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
 }
