@@ -254,29 +254,35 @@ TEST_F(ThreadPoolTest, UnannouncedThreadHasNoPlaceInAFullPool) {
     EXPECT_TRUE(eventually([&] { return held.count() == kThreads + 1; }));
 }
 
+// In a process of its own, whose pool has not all its threads yet.
 TEST_F(ThreadPoolTest, ThreadThatCannotBeStartedIsStartedLater) {
     if (testing::kSanitized) {
         GTEST_SKIP() << "a sanitizer ends the process when memory runs out";
     }
-    const testing::LogCapture log;
-    {
-        const testing::AddressLimit tooLittleForAStack(4 << 20);
-        for (int i = 0; i < kThreads; ++i) {
-            auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
-            ASSERT_NE(mPool.add(source, true), 0U);
-            source->write();
-            EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto startLater = [&] {
+        const testing::LogCapture log;
+        {
+            const testing::AddressLimit tooLittleForAStack(4 << 20);
+            for (int i = 0; i < kThreads; ++i) {
+                auto source = std::make_shared<Source>([](Source&) { return Next::DROP; });
+                EXPECT_NE(mPool.add(source, true), 0U);
+                source->write();
+                EXPECT_TRUE(eventually([&] { return source.use_count() == 1; }));
+            }
         }
-    }
-    // None if other tests of this process have started all threads.
-    EXPECT_THAT(log.brief(),
-                ::testing::Each(::testing::StartsWith("E/cannot start an RPC thread, 1 run: ")));
-    HeldThreads held;
-    for (int i = 0; i < kThreads; ++i) {
-        held.add();
-    }
-    EXPECT_TRUE(eventually([&] { return held.count() == kThreads; }));
-    held.release();
+        EXPECT_THAT(log.brief(),
+                    ::testing::AllOf(::testing::SizeIs(kThreads),
+                                     ::testing::Each(::testing::StartsWith(
+                                             "E/cannot start an RPC thread, 1 run: "))));
+        HeldThreads held;
+        for (int i = 0; i < kThreads; ++i) {
+            held.add();
+        }
+        EXPECT_TRUE(eventually([&] { return held.count() == kThreads; }));
+        _exit(HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(startLater(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ThreadPoolTest, NothingToWaitOn) {
