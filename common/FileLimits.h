@@ -11,7 +11,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
  * much takes only a moment. A larger file is not used at all; the log names the file and the limit.
  */
 
-/** Project id, board id and saved country, each a line of text. */
+/**
+ * Project id, board id and saved country, each a line of text. Of a larger project id the part up
+ * to the limit is used.
+ */
 constexpr size_t kMostIdentityBytes = size_t{64} << 10;
 
 /** Customer, system, project and board files. */
@@ -27,8 +30,9 @@ constexpr size_t kMostFeatureBytes = size_t{1} << 22;
 constexpr size_t kMostFeatures = size_t{1} << 16;
 
 /*
- * Limits of lines and texts: the size of a buffer, which is one byte more than the longest line or
- * text in it. kFileFormats of FileFormat.h has the longest line of each format.
+ * Limits of lines and texts: the size of a buffer, which has one byte more than the longest line or
+ * text in it. The texts of an AVR and the name made of them may fill their buffers.
+ * kFileFormats of FileFormat.h has the longest line of each format.
  */
 
 /** A line of a customer or system file, a list, an auxiliary file, a saved board or country. */

@@ -3,7 +3,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::log_line {
 
 /*
- * The line numbers in messages of the form "[function:line] text". Tools that read the log tell
+ * Line numbers in messages of the form "[function:line] text". Tools that read the log tell these
  * messages apart by function and number, so each number is fixed and does not follow the code.
  */
 

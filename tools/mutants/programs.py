@@ -12,7 +12,7 @@ from dataclasses import dataclass, field
 _SERVICE = "service_test"
 _HIDL = ["host_hidl_test", "host_hidl_ipc_test", "host_hidl_hostile_test", "host_hidl_users_test"]
 
-# The programs of a folder, and of those above it that use it: in that order.
+# The programs of a folder, and those of folders above it that show its bugs soonest: in that order.
 PROGRAMS = {
     "common": (["common_test"],
                ["regional_test", "tvconfigs_test", "projectconfigs_test", "samples_test",

@@ -34,7 +34,7 @@ import programs  # noqa: E402
 from results import Results, listed_files  # noqa: E402
 import table  # noqa: E402
 
-# Seconds: tests that take no longer are quick, and those that take longer are long.
+# Seconds: a test that takes less than QUICK is quick, one that takes LONG or more is long.
 QUICK = 0.25
 LONG = 2.0
 # Seconds that a test has more when it runs alone.
@@ -239,7 +239,7 @@ class Run:
 
 
 def report(bugs, run, seconds):
-    """Prints what docs/reliability.md shows: a line a folder, the missed, those nobody can notice."""
+    """Prints a table with a line for each folder, the bugs not noticed, and those nobody can notice."""
     print("\n| folder | planted | noticed | not noticed | cannot be observed |\n|---|---|---|---|---|")
     rows = [(f"`{folder}`", [bug for bug in bugs if bug.folder == folder])
             for folder in sorted({bug.folder for bug in bugs})]

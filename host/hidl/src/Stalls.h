@@ -17,8 +17,9 @@ class Stall;
  * Bounds what connections keep in this process while they wait for their clients: the bytes of
  * unfinished messages, the bytes of unsent replies and the descriptors of both, over all
  * connections, and the time that each may take. A connection that would exceed a bound is let in if
- * another one keeps at least as much and has made no progress for a second, or keeps more than
- * twice as much: that one is closed instead. So a client that hoards harms only itself.
+ * another one keeps at least as much and has waited for a second, or keeps more than twice as much:
+ * that one is closed instead. So a client that hoards harms only itself. A message waits from its
+ * first byte on, a reply from the last byte that its client read.
  *
  * Stalls closes a connection by shutting its socket down; the pool notices that and frees the rest.
  * Thread-safe.

@@ -29,8 +29,8 @@ class UnsentReply {
     bool empty() const { return mBytes == nullptr; }
     /**
      * Copies the rest of the message, and duplicates its descriptors when they are still to be
-     * sent. False when a bound or the supply of descriptors is exhausted; nothing is kept then.
-     * Must be empty before.
+     * sent. False when a bound, the memory or the supply of descriptors is exhausted; nothing is
+     * kept then. Must be empty before.
      */
     bool keep(const Sending& message);
     /** Sends what fits now. False when the client is gone. */
