@@ -84,31 +84,63 @@ std::optional<Remark> vanishingSymbol(FileFormat /* format */, const ReadLine& r
                           quoted(read.value) + (isSemicolon ? "; separate a list by commas" : "")};
 }
 
+// Where the reader of auxiliary files finds the value in a line: it skips "=" before the key and
+// further ones before the value, and one in the value ends it.
+struct ValuePlace {
+    size_t skipped;  // an "=" that is skipped, or npos
+    size_t begin;
+    size_t end;
+};
+
+ValuePlace placeOfValue(std::string_view line) {
+    constexpr size_t kNone = std::string_view::npos;
+    const size_t key = line.find_first_not_of('=');
+    const size_t equals = line.find('=', key);
+    const size_t begin = line.find_first_not_of('=', equals);
+    const size_t skipped = key > 0 ? 0 : begin > equals + 1 ? equals + 1 : kNone;
+    return {skipped, begin, line.find('=', begin)};
+}
+
 std::optional<Remark> takenFollowers(FileFormat /* format */, const ReadLine& read) {
     if (!hasEquals(read)) {
         return std::nullopt;
     }
-    std::string_view raw = rawValue(read);
-    if (beginsWith(raw, "=")) {
-        return std::nullopt;  // another rule reports the second "="
-    }
-    raw = raw.substr(0, raw.find('='));
+    const ValuePlace place = placeOfValue(read.text);
+    std::string_view raw = read.text.substr(place.begin, place.end - place.begin);
     raw = trimmed(raw.substr(0, raw.find('#')));
+    constexpr std::string_view kSymbols = "\";\r";
     std::string expected(raw);
     expected.erase(std::remove_if(expected.begin(), expected.end(),
-                                  [](char c) { return c == '"' || c == ';'; }),
+                                  [&](char c) { return kSymbols.find(c) != kSymbols.npos; }),
                    expected.end());
     if (trimmed(read.value) == trimmed(expected)) {
         return std::nullopt;
     }
     const std::string_view inner = withoutOuterSymbols(raw);
-    const size_t at = inner.find_first_of("\";");
+    const size_t at = inner.find_first_of(kSymbols);
     const std::string_view symbol =
             at != std::string_view::npos ? inner.substr(at, 1) : raw.substr(0, 1);
+    const char* const name = symbol == ";"    ? "semicolon"
+                             : symbol == "\r" ? "carriage return"
+                                              : "quote";
     return Remark{columnOf(read, symbol),
-                  "a " + std::string(symbol == ";" ? "semicolon" : "quote") +
-                          " removes as many characters as stand before it: " + quoted(read.key) +
-                          " is " + quoted(read.value)};
+                  std::string("a ") + name + " removes as many characters as stand before it: " +
+                          quoted(read.key) + " is " + quoted(read.value)};
+}
+
+// In an auxiliary file.
+std::optional<Remark> equalsBesideAValue(const ReadLine& read) {
+    const ValuePlace place = placeOfValue(read.text);
+    const std::string is = quoted(read.key) + " is " + quoted(read.value);
+    if (place.skipped != std::string_view::npos) {
+        return Remark{columnOf(read, read.text.substr(place.skipped, 1)),
+                      "a further \"=\" is skipped: " + is};
+    }
+    if (place.end < read.text.find('#', place.begin)) {
+        return Remark{columnOf(read, read.text.substr(place.end, 1)),
+                      "a second \"=\" ends the value: " + is};
+    }
+    return std::nullopt;
 }
 
 std::optional<Remark> secondEquals(FileFormat format, const ReadLine& read) {
@@ -123,23 +155,17 @@ std::optional<Remark> secondEquals(FileFormat format, const ReadLine& read) {
                                                       quoted(read.key) + " and the value " +
                                                       quoted(read.value)});
     }
-    const std::string_view raw = rawValue(read);
-    const std::string_view code = raw.substr(0, raw.find('#'));
-    const size_t second = code.find('=');
-    if (format == FileFormat::PROJECT) {
-        // Elsewhere in the value it is a part like others.
-        const bool isAtBeginning = beginsWith(code, "=") || beginsWith(code, ">");
-        return isAtBeginning ? std::optional(Remark{columnOf(read, code.substr(0, 1)),
-                                                    "the first \"=\" counts: " + quoted(read.key) +
-                                                            " is " + quoted(read.value),
-                                                    true})
-                             : std::nullopt;
+    if (format == FileFormat::AUXILIARY) {
+        return equalsBesideAValue(read);
     }
-    return second == std::string_view::npos
-                   ? std::nullopt
-                   : std::optional(Remark{columnOf(read, code.substr(second, 1)),
-                                          "a second \"=\" ends the value: " + quoted(read.key) +
-                                                  " is " + quoted(read.value)});
+    // Elsewhere in the value of a model or board file it is a part like others.
+    const std::string_view raw = rawValue(read);
+    const bool isAtBeginning = beginsWith(raw, "=") || beginsWith(raw, ">");
+    return isAtBeginning ? std::optional(Remark{columnOf(read, raw.substr(0, 1)),
+                                                "the first \"=\" counts: " + quoted(read.key) +
+                                                        " is " + quoted(read.value),
+                                                true})
+                         : std::nullopt;
 }
 
 std::optional<Remark> missingValue(FileFormat /* format */, const ReadLine& read) {
@@ -242,7 +268,8 @@ constexpr Rule kRules[] = {
          "NAME = ab\"cdef      (the value is abef)", "NAME = \"abcdef\"",
          checkLines<takenFollowers, FileFormat::AUXILIARY>},
         {"second-equals", Severity::WARNING, "a second \"=\" stands in a line",
-         "In audio, karaoke, key and DDC/CI files the value ends there; in TV feature files the "
+         "In audio, karaoke, key and DDC/CI files a second one ends the value, and further ones "
+         "before key or value are skipped; in TV feature files the "
          "last \"=\" counts, so that the key is another one. In model and board files a value may "
          "have one, but does not begin with it.",
          "RATIO = 16=9      (the value is 16)", "RATIO = 16:9",
