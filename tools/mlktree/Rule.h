@@ -31,6 +31,9 @@ struct RuleFamily {
     size_t count;
 };
 
+/** The name of the family of rules about comments and tables that allow findings. */
+inline constexpr std::string_view kAllowingFamily = "allowing";
+
 /** All families, in the order of `mlktree rules`. */
 const std::vector<RuleFamily>& ruleFamilies();
 

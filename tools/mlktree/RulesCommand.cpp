@@ -21,14 +21,30 @@ std::string indented(std::string_view text) {
     return out;
 }
 
+// What to write so that one place may break the rule.
+std::string adviceToAllow(const RuleFamily& family, const Rule& rule) {
+    const std::string allow = "mlktree: allow " + std::string(rule.name) + " REASON";
+    const std::string table = "    [[allow]]\n    rule = \"" + std::string(rule.name) +
+                              "\"\n    files = \"FILE\"\n    reason = \"REASON\"\n";
+    if (family.name == kAllowingFamily) {
+        // No comment allows a finding about comments.
+        return "\nTo allow it in one place, write into mlktree.toml:\n\n" + table;
+    }
+    return "\nTo allow it in one place, write a comment above the line:\n\n" +
+           aligned({{"    .ini, TV features", "# " + allow},
+                    {"    channel plans", "// " + allow},
+                    {"    XML", "<!-- " + allow + " -->"}}) +
+           "\nLists, identity files and properties hold no comment; for them, write into\n"
+           "mlktree.toml:\n\n" +
+           table;
+}
+
 std::string pageOf(const RuleFamily& family, const Rule& rule) {
     return std::string(rule.name) + " - " + std::string(rule.summary) + "\n\n" +
            "Severity: " + std::string(nameOf(rule.severity)) +
            "\nFamily:   " + std::string(family.title) + "\n\n" +
            paragraph("", rule.why, 0, kHelpWidth) + "\nBreaks the rule:\n\n" + indented(rule.bad) +
-           "\nDoes not:\n\n" + indented(rule.good) +
-           "\nTo allow it in one place, write above the line:\n\n" + "    # mlktree: allow " +
-           std::string(rule.name) + " REASON\n";
+           "\nDoes not:\n\n" + indented(rule.good) + adviceToAllow(family, rule);
 }
 
 std::string catalogue() {

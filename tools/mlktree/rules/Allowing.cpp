@@ -35,7 +35,7 @@ constexpr Rule kRules[] = {
 }  // namespace
 
 RuleFamily allowing() {
-    return {"allowing", "Comments and tables that allow findings", kRules, std::size(kRules)};
+    return {kAllowingFamily, "Comments and tables that allow findings", kRules, std::size(kRules)};
 }
 
 }  // namespace mlk::tree

@@ -7,6 +7,7 @@
 
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Help.h"
+#include "tools/mlktree/Rule.h"
 #include "tools/mlktree/Tree.h"
 #include "tools/mlktree/tests/Harness.h"
 
@@ -14,6 +15,7 @@ namespace mlk::tree {
 
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -228,6 +230,30 @@ TEST(RulesCommandTest, ListsAndExplains) {
     const std::string all = runMlktree({"rules", "--format", "json"}).out;
     EXPECT_THAT(all, StartsWith("[\n{\"rule\":\""));
     EXPECT_THAT(all, EndsWith("}\n]\n"));
+}
+
+TEST(RulesCommandTest, SaysForEachKindOfFileHowToAllow) {
+    EXPECT_THAT(runMlktree({"rules", "missing-file"}).out,
+                EndsWith("\nTo allow it in one place, write a comment above the line:\n\n"
+                         "    .ini, TV features  # mlktree: allow missing-file REASON\n"
+                         "    channel plans      // mlktree: allow missing-file REASON\n"
+                         "    XML                <!-- mlktree: allow missing-file REASON -->\n\n"
+                         "Lists, identity files and properties hold no comment; for them, write "
+                         "into\nmlktree.toml:\n\n"
+                         "    [[allow]]\n    rule = \"missing-file\"\n    files = \"FILE\"\n"
+                         "    reason = \"REASON\"\n"));
+    // No comment allows a finding about comments.
+    EXPECT_THAT(runMlktree({"rules", "unused-allow"}).out,
+                AllOf(Not(HasSubstr("write a comment")), HasSubstr("[[allow]]\n    rule = \"un")));
+    for (const RuleFamily& family : ruleFamilies()) {
+        for (size_t i = 0; i < family.count; ++i) {
+            const std::string page = runMlktree({"rules", std::string(family.rules[i].name)}).out;
+            std::istringstream lines(page.substr(page.find("\nTo allow it")));
+            for (std::string line; std::getline(lines, line);) {
+                EXPECT_LE(line.size(), kHelpWidth) << line;
+            }
+        }
+    }
 }
 
 TEST(RulesCommandTest, EveryRuleIsExplained) {
