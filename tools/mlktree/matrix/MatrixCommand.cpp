@@ -39,10 +39,13 @@ size_t widthFor(const Arguments& arguments, const Environment& environment) {
     return isKnown && size.ws_col >= kLeastWidth ? size.ws_col : kUsualWidth;
 }
 
+bool isWild(const std::string& word) {
+    return word.find_first_of("[]*?") != std::string::npos;
+}
+
 // The first word is the tree if it can be one, and then the patterns follow.
 std::string treeOf(std::vector<std::string>& words, const Arguments& arguments) {
-    const bool hasTree = !words.empty() && !arguments.has("--tree") &&
-                         words.front().find_first_of("[]*?") == std::string::npos &&
+    const bool hasTree = !words.empty() && !arguments.has("--tree") && !isWild(words.front()) &&
                          looksLikeTree(words.front());
     if (!hasTree) {
         return "";
@@ -50,6 +53,13 @@ std::string treeOf(std::vector<std::string>& words, const Arguments& arguments) 
     std::string tree = words.front();
     words.erase(words.begin());
     return tree;
+}
+
+// "; TREE comes first" for a message about a pattern that is a folder with tvconfigs/ or a path.
+std::string treeHint(const std::string& pattern, const Arguments& arguments) {
+    return !arguments.has("--tree") && !isWild(pattern) && looksLikeTree(pattern)
+                   ? "; if " + excerpt(pattern) + " is the tree, it comes first"
+                   : "";
 }
 
 // Somebody may have meant the first word as the tree, so a message on the tree says what it is.
@@ -64,6 +74,12 @@ std::unique_ptr<const OpenTree> opened(const Arguments& arguments, const std::st
         if (!isDefault || !beginsWith(error.what(), "no partition tree")) {
             throw;
         }
+        for (const std::string& pattern : patterns) {
+            const std::string hint = treeHint(pattern, arguments);
+            if (!hint.empty()) {
+                throw UsageError(error.what() + hint);
+            }
+        }
         throw UsageError(std::string(error.what()) + "; " + excerpt(patterns.front()) +
                          " is no such folder and counts as a PATTERN");
     }
@@ -75,7 +91,8 @@ std::string bare(std::string_view section) {
 }
 
 // Throws if a pattern fits no row.
-void requireRows(const LineAnswers& line, const std::vector<std::string>& patterns) {
+void requireRows(const LineAnswers& line, const std::vector<std::string>& patterns,
+                 const Arguments& arguments) {
     const std::vector<MatrixRow> rows = rowsOf(line);
     for (const std::string& pattern : patterns) {
         const bool fits = std::any_of(rows.begin(), rows.end(), [&pattern](const MatrixRow& row) {
@@ -83,6 +100,10 @@ void requireRows(const LineAnswers& line, const std::vector<std::string>& patter
         });
         if (fits) {
             continue;
+        }
+        const std::string hint = treeHint(pattern, arguments);
+        if (!hint.empty()) {
+            throw NotFound("no item, feature or plan fits " + excerpt(pattern) + hint);
         }
         std::vector<std::string> names;
         for (const MatrixRow& row : rows) {
@@ -133,7 +154,7 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     const size_t width = widthFor(arguments, environment);
     const auto open = opened(arguments, tree, words, environment);
     const auto answers = answersOf(open->line());
-    requireRows(*answers, words);
+    requireRows(*answers, words, arguments);
     const Matrix matrix(*answers, {words, arguments.has("--all")});
     const std::string path = arguments.value("--output", "-");
     MatrixStyle style;

@@ -56,11 +56,39 @@ struct PlanRequest {
     std::string name() const { return isCable() ? kind + " " + cable : kind; }
 };
 
+constexpr const char* kForm = "plan takes [TREE] COUNTRY KIND [CABLE]";
+
+// A tree that stands after COUNTRY; empty if there is none.
+std::string misplacedTree(const std::vector<std::string>& words) {
+    if (words.empty() || (looksLikeTree(words[0]) && !countryOf(words[0]))) {
+        return "";
+    }
+    for (size_t i = 1; i < words.size(); ++i) {
+        // A folder may have the name of a country or a kind.
+        const bool isName = countryOf(words[i]) || isOneOf(namesOfAll<FreqTableType>(), words[i]) ||
+                            isOneOf(namesOfAll<AtscCableType>(), words[i]);
+        if (!isName && looksLikeTree(words[i])) {
+            return words[i];
+        }
+    }
+    return "";
+}
+
+// What is missing if there are fewer than two words besides a tree.
+std::string missingWord(const std::string& word, const std::vector<std::string>& kinds) {
+    return isOneOf(kinds, word) ? "; COUNTRY is missing before " + excerpt(word)
+                                : "; KIND is missing after " + excerpt(word);
+}
+
 // A tree comes before COUNTRY KIND [CABLE]. The third word is a kind only if the first is a tree.
 PlanRequest requestOf(std::vector<std::string> words, bool isTreeNamed) {
-    constexpr const char* kForm = "plan takes [TREE] COUNTRY KIND [CABLE]";
+    const std::string form = kForm;
     const std::vector<std::string> kinds = namesOfAll<FreqTableType>();
     PlanRequest request;
+    const std::string misplaced = isTreeNamed ? "" : misplacedTree(words);
+    if (!misplaced.empty()) {
+        throw UsageError(form + "; the tree " + excerpt(misplaced) + " comes first");
+    }
     const bool hasTree =
             !isTreeNamed && words.size() > 2 &&
             (words.size() == 4 ||
@@ -70,11 +98,13 @@ PlanRequest requestOf(std::vector<std::string> words, bool isTreeNamed) {
         words.erase(words.begin());
     }
     if (words.size() < 2 || words.size() > 3) {
-        throw UsageError(std::string(kForm) +
-                         (words.size() > 3 ? "; " + excerpt(words[3]) + " is too much" : ""));
+        throw UsageError(form + (words.size() > 3 ? "; " + excerpt(words[3]) + " is too much"
+                                 : words.size() == 1 && countryOf(words[0])
+                                         ? missingWord(words[0], kinds)
+                                         : ""));
     }
     if (words.size() == 2 && !isTreeNamed && looksLikeTree(words[0]) && !countryOf(words[0])) {
-        throw UsageError(std::string(kForm) + "; a word is missing after " + excerpt(words[0]));
+        throw UsageError(form + missingWord(words[1], kinds));
     }
     request.country = words[0];
     request.kind = words[1];
@@ -153,6 +183,9 @@ PlanView planFor(const SetModel& set, const PlanRequest& request, _tv_country co
 
 ExitStatus run(const Arguments& arguments, Environment& environment) {
     const PlanRequest request = requestOf(arguments.words(), arguments.has("--tree"));
+    if (arguments.has("--svg") && arguments.has("--format")) {
+        throw UsageError("--svg draws a picture, --format prints a table; leave one of them out");
+    }
     const _tv_country country = countryNamed(request.country);
     const OpenTree open(arguments, request.tree, environment, selectionOfSet(arguments));
     const SetModel set(open.line(), onlySetOf(open.line()));
@@ -212,7 +245,8 @@ Command planCommand() {
             {"Options",
              {formatOption({"text", "json"}),
               {"--svg", 0, "FILE",
-               "draw the plan into this file instead; \"-\" for standard output",
+               "draw the plan into this file instead; \"-\" for standard output. Not with "
+               "--format",
                Completion::FILE}}},
             treeOptions(),
             setOptions(),

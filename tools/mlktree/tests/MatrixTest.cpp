@@ -24,6 +24,7 @@ using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::SizeIs;
@@ -337,6 +338,15 @@ TEST_F(MatrixTest, TakesATreeInFront) {
                                            "PATTERN\n")));
     EXPECT_THAT(runMlktree({"matrix", "PANEL", "--tree", mDir.path("tvdata")}).err,
                 Not(HasSubstr("PATTERN")));
+    // The tree in the wrong place, from a tree and from another folder.
+    const std::string hint = "; if \"" + mDir.path() + "\" is the tree, it comes first\n";
+    const std::vector<std::string> words = {"matrix", "PANEL", mDir.path()};
+    EXPECT_EQ(runMlktree(words, mDir.path()).err,
+              "mlktree: no item, feature or plan fits \"" + mDir.path() + "\"" + hint);
+    EXPECT_THAT(runMlktree(words, other).err,
+                AllOf(HasSubstr("no partition tree: "), EndsWith(hint)));
+    EXPECT_THAT(runMlktree({"matrix", "PANEL", "x/y", "--tree", mDir.path()}).err,
+                EndsWith(" fits \"x/y\"\n"));
 }
 
 // Customers and a set without country or model.
