@@ -3,12 +3,12 @@
 #include <ostream>
 
 #include "common/SaveFile.h"
-#include "tools/common/Text.h"
 #include "tools/mlktree/Ansi.h"
 #include "tools/mlktree/Command.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Fixes.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/ShownLine.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -24,16 +24,17 @@ void write(const Tree& tree, const MendedFile& file) {
     }
 }
 
-// The changed lines of a diff in colours.
-std::string coloured(std::string_view diff) {
+// A diff for a person: what no terminal shows, such as a carriage return, is escaped.
+std::string shown(std::string_view diff, bool isColour) {
     std::string result;
     while (!diff.empty()) {
         const std::string_view line = diff.substr(0, diff.find('\n'));
         diff.remove_prefix(std::min(line.size() + 1, diff.size()));
-        const char* const colour = beginsWith(line, "+")   ? ansi::kGreen
+        const char* const colour = !isColour               ? ""
+                                   : beginsWith(line, "+") ? ansi::kGreen
                                    : beginsWith(line, "-") ? ansi::kRed
                                                            : "";
-        result += colour + printable(line) + (*colour != '\0' ? ansi::kPlain : "") + "\n";
+        result += colour + shownText(line) + (*colour != '\0' ? ansi::kPlain : "") + "\n";
     }
     return result;
 }
@@ -47,11 +48,9 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     const std::vector<MendedFile> files = mend(tree.line());
     for (const MendedFile& file : files) {
         const std::string diff = diffOf(file, tree.line().sources().lines(file.path));
-        if (isColour) {
-            environment.output.write(coloured(diff));
-        } else {
-            environment.output.bytes(diff);
-        }
+        // Somebody may apply what goes to a file or a program: it has the bytes.
+        environment.output.write(isColour || environment.output.isTerminal() ? shown(diff, isColour)
+                                                                             : diff);
         lines += file.lines.size() + (file.endsLastLine ? 1 : 0);
     }
     environment.output.flush();
@@ -78,11 +77,16 @@ Command fixCommand() {
     command.words = {"[TREE]"};
     command.summary = "mends what has only one right answer";
     command.description =
-            "Shows as a unified diff what can be mended without a question: byte order marks, "
-            "carriage returns that become part of a text, blanks in the entries of lists and "
-            "around the \"=\" of TV features, tabs before \"=\", indented comments, countries in "
-            "the wrong case, and the missing line end of a TV feature file. Nothing is written "
-            "without --write.";
+            "Shows as a unified diff what can be mended without a question, of what check finds: "
+            "byte order marks, carriage returns that become part of a text, spaces that are no "
+            "blanks, characters that nobody sees, blanks in the entries of lists and around the "
+            "\"=\" of TV features, tabs before \"=\", indented comments, countries in the wrong "
+            "case "
+            "or with a blank or \"-\" in place of \"_\", the missing line end of a TV feature "
+            "file, "
+            "and the line end of a property, which is part of its value. Nothing is written "
+            "without "
+            "--write.";
     command.groups = {
             {"Options",
              {{"--write", 0, "", "write the mended files, each in place"}, colorOption()}},

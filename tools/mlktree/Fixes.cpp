@@ -28,13 +28,6 @@ bool hasItems(FileFormat format) {
 
 // Each of these gives a line its right form, if that is known; the line is without its line feed.
 
-void dropCarriageReturn(FileFormat format, std::string& line) {
-    const bool stays = isList(format) || format == FileFormat::SYSTEM;
-    if (stays && !line.empty() && line.back() == '\r') {
-        line.pop_back();
-    }
-}
-
 void dropBlanksOfEntry(FileFormat format, std::string& line) {
     if (!isList(format) || trimmed(line).empty()) {
         return;
@@ -64,9 +57,9 @@ void capitalizeCountry(FileFormat format, std::string& line) {
 }
 
 void outdentComment(FileFormat format, std::string& line) {
-    const std::string_view start = trimmed(line);
-    if (hasItems(format) && beginsWith(start, "#")) {
-        line.erase(0, line.find('#'));
+    const size_t start = std::min(line.find_first_not_of(" \t"), line.size());
+    if (hasItems(format) && beginsWith(std::string_view(line).substr(start), "#")) {
+        line.erase(0, start);
     }
 }
 
@@ -126,8 +119,7 @@ void plainSpaces(FileFormat format, std::string& line) {
 }
 
 constexpr void (*kFixes[])(FileFormat, std::string&) = {
-        plainSpaces,    dropCarriageReturn, dropBlanksOfEntry,   capitalizeCountry,
-        outdentComment, dropTabsOfKey,      dropBlanksOfFeature,
+        dropBlanksOfEntry, capitalizeCountry, outdentComment, dropTabsOfKey, dropBlanksOfFeature,
 };
 
 bool isLineFormat(FileFormat format) {
@@ -135,12 +127,44 @@ bool isLineFormat(FileFormat format) {
            format == FileFormat::SYSTEM || format == FileFormat::CHANNEL_PLAN;
 }
 
+// Whether a carriage return at the end of a line becomes part of a name or of the models' list.
+// Then all lines of the file end without one: an editor adds them to all.
+bool keepsCarriageReturns(const FileLines& file) {
+    const bool isOfModels = file.format() == FileFormat::SYSTEM;
+    return (isOfModels || isList(file.format())) &&
+           std::any_of(file.lines().begin(), file.lines().end(), [&](const ReadLine& read) {
+               const std::string_view kept = isOfModels ? read.text : read.key;
+               return read.use == LineUse::ITEM && !kept.empty() && kept.back() == '\r';
+           });
+}
+
+// By line number: whether the service uses the line, so that its characters matter.
+std::vector<bool> usedLines(const FileLines& file, size_t count) {
+    std::vector<bool> used(count + 1);
+    for (const ReadLine& read : file.lines()) {
+        // A byte order mark makes a remark of the first line something else.
+        const bool isMarked = read.number == 1 && beginsWith(read.text, kByteOrderMark);
+        if (read.number <= count && (read.use != LineUse::NOTHING || isMarked)) {
+            used[read.number] = true;
+        }
+    }
+    return used;
+}
+
 std::optional<MendedFile> mendFile(const ProductLine& line, const FileLines& file) {
     const std::vector<std::string_view>& former = line.sources().lines(file.path());
+    const std::vector<bool> isUsed = usedLines(file, former.size());
+    const bool dropsCarriageReturns = keepsCarriageReturns(file);
     MendedFile mended;
     mended.path = file.path();
     for (size_t i = 0; i < former.size(); ++i) {
         std::string text(former[i]);
+        if (isUsed[i + 1]) {
+            plainSpaces(file.format(), text);
+        }
+        if (dropsCarriageReturns && !text.empty() && text.back() == '\r') {
+            text.pop_back();
+        }
         for (const auto& fix : kFixes) {
             fix(file.format(), text);
         }

@@ -25,10 +25,11 @@ struct MendedFile {
 };
 
 /**
- * Finds what has only one right answer: byte order marks, carriage returns that stay, blanks in
- * entries of lists and around the "=" of TV features, tabs before "=", spaces that are no blanks,
- * characters that nobody sees, indented comments, countries in the wrong case, the line feed that
- * the last line of a TV feature file lacks, and the one that ends the value of a property.
+ * Finds what has only one right answer, of what `mlktree check` finds: byte order marks, carriage
+ * returns that stay, blanks in entries of lists and around the "=" of TV features, tabs before "=",
+ * spaces that are no blanks, characters that nobody sees, indented comments, countries in the wrong
+ * case or with a blank or "-" in place of "_", the line feed that the last line of a TV feature
+ * file lacks, and the one that ends the value of a property.
  *
  * @return the files with something to mend, in the order of their paths
  */

@@ -39,14 +39,21 @@ std::optional<Remark> nulByte(FileFormat format, const ReadLine& read) {
 }
 
 void checkByteOrderMarks(const ProductLine& line, Reporter& reporter) {
+    const std::vector<bool> marked =
+            contentsThat(line, [](FileFormat /* format */, const ReadLine& read) {
+                return beginsWith(read.text, kByteOrderMark);
+            });
     for (const auto& [path, file] : line.files()) {
-        const bool hasMark = !file->contents().empty() && file->lines().front().number == 1 &&
-                             beginsWith(file->lines().front().text, kByteOrderMark);
-        if (hasMark) {
-            reporter.reportSpoilt(
-                    placeOf(line, *file, file->lines().front()), {1, 1},
-                    "a byte order mark: the service takes its three bytes for the beginning of "
-                    "the first line; save the file as UTF-8 without it");
+        for (const ReadLine* const read : linesThat(*file, marked)) {
+            // Further down, where somebody has joined two files, it harms what the service uses.
+            if (read->number == 1 || read->use != LineUse::NOTHING) {
+                reporter.reportSpoilt(
+                        placeOf(line, *file, *read), {read->number, read->number},
+                        "a byte order mark: the service takes its three bytes for the beginning "
+                        "of the " +
+                                std::string(read->number == 1 ? "first " : "") +
+                                "line; save the file as UTF-8 without it");
+            }
         }
     }
 }

@@ -1,9 +1,17 @@
-#include <gtest/gtest.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include "host/testing/TempDir.h"
+#include "tools/mlktree/CommandLine.h"
+#include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"
+#include "tools/mlktree/tests/Harness.h"
 
 namespace mlk::tree {
 
@@ -35,6 +43,17 @@ class FixTest : public ::testing::Test {
         }
         return "nothing to mend";
     }
+    // Whether check finds something in the last line of the file.
+    bool isFoundAtEnd(const std::string& path) const {
+        const Tree tree(mDir.path(), {});
+        const Settings settings;
+        const TreeProperties properties(mDir.path("data/property"), {});
+        const ProductLine line(tree, settings, properties, {});
+        const std::vector<Finding> found = examine(line, true).findings;
+        return std::any_of(found.begin(), found.end(), [&](const Finding& each) {
+            return each.place.file == path && each.place.line == line.sources().lines(path).size();
+        });
+    }
     void SetUp() override {
         mDir.write("tvconfigs/customer.ini", "CUSTOMER_ID=1\nSYS_INI=/tvconfigs/s.ini\n");
         mDir.write("tvconfigs/s.ini", "Model_1=/tvconfigs/model/a.ini\n");
@@ -59,6 +78,48 @@ TEST_F(FixTest, CarriageReturnsGoWhereTheyStay) {
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY\nSWEDEN,SE\n");
     EXPECT_EQ(mended("tvconfigs/l.txt"), "German\n");
     EXPECT_EQ(mended("tvconfigs/s.ini"), "Model_1=/tvconfigs/model/a.ini\n");
+}
+
+TEST_F(FixTest, CarriageReturnsAfterACommaStay) {
+    mDir.write("tvconfigs/c.txt", "GERMANY,DE\r\nSWEDEN,SE\r\n");
+    mDir.write("tvconfigs/l.txt", "German,deu\r\n");
+    EXPECT_EQ(diff(), "");
+}
+
+// Each line, at the end of its file, is mended if and only if check finds something there.
+TEST_F(FixTest, MendsWhatCheckFinds) {
+    struct Case {
+        const char* file;
+        const char* line;
+        bool isFound;
+    };
+    const Case cases[] = {
+            {"tvconfigs/c.txt", "SWEDEN\r", true},
+            {"tvconfigs/c.txt", "SWEDEN,SE\r", false},
+            {"tvconfigs/c.txt", "\xEF\xBB\xBFSWEDEN,SE", true},
+            {"tvconfigs/c.txt", "SWEDEN\xC2\xA0,SE", true},
+            {"tvconfigs/c.txt", "SWEDEN,\xC2\xA0SE", false},
+            {"tvconfigs/c.txt", "united-kingdom", true},
+            {"tvconfigs/l.txt", "Swedish\r", true},
+            {"tvconfigs/l.txt", "Swedish,swe\r", false},
+            {"tvconfigs/s.ini", "Model_2=/tvconfigs/model/a.ini\r", true},
+            {"tvconfigs/s.ini", "# the models\r", false},
+            {"tvconfigs/s.ini", "\xC2\xA0", false},
+            {"tvconfigs/customer.ini", "\xEF\xBB\xBF# a note", false},
+            {"tvconfigs/customer.ini", "a note\xE2\x80\x8B", false},
+            {"tvconfigs/model/a.ini", "KEY\t= 1", true},
+            {"tvconfigs/model/a.ini", "  # a note", true},
+            {"tvconfigs/model/a.ini", "\r# a note", false},
+            {"tvconfigs/model/a.ini", "KEY\xC2\xA0= 1", true},
+            {"tvconfigs/tv/t.config", "persist.vendor.mlk.tv.enable_av = true", true},
+    };
+    for (const auto& [file, line, isFound] : cases) {
+        const std::string sound = mDir.read(file);
+        mDir.write(file, sound + line + "\n");
+        EXPECT_EQ(!diff().empty(), isFound) << diff();
+        EXPECT_EQ(isFoundAtEnd(file), isFound) << file << ": " << line;
+        mDir.write(file, sound);
+    }
 }
 
 TEST_F(FixTest, CarriageReturnsThatReadersDropStay) {
@@ -188,6 +249,36 @@ TEST_F(FixTest, TheDiffShowsAMissingLineEnd) {
     EXPECT_EQ(diff(),
               "--- a/tvconfigs/tv/t.config\n+++ b/tvconfigs/tv/t.config\n@@ -1,1 +1,1 @@\n"
               "-a=1\n\\ No newline at end of file\n+a=1\n");
+}
+
+// What a terminal gets.
+std::string onTerminal(const std::vector<std::string>& words) {
+    const int reader = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_EQ(grantpt(reader), 0);
+    EXPECT_EQ(unlockpt(reader), 0);
+    const int writer = open(ptsname(reader), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::ostringstream errors;
+    Output output(writer);
+    Environment environment{output, errors, false, "", false};
+    EXPECT_EQ(runCommandLine(words, environment), ExitStatus::FOUND) << errors.str();
+    std::string text(3500, '\0');  // a terminal holds at least this much until it is read
+    const ssize_t got = ::read(reader, text.data(), text.size());
+    text.resize(got > 0 ? static_cast<size_t>(got) : 0);
+    close(writer);
+    close(reader);
+    return text;
+}
+
+TEST_F(FixTest, ATerminalShowsWhatIsMended) {
+    using ::testing::HasSubstr;
+    mDir.write("tvconfigs/c.txt", "SWEDEN\r\n\xEF\xBB\xBFGERMANY,DE\n");
+    EXPECT_THAT(onTerminal({"fix", mDir.path(), "--color", "never"}),
+                HasSubstr("\r\n-SWEDEN\\r\r\n+SWEDEN\r\n-\\ufeffGERMANY,DE\r\n+GERMANY,DE\r\n"));
+    EXPECT_THAT(runMlktree({"fix", mDir.path(), "--color", "always"}).out,
+                HasSubstr("\033[31m-SWEDEN\\r\033[0m\n"));
+    EXPECT_THAT(runMlktree({"fix", mDir.path()}).out,
+                HasSubstr("\n-SWEDEN\r\n+SWEDEN\n-\xEF\xBB\xBFGERMANY,DE\n+GERMANY,DE\n"))
+            << "a program gets the bytes";
 }
 
 }  // namespace

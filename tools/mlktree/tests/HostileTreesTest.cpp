@@ -163,7 +163,7 @@ TEST_F(HostileTreesTest, ManyCommentsThatNameNoRule) {
 }
 
 TEST_F(HostileTreesTest, ManyLinesToMend) {
-    mDir.write("tvconfigs/country/country.txt", manyLines("GERMANY,", "\r"));
+    mDir.write("tvconfigs/country/country.txt", manyLines("GERMANY", "\r"));
     const Outcome outcome = runMlktree({"fix", mDir.path()});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find(std::to_string(kMany) + " lines"), std::string::npos) << outcome.err;
