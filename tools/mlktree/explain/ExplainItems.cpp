@@ -7,7 +7,9 @@
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/explain/Explain.h"
+#include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
@@ -87,10 +89,10 @@ void printItem(Page& page, const SetModel& set, const SetItem& item) {
                                      reasonOf(set, older, item.history[i + 1]));
     }
     const product::KnownItem* const known = product::findKnownItem({item.section, item.key});
-    page.row("read by", known != nullptr ? joined(readersOf(item))
-                                         : std::string("clients, by ") + kAnyReader +
-                                                   " and a method for "
-                                                   "all items of a section, getConfigsByCategory");
+    page.row("read by", known != nullptr
+                                ? joined(readersOf(item))
+                                : std::string("no getter of its own; clients may ask ") +
+                                          kAnyReader + ", or getConfigsByCategory for the section");
     if (known != nullptr && *known->note != '\0') {
         page.row("note", known->note);
     }
@@ -132,6 +134,43 @@ std::string setText(const SetModel& set) {
     return name.empty() ? "this set" : "the set " + name;
 }
 
+// "; tvconfigs/model/a.ini:3 has m_pPanelNam, which is probably misspelt", or an empty text.
+std::string misspelt(std::string_view name, const FileLines& file, size_t line) {
+    return "; " + placeText(file.path(), line) + " has " + std::string(name) +
+           ", which is probably misspelt";
+}
+
+bool isKnownKey(const SetModel& set, std::string_view section, std::string_view key) {
+    return product::findKnownItem({section, key}) != nullptr ||
+           set.line().settings().find(section, key) != nullptr;
+}
+
+bool isKnownSection(std::string_view section) {
+    const std::vector<std::string_view>& known = knownSections();
+    return std::find(known.begin(), known.end(), section) != known.end();
+}
+
+// Why there is no such section.
+NotFound missingSection(const SetModel& set, const std::string& section,
+                        std::vector<std::string_view> sections) {
+    const std::string what = "there is no section " + section + " in " + setText(set);
+    if (!isKnownSection(section)) {
+        return NotFound(what + suggestionOf(section, sections));
+    }
+    // The name is right, so that of the set is wrong.
+    sections.erase(std::remove_if(sections.begin(), sections.end(), isKnownSection),
+                   sections.end());
+    const std::string_view near = nearest(section, sections);
+    if (near.empty()) {
+        return NotFound(what);
+    }
+    const Origin& first = set.items().lower_bound({near, ""})->second.history.front();
+    const auto line = first.file->sections().find(near);
+    return NotFound(what + misspelt(near, *first.file,
+                                    line != first.file->sections().end() ? line->second->number
+                                                                         : first.line->number));
+}
+
 // Why there is no such item.
 NotFound missingItem(const SetModel& set, std::string_view section, const std::string& key) {
     const std::string what =
@@ -147,14 +186,23 @@ NotFound missingItem(const SetModel& set, std::string_view section, const std::s
     }
     std::vector<std::string_view> keys;
     std::string elsewhere;
+    const bool isKnown = isKnownKey(set, section, key);
     for (const auto& [name, item] : set.items()) {
         if (name.first == section) {
-            keys.push_back(name.second);
+            // If the name is right, that of the set is wrong.
+            if (!isKnown || !isKnownKey(set, section, name.second)) {
+                keys.push_back(name.second);
+            }
         } else if (name.second == key) {
             elsewhere = std::string(name.first);
         }
     }
-    const std::string hint = suggestionOf(key, keys);
+    const std::string_view near = isKnown ? nearest(key, keys) : std::string_view();
+    if (!near.empty()) {
+        const Origin& origin = set.find(section, near)->current();
+        return NotFound(what + misspelt(near, *origin.file, origin.line->number));
+    }
+    const std::string hint = isKnown ? "" : suggestionOf(key, keys);
     return NotFound(what + (!hint.empty()        ? hint
                             : !elsewhere.empty() ? "; " + elsewhere + " has one of that name"
                                                  : ""));
@@ -188,8 +236,7 @@ Explanation explainItems(const SetModel& set, const Request& request) {
     const std::string& section = question.section;
     const std::vector<std::string_view> sections = sectionsOf(set);
     if (!isAll && std::find(sections.begin(), sections.end(), section) == sections.end()) {
-        throw NotFound("there is no section " + section + " in " + setText(set) +
-                       suggestionOf(section, sections));
+        throw missingSection(set, section, sections);
     }
     if (question.kind == Question::Kind::ITEM) {
         const SetItem* const item = set.find(section, question.key);

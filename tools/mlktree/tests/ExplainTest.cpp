@@ -13,6 +13,8 @@ namespace mlk::tree {
 namespace {
 
 using ::testing::AllOf;
+using ::testing::AnyOf;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -176,6 +178,39 @@ TEST_F(ExplainTest, MissingItemsHaveSuggestions) {
     EXPECT_THAT(missing({"PANEL", "NAME"}), HasSubstr("; [BOARD] has one of that name"));
     EXPECT_THAT(missing({"LiveTV", "NEW"}),
                 AllOf(HasSubstr("tvconfigs/sys.xml:6"), HasSubstr("the service ignores")));
+}
+
+// If the name that is asked for is right, that of the file is wrong.
+TEST_F(ExplainTest, AKnownNameIsNoMistake) {
+    write("tvconfigs/m2.ini",
+          "[PANEL]\nm_pPanelNam = Q\nRAW_LEVEL = 1\n# sound\n[ssc]\nm_pSSCName = x\n");
+    EXPECT_EQ(missing({"PANEL", "m_pPanelName", "--model", "2"}),
+              "mlktree: there is no item [PANEL] m_pPanelName in the set "
+              "model=2,board=b.ini; tvconfigs/m2.ini:2 has m_pPanelNam, which is probably "
+              "misspelt\n");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"SSC", "m_pSSCName"}, {"SSC"}}) {
+        std::vector<std::string> all = words;
+        all.insert(all.end(), {"--model", "2"});
+        EXPECT_THAT(missing(all), AllOf(HasSubstr("there is no section [SSC] in "),
+                                        EndsWith("; tvconfigs/m2.ini:5 has [ssc], which is "
+                                                 "probably misspelt\n")));
+    }
+    // Nor is a name that mlktree.toml declares; and a known name is no mistake for another.
+    write("mlktree.toml", "[[key]]\nsection = \"[PANEL]\"\nkey = \"RAW_LEVELS\"\n");
+    EXPECT_THAT(missing({"PANEL", "RAW_LEVELS", "--model", "2"}),
+                EndsWith("; tvconfigs/m2.ini:3 has RAW_LEVEL, which is probably misspelt\n"));
+    write("tvconfigs/m2.ini", "[PANEL]\nm_pPanelName = Q\n");
+    write("mlktree.toml", "[[key]]\nsection = \"[PANEL]\"\nkey = \"m_pPanelNames\"\n");
+    EXPECT_THAT(missing({"PANEL", "m_pPanelNames", "--model", "2"}),
+                Not(AnyOf(HasSubstr("misspelt"), HasSubstr("did you mean"))));
+}
+
+TEST_F(ExplainTest, TellsWhoReadsAnItem) {
+    EXPECT_THAT(text({"PANEL", "m_pPanelName"}), HasSubstr("\n  read by      getPanelName\n"));
+    EXPECT_THAT(text({"PANEL", "RAW"}),
+                HasSubstr("\n  read by      no getter of its own; clients may ask getConfig, or "
+                          "getConfigsByCategory for the section\n"));
 }
 
 TEST_F(ExplainTest, RemarksAndMissingFilesAreShown) {
