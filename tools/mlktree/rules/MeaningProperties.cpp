@@ -54,8 +54,11 @@ bool isKnownProperty(std::string_view key) {
     return std::find(known.begin(), known.end(), key) != known.end();
 }
 
-Place placeOfProperty(const std::string& key) {
-    return {"data/property/" + key, 1, 1};
+// The property's file and its first line; no line for a value of --prop, which the file does not
+// have.
+Place placeOf(const ProductLine& line, const std::string& key) {
+    const size_t first = line.properties().isGiven(key) ? 0 : 1;
+    return {"data/property/" + key, first, first};
 }
 
 // Where the engineer types: the file, or the option.
@@ -115,7 +118,7 @@ void checkValues(const ProductLine& line, Reporter& reporter) {
                       ", and the rest does not count";
         }
         if (!problem.empty()) {
-            reporter.reportIn({"all"}, placeOfProperty(key), origin(line, key) + problem);
+            reporter.reportIn({"all"}, placeOf(line, key), origin(line, key) + problem);
         }
     }
 }
@@ -128,12 +131,15 @@ void checkLineEnds(const ProductLine& line, Reporter& reporter) {
         }
         const std::string_view text =
                 std::string_view(value).substr(0, value.find_last_not_of("\r\n") + 1);
-        // A value may have line ends in its middle, too; the place is that of the last one.
-        const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
-        const size_t column = text.size() - (text.rfind('\n') + 1) + 1;
-        reporter.reportIn(
-                {"all"}, {"data/property/" + key, lines + 1, column},
-                "the line end belongs to the value; write " + quoted(text) + " without one");
+        Place place = placeOf(line, key);
+        if (place.line != 0) {
+            // A value may have line ends in its middle, too; the place is that of the last one.
+            place.line += static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+            place.column = text.size() - (text.rfind('\n') + 1) + 1;
+        }
+        reporter.reportIn({"all"}, place,
+                          origin(line, key) + "the line end belongs to the value; write " +
+                                  quoted(text) + " without one");
     }
 }
 
@@ -151,7 +157,7 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
         const std::string_view right =
                 isOurs && !isKnownProperty(key) ? nearestName(key, candidates) : std::string_view();
         if (!right.empty()) {
-            reporter.reportIn({"all"}, placeOfProperty(key),
+            reporter.reportIn({"all"}, placeOf(line, key),
                               origin(line, key) + "nobody asks for " + quoted(key) + "; is " +
                                       quoted(right) + " meant?");
         }
@@ -195,7 +201,7 @@ void checkHardware(const ProductLine& line, Reporter& reporter) {
         if (!other.empty()) {
             related.push_back({{line.tree().relative(other), 0, 0}, "this file exists"});
         }
-        reporter.reportIn({"all"}, placeOfProperty(key),
+        reporter.reportIn({"all"}, placeOf(line, key),
                           origin(line, key) + "there is no file /" + path +
                                   (other.empty() ? "" : "; there is " + line.tree().written(other)),
                           std::move(related));

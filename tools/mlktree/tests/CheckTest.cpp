@@ -93,6 +93,24 @@ TEST_F(CheckTest, TakesTheTreeFromItsPlaces) {
     EXPECT_THAT(apart.out, HasSubstr("tvconfigs/model/first.ini:29:25: error: "));
 }
 
+TEST_F(CheckTest, AValueOfTheCommandLineHasNoLineOfAFile) {
+    const std::string key = "persist.vendor.mlk.enstr";
+    const std::string place = "data/property/" + key;
+    mDir.write(place, "1");
+    const auto told = [&](const std::string& value) {
+        return runMlktree({"check", mDir.path(), "--prop", key + "=" + value}).out;
+    };
+    EXPECT_EQ(told("0"), runMlktree({"check", mDir.path()}).out);
+    EXPECT_THAT(told("maybe"), AllOf(StartsWith(place + ": error: --prop " + key + ": "),
+                                     Not(HasSubstr("\n    "))));
+    EXPECT_THAT(told("1\n"), AllOf(StartsWith(place + ": error: --prop " + key + ": the line end "),
+                                   HasSubstr("; write \"1\" without one [property-line-end]\n"),
+                                   Not(HasSubstr("\n    "))));
+    mDir.write(place, "maybe");
+    EXPECT_THAT(runMlktree({"check", mDir.path()}).out,
+                AllOf(StartsWith(place + ":1:1: error: "), HasSubstr("\n    maybe\n    ^\n")));
+}
+
 TEST_F(CheckTest, TakesTheCurrentFolder) {
     breakModel();
     Process::Options options;
