@@ -77,16 +77,13 @@ Command fixCommand() {
     command.words = {"[TREE]"};
     command.summary = "mends what has only one right answer";
     command.description =
-            "Shows as a unified diff what can be mended without a question, of what check finds: "
-            "byte order marks, carriage returns that become part of a text, spaces that are no "
-            "blanks, characters that nobody sees, blanks in the entries of lists and around the "
-            "\"=\" of TV features, tabs before \"=\", indented comments, countries in the wrong "
-            "case "
-            "or with a blank or \"-\" in place of \"_\", the missing line end of a TV feature "
-            "file, "
-            "and the line end of a property, which is part of its value. Nothing is written "
-            "without "
-            "--write.";
+            "Shows as a unified diff what can be mended without a question, of what check "
+            "finds: byte order marks, carriage returns that become part of a text, spaces that "
+            "are no blanks, characters that nobody sees, blanks in the entries of lists and "
+            "around the \"=\" of TV features, tabs before \"=\", indented comments, countries "
+            "in the wrong case or with a blank or \"-\" in place of \"_\", the missing line end"
+            " of a TV feature file, and the line end of a property, which is part of its value."
+            " Nothing is written without --write.";
     command.groups = {
             {"Options",
              {{"--write", 0, "", "write the mended files, each in place"}, colorOption()}},
