@@ -154,8 +154,7 @@ Command checkCommand() {
                       {"error", "warning", "note"},
                       "warning"},
                      formatOption(names),
-                     {"--output", 'o', "FILE", "print to this file; \"-\" for standard output",
-                      Completion::FILE},
+                     outputOption("print to this file; \"-\" for standard output"),
                      {"--baseline", 0, "FILE",
                       "take the findings in FILE as known; if there is no such file, write today's "
                       "findings to it",

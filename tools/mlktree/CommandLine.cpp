@@ -181,7 +181,7 @@ Arguments parse(const Command& command, const std::vector<std::string>& words) {
         }
     }
     if (arguments.words().size() > command.mostWords) {
-        throw UsageError("it takes " +
+        throw UsageError(std::string(command.name) + " takes " +
                          (command.mostWords == 0 ? "no word"
                           : command.mostWords == 1
                                   ? "one word"

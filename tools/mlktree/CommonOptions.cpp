@@ -53,6 +53,10 @@ Option formatOption(std::vector<std::string_view> choices) {
     return option;
 }
 
+Option outputOption(std::string_view what) {
+    return {"--output", 'o', "FILE", what, Completion::FILE, {}, "-"};
+}
+
 Option colorOption() {
     return {"--color",
             0,

@@ -16,6 +16,9 @@ const OptionGroup& setOptions();
 /** --format with these choices, the first of which is the default. */
 Option formatOption(std::vector<std::string_view> choices);
 
+/** --output, which is standard output unless it is given. */
+Option outputOption(std::string_view what);
+
 /** --color. */
 Option colorOption();
 

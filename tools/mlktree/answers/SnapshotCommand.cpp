@@ -49,9 +49,7 @@ Command snapshotCommand() {
             "under \"shared\", and others refer to it. Paths are as the partitions' files have "
             "them. A byte that is not UTF-8 is written as \\udcXX.";
     command.groups = {
-            {"Options",
-             {{"--output", 'o', "FILE", "write to this file; \"-\" for standard output",
-               Completion::FILE}}},
+            {"Options", {outputOption("write to this file; \"-\" for standard output")}},
             treeOptions(),
             setOptions(),
     };

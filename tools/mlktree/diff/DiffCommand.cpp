@@ -108,8 +108,7 @@ Command diffCommand() {
             {"Options",
              {
                      formatOption({"text", "json", "markdown"}),
-                     {"--output", 'o', "FILE", "print to this file; \"-\" for standard output",
-                      Completion::FILE},
+                     outputOption("print to this file; \"-\" for standard output"),
                      colorOption(),
                      {"--tree", 0, "DIR", "the tree of an operand that names none",
                       Completion::FOLDER},

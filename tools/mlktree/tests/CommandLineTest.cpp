@@ -67,6 +67,16 @@ TEST(HelpTest, NamesEveryOptionOfACommand) {
     }
 }
 
+TEST(HelpTest, NamesTheDefaultOfEveryOutput) {
+    for (const Command& command : commands()) {
+        const Option* const output = command.find("--output");
+        const bool isMandatory = command.name == "report";
+        if (output != nullptr && !isMandatory) {
+            EXPECT_EQ(output->otherwise, "-") << command.name;
+        }
+    }
+}
+
 TEST(HelpTest, FitsATerminal) {
     std::string all = generalHelp();
     for (const Command& command : commands()) {
@@ -129,7 +139,8 @@ TEST(WrongCommandLineTest, SaysWhatWouldBeRight) {
     EXPECT_THAT(problemOf({"check", "--fail-on", "all"}),
                 HasSubstr("--fail-on takes error, warning, note, not \"all\""));
     EXPECT_THAT(problemOf({"check", "a", "b"}),
-                HasSubstr("it takes one word besides its options; \"b\" is too much"));
+                HasSubstr("check takes one word besides its options; \"b\" is too much"));
+    EXPECT_THAT(problemOf({"show", "a", "b"}), HasSubstr("show takes one word besides"));
     EXPECT_THAT(problemOf({"completion", "ksh"}), HasSubstr("bash, zsh or fish, not \"ksh\""));
     EXPECT_THAT(problemOf({"completion"}), HasSubstr("bash, zsh or fish"));
     EXPECT_THAT(problemOf({"rules", "mising-file"}), HasSubstr("did you mean missing-file?"));
