@@ -25,6 +25,7 @@ namespace mlk::tree {
 /** The files of a set's identity, relative to the tree. */
 inline constexpr const char* kProjectIdPath = "impdata/project_id.bin";
 inline constexpr const char* kBoardIdPath = "impdata/board_id.bin";
+inline constexpr const char* kCountryIdPath = "tvdata/tvsysmap/country_id.bin";
 
 /** A customer file and the system file that it names. */
 struct Customer {

@@ -11,6 +11,7 @@
 #include "tools/mlktree/explain/Explain.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/show/SetFacts.h"
 
 namespace mlk::tree {
 
@@ -140,6 +141,12 @@ std::string misspelt(std::string_view name, const FileLines& file, size_t line) 
            ", which is probably misspelt";
 }
 
+// "; the set has no model: ...", or an empty text.
+std::string modelHint(const SetModel& set) {
+    const std::string why = whyNoModel(set);
+    return why.empty() ? "" : "; the set has no model: " + why;
+}
+
 bool isKnownKey(const SetModel& set, std::string_view section, std::string_view key) {
     return product::findKnownItem({section, key}) != nullptr ||
            set.line().settings().find(section, key) != nullptr;
@@ -155,14 +162,15 @@ NotFound missingSection(const SetModel& set, const std::string& section,
                         std::vector<std::string_view> sections) {
     const std::string what = "there is no section " + section + " in " + setText(set);
     if (!isKnownSection(section)) {
-        return NotFound(what + suggestionOf(section, sections));
+        const std::string hint = suggestionOf(section, sections);
+        return NotFound(what + (hint.empty() ? modelHint(set) : hint));
     }
     // The name is right, so that of the set is wrong.
     sections.erase(std::remove_if(sections.begin(), sections.end(), isKnownSection),
                    sections.end());
     const std::string_view near = nearest(section, sections);
     if (near.empty()) {
-        return NotFound(what);
+        return NotFound(what + modelHint(set));
     }
     const Origin& first = set.items().lower_bound({near, ""})->second.history.front();
     const auto line = first.file->sections().find(near);
@@ -205,7 +213,7 @@ NotFound missingItem(const SetModel& set, std::string_view section, const std::s
     const std::string hint = isKnown ? "" : suggestionOf(key, keys);
     return NotFound(what + (!hint.empty()        ? hint
                             : !elsewhere.empty() ? "; " + elsewhere + " has one of that name"
-                                                 : ""));
+                                                 : modelHint(set)));
 }
 
 }  // namespace

@@ -123,9 +123,7 @@ void checkNumber(const ProductLine& line, Reporter& reporter, const std::string&
 
 void checkNumbers(const ProductLine& line, Reporter& reporter) {
     checkNumber(line, reporter, kProjectIdPath, keyword::kProjectId);
-    const std::string country = "tvdata" + std::string(product::kCountryIdFolder) +
-                                std::string(product::kCountryIdFile);
-    checkNumber(line, reporter, country, product::kCountryIdKeyword);
+    checkNumber(line, reporter, kCountryIdPath, product::kCountryIdKeyword);
 }
 
 void checkBoard(const ProductLine& line, Reporter& reporter) {

@@ -100,8 +100,7 @@ std::string mistakeOfSaved(int32_t saved, const FileLines* list) {
 }
 
 void checkSaved(const ProductLine& line, Reporter& reporter) {
-    const std::string path = "tvdata" + std::string(product::kCountryIdFolder) +
-                             std::string(product::kCountryIdFile);
+    const std::string path = kCountryIdPath;
     const Model* const model = modelOfSet(line);
     const Board* const board = boardOfSet(line);
     // Without the file the service would write one; without TV systems it does not read it.

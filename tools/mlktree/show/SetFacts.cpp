@@ -107,11 +107,22 @@ Answer fact(const char* kind, FactValue (*answer)(const SetModel&)) {
     return {{kind}, [answer](const SetModel& set) -> Noted { return {answer(set)}; }};
 }
 
+// Why there is no saved country.
+NoValue noCountry(const SetModel& set) {
+    const FileLines* const saved = set.line().find(kCountryIdPath);
+    if (saved == nullptr || !saved->exists() || !saved->isUnreadable()) {
+        return {"(none saved)"};
+    }
+    const std::string& problem = saved->problems().front().text;
+    const bool isTooLarge = problem.find("larger than") != std::string::npos;
+    return {isTooLarge ? "(country_id.bin is too large)" : "(country_id.bin cannot be read)"};
+}
+
 // The same for a set that has a country.
 Answer ofCountry(const char* kind, FactValue (*answer)(const SetModel&)) {
     return {{kind}, [answer](const SetModel& set) -> Noted {
                 if (set.choice().country == kNoCountry) {
-                    return {NoValue{"(none saved)"}};
+                    return {noCountry(set)};
                 }
                 return {answer(set)};
             }};
@@ -279,6 +290,18 @@ int32_t indexOf(const SetModel& set) {
     }
     const std::string& folder = set.line().tree().partitions().impdata;
     return static_cast<int32_t>(product::ProjectID::read(folder).value_or(0));
+}
+
+std::string whyNoModel(const SetModel& set) {
+    if (set.choice().model != nullptr) {
+        return "";
+    }
+    const FileLines* const system = set.choice().customer->system;
+    const Tree& tree = set.line().tree();
+    return system == nullptr || !system->exists()
+                   ? std::string("there is no system file that lists models")
+                   : tree.written(tree.host(system->path())) + " has none of index " +
+                             std::to_string(indexOf(set)) + "; --model names one";
 }
 
 std::vector<FactRow> factRows() {

@@ -18,6 +18,12 @@ std::vector<Fact> factsOf(const SetModel& set);
 /** The index of the set's model; if it has no model, the one that impdata says. */
 int32_t indexOf(const SetModel& set);
 
+/**
+ * Why a set has no model: "/tvconfigs/s.ini has none of index 9; --model names one". Empty if it
+ * has one.
+ */
+std::string whyNoModel(const SetModel& set);
+
 /** What a fact is found out from, for a program that knows what all sets answer. */
 struct FactSource {
     /**

@@ -30,20 +30,9 @@ std::string findingsLine(size_t errors, size_t warnings) {
 
 // Says that the set has no model.
 std::string modelLine(const SetModel& set) {
-    if (set.choice().model != nullptr) {
-        return "";
-    }
-    const FileLines* const system = set.choice().customer->system;
-    const Tree& tree = set.line().tree();
-    return paragraph("",
-                     "This set has no model: " +
-                             (system == nullptr || !system->exists()
-                                      ? std::string("there is no system file that lists models.")
-                                      : tree.written(tree.host(system->path())) +
-                                                " has none of index " +
-                                                std::to_string(indexOf(set)) + '.'),
-                     0, kFactWidth) +
-           "\n";
+    const std::string why = whyNoModel(set);
+    return why.empty() ? ""
+                       : paragraph("", "This set has no model: " + why + ".", 0, kFactWidth) + "\n";
 }
 
 std::string replacedJson(const std::vector<Fact>& facts) {

@@ -206,6 +206,18 @@ TEST_F(ExplainTest, AKnownNameIsNoMistake) {
                 Not(AnyOf(HasSubstr("misspelt"), HasSubstr("did you mean"))));
 }
 
+TEST_F(ExplainTest, SaysThatASetHasNoModel) {
+    std::filesystem::remove(mDir.path("impdata/project_id.bin"));
+    const std::string hint =
+            "; the set has no model: /tvconfigs/system.ini has none of index 0; --model names "
+            "one\n";
+    EXPECT_THAT(missing({"SSC"}),
+                AllOf(HasSubstr("there is no section [SSC] in "), EndsWith(hint)));
+    EXPECT_THAT(missing({"BOARD", "OTHER_ITEM"}), EndsWith(hint));
+    EXPECT_THAT(missing({"BORD"}), EndsWith("; did you mean [BOARD]?\n"));
+    EXPECT_THAT(missing({"SSC", "--model", "2"}), Not(HasSubstr("no model")));
+}
+
 TEST_F(ExplainTest, TellsWhoReadsAnItem) {
     EXPECT_THAT(text({"PANEL", "m_pPanelName"}), HasSubstr("\n  read by      getPanelName\n"));
     EXPECT_THAT(text({"PANEL", "RAW"}),

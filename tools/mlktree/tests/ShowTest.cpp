@@ -63,8 +63,20 @@ TEST_F(ShowTest, OptionsChooseTheSet) {
 
 TEST_F(ShowTest, SaysIfThereIsNoModel) {
     mDir.write("impdata/project_id.bin", "PROJECT_ID=9\n");
-    EXPECT_THAT(show(), AllOf(HasSubstr("This set has no model:\n"), HasSubstr("none of index 9."),
-                              HasSubstr("  Index             9\n")));
+    EXPECT_THAT(show(),
+                AllOf(HasSubstr("This set has no model:\n"), HasSubstr("none of index 9;"),
+                      HasSubstr("--model names one.\n"), HasSubstr("  Index             9\n")));
+}
+
+TEST_F(ShowTest, TellsACountryThatIsRefusedFromNone) {
+    const std::string folder = "tvdata/tvsysmap";
+    std::filesystem::create_directories(mDir.path(folder));
+    const std::string path = folder + "/country_id.bin";
+    mDir.write(path, "COUNTRY_ID=0\n" + std::string(64 * 1024, '\n'));
+    EXPECT_THAT(show(), AllOf(HasSubstr("  Name              (country_id.bin is too large)\n"),
+                              Not(HasSubstr("(none saved)"))));
+    mDir.write(path, "\n");
+    EXPECT_THAT(show(), HasSubstr("  Name              (none saved)\n"));
 }
 
 TEST_F(ShowTest, JsonIsForPrograms) {
