@@ -1,8 +1,10 @@
 #include "tools/mlktree/ProductLineBuilder.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <set>
+#include <system_error>
 
 #include "common/Decimal.h"
 #include "common/Paths.h"
@@ -64,6 +66,35 @@ std::string boardMeant(const std::string& board, const std::string& folder) {
     return didYouMean(board, {files.begin(), files.end()}, "");
 }
 
+// The customer file that --customer names: by its path, or by its name alone if it lies beside the
+// usual one. Throws UsageError if there is no such file, or if the name alone fits two.
+std::string customerFile(const Tree& tree, const std::string& argument) {
+    const std::string byPath = tree.hostOfArgument(argument);
+    const std::string& folder = tree.partitions().tvconfigs;
+    const bool isName = argument.find('/') == std::string::npos;
+    const std::string usual = pathIn(folder, argument);
+    if (isName && isRegularFile(usual)) {
+        std::error_code error;
+        if (isRegularFile(byPath) && !std::filesystem::equivalent(byPath, usual, error)) {
+            throw UsageError("--customer " + argument + ": there are " + byPath + " and " + usual +
+                             "; name one of them by its path, as in tvconfigs/" + argument);
+        }
+        return usual;
+    }
+    if (isRegularFile(byPath)) {
+        return byPath;
+    }
+    const std::string host = isName ? usual : byPath;
+    const std::vector<std::string> names = filesIn(folderOf(host), kIniEnding, kMostBoards).names;
+    const std::string_view near =
+            suggestion(product::fileNameOf(argument), {names.begin(), names.end()});
+    throw UsageError("--customer " + argument + ": there is no file " + host +
+                     (near.empty()
+                              ? ""
+                              : "; did you mean " + argument.substr(0, argument.rfind('/') + 1) +
+                                        std::string(near) + "?"));
+}
+
 }  // namespace
 
 void ProductLineBuilder::build() {
@@ -80,11 +111,9 @@ void ProductLineBuilder::build() {
 }
 
 void ProductLineBuilder::readIdentity() {
-    const std::pair<std::string, FileFormat> files[] = {
-            {kProjectIdPath, FileFormat::PROJECT_ID},
-            {kBoardIdPath, FileFormat::BOARD_ID},
-            {"tvdata" + std::string(product::kCountryIdFolder) + product::kCountryIdFile,
-             FileFormat::COUNTRY_ID}};
+    const std::pair<std::string, FileFormat> files[] = {{kProjectIdPath, FileFormat::PROJECT_ID},
+                                                        {kBoardIdPath, FileFormat::BOARD_ID},
+                                                        {kCountryIdPath, FileFormat::COUNTRY_ID}};
     for (const auto& [path, format] : files) {
         // A new set has none of them.
         if (product::pathExists(mLine.mTree.host(path))) {
@@ -97,14 +126,7 @@ void ProductLineBuilder::readIdentity() {
 void ProductLineBuilder::findCustomers() {
     std::vector<std::string> paths;
     for (const std::string& customer : mSelection.customers) {
-        const std::string host = mLine.mTree.hostOfArgument(customer);
-        if (!isRegularFile(host)) {
-            throw UsageError(std::string("--customer ")
-                                     .append(customer)
-                                     .append(": there is no file ")
-                                     .append(host));
-        }
-        addOnce(paths, mLine.mTree.relative(host));
+        addOnce(paths, mLine.mTree.relative(customerFile(mLine.mTree, customer)));
     }
     if (paths.empty()) {
         paths.push_back(mLine.mTree.relative(mLine.mTree.partitions().tvconfigs +

@@ -49,6 +49,19 @@ std::string textOf(const std::string& path) {
     return text;
 }
 
+// A message that begins with an option, "--model 9: ...", in the words of an operand that has the
+// part instead: "model=9: ...".
+std::string inWordsOf(const Operand& operand, const std::string& message) {
+    for (const auto& [part, value] : operand.set) {
+        const std::string option = "--" + part + " ";
+        if (operand.ofOptions.count(part) == 0 && beginsWith(message, option)) {
+            const std::string_view rest = std::string_view(message).substr(option.size());
+            return part + (beginsWith(rest, value) ? "=" : "= ") + std::string(rest);
+        }
+    }
+    return message;
+}
+
 Selection selectionOf(const Operand& operand, bool isOneSet,
                       const std::vector<std::string>& customers = {}) {
     Arguments arguments;
@@ -59,13 +72,22 @@ Selection selectionOf(const Operand& operand, bool isOneSet,
     try {
         selection = mlk::tree::selectionOf(arguments);
     } catch (const UsageError& error) {
-        throw UsageError(excerpt(operand.text) + ": " + error.what());
+        throw UsageError(excerpt(operand.text) + ": " + inWordsOf(operand, error.what()));
     }
     selection.isOneSet = isOneSet;
     if (!isOneSet) {
         selection.customers = customers;
     }
     return selection;
+}
+
+SetFilter filterOf(const Operand& operand) {
+    const Selection selection = selectionOf(operand, true);
+    try {
+        return SetFilter(selection);
+    } catch (const UsageError& error) {
+        throw UsageError(inWordsOf(operand, error.what()));
+    }
 }
 
 }  // namespace
@@ -120,6 +142,7 @@ void addParts(Operand& operand, const Arguments& arguments) {
         }
         const std::string value = arguments.value(option);
         const auto [known, isNew] = operand.set.emplace(part, value);
+        operand.ofOptions.emplace(part);
         if (!isNew) {
             throw UsageError(excerpt(operand.text) + " and " + option + " " + excerpt(value) +
                              " both name a " + std::string(part) + "; leave one of them out");
@@ -165,7 +188,7 @@ void OpenOperand::openTree(const std::string& folder, const std::string& name, b
                 selectionOf(mOperand, isOneSet, arguments.values("--customer")));
     } catch (const UsageError& error) {
         // The temporary folder of a revision is gone when somebody reads the message.
-        std::string what = error.what();
+        std::string what = inWordsOf(mOperand, error.what());
         for (size_t at = what.find(where); mExtracted != nullptr && at != std::string::npos;
              at = what.find(where)) {
             what.erase(at, where.size());
@@ -185,7 +208,7 @@ const AnswerSet& OpenOperand::set() const {
     if (!mIsSnapshot && line.sets.size() == 1) {
         return line.sets.front();
     }
-    const SetFilter filter(selectionOf(mOperand, true));
+    const SetFilter filter = filterOf(mOperand);
     const AnswerSet* found = nullptr;
     for (const AnswerSet& set : line.sets) {
         if (!filter.fits(line, set)) {

@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,9 @@ struct Operand {
     std::string source; /**< a folder, a snapshot file or "rev:REVISION"; empty for the default */
     /** Parts of the set by name, without "tree"; empty if the operand names no set. */
     std::map<std::string, std::string, std::less<>> set;
+
+    /** Parts of the set that options have given. */
+    std::set<std::string, std::less<>> ofOptions;
 
     bool namesSet() const { return !set.empty(); }
 };

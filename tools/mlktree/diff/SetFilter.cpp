@@ -41,8 +41,10 @@ bool SetFilter::fits(const AnswerBoard& board) const {
 
 bool SetFilter::fits(const AnswerCustomer& customer) const {
     return mCustomers.empty() ||
-           std::any_of(mCustomers.begin(), mCustomers.end(),
-                       [&](const std::string& one) { return namesFile(one, customer.file); });
+           std::any_of(mCustomers.begin(), mCustomers.end(), [&](const std::string& one) {
+               return namesFile(one, customer.file) ||
+                      withoutSlash(customer.file) == "tvconfigs/" + one;
+           });
 }
 
 bool SetFilter::fitsCountry(std::string_view country) const {

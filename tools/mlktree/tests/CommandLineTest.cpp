@@ -173,6 +173,12 @@ TEST(WrongSetTest, SaysWhichThereAre) {
                           "; did you mean b1.ini?"));
     EXPECT_THAT(problem("--board", "board/b1.ini"),
                 HasSubstr("there is no file " + dir.path("board/b1.ini")));
+    EXPECT_THAT(problem("--customer", "custmer.ini"),
+                HasSubstr("--customer custmer.ini: there is no file " +
+                          dir.path("tvconfigs/custmer.ini") + "; did you mean customer.ini?"));
+    EXPECT_THAT(problem("--customer", "/tvconfigs/custmer.ini"),
+                HasSubstr("; did you mean /tvconfigs/customer.ini?"));
+    EXPECT_THAT(problem("--customer", "x/y.ini"), EndsWith("no file " + dir.path("x/y.ini\n")));
     EXPECT_THAT(problem("--country", "UK"),
                 HasSubstr("--country UK: the service knows no such country; did you mean "
                           "UNITED_KINGDOM?"));
@@ -184,6 +190,26 @@ TEST(WrongSetTest, SaysWhichThereAre) {
     }
     dir.write("tvconfigs/system/line.ini", lines);
     EXPECT_THAT(problem("--model", "99"), HasSubstr("11, 12 and 2 more"));
+}
+
+TEST(CustomerTest, MayBeNamedWithoutItsFolder) {
+    const mlk::testing::TempDir dir;
+    copySoundTree(dir);
+    const auto show = [&](const std::string& customer) {
+        return runMlktree({"show", dir.path(), "--customer", customer});
+    };
+    const std::string text = runMlktree({"show", dir.path()}).out;
+    EXPECT_EQ(show("customer.ini").out, text);
+    EXPECT_EQ(show("tvconfigs/customer.ini").out, text);
+    EXPECT_EQ(show("/tvconfigs/customer.ini").out, text);
+    // A file of that name at the top of the tree could be meant as well.
+    dir.write("customer.ini", dir.read("tvconfigs/customer.ini"));
+    const Outcome both = show("customer.ini");
+    EXPECT_EQ(both.status, 2);
+    EXPECT_EQ(both.err, "mlktree: --customer customer.ini: there are " + dir.path("customer.ini") +
+                                " and " + dir.path("tvconfigs/customer.ini") +
+                                "; name one of them by its path, as in tvconfigs/customer.ini\n");
+    EXPECT_EQ(show("tvconfigs/customer.ini").out, text);
 }
 
 TEST(ParseTest, TellsOptionsAndWordsApart) {
