@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "tools/mlktree/rules/Texts.h"
+
 namespace mlk::tree {
 
 namespace {
@@ -10,22 +12,10 @@ namespace {
 using vendor::morlak::mlkconfigs::V1_0::implementation::LineUse;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ReadLine;
 
-constexpr std::string_view kBlanks = " \t\r\n\v\f";
+constexpr std::string_view kBlanks = " \t\r\n";  // those of trimmed()
 constexpr std::string_view kMark = "mlktree:";
 constexpr std::string_view kXmlBegin = "<!--";
 constexpr std::string_view kXmlEnd = "-->";
-
-std::string_view trimmed(std::string_view text) {
-    const size_t begin = text.find_first_not_of(kBlanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 // Takes the first word off a text.
 std::string_view takeWord(std::string_view& text) {
@@ -38,7 +28,7 @@ std::string_view takeWord(std::string_view& text) {
 // What a comment says to mlktree, without the signs of the comment.
 std::optional<AllowComment> parse(const Place& place, std::string_view comment) {
     comment = trimmed(comment);
-    if (!startsWith(comment, kMark)) {
+    if (!beginsWith(comment, kMark)) {
         return std::nullopt;
     }
     comment.remove_prefix(kMark.size());
@@ -56,10 +46,10 @@ std::optional<std::string_view> commentOf(const ReadLine& line) {
         return std::nullopt;
     }
     const std::string_view text = trimmed(line.text);
-    if (startsWith(text, "//")) {
+    if (beginsWith(text, "//")) {
         return text.substr(2);
     }
-    if (startsWith(text, "#")) {
+    if (beginsWith(text, "#")) {
         return text.substr(std::min(text.find_first_not_of('#'), text.size()));
     }
     return std::nullopt;
@@ -124,7 +114,7 @@ std::vector<AllowComment> allowCommentsOfXml(const std::string& file,
             const std::string_view before = line.substr(at, found - at);
             if (isInside) {
                 comment += before;
-            } else if (!trimmed(before).empty() && !startsWith(trimmed(before), "<?xml")) {
+            } else if (!trimmed(before).empty() && !beginsWith(trimmed(before), "<?xml")) {
                 targets.meet(i + 1);
             }
             if (found == std::string_view::npos) {

@@ -6,6 +6,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/Tree.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -36,14 +37,6 @@ std::string withoutLineNumbers(std::string_view message) {
         }
     }
     return out;
-}
-
-std::string trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
-    const size_t begin = text.find_first_not_of(kBlanks);
-    return begin == std::string_view::npos
-                   ? std::string()
-                   : printable(text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin));
 }
 
 std::string jsonOf(const Identity& identity) {
@@ -77,7 +70,7 @@ bool operator<(const Identity& a, const Identity& b) {
 Identity identityOf(const Finding& finding, const LineOf& lineOf) {
     std::string text;
     if (finding.place.line != 0) {
-        text = trimmed(lineOf(finding.place.file, finding.place.line));
+        text = printable(trimmed(lineOf(finding.place.file, finding.place.line)));
     }
     return {finding.rule, printable(finding.place.file),
             printable(withoutLineNumbers(finding.message)), std::move(text)};

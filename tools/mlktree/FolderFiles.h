@@ -20,6 +20,9 @@ inline constexpr const char* kIniEnding = ".ini";
 /** True if the path leads to a regular file. */
 bool isRegularFile(const std::string& path);
 
+/** True if the path leads to a folder. */
+bool isFolder(const std::string& path);
+
 /** The path of a file in a folder. */
 std::string pathIn(const std::string& folder, const std::string& name);
 

@@ -11,6 +11,7 @@
 #include "tools/common/Text.h"
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Rule.h"
+#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -64,14 +65,6 @@ bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
         return false;
     }
     return true;
-}
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
-    const size_t begin = text.find_first_not_of(kBlanks);
-    return begin == std::string_view::npos
-                   ? std::string_view()
-                   : text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
 // Takes out the findings for which allows() gives a non-negative index; counts what each allows.

@@ -4,14 +4,11 @@
 
 #include <utility>
 
+#include "tools/mlktree/FolderFiles.h"
+
 namespace mlk::tree {
 
 namespace {
-
-bool isFolder(const std::string& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
 
 std::string withoutSlashes(std::string path) {
     while (path.size() > 1 && path.back() == '/') {

@@ -1,26 +1,14 @@
 #include "tools/mlktree/TreeProperties.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <limits>
 
 #include "host/properties/PropertyStore.h"
 #include "host/properties/PropertyValue.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Tree.h"
 
 namespace mlk::tree {
-
-namespace {
-
-constexpr size_t kLongestValue = 91;
-
-bool isFolder(const std::string& path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-}  // namespace
 
 TreeProperties::TreeProperties(std::string folder, const std::vector<std::string>& given)
     : mFolder(std::move(folder)), mIsKnown(isFolder(mFolder) || !given.empty()) {
@@ -32,9 +20,9 @@ TreeProperties::TreeProperties(std::string folder, const std::vector<std::string
                              ": expected KEY=VALUE, as in ro.hardware=skerry");
         }
         const std::string value = property.substr(equals + 1);
-        if (value.size() > kLongestValue) {
+        if (value.size() > kLongestProperty) {
             throw UsageError("--prop " + key + ": a value has at most " +
-                             std::to_string(kLongestValue) + " bytes");
+                             std::to_string(kLongestProperty) + " bytes");
         }
         mGiven[key] = value;
     }

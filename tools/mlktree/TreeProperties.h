@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <mutex>
 #include <string>
@@ -9,6 +10,9 @@
 #include "common/Properties.h"
 
 namespace mlk::tree {
+
+/** Most bytes of a property's value. */
+inline constexpr size_t kLongestProperty = 91;
 
 /**
  * The system properties of a tree: the files of its data/property folder, and those of --prop.

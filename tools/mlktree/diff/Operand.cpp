@@ -9,6 +9,7 @@
 #include "common/File.h"
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/SetFilter.h"
@@ -24,11 +25,6 @@ constexpr std::string_view kRevision = "rev:";
 constexpr const char* kExpected =
         "; expected is a folder with tvconfigs/, the file of a snapshot, rev:REVISION, or a set "
         "such as model=6,board=FILE,country=NAME,tree=DIR";
-
-bool isFolder(const std::string& path) {
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
 
 bool exists(const std::string& path) {
     struct stat status = {};

@@ -25,8 +25,6 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-constexpr size_t kLongestValue = 91;
-
 const std::vector<std::string_view>& knownProperties() {
     static const std::vector<std::string_view> keys = [] {
         std::vector<std::string_view> all;
@@ -112,8 +110,8 @@ void checkValues(const ProductLine& line, Reporter& reporter) {
         const std::string value = line.properties().get(key.c_str());
         std::string problem =
                 endsInLineEnd(value) || value.empty() ? "" : problemOfProperty(key, value);
-        if (sizeOf(line, key) > kLongestValue) {
-            problem = "a value has at most " + std::to_string(kLongestValue) +
+        if (sizeOf(line, key) > kLongestProperty) {
+            problem = "a value has at most " + std::to_string(kLongestProperty) +
                       " bytes; the file has " + std::to_string(sizeOf(line, key)) +
                       ", and the rest does not count";
         }
