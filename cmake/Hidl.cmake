@@ -12,6 +12,18 @@ function(mlk_hidl_generate prefix package)
     string(REGEX REPLACE "[.@]" "/" folder ${package})
     string(REGEX REPLACE "/([0-9]+)/([0-9]+)$" "/\\1.\\2" folder ${folder})
     set(out ${CMAKE_CURRENT_BINARY_DIR}/hidl/${prefix})
+    # Named so that what includes them is compiled again in the build that writes them anew.
+    set(headers)
+    foreach(source ${ARG_SOURCES})
+        if(source STREQUAL types.cpp)
+            list(APPEND headers types.h hwtypes.h)
+        else()
+            string(REPLACE "All.cpp" "" interface ${source})
+            list(APPEND headers I${interface}.h IHw${interface}.h BnHw${interface}.h
+                 BpHw${interface}.h Bs${interface}.h)
+        endif()
+    endforeach()
+    list(TRANSFORM headers PREPEND ${out}/${folder}/)
     list(TRANSFORM ARG_SOURCES PREPEND ${out}/${folder}/)
     list(TRANSFORM ARG_HALS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
     set(roots)
@@ -20,6 +32,7 @@ function(mlk_hidl_generate prefix package)
     endforeach()
     add_custom_command(
         OUTPUT ${ARG_SOURCES}
+        BYPRODUCTS ${headers}
         COMMAND ${HIDL_GEN} -R -p ${CMAKE_SOURCE_DIR} -o ${out} -L c++ ${roots} ${package}
         COMMAND ${CMAKE_COMMAND} -DFOLDER=${out}/${folder} -P ${CMAKE_SOURCE_DIR}/cmake/HidlRepair.cmake
         DEPENDS ${ARG_HALS} ${CMAKE_SOURCE_DIR}/cmake/HidlRepair.cmake
