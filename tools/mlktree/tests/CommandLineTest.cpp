@@ -147,6 +147,27 @@ TEST(WrongCommandLineTest, SaysWhatWouldBeRight) {
     EXPECT_THAT(problemOf({"check", "\033[2J"}), Not(HasSubstr("\033")));
 }
 
+TEST(WrongCommandLineTest, SaysWhereTheWordsOfPlanStand) {
+    const std::string form = "mlktree: plan takes [TREE] COUNTRY KIND [CABLE]; ";
+    const std::string tree = "some/tree";
+    EXPECT_EQ(problemOf({"plan", tree, "USA"}), form + "KIND is missing after \"USA\"\n");
+    EXPECT_EQ(problemOf({"plan", "USA"}), form + "KIND is missing after \"USA\"\n");
+    EXPECT_EQ(problemOf({"plan", tree, "DTV_CABLE"}),
+              form + "COUNTRY is missing before \"DTV_CABLE\"\n");
+    EXPECT_EQ(problemOf({"plan", "USA", "DTV_CABLE", "HRC", "x", "--tree", "."}),
+              form + "\"x\" is too much\n");
+    for (const Words& words : {Words{"plan", "GERMANY", "DTV_CABLE", tree},
+                               {"plan", "USA", "DTV_CABLE", "HRC", tree},
+                               {"plan", "GERMANY", tree, "DTV_CABLE"}}) {
+        EXPECT_EQ(problemOf(words), form + "the tree \"some/tree\" comes first\n");
+    }
+    // Neither --tree nor a tree in front leaves a place for another one.
+    for (const Words& words : {Words{"plan", "USA", "DTV_CABLE", "x/y", "--tree", tree},
+                               {"plan", tree, "GERMANY", "DTV_CABLE", "x/y"}}) {
+        EXPECT_THAT(problemOf(words), HasSubstr("CABLE is AUTO, STD, HRC, IRC, not \"x/y\""));
+    }
+}
+
 TEST(WrongTreeTest, SaysWhatIsLookedFor) {
     const mlk::testing::TempDir dir;
     EXPECT_THAT(problemOf({"check", dir.path()}), HasSubstr("there is no folder " + dir.path()));

@@ -331,30 +331,8 @@ TEST_F(PlanCommandTest, SaysWhatWouldBeRight) {
     EXPECT_THAT(refused({mDir.path(), "USA", "DTV_CABEL"}, 2),
                 HasSubstr("did you mean DTV_CABLE?"));
     EXPECT_THAT(refused({"GERMANY"}, 2), HasSubstr("plan takes [TREE] COUNTRY KIND [CABLE]"));
-    const std::string form = "mlktree: plan takes [TREE] COUNTRY KIND [CABLE]; ";
-    EXPECT_EQ(refused({mDir.path(), "USA"}, 2), form + "KIND is missing after \"USA\"\n");
-    EXPECT_EQ(refused({"USA"}, 2), form + "KIND is missing after \"USA\"\n");
-    EXPECT_EQ(refused({mDir.path(), "DTV_CABLE"}, 2),
-              form + "COUNTRY is missing before \"DTV_CABLE\"\n");
-    EXPECT_THAT(refused({"USA", "DTV_CABLE", "HRC", "x", "--tree", "."}, 2),
-                HasSubstr("\"x\" is too much"));
-    EXPECT_EQ(refused({"USA", "DTV_CABLE", "--svg", mDir.path("p.svg"), "--format", "json"}, 2),
+    EXPECT_EQ(refused({"USA", "DTV_CABLE", "--svg", "-", "--format", "json"}, 2),
               "mlktree: --svg draws a picture, --format prints a table; leave one of them out\n");
-    EXPECT_FALSE(std::filesystem::exists(mDir.path("p.svg")));
-}
-
-TEST_F(PlanCommandTest, SaysThatTheTreeComesFirst) {
-    const std::string tree = mDir.path();
-    const std::string text = "mlktree: plan takes [TREE] COUNTRY KIND [CABLE]; the tree \"" + tree +
-                             "\" comes first\n";
-    EXPECT_EQ(refused({"GERMANY", "DTV_CABLE", tree}, 2), text);
-    EXPECT_EQ(refused({"USA", "DTV_CABLE", "HRC", tree}, 2), text);
-    EXPECT_EQ(refused({"GERMANY", tree, "DTV_CABLE"}, 2), text);
-    // Neither --tree nor a tree in front leaves a place for another one.
-    EXPECT_THAT(refused({"GERMANY", "DTV_CABLE", tree, "--tree", tree}, 2),
-                HasSubstr("CABLE is AUTO, STD, HRC, IRC, not "));
-    EXPECT_THAT(refused({tree, "GERMANY", "DTV_CABLE", "x/y"}, 2),
-                HasSubstr("CABLE is AUTO, STD, HRC, IRC, not \"x/y\""));
 }
 
 TEST_F(PlanCommandTest, NamesMapAndLineOfAPlanThatIsMissing) {
