@@ -85,7 +85,8 @@ TEST_F(SampleClientTest, SectionsAndKeysAreUnderstoodOrSuggested) {
               "mlkctl: there is no section \"livetv\"; did you mean [LiveTV]?\n");
     EXPECT_EQ(run({"get", "LiveTV", "tvConfig"}).err,
               "mlkctl: [LiveTV] has no key \"tvConfig\"; did you mean TvConfig?\n");
-    EXPECT_THAT(run({"call", "getEQPath", "5"}).err, EndsWith("; INDEX 5 is out of its range, 0 or 1\n"));
+    EXPECT_THAT(run({"call", "getEQPath", "5"}).err,
+                EndsWith("; INDEX 5 is out of its range, 0 or 1\n"));
 }
 
 TEST_F(SampleClientTest, TheTableShowsTheWholeSet) {
