@@ -12,16 +12,16 @@ from dataclasses import dataclass, field
 _SERVICE = "service_test"
 _HIDL = ["host_hidl_test", "host_hidl_ipc_test", "host_hidl_hostile_test", "host_hidl_users_test"]
 
-# The programs of a folder, and those of folders above it that show its bugs soonest: in that order.
+# The programs of a folder, and of those above it that use it: in that order.
 PROGRAMS = {
     "common": (["common_test"],
-               ["regional_test", "tvconfigs_test", "projectconfigs_test", "samples_test",
-                _SERVICE]),
+               ["regional_test", "tvconfigs_test", "frameworkconfigs_test", "projectconfigs_test",
+                "samples_test", _SERVICE, "mlktree_test"]),
     "regional": (["regional_test"],
-                 ["projectconfigs_test", "mlkctl_test", "samples_test", _SERVICE]),
-    "projectconfigs": (["projectconfigs_test"], ["samples_test", _SERVICE]),
-    "tvconfigs": (["tvconfigs_test"], [_SERVICE]),
-    "frameworkconfigs": (["frameworkconfigs_test"], [_SERVICE]),
+                 ["projectconfigs_test", "mlkctl_test", "samples_test", _SERVICE, "mlktree_test"]),
+    "projectconfigs": (["projectconfigs_test"], ["samples_test", _SERVICE, "mlktree_test"]),
+    "tvconfigs": (["tvconfigs_test"], [_SERVICE, "mlktree_test"]),
+    "frameworkconfigs": (["frameworkconfigs_test"], [_SERVICE, "mlktree_test"]),
     "service": ([_SERVICE], ["samples_test"]),
     "host/hidl": (_HIDL, ["host_memory_test", "projectconfigs_test", "mlkctl_test", _SERVICE]),
     "host/log": (["host_log_test"], ["host_testing_test", _SERVICE]),
