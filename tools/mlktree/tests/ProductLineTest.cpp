@@ -28,7 +28,7 @@ class ProductLineTest : public ::testing::Test {
 
     const SoundTree mDir;
     const Tree mTree{mDir.path(), {}};
-    const Settings mSettings;
+    const Settings mSettings = {};
     const TreeProperties mProperties{mDir.path("data/property"), {}};
 };
 
