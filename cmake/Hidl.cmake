@@ -39,7 +39,7 @@ function(mlk_hidl_generate prefix package)
         COMMENT "Compiling ${package}"
         VERBATIM)
     # Structs travel as raw memory: a client may send any byte for a bool or an enumerator, and
-    # generated code passes it on, as it does on a device. Optimising it takes a sanitizer a minute.
+    # generated code passes it on, as it does on a device. With a sanitizer, optimising takes a minute.
     set_source_files_properties(${ARG_SOURCES} PROPERTIES
         COMPILE_OPTIONS "-w;-fno-sanitize=bool,enum;$<$<NOT:$<CONFIG:Release>>:-O0>")
     set(${prefix}_SOURCES ${ARG_SOURCES} PARENT_SCOPE)

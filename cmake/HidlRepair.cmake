@@ -6,8 +6,8 @@
 file(GLOB headers ${FOLDER}/*.h)
 # getHashChain takes the address of a temporary array, which C++ does not allow.
 file(GLOB sources ${FOLDER}/*.cpp)
-# getImpl is part of every call. As a copy, the pointer's count would be what all threads of the pool
-# write to at the same time.
+# Every call asks getImpl for a pointer. If each call copied it, all threads of the pool would write to
+# the pointer's reference count at the same time.
 foreach(file ${headers} ${sources})
     file(READ ${file} text)
     string(REPLACE "template<> constexpr std::array" "template<> inline constexpr std::array"

@@ -84,8 +84,8 @@ class Services {
 
   private:
     /**
-     * An object whose service died while nobody called it: a call would be the first to hear of it,
-     * although it never reached the service. Throws Failure if the service hangs.
+     * Forgets the object if its service died while nobody called it: the next call would fail
+     * without having reached a service. Throws Failure if the service hangs.
      */
     void forgetIfDead(const Interface& interface);
     size_t callSome(const std::vector<Request>& requests, size_t first, const Receiver& receive);

@@ -21,7 +21,7 @@ IMlkFrameworkConfigs, are registered and answer a ping.
 Options:
   --timeout SECONDS  give up after that time, 0 to 86400, fractions allowed; default 10. With 0
                      each interface is asked once. A service that is there has a second to
-                     answer, even if the time is shorter
+                     answer, even if the time is shorter.
   -h, --help         this text
 
 Output:
@@ -59,7 +59,7 @@ bool answersUntil(const Services::Finder& find, const Interface& interface,
 
 // The names of the interfaces that do not answer in time.
 std::vector<std::string> missingAt(Clock::time_point deadline, const Services::Finder& find) {
-    // A shorter limit than this is one for the service to be there: its answer takes time, too.
+    // A service that is there needs time to answer, however short the limit is.
     constexpr auto kForAnAnswer = std::chrono::seconds(1);
     const auto end = std::max(deadline, Clock::now() + kForAnAnswer);
     std::vector<Pending<bool>> questions;

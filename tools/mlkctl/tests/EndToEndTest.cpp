@@ -258,7 +258,7 @@ TEST_F(EndToEndTest, ABatchOutlivesTheService) {
     startService();
     batch.send("[\"IMlkProjectConfigs\",\"getRegionName\"]\n");
     ASSERT_TRUE(batch.waitForOut("{\"success\":true,\"value\":\"getRegionName\"}\n"));
-    // Without a call on its way, no line needs to hear of the death.
+    // The service dies while no call is under way, so no line reports its death.
     mService->kill(SIGKILL);
     mService->wait();
     startService();

@@ -165,7 +165,7 @@ NotFound missingSection(const SetModel& set, const std::string& section,
         const std::string hint = suggestionOf(section, sections);
         return NotFound(what + (hint.empty() ? modelHint(set) : hint));
     }
-    // The name is right, so that of the set is wrong.
+    // The name asked for is right, so the one in the set is wrong.
     sections.erase(std::remove_if(sections.begin(), sections.end(), isKnownSection),
                    sections.end());
     const std::string_view near = nearest(section, sections);
@@ -197,7 +197,7 @@ NotFound missingItem(const SetModel& set, std::string_view section, const std::s
     const bool isKnown = isKnownKey(set, section, key);
     for (const auto& [name, item] : set.items()) {
         if (name.first == section) {
-            // If the name is right, that of the set is wrong.
+            // If the name asked for is right, the one in the set is wrong.
             if (!isKnown || !isKnownKey(set, section, name.second)) {
                 keys.push_back(name.second);
             }

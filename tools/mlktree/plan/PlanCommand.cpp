@@ -58,7 +58,7 @@ struct PlanRequest {
 
 constexpr const char* kForm = "plan takes [TREE] COUNTRY KIND [CABLE]";
 
-// A tree that stands after COUNTRY; empty if there is none.
+// The first word after COUNTRY that can only be a tree, or an empty text.
 std::string misplacedTree(const std::vector<std::string>& words) {
     if (words.empty() || (looksLikeTree(words[0]) && !countryOf(words[0]))) {
         return "";

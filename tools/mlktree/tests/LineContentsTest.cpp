@@ -64,7 +64,7 @@ TEST(LineContentsTest, TellsLinesApart) {
     EXPECT_EQ(features->contents(), std::vector<uint32_t>{7});
 }
 
-// Of so many different lines, some have one hash of 32 bits.
+// Among 200,000 different lines, some share a hash of 32 bits.
 TEST(LineContentsTest, TellsLinesOfOneHashApart) {
     constexpr size_t kLines = 200000;
     std::vector<std::string> sections;
