@@ -1,7 +1,5 @@
 #include "host/testing/HostSet.h"
 
-#include <stdlib.h>
-
 #include <filesystem>
 #include <stdexcept>
 
@@ -10,21 +8,6 @@
 namespace mlk::testing {
 
 namespace fs = std::filesystem;
-
-HostSet::Variable::Variable(const char* name, const std::string& value) : mName(name) {
-    if (const char* former = getenv(name)) {
-        mFormer = former;
-    }
-    setenv(name, value.c_str(), 1);
-}
-
-HostSet::Variable::~Variable() {
-    if (mFormer) {
-        setenv(mName, mFormer->c_str(), 1);
-    } else {
-        unsetenv(mName);
-    }
-}
 
 HostSet::HostSet() : mRoot("MLK_ROOT", mDir.path()), mRuntime("MLK_RUNTIME_DIR", mDir.path("run")) {
     for (const char* folder : {"tvconfigs", "tvdata", "impdata", "data/property", "run"}) {

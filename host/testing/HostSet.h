@@ -1,8 +1,8 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/TempDir.h"
 
 namespace mlk::testing {
@@ -10,9 +10,8 @@ namespace mlk::testing {
 /**
  * A separate television set for one test: a temporary folder with the partitions "tvconfigs",
  * "tvdata" and "impdata", the property store "data/property", and "run" for the services' sockets.
- * While the object lives, MLK_ROOT and MLK_RUNTIME_DIR name it in this process's environment, which
- * started programs inherit; the destructor restores them. Changing the environment is not
- * thread-safe: create the object before any threads and destroy it after them.
+ * While the object lives, the EnvironmentVariables MLK_ROOT and MLK_RUNTIME_DIR name it. Not
+ * thread-safe, as they are not: create the object before any threads and destroy it after them.
  */
 class HostSet {
   public:
@@ -42,22 +41,9 @@ class HostSet {
     void copyFrom(const std::string& partitionsRoot);
 
   private:
-    // Sets a variable while the object lives.
-    class Variable {
-      public:
-        Variable(const char* name, const std::string& value);
-        ~Variable();
-        Variable(const Variable&) = delete;
-        Variable& operator=(const Variable&) = delete;
-
-      private:
-        const char* mName;
-        std::optional<std::string> mFormer;
-    };
-
     TempDir mDir;
-    Variable mRoot;
-    Variable mRuntime;
+    EnvironmentVariable mRoot;
+    EnvironmentVariable mRuntime;
 };
 
 }  // namespace mlk::testing

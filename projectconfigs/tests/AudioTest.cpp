@@ -7,6 +7,7 @@
 
 #include <limits>
 
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/QuietLog.h"
 #include "host/testing/Threads.h"
 #include "projectconfigs/tests/ServiceOnSet.h"
@@ -68,7 +69,13 @@ class AudioTest : public ServiceOnSet {
     }
 };
 
-using AudioDeathTest = AudioTest;
+// Each death runs the test again in a process that leaves its folder; that is then in this one's.
+class AudioDeathTest : public AudioTest {
+  protected:
+    AudioDeathTest() { ::testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+
+    const mlk::testing::EnvironmentVariable mTemporary{"TMPDIR", mSet.dir().path()};
+};
 
 TEST_F(AudioTest, TextOfAnAvrEndsAtItsNul) {
     startWithAllFiles();
@@ -319,7 +326,6 @@ TEST_F(AudioTest, LongestAvrPathIsTaken) {
 }
 
 TEST_F(AudioDeathTest, TextLongerThanItsBufferEndsTheProcess) {
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     startWithAllFiles();
     EXPECT_EXIT(mService->setAvrVendorId(std::string(129, 'v'), [](const auto&) {}),
                 ::testing::KilledBySignal(SIGABRT), "");
@@ -328,7 +334,6 @@ TEST_F(AudioDeathTest, TextLongerThanItsBufferEndsTheProcess) {
 }
 
 TEST_F(AudioDeathTest, NameOrPathThatDoesNotFitEndsTheProcess) {
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     startWithAllFiles();
     EXPECT_EQ(flag(asked(&Service::setAvrVendorId, "v")), "true");
     EXPECT_EXIT(mService->setAvrOSDName(std::string(119, 'n'), [](const auto&) {}),

@@ -6,11 +6,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <string>
 
 #include "Everything.h"
 #include "host/hidl/src/RuntimeFolder.h"
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/LogCapture.h"
 
@@ -22,14 +22,7 @@ using ::testing::ElementsAre;
 
 class FoldersTest : public ::testing::Test {
   protected:
-    ~FoldersTest() override {
-        // HostSet restores its own variables.
-        if (mFormerSession.has_value()) {
-            setenv("XDG_RUNTIME_DIR", mFormerSession->c_str(), 1);
-        } else {
-            unsetenv("XDG_RUNTIME_DIR");
-        }
-    }
+    // HostSet restores the variable.
     static void use(const std::string& path) { setenv("MLK_RUNTIME_DIR", path.c_str(), 1); }
 
     // Whether a service can be registered and found in this process.
@@ -52,10 +45,7 @@ class FoldersTest : public ::testing::Test {
 
     testing::HostSet mSet;
     const std::string mBase = mSet.dir().path();
-    std::optional<std::string> mFormerSession =
-            getenv("XDG_RUNTIME_DIR") == nullptr
-                    ? std::nullopt
-                    : std::optional<std::string>(getenv("XDG_RUNTIME_DIR"));
+    const testing::EnvironmentVariable mSession{"XDG_RUNTIME_DIR", nullptr};
 };
 
 TEST_F(FoldersTest, IsMadeForItsUserOnly) {
@@ -100,7 +90,7 @@ TEST_F(FoldersTest, RelativePath) {
 }
 
 TEST_F(FoldersTest, DefaultsWithoutTheVariable) {
-    setenv("XDG_RUNTIME_DIR", (mBase + "/session").c_str(), 1);
+    mSession.set(mBase + "/session");
     for (const bool isEmpty : {true, false}) {
         if (isEmpty) {
             use("");
@@ -111,9 +101,9 @@ TEST_F(FoldersTest, DefaultsWithoutTheVariable) {
     }
     EXPECT_TRUE(works());
     EXPECT_EQ(modeOf(mBase + "/session/mlkconfigs"), 0700U);
-    setenv("XDG_RUNTIME_DIR", "", 1);
+    mSession.set("");
     EXPECT_EQ(transport::findRuntimeFolder().path, "/run/mlkconfigs");
-    unsetenv("XDG_RUNTIME_DIR");
+    mSession.set(nullptr);
     EXPECT_EQ(transport::findRuntimeFolder().path, "/run/mlkconfigs");
     // HostSet restored the variable, so set it again.
     use(mSet.runtime());
@@ -135,11 +125,10 @@ TEST_F(FoldersTest, AUserWhoCannotMakeTheDefaultIsToldWhatToSet) {
         GTEST_SKIP() << "only root can become another user, who must have to make the folder";
     }
     unsetenv("MLK_RUNTIME_DIR");
-    unsetenv("XDG_RUNTIME_DIR");
     const testing::LogCapture log;
     ASSERT_EQ(seteuid(65534), 0);
     const bool isMade = transport::makeRuntimeFolder().descriptor.ok();
-    setenv("XDG_RUNTIME_DIR", "/proc/none", 1);
+    mSession.set("/proc/none");
     (void)transport::makeRuntimeFolder();
     ASSERT_EQ(seteuid(0), 0);
     use(mSet.runtime());

@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "RawClient.h"
 #include "Server.h"
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Sanitizers.h"
 
@@ -101,8 +101,6 @@ TEST_F(LimitsTest, MemoryOfLargeAnswersIsGivenBack) {
 // A server that refuses what a device would not deliver.
 class DeviceLimitTest : public ::testing::Test {
   protected:
-    DeviceLimitTest() { (void)setenv("MLK_REPLY_LIMIT", "device", 1); }
-    ~DeviceLimitTest() override { (void)unsetenv("MLK_REPLY_LIMIT"); }
     // The size of a reply of that many bytes, beside them.
     uint64_t frame(uint32_t count) const {
         RawClient client(mSet.runtime());
@@ -115,6 +113,7 @@ class DeviceLimitTest : public ::testing::Test {
     }
 
     testing::HostSet mSet;
+    const testing::EnvironmentVariable mLimit{"MLK_REPLY_LIMIT", "device"};
 };
 
 TEST_F(DeviceLimitTest, AnswerOfTheLimitIsDeliveredAndOneByteMoreIsNot) {

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -16,6 +15,7 @@
 #include "HostileFixture.h"
 #include "RawClient.h"
 #include "host/hidl/src/Socket.h"
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/Sanitizers.h"
 
 namespace mlk::test {
@@ -142,8 +142,6 @@ TEST_F(UnfinishedTest, OneThatNeverReadsALargeAnswerCostsOthersNothing) {
 // A server with a short stall limit.
 class ImpatientTest : public ::testing::Test {
   protected:
-    ImpatientTest() { (void)setenv("MLK_STALL_LIMIT_MS", "300", 1); }
-    ~ImpatientTest() override { (void)unsetenv("MLK_STALL_LIMIT_MS"); }
     std::unique_ptr<RawClient> connect() const {
         auto client = std::make_unique<RawClient>(mSet.runtime());
         EXPECT_TRUE(client->hello());
@@ -151,6 +149,7 @@ class ImpatientTest : public ::testing::Test {
     }
 
     testing::HostSet mSet;
+    const testing::EnvironmentVariable mLimit{"MLK_STALL_LIMIT_MS", "300"};
 };
 
 TEST_F(ImpatientTest, UnfinishedMessageHasATimeLimit) {
@@ -195,9 +194,7 @@ class LessImpatientTest : public ImpatientTest {
   protected:
     static constexpr std::chrono::milliseconds kLimit{1500};
 
-    LessImpatientTest() {
-        (void)setenv("MLK_STALL_LIMIT_MS", std::to_string(kLimit.count()).c_str(), 1);
-    }
+    LessImpatientTest() { mLimit.set(std::to_string(kLimit.count())); }
     // Reads a reply, which takes twice the limit. False when the connection ends.
     static bool readSlowly(const RawClient& client) {
         const auto start = std::chrono::steady_clock::now();

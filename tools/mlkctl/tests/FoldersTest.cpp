@@ -3,11 +3,10 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <optional>
 
 #include "host/hidl/src/RuntimeFolder.h"
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/HostSet.h"
 #include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Services.h"
@@ -17,33 +16,16 @@ namespace mlk::ctl {
 
 namespace {
 
+using mlk::testing::EnvironmentVariable;
 using mlk::testing::HostSet;
 using ::testing::HasSubstr;
-
-// A variable of the environment for one test.
-class Variable {
-  public:
-    Variable(const char* name, const char* value) : mName(name) {
-        if (const char* former = getenv(name)) {
-            mFormer = former;
-        }
-        value == nullptr ? unsetenv(name) : setenv(name, value, 1);
-    }
-    ~Variable() { mFormer ? setenv(mName, mFormer->c_str(), 1) : unsetenv(mName); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-  private:
-    const char* mName;
-    std::optional<std::string> mFormer;
-};
 
 TEST(FoldersTest, TheFolderOfTheSocketsIsThatOfTheRuntime) {
     const HostSet set;
     for (const char* own : {"/x/run", "/x/run//", "/", "", static_cast<const char*>(nullptr)}) {
         for (const char* session : {"/session", "", static_cast<const char*>(nullptr)}) {
-            const Variable ownVariable("MLK_RUNTIME_DIR", own);
-            const Variable sessionVariable("XDG_RUNTIME_DIR", session);
+            const EnvironmentVariable ownVariable("MLK_RUNTIME_DIR", own);
+            const EnvironmentVariable sessionVariable("XDG_RUNTIME_DIR", session);
             EXPECT_EQ(runtimeFolder(), ::android::hardware::transport::findRuntimeFolder().path);
         }
     }
@@ -52,15 +34,15 @@ TEST(FoldersTest, TheFolderOfTheSocketsIsThatOfTheRuntime) {
 TEST(FoldersTest, SaysWhichVariableNamesTheFolder) {
     const HostSet set;
     {
-        const Variable session("XDG_RUNTIME_DIR", "/no/session");
-        const Variable own("MLK_RUNTIME_DIR", nullptr);
+        const EnvironmentVariable session("XDG_RUNTIME_DIR", "/no/session");
+        const EnvironmentVariable own("MLK_RUNTIME_DIR", nullptr);
         EXPECT_EQ(aboutSockets(),
                   "; sockets are looked for in /no/session/mlkconfigs "
                   "($XDG_RUNTIME_DIR/mlkconfigs, as MLK_RUNTIME_DIR is not set), which does not "
                   "exist");
     }
-    const Variable session("XDG_RUNTIME_DIR", nullptr);
-    const Variable own("MLK_RUNTIME_DIR", nullptr);
+    const EnvironmentVariable session("XDG_RUNTIME_DIR", nullptr);
+    const EnvironmentVariable own("MLK_RUNTIME_DIR", nullptr);
     EXPECT_THAT(aboutSockets(),
                 HasSubstr("in /run/mlkconfigs (the default, as neither MLK_RUNTIME_DIR nor "
                           "XDG_RUNTIME_DIR is set), which "));
@@ -80,7 +62,7 @@ TEST(FoldersTest, SaysWhatIsInTheFolder) {
     set.dir().write("run/e", "");
     EXPECT_EQ(aboutSockets(), begin + "holds a, b, c and 2 more");
     const std::string file = set.dir().write("file", "");
-    const Variable own("MLK_RUNTIME_DIR", file.c_str());
+    const EnvironmentVariable own("MLK_RUNTIME_DIR", file.c_str());
     EXPECT_EQ(aboutSockets(), "; sockets are looked for in " + file +
                                       " (MLK_RUNTIME_DIR), which cannot be read: Not a directory");
 }
@@ -128,7 +110,7 @@ TEST(FoldersTest, AStoreWithoutPropertiesIsNamed) {
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, HasSubstr("mlkctl: there are no properties: " + folder + ' '));
     EXPECT_EQ(runMlkctl({"prop", "list", "--json"}, script).out, "{}\n");
-    const Variable root("MLK_ROOT", "/no/such");
+    const EnvironmentVariable root("MLK_ROOT", "/no/such");
     outcome = runMlkctl({"prop", "list"}, script);
     EXPECT_EQ(outcome.err,
               "mlkctl: there are no properties: /no/such/data/property does not exist\n");
@@ -137,7 +119,7 @@ TEST(FoldersTest, AStoreWithoutPropertiesIsNamed) {
 TEST(FoldersTest, APropertyThatCannotBeSetNamesItsFile) {
     const HostSet set;
     set.dir().write("blocked/data", "no folder");
-    const Variable root("MLK_ROOT", set.dir().path("blocked").c_str());
+    const EnvironmentVariable root("MLK_ROOT", set.dir().path("blocked").c_str());
     Script script;
     const Outcome outcome = runMlkctl({"prop", "set", "a.key", "1"}, script);
     EXPECT_EQ(outcome.status, 1);
@@ -150,7 +132,7 @@ TEST(FoldersTest, PropertiesOfAFolderThatIsNoSetAreRefused) {
     const HostSet set;
     set.dir().mkdir("other");
     const std::string other = set.dir().path("other");
-    const Variable root("MLK_ROOT", other.c_str());
+    const EnvironmentVariable root("MLK_ROOT", other.c_str());
     Script script;
     const std::string refused = "mlkctl: no product line in MLK_ROOT=" + other +
                                 ": there is neither a folder " + other + "/tvconfigs nor " + other +
@@ -173,7 +155,7 @@ TEST(FoldersTest, PropertiesOfAFolderThatIsNoSetAreRefused) {
 
 TEST(FoldersTest, TheMissingSetOfTheRootNamesTheVariable) {
     const HostSet set;
-    const Variable root("MLK_ROOT", "");
+    const EnvironmentVariable root("MLK_ROOT", "");
     const std::string text = aboutMissingSet();
     if (!text.empty()) {  // this machine has no partitions
         EXPECT_EQ(text,
@@ -185,8 +167,8 @@ TEST(FoldersTest, TheMissingSetOfTheRootNamesTheVariable) {
 // Only root may create the default folder, so another user is told what to set.
 TEST(FoldersTest, AnotherUserIsToldToSetTheVariable) {
     const HostSet set;
-    const Variable session("XDG_RUNTIME_DIR", nullptr);
-    const Variable own("MLK_RUNTIME_DIR", nullptr);
+    const EnvironmentVariable session("XDG_RUNTIME_DIR", nullptr);
+    const EnvironmentVariable own("MLK_RUNTIME_DIR", nullptr);
     const std::string advice = "; set MLK_RUNTIME_DIR to the folder of the service";
     if (geteuid() == 0) {
         EXPECT_THAT(aboutSockets(), ::testing::Not(HasSubstr(advice)));

@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <sstream>
 
+#include "host/testing/EnvironmentVariable.h"
 #include "tools/common/Wrap.h"
 #include "tools/mlkctl/CommandLine.h"
 #include "tools/mlkctl/tests/Harness.h"
@@ -15,6 +15,7 @@ namespace mlk::ctl {
 
 namespace {
 
+using mlk::testing::EnvironmentVariable;
 using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -156,10 +157,8 @@ std::string onTerminal(Script& script) {
 }
 
 TEST_F(ShowLayoutTest, ATerminalGetsStyles) {
-    const char* former = getenv("TERM");
-    const std::string kept = former == nullptr ? "" : former;
-    setenv("TERM", "xterm", 1);
-    unsetenv("NO_COLOR");
+    const EnvironmentVariable terminal("TERM", "xterm");
+    const EnvironmentVariable noColour("NO_COLOR", nullptr);
     mScript.numberOf[{"isFileExist", "/set/tvconfigs/pq/pq.bin"}] = 0;
     mScript.texts = {};
     mScript.emptyTexts = true;
@@ -167,14 +166,13 @@ TEST_F(ShowLayoutTest, ATerminalGetsStyles) {
     EXPECT_THAT(onTerminal(mScript), AllOf(StartsWith("\x1b[1mProject\x1b[0m\r\n"
                                                       "  Name              \x1b[2m-\x1b[0m\r\n"),
                                            HasSubstr(missing)));
-    setenv("NO_COLOR", "1", 1);
+    noColour.set("1");
     EXPECT_THAT(onTerminal(mScript), Not(HasSubstr("\x1b")));
-    setenv("NO_COLOR", "", 1);
+    noColour.set("");
     EXPECT_THAT(onTerminal(mScript), HasSubstr(missing));
-    setenv("TERM", "dumb", 1);
+    terminal.set("dumb");
     EXPECT_THAT(onTerminal(mScript), Not(HasSubstr("\x1b")));
-    unsetenv("NO_COLOR");
-    former == nullptr ? unsetenv("TERM") : setenv("TERM", kept.c_str(), 1);
+    terminal.set("xterm");
     EXPECT_THAT(show(), Not(HasSubstr("\x1b")));
 }
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "host/testing/EnvironmentVariable.h"
 #include "host/testing/TempDir.h"
 
 namespace mlk::ctl {
@@ -25,13 +26,11 @@ constexpr const char* kAnswer =
 
 class TreeViewTest : public ::testing::Test {
   protected:
-    TreeViewTest() : mPath(getenv("PATH")) {
+    TreeViewTest() {
         for (const char* const name : {"tvconfigs", "tvdata", "impdata"}) {
             mMounts.push_back({"/" + std::string(name), mDir.mkdir("set/" + std::string(name))});
         }
-        setenv("PATH", (mDir.mkdir("bin") + ":" + mPath).c_str(), 1);
     }
-    ~TreeViewTest() override { setenv("PATH", mPath.c_str(), 1); }
 
     // Puts a program mlktree in front of all others.
     std::string install(const std::string& script) const {
@@ -45,7 +44,8 @@ class TreeViewTest : public ::testing::Test {
     }
 
     const mlk::testing::TempDir mDir;
-    const std::string mPath;
+    const mlk::testing::EnvironmentVariable mPath{"PATH",
+                                                  mDir.mkdir("bin") + ":" + std::getenv("PATH")};
     std::vector<Mounts::Mount> mMounts;
     std::ostringstream mErrors;
 };
@@ -79,13 +79,13 @@ TEST_F(TreeViewTest, NamesPartitionsThatLieApart) {
 }
 
 TEST_F(TreeViewTest, AsksNobodyWithoutMlktreeOrPartitions) {
-    setenv("PATH", (":bin::" + mDir.path("bin")).c_str(), 1);
+    mPath.set(":bin::" + mDir.path("bin"));
     EXPECT_FALSE(ask());
     install("echo '" + std::string(kAnswer) + "'");
     EXPECT_TRUE(ask());
-    setenv("PATH", "bin", 1);
+    mPath.set("bin");
     EXPECT_FALSE(ask());
-    setenv("PATH", mDir.path("bin").c_str(), 1);
+    mPath.set(mDir.path("bin"));
     mMounts[0].mountPoint = mDir.path("nothing");
     EXPECT_FALSE(ask());
     mMounts.clear();
