@@ -81,6 +81,15 @@ can_build() {
     return 1
 }
 
+# memory_folder: makes a folder in memory in which every user may write, and prints its path. Fails if
+# this machine has too little memory for that or starts no programs from there.
+memory_folder() {
+    local kind free options folder
+    read -r kind free options < <(findmnt -bno FSTYPE,AVAIL,OPTIONS -T /dev/shm 2>/dev/null)
+    [[ $kind == tmpfs && $options != *noexec* ]] && ((free >= 1 << 30)) || return
+    folder=$(mktemp -d /dev/shm/mlk-test.XXXXXX 2>/dev/null) && chmod 1777 "$folder" && echo "$folder"
+}
+
 # build PRESET [TARGET...]: configures the preset unless that is done, and builds.
 build() {
     local preset=$1
