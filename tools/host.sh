@@ -18,13 +18,13 @@ packages=(
     libtomlplusplus-dev ninja-build nlohmann-json3-dev python3 python3-jsonschema zlib1g-dev
 )
 # For the sanitizers' and the fuzzers' presets, and for the checks of form.
-clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev lld)
 # For the tests of mlkctl's completion.
 shell_packages=(fish zsh)
 # For ./test --coverage: llvm-cov and llvm-profdata.
 coverage_packages=(llvm)
 # For tests/device: scripts, module definitions, policy.
-device_packages=(blueprint-tools checkpolicy lld m4)
+device_packages=(blueprint-tools checkpolicy m4)
 # For tests/commands: manual pages, Debian packages, and what examples pipe their output to.
 package_packages=(dpkg-dev file groff-base jq less)
 # For the tests of the page of mlktree report: a browser, and what drives it.
