@@ -66,14 +66,13 @@ size_t readForClient(const std::string& path, const std::function<uint8_t*(size_
     if (path.empty()) {
         return 0;
     }
-    const std::optional<std::string> file = withoutQuotes(path);
-    const char* const name = (file ? *file : path).c_str();
-    ALOGD("filePath:%s", name);
-    if (!file || !pathExists(*file)) {
-        ALOGD("[%s %d] %s don't exist.", "getTvFile", __LINE__, name);
+    const NamedFile file = findFile(path);
+    ALOGD("filePath:%s", file.path.c_str());
+    if (!file.exists) {
+        ALOGD("[%s %d] %s don't exist.", "getTvFile", __LINE__, file.path.c_str());
         return 0;
     }
-    const size_t size = readWhole(*file, placeFor);
+    const size_t size = readWhole(file.path, placeFor);
     ALOGD("getTvFile fileData size:%zu", size);
     return size;
 }
@@ -97,14 +96,12 @@ bool ProjectParser::isFileExist(const std::string& path) {
     if (path.empty()) {
         return false;
     }
-    const std::optional<std::string> file = withoutQuotes(path);
-    const char* const name = (file ? *file : path).c_str();
-    ALOGD("isFileExist filePath:%s", name);
-    if (file && pathExists(*file)) {
-        return true;
+    const NamedFile file = findFile(path);
+    ALOGD("isFileExist filePath:%s", file.path.c_str());
+    if (!file.exists) {
+        ALOGD("isFileExist %s don't exist.", file.path.c_str());
     }
-    ALOGD("isFileExist %s don't exist.", name);
-    return false;
+    return file.exists;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

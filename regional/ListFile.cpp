@@ -5,7 +5,6 @@
 #include <log/log.h>
 
 #include <algorithm>
-#include <optional>
 
 #include "common/LineReader.h"
 #include "common/Paths.h"
@@ -17,14 +16,13 @@ ReadResult readListFile(const std::string& path, const std::function<void(std::s
     if (path.empty()) {
         return ReadResult::MISSING;
     }
-    const std::optional<std::string> file = withoutQuotes(path);
-    const char* const name = (file ? *file : path).c_str();
-    ALOGD("filePath:%s", name);
-    if (!file || !pathExists(*file)) {
-        ALOGE("%s don't exist.", name);
+    const NamedFile file = findFile(path);
+    ALOGD("filePath:%s", file.path.c_str());
+    if (!file.exists) {
+        ALOGE("%s don't exist.", file.path.c_str());
         return ReadResult::MISSING;
     }
-    LineReader reader(*file, kListBufferSize, LOG_TAG, kMostListBytes, observer);
+    LineReader reader(file.path, kListBufferSize, LOG_TAG, kMostListBytes, observer);
     std::string_view line;
     while (reader.next(line)) {
         if (line.empty()) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 
 #include "host/testing/OtherUser.h"
@@ -19,20 +20,37 @@ TEST(PathsTest, FileNameIsWhatFollowsTheLastSlash) {
     EXPECT_EQ(fileNameOf(""), "");
 }
 
-TEST(PathsTest, OnlyALeadingQuoteIsTakenOff) {
-    EXPECT_EQ(withoutQuotes("\"/a/b\""), "/a/b");
-    EXPECT_EQ(withoutQuotes("\"/a/b\" # comment"), "/a/b");
-    EXPECT_EQ(withoutQuotes("\"/a\"b\"c"), "/a\"b");
-    EXPECT_EQ(withoutQuotes("\"\""), "");
-    EXPECT_EQ(withoutQuotes("/a/\"b\""), "/a/\"b\"");
-    EXPECT_EQ(withoutQuotes(" \"/a\""), " \"/a\"");
-    EXPECT_EQ(withoutQuotes("/a"), "/a");
-    EXPECT_EQ(withoutQuotes(""), "");
+TEST(PathsTest, OnlyALeadingQuoteIsTakenOffAName) {
+    EXPECT_EQ(findFile("\"/a/b\"").path, "/a/b");
+    EXPECT_EQ(findFile("\"/a/b\" # comment").path, "/a/b");
+    EXPECT_EQ(findFile("\"/a\"b\"c").path, "/a\"b");
+    EXPECT_EQ(findFile("\"\"").path, "");
+    EXPECT_EQ(findFile("/a/\"b\"").path, "/a/\"b\"");
+    EXPECT_EQ(findFile(" \"/a\"").path, " \"/a\"");
+    EXPECT_EQ(findFile("/a").path, "/a");
+    EXPECT_EQ(findFile("").path, "");
+}
+
+TEST(PathsTest, FileOfANameIsLookedForWithoutTheQuotes) {
+    const mlk::testing::TempDir dir;
+    const std::string file = dir.write("file", "");
+    EXPECT_TRUE(findFile(file).exists);
+    EXPECT_TRUE(findFile("\"" + file + "\"").exists);
+    EXPECT_TRUE(findFile(dir.path()).exists);
+    EXPECT_FALSE(findFile(dir.path("nothing")).exists);
+    EXPECT_FALSE(findFile("\"\"").exists);
+    EXPECT_FALSE(findFile("").exists);
 }
 
 TEST(PathsTest, LeadingQuoteWithoutPartnerNamesNoFile) {
-    EXPECT_EQ(withoutQuotes("\""), std::nullopt);
-    EXPECT_EQ(withoutQuotes("\"/a/b"), std::nullopt);
+    const mlk::testing::TempDir dir;
+    std::filesystem::current_path(dir.path());
+    for (const std::string name : {"\"", "\"file"}) {
+        (void)dir.write(name, "");
+        EXPECT_EQ(findFile(name).path, name);
+        EXPECT_FALSE(findFile(name).exists);
+    }
+    std::filesystem::current_path("/");
 }
 
 TEST(PathsTest, WhateverHasThePathExists) {
