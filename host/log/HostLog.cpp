@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -74,15 +75,28 @@ const LogFilter& filter() {
     return kFilter;
 }
 
-void logger(const __android_logger_data* data, const char* message) {
+void showLine(const __android_logger_data& data, const char* message) {
+    const char* tag = data.tag == nullptr ? "" : data.tag;
+    if (!filter().shows(data.priority, tag)) {
+        return;
+    }
+    showLeftOut();
+    const std::string text = message == nullptr ? "" : message;
+    const int client = logClient();
+    if (client == kNoClient) {
+        show(data.priority, tag, text);
+    } else {
+        showFor(client, data.priority, tag, text);
+    }
+}
+
+// Handlers of exceptions and destructors log, too: this must not throw.
+void logger(const __android_logger_data* data, const char* message) noexcept {
     const int error = errno;
-    const char* tag = data->tag == nullptr ? "" : data->tag;
-    if (filter().shows(data->priority, tag)) {
-        showLeftOut();
-        const std::string text = message == nullptr ? "" : message;
-        const int client = logClient();
-        client == kNoClient ? show(data->priority, tag, text)
-                            : showFor(client, data->priority, tag, text);
+    try {
+        showLine(*data, message);
+    } catch (const std::bad_alloc&) {
+        // The line is lost.
     }
     errno = error;
 }

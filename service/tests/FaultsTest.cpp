@@ -42,6 +42,7 @@ struct Reference {
     std::vector<State> states;
     std::map<std::string, int> calls; /**< how often each call is made */
     int allCalls = 0;                 /**< except those for memory */
+    int allocationsOfTheStart = 0;
 
     Reference() {
         Scenario scenario;
@@ -52,6 +53,9 @@ struct Reference {
         for (std::string call; std::getline(lines, call);) {
             ++calls[call];
             allCalls += call == "memory" || call == "trim" ? 0 : 1;
+            if (call == "trim" && allocationsOfTheStart == 0) {
+                allocationsOfTheStart = calls["memory"];
+            }
         }
     }
 };
@@ -269,6 +273,29 @@ TEST(FaultsTest, NoMemoryForOneAllocation) {
         }
         expectWhole(scenario);
     }
+}
+
+/** After the start, all allocations fail from some moment on. No call may end the process. */
+TEST(FaultsTest, NoMemoryAnyMore) {
+    const auto allocations = reference().calls.find("memory");
+    if (allocations == reference().calls.end()) {
+        GTEST_SKIP() << "a sanitizer has the memory";
+    }
+    constexpr int kTried = 60;
+    int started = 0;
+    for (int i = 0; i < kTried; ++i) {
+        const int number = reference().allocationsOfTheStart + 1 + i * 2;
+        const std::string fault = "memory " + std::to_string(number) + "+ 12";
+        SCOPED_TRACE(fault);
+        Scenario scenario;
+        const std::vector<std::string> answers = scenario.run(faulty(scenario.set(), fault));
+        if (answers.front() == "started") {
+            ++started;
+            EXPECT_TRUE(scenario.runs()) << "a call that runs out of memory costs that call";
+        }
+        expectWhole(scenario);
+    }
+    EXPECT_GT(started, 0);
 }
 
 /** A part of all calls, so that the parts run in parallel. */
