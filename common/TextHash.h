@@ -7,11 +7,14 @@
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
+/** What the hashes of this process begin with: a random number that no file can know. */
+extern uint64_t gHashStart;
+
 /**
- * Hash of a short text, for tables in memory: it differs between machines of different byte order.
- * Made for names of about twelve bytes, for which std::hash is slow. It does not withstand texts
- * that somebody chooses so that their hashes collide. Inlined everywhere: a call costs a twentieth
- * of the time that reading a line takes.
+ * Hash of a short text, for tables in memory: it differs from process to process, so that no file
+ * can hold texts that were chosen to have one hash. Made for names of about twelve bytes, for which
+ * std::hash is slow. Inlined everywhere: a call costs a twentieth of the time that reading a line
+ * takes.
  *
  * @param seed  0, or the hash of a text that precedes this one
  */
@@ -27,7 +30,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
     };
     const char* const bytes = text.data();
     const size_t size = text.size();
-    uint64_t hash = mix(0, size);
+    uint64_t hash = mix(gHashStart, size);
     uint64_t last = 0;
     // The last word may overlap the one before it, which is faster than single bytes.
     if (size >= 8) {
