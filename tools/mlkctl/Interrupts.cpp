@@ -1,6 +1,7 @@
 #include "tools/mlkctl/Interrupts.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <ctime>
@@ -10,9 +11,22 @@ namespace mlk::ctl {
 namespace {
 
 volatile std::sig_atomic_t gSignalled = 0;
+// The exit status during a question; negative otherwise.
+volatile std::sig_atomic_t gStatus = -1;
 
 void note(int /* signal */) {
     gSignalled = 1;
+    if (gStatus >= 0) {
+        _exit(gStatus);
+    }
+}
+
+sigset_t ourSignals() {
+    sigset_t signals;
+    (void)sigemptyset(&signals);
+    (void)sigaddset(&signals, SIGINT);
+    (void)sigaddset(&signals, SIGTERM);
+    return signals;
 }
 
 }  // namespace
@@ -20,10 +34,7 @@ void note(int /* signal */) {
 Interrupts::Interrupts() : mFormerMask(), mFormerInterrupt(), mFormerTermination() {
     gSignalled = 0;
     // Blocked but for the pauses: so no signal falls between a look at the flag and the pause.
-    sigset_t blocked;
-    (void)sigemptyset(&blocked);
-    (void)sigaddset(&blocked, SIGINT);
-    (void)sigaddset(&blocked, SIGTERM);
+    const sigset_t blocked = ourSignals();
     (void)pthread_sigmask(SIG_BLOCK, &blocked, &mFormerMask);
     struct sigaction action {};
     action.sa_handler = note;
@@ -52,6 +63,18 @@ Interrupts::Pause Interrupts::wait(std::chrono::duration<double> time, int descr
     }
     return ready > 0 && (output.revents & (POLLERR | POLLHUP)) != 0 ? Pause::NO_READER
                                                                     : Pause::OVER;
+}
+
+Interrupts::Question::Question(const Interrupts& /* interrupts */, int status) {
+    gStatus = status;
+    const sigset_t open = ourSignals();
+    (void)pthread_sigmask(SIG_UNBLOCK, &open, nullptr);
+}
+
+Interrupts::Question::~Question() {
+    const sigset_t blocked = ourSignals();
+    (void)pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+    gStatus = -1;
 }
 
 }  // namespace mlk::ctl

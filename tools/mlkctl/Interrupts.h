@@ -7,8 +7,9 @@
 namespace mlk::ctl {
 
 /**
- * While it lives, SIGINT and SIGTERM do not end the process: they end a pause. Threads that are
- * started meanwhile do not take them. One object at a time; create it before other threads.
+ * While it lives, SIGINT and SIGTERM end a pause, or a question, and not the process as they do
+ * otherwise. Threads that are started meanwhile do not take them. One object at a time; create it
+ * before other threads.
  */
 class Interrupts {
   public:
@@ -24,6 +25,18 @@ class Interrupts {
      * if nobody reads the pipe of the descriptor any more.
      */
     Pause wait(std::chrono::duration<double> time, int descriptor) const;
+
+    /**
+     * While it lives, a signal ends the process at once, with this status: for questions that may
+     * take long. So does one that has come since the Interrupts exist. Write all output before.
+     */
+    class Question {
+      public:
+        Question(const Interrupts& interrupts, int status);
+        ~Question();
+        Question(const Question&) = delete;
+        Question& operator=(const Question&) = delete;
+    };
 
   private:
     sigset_t mFormerMask;

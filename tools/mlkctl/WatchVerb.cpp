@@ -100,7 +100,8 @@ std::string told(Services& services, const Interface& interface, const Question&
     }
 }
 
-Facts look(Services& services) {
+Facts look(Services& services, const Interrupts& interrupts) {
+    const Interrupts::Question question(interrupts, static_cast<int>(ExitStatus::ANSWERED));
     Facts facts;
     facts["model"] = told(services, projectInterface(), modelOf);
     facts["country"] = told(services, projectInterface(), [country = countryName()](IBase& object) {
@@ -180,7 +181,7 @@ class WatchVerb : public Verb {
         Services& services = environment.services;
         Output& output = environment.output;
         services.setLimit(limitOf(mSeconds));
-        Facts facts = look(services);
+        Facts facts = look(services, interrupts);
         output.line(summaryOf(facts));
         output.flush();
         // Without --count there is no end.
@@ -194,7 +195,7 @@ class WatchVerb : public Verb {
                 case Interrupts::Pause::OVER:
                     break;
             }
-            Facts now = look(services);
+            Facts now = look(services, interrupts);
             for (const std::string& line : changes(facts, now)) {
                 output.line(line);
                 if (--left == 0) {

@@ -4,8 +4,13 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
+#include <string>
 
+#include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
 #include "tools/mlkctl/tests/Harness.h"
@@ -77,6 +82,39 @@ TEST_F(WatchTest, EndsOnSigterm) {
     mWatch->kill(SIGTERM);
     EXPECT_EQ(mWatch->wait(), 0);
     EXPECT_EQ(mWatch->err(), "");
+}
+
+// Whether the process has a handler for the signal.
+bool catches(pid_t process, int signal) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("SigCgt:", 0) == 0) {
+            return (std::stoull(line.substr(7), nullptr, 16) >> (signal - 1) & 1U) != 0;
+        }
+    }
+    return false;
+}
+
+size_t threadsOf(pid_t process) {
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+    return static_cast<size_t>(std::distance(begin(threads), end(threads)));
+}
+
+TEST_F(WatchTest, EndsAtOnceWhileTheServiceHangs) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        start();
+        mWatch->kill(SIGKILL);
+        mWatch->wait();
+        mService->kill(SIGSTOP);
+        // The question may take a day: only the signal ends it.
+        Process watch({binDir() + "/mlkctl", "watch", "--timeout", "86400"});
+        // The thread that asks has begun.
+        ASSERT_TRUE(mlk::testing::eventually(
+                [&] { return catches(watch.pid(), signal) && threadsOf(watch.pid()) > 1; }));
+        watch.kill(signal);
+        EXPECT_EQ(watch.wait(), 0);
+        EXPECT_EQ(watch.err(), "");
+    }
 }
 
 TEST_F(WatchTest, EndsWhenNobodyReads) {
