@@ -30,9 +30,8 @@ std::string prefixOf(int priority, std::string_view tag, pid_t pid) {
     return prefix.append(process).append("): ");
 }
 
-// The length in bytes of the first UTF-8 character; 0 when it is malformed. Overlong forms of two
-// bytes are rejected because they could hide control characters; other deviations do not harm a
-// terminal.
+// The length in bytes of the first UTF-8 character; 0 when it is malformed. Overlong forms are
+// rejected because they could hide control characters; surrogates do not harm a terminal.
 size_t characterLength(std::string_view text) {
     const auto lead = static_cast<uint8_t>(text[0]);
     const size_t length = lead < 0x80   ? 1

@@ -75,7 +75,7 @@ Return<void> AshmemAllocator::batchAllocate(uint64_t size, uint64_t count,
                                             batchAllocate_cb answer) {
     Blocks blocks;
     const bool success = make(size, count, &blocks);
-    // Move the blocks into the vector: copying would duplicate each descriptor.
+    // The elements refer to the blocks: copies would duplicate each descriptor.
     hidl_vec<hidl_memory> batch(blocks.size());
     for (size_t i = 0; i < blocks.size(); ++i) {
         batch[i] = hidl_memory(kAshmem, blocks[i], size);

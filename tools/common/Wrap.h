@@ -7,8 +7,8 @@
 namespace mlk {
 
 /**
- * The number of columns that a text takes: its UTF-8 characters; a byte that is no part of one
- * takes a column, too.
+ * The number of columns that a text takes: one for each UTF-8 character. In malformed text, a
+ * continuation byte takes none, and any other byte takes one.
  */
 size_t columnsOf(std::string_view text);
 

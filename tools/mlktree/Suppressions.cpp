@@ -67,7 +67,7 @@ bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
     return true;
 }
 
-// Takes out the findings for which allows() gives a non-negative index; counts what each allows.
+// Moves the findings for which allowedAt() returns a value to the allowed ones.
 template <typename AllowedAt>
 void takeOut(Sorted& sorted, AllowedAt allowedAt) {
     std::vector<Finding> kept;

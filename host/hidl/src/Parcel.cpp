@@ -324,9 +324,19 @@ status_t Parcel::readBuffer(size_t length, size_t* handle, const void** buffer) 
 
 status_t Parcel::readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                     size_t parentOffset, const void** buffer) const {
+    size_t number = 0;
+    const void* address = nullptr;
     const status_t status =
-            readNullableEmbeddedBuffer(length, handle, parentHandle, parentOffset, buffer);
-    return status == OK && *buffer == nullptr ? UNEXPECTED_NULL : status;
+            readNullableEmbeddedBuffer(length, &number, parentHandle, parentOffset, &address);
+    if (status != OK) {
+        return status;
+    }
+    if (address == nullptr) {
+        return UNEXPECTED_NULL;
+    }
+    *handle = number;
+    *buffer = address;
+    return OK;
 }
 
 status_t Parcel::readNullableEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,

@@ -152,7 +152,7 @@ class OutgoingMessage {
     void layOut(const Header& header, const std::vector<uint8_t>& data,
                 const std::vector<Parcel::Object>& objects, size_t small);
 
-    std::vector<uint8_t> mSmall;  // copies of small parts, with their padding; never shrinks
+    std::vector<uint8_t> mSmall;  // copies of small parts, with their padding; kept unless large
     // Whether an object is copied, and where its copy is.
     struct Copy {
         bool made;

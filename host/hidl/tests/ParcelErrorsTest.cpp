@@ -47,9 +47,12 @@ status_t readSlots(const Parcel& parcel) {
 std::function<status_t(const Parcel&)> embedded(size_t length, size_t parent, size_t offset) {
     return [=](const Parcel& parcel) {
         EXPECT_EQ(readSlots(parcel), OK);
-        size_t handle;
-        const void* bytes;
-        return parcel.readEmbeddedBuffer(length, &handle, parent, offset, &bytes);
+        size_t handle = 77;
+        const void* bytes = sSlots;
+        const status_t status = parcel.readEmbeddedBuffer(length, &handle, parent, offset, &bytes);
+        EXPECT_EQ(handle, 77U) << "an error leaves what the caller has";
+        EXPECT_EQ(bytes, sSlots);
+        return status;
     };
 }
 std::function<status_t(const Parcel&)> embeddedHandle(size_t parent, size_t offset) {

@@ -117,7 +117,7 @@ class Parcel {
      */
     status_t readEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                 size_t parentOffset, const void** buffer) const;
-    /** The same, but a null buffer, or a missing one of length 0, gives null. */
+    /** The same, but null is allowed. A buffer of length 0 gives null, too. */
     status_t readNullableEmbeddedBuffer(size_t length, size_t* handle, size_t parentHandle,
                                         size_t parentOffset, const void** buffer) const;
     /** Reads the next object, which must be a handle or null; otherwise BAD_VALUE. */

@@ -18,8 +18,9 @@ struct IServiceManager : public virtual RefBase {
 
     /**
      * Calls back with every running service, as "package@version::IInterface/instance", in
-     * ascending order. Connects to each service and waits at most one second for those whose
-     * threads are all busy. EX_ILLEGAL_ARGUMENT without a callback.
+     * ascending order. Connects to each service and waits at most 0.3 s for the greetings of all
+     * together, and then a millisecond for each. A service that is silent counts as running.
+     * EX_ILLEGAL_ARGUMENT without a callback.
      */
     virtual ::android::hardware::Return<void> list(list_cb callback) = 0;
 
