@@ -60,7 +60,7 @@ EventSource::Next Listener::onEvents(uint32_t, ThreadPool& pool) {
         unique_fd socket(accept4(mSocket.get(), nullptr, nullptr, SOCK_CLOEXEC));
         if (socket.ok()) {
             mRefusing = false;
-            lookForName(socket.get());
+            lookForName();
             welcome(std::move(socket), pool);
         } else if (errno == EAGAIN) {
             break;
@@ -89,7 +89,7 @@ void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
     }
 }
 
-void Listener::lookForName(int client) {
+void Listener::lookForName() {
     if (mNameIsLost || mFile == 0) {
         return;
     }
@@ -98,14 +98,14 @@ void Listener::lookForName(int client) {
         return;
     }
     mNameIsLost = true;
-    ucred other{};
-    socklen_t size = sizeof(other);
-    (void)getsockopt(client, SOL_SOCKET, SO_PEERCRED, &other, &size);
-    if (other.pid == getpid()) {
+    const unique_fd taken(open(mPath.c_str(), O_PATH | O_CLOEXEC));
+    const pid_t other = taken.ok() ? listenerOf(taken.get()).value_or(0) : 0;
+    if (other == getpid()) {
         return;
     }
-    ALOGE("%s: process %d has taken the name over; new clients do not reach this process",
-          mPath.c_str(), other.pid);
+    const std::string process = other == 0 ? "another process" : "process " + std::to_string(other);
+    ALOGE("%s: %s has taken the name over; new clients do not reach this process", mPath.c_str(),
+          process.c_str());
 }
 
 void Listener::refuseOne() {

@@ -12,8 +12,9 @@ namespace android::hardware::transport {
 
 /**
  * The listening socket of a registered name. Accepts connections from processes of this user and of
- * root, and sends each a hello. Logs an error when another process has taken the name over: that
- * process connects once more (listenOn). Only one thread at a time uses it (ThreadPool).
+ * root, and sends each a hello. Logs an error when another process has taken the name over, of
+ * which a connection of that process tells (listenOn). Only one thread at a time uses it
+ * (ThreadPool).
  */
 class Listener : public EventSource {
   public:
@@ -26,7 +27,7 @@ class Listener : public EventSource {
   private:
     void welcome(::android::base::unique_fd socket, ThreadPool& pool) const;
     void refuseOne();
-    void lookForName(int client);
+    void lookForName();
 
     const ::android::base::unique_fd mSocket;
     const std::string mPath;

@@ -246,24 +246,27 @@ unique_fd connectTrusting(const RuntimeFolder& folder, const std::string& name, 
     return rootVisits || peerIsTrusted(socket.get()) ? std::move(socket) : unique_fd();
 }
 
-// Logs that this process takes the name over, and tells the former owner.
+// Logs that this process takes the name over. Connecting to the former owner tells it, too.
 void tellOfTakingOver(const RuntimeFolder& folder, const std::string& name, int former) {
-    const unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (connectFile(socket.get(), former) != 0 && errno != EAGAIN) {
-        return;  // it is gone
-    }
-    ucred owner{};
-    socklen_t size = sizeof(owner);
-    (void)getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &owner, &size);
-    // EAGAIN: its queue of clients is full, so it can be neither told nor asked.
-    if (owner.pid == getpid()) {
+    const std::optional<pid_t> owner = listenerOf(former);
+    if (!owner || *owner == getpid()) {
         return;
     }
-    ALOGE("%s/%s: this process takes the name from process %d, which still has it",
-          folder.path.c_str(), name.c_str(), owner.pid);
+    const std::string process =
+            *owner == 0 ? "a process that takes no clients" : "process " + std::to_string(*owner);
+    ALOGE("%s/%s: this process takes the name from %s, which still has it", folder.path.c_str(),
+          name.c_str(), process.c_str());
 }
 
 }  // namespace
+
+std::optional<pid_t> listenerOf(int file) {
+    const unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (socket.ok() && connectFile(socket.get(), file) == 0) {
+        return peerProcess(socket.get());
+    }
+    return socket.ok() && errno == EAGAIN ? std::optional<pid_t>(0) : std::nullopt;
+}
 
 status_t listenOn(const RuntimeFolder& folder, const std::string& name, unique_fd* listener) {
     unique_fd socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));

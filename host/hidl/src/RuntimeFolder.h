@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "Socket.h"
@@ -62,6 +63,12 @@ unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64
  */
 bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit);
+
+/**
+ * The process that listens on the socket of this file, which may be an O_PATH descriptor; 0 if it
+ * cannot be asked because its queue of clients is full; nothing if none listens. Connects once.
+ */
+std::optional<pid_t> listenerOf(int file);
 
 /** A random number that is unique in practice. */
 uint64_t randomNumber();

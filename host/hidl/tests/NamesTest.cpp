@@ -3,9 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/ServiceManagement.h>
+#include <signal.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <climits>
 #include <cstring>
@@ -94,6 +98,35 @@ TEST_F(NamesTest, LaterServerTakesTheName) {
     later->kill();
     EXPECT_EQ(IEverything::getService(), nullptr);
     EXPECT_EQ(pidOf(toFirst), first.pid());
+}
+
+TEST_F(NamesTest, WhoHasTakenTheNameIsToldEvenIfAnotherClientComesFirst) {
+    Server first;
+    ASSERT_EQ(kill(first.pid(), SIGSTOP), 0);
+    const RawClient innocent(mSet.runtime());
+    const Server later;
+    ASSERT_EQ(kill(first.pid(), SIGCONT), 0);
+    EXPECT_TRUE(first.says("process " + std::to_string(later.pid()) + " has taken the name over"))
+            << first.err();
+}
+
+TEST_F(NamesTest, NameIsTakenFromAProcessThatTakesNoClients) {
+    Server first;
+    ASSERT_EQ(kill(first.pid(), SIGSTOP), 0);
+    const std::string name = mSet.runtime() + "/" + IEverything::descriptor + ".default";
+    std::vector<unique_fd> waiting;
+    sockaddr_un address{AF_UNIX, {}};
+    ASSERT_LT(name.size(), sizeof address.sun_path);
+    (void)name.copy(address.sun_path, name.size());
+    do {
+        waiting.emplace_back(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    } while (connect(waiting.back().get(), reinterpret_cast<const sockaddr*>(&address),
+                     sizeof address) == 0);
+    ASSERT_EQ(errno, EAGAIN);
+    const Server later;
+    EXPECT_TRUE(later.says("takes the name from a process that takes no clients, which still"))
+            << later.err();
+    ASSERT_EQ(kill(first.pid(), SIGCONT), 0);
 }
 
 TEST_F(NamesTest, LossOfTheNameIsToldOnce) {
