@@ -22,7 +22,7 @@ class ByteBlock {
     /** @param text  64 readable bytes, which must outlive the object */
     explicit ByteBlock(const char* text) : mText(text) {}
 
-    /** Has a bit for each byte that is the symbol. */
+    /** Returns a bit for each byte: set if the byte is the symbol. */
     uint64_t where(char symbol) const {
         uint64_t bits = 0;
         for (size_t at = 0; at < kBytes; at += sizeof(Part)) {
@@ -37,15 +37,15 @@ class ByteBlock {
     static constexpr uint64_t before(size_t count) {
         return count < kBytes ? (uint64_t{1} << count) - 1 : UINT64_MAX;
     }
-    /** The bits before the first one that is set; all bits if none is. */
+    /** All bits below the lowest set bit; all bits for 0. */
     static constexpr uint64_t beforeFirst(uint64_t bits) { return (bits & (0 - bits)) - 1; }
-    /** The bits from the first one that is set to the last one; none if none is. */
+    /** All bits from the lowest to the highest set bit; 0 for 0. */
     static uint64_t filled(uint64_t bits) {
         return ~beforeFirst(bits) & (UINT64_MAX >> __builtin_clzll(bits | 1));
     }
-    /** The number of the first byte that has a bit; there must be one. */
+    /** The index of the lowest set bit; `bits` must not be 0. */
     static size_t firstOf(uint64_t bits) { return static_cast<size_t>(__builtin_ctzll(bits)); }
-    /** The number of the byte after the last one that has a bit; there must be one. */
+    /** The index after the highest set bit; `bits` must not be 0. */
     static size_t endOf(uint64_t bits) {
         return kBytes - static_cast<size_t>(__builtin_clzll(bits));
     }

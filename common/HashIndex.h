@@ -91,7 +91,7 @@ class HashIndex {
     }
 
     std::vector<Slot> mSlots;
-    uint32_t mShift = 0;  // leaves the upper bits of a hash that number the slots
+    uint32_t mShift = 0;  // hash >> mShift is the slot where a search begins
     uint32_t mSize = 0;
 };
 

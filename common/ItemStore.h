@@ -65,8 +65,8 @@ class ItemStore {
     static constexpr size_t kReadable = TextArena::kSlack;
 
     /**
-     * As insert(), but faster. Of both texts kReadable bytes must be readable, as they are of those
-     * of a LineReader and of a TextArena.
+     * As insert(), but faster. The first kReadable bytes of both texts must be readable, even if a
+     * text is shorter; LineReader and TextArena see to that.
      */
     Inserted insertReadable(Section section, std::string_view key, std::string_view value);
 
@@ -94,8 +94,8 @@ class ItemStore {
     const std::vector<Item>& inOrder() const;
 
     /**
-     * Returns the items of one section in order. Looks at all items from its first to its last one,
-     * which mostly follow each other.
+     * Returns the items of one section in order. Looks at all items from the section's first one
+     * to its last one; usually these are neighbours.
      */
     std::vector<Item> itemsOf(std::string_view section) const;
 

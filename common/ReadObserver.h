@@ -13,8 +13,8 @@ enum class LineUse {
     IGNORED, /**< should have been one of these, but the reader skips it */
     /**
      * The last line that a reader sees of a TV feature file, if it does not count: it has no line
-     * feed, is too long or has a NUL. In the last two cases, the lines after it are not read, nor
-     * told.
+     * feed, is too long or has a NUL. In the last two cases, the lines after it are neither read
+     * nor told.
      */
     LOST,
 };

@@ -28,7 +28,7 @@ class TextArena {
      * std::bad_alloc, which leaves everything allocated so far as it is.
      */
     char* allocate(size_t size) {
-        if (size >= mLeft) {  // also an empty text has its slack
+        if (size >= mLeft) {  // "=": an empty text needs a block, too, for its slack
             takeBlock(size);
         }
         mLeft -= size;

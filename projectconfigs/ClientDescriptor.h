@@ -24,7 +24,7 @@ inline constexpr std::chrono::milliseconds kCallerPatience(1000);
  * being written already. Any number of threads may call. The descriptor stays the caller's.
  *
  * Calls `done` once with the result, before or after the return and on any thread. `done` must not
- * throw, and must not refer to anything that it can outlive.
+ * throw, and must not refer to objects of the caller, who may have returned.
  */
 void writeToClient(int descriptor, std::string text, std::function<void(const Written&)> done);
 
