@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <new>
 #include <ostream>
 #include <system_error>
 
@@ -214,6 +215,9 @@ ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& en
         if (error.code() != std::errc::broken_pipe) {
             environment.errors << "mlkctl: " << error.what() << std::endl;
         }
+        return ExitStatus::UNREACHABLE;
+    } catch (const std::bad_alloc&) {
+        environment.errors << "mlkctl: not enough memory" << std::endl;
         return ExitStatus::UNREACHABLE;
     }
     return status;

@@ -9,8 +9,8 @@ namespace mlk::ctl {
 
 /**
  * Runs mlkctl with the words after the program's name. Reports every failure as one line on the
- * environment's errors; only a closed standard output is not reported. Returns the exit status;
- * throws only std::bad_alloc.
+ * environment's errors, exhausted memory included; only a closed standard output is not reported.
+ * Returns the exit status.
  */
 ExitStatus runCommandLine(const std::vector<std::string>& words, Environment& environment);
 

@@ -2,16 +2,20 @@
 #include "tools/mlkctl/Worker.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <future>
 #include <memory>
+#include <new>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "host/testing/AddressLimit.h"
 #include "host/testing/Eventually.h"
+#include "host/testing/Sanitizers.h"
 #include "host/testing/TimeLimit.h"
 #include "tools/mlkctl/Pending.h"
 #include "tools/mlkctl/tests/Harness.h"
@@ -217,6 +221,51 @@ TEST(PendingTest, LeavesBehindWhatTakesTooLong) {
     release->set_value();
     EXPECT_EQ(stuck.waitUntil(now + std::chrono::minutes(1)), 7);
     EXPECT_FALSE(anyPending());
+}
+
+TEST(PendingTest, ThrowsWhatItsWorkThrew) {
+    const Pending<int> failing([]() -> int { throw std::bad_alloc(); });
+    const auto later = Pending<int>::Clock::now() + std::chrono::minutes(1);
+    EXPECT_THROW((void)failing.waitUntil(later), std::bad_alloc);
+    EXPECT_FALSE(anyPending());
+    EXPECT_THROW((void)failing.waitUntil(later), std::bad_alloc) << "asked again";
+}
+
+// In a process of its own, which has no stack of a former thread to use again.
+TEST(PendingTest, AThreadThatCannotStartIsNotCounted) {
+    if (mlk::testing::kSanitized) {
+        GTEST_SKIP() << "a sanitizer ends the process when memory runs out";
+    }
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto startNone = [] {
+        bool refused = false;
+        {
+            const mlk::testing::AddressLimit tooLittleForAStack(4 << 20);
+            try {
+                const Pending<int> pending([] { return 7; });
+            } catch (const std::exception&) {
+                refused = true;
+            }
+        }
+        EXPECT_TRUE(refused);
+        EXPECT_FALSE(anyPending());
+        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(startNone(), ::testing::ExitedWithCode(0), "");
+}
+
+// The work of a look-up and of a call allocates.
+TEST(ServicesTest, MemoryThatRunsOutIsAFailureAsOthers) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"show"},
+                                                  {"wait", "--timeout", "0"},
+                                                  {"call", "IMlkTvConfigs", "getAtvSystem"}}) {
+        Services services([](const Interface&) -> ::android::sp<IBase> { throw std::bad_alloc(); });
+        const Outcome outcome = runMlkctl(words, services);
+        EXPECT_EQ(outcome.status, 1) << words[0];
+        EXPECT_EQ(outcome.out, "") << words[0];
+        EXPECT_EQ(outcome.err, "mlkctl: not enough memory\n") << words[0];
+    }
+    EXPECT_TRUE(mlk::testing::eventually([] { return !anyPending(); }));
 }
 
 }  // namespace
