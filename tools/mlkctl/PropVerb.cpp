@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "tools/common/Suggest.h"
@@ -26,9 +27,9 @@ belong to the set, not to the service, which need not run. On a host they are fi
 $MLK_ROOT/data/property.
 
 Words after list, get or set are taken as they are, -1 and --foo included. A key is letters,
-digits and "_.@:-"; a "." stands between other characters. A value has at most 91 bytes. A key that
-begins with "ro." is set once. Many switches are read by the service when it starts; a change is
-seen then.
+digits and "_.@:-"; a "." stands between other characters. A key has at most 255 bytes, a value
+at most 91. A key that begins with "ro." is set once. Many switches are read by the service when it
+starts; a change is seen then.
 
 Options:
   --json      list: one JSON object instead of lines
@@ -95,6 +96,11 @@ void requireKey(const std::string& text) {
     if (text.front() == '.' || text.back() == '.' || text.find("..") != std::string::npos) {
         throw usage(excerpt(text) +
                     R"( is no KEY: it has a "." at its beginning or end, or two in a row)");
+    }
+    // On a host a key is the name of a file.
+    if (text.size() > NAME_MAX) {
+        throw usage("KEY has at most " + std::to_string(NAME_MAX) + " bytes; there are " +
+                    std::to_string(text.size()));
     }
 }
 

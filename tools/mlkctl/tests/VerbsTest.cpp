@@ -345,6 +345,14 @@ TEST(PropTest, SaysWhyAPropertyCannotBeSet) {
                                              "\" is no KEY: it has a \".\" at its beginning or "
                                              "end, or two in a row\n");
     }
+    const std::string longest(255, 'k');
+    EXPECT_EQ(refused(longest, "1"), "0 ");
+    EXPECT_EQ(runMlkctl({"prop", "get", longest}, script).out, "1\n");
+    EXPECT_EQ(refused(longest + 'k', "1"), "2 mlkctl: KEY has at most 255 bytes; there are 256\n");
+    const Outcome tooLong = runMlkctl({"prop", "get", longest + 'k'}, script);
+    EXPECT_EQ(tooLong.status, 2);
+    EXPECT_EQ(tooLong.out, "");
+    EXPECT_EQ(tooLong.err, "mlkctl: KEY has at most 255 bytes; there are 256\n");
 }
 
 TEST(PropTest, RefusesOtherWords) {
