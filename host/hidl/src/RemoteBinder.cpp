@@ -177,7 +177,11 @@ status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const De
     *lost = true;
     const int connection = link->socket.get();
     Sending& sending = link->call.sending();
-    const int error = sendWithin(connection, &sending, oneway ? kOnewayPatience : end.left());
+    std::chrono::milliseconds patience = end.left();
+    if (oneway) {
+        patience = end.isNever() ? kOnewayPatience : std::min(kOnewayPatience, patience);
+    }
+    const int error = sendWithin(connection, &sending, patience);
     const bool whole = !sending.begun;
     link->call.finish();
     // When the kernel refuses the call, for example because of an invalid descriptor in it, the

@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <future>
@@ -112,6 +113,30 @@ TEST_F(CallLimitTest, CountsForWaitingForAConnection) {
     EXPECT_LT(steady_clock::now() - start, seconds(20));
     // The listener counts as dead; another call returns at once.
     EXPECT_EQ(bad->service()->callKept("text").withDefault(-3), -1);
+}
+
+TEST_F(CallLimitTest, CountsForCallsWithoutAnAnswer) {
+    const auto bad = server("100");
+    const auto client = listen();
+    const std::vector<uint8_t> bytes = answerBytes();
+    ASSERT_EQ(write(mOurs.get(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ASSERT_EQ(client->replyStatus(), OK);
+    const auto service = bad->service();
+    // Nobody reads: there is space for some calls. One that is refused leaves the listener alive.
+    int sent = 0;
+    while (sent < 100000 && service->tellKept(sent).withDefault(false)) {
+        ++sent;
+    }
+    ASSERT_LT(sent, 100000);
+    // The quickest of some, because the machine may be busy.
+    auto least = steady_clock::duration::max();
+    for (int i = 0; i < 5; ++i) {
+        const auto start = steady_clock::now();
+        EXPECT_FALSE(service->tellKept(i).withDefault(true));
+        least = std::min<steady_clock::duration>(least, steady_clock::now() - start);
+    }
+    EXPECT_GE(least, milliseconds(90));
+    EXPECT_LT(least, milliseconds(900));
 }
 
 TEST_F(CallLimitTest, AnswerInTimeIsTaken) {
