@@ -66,8 +66,14 @@ sp<RemoteBinder> RemoteBinder::fromConnection(unique_fd connection) {
 
 RemoteBinder::RemoteBinder(std::string name, uint64_t server, unique_fd first)
     : mName(std::move(name)), mServer(server) {
-    mLinks.push_back(std::make_unique<Link>(std::move(first)));
-    mFree.push_back(mLinks.back().get());
+    mFree.push_back(addLinkLocked(std::move(first)));
+}
+
+RemoteBinder::Link* RemoteBinder::addLinkLocked(unique_fd connection) {
+    // release() must not run out of memory: the link would be lost after an answered call.
+    mFree.reserve(mLinks.size() + 1);
+    mLinks.push_back(std::make_unique<Link>(std::move(connection)));
+    return mLinks.back().get();
 }
 
 RemoteBinder::~RemoteBinder() {
@@ -87,14 +93,18 @@ RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
         ++mOpening;
         lock.unlock();
         uint64_t server = 0;
-        unique_fd more = connectTo(findRuntimeFolder(), mName, &server, end);
+        unique_fd more;
+        try {
+            more = connectTo(findRuntimeFolder(), mName, &server, end);
+        } catch (const std::bad_alloc&) {
+            ALOGE("no memory for another connection to %s", mName.c_str());
+        }
         lock.lock();
         --mOpening;
         // A server that took the name over is a different one. A server that has no descriptor for
         // another connection still answers on the existing ones.
         if (more.ok() && server == mServer && !mDead) {
-            mLinks.push_back(std::make_unique<Link>(std::move(more)));
-            return mLinks.back().get();
+            return addLinkLocked(std::move(more));
         }
     }
     const auto isOver = [this] { return mDead || !mFree.empty(); };

@@ -61,6 +61,8 @@ class RemoteBinder : public IBinder {
 
     // Null when the object is dead or the time is over.
     Link* acquire(const Deadline& end);
+    // Keeps a new connection, which is not free yet.
+    Link* addLinkLocked(unique_fd connection);
     void release(Link* link);
     bool isDead();
     void markDead();

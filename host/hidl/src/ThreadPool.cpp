@@ -103,11 +103,13 @@ uint64_t ThreadPool::add(std::shared_ptr<EventSource> source, bool input) {
     epoll_event event{};
     event.events = (input ? uint32_t{EPOLLIN} : uint32_t{EPOLLRDHUP}) | EPOLLONESHOT;
     event.data.u64 = id;
+    // First the part that memory may be missing for: the set must not hold an id that nobody knows.
+    const auto added = mSources.emplace(id, source).first;
     if (epoll_ctl(mEpoll.get(), EPOLL_CTL_ADD, descriptor, &event) != 0) {
         ALOGE("cannot wait on a connection: %s", strerror(errno));
+        mSources.erase(added);
         return 0;
     }
-    mSources.emplace(id, std::move(source));
     return id;
 }
 

@@ -33,7 +33,9 @@ bool UnsentReply::keep(const Sending& message) {
         return true;
     }
     for (const int descriptor : message.descriptors) {
-        mDescriptors.emplace_back(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+        // It has an owner before the vector grows, for which memory may be missing.
+        unique_fd copy(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+        mDescriptors.push_back(std::move(copy));
         mSending.descriptors.push_back(mDescriptors.back().get());
         if (!mDescriptors.back().ok()) {
             drop();
