@@ -43,17 +43,17 @@ ViewedChannel channelOf(const HidlFreqListItem& item) {
 
 void findRepeated(PlanView& plan) {
     std::map<std::tuple<int32_t, int32_t, int32_t>, size_t> frequencies;
-    std::map<std::pair<int32_t, std::string_view>, size_t> names;
+    std::map<std::string_view, size_t> labels;
     for (size_t i = 0; i < plan.channels.size(); ++i) {
         ViewedChannel& channel = plan.channels[i];
         const auto frequency = frequencies.try_emplace(
                 {channel.frequency, channel.bandwidth, channel.modulation}, i);
-        const auto name = names.try_emplace({channel.number, channel.label}, i);
+        const auto label = labels.try_emplace(channel.label, i);
         if (!frequency.second) {
             channel.sameFrequencyAs = frequency.first->second;
         }
-        if (!name.second && !channel.label.empty()) {
-            channel.sameNameAs = name.first->second;
+        if (!label.second && !channel.label.empty()) {
+            channel.sameNameAs = label.first->second;
         }
     }
 }

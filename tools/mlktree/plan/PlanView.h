@@ -23,7 +23,7 @@ struct ViewedChannel {
 
     /** The channel before it that has the same frequency, bandwidth and modulation. */
     std::optional<size_t> sameFrequencyAs = {};
-    /** The channel before it that has the same number and label. */
+    /** The channel before it that has the same label. */
     std::optional<size_t> sameNameAs = {};
 
     /** As people call it: its label, else its number. */
@@ -77,7 +77,7 @@ std::string megahertz(int64_t kilohertz);
 /** "1 gap, no overlaps, 2 channels repeated". */
 std::string summaryOf(const PlanView& plan);
 
-/** What a channel repeats: "the frequency of E21", "channel E21"; empty if it repeats nothing. */
+/** What a channel repeats: "the frequency of E21", "the name E21"; empty if it repeats nothing. */
 std::string repeatedOf(const PlanView& plan, size_t channel);
 
 }  // namespace mlk::tree

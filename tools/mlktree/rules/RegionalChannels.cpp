@@ -170,7 +170,7 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
     for (const FileLines* const plan : plansOf(line)) {
         std::map<std::tuple<int32_t, int32_t, int32_t>, const ReadLine*> frequencies;
-        std::map<std::pair<uint16_t, std::string_view>, const ReadLine*> names;
+        std::map<std::string_view, const ReadLine*> labels;
         const std::vector<PlanChannel> channels = channelsOf(*plan);
         for (size_t i = 0; i < channels.size(); ++i) {
             const PlanChannel& channel = channels[i];
@@ -180,17 +180,18 @@ void checkRepeated(const ProductLine& line, Reporter& reporter) {
             const HidlFreqListItem& item = channel.item;
             const auto frequency = frequencies.try_emplace(
                     {item.frequency, item.bandwidth, item.modulation}, channel.read);
-            const auto name = names.try_emplace({item.channel, channel.label}, channel.read);
+            // Not the number: variants of a channel share it.
+            const auto label = labels.try_emplace(channel.label, channel.read);
             const std::string khz = std::to_string(item.frequency) + " kHz";
             if (!frequency.second) {
                 groups.add("frequency", placeOf(line, *plan, *channel.read, channel.columns[2]),
                            khz + " stands twice in this plan",
                            {{placeOf(line, *plan, *frequency.first->second), "first here"}});
-            } else if (!name.second && !channel.label.empty()) {
-                groups.add("name", placeOf(line, *plan, *channel.read),
+            } else if (!label.second && !channel.label.empty()) {
+                groups.add("label", placeOf(line, *plan, *channel.read, channel.label),
                            "channel " + channel.name() + " stands twice in this plan, with " + khz +
                                    " the second time",
-                           {{placeOf(line, *plan, *name.first->second), "first here"}});
+                           {{placeOf(line, *plan, *label.first->second), "first here"}});
             }
         }
     }

@@ -210,6 +210,8 @@ const std::vector<PlantedMistake>& plantedMistakes() {
             {"ChannelTwice", kPlan, kReplace, "6, 7000000, 184500, E6, DVB_AUTO",
              "6, 7000000, 184500, E6, DVB_AUTO\n6, 7000000, 184500, E6, DVB_AUTO",
              "repeated-channel", nullptr, ""},
+            {"LabelTwice", kPlan, kReplace, "22, 8000000, 482000, E22", "22, 8000000, 482000, E21",
+             "repeated-channel", nullptr, ""},
     };
     return mistakes;
 }
