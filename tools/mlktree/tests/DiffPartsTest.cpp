@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
+
 #include "host/testing/TempDir.h"
 #include "tools/mlktree/diff/Change.h"
 #include "tools/mlktree/diff/Operand.h"
@@ -14,6 +17,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
 using testing::TempDir;
 
 TEST(OperandTest, ReadsItsParts) {
@@ -54,6 +59,39 @@ TEST(SequencesTest, MoveAsFewAsPossible) {
     EXPECT_THAT(shown({"a", "c", "b", "d"}, {"b", "c", "b", "d"}),
                 ElementsAre("-a", "=c", "=b", "=d", "+b"));
     EXPECT_THAT(shown({"b", "b"}, {"b", "x", "b"}), ElementsAre("=b", "=b", "+x"));
+}
+
+TEST(SequencesTest, KeepWhatStaysInPlaceInBothDirections) {
+    const auto movedOf = [](const std::vector<std::string>& a, const std::vector<std::string>& b) {
+        std::set<std::string> moved;
+        for (const SequencePair& pair : matchSequences(a, b)) {
+            if (pair.isMoved) {
+                EXPECT_NE(pair.a, pair.b) << a[*pair.a];
+                moved.insert(a[*pair.a]);
+            }
+        }
+        return moved;
+    };
+    const auto movedBothWays = [&](const std::vector<std::string>& a,
+                                   const std::vector<std::string>& b) {
+        const std::set<std::string> moved = movedOf(a, b);
+        EXPECT_EQ(movedOf(b, a), moved) << ::testing::PrintToString(a);
+        return moved;
+    };
+    EXPECT_THAT(movedBothWays({"B", "A", "C"}, {"C", "A", "B"}), ElementsAre("B", "C"));
+    EXPECT_THAT(movedBothWays({"a", "c", "b"}, {"b", "c", "a"}), ElementsAre("a", "b"));
+    EXPECT_THAT(movedBothWays({"a", "b"}, {"b", "a"}), SizeIs(1));
+    EXPECT_THAT(movedBothWays({"b", "a"}, {"a", "b"}), SizeIs(1));
+    EXPECT_THAT(movedBothWays({"a", "b", "a"}, {"b", "a", "a"}), SizeIs(1));
+    // "c" stays in place, though not in the order of the others.
+    EXPECT_THAT(movedBothWays({"a", "b", "c", "d", "e"}, {"d", "e", "c", "a", "b"}), SizeIs(2));
+
+    std::vector<std::string> order = {"a", "b", "c", "d", "e"};
+    const std::vector<std::string> sorted = order;
+    while (std::next_permutation(order.begin(), order.end())) {
+        EXPECT_THAT(movedBothWays(sorted, order), Not(IsEmpty()))
+                << ::testing::PrintToString(order);
+    }
 }
 
 TEST(SequencesTest, AnEntryThatIsRepeatedIsNewWhereItIsNew) {
