@@ -30,7 +30,12 @@ namespace {
 // the pool free.
 constexpr int kInAllocator = 3;
 constexpr std::chrono::seconds kAllocatorPatience(1);
-Places sAllocator(kInAllocator);
+
+// Never freed: a thread may wait for a place until the process ends.
+Places& callsOfTheAllocator() {
+    static Places& places = *new Places(kInAllocator);
+    return places;
+}
 
 // Logs why there is no block.
 std::nullptr_t noBlock(size_t size, const std::string& reason) {
@@ -45,7 +50,7 @@ class MappedBlock {
     uint8_t* make(size_t size) {
         mMapped = nullptr;
         mMemory = hidl_memory();
-        const Places::Taken place(sAllocator, kAllocatorPatience);
+        const Places::Taken place(callsOfTheAllocator(), kAllocatorPatience);
         if (!place) {
             return noBlock(size, "too many calls wait for the allocator already");
         }

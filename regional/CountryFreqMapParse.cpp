@@ -195,14 +195,18 @@ bool CountryFreqMapParse::loadLocked() {
     }
     const tinyxml2::XMLElement* const first = file.first(element::kPlansOfCountry);
     file.tellIgnoredBefore(first, file.top());
+    std::vector<CountryFreqMapEntry> entries;
     for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
-        addBlockLocked(file, *block);
+        addBlock(file, *block, entries);
     }
+    // If memory runs out before, nothing counts as loaded.
+    mCoutryFreqMap = std::move(entries);
     ALOGD("loadCountryFreqMapXML done, size %d", static_cast<int>(mCoutryFreqMap.size()));
     return true;
 }
 
-void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XMLElement& block) {
+void CountryFreqMapParse::addBlock(const XmlFile& file, const tinyxml2::XMLElement& block,
+                                   std::vector<CountryFreqMapEntry>& entries) {
     const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("loadCountryFreqMapXML without country name");
@@ -219,7 +223,7 @@ void CountryFreqMapParse::addBlockLocked(const XmlFile& file, const tinyxml2::XM
     entry.atvAntenna = antennaOf(block, element::kAtvAntenna, "antena a name");
     entry.dtvCable = cableTablesOf(file, block, element::kDtvCable, countryName);
     entry.atvCable = cableTablesOf(file, block, element::kAtvCable, countryName);
-    mCoutryFreqMap.push_back(std::move(entry));
+    entries.push_back(std::move(entry));
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

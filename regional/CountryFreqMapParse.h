@@ -113,7 +113,8 @@ class CountryFreqMapParse {
     bool lookUpLocked(const std::string& countryName, FreqTableType type, AtscCableType cableType,
                       std::string& name);
     bool loadLocked();
-    void addBlockLocked(const XmlFile& file, const tinyxml2::XMLElement& block);
+    static void addBlock(const XmlFile& file, const tinyxml2::XMLElement& block,
+                         std::vector<CountryFreqMapEntry>& entries);
 
     const std::function<Partitions()> mPartitions;
     const CountryListParser& mCountries;

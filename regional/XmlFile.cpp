@@ -38,7 +38,8 @@ size_t mostAttributes(std::string_view text) {
         std::string_view begin;
         std::string_view end;
     };
-    constexpr Skipped kSkipped[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}};
+    constexpr Skipped kSkipped[] = {
+            {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
     size_t most = 0;
     for (size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
         const auto* const skipped = std::find_if(

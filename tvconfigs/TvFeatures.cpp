@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -165,6 +166,20 @@ void TvFeatures::WriteText(const char* key, const std::string& text) {
     }
 }
 
+// Readers see the change before it is written. If there is no memory for that, it is taken back, so
+// that the client's next attempt writes it.
+template <typename WriteRows>
+void TvFeatures::Change(const TvConfigInfo& info, const WriteRows& writeRows) {
+    const TvConfigInfo former = mConfigInfo;
+    Publish(info);
+    try {
+        writeRows();
+    } catch (const std::bad_alloc&) {
+        Publish(former);
+        throw;
+    }
+}
+
 bool TvFeatures::set(const TvSystemRow& row, int32_t system) {
     if (system < row.least || system > row.most) {
         return false;
@@ -173,8 +188,7 @@ bool TvFeatures::set(const TvSystemRow& row, int32_t system) {
     if (mConfigInfo.*row.field != system) {
         TvConfigInfo info = mConfigInfo;
         info.*row.field = system;
-        Publish(info);
-        Write(info, row);
+        Change(info, [&] { Write(info, row); });
     }
     return true;
 }
@@ -189,16 +203,17 @@ bool TvFeatures::set(const TvFlagRow& row, bool enabled) {
         info.*caption->field = info.*caption->field && !clearing;
     }
     const bool changed = info.*row.field != mConfigInfo.*row.field;
-    Publish(info);
-    // A caption that the master turns off is written even if it is off: the file may differ.
-    if (changed || forced) {
-        Write(info, row);
-    }
-    if (clearing) {
-        for (const TvFlagRow* caption : kCaptions) {
-            Write(info, *caption);
+    Change(info, [&] {
+        // A caption that the master turns off is written even if it is off: the file may differ.
+        if (changed || forced) {
+            Write(info, row);
         }
-    }
+        if (clearing) {
+            for (const TvFlagRow* caption : kCaptions) {
+                Write(info, *caption);
+            }
+        }
+    });
     return info.*row.field;
 }
 

@@ -109,6 +109,8 @@ class TvFeatures {
     void WriteText(const char* key, const std::string& text);
     void InitDefaultValue();
     void Publish(const TvConfigInfo& info);
+    template <typename WriteRows>
+    void Change(const TvConfigInfo& info, const WriteRows& writeRows);
 
     template <typename Value>
     Value Cached(Value TvConfigInfo::*field) const {

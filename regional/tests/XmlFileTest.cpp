@@ -21,7 +21,9 @@ namespace {
 using mlk::testing::LogCapture;
 using mlk::testing::ReadHook;
 using mlk::testing::TempDir;
+using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StrEq;
 
@@ -102,10 +104,11 @@ TEST_F(XmlFileTest, DeepNestingIsAnError) {
 }
 
 TEST_F(XmlFileTest, ManyAttributesInOneElementAreRefused) {
-    const auto attributes = [](int count, const std::string& quote) {
+    const auto attributes = [](int count, const std::string& quote,
+                               const std::string& value = "1") {
         std::string text;
         for (int i = 0; i < count; ++i) {
-            text += " a" + std::to_string(i) + "=" + quote + "1" + quote;
+            text += " a" + std::to_string(i) + "=" + quote + value + quote;
         }
         return text;
     };
@@ -134,6 +137,14 @@ TEST_F(XmlFileTest, ManyAttributesInOneElementAreRefused) {
               "none")
             << "remarks and texts have no attributes";
     EXPECT_EQ(errorOf(repeat(1000, "<A b='>' c=\"'>\"/>")), "none");
+    mLog.clear();
+    // A quote that is no part of an attribute turns no value into what is between two values.
+    for (const char* const quote : {"<!a \">", "<!a '>", "<?xml \"?>", "<?xml '?>"}) {
+        EXPECT_EQ(errorOf(quote + ("<A" + attributes(257, "\"", ">") + "/>")), "XML_ERROR_PARSING");
+        EXPECT_EQ(errorOf(quote + ("<A" + attributes(257, "'", ">") + "/>")), "XML_ERROR_PARSING");
+    }
+    EXPECT_THAT(errors(), Each(HasSubstr(": more than 256 attributes in an element")));
+    mLog.clear();
     EXPECT_THAT(errors(), IsEmpty());
 }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <new>
 #include <string>
+#include <utility>
 
 #include "common/testing/FixedProperties.h"
 #include "host/testing/LogCapture.h"
@@ -67,6 +69,40 @@ TEST_F(TvFeaturesTest, TwoSetsSideBySideHaveFilesAndPropertiesOfTheirOwn) {
     // Each start has written the property of its own set.
     EXPECT_EQ(mA.properties.get(kDtvSystemKey), "2");
     EXPECT_EQ(mB.properties.get(kDtvSystemKey), "4");
+}
+
+// Properties for whose next value there is no memory.
+class FailingProperties : public FixedProperties {
+  public:
+    bool set(const char* key, const char* value) override {
+        if (std::exchange(mFails, false)) {
+            throw std::bad_alloc();
+        }
+        return FixedProperties::set(key, value);
+    }
+    void fail() { mFails = true; }
+
+  private:
+    bool mFails = false;
+};
+
+TEST_F(TvFeaturesTest, AChangeThatCannotBeWrittenIsWrittenAtTheNextAttempt) {
+    mA.write(line(kPvrKey, "true") + line(kDtvSystemKey, "2"));
+    FailingProperties properties;
+    properties.set(kPvrKey, "true");
+    TvFeatures features(nullptr, mA.partitions(), properties);
+
+    properties.fail();
+    EXPECT_THROW(features.set(kDtvSystem, 3), std::bad_alloc);
+    EXPECT_EQ(features.get(kDtvSystem), 2);
+    EXPECT_TRUE(features.set(kDtvSystem, 3));
+    EXPECT_EQ(properties.get(kDtvSystemKey), "3");
+
+    properties.fail();
+    EXPECT_THROW(features.set(kPvr, false), std::bad_alloc);
+    EXPECT_TRUE(features.get(kPvr));
+    EXPECT_FALSE(features.set(kPvr, false));
+    EXPECT_EQ(properties.get(kPvrKey), "false");
 }
 
 TEST_F(TvFeaturesTest, AChangeOfOneSetLeavesTheOtherAlone) {
