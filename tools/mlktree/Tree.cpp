@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "tools/mlktree/FolderFiles.h"
@@ -110,7 +112,31 @@ std::string Tree::hostOfWritten(std::string_view writtenPath) const {
     return std::string(writtenPath);
 }
 
+// The name below partitions() of an existing file; the path itself if it lies outside.
+std::string Tree::nameInPartitions(const std::string& hostPath) const {
+    namespace fs = std::filesystem;
+    std::string plain = fs::path(hostPath).lexically_normal();
+    std::error_code error;
+    // A link in a folder has a name of its own: only the way to the folder is resolved.
+    const std::string folder = fs::canonical(fs::absolute(plain).parent_path(), error);
+    for (const Mount& mount : kMounts) {
+        const std::string& partition = mPartitions.*mount.folder;
+        if (isIn(plain, partition)) {
+            return plain;
+        }
+        const std::string real = fs::canonical(partition, error);
+        if (!real.empty() && isIn(folder, real)) {
+            return partition + folder.substr(real.size()) + '/' +
+                   fs::path(plain).filename().string();
+        }
+    }
+    return hostPath;
+}
+
 std::string Tree::hostOfArgument(const std::string& argument) const {
+    if (argument.empty()) {
+        throw UsageError("an empty word names no file");
+    }
     const auto exists = [](const std::string& path) {
         struct stat info {};
         return stat(path.c_str(), &info) == 0;
@@ -119,7 +145,7 @@ std::string Tree::hostOfArgument(const std::string& argument) const {
     const std::string asRelative = host(argument);
     for (const std::string& path : {asWritten, asRelative, argument}) {
         if (exists(path)) {
-            return path;
+            return nameInPartitions(path);
         }
     }
     return startsWith(argument, "/") ? asWritten : asRelative;

@@ -70,11 +70,16 @@ class Tree {
 
     /**
      * The file of this machine that a word of the command line names: as written in the partitions,
-     * relative to the tree, or a path of this machine, in this order.
+     * relative to the tree, or a path of this machine, in this order. A file of a partition has the
+     * name that it has below partitions(), by whatever links or dots the word leads there.
+     *
+     * @throw UsageError if the word is empty
      */
     std::string hostOfArgument(const std::string& argument) const;
 
   private:
+    std::string nameInPartitions(const std::string& hostPath) const;
+
     std::string mRoot;
     Partitions mPartitions;
 };
