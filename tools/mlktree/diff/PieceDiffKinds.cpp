@@ -68,6 +68,17 @@ AnswerPlace placeOf(const AnswerDelay& delay, const AnswerDelay* other) {
     return last;
 }
 
+// For each channel, how many of its number the plan has up to it.
+std::vector<size_t> occurrencesIn(const ChannelPiece& plan) {
+    std::map<int32_t, size_t> counts;
+    std::vector<size_t> occurrences;
+    occurrences.reserve(plan.size());
+    for (const AnswerChannel& channel : plan) {
+        occurrences.push_back(++counts[channel.channel]);
+    }
+    return occurrences;
+}
+
 std::string placeText(size_t position) {
     return "at place " + std::to_string(position + 1);
 }
@@ -298,10 +309,14 @@ void PieceDiff::comparePlan(List& list, std::string_view kind, uint32_t a, uint3
         }
         return numbers;
     };
-    std::map<int32_t, size_t> occurrences;
+    const std::vector<size_t> occurrencesInA = occurrencesIn(inA);
+    const std::vector<size_t> occurrencesInB = occurrencesIn(inB);
     for (const SequencePair& pair : matchSequences(numbersOf(inA), numbersOf(inB))) {
         const AnswerChannel& any = pair.a ? inA[*pair.a] : inB[*pair.b];
-        const size_t occurrence = ++occurrences[any.channel];
+        // The greater one is that of the plan that has more channels of this number: so each has
+        // a name of its own, and the same one if the plans are exchanged.
+        const size_t occurrence = std::max(pair.a ? occurrencesInA[*pair.a] : 0,
+                                           pair.b ? occurrencesInB[*pair.b] : 0);
         const bool isChanged = pair.a && pair.b && !isSame(inA[*pair.a], inB[*pair.b]);
         if (pair.a && pair.b && !isChanged && !pair.isMoved) {
             continue;

@@ -253,6 +253,41 @@ TEST_F(DiffTest, PlansChangeByChannels) {
     EXPECT_THAT(told, ::testing::Contains(HasSubstr(" > -")));
 }
 
+TEST_F(DiffTest, ChannelThatIsRepeatedHasOneNameInBothDirections) {
+    const std::string plan = "tvconfigs/freqtables/dtv/freqtable_dvbt_uhf";
+    std::string text = mDir.read(plan);
+    const size_t first = text.find("\n21,");
+    ASSERT_NE(first, std::string::npos);
+    text.insert(first + 1, "30, 8000000, 546000, E30, DVB_AUTO\n");
+    mDir.write(plan, text);
+    const auto namesOf = [](const Outcome& outcome, const char* side) {
+        std::vector<std::string> names;
+        const json told = json::parse(outcome.out);
+        for (const json& change : told["changes"]) {
+            EXPECT_TRUE(change[side].is_null()) << change["name"];
+            names.push_back(change["name"]);
+        }
+        return names;
+    };
+    const std::vector<std::string> added = namesOf(diff({"--format", "json"}), "a");
+    const std::vector<std::string> removed =
+            namesOf(runMlktree({"diff", mDir.path(), samplePath(), "--format", "json"}), "b");
+    EXPECT_EQ(removed, added);
+    // In the plan that has it, it is the first one.
+    EXPECT_THAT(added, ::testing::Contains("DTV_ANTENNA 30"));
+    EXPECT_THAT(added, ::testing::Not(::testing::Contains("DTV_ANTENNA 30 (2)")));
+}
+
+TEST_F(DiffTest, CountryThatStaysInPlaceIsNoChange) {
+    mDir.write("tvconfigs/country/cltv_latam.txt", "CHILE,CL\nARGENTINA,AR\nBRAZIL,BR\n");
+    std::vector<std::string> moved;
+    for (const json& change : changes()) {
+        EXPECT_NE(change["a"]["value"], change["b"]["value"]) << change["name"];
+        moved.push_back(change["name"]);
+    }
+    EXPECT_THAT(moved, ::testing::UnorderedElementsAre(HasSubstr("BRAZIL"), HasSubstr("CHILE")));
+}
+
 TEST_F(DiffTest, BytesOfAFileCountForThoseWhoNameItOnBothSides) {
     const std::string file = "tvconfigs/bootanimation/tarnquill.zip";
     mDir.write(file, mDir.read(file) + "x");
