@@ -86,6 +86,30 @@ SetFilter filterOf(const Operand& operand) {
     }
 }
 
+bool isPart(std::string_view name) {
+    return std::find(kOperandParts.begin(), kOperandParts.end(), name) != kOperandParts.end();
+}
+
+// The end of the part that begins here: a comma, or the end of the word. The names of files may
+// have commas; those end before what is a part or was probably meant as one.
+size_t endOfPart(std::string_view word, size_t begin) {
+    const std::string_view name = word.substr(begin, word.find('=', begin) - begin);
+    const bool isFile = name == "board" || name == "customer" || name == "tree";
+    size_t end = word.find(',', begin);
+    while (isFile && end != std::string_view::npos) {
+        const std::string_view rest = word.substr(end + 1);
+        const size_t equals = rest.find_first_of("=,");
+        const std::string next(rest.substr(0, equals));
+        const bool hasEquals = equals != std::string_view::npos && rest[equals] == '=';
+        if (rest.empty() ||
+            (hasEquals && (isPart(next) || !didYouMean(next, kOperandParts, "").empty()))) {
+            break;
+        }
+        end = word.find(',', end + 1);
+    }
+    return std::min(end, word.size());
+}
+
 }  // namespace
 
 const std::vector<std::string_view> kOperandParts = {"model", "board", "customer", "country",
@@ -96,21 +120,19 @@ Operand parseOperand(const std::string& word) {
     operand.text = word;
     const std::string_view first = std::string_view(word).substr(0, word.find_first_of("=,"));
     const bool hasParts = word.find('=') != std::string::npos;
-    const bool isKnown =
-            std::find(kOperandParts.begin(), kOperandParts.end(), first) != kOperandParts.end();
+    const bool isKnown = isPart(first);
     // A file may have "=" in its name.
     if (!hasParts || beginsWith(word, kRevision) || (!isKnown && exists(word))) {
         operand.source = word;
         return operand;
     }
     for (size_t begin = 0; begin <= word.size();) {
-        const size_t end = std::min(word.find(',', begin), word.size());
+        const size_t end = endOfPart(word, begin);
         const std::string part = word.substr(begin, end - begin);
         begin = end + 1;
         const size_t equals = part.find('=');
         const std::string name = part.substr(0, equals);
-        if (equals == std::string::npos ||
-            std::find(kOperandParts.begin(), kOperandParts.end(), name) == kOperandParts.end()) {
+        if (equals == std::string::npos || !isPart(name)) {
             throw UsageError(excerpt(word) + ": " + excerpt(part) +
                              " is no part of a set; the parts are model=N, board=FILE, "
                              "customer=FILE, country=NAME and tree=DIR, with commas between them" +

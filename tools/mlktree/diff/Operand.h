@@ -35,7 +35,8 @@ struct Operand {
 };
 
 /**
- * Takes an operand apart: `model=6,country=GERMANY,tree=DIR`, or a source alone.
+ * Takes an operand apart: `model=6,country=GERMANY,tree=DIR`, or a source alone. The names of
+ * boards, customers and trees may have commas; they end before what looks like another part.
  *
  * @throw UsageError if it has a part that does not exist, twice, or without a value
  */

@@ -38,6 +38,17 @@ TEST(OperandTest, ReadsItsParts) {
     EXPECT_EQ(parseOperand(file).source, file);
 }
 
+TEST(OperandTest, FilesMayHaveCommasInTheirNames) {
+    const Operand board = parseOperand("board=a,b=c d.ini,model=6");
+    EXPECT_EQ(board.set.at("board"), "a,b=c d.ini");
+    EXPECT_EQ(board.set.at("model"), "6");
+    EXPECT_EQ(parseOperand("customer=x,y.ini,tree=a,b").set.at("customer"), "x,y.ini");
+    EXPECT_EQ(parseOperand("customer=x,y.ini,tree=a,b").source, "a,b");
+    // What was probably meant as a part is no part of a name.
+    EXPECT_THROW(parseOperand("board=a.ini,modle=6"), UsageError);
+    EXPECT_THROW(parseOperand("country=A,B"), UsageError);
+}
+
 TEST(SequencesTest, MoveAsFewAsPossible) {
     const auto shown = [](const std::vector<std::string>& a, const std::vector<std::string>& b) {
         std::vector<std::string> all;
