@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "host/testing/TempDir.h"
 
@@ -15,9 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class TreeTest : public ::testing::Test {
+class TreeWordsTest : public ::testing::Test {
   protected:
-    TreeTest() : mFormer(fs::current_path()) {
+    TreeWordsTest() : mFormer(fs::current_path()) {
         mDir.write("T/tvconfigs/board/b.ini", "");
         mDir.mkdir("T/tvdata");
         mDir.mkdir("T/impdata");
@@ -25,7 +26,7 @@ class TreeTest : public ::testing::Test {
         fs::create_symlink("b.ini", mDir.path("T/tvconfigs/board/other.ini"));
         fs::current_path(mDir.path());
     }
-    ~TreeTest() override { fs::current_path(mFormer); }
+    ~TreeWordsTest() override { fs::current_path(mFormer); }
 
     static std::string found(const std::string& root, const std::string& word) {
         const Tree tree(root, {});
@@ -36,15 +37,16 @@ class TreeTest : public ::testing::Test {
     const fs::path mFormer;
 };
 
-TEST_F(TreeTest, AWordFindsAFileByAnyOfItsPaths) {
+TEST_F(TreeWordsTest, AWordFindsAFileByAnyOfItsPaths) {
     const std::string file = "tvconfigs/board/b.ini";
     const std::string host = mDir.path("T/" + file);
     for (const std::string& root : {std::string("T"), std::string("./T"), std::string("T/"),
                                     std::string("link"), mDir.path("T")}) {
         for (const std::string& word :
-             {"/" + file, file, "./" + file, "tvconfigs/../" + file, "tvconfigs//board/./b.ini",
-              "T/" + file, "./T/" + file, "T//" + file, "T/./" + file, "link/" + file, host,
-              mDir.path("link/" + file), mDir.path("T/../T/" + file)}) {
+             std::vector<std::string>{"/" + file, file, "./" + file, "tvconfigs/../" + file,
+                                      "tvconfigs//board/./b.ini", "T/" + file, "./T/" + file,
+                                      "T//" + file, "T/./" + file, "link/" + file, host,
+                                      mDir.path("link/" + file), mDir.path("T/../T/" + file)}) {
             EXPECT_EQ(found(root, word), file) << root << " " << word;
         }
     }
@@ -53,7 +55,7 @@ TEST_F(TreeTest, AWordFindsAFileByAnyOfItsPaths) {
     EXPECT_EQ(found(mDir.path("T"), "../board/b.ini"), file);
 }
 
-TEST_F(TreeTest, APartitionApartIsFoundInto) {
+TEST_F(TreeWordsTest, APartitionApartIsFoundInto) {
     Tree::Apart apart;
     apart.tvconfigs = "T/tvconfigs";
     const Tree tree("", apart);
@@ -61,12 +63,12 @@ TEST_F(TreeTest, APartitionApartIsFoundInto) {
               "tvconfigs/board/b.ini");
 }
 
-TEST_F(TreeTest, ALinkKeepsItsName) {
+TEST_F(TreeWordsTest, ALinkKeepsItsName) {
     EXPECT_EQ(found("T", mDir.path("T/tvconfigs/board/other.ini")), "tvconfigs/board/other.ini");
     EXPECT_EQ(found("T", "T/tvconfigs/board/other.ini"), "tvconfigs/board/other.ini");
 }
 
-TEST_F(TreeTest, WhatLiesOutsideKeepsItsPath) {
+TEST_F(TreeWordsTest, WhatLiesOutsideKeepsItsPath) {
     const std::string outside = mDir.write("outside.ini", "");
     EXPECT_EQ(found("T", outside), outside);
     EXPECT_EQ(found("T", "nowhere.ini"), "nowhere.ini");
