@@ -214,7 +214,6 @@ status_t Parcel::addEmbedded(Object&& object, size_t* handle, size_t parentHandl
 }
 
 namespace {
-
 Parcel::Object bufferObject(const void* buffer, size_t length) {
     Parcel::Object object{};
     object.kind = Parcel::ObjectKind::BUFFER;
@@ -223,7 +222,6 @@ Parcel::Object bufferObject(const void* buffer, size_t length) {
     object.bytes = const_cast<void*>(buffer);
     return object;
 }
-
 }  // namespace
 
 status_t Parcel::writeBuffer(const void* buffer, size_t length, size_t* handle) {
@@ -328,11 +326,8 @@ status_t Parcel::readEmbeddedBuffer(size_t length, size_t* handle, size_t parent
     const void* address = nullptr;
     const status_t status =
             readNullableEmbeddedBuffer(length, &number, parentHandle, parentOffset, &address);
-    if (status != OK) {
-        return status;
-    }
-    if (address == nullptr) {
-        return UNEXPECTED_NULL;
+    if (status != OK || address == nullptr) {
+        return status != OK ? status : UNEXPECTED_NULL;
     }
     *handle = number;
     *buffer = address;
