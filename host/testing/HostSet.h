@@ -10,8 +10,8 @@ namespace mlk::testing {
 /**
  * A separate television set for one test: a temporary folder with the partitions "tvconfigs",
  * "tvdata" and "impdata", the property store "data/property", and "run" for the services' sockets.
- * While the object lives, the EnvironmentVariables MLK_ROOT and MLK_RUNTIME_DIR name it. Not
- * thread-safe, as they are not: create the object before any threads and destroy it after them.
+ * While the object lives, the EnvironmentVariables MLK_ROOT and MLK_RUNTIME_DIR name it, which
+ * are not thread-safe: create the object before any threads and destroy it after them.
  */
 class HostSet {
   public:

@@ -7,9 +7,9 @@
 namespace mlk::ctl {
 
 /**
- * While it lives, SIGINT and SIGTERM end a pause, or a question, and not the process as they do
- * otherwise. Threads that are started meanwhile do not take them. One object at a time; create it
- * before other threads.
+ * While it lives, SIGINT and SIGTERM end a pause instead of the process; during a Question they end
+ * the process with the status of the question. Threads that are started meanwhile do not take them.
+ * One object at a time; create it before other threads.
  */
 class Interrupts {
   public:

@@ -12,8 +12,8 @@ namespace android::hardware::transport {
 
 /**
  * The listening socket of a registered name. Accepts connections from processes of this user and of
- * root, and sends each a hello. Logs an error when another process has taken the name over, of
- * which a connection of that process tells (listenOn). Only one thread at a time uses it
+ * root, and sends each a hello. Logs an error when another process has taken the name over: that
+ * process connects once, so that the listener looks (listenOn). Only one thread at a time uses it
  * (ThreadPool).
  */
 class Listener : public EventSource {
