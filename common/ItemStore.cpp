@@ -116,23 +116,41 @@ ItemStore::Inserted ItemStore::insertBy(const Put& putText, Section section, std
 
 void ItemStore::replace(Item item, std::string_view value) {
     ItemEntry& entry = mItems[item];
-    const std::string_view key = keyOf(item);
-    // Most items are never replaced. They store no capacity: what fits is the size of the present
-    // value, so that a shorter value gives up the rest.
+    if (!fits(entry, value.size())) {
+        move(entry, value.size());
+    }
+    put(entry.texts + numberBefore(entry.texts) + 1, value);
+    entry.valueSize = static_cast<uint32_t>(value.size()) & kMostValue;
+}
+
+void ItemStore::makeRoom(Item item, size_t size) {
+    ItemEntry& entry = mItems[item];
+    if (!fits(entry, size)) {
+        const std::string_view value = valueOf(item);
+        move(entry, size);
+        put(entry.texts + numberBefore(entry.texts) + 1, value);
+    }
+}
+
+// Most items are never replaced. They store no capacity: what fits is the size of the present
+// value, so that a shorter value gives up the rest.
+bool ItemStore::fits(const ItemEntry& entry, size_t size) {
     const uint32_t capacity =
             entry.isRoomy != 0 ? numberBefore(entry.texts - kNumber) : entry.valueSize;
-    if (value.size() > capacity) {
-        // Doubling: a value that keeps growing wastes no more memory than it needs in the end.
-        const size_t more = value.size() * 2;
-        char* const texts = mTexts.allocate(2 * kNumber + key.size() + more + kNuls) + 2 * kNumber;
-        putBefore(texts - kNumber, more);
-        putBefore(texts, key.size());
-        put(texts, key);
-        entry.texts = texts;
-        entry.isRoomy = 1;
-    }
-    put(entry.texts + key.size() + 1, value);
-    entry.valueSize = static_cast<uint32_t>(value.size()) & kMostValue;
+    return size <= capacity;
+}
+
+// Moves an item to a place where a value of `size` bytes fits. The caller writes the value.
+void ItemStore::move(ItemEntry& entry, size_t size) {
+    const std::string_view key(entry.texts, numberBefore(entry.texts));
+    // Doubling: a value that keeps growing wastes no more memory than it needs in the end.
+    const size_t more = size * 2;
+    char* const texts = mTexts.allocate(2 * kNumber + key.size() + more + kNuls) + 2 * kNumber;
+    putBefore(texts - kNumber, more);
+    putBefore(texts, key.size());
+    put(texts, key);
+    entry.texts = texts;
+    entry.isRoomy = 1;
 }
 
 ItemStore::Item ItemStore::find(std::string_view section, std::string_view key) const {

@@ -73,6 +73,13 @@ class ItemStore {
     /** Replaces the value of an item, in place if the new one fits. */
     void replace(Item item, std::string_view value);
 
+    /**
+     * Keeps the value of an item, but moves it if necessary, so that the next replace() by a value
+     * of at most `size` bytes allocates nothing. A caller that does this for several items first
+     * replaces all of them or, if memory runs out, none.
+     */
+    void makeRoom(Item item, size_t size);
+
     /** Returns the item of these names, or kNone. */
     Item find(std::string_view section, std::string_view key) const;
 
@@ -129,6 +136,8 @@ class ItemStore {
     template <typename Put>
     Inserted insertBy(const Put& putText, Section section, std::string_view key,
                       std::string_view value);
+    static bool fits(const ItemEntry& entry, size_t size);
+    void move(ItemEntry& entry, size_t size);
     void putInOrder() const;
     void sortByKeys(Item* items, size_t count, std::vector<NumberedText>& keys) const;
 

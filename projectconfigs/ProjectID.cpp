@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <system_error>
 
@@ -134,11 +135,19 @@ bool ProjectID::Set(unsigned int index) {
     }
     mId = index;
     mIsWritten = false;
+    try {
+        mIsWritten = Write();
+    } catch (const std::bad_alloc&) {
+        ALOGE("%s: cannot be written: out of memory", mFilePath.c_str());
+    }
+    return mIsWritten;
+}
+
+bool ProjectID::Write() const {
     const std::string line = std::string(keyword::kProjectId) + "=" +
-                             std::to_string(static_cast<int32_t>(index)) + "\n";
+                             std::to_string(static_cast<int32_t>(mId)) + "\n";
     const Saved saved = saveFile(mFilePath, line);
     if (saved == Saved::DONE) {
-        mIsWritten = true;
         return true;
     }
     const std::string reason = std::generic_category().message(errno);

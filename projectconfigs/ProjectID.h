@@ -50,8 +50,8 @@ class ProjectID {
      * Changes the index and writes it to storage. The current index is written again only if it
      * could not be written before.
      *
-     * @return false if the file could not be written; the new index then lasts until the process
-     *         ends, or until a later Set of it is written
+     * @return false if the file could not be written, or memory ran out; the new index then lasts
+     *         until the process ends, or until a later Set of it is written
      */
     bool Set(unsigned int index);
 
@@ -63,6 +63,7 @@ class ProjectID {
 
   private:
     std::optional<uint32_t> Read() const;
+    bool Write() const;
 
     const std::string mFilePath;
     std::atomic<uint32_t> mId = 0;

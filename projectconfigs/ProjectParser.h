@@ -58,9 +58,14 @@ class ProjectParser {
     /** Value of an item; empty if there is no such item. */
     std::string getInfo(const ConfigKey& key) const;
 
-    /** Replaces the value of an item. @return false, with nothing added, if there is no such item
+    /**
+     * Replaces the values of those items that the store has; adds none. All of them change at once:
+     * no caller sees only some, and if memory runs out, none changes.
+     *
+     * Logs each of the given items in order, with the value that the store has then; empty if it
+     * has no such item.
      */
-    bool setInfo(const ConfigKey& key, std::string_view value);
+    void setInfos(const ItemStore& values);
 
     /** Items of one section (its name with brackets), from key to value in byte order of the key.
      */

@@ -18,14 +18,27 @@ std::string ProjectParser::getInfo(const ConfigKey& key) const {
     return item != ItemStore::kNone ? std::string(mItems.valueOf(item)) : std::string();
 }
 
-bool ProjectParser::setInfo(const ConfigKey& key, std::string_view value) {
+void ProjectParser::setInfos(const ItemStore& values) {
+    const std::vector<ItemStore::Item>& given = values.inOrder();
     const std::lock_guard<std::mutex> lock(mMutex);
-    const ItemStore::Item item = mItems.find(key.category, key.key);
-    if (item == ItemStore::kNone) {
-        return false;
+    std::vector<ItemStore::Item> known;
+    known.reserve(given.size());
+    for (const ItemStore::Item value : given) {
+        known.push_back(mItems.find(values.sectionOf(value), values.keyOf(value)));
+        if (known.back() != ItemStore::kNone) {
+            mItems.makeRoom(known.back(), values.valueOf(value).size());
+        }
     }
-    mItems.replace(item, value);
-    return true;
+    // From here on, nothing allocates memory.
+    for (size_t i = 0; i < given.size(); ++i) {
+        const ItemStore::Item value = given[i];
+        const ItemStore::Item item = known[i];
+        if (item != ItemStore::kNone) {
+            mItems.replace(item, values.valueOf(value));
+        }
+        ALOGD("\t%s:%s=%s", values.sectionOf(value).data(), values.keyOf(value).data(),
+              item != ItemStore::kNone ? mItems.valueOf(item).data() : "");
+    }
 }
 
 std::map<std::string, std::string> ProjectParser::getInfosByCategory(

@@ -49,13 +49,7 @@ void Region::apply(_tv_country country) {
     if (file.empty()) {
         return;
     }
-    const ItemStore items = holder().getConfigs(file, country);
-    for (const ItemStore::Item item : items.inOrder()) {
-        const ConfigKey key(items.sectionOf(item), items.keyOf(item));
-        mItems.setInfo(key, items.valueOf(item));
-        // The value that is read back is empty for an item that the project does not have.
-        ALOGD("\t%s:%s=%s", key.category.data(), key.key.data(), mItems.getInfo(key).c_str());
-    }
+    mItems.setInfos(holder().getConfigs(file, country));
 }
 
 bool Region::save(_tv_country country) {

@@ -42,8 +42,8 @@ class Region {
     bool hasTvSystems() const;
 
     /**
-     * Puts a country's items into the project's items. Does not add an item that the project does
-     * not have.
+     * Puts a country's items into the project's items, all at once. Does not add an item that the
+     * project does not have. If memory runs out, all items stay as they were.
      *
      * @param country  kNoCountry for the saved country
      */

@@ -4,6 +4,9 @@
 
 #include <log/log.h>
 
+#include <type_traits>
+#include <utility>
+
 #include "common/Decimal.h"
 #include "common/Paths.h"
 #include "projectconfigs/AuxiliaryFile.h"
@@ -40,44 +43,44 @@ SoundDelays::SoundDelays(const ProjectParser& items, const Partitions& partition
 }
 
 bool SoundDelays::trySetAvrVendorId(std::string_view vendorId) {
-    return trySetAvrText(mAvrVendorId, "mAvrVendorId", vendorId);
+    return trySetAvrText(&Avr::vendorId, "mAvrVendorId", vendorId);
 }
 
 bool SoundDelays::trySetAvrOSDName(std::string_view osdName) {
-    return trySetAvrText(mAvrOSDName, "mAvrOSDName", osdName);
+    return trySetAvrText(&Avr::osdName, "mAvrOSDName", osdName);
 }
 
-bool SoundDelays::trySetAvrText(std::string& member, const char* label, std::string_view text) {
-    if (text.size() > kFileNameSize) {
+bool SoundDelays::trySetAvrText(std::string Avr::*text, const char* label, std::string_view value) {
+    if (value.size() > kFileNameSize) {
         return false;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    const std::string formerText = member;
-    const std::string formerName = mAvrName;
+    Avr changed = mAvr;
     // A NUL in a client's text ends it.
-    member = text.substr(0, text.find('\0'));
-    ALOGD("%s:%s", label, member.c_str());
-    if (!updateAudioConfig()) {
-        member = formerText;
-        mAvrName = formerName;
+    changed.*text = value.substr(0, value.find('\0'));
+    ALOGD("%s:%s", label, (changed.*text).c_str());
+    if (!updateAudioConfig(changed)) {
         return false;
     }
+    // The last step, and it cannot fail: a change that ends early leaves the former AVR.
+    static_assert(std::is_nothrow_move_assignable_v<Avr>);
+    mAvr = std::move(changed);
     return true;
 }
 
 // Names and loads the file of the AVR. False if its name or path does not fit. Runs with mMutex
 // held.
-bool SoundDelays::updateAudioConfig() {
-    if (mAvrVendorId.empty() || mAvrOSDName.empty()) {
+bool SoundDelays::updateAudioConfig(Avr& avr) {
+    if (avr.vendorId.empty() || avr.osdName.empty()) {
         return true;
     }
-    const std::string name = kAvrAudioPrefix + mAvrVendorId + "_" + mAvrOSDName + kAudioFileEnd;
+    std::string name = kAvrAudioPrefix + avr.vendorId + "_" + avr.osdName + kAudioFileEnd;
     if (name.size() > kFileNameSize) {
         return false;
     }
-    mAvrName = name;
-    ALOGD("mAvrName:%s", name.c_str());
-    if (mFiles.findItem(name.c_str())) {
+    avr.fileName = std::move(name);
+    ALOGD("mAvrName:%s", avr.fileName.c_str());
+    if (mFiles.findItem(avr.fileName.c_str())) {
         return true;
     }
     const std::string defaultPath = mItems.getInfo(item::kAvrAudio);
@@ -89,7 +92,7 @@ bool SoundDelays::updateAudioConfig() {
         ALOGE("MlErr : [%s %d], strrchr return null", __func__, kLineOfAvrPath);
         return true;
     }
-    const std::string path = defaultPath.substr(0, folder) + name;
+    const std::string path = defaultPath.substr(0, folder) + avr.fileName;
     if (path.size() >= kAvrPathSize) {
         return false;
     }
@@ -120,17 +123,17 @@ int32_t SoundDelays::delay(const ConfigKey& key, bool isArc) const {
         return delay;
     }
     delay = add(delay, parseDecimal(avrDefault));
-    if (mAvrName.empty()) {
+    if (mAvr.fileName.empty()) {
         ALOGD("%s: panel:%s, IC:%s, avrDefault:%s, hwAudioConfig:%s, audioDelay:%i", kMethod,
               panel.c_str(), ic.c_str(), avrDefault.c_str(), hardware.c_str(), delay);
         return delay;
     }
-    const std::string avr = lookUp(mAvrName);
+    const std::string avr = lookUp(mAvr.fileName);
     delay = add(delay, parseDecimal(avr));
     ALOGD("%s: panel:%s, IC:%s, avrDefault:%s, avr[%s]:%s, hwAudioConfig:%s, "
           "audioDelay:%i",
-          kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(), mAvrName.c_str(), avr.c_str(),
-          hardware.c_str(), delay);
+          kMethod, panel.c_str(), ic.c_str(), avrDefault.c_str(), mAvr.fileName.c_str(),
+          avr.c_str(), hardware.c_str(), delay);
     return delay;
 }
 

@@ -26,7 +26,7 @@ inline constexpr const char* kAudioFileEnd = ".ini";
  * receiver) and the hardware. Each AVR that is set adds its file: "AVR_<vendor id>_<OSD name>.ini"
  * in the folder of the default AVR's file.
  *
- * Any number of threads may call. mMutex guards the names of the AVR, so that a delay belongs to
+ * Any number of threads may call. mMutex guards the AVR in use, so that a delay belongs to
  * one AVR even if another thread sets it. Log tag: "MlkProjectConfigs".
  */
 class SoundDelays {
@@ -46,8 +46,11 @@ class SoundDelays {
      * Sets one of the two texts that identify the AVR in use. If both are known, loads the AVR's
      * file unless it is loaded already.
      *
+     * If memory runs out, the AVR stays as it was.
+     *
      * @return false, with nothing changed, if the text, the file's name or its path does not fit:
-     *         a text and a name have at most kFileNameSize bytes, a path has fewer
+     *         a text and a name have at most kFileNameSize bytes, a path has fewer than
+     * kAvrPathSize
      */
     bool trySetAvrVendorId(std::string_view vendorId);
     bool trySetAvrOSDName(std::string_view osdName);
@@ -67,8 +70,15 @@ class SoundDelays {
     void dump(std::ostream& out) const { mFiles.dump(out); }
 
   private:
-    bool trySetAvrText(std::string& member, const char* label, std::string_view text);
-    bool updateAudioConfig();
+    // The AVR in use; its texts are empty until they are set.
+    struct Avr {
+        std::string vendorId;
+        std::string osdName;
+        std::string fileName;  // of the file that adds its delays
+    };
+
+    bool trySetAvrText(std::string Avr::*text, const char* label, std::string_view value);
+    bool updateAudioConfig(Avr& avr);
 
     const ProjectParser& mItems;
     IniProjectParser mFiles;
@@ -77,10 +87,8 @@ class SoundDelays {
     std::string mICName;
     std::string mAvrDefaultName;
     std::string mHardwareName;
-    mutable std::mutex mMutex;  // guards the three below
-    std::string mAvrVendorId;
-    std::string mAvrOSDName;
-    std::string mAvrName;
+    mutable std::mutex mMutex;  // guards mAvr
+    Avr mAvr;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <mutex>
+#include <new>
 #include <string_view>
 #include <system_error>
 
@@ -52,10 +53,10 @@ std::string lineOf(_tv_country country) {
 
 // Logs a failure; function and line are those of the message for a file that cannot be opened.
 void complain(const std::string& path, Saved saved, const char* function, int line) {
-    const std::string reason = std::generic_category().message(errno);
     if (saved == Saved::NOT_OPENED) {
         ALOGE("[%s:%d] Open %s failed!", function, line, path.c_str());
     } else if (saved == Saved::NOT_WRITTEN) {
+        const std::string reason = std::generic_category().message(errno);
         ALOGE("%s: cannot be written: %s", path.c_str(), reason.c_str());
     }
 }
@@ -138,12 +139,17 @@ bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
     if (country == kNoCountry) {
         return false;
     }
-    const std::string folder = getCountryBinFolderPath();
-    createFolder(folder, __func__, log_line::kSavedFolder);
-    const std::string path = filePath(folder);
-    const Saved saved = saveFile(path, lineOf(country));
-    complain(path, saved, __func__, log_line::kSavedFile);
-    return saved == Saved::DONE;
+    try {
+        const std::string folder = getCountryBinFolderPath();
+        createFolder(folder, __func__, log_line::kSavedFolder);
+        const std::string path = filePath(folder);
+        const Saved saved = saveFile(path, lineOf(country));
+        complain(path, saved, __func__, log_line::kSavedFile);
+        return saved == Saved::DONE;
+    } catch (const std::bad_alloc&) {
+        ALOGE("%s: cannot be written: out of memory", kCountryIdFile);
+        return false;
+    }
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

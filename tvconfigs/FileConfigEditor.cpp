@@ -12,6 +12,7 @@
 #include <new>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "common/FileLimits.h"
 #include "common/SaveFile.h"
@@ -63,6 +64,13 @@ template <typename Items>
 auto firstOf(Items& items, const char* key) {
     return std::find_if(items.begin(), items.end(),
                         [&](const auto& item) { return item.first == key; });
+}
+
+// The value of the key's first entry, if there is one that can be set to `value`; else null.
+template <typename Items>
+auto* valueToSet(Items& items, const char* key, const char* value) {
+    const auto item = key == nullptr || value == nullptr ? items.end() : firstOf(items, key);
+    return item == items.end() ? nullptr : &item->second;
 }
 
 // Whether the line buffer takes another character. Logs it if not.
@@ -117,7 +125,7 @@ FileConfigEditor::FileConfigEditor(const char* path, ReadObserver* observer)
     Update(mPath.c_str());
 }
 
-bool FileConfigEditor::Update(const char* path) {
+bool FileConfigEditor::Update(const char* path, Items* former) {
     const std::string name = path == nullptr ? "" : path;
     File file(name);
     if (!file.isOpen()) {
@@ -143,7 +151,10 @@ bool FileConfigEditor::Update(const char* path) {
         }
         return false;
     }
-    mItems = std::move(items);
+    std::swap(mItems, items);
+    if (former != nullptr) {
+        *former = std::move(items);
+    }
     return true;
 }
 
@@ -220,14 +231,11 @@ bool FileConfigEditor::UpdateList(const char* line) {
 }
 
 bool FileConfigEditor::UpdateValue(const char* key, const char* value) {
-    if (key == nullptr || value == nullptr) {
+    std::string* const stored = valueToSet(mItems, key, value);
+    if (stored == nullptr) {
         return false;
     }
-    const auto item = firstOf(mItems, key);
-    if (item == mItems.end()) {
-        return false;
-    }
-    item->second = value;
+    *stored = value;
     return true;
 }
 
@@ -253,7 +261,19 @@ bool FileConfigEditor::Save(const char* path) {
 }
 
 bool FileConfigEditor::Set(const char* key, const char* value) {
-    return UpdateValue(key, value) && Save(mPath.c_str());
+    std::string* const stored = valueToSet(mItems, key, value);
+    if (stored == nullptr) {
+        return false;
+    }
+    std::string other = value;
+    stored->swap(other);
+    try {
+        return Save(mPath.c_str());
+    } catch (const std::bad_alloc&) {
+        // Otherwise the next change of another entry would write this one.
+        stored->swap(other);
+        throw;
+    }
 }
 
 bool FileConfigEditor::Get(const char* key, char* value) const {

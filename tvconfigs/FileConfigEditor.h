@@ -39,16 +39,24 @@ class FileConfigEditor : public ConfigEditor {
      */
     explicit FileConfigEditor(const char* path, ReadObserver* observer = nullptr);
 
+    /** Key and value of each entry, in their order. */
+    using Item = std::pair<std::string, std::string>;
+    using Items = std::vector<Item>;
+
     /**
      * Replaces the entries by those of a file. Set() goes on writing to the file of the
      * constructor.
      *
      * @param path  a regular file; null is the empty path
+     * @param former  if not null, gets the former entries, for Restore()
      * @return false, with the entries unchanged and the reason in the log, if the file cannot be
      *         opened or not be read to its end: after an error, if it is too large, or if memory
      *         runs out
      */
-    bool Update(const char* path);
+    bool Update(const char* path, Items* former = nullptr);
+
+    /** Takes back an Update(). The next Set() writes these entries, whatever the file holds. */
+    void Restore(Items former) noexcept { mItems = std::move(former); }
 
     /**
      * Appends the entry of one line, which has no line feed.
@@ -70,7 +78,8 @@ class FileConfigEditor : public ConfigEditor {
     bool Save(const char* path);
 
     /**
-     * Changes an entry and writes the file. Never adds an entry.
+     * Changes an entry and writes the file. Never adds an entry. If memory runs out, the entry
+     * stays as it was.
      *
      * @return false if the key has no entry, with the file untouched; false, too, if the file
      * cannot be opened, but with the entry changed
@@ -81,9 +90,6 @@ class FileConfigEditor : public ConfigEditor {
     bool Get(const char* key, char* value) const override;
 
   private:
-    using Item = std::pair<std::string, std::string>;
-    using Items = std::vector<Item>;
-
     class Lines;
 
     static std::string ReadItems(File& file, Items& items, Lines lines);

@@ -166,8 +166,8 @@ void TvFeatures::WriteText(const char* key, const std::string& text) {
     }
 }
 
-// Readers see the change before it is written. If there is no memory for that, it is taken back, so
-// that the client's next attempt writes it.
+// Readers see the change before it is written. If memory runs out, it is taken back, so that the
+// client's next attempt writes it.
 template <typename WriteRows>
 void TvFeatures::Change(const TvConfigInfo& info, const WriteRows& writeRows) {
     const TvConfigInfo former = mConfigInfo;
@@ -229,11 +229,19 @@ bool TvFeatures::reload(const char* path) {
         return false;
     }
     const std::lock_guard<std::mutex> guard(mChangeLock);
-    if (!mFileEditor->Update(path)) {
+    const TvConfigInfo former = mConfigInfo;
+    FileConfigEditor::Items formerItems;
+    if (!mFileEditor->Update(path, &formerItems)) {
         return false;
     }
-    InitDefaultValue();
-    mConfigInfo.Dump();
+    try {
+        InitDefaultValue();
+        mConfigInfo.Dump();
+    } catch (const std::bad_alloc&) {
+        mFileEditor->Restore(std::move(formerItems));
+        Publish(former);
+        throw;
+    }
     return true;
 }
 

@@ -93,6 +93,8 @@ class TvFeatures {
      * Takes the entries of another file, or of the same one again, and loads all values as at the
      * start. Later writes go to the file of the start, which takes over all entries then.
      *
+     * If memory runs out, entries and values stay as they were.
+     *
      * @param path  null is refused
      * @return false, with nothing changed, if the file cannot be read
      */

@@ -327,6 +327,31 @@ TEST(ItemStoreTest, ReplacedValueUsesItsMemoryAgain) {
     EXPECT_EQ(store.keyOf(item), "key");
 }
 
+TEST(ItemStoreTest, ReplacingAfterMakingRoomAllocatesNothing) {
+    if (mlk::testing::kThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer counts memory itself";
+    }
+    constexpr size_t kItems = 100;
+    const std::string value(1000, 'v');
+    ItemStore store;
+    for (size_t i = 0; i < kItems; ++i) {
+        const auto item = store.insert(store.section("[S]"), std::to_string(i), "short").item;
+        store.makeRoom(item, value.size());
+        EXPECT_EQ(store.keyOf(item), std::to_string(i));
+        EXPECT_EQ(store.valueOf(item), "short");
+    }
+    const Allocated before;
+    for (ItemStore::Item item = 0; item < kItems; ++item) {
+        store.makeRoom(item, value.size());  // has it already
+        store.replace(item, value);
+        store.makeRoom(item, 3);  // never less
+        store.replace(item, value);
+    }
+    EXPECT_EQ(before.kept(), 0);
+    EXPECT_EQ(store.valueOf(0), value);
+    EXPECT_EQ(store.valueOf(kItems - 1), value);
+}
+
 TEST(ItemStoreTest, SpaceIsReservedForAFileOfAReasonableSizeOnly) {
     if (mlk::testing::kThreadSanitizer) {
         GTEST_SKIP() << "the thread sanitizer counts memory itself";

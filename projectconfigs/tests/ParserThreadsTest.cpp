@@ -27,6 +27,11 @@ TEST(ParserThreadsTest, ReadersSeeOneWholeSetWhileItIsRebuilt) {
     files.update();
 
     const mlk::testing::QuietLog quiet;
+    ItemStore values;
+    for (const char* const key : {"k", "l", "absent"}) {
+        values.insert(values.section("[S]"), key, std::string(60, 'v'));
+    }
+    static_cast<void>(values.inOrder());  // sorts them before other threads look
     constexpr int kRounds = 200;
     std::atomic<int> writers = 2;
     std::atomic<int> torn = 0;
@@ -35,7 +40,7 @@ TEST(ParserThreadsTest, ReadersSeeOneWholeSetWhileItIsRebuilt) {
         threads.emplace_back([&, id] {
             for (int round = 0; round < kRounds; ++round) {
                 files.update(id);
-                files.parser().setInfo(ConfigKey("[S]", "absent"), "x");
+                files.parser().setInfos(values);
             }
             --writers;
         });

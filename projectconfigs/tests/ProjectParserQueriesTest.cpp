@@ -65,13 +65,19 @@ TEST_F(ProjectParserQueriesTest, GetInfoGivesTheValueOrNothing) {
     EXPECT_EQ(get("[S]", "K"), "");
 }
 
-TEST_F(ProjectParserQueriesTest, SetInfoReplacesButNeverAdds) {
-    load("[S]\nk=v\n");
-    EXPECT_TRUE(parser().setInfo(ConfigKey("[S]", "k"), "w"));
-    EXPECT_EQ(get("[S]", "k"), "w");
-    EXPECT_FALSE(parser().setInfo(ConfigKey("[S]", "absent"), "w"));
+TEST_F(ProjectParserQueriesTest, SetInfosReplacesButNeverAdds) {
+    load("[S]\nk=v\nl=v\nm=v\n");
+    ItemStore values;
+    values.insert(values.section("[S]"), "k", "longer");
+    values.insert(values.section("[S]"), "absent", "w");
+    values.insert(values.section("[T]"), "k", "w");
+    values.insert(values.section("[S]"), "m", "");
+    mLog.clear();
+    parser().setInfos(values);
+    EXPECT_THAT(debugLines(),
+                ElementsAre("\t[S]:k=longer", "\t[S]:m=", "\t[S]:absent=", "\t[T]:k="));
     EXPECT_EQ(get("[S]", "absent"), "");
-    EXPECT_EQ(items(), "[S]:k=w;");
+    EXPECT_EQ(items(), "[S]:k=longer;[S]:l=v;[S]:m=;");
     update();
     EXPECT_EQ(get("[S]", "k"), "v") << "an update reads the file again";
 }
