@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <new>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "regional/tests/RegionalFiles.h"
@@ -25,6 +27,21 @@ std::string block(const std::string& country, const std::string& rest) {
     return "<COUNTRY_FREQ_MAP><COUNTRY_NAME>" + country + "</COUNTRY_NAME>" + rest +
            "</COUNTRY_FREQ_MAP>\n";
 }
+
+// Memory runs out at the second country, once.
+class NoMemoryOnce : public ReadObserver {
+  public:
+    void onLine(const ReadLine& line) override {
+        if (line.owner == "USA" && !mHasThrown) {
+            mHasThrown = true;
+            throw std::bad_alloc();
+        }
+    }
+    void onProblem(std::string_view, size_t, std::string_view) override {}
+
+  private:
+    bool mHasThrown = false;
+};
 
 class CountryFreqMapParseTest : public ::testing::Test, protected RegionalFiles {
   protected:
@@ -48,6 +65,22 @@ class CountryFreqMapParseTest : public ::testing::Test, protected RegionalFiles 
 
     CountryFreqMapParse& mMap = CountryFreqMapParse::GetInstance();
 };
+
+TEST_F(CountryFreqMapParseTest, MapThatMemoryDidNotSufficeForIsReadAgain) {
+    writeFreqMap(block("GERMANY", "<DTV_ANTENA>a</DTV_ANTENA>") +
+                 block("USA", "<DTV_ANTENA>b</DTV_ANTENA>"));
+    NoMemoryOnce observer;
+    CountryFreqMapParse map(systemPartitions, RegionalData::GetInstance().countries, &observer);
+    map.GetTvConfigPath();
+    const auto find = [&](std::string& name) {
+        return map.GetFreqTableNameByCountryName("USA", FreqTableType::DTV_ANTENNA,
+                                                 AtscCableType::AUTO, name);
+    };
+    std::string name;
+    EXPECT_THROW(find(name), std::bad_alloc);
+    EXPECT_TRUE(find(name));
+    EXPECT_EQ(name, "b");
+}
 
 TEST_F(CountryFreqMapParseTest, TheFirstLookupReadsTheFile) {
     const std::string path =
