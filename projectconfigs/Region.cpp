@@ -4,6 +4,8 @@
 
 #include <log/log.h>
 
+#include <new>
+
 #include "projectconfigs/KnownItems.h"
 #include "projectconfigs/LogNumbers.h"
 #include "regional/FreqTableParser.h"
@@ -53,7 +55,12 @@ void Region::apply(_tv_country country) {
 }
 
 bool Region::save(_tv_country country) {
-    return holder().saveCountryId(country);
+    try {
+        return holder().saveCountryId(country);
+    } catch (const std::bad_alloc&) {
+        ALOGE("country %d cannot be saved: out of memory", static_cast<int>(country));
+        return false;
+    }
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <mutex>
-#include <new>
 #include <string_view>
 #include <system_error>
 
@@ -139,17 +138,12 @@ bool TvSysMapCfgHolder::saveCountryId(_tv_country country) {
     if (country == kNoCountry) {
         return false;
     }
-    try {
-        const std::string folder = getCountryBinFolderPath();
-        createFolder(folder, __func__, log_line::kSavedFolder);
-        const std::string path = filePath(folder);
-        const Saved saved = saveFile(path, lineOf(country));
-        complain(path, saved, __func__, log_line::kSavedFile);
-        return saved == Saved::DONE;
-    } catch (const std::bad_alloc&) {
-        ALOGE("%s: cannot be written: out of memory", kCountryIdFile);
-        return false;
-    }
+    const std::string folder = getCountryBinFolderPath();
+    createFolder(folder, __func__, log_line::kSavedFolder);
+    const std::string path = filePath(folder);
+    const Saved saved = saveFile(path, lineOf(country));
+    complain(path, saved, __func__, log_line::kSavedFile);
+    return saved == Saved::DONE;
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation
