@@ -23,11 +23,14 @@ class SetChanges {
     SetChanges(ProjectSet& set, ProjectID& projectId, const BoardID& boardId);
 
     /**
-     * Changes the model, saves its index and reads the items again, with the board file in use. For
-     * an index above the highest known one, the files are first read again to look for new models.
+     * Changes the model: reads its items, with the board file in use, and saves its index. For an
+     * index above the highest known one, first reads the files of the present model again, to look
+     * for new models. What is read replaces all items, so the country's values are gone until
+     * setCountry() or the next start, even if the result is false after the first reading.
      *
-     * @return false, with nothing changed, if the index is not accepted (accepted are 1 to the
-     *         highest) or the model's files cannot be read
+     * @return false, with the model unchanged, if the index is not accepted (accepted are 1 to the
+     *         highest) or if a file of the model exists but cannot be read; true even if the index
+     *         could not be saved
      */
     bool setProject(int32_t id);
 
@@ -35,11 +38,11 @@ class SetChanges {
     bool setProject(int32_t id, const std::string& processName, int32_t pid);
 
     /**
-     * Puts the country's items into the items of the set, and saves the country. kNoCountry stands
-     * for the saved country, and saves nothing. A later change of the model removes the country's
-     * items until the next start.
+     * Puts the country's values into the items of the set, and saves the country. A later change of
+     * the model removes these values. kNoCountry stands for the saved country or, if none is saved
+     * yet, for the first one of the country map, which is saved then.
      *
-     * @return true if the country was saved
+     * @return true if the country was saved; always false for kNoCountry
      */
     bool setCountry(_tv_country country);
 
