@@ -107,6 +107,10 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     CheckReport report = examine(tree.line(), isWhole);
     progress.stop();
     applyBaseline(arguments, report, lineOf, environment);
+    if (!isWhole) {
+        // A set that was not checked may still have them.
+        report.gone = 0;
+    }
     FormatContext context{
             lineOf, ruleFamilies(), severityOf(arguments.value("--fail-on")), false, "", {}};
     const bool isOnTerminal =

@@ -35,7 +35,8 @@ struct CheckReport {
     std::vector<Finding> findings; /**< those that count, in their order */
     std::vector<Allowed> allowed;
     bool hasBaseline = false;
-    size_t gone = 0; /**< entries of the baseline that nothing has any more */
+    /** Entries of the baseline that nothing has any more; 0 if only some sets were checked. */
+    size_t gone = 0;
 };
 
 }  // namespace mlk::tree
