@@ -1,14 +1,12 @@
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <ostream>
 
-#include "common/File.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Baseline.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Examination.h"
+#include "tools/mlktree/FileText.h"
 #include "tools/mlktree/Formats.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/Progress.h"
@@ -18,21 +16,10 @@ namespace mlk::tree {
 
 namespace {
 
-using vendor::morlak::mlkconfigs::V1_0::implementation::File;
-
 // A baseline; nothing if there is no such file.
 std::optional<Baseline> readBaseline(const std::string& path) {
-    File file(path);
-    if (file.isMissing()) {
-        return std::nullopt;
-    }
-    std::string text(file.size(), '\0');
-    const ssize_t count = file.isOpen() ? file.readUpTo(text.data(), text.size()) : -1;
-    if (count < 0) {
-        throw UsageError(path + " cannot be read: " +
-                         (file.isOpen() ? std::strerror(errno) : file.reason()));
-    }
-    return Baseline::parse(std::string_view(text).substr(0, static_cast<size_t>(count)), path);
+    const std::optional<std::string> text = textIfThere(path, kMostBaselineBytes);
+    return text ? std::optional(Baseline::parse(*text, path)) : std::nullopt;
 }
 
 Severity severityOf(const std::string& name) {

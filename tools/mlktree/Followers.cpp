@@ -1,7 +1,6 @@
 #include "tools/mlktree/Followers.h"
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -11,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/mlktree/FileText.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/ProductLine.h"
 
@@ -95,11 +95,7 @@ void leaveOutSpoilt(std::vector<Finding>& findings) {
 // The text of a file that no line names; empty if it is large.
 std::string textOf(const ProductLine& line, const std::string& path) {
     constexpr size_t kMostBytes = size_t{1} << 20U;
-    std::ifstream stream(line.tree().host(path), std::ios::binary);
-    std::string text(kMostBytes, '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<size_t>(stream.gcount()));
-    return text.size() < kMostBytes ? text : std::string();
+    return textOrNothing(line.tree().host(path), kMostBytes);
 }
 
 // Files, found by what follows their partition's name.

@@ -4,9 +4,9 @@
 #include <array>
 #include <regex>
 
-#include "common/File.h"
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/FileText.h"
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Rule.h"
 #include "tools/mlktree/Settings.h"
@@ -18,9 +18,6 @@ namespace mlk::tree {
 
 namespace {
 
-using vendor::morlak::mlkconfigs::V1_0::implementation::File;
-
-constexpr size_t kMostBytes = size_t{1} << 20U;
 constexpr size_t kMostPattern = 1000;  // the pattern is compiled by recursion
 
 constexpr std::array kTypes = {OwnType::TEXT,    OwnType::PATH,   OwnType::BOOLEAN,
@@ -225,32 +222,11 @@ void checkHeadings(const std::string& path, const toml::table& root) {
     }
 }
 
-// The whole file, or nothing if it does not exist.
-std::optional<std::string> textOf(const std::string& path) {
-    File file(path);
-    if (file.isMissing()) {
-        return std::nullopt;
-    }
-    if (!file.isOpen()) {
-        throw UsageError(path + ": " + file.reason());
-    }
-    if (file.size() > kMostBytes) {
-        throw UsageError(path + ": the file is larger than 1 MiB");
-    }
-    std::string text(file.size(), '\0');
-    const ssize_t count = file.readUpTo(text.data(), text.size());
-    if (count < 0) {
-        throw UsageError(path + ": the file cannot be read");
-    }
-    text.resize(static_cast<size_t>(count));
-    return text;
-}
-
 }  // namespace
 
 Settings readSettings(const std::string& path) {
     Settings settings;
-    const std::optional<std::string> text = textOf(path);
+    const std::optional<std::string> text = textIfThere(path, kMostSettingsBytes);
     if (!text) {
         return settings;
     }

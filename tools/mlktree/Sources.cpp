@@ -2,24 +2,11 @@
 
 #include <utility>
 
-#include "common/File.h"
+#include "tools/mlktree/FileText.h"
 
 namespace mlk::tree {
 
 namespace {
-
-using vendor::morlak::mlkconfigs::V1_0::implementation::File;
-
-std::string textOf(const std::string& path) {
-    File file(path);
-    if (!file.isOpen() || file.size() > Sources::kMostBytes) {
-        return {};
-    }
-    std::string text(file.size(), '\0');
-    const ssize_t count = file.readUpTo(text.data(), text.size());
-    text.resize(count > 0 ? static_cast<size_t>(count) : 0);
-    return text;
-}
 
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines;
@@ -37,7 +24,7 @@ const std::vector<std::string_view>& Sources::lines(const std::string& path) con
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto [file, isNew] = mFiles.try_emplace(path);
     if (isNew) {
-        file->second.text = textOf(mTree.host(path));
+        file->second.text = textOrNothing(mTree.host(path), kMostBytes);
         file->second.lines = linesOf(file->second.text);
     }
     return file->second.lines;

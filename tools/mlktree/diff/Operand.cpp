@@ -3,12 +3,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
-#include "common/File.h"
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/FileText.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/answers/Snapshot.h"
@@ -19,8 +17,6 @@ namespace mlk::tree {
 
 namespace {
 
-using vendor::morlak::mlkconfigs::V1_0::implementation::File;
-
 constexpr std::string_view kRevision = "rev:";
 constexpr const char* kExpected =
         "; expected is a folder with tvconfigs/, the file of a snapshot, rev:REVISION, or a set "
@@ -29,20 +25,6 @@ constexpr const char* kExpected =
 bool exists(const std::string& path) {
     struct stat status = {};
     return stat(path.c_str(), &status) == 0;
-}
-
-std::string textOf(const std::string& path) {
-    File file(path);
-    if (!file.isOpen()) {
-        throw UsageError(printable(path) + " cannot be read: " + file.reason());
-    }
-    std::string text(file.size(), '\0');
-    const ssize_t count = file.readUpTo(text.data(), text.size());
-    if (count < 0) {
-        throw UsageError(printable(path) + " cannot be read: " + std::strerror(errno));
-    }
-    text.resize(static_cast<size_t>(count));
-    return text;
 }
 
 // A message that begins with an option, "--model 9: ...", in the words of an operand that has the
@@ -218,7 +200,7 @@ void OpenOperand::openTree(const std::string& folder, const std::string& name, b
 
 void OpenOperand::openSnapshot(const std::string& path) {
     mIsSnapshot = true;
-    mAnswers = readSnapshot(textOf(path), path);
+    mAnswers = readSnapshot(textOf(path, kMostSnapshotBytes), path);
 }
 
 const AnswerSet& OpenOperand::set() const {
