@@ -24,6 +24,11 @@ std::string_view nameOf(FileFormat format) {
     return row != nullptr ? row->name : "file";
 }
 
+bool isIdentity(FileFormat format) {
+    return format == FileFormat::PROJECT_ID || format == FileFormat::BOARD_ID ||
+           format == FileFormat::COUNTRY_ID;
+}
+
 bool FileLines::isUnreadable() const {
     for (const Problem& problem : mProblems) {
         if (problem.text.find("cannot be read") == 0 || problem.text.find("no well-formed") == 0 ||

@@ -26,6 +26,9 @@ using vendor::morlak::mlkconfigs::V1_0::implementation::ReadObserver;
 /** "project or board file" and so on, for messages. */
 std::string_view nameOf(FileFormat format);
 
+/** True for the files that say which set this is. Their keyword counts anywhere in a line. */
+bool isIdentity(FileFormat format);
+
 /** What the reader complained about; line 0 for the whole file. */
 struct Problem {
     size_t line;

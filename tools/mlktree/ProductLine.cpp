@@ -11,11 +11,6 @@ namespace {
 
 const std::vector<Naming> kNobody;
 
-bool isIdentity(FileFormat format) {
-    return format == FileFormat::PROJECT_ID || format == FileFormat::BOARD_ID ||
-           format == FileFormat::COUNTRY_ID;
-}
-
 }  // namespace
 
 // Collects the sets that lead to a file, from the lines that name it upwards.

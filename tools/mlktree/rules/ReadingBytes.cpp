@@ -40,8 +40,9 @@ std::optional<Remark> nulByte(FileFormat format, const ReadLine& read) {
 
 void checkByteOrderMarks(const ProductLine& line, Reporter& reporter) {
     const std::vector<bool> marked =
-            contentsThat(line, [](FileFormat /* format */, const ReadLine& read) {
-                return beginsWith(read.text, kByteOrderMark);
+            contentsThat(line, [](FileFormat format, const ReadLine& read) {
+                // Before the keyword of an identity file it does no harm.
+                return beginsWith(read.text, kByteOrderMark) && !isIdentity(format);
             });
     for (const auto& [path, file] : line.files()) {
         for (const ReadLine* const read : linesThat(*file, marked)) {
@@ -78,8 +79,7 @@ void checkEncoding(const ProductLine& line, Reporter& reporter) {
 bool keepsCarriageReturn(FileFormat format, const ReadLine& read) {
     // A country whose name ends in one is unknown: the rule for countries says so.
     // In a file of the identity, it does no harm but to one word of board_id.bin.
-    const bool isText = format != FileFormat::COUNTRY_LIST && format != FileFormat::PROJECT_ID &&
-                        format != FileFormat::BOARD_ID && format != FileFormat::COUNTRY_ID;
+    const bool isText = format != FileFormat::COUNTRY_LIST && !isIdentity(format);
     const bool isInItem = read.key.find('\r') != std::string_view::npos ||
                           read.value.find('\r') != std::string_view::npos;
     // The list of models answers the rest of the line.

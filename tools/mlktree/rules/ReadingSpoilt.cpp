@@ -20,11 +20,6 @@ bool isXml(const FileLines& file) {
            file.format() == FileFormat::CHANNEL_MAP;
 }
 
-bool isOfIdentity(const FileLines& file) {
-    return file.format() == FileFormat::PROJECT_ID || file.format() == FileFormat::BOARD_ID ||
-           file.format() == FileFormat::COUNTRY_ID;
-}
-
 // True for two bytes a character: a mark says so, or every second byte is a NUL.
 bool isUtf16(std::string_view text) {
     constexpr size_t kLookedAt = 32;
@@ -47,7 +42,8 @@ bool isUtf16(std::string_view text) {
 void checkUtf16(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
         const bool hasLine = !file->lines().empty() && file->lines().front().column != 0;
-        const bool isSuspect = !hasLine || file->lines().front().hasNul || isOfIdentity(*file) ||
+        const bool isSuspect = !hasLine || file->lines().front().hasNul ||
+                               isIdentity(file->format()) ||
                                beginsWith(file->lines().front().text, "\xFF\xFE") ||
                                beginsWith(file->lines().front().text, "\xFE\xFF");
         if (file->exists() && isSuspect && isUtf16(line.sources().line(path, 1))) {
@@ -182,7 +178,8 @@ size_t harmfulAt(FileFormat format, const ReadLine& read, const char*& part) {
                         : plain.find('=') != std::string::npos || beginsWith(plain, "[");
         return isMeant ? first.at : kNone;
     }
-    if (first.at < equals) {
+    // The keyword of an identity file counts anywhere: what stands around it does no harm.
+    if (first.at < equals && !isIdentity(format)) {
         part = "key";
         return isMeantInAscii(code.substr(0, equals)) || isOfNoScript(first) ? first.at : kNone;
     }
@@ -200,7 +197,8 @@ size_t harmfulAt(FileFormat format, const ReadLine& read, const char*& part) {
 bool hasHarmful(FileFormat format, const ReadLine& read) {
     const char* part = "";
     return read.column != 0 && read.use != LineUse::NOTHING && !isAscii(read.text) &&
-           !looksLikeComment(read.text) && !beginsWith(read.text, kByteOrderMark) &&
+           !looksLikeComment(read.text) &&
+           (isIdentity(format) || !beginsWith(read.text, kByteOrderMark)) &&
            harmfulAt(format, read, part) != kNone;
 }
 

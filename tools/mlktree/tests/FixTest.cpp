@@ -11,6 +11,7 @@
 #include "tools/mlktree/CommandLine.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"
+#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/tests/Harness.h"
 
 namespace mlk::tree {
@@ -133,6 +134,28 @@ TEST_F(FixTest, AByteOrderMarkGoes) {
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\n");
     mDir.write("tvconfigs/s.ini", "\xEF\xBB\xBF# models\nModel_1=/tvconfigs/model/a.ini\n");
     EXPECT_EQ(mended("tvconfigs/s.ini"), "# models\nModel_1=/tvconfigs/model/a.ini\n");
+}
+
+// The service looks for the keyword anywhere in the line, so that a mark before it does no harm.
+TEST_F(FixTest, AnIdentityFileKeepsItsByteOrderMark) {
+    const std::string mark(kByteOrderMark);
+    mDir.write(kProjectIdPath, mark + "PROJECT_ID=1\n");
+    mDir.write(kBoardIdPath, mark + "BOARD_ID=/tvconfigs/board/b.ini\n");
+    mDir.write(kCountryIdPath, mark + "COUNTRY_ID=14\n");
+    mDir.write("tvconfigs/board/b.ini", "[PANEL]\nm_pPanelName = b\n");
+    const Tree tree(mDir.path(), {});
+    const Settings settings;
+    const TreeProperties properties(mDir.path("data/property"), {});
+    Selection set;
+    set.isOneSet = true;
+    const ProductLine line(tree, settings, properties, set);
+    EXPECT_EQ(line.models().at(0).index, 1);
+    EXPECT_EQ(line.boardOfSet(), "tvconfigs/board/b.ini");
+    EXPECT_EQ(line.countries().at(0), _tv_country{14});
+    for (const char* const path : {kProjectIdPath, kBoardIdPath, kCountryIdPath}) {
+        EXPECT_FALSE(isFoundAtEnd(path)) << path;
+    }
+    EXPECT_EQ(diff(), "");
 }
 
 TEST_F(FixTest, SpacesThatAreNoBlanksGo) {

@@ -88,6 +88,25 @@ std::vector<Edge> valueEdges() {
 
 std::vector<Edge> identityEdges() {
     return {
+            {"MarkBeforeTheIndex", "byte-order-mark",
+             written("impdata/project_id.bin", "\xEF\xBB\xBFPROJECT_ID=1\n"), ""},
+            {"MarkBeforeTheBoard", "byte-order-mark",
+             written("impdata/board_id.bin",
+                     "\xEF\xBB\xBF"
+                     "BOARD_ID=/tvconfigs/board/b1.ini\n"),
+             ""},
+            {"MarkBeforeTheCountry", "byte-order-mark",
+             written("tvdata/tvsysmap/country_id.bin",
+                     "\xEF\xBB\xBF"
+                     "COUNTRY_ID=14\n"),
+             ""},
+            {"SpaceBeforeTheKeyword", "lookalike",
+             written("impdata/project_id.bin", "\xC2\xA0PROJECT_ID\xC2\xA0=1\n"), ""},
+            {"SpaceInTheBoardAfterAMark", "lookalike",
+             written("impdata/board_id.bin",
+                     "\xEF\xBB\xBF"
+                     "BOARD_ID=/tvconfigs/board/b1\xC2\xA0.ini\n"),
+             "impdata/board_id.bin:1"},
             {"RemarkAfterTheIndex", "identity-number",
              written("impdata/project_id.bin", "PROJECT_ID=1 # the first\n"), ""},
             {"KeywordInACommentBelow", "identity-keyword",
