@@ -1,7 +1,9 @@
 #include "tools/common/Text.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
+
+#include "tools/common/Utf8.h"
 
 namespace mlk {
 
@@ -12,48 +14,6 @@ constexpr std::string_view kHexDigits = "0123456789abcdef";
 uint8_t byteAt(std::string_view text, size_t position) {
     return static_cast<uint8_t>(text[position]);
 }
-
-}  // namespace
-
-// The range of the second byte depends on the first: it excludes overlong forms, surrogates and
-// code points beyond U+10FFFF.
-size_t sequenceLength(std::string_view text, size_t position) {
-    struct Row {
-        uint8_t first, last;              // range of the first byte
-        size_t length;                    // of the sequence
-        uint8_t secondFirst, secondLast;  // range of the second byte
-    };
-    static constexpr std::array<Row, 9> kRows = {{{0x00, 0x7f, 1, 0x00, 0x00},
-                                                  {0xc2, 0xdf, 2, 0x80, 0xbf},
-                                                  {0xe0, 0xe0, 3, 0xa0, 0xbf},
-                                                  {0xe1, 0xec, 3, 0x80, 0xbf},
-                                                  {0xed, 0xed, 3, 0x80, 0x9f},
-                                                  {0xee, 0xef, 3, 0x80, 0xbf},
-                                                  {0xf0, 0xf0, 4, 0x90, 0xbf},
-                                                  {0xf1, 0xf3, 4, 0x80, 0xbf},
-                                                  {0xf4, 0xf4, 4, 0x80, 0x8f}}};
-    const uint8_t lead = byteAt(text, position);
-    for (const Row& row : kRows) {
-        if (lead < row.first || lead > row.last) {
-            continue;
-        }
-        if (position + row.length > text.size()) {
-            return 0;
-        }
-        for (size_t i = 1; i < row.length; ++i) {
-            const uint8_t byte = byteAt(text, position + i);
-            const bool fits = i == 1 ? byte >= row.secondFirst && byte <= row.secondLast
-                                     : byte >= 0x80 && byte <= 0xbf;
-            if (!fits) {
-                return 0;
-            }
-        }
-        return row.length;
-    }
-    return 0;
-}
-
-namespace {
 
 void appendHexByte(std::string& out, std::string_view prefix, uint8_t byte) {
     out += prefix;
@@ -101,7 +61,7 @@ void appendEscaped(std::string& out, std::string_view text, bool inQuotes) {
         if (position == text.size()) {
             return;
         }
-        const size_t length = sequenceLength(text, position);
+        const size_t length = utf8At(text, position).size;
         const uint8_t byte = byteAt(text, position);
         if (length == 0) {
             appendHexByte(out, "\\udc", byte);
@@ -145,7 +105,7 @@ std::string excerpt(std::string_view text) {
     // Do not cut a character.
     size_t end = 0;
     while (true) {
-        const size_t length = std::max<size_t>(sequenceLength(text, end), 1);
+        const size_t length = std::max<size_t>(utf8At(text, end).size, 1);
         if (end + length > kLimit) {
             break;
         }

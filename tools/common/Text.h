@@ -14,8 +14,7 @@ namespace mlk {
 
 /**
  * Appends a text as a JSON string, with its quotes. Valid UTF-8 stays as it is; quotes, backslashes
- * and control characters (including DEL and C1) are escaped, other bytes become \udcXX. Surrogates,
- * overlong forms and code points beyond U+10FFFF are not valid.
+ * and control characters (including DEL and C1) are escaped, other bytes become \udcXX.
  */
 void appendJsonString(std::string& out, std::string_view text);
 
@@ -33,9 +32,6 @@ std::string printable(std::string_view text);
 
 /** A text of several lines for a terminal: as printable(), but newlines and tabs stay. */
 std::string forTerminal(std::string_view text);
-
-/** The length of the valid UTF-8 sequence at the position; 0 if it is not valid. */
-size_t sequenceLength(std::string_view text, size_t position);
 
 /** The bytes in base64 with padding (RFC 4648). */
 std::string base64(const uint8_t* bytes, size_t size);

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "tools/common/Text.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlkctl/Failure.h"
 
 namespace mlk::ctl {
@@ -88,7 +89,6 @@ std::string nameFrom(const std::vector<Argument>& values, size_t index) {
 
 BatchLine parseBatchLine(std::string_view line) {
     // The parser takes a NUL for the end of its input and skips a byte order mark.
-    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
     const size_t nul = line.find('\0');
     if (nul != std::string_view::npos || line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
         const size_t column = nul != std::string_view::npos ? nul + 1 : 1;

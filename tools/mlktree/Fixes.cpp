@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "regional/CountryTable.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/rules/Lookalikes.h"
 #include "tools/mlktree/rules/Texts.h"
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/common/Text.h"
+#include "tools/common/Utf8.h"
 
 namespace mlk::tree {
 
@@ -16,19 +17,7 @@ constexpr size_t kTab = 4;
 
 // The bytes of one character of the text, or one byte that is no UTF-8.
 std::string_view nextPiece(std::string_view text, size_t at) {
-    return text.substr(at, std::max<size_t>(sequenceLength(text, at), 1));
-}
-
-uint32_t codePointOf(std::string_view piece) {
-    const auto lead = static_cast<uint8_t>(piece.front());
-    uint32_t code = piece.size() == 1   ? lead
-                    : piece.size() == 2 ? lead & 0x1fU
-                    : piece.size() == 3 ? lead & 0x0fU
-                                        : lead & 0x07U;
-    for (const char byte : piece.substr(1)) {
-        code = code << 6U | (static_cast<uint8_t>(byte) & 0x3fU);
-    }
-    return code;
+    return text.substr(at, std::max<size_t>(utf8At(text, at).size, 1));
 }
 
 // Characters that a reader cannot see, but that move or hide others.
@@ -61,7 +50,7 @@ std::string shownPiece(std::string_view piece) {
     if (text != piece || piece.size() < 2) {
         return text;
     }
-    const uint32_t code = codePointOf(piece);
+    const uint32_t code = utf8At(piece, 0).code;
     return isHidden(code) ? escaped(code) : text;
 }
 
@@ -139,7 +128,7 @@ ShownLine shownLine(std::string_view bytes, size_t column, size_t width) {
         std::string text =
                 piece == "\t" ? std::string(kTab - total % kTab, ' ') : shownPiece(piece);
         const size_t wide = text.size() == piece.size() && piece.size() > 1
-                                    ? widthOf(codePointOf(piece))
+                                    ? widthOf(utf8At(piece, 0).code)
                                     : text.size();
         cells.push_back({std::move(text), total});
         total += wide;

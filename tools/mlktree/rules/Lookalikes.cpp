@@ -7,6 +7,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "tools/common/Utf8.h"
+
 namespace mlk::tree {
 
 namespace {
@@ -53,24 +55,6 @@ constexpr Letter kLetters[] = {
         {0x0455, 's'}, {0x0456, 'i'}, {0x0458, 'j'},
 };
 
-// The character at the beginning, if it has two or three bytes; 0 otherwise.
-char32_t decode(std::string_view text, size_t& size) {
-    const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byte(0);
-    const bool isTwo = (first & 0xE0U) == 0xC0;
-    const bool isThree = (first & 0xF0U) == 0xE0;
-    size = isTwo ? 2 : 3;
-    if ((!isTwo && !isThree) || text.size() < size) {
-        size = 1;
-        return 0;
-    }
-    char32_t code = first & (isTwo ? 0x1FU : 0x0FU);
-    for (size_t i = 1; i < size; ++i) {
-        code = (code << 6U) | (byte(i) & 0x3FU);
-    }
-    return code;
-}
-
 bool isLookalike(char32_t code, char& looksLike) {
     for (const Range& range : kRanges) {
         if (code >= range.first && code <= range.last) {
@@ -102,16 +86,16 @@ bool isAscii(std::string_view text) {
 
 Lookalike findLookalike(std::string_view text, size_t from) {
     for (size_t at = from; at < text.size();) {
-        Lookalike found{at, 0, 0, 0};
-        size_t size = 1;
-        if (static_cast<unsigned char>(text[at]) >= 0x80) {
-            found.code = decode(text.substr(at), size);
-            if (isLookalike(found.code, found.looksLike)) {
-                found.size = size;
-                return found;
-            }
+        if (static_cast<unsigned char>(text[at]) < 0x80) {
+            ++at;
+            continue;
         }
-        at += size;
+        const Utf8Character character = utf8At(text, at);
+        Lookalike found{at, character.size, character.code, 0};
+        if (isLookalike(character.code, found.looksLike)) {
+            return found;
+        }
+        at += std::max<size_t>(character.size, 1);
     }
     return {};
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/Lookalikes.h"
 #include "tools/mlktree/rules/Texts.h"

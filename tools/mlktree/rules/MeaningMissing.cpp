@@ -6,6 +6,7 @@
 
 #include "common/Paths.h"
 #include "regional/RegionalNames.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"

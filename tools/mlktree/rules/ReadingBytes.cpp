@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "common/FileFormat.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"

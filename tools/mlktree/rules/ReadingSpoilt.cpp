@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"

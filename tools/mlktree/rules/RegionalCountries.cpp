@@ -4,6 +4,7 @@
 #include <map>
 
 #include "regional/RegionalNames.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Regional.h"

@@ -17,12 +17,6 @@ bool beginsWith(std::string_view text, std::string_view start);
 /** True for a line that its author takes for a comment, whatever the format. */
 bool looksLikeComment(std::string_view text);
 
-/** The three bytes that some editors write at the beginning of a UTF-8 file. */
-inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-/** The position of the first byte that is not part of valid UTF-8, or npos. */
-size_t invalidUtf8At(std::string_view text);
-
 /** The text with the ASCII letters in small. */
 std::string lowerCase(std::string_view text);
 
