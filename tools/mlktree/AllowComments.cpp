@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

@@ -5,8 +5,8 @@
 #include <tuple>
 
 #include "tools/common/Text.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/Tree.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -4,8 +4,8 @@
 
 #include "tools/mlktree/Checker.h"
 #include "tools/mlktree/Followers.h"
+#include "tools/mlktree/Rule.h"
 #include "tools/mlktree/Suppressions.h"
-#include "tools/mlktree/rules/Families.h"
 
 namespace mlk::tree {
 
@@ -15,10 +15,13 @@ constexpr const char* kSettingsFile = "mlktree.toml";
 
 // Findings about comments and tables have no sets yet.
 void addSets(std::vector<Finding>& findings, const ProductLine& line) {
-    const RuleFamily& family = allowing();
+    const std::vector<RuleFamily>& families = ruleFamilies();
+    const auto allowing =
+            std::find_if(families.begin(), families.end(),
+                         [](const RuleFamily& each) { return each.name == kAllowingFamily; });
     for (Finding& finding : findings) {
         const bool isOfFamily =
-                std::any_of(family.rules, family.rules + family.count,
+                std::any_of(allowing->rules, allowing->rules + allowing->count,
                             [&](const Rule& rule) { return rule.name == finding.rule; });
         if (isOfFamily) {
             finding.sets = finding.place.file == kSettingsFile ? std::vector<std::string>{"all"}

@@ -107,4 +107,9 @@ class FileLines : public ReadObserver {
     std::vector<uint32_t> mContents;  // of each line
 };
 
+/** True if the file exists and was read whole, so that what it lacks can be told. */
+inline bool isUsable(const FileLines* file) {
+    return file != nullptr && file->exists() && !file->isUnreadable();
+}
+
 }  // namespace mlk::tree

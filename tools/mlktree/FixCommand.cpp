@@ -9,7 +9,7 @@
 #include "tools/mlktree/Fixes.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/ShownLine.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

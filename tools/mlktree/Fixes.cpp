@@ -7,8 +7,8 @@
 
 #include "regional/CountryTable.h"
 #include "tools/common/Utf8.h"
-#include "tools/mlktree/rules/Lookalikes.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Lookalikes.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

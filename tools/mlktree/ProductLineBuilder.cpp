@@ -16,10 +16,10 @@
 #include "projectconfigs/SoundDelays.h"
 #include "regional/RegionalNames.h"
 #include "tools/common/Suggest.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
-#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 

@@ -11,7 +11,7 @@
 #include "tools/common/Text.h"
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Rule.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

@@ -7,7 +7,7 @@
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Parallel.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

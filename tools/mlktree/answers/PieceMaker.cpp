@@ -6,8 +6,8 @@
 #include "common/Decimal.h"
 #include "common/FileLimits.h"
 #include "common/Paths.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/Parallel.h"
-#include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/set/SetCountry.h"
 
 namespace mlk::tree {

@@ -7,8 +7,8 @@
 #include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/answers/PieceMaker.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/set/SetFeatures.h"
 
 namespace mlk::tree {

@@ -6,16 +6,15 @@
 #include "tools/common/Json.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/diff/ToldChanges.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
 namespace {
 
 std::string placeOf(const ChangeSide& side) {
-    return side.file.empty() ? ""
-                             : side.file + (side.line != 0 ? ":" + std::to_string(side.line) : "");
+    return side.file.empty() ? "" : placeText(side.file, side.line);
 }
 
 // "no difference" or "3 differences".

@@ -14,8 +14,8 @@
 #include <system_error>
 
 #include "tools/common/Text.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/Tree.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

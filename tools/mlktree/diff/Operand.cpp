@@ -9,9 +9,9 @@
 #include "tools/mlktree/FileText.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/SetFilter.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -4,9 +4,9 @@
 #include <set>
 
 #include "regional/FreqTableParser.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/diff/PieceDiff.h"
 #include "tools/mlktree/diff/Sequences.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -79,7 +79,7 @@ std::vector<size_t> occurrencesIn(const ChannelPiece& plan) {
     return occurrences;
 }
 
-std::string placeText(size_t position) {
+std::string positionText(size_t position) {
     return "at place " + std::to_string(position + 1);
 }
 
@@ -119,11 +119,11 @@ void PieceDiff::compareLists(List& list, ChangeKind kind, const std::string& pre
         change.kind = kind;
         change.name = prefix + std::string(pair.a ? a[*pair.a].text : b[*pair.b].text);
         if (pair.a) {
-            change.a = sideOf(mA, pair.isMoved ? placeText(*pair.a) : a[*pair.a].text,
+            change.a = sideOf(mA, pair.isMoved ? positionText(*pair.a) : a[*pair.a].text,
                               a[*pair.a].place);
         }
         if (pair.b) {
-            change.b = sideOf(mB, pair.isMoved ? placeText(*pair.b) : b[*pair.b].text,
+            change.b = sideOf(mB, pair.isMoved ? positionText(*pair.b) : b[*pair.b].text,
                               b[*pair.b].place);
         }
         list.push_back(numberOf(std::move(change)));
@@ -328,7 +328,7 @@ void PieceDiff::comparePlan(List& list, std::string_view kind, uint32_t a, uint3
         const auto add = [&](std::optional<ChangeSide>& side, const LineAnswers& line,
                              const ChannelPiece& piece, const std::optional<size_t>& position) {
             if (position) {
-                const std::string moved = pair.isMoved ? placeText(*position) : "";
+                const std::string moved = pair.isMoved ? positionText(*position) : "";
                 const std::string text =
                         pair.isMoved && !isChanged
                                 ? moved

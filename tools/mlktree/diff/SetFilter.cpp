@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tools/common/Text.h"
-#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/set/SetCountry.h"
 
 namespace mlk::tree {

@@ -39,10 +39,6 @@ void Page::source(const std::string& file, size_t line) {
     }
 }
 
-std::string placeText(const std::string& file, size_t line) {
-    return line != 0 ? file + ":" + std::to_string(line) : file;
-}
-
 std::string originJson(std::string_view value, const std::string& file, size_t line,
                        std::string_view layer) {
     return JsonObject()

@@ -56,9 +56,6 @@ class Page {
     std::string mText;
 };
 
-/** "tvconfigs/board/b2.ini:13"; the file alone for line 0. */
-std::string placeText(const std::string& file, size_t line);
-
 /** The members "value", "file", "line" and "layer" that explain a value. */
 std::string originJson(std::string_view value, const std::string& file, size_t line,
                        std::string_view layer);

@@ -7,6 +7,7 @@
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/explain/Explain.h"
 #include "tools/mlktree/set/SetDelays.h"
 

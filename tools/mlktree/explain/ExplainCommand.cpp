@@ -2,8 +2,8 @@
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/explain/Explain.h"
-#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 

@@ -5,8 +5,8 @@
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/explain/Explain.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/set/SetFeatures.h"
 
 namespace mlk::tree {

@@ -7,8 +7,8 @@
 #include "regional/RegionalNames.h"
 #include "tools/common/Json.h"
 #include "tools/common/Text.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/explain/Explain.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/set/SetCountry.h"
 
 namespace mlk::tree {

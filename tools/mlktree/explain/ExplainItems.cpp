@@ -8,9 +8,9 @@
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/explain/Explain.h"
 #include "tools/mlktree/rules/Meaning.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/show/SetFacts.h"
 
 namespace mlk::tree {

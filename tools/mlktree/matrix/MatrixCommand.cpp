@@ -10,9 +10,9 @@
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/WrittenFile.h"
 #include "tools/mlktree/matrix/MatrixFormats.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

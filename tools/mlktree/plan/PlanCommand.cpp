@@ -7,13 +7,13 @@
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/CommonOptions.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/WrittenFile.h"
-#include "tools/mlktree/explain/Explain.h"
 #include "tools/mlktree/plan/PlanPicture.h"
 #include "tools/mlktree/plan/PlanText.h"
-#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 

@@ -5,9 +5,9 @@
 
 #include "tools/common/Wrap.h"
 #include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/XmlText.h"
 #include "tools/mlktree/plan/PlanRows.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

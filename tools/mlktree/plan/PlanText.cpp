@@ -3,8 +3,7 @@
 #include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/mlktree/ShownLine.h"
-#include "tools/mlktree/explain/Explain.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

@@ -8,8 +8,8 @@
 #include <tuple>
 
 #include "regional/Modulations.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/RegionalPlan.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -8,7 +8,6 @@
 #include "projectconfigs/KnownItems.h"
 #include "regional/Modulations.h"
 #include "tools/common/Text.h"
-#include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/set/CountryItems.h"
 #include "tools/mlktree/show/SetFacts.h"
 #include "tvconfigs/TvConfigItems.h"

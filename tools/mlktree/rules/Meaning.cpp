@@ -6,9 +6,9 @@
 #include <string>
 
 #include "tools/common/Utf8.h"
+#include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Nearest.h"
-#include "tools/mlktree/rules/Lookalikes.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

@@ -8,9 +8,9 @@
 #include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningValue.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {

@@ -9,9 +9,9 @@
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningValue.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

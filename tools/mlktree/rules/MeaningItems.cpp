@@ -4,8 +4,8 @@
 #include <cctype>
 #include <set>
 
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Meaning.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

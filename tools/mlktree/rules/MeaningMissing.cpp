@@ -9,10 +9,10 @@
 #include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {

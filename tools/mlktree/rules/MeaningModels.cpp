@@ -11,9 +11,9 @@
 #include "projectconfigs/ChainKeywords.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningValue.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 
@@ -22,15 +22,11 @@ namespace {
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace keyword = product::keyword;
 
-bool isReadable(const FileLines* file) {
-    return file != nullptr && file->exists() && !file->isUnreadable();
-}
-
 // The system files that can be read, each once.
 std::set<const FileLines*> systemFilesOf(const ProductLine& line) {
     std::set<const FileLines*> files;
     for (const Customer& customer : line.customers()) {
-        if (isReadable(customer.system)) {
+        if (isUsable(customer.system)) {
             files.insert(customer.system);
         }
     }
@@ -192,7 +188,7 @@ void checkCustomer(const ProductLine& line, Reporter& reporter, const Customer& 
 
 void checkWhole(const ProductLine& line, Reporter& reporter) {
     for (const Customer& customer : line.customers()) {
-        if (isReadable(customer.file)) {
+        if (isUsable(customer.file)) {
             checkCustomer(line, reporter, customer);
         }
     }

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/NameUses.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -10,10 +10,10 @@
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningValue.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

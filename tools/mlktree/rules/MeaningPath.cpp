@@ -5,7 +5,7 @@
 
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Nearest.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 

@@ -18,10 +18,10 @@
 #include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningPath.h"
 #include "tools/mlktree/rules/Regional.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -15,11 +15,10 @@
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/MeaningPath.h"
 #include "tools/mlktree/rules/MissingFiles.h"
-#include "tools/mlktree/rules/Regional.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -12,11 +12,11 @@
 #include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningValue.h"
 #include "tools/mlktree/rules/NearFiles.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {

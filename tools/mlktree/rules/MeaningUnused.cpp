@@ -17,8 +17,8 @@
 
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

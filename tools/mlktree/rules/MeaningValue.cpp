@@ -5,7 +5,7 @@
 
 #include "common/Decimal.h"
 #include "host/properties/PropertyValue.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 #include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {

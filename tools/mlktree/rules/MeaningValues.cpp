@@ -8,10 +8,10 @@
 #include "common/Decimal.h"
 #include "projectconfigs/SoundDelays.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningValue.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

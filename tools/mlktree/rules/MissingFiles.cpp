@@ -9,10 +9,10 @@
 
 #include "common/Paths.h"
 #include "tools/mlktree/FolderFiles.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/MeaningPath.h"
 #include "tools/mlktree/rules/NearFiles.h"
 #include "tools/mlktree/rules/Regional.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

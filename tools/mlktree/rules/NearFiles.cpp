@@ -13,9 +13,9 @@
 #include "common/Paths.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/MeaningPath.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

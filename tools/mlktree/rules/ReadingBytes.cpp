@@ -6,9 +6,9 @@
 #include "common/FileFormat.h"
 #include "tools/common/Utf8.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -6,11 +6,11 @@
 #include <string>
 
 #include "tools/common/Utf8.h"
+#include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
-#include "tools/mlktree/rules/Lookalikes.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

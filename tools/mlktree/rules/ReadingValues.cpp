@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

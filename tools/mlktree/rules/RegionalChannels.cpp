@@ -8,9 +8,13 @@
 #include <tuple>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
+#include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/rules/RegionalPlan.h"
 
 namespace mlk::tree {

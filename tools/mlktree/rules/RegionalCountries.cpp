@@ -5,8 +5,11 @@
 
 #include "regional/RegionalNames.h"
 #include "tools/common/Utf8.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
 #include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {

@@ -8,9 +8,12 @@
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
+#include "tools/mlktree/CountryNames.h"
+#include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/Regional.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

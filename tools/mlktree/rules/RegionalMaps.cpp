@@ -4,8 +4,11 @@
 #include <iterator>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
 #include "tools/mlktree/rules/RegionalXml.h"
 
 namespace mlk::tree {

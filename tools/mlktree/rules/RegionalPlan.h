@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/ProductLine.h"
 
 namespace mlk::tree {
 

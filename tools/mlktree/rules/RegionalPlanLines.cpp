@@ -6,7 +6,9 @@
 #include "common/FileLimits.h"
 #include "regional/Modulations.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
 #include "tools/mlktree/rules/RegionalPlan.h"
 
 namespace mlk::tree {

@@ -10,7 +10,11 @@
 #include "regional/RegionalData.h"
 #include "regional/RegionalNames.h"
 #include "regional/TvSysMapCfgHolder.h"
+#include "tools/mlktree/CountryBlocks.h"
+#include "tools/mlktree/CountryNames.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
 #include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {

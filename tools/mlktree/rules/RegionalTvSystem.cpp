@@ -4,6 +4,8 @@
 
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
+#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 

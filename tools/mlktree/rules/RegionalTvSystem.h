@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/ProductLine.h"
 
 namespace mlk::tree {
 

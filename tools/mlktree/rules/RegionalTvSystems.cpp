@@ -6,8 +6,12 @@
 #include <set>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
+#include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/rules/RegionalTvSystem.h"
 #include "tools/mlktree/rules/RegionalXml.h"
 

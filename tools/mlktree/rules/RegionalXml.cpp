@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/Reporter.h"
 
 namespace mlk::tree {
 

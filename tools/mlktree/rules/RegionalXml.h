@@ -5,7 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/mlktree/rules/Regional.h"
+#include "tools/mlktree/Finding.h"
+#include "tools/mlktree/ProductLine.h"
 
 namespace mlk::tree {
 

@@ -7,7 +7,10 @@
 
 #include "regional/RegionalNames.h"
 #include "tools/mlktree/Nearest.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
+#include "tools/mlktree/rules/FindingGroups.h"
+#include "tools/mlktree/rules/Regional.h"
 #include "tools/mlktree/rules/RegionalXml.h"
 
 namespace mlk::tree {

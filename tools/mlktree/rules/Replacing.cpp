@@ -11,10 +11,10 @@
 #include "common/Paths.h"
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
 #include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
-#include "tools/mlktree/rules/Texts.h"
 
 namespace mlk::tree {
 

@@ -2,6 +2,7 @@
 
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
 
 namespace mlk::tree {
 

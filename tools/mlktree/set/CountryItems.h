@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "regional/CountryTable.h"
+#include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/ProductLine.h"
-#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 

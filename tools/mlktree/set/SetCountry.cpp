@@ -2,8 +2,8 @@
 
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
-#include "tools/mlktree/rules/Regional.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/CountryNames.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/set/SetProduct.h"
 
 namespace mlk::tree {

@@ -6,7 +6,7 @@
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/OpenTree.h"
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/show/SetFacts.h"
 
 namespace mlk::tree {

@@ -1,6 +1,6 @@
 // What shells offer: the engine with names of a fake tree, and the scripts in the shells.
 
-#include "tools/mlktree/Complete.h"
+#include "tools/mlktree/completion/Complete.h"
 
 #include <gmock/gmock.h>
 

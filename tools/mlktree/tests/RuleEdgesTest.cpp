@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/tests/Harness.h"
 #include "tools/mlktree/tests/RuleEdges.h"
 

@@ -10,6 +10,7 @@
 #include "host/testing/QuietLog.h"
 #include "host/testing/Sanitizers.h"
 #include "regional/CountryTable.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/LineDiff.h"
 #include "tools/mlktree/tests/AskedService.h"

@@ -1,4 +1,4 @@
-#include "tools/mlktree/rules/Texts.h"
+#include "tools/mlktree/Texts.h"
 
 #include <algorithm>
 #include <array>
@@ -57,6 +57,10 @@ std::string lowerCase(std::string_view text) {
 
 std::string counted(size_t count, std::string_view singular, std::string_view plural) {
     return std::to_string(count) + " " + std::string(count == 1 ? singular : plural);
+}
+
+std::string placeText(const std::string& file, size_t line) {
+    return line != 0 ? file + ":" + std::to_string(line) : file;
 }
 
 }  // namespace mlk::tree

@@ -1,4 +1,4 @@
-#include "tools/mlktree/rules/Lookalikes.h"
+#include "tools/mlktree/Lookalikes.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "tools/mlktree/matrix/MatrixWords.h"
+#include "tools/mlktree/completion/MatrixWords.h"
 
 #include <map>
 

@@ -1,4 +1,4 @@
-#include "tools/mlktree/CompletionScripts.h"
+#include "tools/mlktree/completion/CompletionScripts.h"
 
 namespace mlk::tree {
 

@@ -1,4 +1,4 @@
-#include "tools/mlktree/TreeNames.h"
+#include "tools/mlktree/completion/TreeNames.h"
 
 #include <filesystem>
 #include <set>
@@ -7,7 +7,7 @@
 
 #include "regional/CountryTable.h"
 #include "tools/mlktree/OpenTree.h"
-#include "tools/mlktree/matrix/MatrixWords.h"
+#include "tools/mlktree/completion/MatrixWords.h"
 
 namespace mlk::tree {
 

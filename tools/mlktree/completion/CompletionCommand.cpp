@@ -1,8 +1,8 @@
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Command.h"
-#include "tools/mlktree/CompletionScripts.h"
 #include "tools/mlktree/Tree.h"
+#include "tools/mlktree/completion/CompletionScripts.h"
 
 namespace mlk::tree {
 

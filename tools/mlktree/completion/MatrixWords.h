@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/mlktree/Complete.h"
+#include "tools/mlktree/completion/Complete.h"
 #include "tools/mlktree/matrix/MatrixRow.h"
 
 namespace mlk::tree {

@@ -1,5 +1,5 @@
-#include "tools/mlktree/Complete.h"
-#include "tools/mlktree/TreeNames.h"
+#include "tools/mlktree/completion/Complete.h"
+#include "tools/mlktree/completion/TreeNames.h"
 
 namespace mlk::tree {
 

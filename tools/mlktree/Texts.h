@@ -23,4 +23,7 @@ std::string lowerCase(std::string_view text);
 /** "1 line" or "3 lines". */
 std::string counted(size_t count, std::string_view singular, std::string_view plural);
 
+/** "tvconfigs/board/b2.ini:13"; the file alone for line 0. */
+std::string placeText(const std::string& file, size_t line);
+
 }  // namespace mlk::tree

@@ -1,4 +1,4 @@
-#include "tools/mlktree/rules/CountryCodes.h"
+#include "tools/mlktree/CountryCodes.h"
 
 #include <strings.h>
 

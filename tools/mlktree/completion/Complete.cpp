@@ -1,4 +1,4 @@
-#include "tools/mlktree/Complete.h"
+#include "tools/mlktree/completion/Complete.h"
 
 #include <vendor/morlak/mlkconfigs/1.0/types.h>
 
@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "tools/common/Text.h"
-#include "tools/mlktree/CompletionScripts.h"
 #include "tools/mlktree/Rule.h"
+#include "tools/mlktree/completion/CompletionScripts.h"
 
 namespace mlk::tree {
 
