@@ -1,7 +1,5 @@
 #include "tools/mlktree/Examination.h"
 
-#include <algorithm>
-
 #include "tools/mlktree/Checker.h"
 #include "tools/mlktree/Followers.h"
 #include "tools/mlktree/Rule.h"
@@ -15,15 +13,8 @@ constexpr const char* kSettingsFile = "mlktree.toml";
 
 // Findings about comments and tables have no sets yet.
 void addSets(std::vector<Finding>& findings, const ProductLine& line) {
-    const std::vector<RuleFamily>& families = ruleFamilies();
-    const auto allowing =
-            std::find_if(families.begin(), families.end(),
-                         [](const RuleFamily& each) { return each.name == kAllowingFamily; });
     for (Finding& finding : findings) {
-        const bool isOfFamily =
-                std::any_of(allowing->rules, allowing->rules + allowing->count,
-                            [&](const Rule& rule) { return rule.name == finding.rule; });
-        if (isOfFamily) {
+        if (familyOf(finding.rule)->name == kAllowingFamily) {
             finding.sets = finding.place.file == kSettingsFile ? std::vector<std::string>{"all"}
                                                                : line.setsOf(finding.place.file);
         }

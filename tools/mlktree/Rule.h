@@ -40,4 +40,14 @@ const std::vector<RuleFamily>& ruleFamilies();
 /** The rule of that name, or null. */
 const Rule* findRule(std::string_view name);
 
+/** The family of the rule of that name, or null. */
+const RuleFamily* familyOf(std::string_view rule);
+
+/**
+ * What is wrong with a name that no rule has: `there is no rule "tba"; did you mean tab?`.
+ *
+ * @param isSuggesting  false leaves out what may be meant, which takes a search
+ */
+std::string noRule(std::string_view name, bool isSuggesting = true);
+
 }  // namespace mlk::tree

@@ -1,4 +1,3 @@
-#include "tools/common/Suggest.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
 #include "tools/common/Wrap.h"
@@ -95,27 +94,18 @@ std::string jsonOfAll() {
     return out + "\n]\n";
 }
 
-std::pair<const RuleFamily*, const Rule*> ruleOf(const std::string& name) {
-    std::vector<std::string_view> names;
-    for (const RuleFamily& family : ruleFamilies()) {
-        for (size_t i = 0; i < family.count; ++i) {
-            if (family.rules[i].name == name) {
-                return {&family, &family.rules[i]};
-            }
-            names.push_back(family.rules[i].name);
-        }
-    }
-    throw UsageError("there is no rule " + excerpt(name) +
-                     didYouMean(name, names, "; mlktree rules lists them"));
-}
-
 ExitStatus run(const Arguments& arguments, Environment& environment) {
     const bool isJson = arguments.value("--format") == "json";
     if (arguments.words().empty()) {
         environment.output.write(isJson ? jsonOfAll() : catalogue());
         return ExitStatus::NOTHING_FOUND;
     }
-    const auto [family, rule] = ruleOf(arguments.words().front());
+    const std::string& name = arguments.words().front();
+    const RuleFamily* const family = familyOf(name);
+    if (family == nullptr) {
+        throw UsageError(noRule(name));
+    }
+    const Rule* const rule = findRule(name);
     environment.output.write(isJson ? jsonOf(*family, *rule) + "\n" : pageOf(*family, *rule));
     return ExitStatus::NOTHING_FOUND;
 }

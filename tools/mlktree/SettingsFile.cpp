@@ -49,14 +49,7 @@ std::string ruleOf(const TomlTable& table, bool mayBeAll) {
     if (findRule(name) != nullptr || (mayBeAll && name == "*")) {
         return name;
     }
-    std::vector<std::string_view> names;
-    for (const RuleFamily& family : ruleFamilies()) {
-        for (size_t i = 0; i < family.count; ++i) {
-            names.push_back(family.rules[i].name);
-        }
-    }
-    table.refuse("rule", "there is no rule " + excerpt(name) +
-                                 didYouMean(name, names, "; mlktree rules lists them"));
+    table.refuse("rule", noRule(name));
 }
 
 std::string patternOfPaths(const TomlTable& table) {

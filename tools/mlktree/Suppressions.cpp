@@ -7,7 +7,6 @@
 #include <tuple>
 #include <utility>
 
-#include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Patterns.h"
 #include "tools/mlktree/Rule.h"
@@ -28,16 +27,6 @@ Finding about(const char* rule, const Place& place, std::string message) {
     return finding;
 }
 
-std::string meant(const std::string& rule) {
-    std::vector<std::string_view> names;
-    for (const RuleFamily& family : ruleFamilies()) {
-        for (size_t i = 0; i < family.count; ++i) {
-            names.push_back(family.rules[i].name);
-        }
-    }
-    return didYouMean(rule, names, "; mlktree rules lists them");
-}
-
 // Whether the comment can be obeyed; adds what is wrong with it.
 bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
     constexpr size_t kMostSuggestions = 100;  // a search takes long, and nobody reads more
@@ -53,10 +42,8 @@ bool isSound(const AllowComment& comment, std::vector<Finding>& findings) {
     if (comment.rule.empty() || findRule(comment.rule) == nullptr) {
         findings.push_back(about(
                 "unknown-rule", comment.place,
-                comment.rule.empty()
-                        ? std::string("no rule is named; ") + kForm
-                        : "there is no rule " + excerpt(comment.rule) +
-                                  (findings.size() < kMostSuggestions ? meant(comment.rule) : "")));
+                comment.rule.empty() ? std::string("no rule is named; ") + kForm
+                                     : noRule(comment.rule, findings.size() < kMostSuggestions)));
         return false;
     }
     if (comment.reason.empty()) {

@@ -16,15 +16,4 @@ const std::vector<RuleFamily>& ruleFamilies() {
     return families;
 }
 
-const Rule* findRule(std::string_view name) {
-    for (const RuleFamily& family : ruleFamilies()) {
-        for (size_t i = 0; i < family.count; ++i) {
-            if (family.rules[i].name == name) {
-                return &family.rules[i];
-            }
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace mlk::tree
