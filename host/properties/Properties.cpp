@@ -40,9 +40,8 @@ int property_get(const char* key, char* value, const char* default_value) {
 
 int8_t property_get_bool(const char* key, int8_t default_value) {
     // A caller may have a default that is neither 0 nor 1.
-    const std::string value = valueOf(key);
-    const bool isSwitch = mlk::host::switchOf(value, true) == mlk::host::switchOf(value, false);
-    return isSwitch ? static_cast<int8_t>(mlk::host::switchOf(value, false)) : default_value;
+    const std::optional<bool> value = mlk::host::switchOf(valueOf(key));
+    return value ? static_cast<int8_t>(*value) : default_value;
 }
 
 int64_t property_get_int64(const char* key, int64_t default_value) {

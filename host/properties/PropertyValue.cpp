@@ -4,11 +4,10 @@
 #include <cerrno>
 #include <cinttypes>
 #include <iterator>
-#include <string_view>
 
 namespace mlk::host {
 
-bool switchOf(const std::string& value, bool defaultValue) {
+std::optional<bool> switchOf(std::string_view value) {
     struct Word {
         std::string_view text;
         bool value;
@@ -18,7 +17,7 @@ bool switchOf(const std::string& value, bool defaultValue) {
             {"0", false}, {"false", false}, {"n", false}, {"no", false}, {"off", false}};
     const auto* const word = std::find_if(std::begin(kWords), std::end(kWords),
                                           [&](const Word& each) { return each.text == value; });
-    return word == std::end(kWords) ? defaultValue : word->value;
+    return word == std::end(kWords) ? std::nullopt : std::optional(word->value);
 }
 
 int64_t numberOf(const std::string& value, int64_t least, int64_t most, int64_t defaultValue) {

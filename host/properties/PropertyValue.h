@@ -1,13 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace mlk::host {
 
-/** The switch that a property's value is: 1, true, y, yes and on, or their opposites; else the
- * default. */
-bool switchOf(const std::string& value, bool defaultValue);
+/**
+ * The switch that a property's value is: 1, true, y, yes and on, or their opposites; nothing if it
+ * is another text.
+ */
+std::optional<bool> switchOf(std::string_view value);
 
 /**
  * The number that a property's value is, within a range. Its prefix selects the base: 0x10 is 16,

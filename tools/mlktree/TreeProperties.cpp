@@ -42,7 +42,7 @@ std::string TreeProperties::get(const char* key) const {
 }
 
 bool TreeProperties::getBool(const char* key, bool defaultValue) const {
-    return host::switchOf(get(key), defaultValue);
+    return host::switchOf(get(key)).value_or(defaultValue);
 }
 
 int32_t TreeProperties::getInt32(const char* key, int32_t defaultValue) const {

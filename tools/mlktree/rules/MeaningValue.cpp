@@ -51,9 +51,9 @@ std::string problemOfFlag(std::string_view value) {
 }
 
 std::string problemOfPropertySwitch(std::string_view value) {
-    const std::string text(value);
-    const bool isWord = host::switchOf(text, true) == host::switchOf(text, false);
-    return isWord ? "" : quoted(value) + " counts as a missing property; write \"1\" or \"0\"";
+    return host::switchOf(value)
+                   ? ""
+                   : quoted(value) + " counts as a missing property; write \"1\" or \"0\"";
 }
 
 std::string problemOfPropertyNumber(std::string_view value) {
