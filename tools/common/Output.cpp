@@ -13,7 +13,11 @@ namespace mlk {
 Output::Output(int descriptor) : mDescriptor(descriptor), mIsTerminal(isatty(descriptor) != 0) {}
 
 void Output::bytes(std::string_view text) {
-    mIsTerminal ? write(forTerminal(text)) : write(text);
+    if (mIsTerminal) {
+        write(forTerminal(text));
+    } else {
+        write(text);
+    }
 }
 
 void Output::write(std::string_view text) {

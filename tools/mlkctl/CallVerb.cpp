@@ -169,7 +169,11 @@ class CallVerb : public Verb {
     // Returns whether there is a value, which only a plain answer may lack.
     bool write(const std::string& answer, Output& output) const {
         if (!mPlain) {
-            mRaw ? output.bytes(answer) : output.line(answer);
+            if (mRaw) {
+                output.bytes(answer);
+            } else {
+                output.line(answer);
+            }
             return true;
         }
         const auto plain = plainOf(answer);

@@ -61,7 +61,11 @@ Worker::~Worker() {
     mState->changed.notify_all();
     const bool atWork = mState->atWork;
     lock.unlock();
-    atWork ? mThread.detach() : mThread.join();
+    if (atWork) {
+        mThread.detach();
+    } else {
+        mThread.join();
+    }
 }
 
 bool Worker::run(std::function<void()> work, Duration limit) {
