@@ -25,7 +25,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
       mObserver(observer),
       mFile(mPath) {
     if (mFile.isOpen() && mFile.size() > mMostBytes) {
-        fail(mPath, 0, "cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, 0, ProblemKind::TOO_LARGE, largerThan(mMostBytes));
     } else if (mFile.isOpen()) {
         // The buffer always holds one byte more than the limit, which tells that a line is too
         // long. Files of the kernel report size 0.
@@ -33,7 +33,7 @@ LineReader::LineReader(std::string path, size_t bufferSize, const char* logTag, 
         mCapacity = std::max(bufferSize, std::min(kChunk, wanted));
         mBuffer.reset(new char[mCapacity + kReadable]);
     } else if (!mFile.isMissing()) {
-        fail(mPath, 0, "cannot be read: " + mFile.reason());
+        fail(mPath, 0, ProblemKind::UNREADABLE, mFile.reason());
     }
 }
 
@@ -107,24 +107,25 @@ bool LineReader::nextUnended(std::string_view& line) {
 // Logs a line that is too long and returns its beginning.
 std::string_view LineReader::cut(std::string_view line) {
     mLastCut = mLineNumber;
-    complain("line longer than " + std::to_string(mLimit) + " bytes, its rest is skipped");
+    complain(ProblemKind::LONG_LINE, std::to_string(mLimit));
     return line.substr(0, mLimit);
 }
 
 bool LineReader::valueOf(std::string_view line, std::string_view& value) const {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
-        complain("no \"=\", line skipped");
+        complain(ProblemKind::NO_EQUALS);
         return false;
     }
     value = line.substr(equals + 1);
     return true;
 }
 
-void LineReader::complain(const std::string& problem) const {
-    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber, problem.c_str());
+void LineReader::complain(ProblemKind kind, std::string_view detail) const {
+    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s:%zu: %s", mPath.c_str(), mLineNumber,
+            textOf(kind, detail).c_str());
     if (mObserver != nullptr) {
-        mObserver->onProblem(mPath, mLineNumber, problem);
+        mObserver->onProblem({mPath, mLineNumber, kind, detail});
     }
 }
 
@@ -169,14 +170,14 @@ bool LineReader::fill() {
     const ssize_t result = mFile.read(mBuffer.get() + mEnd, free);
     if (result < 0) {
         const std::string reason = std::generic_category().message(errno);
-        fail(mPath + ":" + std::to_string(mLineNumber), mLineNumber,
-             "cannot be read further: " + reason);
+        fail(mPath + ":" + std::to_string(mLineNumber), mLineNumber, ProblemKind::READ_ERROR,
+             reason);
         return false;
     }
     const auto count = static_cast<size_t>(result);
     mRead += count;
     if (mRead > mMostBytes) {
-        fail(mPath, 0, "cannot be read: " + largerThan(mMostBytes));
+        fail(mPath, 0, ProblemKind::TOO_LARGE, largerThan(mMostBytes));
         return false;
     }
     // Saves the read at the end of a file that has not grown.
@@ -190,13 +191,14 @@ bool LineReader::fill() {
 }
 
 // Ends the reading and logs the problem. The line is for the observer, 0 for the whole file.
-void LineReader::fail(const std::string& place, size_t line, const std::string& problem) {
+void LineReader::fail(const std::string& place, size_t line, ProblemKind kind,
+                      std::string_view detail) {
     mFailed = true;
     mAtEnd = true;
     mBegin = mEnd = 0;
-    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), problem.c_str());
+    LOG_PRI(ANDROID_LOG_ERROR, mLogTag, "%s: %s", place.c_str(), textOf(kind, detail).c_str());
     if (mObserver != nullptr) {
-        mObserver->onProblem(mPath, line, problem);
+        mObserver->onProblem({mPath, line, kind, detail});
     }
 }
 

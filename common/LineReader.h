@@ -86,7 +86,7 @@ class LineReader {
     size_t lineNumber() const { return mLineNumber; }
 
     /** Logs an error about the line that next() gave last: "path:line: problem". */
-    void complain(const std::string& problem) const;
+    void complain(ProblemKind kind, std::string_view detail = "") const;
 
     /** True if somebody wants to hear what becomes of the lines. */
     bool isObserved() const { return mObserver != nullptr; }
@@ -122,7 +122,7 @@ class LineReader {
     [[gnu::cold]] std::string_view endAtNul(std::string_view line);
     bool fill();
     bool skipRestOfLine();
-    void fail(const std::string& place, size_t line, const std::string& problem);
+    void fail(const std::string& place, size_t line, ProblemKind kind, std::string_view detail);
 
     const std::string mPath;
     const size_t mLimit;

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "common/ReadProblem.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /** What a reader made of a line. */
@@ -93,14 +95,10 @@ class ReadObserver {
 
     /**
      * Called for every problem of reading that is also logged, but not for a missing file or for an
-     * element that a record lacks. The problems of a line come before the line.
-     *
-     * @param path     the file
-     * @param line     its number, from 1, also if the file cannot be read on after that line; 0 for
-     *                 a problem of the whole file
-     * @param problem  a text without file and line
+     * element that a record lacks. The problems of a line come before the line. Its texts are valid
+     * during the call only.
      */
-    virtual void onProblem(std::string_view path, size_t line, std::string_view problem) = 0;
+    virtual void onProblem(const ReadProblem& problem) = 0;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -57,7 +57,7 @@ void addNewItem(ItemStore::Section section, std::string_view line, const LineRea
     std::string key(nextToken(line));
     std::string value(nextToken(line));
     if (value.empty()) {
-        reader.complain("no value, line skipped");
+        reader.complain(ProblemKind::NO_VALUE);
         reader.tell(wholeLine, LineUse::IGNORED);
         return;
     }

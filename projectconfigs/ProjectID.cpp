@@ -26,10 +26,11 @@ std::string pathIn(const std::string& directory) {
     return directory + keyword::kProjectIdFile;
 }
 
-void complain(const std::string& path, const std::string& problem, ReadObserver* observer) {
-    ALOGE("%s: %s", path.c_str(), problem.c_str());
+void complain(const std::string& path, ProblemKind kind, const std::string& detail,
+              ReadObserver* observer) {
+    ALOGE("%s: %s", path.c_str(), textOf(kind, detail).c_str());
     if (observer != nullptr) {
-        observer->onProblem(path, 0, problem);
+        observer->onProblem({path, 0, kind, detail});
     }
 }
 
@@ -80,13 +81,12 @@ std::optional<uint32_t> readFrom(File& file, const std::string& path,
         number += lineFeeds({buffer, size});
         total += size;
         if (total >= kMostIdentityBytes) {
-            complain(path, "no index in the first " + std::to_string(kMostIdentityBytes) + " bytes",
-                     observer);
+            complain(path, ProblemKind::NO_INDEX, std::to_string(kMostIdentityBytes), observer);
             return 0;
         }
     }
     if (count < 0) {
-        complain(path, "cannot be read: " + std::generic_category().message(errno), observer);
+        complain(path, ProblemKind::UNREADABLE, std::generic_category().message(errno), observer);
         return {};
     }
     return 0;
@@ -106,7 +106,7 @@ std::optional<uint32_t> ProjectID::read(const std::string& directory, ReadObserv
         return readFrom(file, path, observer);
     }
     if (!file.isMissing()) {
-        complain(path, "cannot be read: " + file.reason(), observer);
+        complain(path, ProblemKind::UNREADABLE, file.reason(), observer);
     }
     return {};
 }

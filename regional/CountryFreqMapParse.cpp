@@ -210,7 +210,7 @@ void CountryFreqMapParse::addBlock(const XmlFile& file, const tinyxml2::XMLEleme
     const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("loadCountryFreqMapXML without country name");
-        file.tellProblem(block, "country without COUNTRY_NAME, skipped");
+        file.tellProblem(block, ProblemKind::NO_COUNTRY);
         file.tell(block, LineUse::IGNORED, {});
         return;
     }

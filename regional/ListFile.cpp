@@ -31,7 +31,7 @@ ReadResult readListFile(const std::string& path, const std::function<void(std::s
         }
         std::string_view entry = line.substr(std::min(line.find_first_not_of(','), line.size()));
         if (entry.empty()) {
-            reader.complain("nothing but commas, line skipped");
+            reader.complain(ProblemKind::ONLY_COMMAS);
             reader.tell(line, LineUse::IGNORED);
             continue;
         }

@@ -17,10 +17,11 @@ namespace {
 
 constexpr size_t kChunk = size_t{64} * 1024;
 
-ReadResult unreadable(const std::string& path, const std::string& reason, ReadObserver* observer) {
-    ALOGE("%s: cannot be read: %s", path.c_str(), reason.c_str());
+ReadResult unreadable(const std::string& path, ProblemKind kind, const std::string& reason,
+                      ReadObserver* observer) {
+    ALOGE("%s: %s", path.c_str(), textOf(kind, reason).c_str());
     if (observer != nullptr) {
-        observer->onProblem(path, 0, "cannot be read: " + reason);
+        observer->onProblem({path, 0, kind, reason});
     }
     return ReadResult::UNREADABLE;
 }
@@ -30,10 +31,12 @@ ReadResult unreadable(const std::string& path, const std::string& reason, ReadOb
 ReadResult readTextFile(const std::string& path, std::string& text, ReadObserver* observer) {
     File file(path);
     if (!file.isOpen()) {
-        return file.isMissing() ? ReadResult::MISSING : unreadable(path, file.reason(), observer);
+        return file.isMissing()
+                       ? ReadResult::MISSING
+                       : unreadable(path, ProblemKind::UNREADABLE, file.reason(), observer);
     }
     if (file.size() > kMostListBytes) {
-        return unreadable(path, largerThan(kMostListBytes), observer);
+        return unreadable(path, ProblemKind::TOO_LARGE, largerThan(kMostListBytes), observer);
     }
     // Reads to the end: a file can grow, and some files of the kernel report size 0.
     std::string content;
@@ -42,7 +45,7 @@ ReadResult readTextFile(const std::string& path, std::string& text, ReadObserver
     do {
         filled += static_cast<size_t>(count);
         if (filled > kMostListBytes) {
-            return unreadable(path, largerThan(kMostListBytes), observer);
+            return unreadable(path, ProblemKind::TOO_LARGE, largerThan(kMostListBytes), observer);
         }
         if (filled == content.size()) {
             content.resize(filled == 0 && file.size() != 0 ? file.size() + 1 : filled + kChunk);
@@ -50,7 +53,8 @@ ReadResult readTextFile(const std::string& path, std::string& text, ReadObserver
         count = file.read(content.data() + filled, content.size() - filled);
     } while (count > 0);
     if (count < 0) {
-        return unreadable(path, std::generic_category().message(errno), observer);
+        return unreadable(path, ProblemKind::UNREADABLE, std::generic_category().message(errno),
+                          observer);
     }
     content.resize(filled);
     text = std::move(content);

@@ -107,7 +107,7 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
                                     ItemStore& told) {
     const char* const type = element.Attribute(attribute::kType);
     if (type == nullptr) {
-        file.complain(element, "TV system without type, skipped");
+        file.complain(element, ProblemKind::NO_TYPE);
         file.tell(element, LineUse::IGNORED, {});
         return;
     }
@@ -127,7 +127,7 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
         read.value = orEmpty(value);
         read.isNew = true;
         if (category == nullptr || key == nullptr || value == nullptr) {
-            file.complain(*item, "item without category, key or value, skipped");
+            file.complain(*item, ProblemKind::INCOMPLETE_ITEM);
             file.tell(*item, LineUse::IGNORED, read);
             continue;
         }
@@ -179,7 +179,7 @@ void TvSysMapCfgHolder::addCountry(const XmlFile& file, const tinyxml2::XMLEleme
     const char* const countryName = textOfChild(block, element::kCountryName);
     if (countryName == nullptr) {
         ALOGE("[%s:%d] without country name", kFunction, log_line::kNoCountryName);
-        file.tellProblem(block, "country without COUNTRY_NAME, skipped");
+        file.tellProblem(block, ProblemKind::NO_COUNTRY);
         file.tell(block, LineUse::IGNORED, {});
         return;
     }

@@ -124,34 +124,35 @@ tinyxml2::XMLError XmlFile::load() {
             break;
     }
     if (hasTooManyAttributes(text) || countOf("&#", text) > kMostReferences) {
-        const std::string problem =
-                "more than " + std::to_string(kMostAttributes) + " attributes in an element or " +
-                std::to_string(kMostReferences) + " character references in all";
-        ALOGE("%s: %s", mPath.c_str(), problem.c_str());
+        const std::string most = std::to_string(kMostAttributes) + " attributes in an element or " +
+                                 std::to_string(kMostReferences) + " character references in all";
+        ALOGE("%s: %s", mPath.c_str(), textOf(ProblemKind::COSTLY_XML, most).c_str());
         if (isObserved()) {
-            mObserver->onProblem(mPath, 0, problem);
+            mObserver->onProblem({mPath, 0, ProblemKind::COSTLY_XML, most});
         }
         return tinyxml2::XML_ERROR_PARSING;
     }
     const tinyxml2::XMLError error = mDocument.Parse(text.data(), text.size());
     if (error != tinyxml2::XML_SUCCESS) {
-        const std::string problem = std::string("no well-formed XML: ") + expectationOf(error);
-        ALOGE("%s:%d: %s", mPath.c_str(), mDocument.ErrorLineNum(), problem.c_str());
+        const char* const expected = expectationOf(error);
+        ALOGE("%s:%d: %s", mPath.c_str(), mDocument.ErrorLineNum(),
+              textOf(ProblemKind::MALFORMED_XML, expected).c_str());
         if (isObserved()) {
-            mObserver->onProblem(mPath, static_cast<size_t>(mDocument.ErrorLineNum()), problem);
+            mObserver->onProblem({mPath, static_cast<size_t>(mDocument.ErrorLineNum()),
+                                  ProblemKind::MALFORMED_XML, expected});
         }
     }
     return error;
 }
 
-void XmlFile::complain(const tinyxml2::XMLElement& element, const std::string& problem) const {
-    ALOGE("%s:%d: %s", mPath.c_str(), element.GetLineNum(), problem.c_str());
-    tellProblem(element, problem);
+void XmlFile::complain(const tinyxml2::XMLElement& element, ProblemKind kind) const {
+    ALOGE("%s:%d: %s", mPath.c_str(), element.GetLineNum(), textOf(kind).c_str());
+    tellProblem(element, kind);
 }
 
-void XmlFile::tellProblem(const tinyxml2::XMLElement& element, std::string_view problem) const {
+void XmlFile::tellProblem(const tinyxml2::XMLElement& element, ProblemKind kind) const {
     if (isObserved()) {
-        mObserver->onProblem(mPath, static_cast<size_t>(element.GetLineNum()), problem);
+        mObserver->onProblem({mPath, static_cast<size_t>(element.GetLineNum()), kind, {}});
     }
 }
 

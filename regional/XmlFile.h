@@ -33,12 +33,12 @@ class XmlFile {
     const tinyxml2::XMLElement* first(const char* name) const;
 
     /** Logs an error about an element: "path:line: problem". */
-    void complain(const tinyxml2::XMLElement& element, const std::string& problem) const;
+    void complain(const tinyxml2::XMLElement& element, ProblemKind kind) const;
 
     /**
      * Tells the observer, if there is one, of a problem that the caller logs in words of its own.
      */
-    void tellProblem(const tinyxml2::XMLElement& element, std::string_view problem) const;
+    void tellProblem(const tinyxml2::XMLElement& element, ProblemKind kind) const;
 
     /** True if somebody wants to hear what becomes of the elements. */
     bool isObserved() const { return mObserver != nullptr; }

@@ -106,9 +106,8 @@ class FileConfigEditor::Lines {
     /** The same for a line that is too long, or has a NUL, and so ends the reading. */
     void tellEnd(const std::string& line, bool isTooLong) {
         if (isTooLong && mObserver != nullptr) {
-            mObserver->onProblem(mRead.path, mRead.number + 1,
-                                 "line longer than " + std::to_string(kFeatureLineSize - 1) +
-                                         " bytes, the file is read up to it");
+            mObserver->onProblem({mRead.path, mRead.number + 1, ProblemKind::LAST_LINE,
+                                  std::to_string(kFeatureLineSize - 1)});
         }
         mRead.isCut = isTooLong;
         mRead.hasNul = !isTooLong;
@@ -131,7 +130,7 @@ bool FileConfigEditor::Update(const char* path, Items* former) {
     if (!file.isOpen()) {
         ALOGE("ERROR: Open %s fail!", name.c_str());
         if (mObserver != nullptr && !file.isMissing()) {
-            mObserver->onProblem(name, 0, "cannot be read: " + file.reason());
+            mObserver->onProblem({name, 0, ProblemKind::UNREADABLE, file.reason()});
         }
         return false;
     }
@@ -147,7 +146,7 @@ bool FileConfigEditor::Update(const char* path, Items* former) {
     if (!problem.empty()) {
         ALOGE("ERROR: Read %s fail! %s", name.c_str(), problem.c_str());
         if (mObserver != nullptr) {
-            mObserver->onProblem(name, 0, "cannot be read: " + problem);
+            mObserver->onProblem({name, 0, ProblemKind::UNREADABLE, problem});
         }
         return false;
     }

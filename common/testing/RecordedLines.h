@@ -26,8 +26,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class RecordedLines : public ReadObserver {
   public:
     void onLine(const ReadLine& line) override { mHeard.emplace_back(line.path, textOf(line)); }
-    void onProblem(std::string_view path, size_t line, std::string_view problem) override {
-        mHeard.emplace_back(path, std::to_string(line) + " problem: " + std::string(problem));
+    void onProblem(const ReadProblem& problem) override {
+        mHeard.emplace_back(problem.path,
+                            std::to_string(problem.line) + " problem: " +
+                                    implementation::textOf(problem.kind, problem.detail));
     }
 
     /** Everything that was heard. */

@@ -65,8 +65,8 @@ TEST_F(LineReaderObserverTest, WithoutAnObserverTellingDoesNothing) {
     reader.tell(line, LineUse::NOTHING);
     reader.tell(line, ReadLine());
     reader.tellItem(line, "a", "b");
-    reader.complain("wrong");
-    EXPECT_THAT(errors(), ElementsAre(path() + ":1: wrong"));
+    reader.complain(ProblemKind::NO_VALUE);
+    EXPECT_THAT(errors(), ElementsAre(path() + ":1: no value, line skipped"));
 }
 
 TEST_F(LineReaderObserverTest, LongLinesAreCutAndCountAsOne) {

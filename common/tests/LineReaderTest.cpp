@@ -129,9 +129,9 @@ TEST_F(LineReaderTest, AComplaintNamesFileAndLine) {
     std::string_view line;
     reader.next(line);
     reader.next(line);
-    reader.complain("odd");
+    reader.complain(ProblemKind::NO_VALUE);
     EXPECT_EQ(reader.path(), path());
-    EXPECT_THAT(errors(), ElementsAre(path() + ":2: odd"));
+    EXPECT_THAT(errors(), ElementsAre(path() + ":2: no value, line skipped"));
 }
 
 TEST_F(LineReaderTest, ValueIsWhatFollowsTheFirstEqualsSign) {

@@ -215,7 +215,7 @@ class CollectedItems : public ReadObserver {
             mLast[name] = line.value;
         }
     }
-    void onProblem(std::string_view, size_t, std::string_view) override {}
+    void onProblem(const ReadProblem&) override {}
 
     const std::map<Name, std::string>& first() const { return mFirst; }
     const std::map<Name, std::string>& last() const { return mLast; }

@@ -1,5 +1,6 @@
 #include "tools/mlktree/FileLines.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -30,13 +31,9 @@ bool isIdentity(FileFormat format) {
 }
 
 bool FileLines::isUnreadable() const {
-    for (const Problem& problem : mProblems) {
-        if (problem.text.find("cannot be read") == 0 || problem.text.find("no well-formed") == 0 ||
-            problem.text.find("more than") == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(mProblems.begin(), mProblems.end(), [](const Problem& problem) {
+        return product::isWholeFileLost(problem.kind);
+    });
 }
 
 const ReadLine* FileLines::find(std::string_view section, std::string_view key) const {
@@ -66,8 +63,8 @@ void FileLines::onLine(const ReadLine& line) {
     kept.value = part(line.value);
 }
 
-void FileLines::onProblem(std::string_view /* path */, size_t line, std::string_view problem) {
-    mProblems.push_back({line, std::string(problem)});
+void FileLines::onProblem(const ReadProblem& problem) {
+    mProblems.push_back({problem.line, problem.kind, std::string(problem.detail)});
 }
 
 void FileLines::finish(bool exists, std::vector<HidlFreqListItem> channels) {

@@ -20,8 +20,10 @@ namespace mlk::tree {
 using vendor::morlak::mlkconfigs::V1_0::HidlFreqListItem;
 using vendor::morlak::mlkconfigs::V1_0::implementation::FileFormat;
 using vendor::morlak::mlkconfigs::V1_0::implementation::LineUse;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ProblemKind;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ReadLine;
 using vendor::morlak::mlkconfigs::V1_0::implementation::ReadObserver;
+using vendor::morlak::mlkconfigs::V1_0::implementation::ReadProblem;
 
 /** "project or board file" and so on, for messages. */
 std::string_view nameOf(FileFormat format);
@@ -32,7 +34,16 @@ bool isIdentity(FileFormat format);
 /** What the reader complained about; line 0 for the whole file. */
 struct Problem {
     size_t line;
-    std::string text;
+    ProblemKind kind;
+    std::string detail;
+
+    /** As the service logs it. */
+    std::string text() const { return textOf(kind, detail); }
+    /** True if the file could not be read, or not whole. */
+    bool isReadFailure() const {
+        return kind == ProblemKind::UNREADABLE || kind == ProblemKind::TOO_LARGE ||
+               kind == ProblemKind::READ_ERROR;
+    }
 };
 
 /**
@@ -78,7 +89,7 @@ class FileLines : public ReadObserver {
 
     // Used while the file is read (FileReading.cpp).
     void onLine(const ReadLine& line) override;
-    void onProblem(std::string_view path, size_t line, std::string_view problem) override;
+    void onProblem(const ReadProblem& problem) override;
     void finish(bool exists, std::vector<HidlFreqListItem> channels);
     void setContents(std::vector<uint32_t> contents) { mContents = std::move(contents); }
 

@@ -18,9 +18,7 @@ class ByFile : public ReadObserver {
         : mTree(tree), mFirstPath(std::move(firstPath)), mFirst(first) {}
 
     void onLine(const ReadLine& line) override { of(line.path).onLine(line); }
-    void onProblem(std::string_view path, size_t line, std::string_view problem) override {
-        of(path).onProblem(path, line, problem);
-    }
+    void onProblem(const ReadProblem& problem) override { of(problem.path).onProblem(problem); }
     std::unique_ptr<FileLines> takeSecond() { return std::move(mSecond); }
 
   private:

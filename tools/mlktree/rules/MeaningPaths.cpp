@@ -73,8 +73,8 @@ std::string problemOfFile(const ProductLine& line, const std::string& path) {
         return S_ISDIR(info.st_mode) ? "is a folder, not a file" : "is no regular file";
     }
     for (const Problem& problem : file != nullptr ? file->problems() : std::vector<Problem>()) {
-        if (problem.text.find("cannot be read") == 0) {
-            return problem.text;
+        if (problem.isReadFailure()) {
+            return problem.text();
         }
     }
     // Root may read all files, and the service does not run as root.

@@ -21,15 +21,12 @@ namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace element = product::element;
 namespace attribute = product::attribute;
 
-constexpr std::string_view kMalformed = "no well-formed XML: ";
-
 void checkMalformed(const ProductLine& line, Reporter& reporter) {
     for (const auto& [path, file] : line.files()) {
         for (const Problem& problem : file->problems()) {
-            if (isXml(file->format()) && beginsWith(problem.text, kMalformed)) {
+            if (problem.kind == ProblemKind::MALFORMED_XML) {
                 reporter.report({path, problem.line, 0},
-                                "the file is not used, because it is no well-formed XML: " +
-                                        problem.text.substr(kMalformed.size()));
+                                "the file is not used, because it is " + problem.text());
             }
         }
     }
@@ -42,11 +39,11 @@ void checkUnreadable(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         for (const Problem& problem : file->problems()) {
-            const bool isMuch = beginsWith(problem.text, "more than");
-            if (isMuch || beginsWith(problem.text, "cannot be read")) {
-                reporter.report(placeOf(*file),
-                                "the file is not used, because it " +
-                                        (isMuch ? "has " + problem.text : problem.text));
+            const bool isMuch = problem.kind == ProblemKind::COSTLY_XML;
+            if (isMuch || problem.isReadFailure()) {
+                reporter.report(placeOf(*file), "the file is not used, because it " +
+                                                        std::string(isMuch ? "has " : "") +
+                                                        problem.text());
             }
         }
     }

@@ -113,8 +113,7 @@ NoValue noCountry(const SetModel& set) {
     if (saved == nullptr || !saved->exists() || !saved->isUnreadable()) {
         return {"(none saved)"};
     }
-    const std::string& problem = saved->problems().front().text;
-    const bool isTooLarge = problem.find("larger than") != std::string::npos;
+    const bool isTooLarge = saved->problems().front().kind == ProblemKind::TOO_LARGE;
     return {isTooLarge ? "(country_id.bin is too large)" : "(country_id.bin cannot be read)"};
 }
 
