@@ -36,31 +36,29 @@ std::string jsonOf(const FactValue& value) {
                        [](const std::vector<std::string>& list) { return jsonTexts(list); },
                        [](const Names& names) { return jsonTexts(names.list); },
                        [](const Files& files) {
-                           std::string object;
+                           JsonObject object;
                            for (const auto& [what, path] : files) {
-                               object += (object.empty() ? "" : ",") + jsonString(what) + ':' +
-                                         jsonString(path);
+                               object.text(what, path);
                            }
-                           return '{' + object + '}';
+                           return object.str();
                        },
                        [](const Counts& counts) {
-                           std::string object;
+                           JsonObject object;
                            for (const auto& [what, count] : counts) {
-                               object += (object.empty() ? "" : ",") + jsonString(what) + ':' +
-                                         std::to_string(count);
+                               object.number(what, static_cast<int64_t>(count));
                            }
-                           return '{' + object + '}';
+                           return object.str();
                        }},
             value);
 }
 
-std::string factsJson(const std::vector<Fact>& facts, const std::set<std::string>& missing) {
-    std::string text;
+JsonObject factsJson(const std::vector<Fact>& facts, const std::set<std::string>& missing) {
+    JsonObject groups;
     std::string group;
     JsonObject members;
     const auto endGroup = [&] {
         if (!group.empty()) {
-            text += jsonString(keyOf(group)) + ':' + members.str() + ',';
+            groups.json(keyOf(group), members.str());
         }
         members = JsonObject();
     };
@@ -72,7 +70,7 @@ std::string factsJson(const std::vector<Fact>& facts, const std::set<std::string
         members.json(fact.name.key, jsonOf(fact.value));
     }
     endGroup();
-    return text + "\"missing\":" + jsonTexts({missing.begin(), missing.end()});
+    return groups.json("missing", jsonTexts({missing.begin(), missing.end()}));
 }
 
 std::set<std::string> pathsIn(const std::vector<Fact>& facts) {

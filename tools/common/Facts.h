@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "tools/common/Json.h"
+
 /** What there is to tell about a set, for a person and for a program. */
 namespace mlk {
 
@@ -49,10 +51,10 @@ struct Fact {
 std::set<std::string> pathsIn(const std::vector<Fact>& facts);
 
 /**
- * The members of a JSON object without its braces: an object for each group, with null for a fact
- * without a value, and "missing" with these paths.
+ * A JSON object with an object for each group, with null for a fact without a value, and "missing"
+ * with these paths.
  */
-std::string factsJson(const std::vector<Fact>& facts, const std::set<std::string>& missing);
+JsonObject factsJson(const std::vector<Fact>& facts, const std::set<std::string>& missing);
 
 /** The same of one value. */
 std::string jsonOf(const FactValue& value);

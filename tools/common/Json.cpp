@@ -42,6 +42,24 @@ std::string jsonLines(const std::vector<std::string>& values) {
     return out + (values.empty() ? "]" : "\n]");
 }
 
+JsonLines::JsonLines(const JsonObject& head, std::string_view name, const TextSink& sink)
+    : mSink(sink) {
+    std::string text = head.str();
+    text.back() = ',';  // the object goes on
+    appendJsonString(text, name);
+    mSink(text += ":[");
+}
+
+void JsonLines::add(std::string_view value) {
+    mSink(mIsEmpty ? "\n" : ",\n");
+    mSink(value);
+    mIsEmpty = false;
+}
+
+void JsonLines::end() {
+    mSink(mIsEmpty ? "]}\n" : "\n]}\n");
+}
+
 std::string jsonTexts(const std::vector<std::string>& texts) {
     std::vector<std::string> values;
     values.reserve(texts.size());

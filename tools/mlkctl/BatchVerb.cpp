@@ -1,7 +1,7 @@
 #include <optional>
 #include <variant>
 
-#include "tools/common/Text.h"
+#include "tools/common/Json.h"
 #include "tools/mlkctl/BatchLine.h"
 #include "tools/mlkctl/LineInput.h"
 #include "tools/mlkctl/TimeLimit.h"
@@ -62,8 +62,10 @@ const char* nameOf(ExitStatus status) {
 }
 
 std::string messageOf(const Failure& failure) {
-    return R"({"error":")" + std::string(nameOf(failure.status())) + R"(","message":)" +
-           jsonString(failure.what()) + '}';
+    return JsonObject()
+            .text("error", nameOf(failure.status()))
+            .text("message", failure.what())
+            .str();
 }
 
 /** Lines that were read, until they are answered. For one thread. */

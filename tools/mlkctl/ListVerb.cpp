@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 
+#include "tools/common/Json.h"
 #include "tools/common/Table.h"
 #include "tools/common/Text.h"
 #include "tools/mlkctl/HostFolders.h"
@@ -65,18 +66,18 @@ std::string numberOr(const std::optional<int>& number, const char* otherwise) {
 }
 
 void writeJson(const std::vector<Registration>& rows, Output& output) {
-    std::string text = "[";
+    std::vector<std::string> objects;
+    objects.reserve(rows.size());
     for (const Registration& row : rows) {
-        if (text.size() > 1) {
-            text += ',';
-        }
-        text += R"({"interface":)" + jsonString(row.interface);
-        text += R"(,"instance":)" + jsonString(row.instance);
-        text += R"(,"state":)" + jsonString(nameOf(row.answering));
-        text += R"(,"pid":)" + numberOr(row.pid, "null");
-        text += R"(,"threads":)" + numberOr(row.threads, "null") + '}';
+        objects.push_back(JsonObject()
+                                  .text("interface", row.interface)
+                                  .text("instance", row.instance)
+                                  .text("state", nameOf(row.answering))
+                                  .json("pid", numberOr(row.pid, "null"))
+                                  .json("threads", numberOr(row.threads, "null"))
+                                  .str());
     }
-    output.line(text + ']');
+    output.line(jsonArray(objects));
 }
 
 void writeTable(const std::vector<Registration>& rows, Output& output) {

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstring>
 
+#include "tools/common/Json.h"
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlkctl/HostFolders.h"
@@ -59,17 +60,17 @@ ExitStatus list(const std::vector<std::string>& words, Environment& environment)
     if (!words.empty() && !json) {
         throw usage("prop list takes --json or nothing");
     }
-    std::string object;
+    JsonObject object;
     const Properties properties = allProperties();
     for (const auto& [key, value] : properties) {
         if (json) {
-            object += (object.empty() ? "" : ",") + jsonString(key) + ':' + jsonString(value);
+            object.text(key, value);
         } else {
             output.line(printable(key) + '=' + printable(value));
         }
     }
     if (json) {
-        output.line('{' + object + '}');
+        output.line(object.str());
     }
     if (properties.empty()) {
         const std::string where = aboutProperties();

@@ -191,7 +191,7 @@ class ShowVerb : public Verb {
         Mounts mounts({});
         FactFrame frame = frameOf(answers, environment.services, &mounts);
         if (mJson) {
-            environment.output.write("{" + factsJson(answers, frame.missing) + "}\n");
+            environment.output.line(factsJson(answers, frame.missing).str());
             return;
         }
         const std::string noModel = modelLine(mounts, environment.services);

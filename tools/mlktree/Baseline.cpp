@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <tuple>
 
+#include "tools/common/Json.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/Tree.h"
@@ -40,9 +41,12 @@ std::string withoutLineNumbers(std::string_view message) {
 }
 
 std::string jsonOf(const Identity& identity) {
-    return "{\"rule\":" + jsonString(identity.rule) + ",\"file\":" + jsonString(identity.file) +
-           ",\"message\":" + jsonString(identity.message) +
-           ",\"text\":" + jsonString(identity.text) + "}";
+    return JsonObject()
+            .text("rule", identity.rule)
+            .text("file", identity.file)
+            .text("message", identity.message)
+            .text("text", identity.text)
+            .str();
 }
 
 [[noreturn]] void refuse(const std::string& path, const std::string& why) {
@@ -107,15 +111,16 @@ Baseline Baseline::parse(std::string_view text, const std::string& path) {
 }
 
 std::string Baseline::text() const {
-    std::string out = "{\"version\":" + std::to_string(kVersion) + ",\"findings\":[";
-    const char* lead = "\n";
+    std::string out;
+    const TextSink sink = [&out](std::string_view piece) { out += piece; };
+    JsonLines findings(JsonObject().number("version", kVersion), "findings", sink);
     for (const auto& [identity, count] : mKnown) {
         for (size_t i = 0; i < count; ++i) {
-            out += lead + jsonOf(identity);
-            lead = ",\n";
+            findings.add(jsonOf(identity));
         }
     }
-    return out + (mKnown.empty() ? "]}\n" : "\n]}\n");
+    findings.end();
+    return out;
 }
 
 void Baseline::apply(CheckReport& report, const LineOf& lineOf) const {

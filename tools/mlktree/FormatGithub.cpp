@@ -51,7 +51,7 @@ std::string textOf(const Finding& finding, const FormatContext& context) {
 
 }  // namespace
 
-void formatGithub(const CheckReport& report, const FormatContext& context, const Sink& sink) {
+void formatGithub(const CheckReport& report, const FormatContext& context, const TextSink& sink) {
     for (const Finding& finding : report.findings) {
         std::string line = "::" + std::string(commandOf(finding.severity)) +
                            " file=" + property(shownText(context.fromHere(finding.place.file)));

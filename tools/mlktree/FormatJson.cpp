@@ -1,52 +1,51 @@
 // Findings for programs: one JSON object, one finding a line.
 
-#include "tools/common/Text.h"
+#include "tools/common/Json.h"
 #include "tools/mlktree/Formats.h"
 
 namespace mlk::tree {
 
 namespace {
 
-void append(std::string& out, std::string_view name, std::string_view value) {
-    appendJsonString(out += ",\"" + std::string(name) + "\":", value);
-}
-
 std::string jsonOf(const Related& related) {
-    std::string out = "{\"file\":" + jsonString(related.place.file) +
-                      ",\"line\":" + std::to_string(related.place.line);
-    append(out, "message", related.message);
-    return out + "}";
+    return JsonObject()
+            .text("file", related.place.file)
+            .number("line", static_cast<int64_t>(related.place.line))
+            .text("message", related.message)
+            .str();
 }
 
 std::string jsonOf(const Finding& finding) {
-    std::string out = "{\"rule\":" + jsonString(finding.rule);
-    append(out, "severity", nameOf(finding.severity));
-    append(out, "file", finding.place.file);
-    out += ",\"line\":" + std::to_string(finding.place.line);
-    out += ",\"column\":" + std::to_string(finding.place.column);
-    append(out, "message", finding.message);
-    out += ",\"sets\":[";
-    for (const std::string& set : finding.sets) {
-        out += (out.back() == '[' ? "" : ",") + jsonString(set);
+    std::vector<std::string> related;
+    related.reserve(finding.related.size());
+    for (const Related& each : finding.related) {
+        related.push_back(jsonOf(each));
     }
-    out += "],\"related\":[";
-    for (const Related& related : finding.related) {
-        out += (out.back() == '[' ? "" : ",") + jsonOf(related);
-    }
-    return out + "]}";
+    return JsonObject()
+            .text("rule", finding.rule)
+            .text("severity", nameOf(finding.severity))
+            .text("file", finding.place.file)
+            .number("line", static_cast<int64_t>(finding.place.line))
+            .number("column", static_cast<int64_t>(finding.place.column))
+            .text("message", finding.message)
+            .json("sets", jsonTexts(finding.sets))
+            .json("related", jsonArray(related))
+            .str();
 }
 
 }  // namespace
 
-void formatJson(const CheckReport& report, const FormatContext& /* context */, const Sink& sink) {
-    sink("{\"tree\":" + jsonString(report.tree) + ",\"sets\":" + std::to_string(report.sets) +
-         ",\"files\":" + std::to_string(report.files) + ",\"findings\":[");
-    const char* lead = "\n";
+void formatJson(const CheckReport& report, const FormatContext& /* context */,
+                const TextSink& sink) {
+    JsonLines findings(JsonObject()
+                               .text("tree", report.tree)
+                               .number("sets", static_cast<int64_t>(report.sets))
+                               .number("files", static_cast<int64_t>(report.files)),
+                       "findings", sink);
     for (const Finding& finding : report.findings) {
-        sink(lead + jsonOf(finding));
-        lead = ",\n";
+        findings.add(jsonOf(finding));
     }
-    sink(report.findings.empty() ? "]}\n" : "\n]}\n");
+    findings.end();
 }
 
 }  // namespace mlk::tree

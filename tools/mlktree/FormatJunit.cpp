@@ -65,7 +65,7 @@ std::string caseOf(const RuleFamily& family, const Rule& rule, const Findings& f
 
 }  // namespace
 
-void formatJunit(const CheckReport& report, const FormatContext& context, const Sink& sink) {
+void formatJunit(const CheckReport& report, const FormatContext& context, const TextSink& sink) {
     std::map<std::string_view, Findings> byRule;
     for (const Finding& finding : report.findings) {
         Findings& findings = byRule[finding.rule];

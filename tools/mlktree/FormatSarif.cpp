@@ -148,7 +148,7 @@ std::string uriOf(std::string_view path) {
     return uri;
 }
 
-void formatSarif(const CheckReport& report, const FormatContext& context, const Sink& sink) {
+void formatSarif(const CheckReport& report, const FormatContext& context, const TextSink& sink) {
     const Results results(context);
     std::string head = headOf(context).dump();
     head.pop_back();  // the results go before its end

@@ -16,7 +16,7 @@ std::string_view colourOf(Severity severity) {
 
 class Printer {
   public:
-    Printer(const FormatContext& context, const Sink& sink) : mContext(context), mSink(sink) {}
+    Printer(const FormatContext& context, const TextSink& sink) : mContext(context), mSink(sink) {}
 
     void print(const Finding& finding) {
         mSink(head(finding.place, nameOf(finding.severity), colourOf(finding.severity)));
@@ -62,12 +62,12 @@ class Printer {
     }
 
     const FormatContext& mContext;
-    const Sink& mSink;
+    const TextSink& mSink;
 };
 
 }  // namespace
 
-void formatText(const CheckReport& report, const FormatContext& context, const Sink& sink) {
+void formatText(const CheckReport& report, const FormatContext& context, const TextSink& sink) {
     Printer printer(context, sink);
     for (const Finding& finding : report.findings) {
         printer.print(finding);

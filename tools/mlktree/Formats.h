@@ -5,13 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/CheckReport.h"
 #include "tools/mlktree/Rule.h"
 
 namespace mlk::tree {
-
-/** Takes the pieces of an output, in order. */
-using Sink = std::function<void(std::string_view)>;
 
 /** What a format needs besides the report. */
 struct FormatContext {
@@ -25,13 +23,14 @@ struct FormatContext {
 };
 
 /** Prints a report. Texts of files are never commands to who reads the output. */
-using Format = void (*)(const CheckReport& report, const FormatContext& context, const Sink& sink);
+using Format = void (*)(const CheckReport& report, const FormatContext& context,
+                        const TextSink& sink);
 
-void formatText(const CheckReport& report, const FormatContext& context, const Sink& sink);
-void formatJson(const CheckReport& report, const FormatContext& context, const Sink& sink);
-void formatSarif(const CheckReport& report, const FormatContext& context, const Sink& sink);
-void formatGithub(const CheckReport& report, const FormatContext& context, const Sink& sink);
-void formatJunit(const CheckReport& report, const FormatContext& context, const Sink& sink);
+void formatText(const CheckReport& report, const FormatContext& context, const TextSink& sink);
+void formatJson(const CheckReport& report, const FormatContext& context, const TextSink& sink);
+void formatSarif(const CheckReport& report, const FormatContext& context, const TextSink& sink);
+void formatGithub(const CheckReport& report, const FormatContext& context, const TextSink& sink);
+void formatJunit(const CheckReport& report, const FormatContext& context, const TextSink& sink);
 
 /** The formats of `mlktree check`, by name; the first is the default. */
 const std::vector<std::pair<std::string_view, Format>>& formats();

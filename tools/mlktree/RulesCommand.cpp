@@ -1,5 +1,5 @@
+#include "tools/common/Json.h"
 #include "tools/common/Table.h"
-#include "tools/common/Text.h"
 #include "tools/common/Wrap.h"
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/Help.h"
@@ -71,27 +71,25 @@ std::string catalogue() {
 }
 
 std::string jsonOf(const RuleFamily& family, const Rule& rule) {
-    std::string out = "{\"rule\":" + jsonString(rule.name);
-    const std::pair<const char*, std::string_view> parts[] = {
-            {"family", family.name},   {"severity", nameOf(rule.severity)},
-            {"summary", rule.summary}, {"why", rule.why},
-            {"bad", rule.bad},         {"good", rule.good}};
-    for (const auto& [name, value] : parts) {
-        out += ",\"" + std::string(name) + "\":" + jsonString(value);
-    }
-    return out + "}";
+    return JsonObject()
+            .text("rule", rule.name)
+            .text("family", family.name)
+            .text("severity", nameOf(rule.severity))
+            .text("summary", rule.summary)
+            .text("why", rule.why)
+            .text("bad", rule.bad)
+            .text("good", rule.good)
+            .str();
 }
 
 std::string jsonOfAll() {
-    std::string out = "[";
-    const char* lead = "\n";
+    std::vector<std::string> all;
     for (const RuleFamily& family : ruleFamilies()) {
         for (size_t i = 0; i < family.count; ++i) {
-            out += lead + jsonOf(family, family.rules[i]);
-            lead = ",\n";
+            all.push_back(jsonOf(family, family.rules[i]));
         }
     }
-    return out + "\n]\n";
+    return jsonLines(all) + "\n";
 }
 
 ExitStatus run(const Arguments& arguments, Environment& environment) {

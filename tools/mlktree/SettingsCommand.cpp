@@ -1,3 +1,4 @@
+#include "tools/common/Json.h"
 #include "tools/common/Text.h"
 #include "tools/common/Wrap.h"
 #include "tools/mlktree/CommonOptions.h"
@@ -47,9 +48,12 @@ std::string textOfAll() {
 }
 
 std::string jsonOf(const SettingsKey& key) {
-    return "{\"name\":" + jsonString(key.name) + ",\"value\":" + jsonString(key.value) +
-           ",\"required\":" + (key.isRequired ? "true" : "false") +
-           ",\"what\":" + jsonString(key.what) + "}";
+    return JsonObject()
+            .text("name", key.name)
+            .text("value", key.value)
+            .flag("required", key.isRequired)
+            .text("what", key.what)
+            .str();
 }
 
 std::string jsonOfAll() {

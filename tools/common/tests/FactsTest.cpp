@@ -30,12 +30,12 @@ std::vector<Fact> factsOfEachKind() {
 }
 
 TEST(FactsTest, JsonHasAnObjectForEachGroup) {
-    EXPECT_EQ(factsJson(factsOfEachKind(), {"/a"}),
-              R"("panel":{"name":"LC430-A","file":"/tvconfigs/panel.ini","empty":""},)"
+    EXPECT_EQ(factsJson(factsOfEachKind(), {"/a"}).str(),
+              R"({"panel":{"name":"LC430-A","file":"/tvconfigs/panel.ini","empty":""},)"
               R"("hdmi":{"inputs":3,"arc":true,"edid":{"1.4":"/tvconfigs/edid14.bin",)"
               R"("2.0":"none"}},)"
               R"("lists":{"paths":["/a","b"],"names":["x","y"],"counts":{"eu":2,"us":0},)"
-              R"("none":null},"missing":["/a"])");
+              R"("none":null},"missing":["/a"]})");
 }
 
 TEST(FactsTest, PathsBeginWithASlashWhereverTheyStand) {
@@ -64,6 +64,20 @@ TEST(JsonTest, Lists) {
     EXPECT_EQ(jsonLines({}), "[]");
     EXPECT_EQ(jsonLines({"1", "2"}), "[\n1,\n2\n]");
     EXPECT_EQ(jsonArray({"1", "2"}), "[1,2]");
+}
+
+TEST(JsonTest, LongListsHaveALineForEachValue) {
+    std::string text;
+    const TextSink sink = [&text](std::string_view piece) { text += piece; };
+    JsonLines none(JsonObject().number("version", 1), "rows", sink);
+    none.end();
+    EXPECT_EQ(text, "{\"version\":1,\"rows\":[]}\n");
+    text.clear();
+    JsonLines two(JsonObject().number("version", 1), "r\"s", sink);
+    two.add("1");
+    two.add("{}");
+    two.end();
+    EXPECT_EQ(text, "{\"version\":1,\"r\\\"s\":[\n1,\n{}\n]}\n");
 }
 
 TEST(JsonTest, Objects) {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/answers/LineAnswers.h"
 
 namespace mlk::tree {
@@ -14,9 +14,6 @@ inline constexpr int kSnapshotVersion = 1;
 
 /** The name of delays without a receiver. */
 inline constexpr std::string_view kNoReceiver = "none";
-
-/** What takes the pieces of a text, one after the other. */
-using TextSink = std::function<void(std::string_view)>;
 
 /**
  * Writes what the sets of a line answer as JSON; docs/mlktree-snapshot.schema.json has the form.

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "tools/common/Json.h"
-#include "tools/common/Text.h"
 #include "tools/mlktree/ShownLine.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/diff/ToldChanges.h"
@@ -135,21 +134,22 @@ void writeDiffText(const Difference& difference, bool isColoured, const TextSink
 }
 
 void writeDiffJson(const Difference& difference, const TextSink& sink) {
-    sink("{\"version\":" + std::to_string(kDiffVersion) + ",\"a\":" + jsonString(difference.a) +
-         ",\"b\":" + jsonString(difference.b) +
-         ",\"same\":" + (difference.changes.empty() ? "true" : "false") + ",\"changes\":[");
-    bool isFirst = true;
+    JsonLines changes(JsonObject()
+                              .number("version", kDiffVersion)
+                              .text("a", difference.a)
+                              .text("b", difference.b)
+                              .flag("same", difference.changes.empty()),
+                      "changes", sink);
     for (const Change& change : difference.changes) {
-        sink((isFirst ? "\n" : ",\n") + JsonObject()
-                                                .text("kind", nameOf(change.kind))
-                                                .text("name", change.name)
-                                                .json("a", jsonOf(change.a))
-                                                .json("b", jsonOf(change.b))
-                                                .json("sets", jsonTexts(inSelections(change.sets)))
-                                                .str());
-        isFirst = false;
+        changes.add(JsonObject()
+                            .text("kind", nameOf(change.kind))
+                            .text("name", change.name)
+                            .json("a", jsonOf(change.a))
+                            .json("b", jsonOf(change.b))
+                            .json("sets", jsonTexts(inSelections(change.sets)))
+                            .str());
     }
-    sink(isFirst ? "]}\n" : "\n]}\n");
+    changes.end();
 }
 
 void writeDiffMarkdown(const Difference& difference, const TextSink& sink) {

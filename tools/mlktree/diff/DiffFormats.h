@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/Change.h"
 

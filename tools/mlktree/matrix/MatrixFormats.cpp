@@ -79,15 +79,18 @@ std::vector<std::string> columnNames(const Matrix& matrix) {
     return names;
 }
 
-void matrixJson(const Matrix& matrix, const MatrixStyle& /* style */, const MatrixSink& sink) {
-    sink("{\"version\":1,\"sets\":" + std::to_string(matrix.setCount()) + ",\"rows\":[");
+void matrixJson(const Matrix& matrix, const MatrixStyle& /* style */, const TextSink& sink) {
+    JsonLines rows(JsonObject()
+                           .number("version", 1)
+                           .number("sets", static_cast<int64_t>(matrix.setCount())),
+                   "rows", sink);
     for (size_t row = 0; row < matrix.rows().size(); ++row) {
-        sink((row == 0 ? "\n" : ",\n") + json(matrix, row));
+        rows.add(json(matrix, row));
     }
-    sink("\n]}\n");
+    rows.end();
 }
 
-void matrixCsv(const Matrix& matrix, const MatrixStyle& /* style */, const MatrixSink& sink) {
+void matrixCsv(const Matrix& matrix, const MatrixStyle& /* style */, const TextSink& sink) {
     std::string line = "kind,section,key";
     for (const std::string& name : columnNames(matrix)) {
         line += ',' + csv(name);
@@ -105,7 +108,7 @@ void matrixCsv(const Matrix& matrix, const MatrixStyle& /* style */, const Matri
     }
 }
 
-void matrixMarkdown(const Matrix& matrix, const MatrixStyle& /* style */, const MatrixSink& sink) {
+void matrixMarkdown(const Matrix& matrix, const MatrixStyle& /* style */, const TextSink& sink) {
     std::string head = "| |";
     std::string rule = "|---|";
     for (const std::string& name : columnNames(matrix)) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/matrix/Matrix.h"
 
 namespace mlk::tree {
@@ -26,27 +26,23 @@ struct MatrixStyle {
     bool isColoured = false;
 };
 
-/** Takes the pieces of an output, in order. */
-using MatrixSink = std::function<void(std::string_view)>;
-
 /** Prints a matrix. Texts of the tree are no commands to who reads the output. */
-using MatrixFormat = void (*)(const Matrix& matrix, const MatrixStyle& style,
-                              const MatrixSink& sink);
+using MatrixFormat = void (*)(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** For a person. Long values go on in further lines. */
-void matrixText(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink);
+void matrixText(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** The layout LIST. */
-void matrixList(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink);
+void matrixList(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** One object with a line for each row: its values and the sets that have them. */
-void matrixJson(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink);
+void matrixJson(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** A table as in RFC 4180; an item that a set does not have is empty, an empty value is `""`. */
-void matrixCsv(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink);
+void matrixCsv(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** A table for a comment on a review. */
-void matrixMarkdown(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink);
+void matrixMarkdown(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink);
 
 /** All formats by name; the first is the default. */
 const std::vector<std::pair<std::string_view, MatrixFormat>>& matrixFormats();

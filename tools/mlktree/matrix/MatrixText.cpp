@@ -50,7 +50,7 @@ class MatrixTable {
 
     size_t blocks() const { return mBlocks.size(); }
 
-    void print(const MatrixSink& sink) const {
+    void print(const TextSink& sink) const {
         if (mHasLetters) {
             printNames(sink);
         }
@@ -108,7 +108,7 @@ class MatrixTable {
         }
     }
 
-    void printNames(const MatrixSink& sink) const {
+    void printNames(const TextSink& sink) const {
         const size_t indent = columnsOf(headOf(mNames.size() - 1)) + kGap;
         for (size_t i = 0; i < mNames.size(); ++i) {
             std::string begin = headOf(i);
@@ -119,7 +119,7 @@ class MatrixTable {
         sink("\n");
     }
 
-    void printBlock(const Block& block, const MatrixSink& sink) const {
+    void printBlock(const Block& block, const TextSink& sink) const {
         std::vector<Lines> cells = {{""}};
         std::vector<const char*> styles(block.widths.size() + 1, ansi::kBold);
         for (size_t i = 0; i < block.widths.size(); ++i) {
@@ -143,7 +143,7 @@ class MatrixTable {
 
     // Prints cells of several lines each beside each other.
     void printLines(const Block& block, const std::vector<Lines>& cells,
-                    const std::vector<const char*>& styles, const MatrixSink& sink) const {
+                    const std::vector<const char*>& styles, const TextSink& sink) const {
         size_t height = 0;
         for (const Lines& cell : cells) {
             height = std::max(height, cell.size());
@@ -186,7 +186,7 @@ std::string lettersOf(size_t column) {
     return letters;
 }
 
-void matrixList(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink) {
+void matrixList(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink) {
     constexpr size_t kIndent = 2;
     constexpr size_t kWidestValue = 40;
     constexpr NameLimits kLimits = {20, 8, 12, 8};
@@ -214,7 +214,7 @@ void matrixList(const Matrix& matrix, const MatrixStyle& style, const MatrixSink
     }
 }
 
-void matrixText(const Matrix& matrix, const MatrixStyle& style, const MatrixSink& sink) {
+void matrixText(const Matrix& matrix, const MatrixStyle& style, const TextSink& sink) {
     if (matrix.rows().empty()) {
         return;
     }

@@ -13,8 +13,6 @@ namespace mlk::tree {
 
 namespace {
 
-using Sink = std::function<void(std::string_view)>;
-
 // In units of the picture, which are pixels unless it is scaled.
 constexpr int64_t kWidth = 1000;
 constexpr int64_t kMargin = 12;
@@ -110,7 +108,7 @@ std::string describe(const PlanView& plan, const char* kind, const Meeting& meet
 
 class Picture {
   public:
-    Picture(const PlanView& plan, const Sink& sink)
+    Picture(const PlanView& plan, const TextSink& sink)
         : mPlan(plan),
           mSink(sink),
           mRows(rowsOf(plan, kChannelsInARow)),
@@ -299,7 +297,7 @@ class Picture {
     }
 
     const PlanView& mPlan;
-    const Sink& mSink;
+    const TextSink& mSink;
     const PlanRows mRows;
     std::vector<std::vector<const Meeting*>> mGaps;      // by the channel below
     std::vector<std::vector<const Meeting*>> mOverlaps;  // by the channel above
@@ -308,7 +306,7 @@ class Picture {
 
 }  // namespace
 
-void drawPlan(const PlanView& plan, const Sink& sink) {
+void drawPlan(const PlanView& plan, const TextSink& sink) {
     Picture(plan, sink).draw();
 }
 

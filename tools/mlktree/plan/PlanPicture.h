@@ -1,9 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/plan/PlanView.h"
 
 namespace mlk::tree {
@@ -19,6 +19,6 @@ namespace mlk::tree {
  *
  * @param sink  gets the pieces in order
  */
-void drawPlan(const PlanView& plan, const std::function<void(std::string_view)>& sink);
+void drawPlan(const PlanView& plan, const TextSink& sink);
 
 }  // namespace mlk::tree

@@ -115,11 +115,12 @@ std::string FileTable::jsonOf(const ReportedFile& file, TextTable& texts) const 
 }
 
 std::string FileTable::json(TextTable& texts) const {
-    std::string out;
+    std::vector<std::string> files;
+    files.reserve(mFiles.size());
     for (const ReportedFile& file : mFiles) {
-        out += (out.empty() ? "[" : ",") + jsonOf(file, texts);
+        files.push_back(jsonOf(file, texts));
     }
-    return out.empty() ? "[]" : out + "]";
+    return jsonArray(files);
 }
 
 }  // namespace mlk::tree

@@ -63,13 +63,14 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     const size_t errors = countOf(report, Severity::ERROR);
     const size_t warnings = countOf(report, Severity::WARNING);
     if (arguments.value("--format") == "json") {
-        environment.output.write("{" + factsJson(facts, frame.missing) +
-                                 ",\"replaced\":" + replacedJson(facts) + ",\"findings\":" +
-                                 JsonObject()
-                                         .number("errors", static_cast<int64_t>(errors))
-                                         .number("warnings", static_cast<int64_t>(warnings))
-                                         .str() +
-                                 "}\n");
+        const std::string findings = JsonObject()
+                                             .number("errors", static_cast<int64_t>(errors))
+                                             .number("warnings", static_cast<int64_t>(warnings))
+                                             .str();
+        environment.output.line(factsJson(facts, frame.missing)
+                                        .json("replaced", replacedJson(facts))
+                                        .json("findings", findings)
+                                        .str());
         return ExitStatus::NOTHING_FOUND;
     }
     frame.styled = isColoured(arguments, environment, environment.output.isTerminal());

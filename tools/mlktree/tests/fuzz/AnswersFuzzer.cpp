@@ -10,6 +10,7 @@
 
 #include "host/testing/TempDir.h"
 #include "host/testing/fuzz/Fuzzing.h"
+#include "tools/common/TextSink.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/answers/Snapshot.h"
 #include "tools/mlktree/diff/DiffFormats.h"
@@ -28,16 +29,15 @@ namespace fuzzing = mlk::fuzzing;
 namespace {
 
 using Json = nlohmann::json;
-using Sink = std::function<void(std::string_view)>;
 
-std::string textOf(const std::function<void(const Sink&)>& write) {
+std::string textOf(const std::function<void(const TextSink&)>& write) {
     std::string text;
     write([&](std::string_view piece) { text += piece; });
     return text;
 }
 
 std::string snapshotOf(const LineAnswers& answers) {
-    return textOf([&](const Sink& sink) { writeSnapshot(answers, sink); });
+    return textOf([&](const TextSink& sink) { writeSnapshot(answers, sink); });
 }
 
 // A byte that is no UTF-8 is a lone surrogate, which the parser refuses.
@@ -77,7 +77,8 @@ void checkSnapshot(const LineAnswers& answers) {
 void checkDiff(const LineAnswers& a, const LineAnswers& b) {
     fuzzing::require(diffLines(b, b).changes.empty(), "nothing differs from itself");
     Difference difference = diffLines(a, b);
-    const Json json = parsed(textOf([&](const Sink& sink) { writeDiffJson(difference, sink); }));
+    const Json json =
+            parsed(textOf([&](const TextSink& sink) { writeDiffJson(difference, sink); }));
     fuzzing::require(json["changes"].size() == difference.changes.size(),
                      "the JSON has all changes");
     fuzzing::require(diffLines(b, a).changes.empty() == difference.changes.empty(),
@@ -88,20 +89,20 @@ void checkDiff(const LineAnswers& a, const LineAnswers& b) {
                          "only an item may have no name");
     }
     requirePlain("a difference",
-                 textOf([&](const Sink& sink) { writeDiffText(difference, false, sink); }));
+                 textOf([&](const TextSink& sink) { writeDiffText(difference, false, sink); }));
     requirePlain("its Markdown",
-                 textOf([&](const Sink& sink) { writeDiffMarkdown(difference, sink); }));
+                 textOf([&](const TextSink& sink) { writeDiffMarkdown(difference, sink); }));
     if (!a.sets.empty() && !b.sets.empty()) {
         Difference sets = diffSets(a, a.sets.back(), b, b.sets.front());
         requirePlain("a difference of sets",
-                     textOf([&](const Sink& sink) { writeDiffText(sets, false, sink); }));
+                     textOf([&](const TextSink& sink) { writeDiffText(sets, false, sink); }));
     }
 }
 
 void checkMatrix(const LineAnswers& answers) {
     const Matrix matrix(answers, {{}, true});
     const auto printed = [&](MatrixFormat format, MatrixLayout layout, size_t width) {
-        return textOf([&](const Sink& sink) { format(matrix, {layout, width, false}, sink); });
+        return textOf([&](const TextSink& sink) { format(matrix, {layout, width, false}, sink); });
     };
     fuzzing::require(parsed(printed(matrixJson, MatrixLayout::AUTO, 80))["rows"].size() ==
                              matrix.rows().size(),
@@ -135,7 +136,7 @@ void checkPlans(const ProductLine& line) {
                                  "the JSON has all channels");
                 requirePlain("a plan", planTable(view));
                 tinyxml2::XMLDocument picture;
-                fuzzing::require(picture.Parse(textOf([&](const Sink& sink) {
+                fuzzing::require(picture.Parse(textOf([&](const TextSink& sink) {
                                                    drawPlan(view, sink);
                                                }).c_str()) == tinyxml2::XML_SUCCESS,
                                  "the picture of a plan is XML");
