@@ -7,9 +7,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/hidl/RuntimePath.h"
 #include "tools/mlkctl/Folder.h"
 
 namespace mlk::ctl {
+
+using host::RuntimeOrigin;
+using host::RuntimePath;
 
 namespace {
 
@@ -26,21 +30,22 @@ std::string variable(const char* name) {
 }
 
 // Which variables name the folder of the sockets.
-std::string originOfRuntimeFolder() {
-    if (!variable("MLK_RUNTIME_DIR").empty()) {
-        return "MLK_RUNTIME_DIR";
-    }
-    if (!variable("XDG_RUNTIME_DIR").empty()) {
-        return "$XDG_RUNTIME_DIR/mlkconfigs, as MLK_RUNTIME_DIR is not set";
+const char* nameOf(RuntimeOrigin origin) {
+    switch (origin) {
+        case RuntimeOrigin::OWN:
+            return "MLK_RUNTIME_DIR";
+        case RuntimeOrigin::SESSION:
+            return "$XDG_RUNTIME_DIR/mlkconfigs, as MLK_RUNTIME_DIR is not set";
+        case RuntimeOrigin::DEFAULT:
+            break;
     }
     return "the default, as neither MLK_RUNTIME_DIR nor XDG_RUNTIME_DIR is set";
 }
 
-// Only root may create the default folder.
-std::string advice() {
-    const bool isDefault =
-            variable("MLK_RUNTIME_DIR").empty() && variable("XDG_RUNTIME_DIR").empty();
-    return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to the folder of the service" : "";
+std::string advice(RuntimeOrigin origin) {
+    return origin == RuntimeOrigin::DEFAULT && geteuid() != 0
+                   ? "; set MLK_RUNTIME_DIR to the folder of the service"
+                   : "";
 }
 
 // What is in the folder, without hidden names: those of the runtime itself.
@@ -74,8 +79,8 @@ std::string contentOf(const Folder& folder) {
     return "holds " + list;
 }
 
-std::string namedRuntimeFolder() {
-    return runtimeFolder() + " (" + originOfRuntimeFolder() + ')';
+std::string named(const RuntimePath& folder) {
+    return folder.path + " (" + nameOf(folder.origin) + ')';
 }
 
 std::string propertyFolder() {
@@ -88,35 +93,29 @@ std::string runtimeFolder() {
     if (!kIsHost) {
         return {};
     }
-    std::string own = variable("MLK_RUNTIME_DIR");
-    while (own.size() > 1 && own.back() == '/') {
-        own.pop_back();
-    }
-    if (!own.empty()) {
-        return own;
-    }
-    const std::string session = variable("XDG_RUNTIME_DIR");
-    return session.empty() ? "/run/mlkconfigs" : session + "/mlkconfigs";
+    return host::runtimePath().path;
 }
 
 std::string aboutSockets() {
     if (!kIsHost) {
         return {};
     }
-    return "; sockets are looked for in " + namedRuntimeFolder() + ", which " +
-           contentOf(visible(runtimeFolder())) + advice();
+    const RuntimePath folder = host::runtimePath();
+    return "; sockets are looked for in " + named(folder) + ", which " +
+           contentOf(visible(folder.path)) + advice(folder.origin);
 }
 
 std::string aboutSocket(const std::string& name) {
     if (!kIsHost) {
         return {};
     }
-    const Folder folder = visible(runtimeFolder());
+    const RuntimePath runtime = host::runtimePath();
+    const Folder folder = visible(runtime.path);
     if (std::binary_search(folder.names.begin(), folder.names.end(), name)) {
-        return ": no process serves the socket " + name + " in " + namedRuntimeFolder();
+        return ": no process serves the socket " + name + " in " + named(runtime);
     }
-    return ": no socket " + name + " in " + namedRuntimeFolder() + ": the folder " +
-           contentOf(folder) + advice();
+    return ": no socket " + name + " in " + named(runtime) + ": the folder " + contentOf(folder) +
+           advice(runtime.origin);
 }
 
 std::string propertyFile(const std::string& key) {

@@ -16,15 +16,17 @@
 #include <cinttypes>
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "Wire.h"
+#include "host/hidl/RuntimePath.h"
 
 #undef LOG_TAG
 #define LOG_TAG "hidl"
 
 namespace android::hardware::transport {
+
+namespace host = ::mlk::host;
 
 namespace {
 
@@ -33,28 +35,9 @@ constexpr std::chrono::milliseconds kHelloLimit{5000};
 constexpr std::chrono::milliseconds kNoLimit{0};
 constexpr std::chrono::milliseconds kLeast{1};
 
-// The value of a variable of the environment; empty if it is not set.
-std::string valueOf(const char* variable) {
-    const char* value = getenv(variable);
-    return value == nullptr ? std::string() : value;
-}
-
-std::string runtimePath() {
-    std::string path = valueOf("MLK_RUNTIME_DIR");
-    if (!path.empty()) {
-        // With a slash at its end the folder would be its own parent.
-        while (path.size() > 1 && path.back() == '/') {
-            path.pop_back();
-        }
-        return path;
-    }
-    const std::string session = valueOf("XDG_RUNTIME_DIR");
-    return session.empty() ? "/run/mlkconfigs" : session + "/mlkconfigs";
-}
-
 // Only root may create the default folder, so another user is told what to set.
 const char* advice() {
-    const bool isDefault = valueOf("MLK_RUNTIME_DIR").empty() && valueOf("XDG_RUNTIME_DIR").empty();
+    const bool isDefault = host::runtimePath().origin == host::RuntimeOrigin::DEFAULT;
     return isDefault && geteuid() != 0 ? "; set MLK_RUNTIME_DIR to a folder of your own" : "";
 }
 
@@ -78,7 +61,7 @@ int makeFolder(const std::string& path) {
 
 // Opens the existing folder; 0 or an errno.
 int openFolder(RuntimeFolder* folder) {
-    folder->path = runtimePath();
+    folder->path = host::runtimePath().path;
     unique_fd descriptor(open(folder->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     struct stat status {};
     if (!descriptor.ok() || fstat(descriptor.get(), &status) != 0) {
@@ -97,7 +80,7 @@ bool isOursOrRoots(uid_t user) {
 
 RuntimeFolder makeRuntimeFolder() {
     RuntimeFolder folder;
-    const int made = makeFolder(runtimePath());
+    const int made = makeFolder(host::runtimePath().path);
     int error = openFolder(&folder);
     if (error == ENOENT && made != 0) {
         error = made;
