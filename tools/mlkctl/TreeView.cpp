@@ -1,21 +1,18 @@
 #include "tools/mlkctl/TreeView.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string_view>
 
+#include "tools/common/ChildProcess.h"
 #include "tools/common/Text.h"
 
 namespace mlk::ctl {
@@ -72,88 +69,32 @@ std::vector<std::string> commandLine(const std::string& program, const Mounts& m
     return words;
 }
 
-// A program whose standard output is read. The destructor ends it.
-class Child {
-  public:
-    explicit Child(std::vector<std::string> words) {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            mError = errno;
-            return;
+// All that the program prints, up to kMostBytes; nothing if it goes on after the limit.
+std::optional<std::string> outputOf(const ChildProcess& child,
+                                    std::chrono::duration<double> limit) {
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
+    std::string text;
+    char piece[4096];
+    while (text.size() <= kMostBytes) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        pollfd wanted = {child.output(), POLLIN, 0};
+        const int64_t wait = std::clamp<int64_t>(left.count(), 0, INT_MAX);
+        const int ready = poll(&wanted, 1, static_cast<int>(wait));
+        if (ready == 0) {
+            return std::nullopt;
         }
-        std::vector<char*> arguments;
-        arguments.reserve(words.size() + 1);
-        for (std::string& word : words) {
-            arguments.push_back(word.data());
+        const ssize_t count = ready > 0 ? ::read(child.output(), piece, sizeof(piece)) : -1;
+        if (count == 0) {
+            break;
         }
-        arguments.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        mError = posix_spawn_file_actions_init(&actions);
-        if (mError == 0) {
-            posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-            posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-            mError = posix_spawn(&mPid, words[0].c_str(), &actions, nullptr, arguments.data(),
-                                 environ);
-            posix_spawn_file_actions_destroy(&actions);
-        }
-        close(ends[1]);
-        mOutput = ends[0];
-    }
-    ~Child() {
-        if (mPid > 0) {
-            kill(mPid, SIGKILL);
-            (void)wait();
-        }
-        if (mOutput >= 0) {
-            close(mOutput);
+        if (count > 0) {
+            text.append(piece, static_cast<size_t>(count));
+        } else if (errno != EINTR) {
+            break;
         }
     }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    // Why it was not started; 0 if it was.
-    int error() const { return mError; }
-
-    // All that it prints, up to kMostBytes; nothing if it goes on after the limit.
-    std::optional<std::string> output(std::chrono::duration<double> limit) const {
-        const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(limit);
-        std::string text;
-        char piece[4096];
-        while (text.size() <= kMostBytes) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-            pollfd wanted = {mOutput, POLLIN, 0};
-            const int64_t wait = std::clamp<int64_t>(left.count(), 0, INT_MAX);
-            const int ready = poll(&wanted, 1, static_cast<int>(wait));
-            if (ready == 0) {
-                return std::nullopt;
-            }
-            const ssize_t count = ready > 0 ? ::read(mOutput, piece, sizeof(piece)) : -1;
-            if (count == 0) {
-                break;
-            }
-            if (count > 0) {
-                text.append(piece, static_cast<size_t>(count));
-            } else if (errno != EINTR) {
-                break;
-            }
-        }
-        return text;
-    }
-
-    // Waits for its end. Returns whether it ended with status 0.
-    bool wait() {
-        int status = 0;
-        while (waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
-        }
-        mPid = -1;
-        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    }
-
-  private:
-    pid_t mPid = -1;
-    int mOutput = -1;
-    int mError = 0;
-};
+    return text;
+}
 
 std::string counted(int64_t count, const char* what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
@@ -208,13 +149,13 @@ std::optional<TreeView> askMlktree(const Mounts& mounts, std::chrono::duration<d
     if (program.empty()) {
         return std::nullopt;
     }
-    Child child(commandLine(program, mounts));
+    ChildProcess child({commandLine(program, mounts)});
     if (child.error() != 0) {
         errors << "mlkctl: " << printable(program)
                << " cannot be run: " << std::strerror(child.error()) << std::endl;
         return std::nullopt;
     }
-    const std::optional<std::string> text = child.output(limit);
+    const std::optional<std::string> text = outputOf(child, limit);
     if (!text) {
         errors << "mlkctl: " << printable(program)
                << " takes longer than --timeout; what it finds in this set is not shown"
@@ -222,7 +163,7 @@ std::optional<TreeView> askMlktree(const Mounts& mounts, std::chrono::duration<d
         return std::nullopt;
     }
     // It has said on standard error why it failed.
-    if (text->size() <= kMostBytes && !child.wait()) {
+    if (text->size() <= kMostBytes && child.wait() != 0) {
         return std::nullopt;
     }
     std::optional<TreeView> view = parseTreeView(*text);

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tools/common/ChildProcess.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/Tree.h"
@@ -69,54 +70,33 @@ std::vector<std::string> environmentOfGit() {
     return all;
 }
 
-/** A git that runs; its output is read from a pipe, its errors from a file. */
+// Programs that the repository's configuration names are of no use here.
+ChildStart gitIn(const std::string& folder, const std::vector<std::string>& words,
+                 const std::string& errors) {
+    ChildStart start;
+    start.words = {"git", "-c",  "core.fsmonitor=false", "-c", "core.hooksPath=/dev/null",
+                   "-C",  folder};
+    start.words.insert(start.words.end(), words.begin(), words.end());
+    start.environment = environmentOfGit();
+    start.errors = errors;
+    return start;
+}
+
+/** A git that runs, and whose output is read. */
 class Git {
   public:
-    /** @param input  a file that it reads; empty for none */
-    Git(const std::string& folder, const std::vector<std::string>& words, const std::string& input,
-        const std::string& errors) {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            fail("pipe");
-        }
-        mOutput = std::make_unique<Descriptor>(ends[0]);
-        const Descriptor writing(ends[1]);
-        // Programs that the repository's configuration names are of no use here.
-        std::vector<std::string> all = {
-                "git", "-c",  "core.fsmonitor=false", "-c", "core.hooksPath=/dev/null",
-                "-C",  folder};
-        all.insert(all.end(), words.begin(), words.end());
-        std::vector<std::string> environment = environmentOfGit();
-        posix_spawn_file_actions_t actions;
-        if (posix_spawn_file_actions_init(&actions) != 0) {
-            fail("posix_spawn");
-        }
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO,
-                                         input.empty() ? "/dev/null" : input.c_str(), O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errors.c_str(),
-                                         O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        const int error = posix_spawnp(&mPid, "git", &actions, nullptr, pointersTo(all).data(),
-                                       pointersTo(environment).data());
-        posix_spawn_file_actions_destroy(&actions);
-        if (error != 0) {
-            mPid = -1;
+    explicit Git(ChildStart start) : mChild(std::move(start)) {
+        if (mChild.error() != 0) {
             throw UsageError(std::string("rev: needs the program git, which cannot be run: ") +
-                             std::generic_category().message(error));
+                             std::generic_category().message(mChild.error()));
         }
     }
-    ~Git() {
-        mOutput->close();  // so that it ends
-        wait();
-    }
-    Git(const Git&) = delete;
-    Git& operator=(const Git&) = delete;
 
     /** Reads up to size bytes; less only at the end. */
     size_t read(char* to, size_t size) {
         size_t done = 0;
         while (done < size) {
-            const ssize_t count = ::read(mOutput->number(), to + done, size - done);
+            const ssize_t count = ::read(mChild.output(), to + done, size - done);
             if (count < 0 && errno != EINTR) {
                 fail("reading what git prints");
             }
@@ -139,28 +119,11 @@ class Git {
         }
         return all;
     }
-    /** The exit status. */
-    int wait() {
-        int status = 0;
-        while (mPid > 0 && waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
-        }
-        mPid = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
-    }
+    /** Waits for its end. Gives whether it succeeded. */
+    bool succeeds() { return mChild.wait() == 0; }
 
   private:
-    static std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-        std::vector<char*> pointers;
-        pointers.reserve(texts.size() + 1);
-        for (std::string& text : texts) {
-            pointers.push_back(text.data());
-        }
-        pointers.push_back(nullptr);
-        return pointers;
-    }
-
-    pid_t mPid = -1;
-    std::unique_ptr<Descriptor> mOutput;
+    ChildProcess mChild;
 };
 
 /** A file of a revision. */
@@ -239,19 +202,20 @@ class Extraction {
     }
 
     void findRevision() {
-        Git inside(mSource, {"rev-parse", "--git-dir"}, "", errors());
+        Git inside(gitIn(mSource, {"rev-parse", "--git-dir"}, errors()));
         (void)inside.readAll();
-        if (inside.wait() != 0) {
+        if (!inside.succeeds()) {
             throw UsageError("rev: " + printable(mSource) +
                              " lies in no repository that git reads" + complaint());
         }
         // The revision is one word that git cannot take for an option.
-        Git git(mSource,
+        Git git(gitIn(
+                mSource,
                 {"rev-parse", "--verify", "--quiet", "--end-of-options", mRevision + "^{commit}"},
-                "", errors());
+                errors()));
         mCommit = git.readAll();
         mCommit.erase(std::min(mCommit.find('\n'), mCommit.size()));
-        if (git.wait() != 0 || mCommit.empty() ||
+        if (!git.succeeds() || mCommit.empty() ||
             mCommit.find_first_not_of("0123456789abcdef") != std::string::npos) {
             throw UsageError("rev:" + printable(mRevision) + ": the repository of " +
                              printable(mSource) + " has no such revision");
@@ -259,9 +223,9 @@ class Extraction {
     }
 
     void listEntries() {
-        Git git(mSource, {"ls-tree", "-r", "-z", mCommit}, "", errors());
+        Git git(gitIn(mSource, {"ls-tree", "-r", "-z", mCommit}, errors()));
         const std::string list = git.readAll();
-        if (git.wait() != 0) {
+        if (!git.succeeds()) {
             throw UsageError("rev:" + printable(mRevision) + " cannot be read" + complaint());
         }
         // "100644 blob 0123... \tpath", each with a NUL after it.
@@ -296,10 +260,11 @@ class Extraction {
         for (const Entry& entry : mEntries) {
             objects += entry.object + "\n";
         }
-        const std::string input = mTo->path() + "/objects";
-        write(input, objects, 0600);
+        ChildStart reading = gitIn(mSource, {"cat-file", "--batch"}, errors());
+        reading.input = mTo->path() + "/objects";
+        write(reading.input, objects, 0600);
         fs::create_directory(mTo->path() + kExtractedTree);
-        Git git(mSource, {"cat-file", "--batch"}, input, errors());
+        Git git(std::move(reading));
         size_t total = 0;
         for (const Entry& entry : mEntries) {
             // "OBJECT blob SIZE\n", the bytes, "\n".
