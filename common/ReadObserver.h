@@ -39,7 +39,7 @@ enum class LineUse {
  * | item of a TV system | the attribute "category" | "key" | "value" |
  * | other element of a TV system file | | the element's name | its text |
  * | country map | | the element's name | its text |
- * | frequency map | the attribute "TYPE" | the element's name | its text |
+ * | map of channel plans | the attribute "TYPE" | the element's name | its text |
  *
  * Values are cleaned, but partition names in them are not replaced by mount points. A saved
  * identity is read up to the line that has it.

@@ -16,7 +16,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
  * Countries, languages, channel plans and TV systems of a set. The project's items name the files.
- * Each call reads them again, except the frequency map.
+ * Each call reads them again, except the map of channel plans.
  *
  * A list is empty if its file is not named or cannot be read. Any number of threads may call; the
  * caller serialises apply() and save(). Log tag: "MlkProjectConfigs".

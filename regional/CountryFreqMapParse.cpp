@@ -31,7 +31,7 @@ constexpr CableTypeRow kCableTypes[] = {
         {cable::kIrc, AtscCableType::IRC, "irc"},
 };
 
-// The cable tables of a block; of several with one type, the first.
+// The cable plans of a block; of several with one type, the first.
 CountryFreqMapEntry::CableTables cableTablesOf(const XmlFile& file,
                                                const tinyxml2::XMLElement& block,
                                                const char* element, std::string_view country) {
@@ -74,7 +74,7 @@ const char* antennaOf(const tinyxml2::XMLElement& block, const char* element,
     return orEmpty(textOfChild(block, element));
 }
 
-// Tells what becomes of the elements of a block, except the cable tables.
+// Tells what becomes of the elements of a block, except the cable plans.
 void tellBlock(const XmlFile& file, const tinyxml2::XMLElement& block, std::string_view country) {
     constexpr std::string_view kRead[] = {element::kCountryName, element::kDtvAntenna,
                                           element::kAtvAntenna};

@@ -22,7 +22,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class CountryListParser;
 class XmlFile;
 
-/** The record of one country in the map file: names of its frequency tables, empty if missing. */
+/** The record of one country in the map file: names of its channel plans, empty if missing. */
 struct CountryFreqMapEntry {
     using CableTables = std::map<AtscCableType, std::string>;
 
@@ -34,8 +34,8 @@ struct CountryFreqMapEntry {
 };
 
 /**
- * Looks up the name of a country's frequency table in "country_freq_map.xml", and keeps the folder
- * of that file and of the tables.
+ * Looks up the name of a country's channel plan in "country_freq_map.xml", and keeps the folder of
+ * that file and of the plans.
  *
  * The file has one top-level element for each country:
  *
@@ -46,8 +46,8 @@ struct CountryFreqMapEntry {
  *         <ATV_ANTENA>freqtable_ntsc_m</ATV_ANTENA>
  *     </COUNTRY_FREQ_MAP>
  *
- * The format spells "ANTENA" like this. TYPE is AUTO, STD, HRC or IRC; without it a cable table
- * counts as AUTO. Blanks inside an element belong to its text. There is no built-in table for a
+ * The format spells "ANTENA" like this. TYPE is AUTO, STD, HRC or IRC; without it a cable plan
+ * counts as AUTO. Blanks inside an element belong to its text. There is no built-in plan for a
  * missing file: every television has its own map, and a default would hide that it is missing.
  *
  * A service has one object for the process, see RegionalData. Thread-safe: each operation holds
@@ -70,24 +70,24 @@ class CountryFreqMapParse {
     CountryFreqMapParse& operator=(const CountryFreqMapParse&) = delete;
 
     /**
-     * Returns the folder of the frequency tables: the folder of the last lookup that gave one, else
+     * Returns the folder of the channel plans: the folder of the last lookup that gave one, else
      * "freqtables" of the tvconfigs partition.
      */
     std::string GetTvConfigPath();
 
     /**
-     * Finds the name of a country's frequency table.
+     * Finds the name of a country's channel plan.
      *
      * Lookups read the file until it has given at least one entry, and never again after that, even
      * if the folder changes.
      *
-     * @param path       new folder of the frequency tables, for all callers; empty to keep the
+     * @param path       new folder of the channel plans, for all callers; empty to keep the
      *                   current one
-     * @param country    a country; one without a name has no tables
-     * @param type       kind of table
+     * @param country    a country; one without a name has no plans
+     * @param type       kind of plan
      * @param cableType  cable plan, for the cable kinds; one plan does not stand in for another
      * @param name       set to the name, which is empty if the country's entry has no antenna
-     *                   table; untouched if the result is false
+     *                   plan; untouched if the result is false
      * @return true if there is such an entry; also if this call loaded a file without any entry
      */
     bool GetFreqTableNameByCountry(const std::string& path, _tv_country country, FreqTableType type,
@@ -98,7 +98,7 @@ class CountryFreqMapParse {
                                        AtscCableType cableType, std::string& name);
 
     /**
-     * Reads the map file again. Skips country blocks without a name, and cable tables with an
+     * Reads the map file again. Skips country blocks without a name, and cable plans with an
      * unknown type or without text.
      *
      * @return false, with no entries left, if the file cannot be loaded

@@ -14,10 +14,10 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class RegionalData;
 
 /**
- * Reads frequency tables: the channels that a scan visits in a country.
+ * Reads channel plans: the channels that a scan visits in a country.
  *
- * A frequency table is a text file in "dtv" or "atv" of the folder of the frequency tables. A line
- * has columns separated by blanks or commas: channel, bandwidth in Hz (0 means 6000000), frequency
+ * A channel plan is a text file in "dtv" or "atv" of the folder of the channel plans. A line has
+ * columns separated by blanks or commas: channel, bandwidth in Hz (0 means 6000000), frequency
  * in kHz, and optionally a label (4 characters), a modulation or both:
  *
  *     // German channel 21
@@ -39,20 +39,20 @@ class FreqTableParser {
     static NameTable knownModulations();
 
     /**
-     * Finds and reads a country's table.
+     * Finds and reads a country's plan.
      *
-     * @param directory  folder of the frequency tables; empty for the one in use
+     * @param directory  folder of the channel plans; empty for the one in use
      * @param country    a country
-     * @param type       kind of table
+     * @param type       kind of plan
      * @param cableType  cable plan, for the cable kinds
      * @param items      set to the channels in file order; untouched if the result is false
-     * @return false if the country has no such table or its file cannot be read
+     * @return false if the country has no such plan or its file cannot be read
      */
     bool GetTableList(const std::string& directory, _tv_country country, FreqTableType type,
                       AtscCableType cableType, std::vector<HidlFreqListItem>& items);
 
     /**
-     * Builds the path of a table from the folder, the subfolder of the kind, and the name.
+     * Builds the path of a plan from the folder, the subfolder of the kind, and the name.
      *
      * @param path  set to the path; untouched if the name is empty
      * @return true if the path exists
@@ -60,7 +60,7 @@ class FreqTableParser {
     bool GetFreqTablePath(FreqTableType type, const std::string& name, std::string& path);
 
     /**
-     * Reads a table. An unknown modulation counts as 0, "UNKNOW".
+     * Reads a plan. An unknown modulation counts as 0, "UNKNOW".
      *
      * @param items  set to the channels in file order; untouched if the result is false
      * @return false if the path is empty or the file cannot be read

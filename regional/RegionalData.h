@@ -15,7 +15,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
  * What readers of one set's regional files keep from one call to the next: unknown names and the
- * frequency map.
+ * map of channel plans.
  *
  * A service has one object for the process (GetInstance). A program that inspects several sets
  * makes one for each. All members are thread-safe.
@@ -41,9 +41,9 @@ class RegionalData {
     CountryListParser countries{observer};
     /** Countries of TV system maps. */
     NameTable tvSystemCountries = countryNames();
-    /** Modulations of frequency tables. */
+    /** Modulations of channel plans. */
     NameTable modulations = FreqTableParser::knownModulations();
-    /** Finds the frequency table of a country. */
+    /** Finds the channel plan of a country. */
     CountryFreqMapParse plans;
 };
 

@@ -12,7 +12,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 struct ServiceMakers {
     std::function<::android::sp<IMlkProjectConfigs>()> project;
     /**
-     * Takes the path of the TV configuration file; empty if the project configuration names no
+     * Takes the path of the TV feature file; empty if the project configuration names no
      * file.
      */
     std::function<::android::sp<IMlkTvConfigs>(const char* tvConfigPath)> tv;

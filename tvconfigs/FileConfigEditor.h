@@ -11,7 +11,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * The TV configuration file as a store: lines of key=value.
+ * The TV feature file as a store: lines of key=value.
  *
  * - A line ends with a line feed; text after the last line feed does not count. Carriage returns
  *   are dropped wherever they are. A NUL byte ends the file.

@@ -26,7 +26,7 @@ class MlkTvConfigs : public IMlkTvConfigs {
     /**
      * Loads the features of the set that this process runs on.
      *
-     * @param path  the TV configuration file; see TvFeatures for null and for one that cannot be
+     * @param path  the TV feature file; see TvFeatures for null and for one that cannot be
      *              read
      */
     explicit MlkTvConfigs(const char* path);

@@ -16,7 +16,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * The TV configuration file of a set.
+ * The TV feature file of a set.
  *
  * @param path  the file that the project names; null for none
  * @return `path` if it can be read, else "/tv.config" on the tvconfigs partition
@@ -26,7 +26,7 @@ std::string tvFeatureFile(const char* path, const Partitions& partitions);
 /**
  * The television features of one set, and its analogue and digital TV system.
  *
- * Every value is kept under a key (TvConfigItems.h). It is loaded from the TV configuration file if
+ * Every value is kept under a key (TvConfigItems.h). It is loaded from the TV feature file if
  * that holds the key, else from the system property of that name, else it is false or 0. The
  * getters give what was loaded or set last; a property that another program changes is seen at the
  * next reload. A change goes to the property, and to the file if that holds the key.
@@ -48,7 +48,7 @@ class TvFeatures {
     /**
      * Loads all values, writes the digital system back and logs all values.
      *
-     * @param path        the TV configuration file. If it is null or cannot be read, the file is
+     * @param path        the TV feature file. If it is null or cannot be read, the file is
      *                    "/tv.config" on the tvconfigs partition. If neither can be read, there are
      *                    properties and defaults only
      * @param partitions  the set's mount points

@@ -14,7 +14,7 @@ class FrequencyMap {
     /** Reads the file; one that cannot be loaded has no tables. */
     explicit FrequencyMap(const std::string& path);
 
-    /** Returns the name of a country's table; empty if it has none. */
+    /** Returns the name of a country's channel plan; empty if it has none. */
     std::string table(const std::string& country, FreqTableType type,
                       AtscCableType cableType) const;
 

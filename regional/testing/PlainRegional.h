@@ -26,7 +26,7 @@ std::string firstNameOf(const Names& names, int32_t value);
 /** Returns all known modulations. */
 Names modulations();
 
-/** Returns the channels of a frequency table with that text; adds unknown modulations. */
+/** Returns the channels of a channel plan with that text; adds unknown modulations. */
 std::vector<HidlFreqListItem> channels(const std::string& text, Names& modulations);
 
 /** Maps category and key to the value. */

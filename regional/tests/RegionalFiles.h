@@ -76,7 +76,7 @@ class RegionalFiles {
     std::string write(const std::string& name, const std::string& text) const {
         return mSet.dir().write("tvconfigs/" + name, text);
     }
-    /** Writes a frequency map of these blocks. */
+    /** Writes a map of channel plans of these blocks. */
     std::string writeFreqMap(const std::string& blocks) const {
         return write("freqtables/country_freq_map.xml", blocks);
     }

@@ -13,7 +13,7 @@ namespace vendor::morlak::mlkconfigs::V1_0 {
 
 /**
  * Writes the files of a set with one project into its partitions: panel "PANEL_ONE", and the TV
- * configuration file "/tvconfigs/one/tv.config" unless `tvConfigLine` says otherwise.
+ * feature file "/tvconfigs/one/tv.config" unless `tvConfigLine` says otherwise.
  */
 void writeProject(const ::mlk::testing::HostSet& set,
                   const std::string& tvConfigLine = "TvConfig = \"/tvconfigs/one/tv.config\"\n");

@@ -59,7 +59,7 @@ TEST(Start, RegistersAllThreeAndKeepsRunning) {
     EXPECT_TRUE(service.process().running());
 }
 
-// The start writes the digital system to the TV configuration file, and to its property.
+// The start writes the digital system to the TV feature file, and to its property.
 TEST(Start, LimitOnTheSizeOfFilesIsAFailedWrite) {
     if (::mlk::testing::kThreadSanitizer) {
         GTEST_SKIP() << "a program with the thread sanitizer does not start with this limit";

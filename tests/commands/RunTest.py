@@ -218,7 +218,7 @@ class Copies(RunCase):
         said = [line.split()[0] for line in files]
         self.assertEqual(said, ["impdata/project_id.bin", "tvdata/tvsysmap/country_id.bin",
                                 "data/property/*", "the", "its"])
-        self.assertIn("the TV configuration file", files[-2])
+        self.assertIn("the TV feature file", files[-2])
         after = contents(self.set)
         self.assertEqual(changed(before, after), {
             "impdata/project_id.bin", "tvdata/tvsysmap/country_id.bin", "tvconfigs/tv/tv_eu.config",

@@ -58,7 +58,7 @@ class PlainSet {
     /** Names of the files that a dump has besides those of the start. */
     std::vector<std::string> furtherAudioFiles(const std::string& dump) const;
 
-    /** Path of the TV configuration file that a start reads. */
+    /** Path of the TV feature file that a start reads. */
     std::string tvConfigPath() const;
 
     std::string projectIdPath() const { return impdata + "/project_id.bin"; }

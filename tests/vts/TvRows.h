@@ -34,7 +34,7 @@ const std::vector<TvFlagRow>& tvFlagRows();
 inline constexpr const char* kAtvSystemKey = "persist.vendor.mlk.tv.atv_system";
 inline constexpr const char* kDtvSystemKey = "persist.vendor.mlk.tv.dtv_system";
 
-/** The values that a start loads from the TV configuration file and the properties. */
+/** The values that a start loads from the TV feature file and the properties. */
 struct PlainFeatures {
     explicit PlainFeatures(const std::string& tvConfigPath);
 
@@ -43,7 +43,7 @@ struct PlainFeatures {
     std::map<ConfigType, bool> flags;
 };
 
-/** A value of the TV configuration file; false if the file does not have the key. */
+/** A value of the TV feature file; false if the file does not have the key. */
 bool tvFileValue(const std::string& tvConfigPath, const std::string& key, std::string& value);
 
 /** Every getter, and getFlag for every number around the enumeration. */

@@ -1,4 +1,4 @@
-// IMlkTvConfigs against the TV configuration file and the properties of this set.
+// IMlkTvConfigs against the TV feature file and the properties of this set.
 
 #include <sys/statvfs.h>
 

@@ -38,7 +38,7 @@ If the partitions are readable here and mlktree lies beside mlkctl or on PATH, i
 makes of them: a value that the board file or the country has put in the place of the model's is
 then marked (board) or (country), and a last line counts what mlktree check finds in this set.
 
-The country is the saved one, with its TV system, its TV configuration file and the number of
+The country is the saved one, with its TV system, its TV feature file and the number of
 channels in each of its plans. The features are those of the file that the service has started on:
 after a change of the country they follow at the next start.
 

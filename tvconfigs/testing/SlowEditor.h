@@ -7,7 +7,7 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * The rules of the TV configuration file in the plainest way, a byte at a time. Tests compare the
+ * The rules of the TV feature file in the plainest way, a byte at a time. Tests compare the
  * editor with it.
  */
 struct SlowEditor {

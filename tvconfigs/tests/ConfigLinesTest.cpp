@@ -1,4 +1,4 @@
-// What an observer hears of a TV configuration file.
+// What an observer hears of a TV feature file.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What a SIGKILL at any moment leaves of the TV configuration file. docs/tvconfigs.md shows what
+// What a SIGKILL at any moment leaves of the TV feature file. docs/tvconfigs.md shows what
 // these tests print.
 
 #include <gtest/gtest.h>

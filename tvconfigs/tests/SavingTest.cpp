@@ -1,4 +1,4 @@
-// What a change leaves of the TV configuration file: on a full disk, and at any moment.
+// What a change leaves of the TV feature file: on a full disk, and at any moment.
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-// Frequency tables.
+// Channel plans.
 
 #include "host/testing/TempDir.h"
 #include "host/testing/fuzz/Fuzzing.h"

@@ -1,4 +1,4 @@
-// Fuzzes the TV configuration file: first its content, then the changes that clients make, one line
+// Fuzzes the TV feature file: first its content, then the changes that clients make, one line
 // "key=value" each. After each change a reader must find what the plain rules say.
 
 #include <unistd.h>
