@@ -56,6 +56,42 @@ def foreign(names):
     ]
 
 
+def in_circles(arrows):
+    """The folders that include themselves by way of others."""
+    below = dict(arrows)
+    for _ in below:
+        below = {
+            folder: others.union(*(below[other] for other in others))
+            for folder, others in below.items()
+        }
+    return [folder for folder, others in below.items() if folder in others]
+
+
+class Checker(unittest.TestCase):
+    """The folders of tools/mlktree."""
+
+    ARROWS = tree.arrows("What several folders need lies at the top of `tools/mlktree`")
+
+    def test_only_folders_of_the_row(self):
+        top = tree.ROOT / "tools/mlktree"
+        sources = [path for path in sorted(top.rglob("*")) if path.suffix in {".cpp", ".h"}]
+        folders = {path.parent for path in sources if "tests" not in path.parts} - {top}
+        self.assertEqual({path.name for path in folders}, set(self.ARROWS))
+        for path in sources:
+            folder = str(path.parent.relative_to(top))
+            # The program brings the folders together, and so do its tests.
+            if folder.split("/", maxsplit=1)[0] == "tests":
+                continue
+            allowed = self.ARROWS.get(folder, set()) | {folder, "."}
+            for name in tree.includes(str(path.relative_to(tree.ROOT))):
+                if name.startswith('"tools/mlktree/'):
+                    other = name.strip('"').removeprefix("tools/mlktree/").rpartition("/")[0]
+                    self.assertIn(other or ".", allowed, f"{path.relative_to(tree.ROOT)}: {name}")
+
+    def test_arrows_run_one_way(self):
+        self.assertEqual(in_circles(self.ARROWS), [])
+
+
 class Includes(unittest.TestCase):
     def test_sources_are_found(self):
         self.assertGreater(len(tree.product_sources()), 50)
@@ -82,14 +118,11 @@ class Includes(unittest.TestCase):
 
     def test_arrows_run_one_way(self):
         self.assertGreater(len(tree.ARROWS), 6)
-        below = dict(tree.ARROWS)
-        for _ in below:
-            below = {
-                folder: others.union(*(below[other] for other in others))
-                for folder, others in below.items()
-            }
-        for folder, others in below.items():
-            self.assertNotIn(folder, others)
+        self.assertEqual(in_circles(tree.ARROWS), [])
+
+    def test_circle_is_noticed(self):
+        arrows = {"low": set(), "a": {"low", "b"}, "b": {"c"}, "c": {"a"}, "top": {"a"}}
+        self.assertEqual(in_circles(arrows), ["a", "b", "c"])
 
     def test_only_the_adaptors_know_hidl(self):
         rows = tree.table("docs/architecture.md", "What a set is knows no HIDL.")

@@ -33,10 +33,9 @@ def table(document, heading):
     return [[re.findall(r"`([^`]+)`", cell) for cell in row.split("|")[1:-1]] for row in rows]
 
 
-def arrows():
-    """The folders of the product, each with those that it may include."""
-    rows = table("docs/architecture.md", "## Who may include whom")
-    return {folder[0]: set(others) for folder, others in rows}
+def arrows(heading):
+    """The folders of a table of docs/architecture.md, each with those that it may include."""
+    return {folder[0]: set(others) for folder, others in table("docs/architecture.md", heading)}
 
 
 def product_sources():
@@ -49,7 +48,7 @@ def product_sources():
     )
 
 
-ARROWS = arrows()
+ARROWS = arrows("## Who may include whom")
 
 
 @functools.cache
