@@ -26,7 +26,7 @@ std::string line(const std::string& key, const std::string& value) {
     return key + '=' + value + '\n';
 }
 
-/** A TV configuration file and properties; the log is quiet, because a line needs memory, too. */
+/** A TV feature file and properties; the log is quiet, because a line needs memory, too. */
 class NoMemoryTest : public ::testing::Test {
   protected:
     void SetUp() override {
