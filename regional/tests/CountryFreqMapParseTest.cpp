@@ -37,7 +37,7 @@ class NoMemoryOnce : public ReadObserver {
             throw std::bad_alloc();
         }
     }
-    void onProblem(std::string_view, size_t, std::string_view) override {}
+    void onProblem(const ReadProblem&) override {}
 
   private:
     bool mHasThrown = false;

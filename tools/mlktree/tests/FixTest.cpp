@@ -8,10 +8,10 @@
 #include <string>
 
 #include "host/testing/TempDir.h"
+#include "tools/common/Utf8.h"
 #include "tools/mlktree/CommandLine.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"
-#include "tools/mlktree/rules/Texts.h"
 #include "tools/mlktree/tests/Harness.h"
 
 namespace mlk::tree {

@@ -24,6 +24,7 @@
 #include "tools/mlktree/tests/fuzz/OverlaidTree.h"
 
 using namespace mlk::tree;
+using mlk::TextSink;
 namespace fuzzing = mlk::fuzzing;
 
 namespace {
