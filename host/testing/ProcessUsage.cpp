@@ -2,11 +2,13 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 #include "host/testing/Sanitizers.h"
 
@@ -41,6 +43,28 @@ size_t statusBytes(pid_t process, const std::string& field) {
 size_t descriptorsOf(pid_t process) {
     // Listing this process's own descriptors opens another one.
     return entriesOf(fileOf(process, "fd")) - (process == getpid() ? 1 : 0);
+}
+
+size_t lowestFreeDescriptorOf(pid_t process) {
+    size_t number = 0;
+    while (std::filesystem::is_symlink(fileOf(process, "fd/") + std::to_string(number))) {
+        ++number;
+    }
+    return number;
+}
+
+DescriptorLimit::DescriptorLimit(pid_t process, size_t limit) : mProcess(process) {
+    if (prlimit(mProcess, RLIMIT_NOFILE, nullptr, &mFormer) != 0) {
+        throw std::system_error(errno, std::generic_category(), "prlimit");
+    }
+    const rlimit wanted{limit, mFormer.rlim_max};
+    if (prlimit(mProcess, RLIMIT_NOFILE, &wanted, nullptr) != 0) {
+        throw std::system_error(errno, std::generic_category(), "prlimit");
+    }
+}
+
+DescriptorLimit::~DescriptorLimit() {
+    (void)prlimit(mProcess, RLIMIT_NOFILE, &mFormer, nullptr);
 }
 
 size_t awaitedBy(pid_t process) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 #include <chrono>
@@ -11,6 +12,29 @@ namespace mlk::testing {
 
 /** The number of open descriptors. */
 size_t descriptorsOf(pid_t process);
+
+/** The number that the next descriptor gets. */
+size_t lowestFreeDescriptorOf(pid_t process);
+
+/**
+ * Limits the numbers of the descriptors that a running process opens from now on, until the object
+ * is destroyed. It keeps those that it has.
+ */
+class DescriptorLimit {
+  public:
+    /** @param limit  the first number that it may not use */
+    DescriptorLimit(pid_t process, size_t limit);
+    /** Lets it open none, unless it closes one that it has. */
+    explicit DescriptorLimit(pid_t process)
+        : DescriptorLimit(process, lowestFreeDescriptorOf(process)) {}
+    ~DescriptorLimit();
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+
+  private:
+    const pid_t mProcess;
+    rlimit mFormer{};
+};
 
 /** The number of descriptors that its epoll instances wait for. */
 size_t awaitedBy(pid_t process);

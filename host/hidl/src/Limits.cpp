@@ -1,7 +1,10 @@
 #include "Limits.h"
 
+#include <sys/resource.h>
+
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -44,6 +47,11 @@ milliseconds callLimit() {
     }
     static const milliseconds set = limitIn("MLK_CALL_LIMIT_MS");
     return set != kUnset ? set : kCallLimitOfPool;
+}
+
+size_t descriptorLimit() {
+    rlimit limit{};
+    return getrlimit(RLIMIT_NOFILE, &limit) == 0 ? limit.rlim_cur : SIZE_MAX;
 }
 
 bool repliesAreLimitedAsOnADevice() {

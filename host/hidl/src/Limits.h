@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 
 namespace android::hardware::transport {
 
@@ -18,6 +19,9 @@ std::chrono::milliseconds stallLimit();
  * thread: kForever.
  */
 std::chrono::milliseconds callLimit();
+
+/** How many descriptors this process may have open at once. */
+size_t descriptorLimit();
 
 /** Whether replies that no device would deliver are refused: MLK_REPLY_LIMIT is "device". */
 bool repliesAreLimitedAsOnADevice();

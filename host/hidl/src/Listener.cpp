@@ -12,11 +12,14 @@
 #include <memory>
 #include <utility>
 
+#include "ConnectionShares.h"
+#include "Limits.h"
 #include "RuntimeFolder.h"
 #include "ServerConnection.h"
 #include "Socket.h"
 #include "Stalls.h"
 #include "Wire.h"
+#include "host/log/LogClient.h"
 
 #undef LOG_TAG
 #define LOG_TAG "hidl"
@@ -77,13 +80,20 @@ void Listener::welcome(unique_fd socket, ThreadPool& pool) const {
         ALOGE("refused a connection from another user");
         return;
     }
-    const Hello hello{Hello::kMagic, Hello::kVersion, mServer};
-    if (::send(socket.get(), &hello, sizeof(hello), MSG_DONTWAIT | MSG_NOSIGNAL) !=
-        static_cast<ssize_t>(sizeof(hello))) {
-        return;
-    }
+    const pid_t client = peerProcess(socket.get());
+    const ::mlk::host::LogClient saidForClient(client);
     try {
-        pool.add(std::make_shared<ServerConnection>(std::move(socket), mObject), true);
+        auto place = ConnectionShares::instance().take(client, socket.get(), descriptorLimit());
+        if (!place) {
+            return;
+        }
+        const Hello hello{Hello::kMagic, Hello::kVersion, mServer};
+        if (::send(socket.get(), &hello, sizeof(hello), MSG_DONTWAIT | MSG_NOSIGNAL) !=
+            static_cast<ssize_t>(sizeof(hello))) {
+            return;
+        }
+        pool.add(std::make_shared<ServerConnection>(std::move(socket), mObject, std::move(place)),
+                 true);
     } catch (const std::exception& exception) {
         ALOGE("cannot take a connection: %s", exception.what());
     }
@@ -112,7 +122,8 @@ void Listener::refuseOne() {
     // No descriptor is left. A waiting client would wake a thread over and over, so the listener
     // accepts it with the spare descriptor and closes the connection.
     if (!mRefusing) {
-        ALOGE("no descriptors are left: refusing clients");
+        ALOGE("no descriptors are left: refusing clients; %s",
+              ConnectionShares::instance().largest().c_str());
     }
     mRefusing = true;
     mSpare.reset();

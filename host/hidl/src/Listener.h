@@ -12,9 +12,11 @@ namespace android::hardware::transport {
 
 /**
  * The listening socket of a registered name. Accepts connections from processes of this user and of
- * root, and sends each a hello. Logs an error when another process has taken the name over: that
- * process connects once, so that the listener looks (listenOn). Only one thread at a time uses it
- * (ThreadPool).
+ * root, and sends each a hello. Closes a connection without a hello if its process has its share of
+ * connections already (ConnectionShares), or if no descriptors are left.
+ *
+ * Logs an error when another process has taken the name over: that process connects once, so that
+ * the listener looks (listenOn). Only one thread at a time uses it (ThreadPool).
  */
 class Listener : public EventSource {
   public:

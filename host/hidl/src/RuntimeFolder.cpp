@@ -190,7 +190,7 @@ void limitSending(int socket, std::chrono::milliseconds time) {
     (void)setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
 }
 
-enum class Heard { HELLO, NOTHING, NONSENSE };
+enum class Heard { HELLO, NOTHING, REFUSAL, NONSENSE };
 
 Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
     Hello hello{};
@@ -201,6 +201,9 @@ Heard receiveHello(int socket, const Deadline& end, uint64_t* server) {
             return Heard::NOTHING;
         }
     } while (got < 0 && errno == EAGAIN);
+    if (got == 0) {
+        return Heard::REFUSAL;  // a server that has no connection for this process closes it
+    }
     if (got != static_cast<ssize_t>(sizeof(hello))) {
         return Heard::NONSENSE;
     }

@@ -58,8 +58,9 @@ unique_fd connectTo(const RuntimeFolder& folder, const std::string& name, uint64
                     const Deadline& end);
 
 /**
- * Whether a server that this user trusts has that name: one that sends its hello, one that sends
- * nothing within the limit, or one that accepts no connection within it because its queue is full.
+ * Whether a server that this user trusts has that name: one that sends its hello, one that closes
+ * the connection instead because it has none for this process, one that sends nothing within the
+ * limit, or one that accepts no connection within it because its queue is full.
  */
 bool isServed(const RuntimeFolder& folder, const std::string& name,
               std::chrono::milliseconds limit);

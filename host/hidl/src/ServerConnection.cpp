@@ -54,8 +54,10 @@ std::string nameOf(const sp<BHwBinder>& object) {
 
 }  // namespace
 
-ServerConnection::ServerConnection(unique_fd socket, const sp<BHwBinder>& object)
-    : mSocket(std::move(socket)),
+ServerConnection::ServerConnection(unique_fd socket, const sp<BHwBinder>& object,
+                                   std::optional<ConnectionShares::Place> place)
+    : mPlace(std::move(place)),
+      mSocket(std::move(socket)),
       mObject(object),
       mClient(peerProcess(mSocket.get())),
       mUnsent(mSocket.get()),
@@ -97,7 +99,7 @@ EventSource::Next ServerConnection::onEvents(uint32_t, ThreadPool& pool) {
             case MessageReader::Result::CLOSED:
                 return Next::DROP;
             case MessageReader::Result::RUBBISH:
-                ALOGD("a client sent what is no call; its connection ends");
+                ALOGD("malformed message, closing the connection");
                 return Next::DROP;
             case MessageReader::Result::MESSAGE:
                 break;

@@ -4,7 +4,9 @@
 #include <hwbinder/IBinder.h>
 
 #include <cstdint>
+#include <optional>
 
+#include "ConnectionShares.h"
 #include "MessageReader.h"
 #include "Stalls.h"
 #include "ThreadPool.h"
@@ -22,7 +24,9 @@ namespace android::hardware::transport {
  */
 class ServerConnection : public EventSource {
   public:
-    ServerConnection(unique_fd socket, const sp<BHwBinder>& object);
+    /** place: the client's right to this connection, if it had to get one. */
+    ServerConnection(unique_fd socket, const sp<BHwBinder>& object,
+                     std::optional<ConnectionShares::Place> place = {});
 
     /**
      * Opens a new connection to an object of this process; end receives the client's end. Starts
@@ -47,6 +51,8 @@ class ServerConnection : public EventSource {
     status_t serve(IncomingMessage&& message, const IBinder::TransactCallback& answer,
                    const bool& expected);
 
+    // Given back after the socket, which is destroyed first, is closed.
+    const std::optional<ConnectionShares::Place> mPlace;
     const unique_fd mSocket;
     const sp<BHwBinder> mObject;
     const pid_t mClient;  // the process whose log limit a call's lines count towards

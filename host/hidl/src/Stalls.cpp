@@ -1,7 +1,6 @@
 #include "Stalls.h"
 
 #include <log/log.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -36,11 +35,7 @@ constexpr milliseconds kBetweenLines{1000};
 
 // A share of the process's descriptors, so that clients cannot use up the rest.
 size_t mostDescriptors(size_t bound) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) {
-        return bound;
-    }
-    return std::min<size_t>(bound, limit.rlim_cur / 4);
+    return std::min(bound, descriptorLimit() / 4);
 }
 
 // Wakes a thread of the pool when the time of a stall is over.
