@@ -2,6 +2,7 @@
 
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 
+#include <chrono>
 #include <optional>
 
 #include "tools/common/Text.h"
@@ -75,7 +76,9 @@ void hintAtEmptyAnswer(const Method& method, const std::vector<Argument>& argume
         }
     }
     const bool isDelivery = method.description->resultType == "memory";
-    if (isDelivery && isRegistered(kAllocator, kSharedMemory) == false) {
+    const auto limit =
+            std::chrono::duration_cast<std::chrono::milliseconds>(environment.services.limit());
+    if (isDelivery && isRegistered(kAllocator, kSharedMemory, limit) == false) {
         environment.note("no allocator of shared memory runs, so every delivery is empty: " +
                          std::string(kAllocator) + '/' + kSharedMemory + " is not registered");
     }

@@ -1,5 +1,10 @@
 #include "tools/mlkctl/HostFolders.h"
 
+#include <android-base/unique_fd.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +21,13 @@ using host::RuntimeOrigin;
 using host::RuntimePath;
 
 namespace {
+
+using ::android::base::unique_fd;
+
+// Of "/proc/self/fd/" and a number.
+constexpr size_t kMostDescriptorPath = 32;
+// A server that has a thread for it answers a connection at once.
+constexpr int kMillisecondsForAWelcome = 500;
 
 #ifdef __ANDROID__
 constexpr bool kIsHost = false;
@@ -116,6 +128,41 @@ std::string aboutSocket(const std::string& name) {
     }
     return ": no socket " + name + " in " + named(runtime) + ": the folder " + contentOf(folder) +
            advice(runtime.origin);
+}
+
+std::string socketOf(std::string_view interface) {
+    return "vendor.morlak.mlkconfigs@1.0::" + std::string(interface) + ".default";
+}
+
+std::optional<int> processRefusing(const std::string& name) {
+    if (!kIsHost) {
+        return {};
+    }
+    // By its descriptor, whose path fits into an address however long the folder's is.
+    const unique_fd file(open((runtimeFolder() + '/' + name).c_str(), O_PATH | O_CLOEXEC));
+    const unique_fd connection(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ("/proc/self/fd/" + std::to_string(file.get())).copy(address.sun_path, kMostDescriptorPath);
+    ucred server{};
+    socklen_t size = sizeof(server);
+    if (!file.ok() || !connection.ok() ||
+        connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) !=
+                0 ||
+        getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &server, &size) != 0) {
+        return {};
+    }
+    pollfd ready{connection.get(), POLLIN, 0};
+    char byte = 0;
+    const bool isClosed = TEMP_FAILURE_RETRY(poll(&ready, 1, kMillisecondsForAWelcome)) == 1 &&
+                          TEMP_FAILURE_RETRY(recv(connection.get(), &byte, 1, MSG_DONTWAIT)) == 0;
+    return isClosed ? std::optional<int>(server.pid) : std::nullopt;
+}
+
+std::string aboutRefusal(int process) {
+    return "process " + std::to_string(process) +
+           " has the socket but refuses the connection, because other clients hold too many; its "
+           "log says which client has the most: end that one";
 }
 
 std::string propertyFile(const std::string& key) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 /**
  * Where a Linux host keeps what a device's runtime has of its own, for messages. On a device all
@@ -22,6 +24,22 @@ std::string aboutSockets();
  * empty".
  */
 std::string aboutSocket(const std::string& name);
+
+/** The name of the socket of one of the service's interfaces: "IMlkTvConfigs". */
+std::string socketOf(std::string_view interface);
+
+/**
+ * The process that has this socket, if it closes a new connection at once: it has too many, or no
+ * descriptors are left for them. Nothing for a socket whose process welcomes connections or is
+ * silent, for one without a process, and on a device.
+ */
+std::optional<int> processRefusing(const std::string& name);
+
+/**
+ * What that means and what to do, for a message: "process 17 has the socket but refuses the
+ * connection, ...".
+ */
+std::string aboutRefusal(int process);
 
 /** The file of a property. */
 std::string propertyFile(const std::string& key);

@@ -24,6 +24,8 @@ why:
   untold  it answers, but does not tell its process. On a device these are the rows of the runtime
           itself, and services whose runtime tells it on debuggable builds only
   absent  there is a name, but no service is given for it: it has gone, or this user may not have it
+  refused its process closes each new connection, because other clients hold too many; a message
+          names that process, and its log names the client that has the most
 
 Options:
   --json      one JSON array of objects instead of a table
@@ -35,7 +37,7 @@ Output:
 
   With --json, one line:
   [{"interface":"...","instance":"default","state":"told","pid":4711,"threads":3}]
-  where state is told, hangs, untold or absent; pid and threads are null when not known.
+  where state is told, hangs, untold, absent or refused; pid and threads are null when not known.
 
 Exit status:
   0  done
@@ -55,6 +57,8 @@ const char* nameOf(Answering answering) {
             return "untold";
         case Answering::ABSENT:
             return "absent";
+        case Answering::REFUSED:
+            return "refused";
         case Answering::HANGS:
             break;
     }
@@ -84,8 +88,10 @@ void writeTable(const std::vector<Registration>& rows, Output& output) {
     Table table;
     table.push_back({"INTERFACE", "INSTANCE", "PID", "THREADS"});
     for (const Registration& row : rows) {
-        table.push_back({printable(row.interface), printable(row.instance),
-                         numberOr(row.pid, nameOf(row.answering)), numberOr(row.threads, "-")});
+        table.push_back(
+                {printable(row.interface), printable(row.instance),
+                 row.answering == Answering::TOLD ? numberOr(row.pid, "") : nameOf(row.answering),
+                 numberOr(row.threads, "-")});
     }
     output.write(aligned(table));
 }
@@ -102,6 +108,12 @@ class ListVerb : public Verb {
             writeJson(rows, environment.output);
         } else if (!rows.empty()) {
             writeTable(rows, environment.output);
+        }
+        for (const Registration& row : rows) {
+            if (row.answering == Answering::REFUSED) {
+                environment.note(row.interface + '/' + row.instance + ": " +
+                                 aboutRefusal(row.pid.value_or(0)));
+            }
         }
         if (rows.empty()) {
             environment.note("nothing is registered" + aboutSockets());

@@ -10,6 +10,7 @@
 
 #include "tools/mlkctl/Argument.h"
 #include "tools/mlkctl/Failure.h"
+#include "tools/mlkctl/HostFolders.h"
 #include "tools/mlkctl/Pending.h"
 
 namespace mlk::ctl {
@@ -18,9 +19,6 @@ namespace {
 
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
-
-// The time limit of the service manager itself, which on a host tries to connect to each name.
-constexpr std::chrono::seconds kManagerLimit{5};
 
 struct Name {
     std::string interface;
@@ -52,9 +50,10 @@ Names askForNames() {
     return names;
 }
 
-Names registeredNames() {
+// On a host, the service manager tries to connect to each name.
+Names registeredNames(std::chrono::milliseconds limit) {
     const Pending<Names> question(askForNames);
-    return question.waitUntil(Pending<Names>::Clock::now() + kManagerLimit)
+    return question.waitUntil(Pending<Names>::Clock::now() + limit)
             .value_or("the service manager hangs");
 }
 
@@ -67,7 +66,8 @@ Process processOf(const std::string& interface, const std::string& instance) {
     const auto service =
             ::android::hardware::details::getRawServiceInternal(interface, instance, false, false);
     if (service == nullptr) {
-        return {Answering::ABSENT, {}};
+        const std::optional<int> refusing = processRefusing(interface + '.' + instance);
+        return {refusing ? Answering::REFUSED : Answering::ABSENT, refusing};
     }
     std::optional<int> pid;
     const auto outcome = service->getDebugInfo([&](const auto& info) { pid = info.pid; });
@@ -108,7 +108,7 @@ std::optional<int> threadsIn(const std::string& status) {
 std::vector<Registration> registrations(std::chrono::milliseconds limit) {
     using Question = Pending<Process>;
     const auto start = Question::Clock::now();
-    const Names names = registeredNames();
+    const Names names = registeredNames(limit);
     if (const auto* failure = std::get_if<std::string>(&names)) {
         throw Failure(ExitStatus::UNREACHABLE, *failure);
     }
@@ -134,8 +134,9 @@ std::vector<Registration> registrations(std::chrono::milliseconds limit) {
     return rows;
 }
 
-std::optional<bool> isRegistered(std::string_view interface, std::string_view instance) {
-    const Names names = registeredNames();
+std::optional<bool> isRegistered(std::string_view interface, std::string_view instance,
+                                 std::chrono::milliseconds limit) {
+    const Names names = registeredNames(limit);
     const auto* list = std::get_if<std::vector<Name>>(&names);
     if (list == nullptr) {
         return {};

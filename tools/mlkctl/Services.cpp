@@ -1,5 +1,7 @@
 #include "tools/mlkctl/Services.h"
 
+#include <algorithm>
+#include <optional>
 #include <set>
 
 #include "tools/mlkctl/HostFolders.h"
@@ -13,16 +15,28 @@ namespace {
 using Clock = Worker::Clock;
 
 // The reason why an interface has no object. A runtime that gives up on a hanging service returns
-// no object either, but the service manager still has the name.
-Failure noObject(const Interface& interface) {
+// no object either, but the service manager still has the name. It is asked until the deadline, but
+// for half a second at least.
+Failure noObject(const Interface& interface, Clock::time_point deadline) {
     const std::string name = "vendor.morlak.mlkconfigs@1.0::" + std::string(interface.name);
     const std::string instance = "default";
     const std::string shortName(interface.name);
-    if (isRegistered(name, instance).value_or(false)) {
+    if (const std::optional<int> refusing = processRefusing(socketOf(interface.name))) {
+        return {ExitStatus::UNREACHABLE, shortName + ": " + aboutRefusal(*refusing)};
+    }
+    constexpr std::chrono::milliseconds kLeast{500};
+    const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto registered = isRegistered(name, instance, std::max(left, kLeast));
+    if (!registered) {
+        return {ExitStatus::UNREACHABLE,
+                shortName + ": not found, and the service manager does not answer"};
+    }
+    if (*registered) {
         return {ExitStatus::UNREACHABLE, shortName + ": registered, but it does not answer"};
     }
     return {ExitStatus::UNREACHABLE, shortName + ": not registered" +
-                                             aboutSocket(name + '.' + instance) +
+                                             aboutSocket(socketOf(interface.name)) +
                                              "; is the service running?"};
 }
 
@@ -78,6 +92,7 @@ void Services::within(std::function<void()> work) {
     if (kept != mObjects.end()) {
         return kept->second;
     }
+    const auto deadline = after(mLimit);
     const auto found = std::make_shared<::android::sp<IBase>>();
     try {
         within([found, finder = mFinder, asked = &interface] { *found = finder(*asked); });
@@ -85,7 +100,7 @@ void Services::within(std::function<void()> work) {
         throw about(interface, failure);
     }
     if (*found == nullptr) {
-        throw noObject(interface);
+        throw noObject(interface, deadline);
     }
     return mObjects[&interface] = *found;
 }
@@ -116,7 +131,7 @@ std::map<const Interface*, Failure> Services::findAll() {
         if (found.has_value() && *found != nullptr) {
             mObjects[interface] = *found;
         } else {
-            failures.emplace(interface, found.has_value() ? noObject(*interface)
+            failures.emplace(interface, found.has_value() ? noObject(*interface, deadline)
                                                           : about(*interface, tooLate(mLimit)));
         }
     }

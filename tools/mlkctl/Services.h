@@ -31,6 +31,7 @@ class Services {
 
     /** Sets how long a look-up and a call may take. The default is 30 seconds. */
     void setLimit(std::chrono::duration<double> limit) { mLimit = limit; }
+    std::chrono::duration<double> limit() const { return mLimit; }
 
     /**
      * Looks all three up at the same time, within the limit. Returns the reasons why objects cannot

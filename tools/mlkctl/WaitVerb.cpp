@@ -76,6 +76,16 @@ std::vector<std::string> missingAt(Clock::time_point deadline, const Services::F
     return missing;
 }
 
+// If a process refuses connections, which one and what to do, for the end of a message.
+std::string refusalOf(const std::vector<std::string>& missing) {
+    for (const std::string& interface : missing) {
+        if (const auto process = processRefusing(socketOf(interface))) {
+            return "; " + aboutRefusal(*process);
+        }
+    }
+    return {};
+}
+
 class WaitVerb : public Verb {
   public:
     std::string_view name() const override { return "wait"; }
@@ -90,7 +100,8 @@ class WaitVerb : public Verb {
             return ExitStatus::ANSWERED;
         }
         throw Failure(ExitStatus::UNREACHABLE, "no answer within " + mSeconds + " s from " +
-                                                       joined(missing) + aboutSockets());
+                                                       joined(missing) + aboutSockets() +
+                                                       refusalOf(missing));
     }
 
   private:

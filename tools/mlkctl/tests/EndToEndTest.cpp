@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -15,6 +16,7 @@
 #include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
+#include "host/testing/ProcessUsage.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {
@@ -120,6 +122,76 @@ TEST_F(EndToEndTest, WhatIsRegisteredWithoutAnObjectIsNotMissing) {
     const auto missing = runMlkctl({"call", "IMlkProjectConfigs", "getPanelName"}, services);
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.err, StartsWith("mlkctl: IMlkProjectConfigs: not registered"));
+}
+
+// A client that has opened as many connections as it gets, and does nothing with them.
+class IdleClient {
+  public:
+    IdleClient() : mProcess({TEST_SERVER_PROGRAM, "--idle"}, openInput()) {
+        EXPECT_TRUE(mProcess.waitForOut(" connections\n"));
+    }
+    size_t connections() const { return std::stoul(mProcess.out()); }
+    std::string name() const { return "process " + std::to_string(mProcess.pid()); }
+
+  private:
+    static Process::Options openInput() {
+        Process::Options options;
+        options.keepInputOpen = true;
+        return options;
+    }
+
+    Process mProcess;
+};
+
+TEST_F(EndToEndTest, OneClientWithManyConnectionsShutsNobodyOut) {
+    startService();
+    constexpr size_t kDescriptors = 100;
+    const mlk::testing::DescriptorLimit limit(mService->pid(), kDescriptors);
+    const IdleClient idle;
+    EXPECT_GT(idle.connections(), kDescriptors / 5);
+    EXPECT_LT(idle.connections(), kDescriptors / 2);
+    EXPECT_TRUE(mService->waitForErr(idle.name() + " has " + std::to_string(idle.connections()) +
+                                     " connections"));
+    const Outcome call = run({"call", "IMlkTvConfigs", "getAtvSystem"});
+    EXPECT_EQ(call.status, 0) << call.err;
+    const Outcome list = run({"list"});
+    EXPECT_EQ(list.err, "");
+    EXPECT_THAT(list.out, HasSubstr(' ' + std::to_string(mService->pid()) + ' '));
+}
+
+TEST_F(EndToEndTest, AServiceThatRefusesConnectionsIsNotMissing) {
+    startService();
+    const mlk::testing::DescriptorLimit limit(mService->pid(), 64);
+    std::vector<std::unique_ptr<IdleClient>> clients;
+    do {
+        clients.push_back(std::make_unique<IdleClient>());
+    } while (clients.back()->connections() > 0 && clients.size() < 20);
+    EXPECT_TRUE(mService->waitForErr("no connection is left for " + clients.back()->name() + "; " +
+                                     clients.front()->name() + " has the most: "));
+    const std::string pid = std::to_string(mService->pid());
+    const std::string refusal = "process " + pid +
+                                " has the socket but refuses the connection, because other clients "
+                                "hold too many; its log says which client has the most: end that "
+                                "one\n";
+    const Outcome call = run({"call", "IMlkTvConfigs", "getAtvSystem"});
+    EXPECT_EQ(call.status, 1);
+    EXPECT_EQ(call.err, "mlkctl: IMlkTvConfigs: " + refusal);
+    const Outcome list = run({"list"});
+    EXPECT_EQ(list.status, 0);
+    EXPECT_THAT(list.out, MatchesRegex("INTERFACE +INSTANCE +PID +THREADS\n"
+                                       "(vendor[^ ]+ +default +refused +[0-9]+\n)+"));
+    EXPECT_THAT(
+            list.err,
+            HasSubstr("mlkctl: vendor.morlak.mlkconfigs@1.0::IMlkTvConfigs/default: " + refusal));
+    const Outcome json = run({"list", "--json"});
+    EXPECT_THAT(json.out, HasSubstr(R"("state":"refused","pid":)" + pid + ','));
+    const Outcome wait = run({"wait", "--timeout", "0"});
+    EXPECT_EQ(wait.status, 1);
+    EXPECT_THAT(wait.err, HasSubstr("; " + refusal));
+    clients.front() = nullptr;
+    EXPECT_TRUE(mlk::testing::eventually([] {
+        return run({"call", "IMlkTvConfigs", "getAtvSystem"}).status == 0;
+    }));
 }
 
 // Each way of asking checks the byte of a truth value before it uses it.

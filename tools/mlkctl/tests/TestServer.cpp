@@ -1,6 +1,11 @@
 // A service of fakes for the end-to-end tests.
 //
 //   mlkctl_test_server [--unsound] [INTERFACE]...   registers these, or all three, and serves them
+//   mlkctl_test_server --idle                       is a client instead: connects to a service
+//   until
+//                                                   it is refused, prints the number of
+//                                                   connections, and holds them until its input
+//                                                   ends
 //
 // IMlkProjectConfigs::getPowerOnMode is refused by the stub; a file named "/die" kills the process.
 // With --unsound, getProjectId and getHBBTVEnabled answer with truth values of 2.
@@ -10,10 +15,14 @@
 #include <hidl/Static.h>
 #include <unistd.h>
 #include <vendor/morlak/mlkconfigs/1.0/BnHwMlkProjectConfigs.h>
+#include <vendor/morlak/mlkconfigs/1.0/IMlkTvConfigs.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/mlkctl/tests/FakeServices.h"
@@ -72,9 +81,25 @@ void registerIf(bool wanted, const ::android::sp<I>& service) {
     }
 }
 
+void holdIdleConnections() {
+    std::vector<::android::sp<V1_0::IMlkTvConfigs>> connections;
+    while (auto one = V1_0::IMlkTvConfigs::getService()) {
+        connections.push_back(std::move(one));
+    }
+    (void)printf("%zu connections\n", connections.size());
+    (void)fflush(stdout);
+    char byte = 0;
+    while (read(STDIN_FILENO, &byte, 1) > 0) {
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && argv[1] == std::string_view("--idle")) {
+        holdIdleConnections();
+        return 0;
+    }
     ::android::hardware::configureRpcThreadpool(4, true);
     auto& stubs = ::android::hardware::details::getBnConstructorMap();
     stubs.erase(V1_0::IMlkProjectConfigs::descriptor);
