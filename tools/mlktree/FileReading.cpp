@@ -1,6 +1,11 @@
 #include "tools/mlktree/FileReading.h"
 
+#include <stdio.h>  // NOLINT(modernize-deprecated-headers): fileno()
+
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -36,11 +41,29 @@ void readCountryId(const Tree& tree, FileLines& lines) {
     (void)product::TvSysMapCfgHolder(tree.partitions(), none, data).savedCountry();
 }
 
-}  // namespace
+/** A temporary file without a name in a folder: it goes with the program, however that ends. */
+class UnnamedFile {
+  public:
+    /** @throw UsageError if it cannot be written */
+    explicit UnnamedFile(const std::string& text) : mFile(std::tmpfile(), std::fclose) {
+        if (mFile == nullptr ||
+            std::fwrite(text.data(), 1, text.size(), mFile.get()) != text.size() ||
+            std::fflush(mFile.get()) != 0) {
+            throw UsageError("a temporary file cannot be written: " +
+                             std::generic_category().message(errno));
+        }
+    }
 
-std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, FileFormat format) {
+    /** By this, others open it. */
+    std::string path() const { return "/proc/self/fd/" + std::to_string(fileno(mFile.get())); }
+
+  private:
+    const std::unique_ptr<FILE, int (*)(FILE*)> mFile;
+};
+
+std::unique_ptr<FileLines> readFrom(const std::string& host, const Tree& tree,
+                                    const std::string& path, FileFormat format) {
     auto lines = std::make_unique<FileLines>(path, format);
-    const std::string host = tree.host(path);
     std::vector<HidlFreqListItem> channels;
     const auto ignore = [](std::string_view /* entry */) {};
     switch (format) {
@@ -95,6 +118,18 @@ std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, F
     }
     lines->finish(product::pathExists(host), std::move(channels));
     return lines;
+}
+
+}  // namespace
+
+std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, FileFormat format) {
+    return readFrom(tree.host(path), tree, path, format);
+}
+
+std::unique_ptr<FileLines> readText(const Tree& tree, const std::string& path, FileFormat format,
+                                    const std::string& text) {
+    const UnnamedFile file(text);
+    return readFrom(file.path(), tree, path, format);
 }
 
 }  // namespace mlk::tree

@@ -20,4 +20,14 @@ namespace mlk::tree {
  */
 std::unique_ptr<FileLines> readFile(const Tree& tree, const std::string& path, FileFormat format);
 
+/**
+ * What the same reader makes of a text that is to be in a text file. The files of the identity have
+ * a place of their own, and are read from there.
+ *
+ * @param path  of the file; relative to the tree
+ * @throw UsageError if the text cannot be put into a temporary file, where the reader looks for it
+ */
+std::unique_ptr<FileLines> readText(const Tree& tree, const std::string& path, FileFormat format,
+                                    const std::string& text);
+
 }  // namespace mlk::tree

@@ -83,7 +83,9 @@ Command fixCommand() {
             "around the \"=\" of TV features, tabs before \"=\", indented comments, countries "
             "in the wrong case or with a blank or \"-\" in place of \"_\", the missing line end"
             " of a TV feature file, and the line end of a property, which is part of its value."
-            " Nothing is written without --write.";
+            " Nothing is written without --write.\n\n"
+            "What the service reads right stays right: no mend splits a column of a channel plan, "
+            "empties a name or a value, or lets a line that was not read replace another one.";
     command.groups = {
             {"Options",
              {{"--write", 0, "", "write the mended files, each in place"}, colorOption()}},

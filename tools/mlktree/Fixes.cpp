@@ -1,132 +1,20 @@
 #include "tools/mlktree/Fixes.h"
 
 #include <algorithm>
-#include <cctype>
-#include <iterator>
+#include <map>
+#include <memory>
 #include <optional>
+#include <set>
 
-#include "regional/CountryTable.h"
-#include "tools/common/Utf8.h"
-#include "tools/mlktree/Lookalikes.h"
+#include "tools/mlktree/FileReading.h"
+#include "tools/mlktree/LineMends.h"
 #include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 
 namespace {
 
-namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
-
 constexpr size_t kContext = 3;  // lines around a change
-
-bool isList(FileFormat format) {
-    return format == FileFormat::COUNTRY_LIST || format == FileFormat::LANGUAGE_LIST;
-}
-
-bool hasItems(FileFormat format) {
-    return format == FileFormat::PROJECT || format == FileFormat::AUXILIARY ||
-           format == FileFormat::TV_FEATURES;
-}
-
-// Each of these gives a line its right form, if that is known; the line is without its line feed.
-
-void dropBlanksOfEntry(FileFormat format, std::string& line) {
-    if (!isList(format) || trimmed(line).empty()) {
-        return;
-    }
-    const size_t comma = line.find(',', std::min(line.find_first_not_of(','), line.size()));
-    const std::string_view entry = trimmed(std::string_view(line).substr(0, comma));
-    const std::string rest = comma == std::string::npos ? "" : line.substr(comma);
-    line = std::string(entry) + rest;
-}
-
-void capitalizeCountry(FileFormat format, std::string& line) {
-    if (format != FileFormat::COUNTRY_LIST) {
-        return;
-    }
-    const size_t comma = std::min(line.find(','), line.size());
-    std::string name = line.substr(0, comma);
-    const product::NameTable countries = product::countryNames();
-    if (countries.find(name)) {
-        return;
-    }
-    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) {
-        return c == ' ' || c == '-' ? '_' : static_cast<char>(std::toupper(c));
-    });
-    if (countries.find(name)) {
-        line.replace(0, comma, name);
-    }
-}
-
-void outdentComment(FileFormat format, std::string& line) {
-    const size_t start = std::min(line.find_first_not_of(" \t"), line.size());
-    if (hasItems(format) && beginsWith(std::string_view(line).substr(start), "#")) {
-        line.erase(0, start);
-    }
-}
-
-void dropTabsOfKey(FileFormat format, std::string& line) {
-    const size_t equals = line.find('=');
-    const bool isItem = equals != std::string::npos && !looksLikeComment(line) &&
-                        !beginsWith(line, "[") && equals < line.find('#');
-    if (!hasItems(format) || format == FileFormat::TV_FEATURES || !isItem) {
-        return;
-    }
-    std::string key = line.substr(0, equals);
-    const size_t end = key.find_last_not_of(" \t") + 1;
-    if (key.find('\t', end) != std::string::npos) {
-        line.replace(end, equals - end, " ");
-    }
-}
-
-void dropBlanksOfFeature(FileFormat format, std::string& line) {
-    const size_t equals = line.rfind('=');
-    if (format != FileFormat::TV_FEATURES || looksLikeComment(line) ||
-        equals == std::string::npos || line.find('#') != std::string::npos) {
-        return;
-    }
-    const bool hasCarriageReturn = line.back() == '\r';
-    const std::string key(trimmed(std::string_view(line).substr(0, equals)));
-    const std::string value(trimmed(std::string_view(line).substr(equals + 1)));
-    line = key + "=" + value + (hasCarriageReturn ? "\r" : "");
-}
-
-// Spaces that are no blanks and characters that nobody sees, at the ends of names and values.
-void plainSpaces(FileFormat format, std::string& line) {
-    if (isAscii(line) || looksLikeComment(line)) {
-        return;
-    }
-    const auto isBlank = [&](size_t from, size_t to) {
-        const size_t text = line.find_first_not_of(" \t\r\";", from);
-        return from >= to || text == std::string::npos || text >= to;
-    };
-    size_t end = std::min(line.find(isList(format) ? ',' : '#'), line.size());
-    for (size_t at = 0; at < end;) {
-        const Lookalike found = findLookalike(line, at);
-        if (found.size == 0 || found.at >= end) {
-            return;
-        }
-        const size_t equals = line.find('=');
-        const bool isInName = isList(format) || equals == std::string::npos || found.at < equals;
-        const bool isAtEnd =
-                isInName || isBlank(equals + 1, found.at) || isBlank(found.at + found.size, end);
-        at = found.at + found.size;
-        if (isAtEnd && (found.looksLike == ' ' || found.looksLike == '\0')) {
-            const size_t left = found.looksLike == ' ' ? 1 : 0;
-            line.replace(found.at, found.size, left, ' ');
-            at = found.at + left;
-            end -= found.size - left;
-        }
-    }
-}
-
-constexpr void (*kFixes[])(FileFormat, std::string&) = {
-        dropBlanksOfEntry, capitalizeCountry, outdentComment, dropTabsOfKey, dropBlanksOfFeature,
-};
-
-bool isLineFormat(FileFormat format) {
-    return hasItems(format) || isList(format) || format == FileFormat::CUSTOMER ||
-           format == FileFormat::SYSTEM || format == FileFormat::CHANNEL_PLAN;
-}
 
 // Whether a carriage return at the end of a line becomes part of a name or of the models' list.
 // Then all lines of the file end without one: an editor adds them to all.
@@ -149,7 +37,101 @@ std::vector<bool> usedLines(const FileLines& file, size_t count) {
             used[read.number] = true;
         }
     }
+    // A plan's line of several pieces: if it were shorter, they would end elsewhere.
+    for (const ReadLine& read : file.lines()) {
+        if (read.number <= count && read.isCut && file.format() == FileFormat::CHANNEL_PLAN) {
+            used[read.number] = false;
+        }
+    }
     return used;
+}
+
+// The whole file with its mends.
+std::string textOf(const MendedFile& mended, const std::vector<std::string_view>& former,
+                   bool isEnded) {
+    std::string text;
+    auto next = mended.lines.begin();
+    for (size_t i = 0; i < former.size(); ++i) {
+        if (next != mended.lines.end() && next->number == i + 1) {
+            text += next->after;
+            ++next;
+        } else {
+            text += former[i];
+        }
+        const bool isUnended = i + 1 == former.size() && !isEnded && !mended.endsLastLine;
+        text += isUnended ? "" : "\n";
+    }
+    return text;
+}
+
+// The lines that, mended, have taken the place of one that gave its item the value before.
+std::set<size_t> rivalsIn(const FileLines& before, const FileLines& after) {
+    std::map<size_t, const ReadLine*> items;
+    for (const ReadLine& read : after.lines()) {
+        if (read.use == LineUse::ITEM) {
+            items[read.number] = &read;
+        }
+    }
+    std::set<size_t> rivals;
+    for (const ReadLine& read : before.lines()) {
+        const auto same = read.use == LineUse::ITEM && before.counts(read) ? items.find(read.number)
+                                                                           : items.end();
+        const bool isSame = same != items.end() && same->second->section == read.section &&
+                            same->second->key == read.key;
+        if (isSame && !after.counts(*same->second)) {
+            rivals.insert(after.find(read.section, read.key)->number);
+        }
+    }
+    return rivals;
+}
+
+// Takes back the mends that have made a line a rival: its own, or that of its section's name.
+void takeBack(MendedFile& mended, const std::set<size_t>& rivals, const FileLines& after) {
+    std::set<size_t> back;
+    const auto isMended = [&](size_t number) {
+        return std::any_of(mended.lines.begin(), mended.lines.end(),
+                           [&](const MendedLine& line) { return line.number == number; });
+    };
+    size_t section = 0;  // the last mended name of a section
+    for (const ReadLine& read : after.lines()) {
+        if (read.use == LineUse::SECTION) {
+            section = isMended(read.number) ? read.number : 0;
+        }
+        if (rivals.count(read.number) > 0) {
+            back.insert(isMended(read.number) ? read.number : section);
+        }
+    }
+    const auto goes = [&](const MendedLine& line) { return back.count(line.number) > 0; };
+    mended.lines.erase(std::remove_if(mended.lines.begin(), mended.lines.end(), goes),
+                       mended.lines.end());
+}
+
+// A line that nobody has read must not become the one that counts: of two lines of one name only
+// their author knows which is right. Leaves the mends that do no such harm.
+void keepItems(const ProductLine& line, const FileLines& file, MendedFile& mended) {
+    const std::vector<std::string_view>& former = line.sources().lines(file.path());
+    const bool isEnded = line.sources().endsInLineFeed(file.path());
+    const bool hasNames = hasItems(file.format()) || file.format() == FileFormat::CUSTOMER ||
+                          file.format() == FileFormat::SYSTEM;
+    for (;;) {
+        mended.text = textOf(mended, former, isEnded);
+        // In a file of features the first of two lines counts, so that the last one has no rival.
+        if (!hasNames || mended.lines.empty()) {
+            return;
+        }
+        const std::unique_ptr<FileLines> after =
+                readText(line.tree(), file.path(), file.format(), mended.text);
+        const std::set<size_t> rivals = rivalsIn(file, *after);
+        if (rivals.empty()) {
+            return;
+        }
+        const size_t count = mended.lines.size();
+        takeBack(mended, rivals, *after);
+        if (mended.lines.size() == count) {
+            mended.lines.clear();
+            mended.endsLastLine = false;
+        }
+    }
 }
 
 std::optional<MendedFile> mendFile(const ProductLine& line, const FileLines& file) {
@@ -159,25 +141,18 @@ std::optional<MendedFile> mendFile(const ProductLine& line, const FileLines& fil
     MendedFile mended;
     mended.path = file.path();
     for (size_t i = 0; i < former.size(); ++i) {
-        std::string text(former[i]);
-        if (isUsed[i + 1]) {
-            plainSpaces(file.format(), text);
-        }
-        if (dropsCarriageReturns && !text.empty() && text.back() == '\r') {
-            text.pop_back();
-        }
-        for (const auto& fix : kFixes) {
-            fix(file.format(), text);
-        }
-        if (text != former[i]) {
-            mended.lines.push_back({i + 1, std::string(former[i]), text});
-        }
-        mended.text += text;
-        const bool isLast = i + 1 == former.size();
-        const bool isUnended = isLast && !line.sources().endsInLineFeed(file.path());
+        std::string text =
+                mendedLine({file.format(), i == 0, isUsed[i + 1], dropsCarriageReturns}, former[i]);
+        const bool isUnended =
+                i + 1 == former.size() && !line.sources().endsInLineFeed(file.path());
         mended.endsLastLine = isUnended && file.format() == FileFormat::TV_FEATURES &&
                               text.find('=') != std::string::npos;
-        mended.text += isUnended && !mended.endsLastLine ? "" : "\n";
+        if (text != former[i]) {
+            mended.lines.push_back({i + 1, std::string(former[i]), std::move(text)});
+        }
+    }
+    if (!mended.lines.empty() || mended.endsLastLine) {
+        keepItems(line, file, mended);
     }
     const bool isSame = mended.lines.empty() && !mended.endsLastLine;
     return isSame ? std::nullopt : std::optional(std::move(mended));
@@ -213,7 +188,7 @@ std::vector<MendedFile> mend(const ProductLine& line) {
     }
     for (const auto& [path, file] : line.files()) {
         // A file that readers refuse is not touched either.
-        if (!file->exists() || file->isUnreadable() || !isLineFormat(file->format())) {
+        if (!file->exists() || file->isUnreadable() || !isMendable(file->format())) {
             continue;
         }
         if (std::optional<MendedFile> mended = mendFile(line, *file)) {

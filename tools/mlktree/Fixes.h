@@ -31,7 +31,11 @@ struct MendedFile {
  * case or with a blank or "-" in place of "_", the line feed that the last line of a TV feature
  * file lacks, and the one that ends the value of a property.
  *
+ * What the service reads right it still reads after a mend: see mendedLine(); and a line that it
+ * does not read, such as one with a tab in its key, stays if it would replace another one.
+ *
  * @return the files with something to mend, in the order of their paths
+ * @throw UsageError if a temporary file cannot be written
  */
 std::vector<MendedFile> mend(const ProductLine& line);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -111,6 +112,14 @@ std::string withoutLookalikes(std::string_view text) {
         at = found.at + found.size;
     }
     return plain.append(text.substr(at));
+}
+
+bool isMeantInAscii(std::string_view text) {
+    const auto isAlnum = [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < 0x80 && std::isalnum(byte) != 0;
+    };
+    return std::any_of(text.begin(), text.end(), isAlnum) && isAscii(withoutLookalikes(text));
 }
 
 std::string describe(std::string_view text, const Lookalike& found) {

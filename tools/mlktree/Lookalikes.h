@@ -23,6 +23,9 @@ Lookalike findLookalike(std::string_view text, size_t from = 0);
 /** The text with the characters that are meant. */
 std::string withoutLookalikes(std::string_view text);
 
+/** True for a text that is meant in ASCII and has some of it: not for one in another script. */
+bool isMeantInAscii(std::string_view text);
+
 /** `a no-break space (U+00A0) looks like a blank`: for the beginning of a message. */
 std::string describe(std::string_view text, const Lookalike& found);
 

@@ -1,7 +1,6 @@
 // Rules about files and lines of which nothing is as their author meant it.
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <string>
 
@@ -112,16 +111,6 @@ void checkConflicts(const ProductLine& line, Reporter& reporter) {
             report(begin, begin);
         }
     }
-}
-
-bool isAsciiAlnum(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x80 && std::isalnum(byte) != 0;
-}
-
-// True for a text that is meant in ASCII and has some of it: not for one in another script.
-bool isMeantInAscii(std::string_view text) {
-    return std::any_of(text.begin(), text.end(), isAsciiAlnum) && isAscii(withoutLookalikes(text));
 }
 
 // Quotes, spaces and what nobody sees: in a text of any script, they are a slip at its ends.

@@ -189,6 +189,15 @@ TEST_F(FixTest, EntriesOfListsLoseTheirBlanks) {
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\nSWEDEN\n,,FRANCE,FR\n\n");
 }
 
+// Without its blanks, what follows the comma would be the entry.
+TEST_F(FixTest, AnEntryOfBlanksStays) {
+    mDir.write("tvconfigs/c.txt", "SWEDEN\n ,GERMANY\n\xE2\x80\x8B,FRANCE\n,\xC2\xA0,ITALY\n");
+    EXPECT_EQ(diff(), "");
+    // At the beginning of the file, a mark is none of its characters.
+    mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBF,GERMANY\n");
+    EXPECT_EQ(mended("tvconfigs/c.txt"), ",GERMANY\n");
+}
+
 TEST_F(FixTest, CountriesGetTheirCapitals) {
     mDir.write("tvconfigs/c.txt", "Germany,DE\nUnited Kingdom\nGermny\n");
     EXPECT_EQ(mended("tvconfigs/c.txt"), "GERMANY,DE\nUNITED_KINGDOM\nGermny\n");
