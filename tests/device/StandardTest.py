@@ -33,6 +33,7 @@ NAMES = {
     "future": "future future_status promise",
     "initializer_list string string_view vector": "initializer_list",
     "iomanip": "setw setfill",
+    "ios iostream istream ostream sstream": "hex",
     "iostream": "cin cout cerr",
     "iterator": "back_inserter distance istreambuf_iterator make_move_iterator make_reverse_iterator next prev",
     "iterator array deque map set string string_view vector": "begin end size",
@@ -57,8 +58,8 @@ NAMES = {
     "system_error": "error_code errc generic_category system_error",
     "thread": "thread this_thread",
     "tuple": "make_tuple tie tuple",
-    "type_traits": """conditional_t decay_t enable_if_t invoke_result_t is_arithmetic_v is_enum_v is_integral_v is_same_v
-        remove_reference_t underlying_type_t void_t""",
+    "type_traits": """conditional_t decay_t enable_if_t invoke_result_t is_arithmetic_v is_enum_v is_integral_v
+        is_nothrow_move_assignable_v is_same_v remove_reference_t underlying_type_t void_t""",
     "unordered_map": "unordered_map",
     "unordered_set": "unordered_set",
     "tuple utility array": "tuple_element_t",
