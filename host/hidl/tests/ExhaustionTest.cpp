@@ -92,8 +92,11 @@ TEST_F(ExhaustionTest, RefusesAndRecovers) {
     // One line covers all refusals.
     EXPECT_EQ(linesSaid(), 1U);
     none.reset();
+    const size_t used = descriptorsOf(mServer.pid());
     ASSERT_NE(mServer.service(), nullptr);
     EXPECT_TRUE(mServer.service()->ping().isOk());
+    // A connection that is about to end would leave a descriptor below the limit.
+    ASSERT_TRUE(eventually([&] { return descriptorsOf(mServer.pid()) == used; }));
     none.emplace(mServer.pid());
     // The next exhaustion is logged again.
     EXPECT_EQ(mServer.service(), nullptr);
