@@ -15,9 +15,8 @@ File::File(const std::string& path, int flags, mode_t mode) {
         return;
     }
     // O_NONBLOCK: the path may lead to a FIFO by now.
-    do {
-        mFd = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode);
-    } while (mFd < 0 && errno == EINTR);
+    mFd = static_cast<int>(
+            TEMP_FAILURE_RETRY(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, mode)));
     if (mFd < 0) {
         mError = errno;
         return;
@@ -46,11 +45,7 @@ std::string File::reason() const {
 }
 
 ssize_t File::read(char* buffer, size_t size) {
-    ssize_t count = 0;
-    do {
-        count = ::read(mFd, buffer, size);
-    } while (count < 0 && errno == EINTR);
-    return count;
+    return TEMP_FAILURE_RETRY(::read(mFd, buffer, size));
 }
 
 ssize_t File::readUpTo(char* buffer, size_t size) {

@@ -18,16 +18,6 @@ namespace {
 constexpr mode_t kMode = 0644;
 constexpr int kMostLinks = 40;  // as many as the kernel follows
 
-// Repeats a call that a signal interrupted.
-template <typename Call>
-auto whileInterrupted(const Call& call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) {
-        result = call();
-    }
-    return result;
-}
-
 // Whether a call failed because the file system does not support it.
 bool isNotOffered(int error) {
     return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP;
@@ -35,8 +25,7 @@ bool isNotOffered(int error) {
 
 bool writeAt(int fd, off_t offset, std::string_view text) {
     while (!text.empty()) {
-        const ssize_t count =
-                whileInterrupted([&] { return pwrite(fd, text.data(), text.size(), offset); });
+        const ssize_t count = TEMP_FAILURE_RETRY(pwrite(fd, text.data(), text.size(), offset));
         if (count <= 0) {
             return false;
         }
@@ -47,16 +36,16 @@ bool writeAt(int fd, off_t offset, std::string_view text) {
 }
 
 bool sync(int fd) {
-    return whileInterrupted([&] { return fsync(fd); }) == 0 || isNotOffered(errno);
+    return TEMP_FAILURE_RETRY(fsync(fd)) == 0 || isNotOffered(errno);
 }
 
 bool resize(int fd, off_t size) {
-    return whileInterrupted([&] { return ftruncate(fd, size); }) == 0;
+    return TEMP_FAILURE_RETRY(ftruncate(fd, size)) == 0;
 }
 
 // Appends zeros and allocates the blocks of the whole file.
 bool growTo(int fd, off_t size, off_t formerSize) {
-    if (whileInterrupted([&] { return fallocate(fd, 0, 0, size); }) == 0) {
+    if (TEMP_FAILURE_RETRY(fallocate(fd, 0, 0, size)) == 0) {
         return true;
     }
     return isNotOffered(errno) &&

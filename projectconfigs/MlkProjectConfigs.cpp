@@ -91,9 +91,10 @@ Return<void> MlkProjectConfigs::setProjectId(int32_t projectId, setProjectId_cb 
 }
 
 Return<void> MlkProjectConfigs::setProjectIdWithPid(int32_t projectId,
-                                                    const hidl_string& processName, int32_t pid,
+                                                    const hidl_string& /* processName */,
+                                                    int32_t /* pid */,
                                                     setProjectIdWithPid_cb _hidl_cb) {
-    const bool accepted = mChanges.setProject(projectId, processName.c_str(), pid);
+    const bool accepted = mChanges.setKnownProject(projectId);
     mSet.store().logItems();
     answerWith(_hidl_cb, true, accepted);
     return Void();

@@ -33,15 +33,6 @@ Places& readers() {
     return places;
 }
 
-template <typename Call>
-ssize_t uninterrupted(const Call& call) {
-    ssize_t result = 0;
-    do {
-        result = call();
-    } while (result < 0 && errno == EINTR);
-    return result;
-}
-
 // The three kinds of descriptors with a reader have these members:
 //   ssize_t takeNow(text)  writes what fits now; -1 with EAGAIN if nothing fits
 //   int unread()           a number that changes when the reader reads, and by no other act of the
@@ -129,8 +120,8 @@ class Terminal {
 Written writeToFile(int descriptor, std::string_view text) {
     size_t done = 0;
     while (done < text.size()) {
-        const ssize_t wrote = uninterrupted(
-                [&] { return write(descriptor, text.data() + done, text.size() - done); });
+        const ssize_t wrote =
+                TEMP_FAILURE_RETRY(write(descriptor, text.data() + done, text.size() - done));
         if (wrote <= 0) {
             return {WriteOutcome::FAILED, done};
         }
@@ -148,7 +139,7 @@ Written writeWhileRead(int descriptor, std::string_view text, Target&& target) {
     int left = kUnknown;
     steady_clock::time_point end;
     while (done < text.size()) {
-        const ssize_t wrote = uninterrupted([&] { return target.takeNow(text.substr(done)); });
+        const ssize_t wrote = TEMP_FAILURE_RETRY(target.takeNow(text.substr(done)));
         if (wrote > 0) {
             done += static_cast<size_t>(wrote);
             left = kUnknown;

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "projectconfigs/KnownItems.h"
-#include "projectconfigs/LogNumbers.h"
+#include "projectconfigs/LogLines.h"
 #include "regional/FreqTableParser.h"
 #include "regional/LanguageListParser.h"
 
@@ -47,7 +47,7 @@ TvSysMapCfgHolder Region::holder() const {
 
 void Region::apply(_tv_country country) {
     const std::string file = mItems.getInfo(item::kTvSystems);
-    ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", kLineOfTvSysMap, file.c_str());
+    ALOGD("[%s:%d] tvSysMapCfgIni=%s", "InitTvSysMapInfo", log_line::kTvSysMap, file.c_str());
     if (file.empty()) {
         return;
     }

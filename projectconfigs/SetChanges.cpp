@@ -4,7 +4,8 @@
 
 #include <log/log.h>
 
-#include "projectconfigs/LogNumbers.h"
+#include "projectconfigs/LogLines.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
@@ -24,12 +25,22 @@ bool SetChanges::setProject(int32_t id) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (id > 0 && id > mProjectMaxIdx) {
         ALOGD("[%s:%d] Update and check Max ID again for the case of USB update",
-              "SetProjectIdInternal", kLineOfMaxIdCheck);
+              "SetProjectIdInternal", log_line::kMaxIdCheck);
         mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
         mProjectMaxIdx = highestIndex(mSet);
     }
+    return selectLocked(id, "!");
+}
+
+bool SetChanges::setKnownProject(int32_t id) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    // Two exclamation marks distinguish this refusal from the other.
+    return selectLocked(id, "!!");
+}
+
+bool SetChanges::selectLocked(int32_t id, const char* endOfRefusal) {
     if (id <= 0 || id > mProjectMaxIdx) {
-        ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!", mProjectMaxIdx, id);
+        ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal%s", mProjectMaxIdx, id, endOfRefusal);
         return false;
     }
     // The files first: the model changes only if they can be read.
@@ -38,20 +49,6 @@ bool SetChanges::setProject(int32_t id) {
     }
     // An index that cannot be stored is used until the next start.
     mProjectID.Set(static_cast<unsigned int>(id));
-    return true;
-}
-
-bool SetChanges::setProject(int32_t id, const std::string& processName, int32_t pid) {
-    const std::lock_guard<std::mutex> lock(mMutex);
-    if (id <= 0 || id > mProjectMaxIdx) {
-        // Two exclamation marks distinguish this refusal from the other.
-        ALOGE("[mProjectMaxIdx:%d] pid:%d is illegal!!", mProjectMaxIdx, id);
-        return false;
-    }
-    if (!mSet.store().load(id, kSameBoard)) {
-        return false;
-    }
-    mProjectID.SetId(static_cast<unsigned int>(id), processName, pid);
     return true;
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <mutex>
-#include <string>
 
 #include "projectconfigs/BoardID.h"
 #include "projectconfigs/ProjectID.h"
@@ -34,8 +33,8 @@ class SetChanges {
      */
     bool setProject(int32_t id);
 
-    /** The same without the search for new models. The process that asks is not used. */
-    bool setProject(int32_t id, const std::string& processName, int32_t pid);
+    /** The same without the search for new models. */
+    bool setKnownProject(int32_t id);
 
     /**
      * Puts the country's values into the items of the set, and saves the country. A later change of
@@ -47,6 +46,8 @@ class SetChanges {
     bool setCountry(_tv_country country);
 
   private:
+    bool selectLocked(int32_t id, const char* endOfRefusal);
+
     ProjectSet& mSet;
     ProjectID& mProjectID;
     const BoardID& mBoardID;

@@ -11,7 +11,7 @@
 #include "common/Paths.h"
 #include "projectconfigs/AuxiliaryFile.h"
 #include "projectconfigs/KnownItems.h"
-#include "projectconfigs/LogNumbers.h"
+#include "projectconfigs/LogLines.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -89,7 +89,7 @@ bool SoundDelays::updateAudioConfig(Avr& avr) {
     }
     const size_t folder = defaultPath.size() - fileNameOf(defaultPath).size();
     if (folder == 0) {
-        ALOGE("MlErr : [%s %d], strrchr return null", __func__, kLineOfAvrPath);
+        ALOGE("MlErr : [%s %d], strrchr return null", __func__, log_line::kAvrPath);
         return true;
     }
     const std::string path = defaultPath.substr(0, folder) + avr.fileName;

@@ -194,7 +194,7 @@ bool CountryFreqMapParse::loadLocked() {
         return false;
     }
     const tinyxml2::XMLElement* const first = file.first(element::kPlansOfCountry);
-    file.tellIgnoredBefore(first, file.top());
+    file.tellIgnored(file.top(), first);
     std::vector<CountryFreqMapEntry> entries;
     for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
         addBlock(file, *block, entries);

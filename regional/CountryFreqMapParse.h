@@ -81,8 +81,8 @@ class CountryFreqMapParse {
      * Lookups read the file until it has given at least one entry, and never again after that, even
      * if the folder changes.
      *
-     * @param path       new folder of the channel plans, for all callers; empty to keep the
-     *                   current one
+     * @param path       folder of the channel plans, for this lookup and all later ones of any
+     *                   caller that names none; empty for the folder that GetTvConfigPath() returns
      * @param country    a country; one without a name has no plans
      * @param type       kind of plan
      * @param cableType  cable plan, for the cable kinds; one plan does not stand in for another
@@ -93,7 +93,10 @@ class CountryFreqMapParse {
     bool GetFreqTableNameByCountry(const std::string& path, _tv_country country, FreqTableType type,
                                    AtscCableType cableType, std::string& name);
 
-    /** As above, by the country's name and with the current folder. */
+    /**
+     * As above, by the country's name and with the folder in use. Until GetTvConfigPath() or a
+     * lookup by country has set a folder, no file is found.
+     */
     bool GetFreqTableNameByCountryName(const std::string& countryName, FreqTableType type,
                                        AtscCableType cableType, std::string& name);
 

@@ -8,8 +8,8 @@
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
- * Reads lists of languages. The process has one object, so that callers reach both readers of lists
- * in the same way; it has no state and is thread-safe. Log tag: "MlkProjectConfigs".
+ * Reads lists of languages. It has no state, so the process has one object, and any number of
+ * threads may call it. Log tag: "MlkProjectConfigs".
  */
 class LanguageListParser {
   public:

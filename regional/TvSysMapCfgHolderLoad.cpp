@@ -92,7 +92,7 @@ bool TvSysMapCfgHolder::loadConfigXmlFile(const std::string& xmlFile) {
     }
     if (section != nullptr) {
         const tinyxml2::XMLElement* const first = section->FirstChildElement(element::kTvSystem);
-        file.tellIgnoredBefore(first, section->FirstChildElement());
+        file.tellIgnored(section->FirstChildElement(), first);
         ItemStore told;
         for (const auto* element = first; element != nullptr;
              element = element->NextSiblingElement()) {
@@ -117,7 +117,7 @@ void TvSysMapCfgHolder::addTvSystem(const XmlFile& file, const tinyxml2::XMLElem
     TvSysToConfigMap system;
     system.tvSysName = type;
     const tinyxml2::XMLElement* const first = element.FirstChildElement(element::kItem);
-    file.tellIgnoredBefore(first, element.FirstChildElement(), type);
+    file.tellIgnored(element.FirstChildElement(), first, type);
     for (const auto* item = first; item != nullptr; item = item->NextSiblingElement()) {
         const char* const category = item->Attribute(attribute::kCategory);
         const char* const key = item->Attribute(attribute::kKey);
@@ -163,7 +163,7 @@ bool TvSysMapCfgHolder::loadCountryTvConfigMapXML() {
     mCoutryTvConfigMap.clear();
     mCountryList.clear();
     const tinyxml2::XMLElement* const first = file.first(element::kCountry);
-    file.tellIgnoredBefore(first, file.top());
+    file.tellIgnored(file.top(), first);
     for (const auto* block = first; block != nullptr; block = block->NextSiblingElement()) {
         addCountry(file, *block);
     }

@@ -170,8 +170,8 @@ void XmlFile::tell(const tinyxml2::XMLElement& element, LineUse use, ReadLine re
     mObserver->onLine(read);
 }
 
-void XmlFile::tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
-                                std::string_view owner) const {
+void XmlFile::tellIgnored(const tinyxml2::XMLElement* first, const tinyxml2::XMLElement* end,
+                          std::string_view owner) const {
     if (!isObserved()) {
         return;
     }

@@ -55,12 +55,12 @@ class XmlFile {
     /**
      * Tells the observer, if there is one, that elements are ignored.
      *
-     * @param end    the sibling to stop at; null for all of them
-     * @param first  the first sibling
+     * @param first  the first of these siblings; null for none
+     * @param end    the sibling after the last of them; null for all from the first on
      * @param owner  the TV system that they belong to; empty for none
      */
-    void tellIgnoredBefore(const tinyxml2::XMLElement* end, const tinyxml2::XMLElement* first,
-                           std::string_view owner = "") const;
+    void tellIgnored(const tinyxml2::XMLElement* first, const tinyxml2::XMLElement* end,
+                     std::string_view owner = "") const;
 
     /** The first top-level element; null for an empty file. */
     const tinyxml2::XMLElement* top() const { return mDocument.FirstChildElement(); }

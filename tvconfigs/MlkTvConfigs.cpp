@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "platform/Platform.h"
@@ -20,32 +21,50 @@ namespace {
 
 using Setter = Return<void> (IMlkTvConfigs::*)(bool, std::function<void(const OptionalBool&)>);
 
+struct NamedSetter {
+    std::string_view name;
+    Setter call;
+};
+
+#define MLK_SETTER(method) \
+    { #method, &IMlkTvConfigs::method }
+
 // The setter of each flag, in the order of kTvFlags.
-constexpr Setter kSetters[] = {&IMlkTvConfigs::setAtvEnabled,
-                               &IMlkTvConfigs::setAtvAntennaEnabled,
-                               &IMlkTvConfigs::setAtvCableEnabled,
-                               &IMlkTvConfigs::setDtvEnabled,
-                               &IMlkTvConfigs::setDtvAntennaEnabled,
-                               &IMlkTvConfigs::setDtvCableEnabled,
-                               &IMlkTvConfigs::setDtvSatelliteEnabled,
-                               &IMlkTvConfigs::setPvrEnabled,
-                               &IMlkTvConfigs::setLivepauseEnabled,
-                               &IMlkTvConfigs::setHdmiEnabled,
-                               &IMlkTvConfigs::setVgaEnabled,
-                               &IMlkTvConfigs::setAvEnabled,
-                               &IMlkTvConfigs::setYppEnabled,
-                               &IMlkTvConfigs::setCiEnabled,
-                               &IMlkTvConfigs::setPipEnabled,
-                               &IMlkTvConfigs::setMheg5Enabled,
-                               &IMlkTvConfigs::setGingaEnabled,
-                               &IMlkTvConfigs::setHbbtvEnabled,
-                               &IMlkTvConfigs::setTeltexEnabled,
-                               &IMlkTvConfigs::setCloseCaptionEnabled,
-                               &IMlkTvConfigs::setAtscCloseCaptionEnabled,
-                               &IMlkTvConfigs::setNtscCloseCaptionEnabled,
-                               &IMlkTvConfigs::setIsdbCloseCaptionEnabled,
-                               &IMlkTvConfigs::setWOWEnabled};
-static_assert(std::size(kSetters) == std::size(kTvFlags));
+constexpr NamedSetter kSetters[] = {MLK_SETTER(setAtvEnabled),
+                                    MLK_SETTER(setAtvAntennaEnabled),
+                                    MLK_SETTER(setAtvCableEnabled),
+                                    MLK_SETTER(setDtvEnabled),
+                                    MLK_SETTER(setDtvAntennaEnabled),
+                                    MLK_SETTER(setDtvCableEnabled),
+                                    MLK_SETTER(setDtvSatelliteEnabled),
+                                    MLK_SETTER(setPvrEnabled),
+                                    MLK_SETTER(setLivepauseEnabled),
+                                    MLK_SETTER(setHdmiEnabled),
+                                    MLK_SETTER(setVgaEnabled),
+                                    MLK_SETTER(setAvEnabled),
+                                    MLK_SETTER(setYppEnabled),
+                                    MLK_SETTER(setCiEnabled),
+                                    MLK_SETTER(setPipEnabled),
+                                    MLK_SETTER(setMheg5Enabled),
+                                    MLK_SETTER(setGingaEnabled),
+                                    MLK_SETTER(setHbbtvEnabled),
+                                    MLK_SETTER(setTeltexEnabled),
+                                    MLK_SETTER(setCloseCaptionEnabled),
+                                    MLK_SETTER(setAtscCloseCaptionEnabled),
+                                    MLK_SETTER(setNtscCloseCaptionEnabled),
+                                    MLK_SETTER(setIsdbCloseCaptionEnabled),
+                                    MLK_SETTER(setWOWEnabled)};
+#undef MLK_SETTER
+
+constexpr bool areSettersOfTheirFlags() {
+    for (size_t row = 0; row < std::size(kTvFlags); ++row) {
+        if (kSetters[row].name != kTvFlags[row].setter) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(std::size(kSetters) == std::size(kTvFlags) && areSettersOfTheirFlags());
 
 const TvFlagRow* flagOf(ConfigType type) {
     return findFlag(static_cast<uint32_t>(type));
@@ -72,7 +91,7 @@ Return<void> MlkTvConfigs::getFlag(ConfigType type, getFlag_cb _hidl_cb) {
 Return<void> MlkTvConfigs::setFlag(ConfigType type, bool enabled, setFlag_cb _hidl_cb) {
     const TvFlagRow* row = flagOf(type);
     if (row != nullptr) {
-        return (this->*kSetters[row - kTvFlags])(enabled, std::move(_hidl_cb));
+        return (this->*kSetters[row - kTvFlags].call)(enabled, std::move(_hidl_cb));
     }
     ALOGD("unknown type, set value to false");
     _hidl_cb({false, enabled});

@@ -47,7 +47,7 @@ std::string findObstacle(const hidl_memory& memory) {
         return std::string("fstat: ") + strerror(errno);
     }
     if (static_cast<uint64_t>(status.st_size) < memory.size()) {
-        return "there are only " + std::to_string(status.st_size) + " bytes behind its descriptor";
+        return "its block has only " + std::to_string(status.st_size) + " bytes";
     }
     return {};
 }

@@ -36,11 +36,8 @@ void Output::line(std::string_view text) {
 void Output::flush() {
     size_t done = 0;
     while (done < mPending.size()) {
-        const ssize_t written =
-                ::write(mDescriptor, mPending.data() + done, mPending.size() - done);
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t written = TEMP_FAILURE_RETRY(
+                ::write(mDescriptor, mPending.data() + done, mPending.size() - done));
         if (written < 0 && errno == EAGAIN) {
             // Another process that shares the pipe has made it non-blocking.
             pollfd space{mDescriptor, POLLOUT, 0};

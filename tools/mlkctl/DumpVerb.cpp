@@ -49,10 +49,8 @@ size_t copy(int file, Output& output) {
     std::string shown;  // for a terminal, which must not get parts of a character
     while (true) {
         // The position of the descriptor is where the service stopped writing.
-        const ssize_t got = pread(file, piece.data(), piece.size(), static_cast<off_t>(done));
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got = TEMP_FAILURE_RETRY(
+                pread(file, piece.data(), piece.size(), static_cast<off_t>(done)));
         if (got < 0) {
             throwErrno("the dump");
         }

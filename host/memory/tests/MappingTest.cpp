@@ -170,11 +170,10 @@ const Refusal kRefusals[] = {
         {"of size 0", [] { return memoryOf(createSharedBlock(100), 0); },
          "cannot map memory of 0 bytes: it is empty"},
         {"larger than its block", [] { return memoryOf(createSharedBlock(100), 101); },
-         "cannot map memory of 101 bytes: there are only 100 bytes behind its descriptor"},
+         "cannot map memory of 101 bytes: its block has only 100 bytes"},
         {"of the largest size",
          [] { return memoryOf(createSharedBlock(4096), std::numeric_limits<uint64_t>::max()); },
-         "cannot map memory of 18446744073709551615 bytes: there are only 4096 bytes behind its "
-         "descriptor"},
+         "cannot map memory of 18446744073709551615 bytes: its block has only 4096 bytes"},
         {"not sealed", [] { return memoryOf(memfd(4096, 0), 4096); },
          "cannot map memory of 4096 bytes: it is not sealed: its owner could shrink it"},
         {"sealed against growing only", [] { return memoryOf(memfd(4096, F_SEAL_GROW), 4096); },

@@ -125,7 +125,7 @@ TEST(AnswerTest, MemoryThatLiesKillsNobody) {
     EXPECT_EQ(refusalOf(hidl_memory("ashmem", nullptr, 5)),
               "the answer's shared memory of 5 bytes cannot be mapped");
     EXPECT_THAT(log.texts(ANDROID_LOG_ERROR, "hidlmemory"),
-                ::testing::ElementsAre(::testing::HasSubstr("only 6 bytes behind its descriptor"),
+                ::testing::ElementsAre(::testing::HasSubstr("its block has only 6 bytes"),
                                        ::testing::HasSubstr("it is empty")));
 }
 

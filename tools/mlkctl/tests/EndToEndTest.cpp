@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -243,6 +244,8 @@ TEST_F(EndToEndTest, WaitNamesWhatIsMissing) {
 TEST_F(EndToEndTest, AServiceThatHangsHangsNeitherWaitNorList) {
     startService();
     mService->kill(SIGSTOP);
+    siginfo_t stopped{};
+    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(mService->pid()), &stopped, WSTOPPED | WNOWAIT), 0);
     const Outcome wait = run({"wait", "--timeout", "0.1"});
     EXPECT_EQ(wait.status, 1);
     EXPECT_THAT(wait.err,
