@@ -32,6 +32,9 @@ struct Customer {
     const FileLines* file = nullptr;
     const ReadLine* systemLine = nullptr; /**< the line that names the system file; null for none */
     const FileLines* system = nullptr;    /**< null if no line names one */
+    /** Countries that a line of this customer alone has; only with Selection::hasAllCountries, and
+     * if the line has several customers. */
+    std::optional<std::vector<_tv_country>> countries;
 };
 
 /** A "Model_" line of a system file. */
@@ -90,6 +93,11 @@ struct Selection {
      * most.
      */
     bool isOneSet = false;
+    /**
+     * Whichever models and boards are looked at, the countries are those of all: the sets of a
+     * model are then the same as those of a whole line.
+     */
+    bool hasAllCountries = false;
 };
 
 /**

@@ -319,10 +319,42 @@ void ProductLineBuilder::selectCountry() {
         if (mSelection.isOneSet) {
             const _tv_country country = countryOfSet();
             mLine.mCountries.assign(country == product::kNoCountry ? 0 : 1, country);
+        } else if (mSelection.hasAllCountries) {
+            findAllCountries();
         }
         return;
     }
     mLine.mCountries = {countryOfOption(mSelection.country)};
+}
+
+// Reads the whole line of each customer, as far as its countries are not known yet.
+void ProductLineBuilder::findAllCountries() {
+    const bool isOfMany = mLine.mCustomers.size() > 1;
+    if (mLine.isWhole() && !isOfMany) {
+        return;
+    }
+    const auto countriesOf = [&](std::vector<std::string> customers) {
+        Selection whole;
+        whole.customers = std::move(customers);
+        return ProductLine(mLine.mTree, mLine.mSettings, mLine.mProperties, whole).countries();
+    };
+    if (!isOfMany) {
+        mLine.mCountries = countriesOf(mSelection.customers);
+        return;
+    }
+    std::set<int32_t> values;
+    for (const std::string& argument : mSelection.customers) {
+        const std::string path = mLine.mTree.relative(customerFile(mLine.mTree, argument));
+        const auto customer =
+                std::find_if(mLine.mCustomers.begin(), mLine.mCustomers.end(),
+                             [&](const Customer& one) { return one.file->path() == path; });
+        customer->countries = countriesOf({argument});
+        values.insert(customer->countries->begin(), customer->countries->end());
+    }
+    mLine.mCountries.clear();
+    for (const int32_t value : values) {
+        mLine.mCountries.push_back(_tv_country{value});
+    }
 }
 
 void ProductLineBuilder::name(const std::string& path, const FileLines* file,

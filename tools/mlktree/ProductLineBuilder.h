@@ -41,6 +41,7 @@ class ProductLineBuilder {
     void followPlans();
     void findCountries();
     void selectCountry();
+    void findAllCountries();
     std::optional<int32_t> selectedModel() const;
     _tv_country countryOfSet() const;
 

@@ -7,6 +7,7 @@
 
 #include "projectconfigs/ChainKeywords.h"
 #include "projectconfigs/KnownItems.h"
+#include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/answers/FilesOfLine.h"
 #include "tools/mlktree/answers/LineAnswers.h"
 #include "tools/mlktree/answers/NamedFiles.h"
@@ -82,6 +83,7 @@ class AnswersBuilder {
         addCustomers();
         addBoards();
         addCountries();
+        addCountriesOfCustomers();
         for (const Model& model : mLine.models()) {
             if (model.counts) {
                 addModel(model);
@@ -99,6 +101,7 @@ class AnswersBuilder {
     void addCustomers();
     void addBoards();
     void addCountries();
+    void addCountriesOfCustomers();
     void addModel(const Model& model);
     /** Adds the sets of a model with all boards and countries. */
     void addSets(const Pair& ofModel);
@@ -146,10 +149,14 @@ void AnswersBuilder::addCustomers() {
 
 void AnswersBuilder::addBoards() {
     std::set<std::string_view> names;
+    const std::string usual = "tvconfigs/board";
     for (const Board& board : mLine.boards()) {
         const std::string_view file = written(board.file);
-        mAnswers.boards.push_back(
-                {names.insert(board.name).second ? std::string_view(board.name) : file, file});
+        // Whichever boards are looked at, a name alone is that of a board of the usual folder.
+        const bool isOther = board.file != nullptr && folderOf(board.file->path()) != usual &&
+                             isRegularFile(mLine.tree().host(pathIn(usual, board.name)));
+        const bool isOwn = !isOther && names.insert(board.name).second;
+        mAnswers.boards.push_back({isOwn ? std::string_view(board.name) : file, file});
         mBoardFiles.push_back(asProject(board.file));
     }
 }
@@ -161,6 +168,24 @@ void AnswersBuilder::addCountries() {
         }
         mCountries.push_back(country);
         mAnswers.countries.push_back(mAnswers.keep(countryName(country)));
+    }
+}
+
+void AnswersBuilder::addCountriesOfCustomers() {
+    size_t number = 0;
+    for (const Customer& customer : mLine.customers()) {
+        AnswerCustomer& made = mAnswers.customers[number++];
+        if (!customer.countries) {
+            continue;
+        }
+        std::set<std::string_view> names;
+        for (const _tv_country country : *customer.countries) {
+            const auto at = std::find(mCountries.begin(), mCountries.end(), country);
+            names.insert(mAnswers.countries[static_cast<size_t>(at - mCountries.begin())]);
+        }
+        if (names.size() < mAnswers.countries.size()) {
+            made.countries = std::move(names);
+        }
     }
 }
 

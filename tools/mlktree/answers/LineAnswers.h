@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -117,6 +119,8 @@ struct AnswerCustomer {
     AnswerEntry system; /**< path of the system file, as written; empty if none is named */
     uint32_t highestIndex = 0;
     ListPiece projectFiles; /**< what selection menus show */
+    /** Those of the line's countries that a line of this customer alone has; nothing for all. */
+    std::optional<std::set<std::string_view>> countries;
 };
 
 /** A model of a customer. */

@@ -14,7 +14,10 @@ ExitStatus run(const Arguments& arguments, Environment& environment) {
     const std::string word = arguments.words().empty() ? "" : arguments.words().front();
     Progress progress(environment.errors, environment.isErrorTerminal);
     progress.now("reading the tree");
-    const OpenTree tree(arguments, word, environment, selectionOf(arguments));
+    Selection selection = selectionOf(arguments);
+    // So that mlktree diff finds the same sets in a snapshot of some of them and in the whole line.
+    selection.hasAllCountries = true;
+    const OpenTree tree(arguments, word, environment, selection);
     progress.now("asking all sets");
     const std::unique_ptr<const LineAnswers> answers = answersOf(tree.line());
     progress.stop();

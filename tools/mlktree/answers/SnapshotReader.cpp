@@ -107,6 +107,13 @@ void SnapshotReader::readCustomers(const Json& json, const Where& where) {
                 static_cast<uint32_t>(number(member(one, "highestIndex", at), {&at, "highestIndex"},
                                              0, std::numeric_limits<uint32_t>::max()));
         customer.projectFiles = readList(member(one, "projectFiles", at), {&at, "projectFiles"});
+        const auto countries = one.find("countries");
+        if (countries != one.end()) {
+            std::set<std::string_view>& names = customer.countries.emplace();
+            forEach(*countries, {&at, "countries"}, [&](const Json& country, const Where& inside) {
+                names.insert(text(country, inside));
+            });
+        }
     });
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include "tools/mlktree/answers/NamedFiles.h"
 #include "tools/mlktree/answers/PieceWriter.h"
@@ -100,6 +101,16 @@ void SnapshotWriter::writeCustomers() {
         mOut += ",\"highestIndex\":" + std::to_string(customer.highestIndex);
         mOut += ",\"projectFiles\":";
         writeList(customer.projectFiles);
+        if (customer.countries.has_value()) {
+            mOut += ',';
+            name("countries");
+            std::vector<std::string_view> countries;
+            std::copy_if(mLine.countries.begin(), mLine.countries.end(),
+                         std::back_inserter(countries), [&](std::string_view country) {
+                             return customer.countries->count(country) > 0;
+                         });
+            writeTexts(countries);
+        }
         mOut += '}';
     });
     mOut += ",\n";

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tools/mlktree/CommonOptions.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/Progress.h"
@@ -11,12 +13,51 @@ namespace mlk::tree {
 
 namespace {
 
+// A snapshot may be of a board or a country that its tree does not name, since options can name
+// any. The same options mean the same in a tree that is compared, if the other side has such sets,
+// or if that is a tree, too.
+void addChosenSets(OpenOperand& a, OpenOperand& b, const Arguments& arguments) {
+    const Selection all = selectionOf(arguments);
+    Selection board;
+    board.board = all.board;
+    Selection country;
+    country.country = all.country;
+    const auto added = [&](const OpenOperand& one, const OpenOperand& other) {
+        const auto lacks = [&](const auto& has) {
+            return !one.isSnapshot() && !has(one.answers()) &&
+                   has(other.answers()) == other.isSnapshot();
+        };
+        Selection selection;
+        selection.customers = all.customers;
+        selection.hasAllCountries = true;
+        if (lacks([&](const LineAnswers& line) { return SetFilter(board).fitsSomeBoard(line); })) {
+            selection.board = all.board;
+        }
+        if (lacks([&](const LineAnswers& line) {
+                return SetFilter(country).fitsSomeCountry(line);
+            })) {
+            selection.country = all.country;
+        }
+        return selection;
+    };
+    const Selection ofA = added(a, b);
+    const Selection ofB = added(b, a);
+    for (const auto& [side, selection] : {std::pair(&a, &ofA), std::pair(&b, &ofB)}) {
+        if (!selection->board.empty() || !selection->country.empty()) {
+            side->addSets(*selection);
+        }
+    }
+}
+
 Difference compare(const Operand& a, const Operand& b, const Arguments& arguments,
                    const Environment& environment) {
     const bool isOfSets = a.namesSet() || b.namesSet();
     const SetFilter filter(isOfSets ? Selection() : selectionOf(arguments));
-    const OpenOperand openA(a, isOfSets, arguments, environment);
-    const OpenOperand openB(b, isOfSets, arguments, environment);
+    OpenOperand openA(a, isOfSets, arguments, environment);
+    OpenOperand openB(b, isOfSets, arguments, environment);
+    if (!isOfSets) {
+        addChosenSets(openA, openB, arguments);
+    }
     filter.mustFitSomeOf(openA.answers(), openB.answers());
     Difference difference =
             isOfSets ? diffSets(openA.answers(), openA.set(), openB.answers(), openB.set())
@@ -101,7 +142,8 @@ Command diffCommand() {
             "tree's impdata and tvdata partitions say. tree= may also name a snapshot or "
             "rev:REVISION. If only one of A and B names a set, the other means the same set.\n\n"
             "The options that say which sets compare only these of two trees: \"all sets\" then "
-            "means all of them. To two sets they add the parts that neither names.\n\n"
+            "means all of them. They mean the same sets of a snapshot that was taken with them. "
+            "To two sets they add the parts that neither names.\n\n"
             "A value has the line that gives it, except in a snapshot, which has no lines. Neither "
             "tree is written to.";
     command.groups = {

@@ -165,7 +165,7 @@ void Comparison::addOwn(ChangeKind kind, const std::vector<Own>& a, const std::v
                          const std::vector<Own>& theirs, auto side) {
         for (const Own& one : mine) {
             const bool isThere = std::any_of(theirs.begin(), theirs.end(), [&](const Own& other) {
-                return other.name == one.name;
+                return other.isChosen && other.name == one.name;
             });
             if (!isThere && one.isChosen) {
                 Change& change = mOwn.emplace_back();
@@ -252,13 +252,15 @@ Difference Comparison::run() {
         return all;
     };
     addOwn(ChangeKind::BOARD, boardsOf(mA), boardsOf(mB));
-    const auto countriesOf = [this](const LineAnswers& line) {
+    // Those of customers that only one line has go with them.
+    const bool hasBoth = mFilter.fitsSomeCustomer(mA) && mFilter.fitsSomeCustomer(mB);
+    const auto countriesOf = [this, hasBoth](const LineAnswers& line) {
         std::vector<Own> all;
         for (const std::string_view one : line.countries) {
             all.push_back({"country " + std::string(one),
                            {one, {}},
                            {{}, {}, {std::string(one)}},
-                           mFilter.fitsCountry(one)});
+                           hasBoth && mFilter.fitsCountry(line, one)});
         }
         return all;
     };

@@ -198,6 +198,17 @@ void OpenOperand::openTree(const std::string& folder, const std::string& name, b
     mAnswers = answersOf(*mLine, isOneSet);
 }
 
+void OpenOperand::addSets(const Selection& selection) {
+    try {
+        auto line =
+                std::make_unique<const ProductLine>(*mTree, *mSettings, *mProperties, selection);
+        mAnswers = answersOf(*line);
+        mLine = std::move(line);
+    } catch (const UsageError&) {
+        // The other side may have the board: then its lack is a difference.
+    }
+}
+
 void OpenOperand::openSnapshot(const std::string& path) {
     mIsSnapshot = true;
     mAnswers = readSnapshot(textOf(path, kMostSnapshotBytes), path);

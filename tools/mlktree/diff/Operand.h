@@ -62,6 +62,13 @@ class OpenOperand {
                 const Environment& environment);
 
     const LineAnswers& answers() const { return *mAnswers; }
+    bool isSnapshot() const { return mIsSnapshot; }
+
+    /**
+     * Reads a tree again for a board or a country that it does not name itself, as --board and
+     * --country of other commands do. Leaves it as it is if it cannot have that board.
+     */
+    void addSets(const Selection& selection);
 
     /** The set that the operand chooses. @throw UsageError if it fits none or several */
     const AnswerSet& set() const;

@@ -1,6 +1,8 @@
 #include "tools/mlktree/diff/SetFilter.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/CountryNames.h"
@@ -12,6 +14,11 @@ namespace {
 
 std::string_view withoutSlash(std::string_view path) {
     return path.substr(!path.empty() && path.front() == '/' ? 1 : 0);
+}
+
+// A path without "." and double slashes, as those that it is compared with.
+std::string plainPath(const std::string& argument) {
+    return std::filesystem::path(argument).lexically_normal().string();
 }
 
 // Whether an argument names a file of a partition: as the files write it, relative to the tree, or
@@ -29,7 +36,9 @@ bool namesFile(std::string_view argument, std::string_view file) {
 }  // namespace
 
 SetFilter::SetFilter(const Selection& selection)
-    : mModel(selection.model), mBoard(selection.board), mCustomers(selection.customers) {
+    : mModel(selection.model), mBoard(plainPath(selection.board)) {
+    std::transform(selection.customers.begin(), selection.customers.end(),
+                   std::back_inserter(mCustomers), plainPath);
     if (!selection.country.empty()) {
         mCountry = countryOfOption(selection.country);
     }
@@ -47,13 +56,21 @@ bool SetFilter::fits(const AnswerCustomer& customer) const {
            });
 }
 
-bool SetFilter::fitsCountry(std::string_view country) const {
-    return !mCountry || countryOf(country) == mCountry;
+bool SetFilter::fitsCountry(const LineAnswers& line, std::string_view country) const {
+    if (mCountry && countryOf(country) != mCountry) {
+        return false;
+    }
+    return mCustomers.empty() ||
+           std::any_of(line.customers.begin(), line.customers.end(),
+                       [&](const AnswerCustomer& one) {
+                           const bool isOf = !one.countries || one.countries->count(country) > 0;
+                           return isOf && fits(one);
+                       });
 }
 
 bool SetFilter::fitsCountry(const LineAnswers& line, const AnswerSet& set) const {
     return set.country == kNone ? !mCountry || *mCountry == kNoCountry
-                                : fitsCountry(line.countries[set.country]);
+                                : fitsCountry(line, line.countries[set.country]);
 }
 
 bool SetFilter::fits(const LineAnswers& line, const AnswerSet& set) const {
@@ -62,31 +79,42 @@ bool SetFilter::fits(const LineAnswers& line, const AnswerSet& set) const {
            fits(line.customers[set.customer]);
 }
 
+bool SetFilter::fitsSomeBoard(const LineAnswers& line) const {
+    return std::any_of(line.boards.begin(), line.boards.end(),
+                       [&](const AnswerBoard& one) { return fits(one); });
+}
+
+bool SetFilter::fitsSomeCustomer(const LineAnswers& line) const {
+    return std::any_of(line.customers.begin(), line.customers.end(),
+                       [&](const AnswerCustomer& one) { return fits(one); });
+}
+
+bool SetFilter::fitsSomeCountry(const LineAnswers& line) const {
+    return std::any_of(line.sets.begin(), line.sets.end(),
+                       [&](const AnswerSet& set) { return fitsCountry(line, set); });
+}
+
 void SetFilter::mustFitSomeOf(const LineAnswers& a, const LineAnswers& b) const {
     const auto demand = [&](const auto& fits, const std::string& option) {
         if (!fits(a) && !fits(b)) {
             throw UsageError(option + ": neither side has such a set");
         }
     };
-    const auto isIn = [this](const auto& all) {
-        return std::any_of(all.begin(), all.end(), [&](const auto& one) { return fits(one); });
-    };
     if (mModel) {
-        demand([&](const LineAnswers& line) { return isIn(line.models); },
-               "--model " + std::to_string(*mModel));
-    }
-    demand([&](const LineAnswers& line) { return isIn(line.boards); },
-           "--board " + printable(mBoard));
-    demand([&](const LineAnswers& line) { return isIn(line.customers); },
-           "--customer " + printable(joined(mCustomers)));
-    if (mCountry) {
         demand(
                 [this](const LineAnswers& line) {
-                    return std::any_of(
-                            line.sets.begin(), line.sets.end(),
-                            [&](const AnswerSet& set) { return fitsCountry(line, set); });
+                    return std::any_of(line.models.begin(), line.models.end(),
+                                       [&](const AnswerModel& one) { return fits(one); });
                 },
-                "--country " + countryName(*mCountry));
+                "--model " + std::to_string(*mModel));
+    }
+    demand([this](const LineAnswers& line) { return fitsSomeBoard(line); },
+           "--board " + printable(mBoard));
+    demand([this](const LineAnswers& line) { return fitsSomeCustomer(line); },
+           "--customer " + printable(joined(mCustomers)));
+    if (mCountry) {
+        demand([this](const LineAnswers& line) { return fitsSomeCountry(line); },
+               "--country " + countryName(*mCountry));
     }
 }
 

@@ -28,8 +28,13 @@ class SetFilter {
     bool fits(const AnswerBoard& board) const;
     /** A customer is named by the path of its file. */
     bool fits(const AnswerCustomer& customer) const;
-    bool fitsCountry(std::string_view country) const;
+    /** Of a line with several customers, a country fits if one of those that fit has it. */
+    bool fitsCountry(const LineAnswers& line, std::string_view country) const;
     bool fits(const LineAnswers& line, const AnswerSet& set) const;
+
+    bool fitsSomeBoard(const LineAnswers& line) const;
+    bool fitsSomeCustomer(const LineAnswers& line) const;
+    bool fitsSomeCountry(const LineAnswers& line) const;
 
     /** @throw UsageError if an option fits nothing of either line; the message names it */
     void mustFitSomeOf(const LineAnswers& a, const LineAnswers& b) const;
