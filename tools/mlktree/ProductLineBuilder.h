@@ -64,6 +64,7 @@ class ProductLineBuilder {
     ProductLine& mLine;
     const Selection& mSelection;
     std::vector<Request> mRequests;
+    std::vector<std::string> mCustomerWords;  // of the command line, for each customer
     std::vector<std::string> mTvSystemPaths;
     std::vector<std::string> mPlanFolders;
     std::map<Request, const FileLines*> mReadAnew;

@@ -68,6 +68,11 @@ const Hostile kHostile[] = {
              return changed(good, [](json& all) { all["sets"] = json::object(); });
          },
          "sets is no array"},
+        {"CountriesOfACustomerAreText",
+         [](const json& good) {
+             return changed(good, [](json& all) { all["customers"][0]["countries"] = "ITALY"; });
+         },
+         "customers[0].countries is no array"},
         {"SetTwice",
          [](const json& good) {
              return changed(good, [](json& all) { all["sets"].push_back(all["sets"][3]); });

@@ -48,6 +48,18 @@ class Schemas(unittest.TestCase):
                 SNAPSHOT.validate(snapshot)
                 self.assertTrue(snapshot["sets"])
 
+    def test_customers(self):
+        folder = self.tree / "tvconfigs"
+        (folder / "customer_b.ini").write_text("CUSTOMER_ID=2\nSYS_INI=/tvconfigs/system/b.ini\n", encoding="utf-8")
+        (folder / "system/b.ini").write_text("Model_2=/tvconfigs/model/b.ini\n", encoding="utf-8")
+        (folder / "model/b.ini").write_text("[COUNTRY]\nCOUNTRY_PATH=/tvconfigs/b.txt\n", encoding="utf-8")
+        (folder / "b.txt").write_text("ITALY\n", encoding="utf-8")
+        snapshot = printed("snapshot", self.tree, "--customer", "customer.ini", "--customer", "customer_b.ini")
+        SNAPSHOT.validate(snapshot)
+        self.assertIn("ITALY", snapshot["countries"])
+        self.assertEqual(snapshot["customers"][1]["countries"], ["ITALY"])
+        self.assertNotIn("ITALY", snapshot["customers"][0]["countries"])
+
     def test_hostile_trees(self):
         model = self.tree / "tvconfigs/model/first.ini"
         model.write_bytes(model.read_bytes() + b"[\xff$ref]\n$ref = #/shared/items/0\n\xed\xa0\x80 = \x01\n[]\n= 1\n")
