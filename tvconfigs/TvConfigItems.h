@@ -129,6 +129,22 @@ constexpr size_t tvFlagItem(std::string_view method) {
     return rowOf(kTvFlags, method);
 }
 
+/** The flag that must be true for this one to be loaded as true; null if it has no master. */
+constexpr const TvFlagRow* masterOf(const TvFlagRow& row) {
+    switch (row.rule) {
+        case FlagRule::UNDER_ATV:
+            return &kTvFlags[tvFlagItem("atvEnabled")];
+        case FlagRule::UNDER_DTV:
+            return &kTvFlags[tvFlagItem("dtvEnabled")];
+        case FlagRule::CAPTION:
+            return &kTvFlags[tvFlagItem("closeCaptionEnabled")];
+        case FlagRule::PLAIN:
+        case FlagRule::CAPTION_MASTER:
+            break;
+    }
+    return nullptr;
+}
+
 /** The flag of that type; null if no flag has it, as with 0 and 4. */
 constexpr const TvFlagRow* findFlag(uint32_t type) {
     for (const TvFlagRow& row : kTvFlags) {

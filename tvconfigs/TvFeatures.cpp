@@ -58,22 +58,6 @@ constexpr const TvFlagRow* kCaptions[] = {flag("atscCloseCaptionEnabled"),
                                           flag("isdbCloseCaptionEnabled"),
                                           flag("ntscCloseCaptionEnabled")};
 
-// The flag that must be true for this one to be loaded; null if the flag has no master.
-bool TvConfigInfo::*masterOf(const TvFlagRow& row) {
-    switch (row.rule) {
-        case FlagRule::UNDER_ATV:
-            return &TvConfigInfo::mAtvEnabled;
-        case FlagRule::UNDER_DTV:
-            return &TvConfigInfo::mDtvEnabled;
-        case FlagRule::CAPTION:
-            return &TvConfigInfo::mCloseCaptionEnabled;
-        case FlagRule::PLAIN:
-        case FlagRule::CAPTION_MASTER:
-            break;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 std::string tvFeatureFile(const char* path, const Partitions& partitions) {
@@ -123,8 +107,8 @@ void TvFeatures::Load(TvConfigInfo& info, const TvSystemRow& row) const {
 }
 
 void TvFeatures::Load(TvConfigInfo& info, const TvFlagRow& row) const {
-    bool TvConfigInfo::*const master = masterOf(row);
-    info.*row.field = (master == nullptr || info.*master) && GetBool(row.key, false);
+    const TvFlagRow* const master = masterOf(row);
+    info.*row.field = (master == nullptr || info.*master->field) && GetBool(row.key, false);
 }
 
 bool TvFeatures::GetText(const char* key, char* text) const {

@@ -245,21 +245,6 @@ std::string elementTable() {
     return text;
 }
 
-std::string masterOf(product::FlagRule rule) {
-    switch (rule) {
-        case product::FlagRule::UNDER_ATV:
-            return "false without `atvEnabled`";
-        case product::FlagRule::UNDER_DTV:
-            return "false without `dtvEnabled`";
-        case product::FlagRule::CAPTION:
-            return "false without `closeCaptionEnabled`";
-        case product::FlagRule::PLAIN:
-        case product::FlagRule::CAPTION_MASTER:
-            break;
-    }
-    return "";
-}
-
 std::string featureTable() {
     std::string text = heading({"key", "value", "methods"});
     const auto add = [&](const auto& each, const std::string& value) {
@@ -269,7 +254,9 @@ std::string featureTable() {
         add(each, nameOf(each.kType) + "; setters take" + rangeOf(each.least, each.most));
     }
     for (const product::TvFlagRow& each : product::kTvFlags) {
-        add(each, withNote(nameOf(each.kType), masterOf(each.rule)));
+        const product::TvFlagRow* const master = product::masterOf(each);
+        add(each, withNote(nameOf(each.kType),
+                           master != nullptr ? "false without " + code(master->method) : ""));
     }
     return text;
 }

@@ -19,20 +19,6 @@ namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
-const std::vector<std::string_view>& featureKeys() {
-    static const std::vector<std::string_view> keys = [] {
-        std::vector<std::string_view> all;
-        for (const product::TvSystemRow& row : product::kTvSystems) {
-            all.emplace_back(row.key);
-        }
-        for (const product::TvFlagRow& row : product::kTvFlags) {
-            all.emplace_back(row.key);
-        }
-        return all;
-    }();
-    return keys;
-}
-
 bool isFeature(std::string_view key) {
     return std::find(featureKeys().begin(), featureKeys().end(), key) != featureKeys().end();
 }
@@ -119,31 +105,17 @@ void checkValues(const ProductLine& line, Reporter& reporter) {
     });
 }
 
-const char* masterOf(const product::TvFlagRow& row) {
-    switch (row.rule) {
-        case product::FlagRule::UNDER_ATV:
-            return product::kTvFlags[product::tvFlagItem("atvEnabled")].key;
-        case product::FlagRule::UNDER_DTV:
-            return product::kTvFlags[product::tvFlagItem("dtvEnabled")].key;
-        case product::FlagRule::CAPTION:
-            return product::kTvFlags[product::tvFlagItem("closeCaptionEnabled")].key;
-        case product::FlagRule::PLAIN:
-        case product::FlagRule::CAPTION_MASTER:
-            break;
-    }
-    return nullptr;
-}
-
 void checkMasters(const ProductLine& line, Reporter& reporter) {
     forEachFeature(line, [&](const FileLines& file, const ReadLine& read) {
         const auto* const row =
                 std::find_if(std::begin(product::kTvFlags), std::end(product::kTvFlags),
                              [&](const product::TvFlagRow& each) { return each.key == read.key; });
-        const char* const master = row != std::end(product::kTvFlags) ? masterOf(*row) : nullptr;
-        const ReadLine* const other = master != nullptr ? file.find("", master) : nullptr;
+        const product::TvFlagRow* const master =
+                row != std::end(product::kTvFlags) ? product::masterOf(*row) : nullptr;
+        const ReadLine* const other = master != nullptr ? file.find("", master->key) : nullptr;
         if (read.value == "true" && other != nullptr && other->value == "false") {
             reporter.report(placeOf(line, file, read, read.value),
-                            "the feature is off, because " + quoted(master) + " is",
+                            "the feature is off, because " + quoted(master->key) + " is",
                             {{placeOf(line, file, *other, other->value), "switched off here"}});
         }
     });

@@ -36,12 +36,7 @@ const std::vector<std::string_view>& knownProperties() {
         for (const product::KnownProperty& row : product::kKnownProperties) {
             all.emplace_back(row.key);
         }
-        for (const product::TvSystemRow& row : product::kTvSystems) {
-            all.emplace_back(row.key);
-        }
-        for (const product::TvFlagRow& row : product::kTvFlags) {
-            all.emplace_back(row.key);
-        }
+        all.insert(all.end(), featureKeys().begin(), featureKeys().end());
         return all;
     }();
     return keys;

@@ -109,6 +109,20 @@ std::string problemOf(ValueType type, std::string_view value, const NumberRange&
     return "";
 }
 
+const std::vector<std::string_view>& featureKeys() {
+    static const std::vector<std::string_view> keys = [] {
+        std::vector<std::string_view> all;
+        for (const product::TvSystemRow& row : product::kTvSystems) {
+            all.emplace_back(row.key);
+        }
+        for (const product::TvFlagRow& row : product::kTvFlags) {
+            all.emplace_back(row.key);
+        }
+        return all;
+    }();
+    return keys;
+}
+
 std::string problemOfFeature(std::string_view key, std::string_view value) {
     for (const product::TvSystemRow& row : product::kTvSystems) {
         if (key == row.key) {

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/ValueType.h"
 
@@ -24,6 +25,9 @@ std::string problemOf(vendor::morlak::mlkconfigs::V1_0::implementation::ValueTyp
 
 /** The same for a TV feature of that key; empty for a key that is no feature. */
 std::string problemOfFeature(std::string_view key, std::string_view value);
+
+/** The keys of a TV feature file. */
+const std::vector<std::string_view>& featureKeys();
 
 /** True for a decimal number of that range, with nothing before or after it. */
 bool isDecimalIn(std::string_view value, const NumberRange& range);

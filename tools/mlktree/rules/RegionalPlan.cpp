@@ -6,6 +6,8 @@
 #include "common/Decimal.h"
 #include "regional/Modulations.h"
 #include "regional/PlanColumns.h"
+#include "tools/common/Utf8.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 
@@ -108,7 +110,7 @@ bool isNumberBetween(std::string_view text, int64_t least, int64_t most) {
 }
 
 bool hasByteOrderMark(const ReadLine& read) {
-    return read.text.substr(0, 3) == "\xEF\xBB\xBF";
+    return beginsWith(read.text, kByteOrderMark);
 }
 
 bool isPlausible(const PlanChannel& channel) {

@@ -16,22 +16,6 @@ namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 
 namespace {
 
-// The flag on which another depends; null for none.
-const product::TvFlagRow* masterOf(const product::TvFlagRow& row) {
-    switch (row.rule) {
-        case product::FlagRule::UNDER_ATV:
-            return &product::kTvFlags[product::tvFlagItem("atvEnabled")];
-        case product::FlagRule::UNDER_DTV:
-            return &product::kTvFlags[product::tvFlagItem("dtvEnabled")];
-        case product::FlagRule::CAPTION:
-            return &product::kTvFlags[product::tvFlagItem("closeCaptionEnabled")];
-        case product::FlagRule::PLAIN:
-        case product::FlagRule::CAPTION_MASTER:
-            break;
-    }
-    return nullptr;
-}
-
 std::vector<FeatureOrigin> originsOf(const TreeProperties& properties, const std::string& key) {
     const std::string text = properties.get(key.c_str());
     if (text.empty()) {
@@ -128,7 +112,7 @@ std::vector<Feature> tvFeaturesOf(const ProductLine& line, const std::string& fi
         feature.key = row.key;
         feature.value = tv->get(row) ? 1 : 0;
         feature.history = origins.ofFeature(feature.key);
-        if (const product::TvFlagRow* const master = masterOf(row)) {
+        if (const product::TvFlagRow* const master = product::masterOf(row)) {
             feature.master = master->method;
             feature.isMasterOn = tv->get(*master);
         }
