@@ -33,7 +33,7 @@ const Rule* findRule(std::string_view name) {
 }
 
 std::string noRule(std::string_view name, bool isSuggesting) {
-    const std::string problem = "there is no rule " + excerpt(name);
+    std::string problem = "there is no rule " + excerpt(name);
     if (!isSuggesting) {
         return problem;
     }
