@@ -4,8 +4,8 @@
 
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/ProductLineBuilder.h"
-#include "tools/mlktree/rules/Regional.h"
 
 namespace mlk::tree {
 
