@@ -62,7 +62,7 @@ void applyBaseline(const Arguments& arguments, CheckReport& report, const LineOf
 void print(const Arguments& arguments, const CheckReport& report, const FormatContext& context,
            Environment& environment) {
     const std::string name = arguments.value("--format", formats().front().first);
-    Format format = nullptr;
+    Format format = formats().front().second;
     for (const auto& [one, function] : formats()) {
         if (one == name) {
             format = function;

@@ -24,7 +24,7 @@ std::string sizeName(size_t bytes) {
 
 // Reads an open file. Returns what kept it from being read; empty if it is in `text` whole.
 std::string readInto(std::string& text, File& file, size_t most) {
-    const std::string tooLarge = "it has more than " + sizeName(most);
+    std::string tooLarge = "it has more than " + sizeName(most);
     if (file.size() > most) {
         return tooLarge;
     }
