@@ -33,7 +33,7 @@ class FileTextTest : public ::testing::Test {
         }
         return "";
     }
-    // A file that takes no room on the disk.
+    // A sparse file: the disk holds none of its bytes.
     std::string hugeFile(const std::string& name, size_t bytes) const {
         const std::string path = mDir.write(name, "");
         EXPECT_EQ(truncate(path.c_str(), static_cast<off_t>(bytes)), 0);
