@@ -13,7 +13,7 @@ class PropConfigEditor : public ConfigEditor {
 
     /**
      * Sets the property. Gives false also if the set refuses it, which the log says: if the key is
-     * not valid, or the value has more than 91 bytes or is not UTF-8.
+     * not valid, or the value has more than 91 bytes.
      */
     bool Set(const char* key, const char* value) override;
 

@@ -19,8 +19,6 @@
 
 #include <android-base/unique_fd.h>
 
-#include "host/properties/PropertyValue.h"
-
 // A build machine of a platform has no such header, but the values of trees have the same limit.
 #ifndef PROP_VALUE_MAX
 #define PROP_VALUE_MAX 92
@@ -118,10 +116,6 @@ int PropertyStore::createTemporary(std::string* path) const {
 bool PropertyStore::set(std::string_view key, std::string_view value) const {
     if (!isKey(key) || value.size() >= PROP_VALUE_MAX) {
         errno = EINVAL;
-        return false;
-    }
-    if (!isUtf8(value)) {
-        errno = EILSEQ;
         return false;
     }
     std::string temporary;

@@ -30,16 +30,15 @@ class PropertyStore {
 
     /**
      * Returns the value; nothing when the property does not exist. Tolerates files that another
-     * program damaged: only the first 91 bytes count, a NUL byte ends the value, bytes that are not
-     * UTF-8 are part of it, and anything but a regular file is not a property.
+     * program damaged: only the first 91 bytes count, a NUL byte ends the value, and anything but a
+     * regular file is not a property.
      */
     std::optional<std::string> get(std::string_view key) const;
 
     /**
      * Sets a property for all processes at once. Creates the store and the folder above it as
-     * needed. False, with errno set, when the key is invalid, the value is longer than 91 bytes or
-     * not UTF-8 (EILSEQ), the key begins with "ro." and the property exists already, or the file
-     * system refuses. Control characters are part of a value, as on a device.
+     * needed. False, with errno set, when the key is invalid, the value is longer than 91 bytes,
+     * the key begins with "ro." and the property exists already, or the file system refuses.
      */
     bool set(std::string_view key, std::string_view value) const;
 

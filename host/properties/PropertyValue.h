@@ -8,12 +8,6 @@
 namespace mlk::host {
 
 /**
- * Whether a text is UTF-8, as init of a device requires of every value: control characters are;
- * overlong forms, surrogates and characters beyond U+10FFFF are not.
- */
-bool isUtf8(std::string_view text);
-
-/**
  * The switch that a property's value is: 1, true, y, yes and on, or their opposites; nothing if it
  * is another text.
  */

@@ -29,7 +29,7 @@ $MLK_ROOT/data/property.
 
 Words after list, get or set are taken as they are, -1 and --foo included. A key is letters,
 digits and "_.@:-"; a "." stands between other characters. A key has at most 255 bytes, a value
-at most 91 of UTF-8. A key that begins with "ro." is set once. Many switches are read by the service when it
+at most 91. A key that begins with "ro." is set once. Many switches are read by the service when it
 starts; a change is seen then.
 
 Options:
@@ -123,9 +123,6 @@ std::string reason(const std::string& key, int error) {
                                     [&](const auto& each) { return each.first == key; });
     if (key.rfind("ro.", 0) == 0 && exists) {
         return "it is set already, and is set once";
-    }
-    if (error == EILSEQ) {
-        return "the value is not UTF-8";
     }
     return error == 0 ? "the store refuses it" : strerror(error);
 }

@@ -56,31 +56,8 @@ TEST_F(PropertyStoreTest, CreatesOnlyItsOwnTwoFolders) {
 }
 
 TEST_F(PropertyStoreTest, KeepsValuesAsTheyAre) {
-    for (const std::string value : {"", " a \t", "two\nlines\n", "\x01\x7f", "=#",
-                                    "\xc3\xa4 \xe2\x82\xac \xf0\x9f\x93\xba"}) {
+    for (const std::string value : {"", " a \t", "two\nlines\n", "\xff\x01", "=#"}) {
         EXPECT_TRUE(mStore.set("a.key", value));
-        EXPECT_THAT(mStore.get("a.key"), Optional(value));
-    }
-}
-
-// As init of a device does.
-TEST_F(PropertyStoreTest, RefusesValuesThatAreNotUtf8) {
-    ASSERT_TRUE(mStore.set("a.key", "former"));
-    for (const std::string value :
-         {"\xff", "a\x80", "\xc3", "\xc3(", "\xc0\xaf", "\xc1\xbf", "\xe0\x9f\xbf", "\xe2\x82",
-          "\xe2(\xac", "\xe2\x82(", "\xed\xa0\x80", "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80",
-          "\xf5\x80\x80\x80", "caf\xe9"}) {
-        errno = 0;
-        EXPECT_FALSE(mStore.set("a.key", value)) << value;
-        EXPECT_EQ(errno, EILSEQ);
-    }
-    EXPECT_THAT(mStore.get("a.key"), Optional(std::string("former")));
-    EXPECT_THAT(files(), ElementsAre("a.key"));
-    // The first and the last of each length.
-    for (const std::string value :
-         {"\x7f", "\xc2\x80", "\xdf\xbf", "\xe0\xa0\x80", "\xed\x9f\xbf", "\xee\x80\x80",
-          "\xef\xbf\xbf", "\xf0\x90\x80\x80", "\xf4\x8f\xbf\xbf"}) {
-        EXPECT_TRUE(mStore.set("a.key", value)) << value;
         EXPECT_THAT(mStore.get("a.key"), Optional(value));
     }
 }
@@ -183,8 +160,6 @@ TEST_F(PropertyStoreTest, SpoiltFilesHarmNobody) {
     EXPECT_THAT(mStore.get("long"), Optional(std::string(91, 'x')));
     mDir.write("data/property/nul", std::string("ab\0cd", 5));
     EXPECT_THAT(mStore.get("nul"), Optional(std::string("ab")));
-    mDir.write("data/property/latin", "caf\xe9");
-    EXPECT_THAT(mStore.get("latin"), Optional(std::string("caf\xe9")));
     mDir.mkdir("data/property/folder");
     EXPECT_EQ(mStore.get("folder"), std::nullopt);
     EXPECT_FALSE(mStore.set("folder", "value"));
