@@ -48,7 +48,7 @@ class FileConfigEditor : public ConfigEditor {
      * constructor.
      *
      * @param path  a regular file; null is the empty path
-     * @param former  if not null, gets the former entries, for Restore()
+     * @param former  if not null, gets the former entries, for restore()
      * @return false, with the entries unchanged and the reason in the log, if the file cannot be
      *         opened or not be read to its end: after an error, if it is too large, or if memory
      *         runs out
@@ -56,7 +56,7 @@ class FileConfigEditor : public ConfigEditor {
     bool Update(const char* path, Items* former = nullptr);
 
     /** Takes back an Update(). The next Set() writes these entries, whatever the file holds. */
-    void Restore(Items former) noexcept { mItems = std::move(former); }
+    void restore(Items former) noexcept { mItems = std::move(former); }
 
     /**
      * Appends the entry of one line, which has no line feed.

@@ -222,7 +222,7 @@ bool TvFeatures::reload(const char* path) {
         InitDefaultValue();
         mConfigInfo.Dump();
     } catch (const std::bad_alloc&) {
-        mFileEditor->Restore(std::move(formerItems));
+        mFileEditor->restore(std::move(formerItems));
         Publish(former);
         throw;
     }

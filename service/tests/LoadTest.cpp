@@ -173,7 +173,8 @@ TEST_F(LoadTest, NothingGrowsWithTheNumberOfCalls) {
 
 TEST_F(LoadTest, ThousandIdleConnections) {
     constexpr size_t kConnections = 1000;
-    if (!::mlk::test::allowMoreDescriptors(kConnections)) {
+    // The service may open as many descriptors as this process, and one client gets less than half.
+    if (!::mlk::test::allowMoreDescriptors(3 * kConnections)) {
         GTEST_SKIP() << "too few descriptors";
     }
     const size_t before = residentOf(pid());

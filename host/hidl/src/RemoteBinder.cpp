@@ -101,8 +101,8 @@ RemoteBinder::Link* RemoteBinder::acquire(const Deadline& end) {
         }
         lock.lock();
         --mOpening;
-        // A server that took the name over is a different one. A server that has no descriptor for
-        // another connection still answers on the existing ones.
+        // A server that took the name over is a different one. A server that has no other
+        // connection for this process still answers on the existing ones.
         if (more.ok() && server == mServer && !mDead) {
             return addLinkLocked(std::move(more));
         }

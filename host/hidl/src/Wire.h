@@ -54,8 +54,8 @@ struct WireObject {
 static_assert(sizeof(WireObject) == 32);
 
 /**
- * The first packet that a server sends on every connection. `server` tells two servers of one name
- * apart.
+ * The first packet that a server sends on every connection that it takes; it closes one that it
+ * refuses without a packet. `server` tells two servers of one name apart.
  */
 struct Hello {
     static constexpr uint32_t kMagic = 0x484b4c4d;  // "MLKH"
