@@ -82,15 +82,16 @@ function(mlk_program name)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} mlk_warnings)
 endfunction()
 
-# mlk_test(NAME SOURCES... LIBS libs... [NEEDS programs...] [TIMEOUT SECONDS])
+# mlk_test(NAME SOURCES... LIBS libs... [NEEDS programs...] [TIMEOUT SECONDS] [NO_RACES])
 # One GoogleTest program. Each of its tests is a CTest test, so that they run in parallel.
 # NEEDS names programs that the test starts: they are built first, and MLK_BIN_DIR in the test's
-# environment is the folder that holds them.
+# environment is the folder that holds them. NO_RACES leaves the program out of the thread sanitizer's
+# build: it starts no threads, or only those that another test starts as well.
 function(mlk_test name)
-    if(NOT BUILD_TESTING)
+    cmake_parse_arguments(ARG "NO_RACES" "TIMEOUT" "LIBS;NEEDS" ${ARGN})
+    if(NOT BUILD_TESTING OR (ARG_NO_RACES AND CMAKE_CXX_FLAGS MATCHES "-fsanitize=thread"))
         return()
     endif()
-    cmake_parse_arguments(ARG "" "TIMEOUT" "LIBS;NEEDS" ${ARGN})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()

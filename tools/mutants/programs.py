@@ -11,17 +11,18 @@ from dataclasses import dataclass, field
 
 _SERVICE = "service_test"
 _HIDL = ["host_hidl_test", "host_hidl_ipc_test", "host_hidl_hostile_test", "host_hidl_users_test"]
+_MLKTREE = ["mlktree_test", "mlktree_rules_test"]
 
 # The programs of a folder, and of those above it that use it: in that order.
 PROGRAMS = {
     "common": (["common_test"],
                ["regional_test", "tvconfigs_test", "frameworkconfigs_test", "projectconfigs_test",
-                "samples_test", _SERVICE, "mlktree_test"]),
+                "samples_test", _SERVICE, *_MLKTREE]),
     "regional": (["regional_test"],
-                 ["projectconfigs_test", "mlkctl_test", "samples_test", _SERVICE, "mlktree_test"]),
-    "projectconfigs": (["projectconfigs_test"], ["samples_test", _SERVICE, "mlktree_test"]),
-    "tvconfigs": (["tvconfigs_test"], [_SERVICE, "mlktree_test"]),
-    "frameworkconfigs": (["frameworkconfigs_test"], [_SERVICE, "mlktree_test"]),
+                 ["projectconfigs_test", "mlkctl_test", "samples_test", _SERVICE, *_MLKTREE]),
+    "projectconfigs": (["projectconfigs_test"], ["samples_test", _SERVICE, *_MLKTREE]),
+    "tvconfigs": (["tvconfigs_test"], [_SERVICE, *_MLKTREE]),
+    "frameworkconfigs": (["frameworkconfigs_test"], [_SERVICE, *_MLKTREE]),
     "service": ([_SERVICE], ["samples_test"]),
     "host/hidl": (_HIDL, ["host_memory_test", "projectconfigs_test", "mlkctl_test", _SERVICE]),
     "host/log": (["host_log_test"], ["host_testing_test", _SERVICE]),
@@ -29,9 +30,9 @@ PROGRAMS = {
     "host/partitions": (["host_partitions_test"], ["regional_test", _SERVICE]),
     "host/properties": (["host_properties_test"],
                         ["frameworkconfigs_test", "tvconfigs_test", "mlkctl_test", _SERVICE]),
-    "tools/common": (["tools_common_test"], ["mlkctl_test", "mlktree_test"]),
+    "tools/common": (["tools_common_test"], ["mlkctl_test", *_MLKTREE]),
     "tools/mlkctl": (["mlkctl_test"], ["samples_test"]),
-    "tools/mlktree": (["mlktree_test"], []),
+    "tools/mlktree": (_MLKTREE, []),
 }
 
 # CTest gives each test a process of its own; these need it, since they set limits of a process.
