@@ -21,6 +21,7 @@ namespace element = vendor::morlak::mlkconfigs::V1_0::implementation::element;
 using vendor::morlak::mlkconfigs::V1_0::implementation::kNoCountry;
 
 constexpr std::string_view kFirstCountry = "ANDORRA";
+constexpr size_t kCodeSize = 2;  // of ISO 3166, after the country's comma
 
 /** A mistake in a name; lines of one file with the same group have the same mistake. */
 struct NameMistake {
@@ -116,6 +117,13 @@ bool namesCountries(FileFormat format) {
            format == FileFormat::CHANNEL_MAP;
 }
 
+// The country that the line end was lost before, as in "CHINA,CNHONGKONG,HK".
+std::string_view countryAfterCode(std::string_view rest) {
+    const std::string_view entry = trimmed(rest.substr(0, rest.find(',')));
+    const std::string_view country = entry.substr(std::min(kCodeSize, entry.size()));
+    return countryOf(country) ? country : std::string_view();
+}
+
 // Countries after the first comma of a line that begins with a country.
 void checkLost(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
@@ -129,7 +137,9 @@ void checkLost(const ProductLine& line, Reporter& reporter) {
                 !countryOf(read.key) || groups.isFull(path)) {
                 continue;
             }
-            const std::string_view lost = countryIn(read.text.substr(comma + 1));
+            const std::string_view rest = read.text.substr(comma + 1);
+            const std::string_view entry = countryIn(rest);
+            const std::string_view lost = entry.empty() ? countryAfterCode(rest) : entry;
             if (!lost.empty() && lost != read.key) {
                 groups.add(
                         "lost", placeOf(line, *file, read, lost),

@@ -146,6 +146,8 @@ const std::vector<PlantedMistake>& plantedOddities() {
              "tvconfigs/audio/AVR_0AFADE-Sundra7.ini", ""},
             {"CountriesInOneLine", kList, kReplace, "GERMANY,DE", "GERMANY,AUSTRIA,FRANCE",
              "lost-country", nullptr, "GERMANY"},
+            {"CountryLineJoined", kList, kReplace, "GERMANY,DE\n", "GERMANY,DE", "lost-country",
+             nullptr, "GERMANY"},
             {"CountryListEmpty", kModel, kReplace, kCountryPath, "COUNTRY_PATH    =", "empty-list",
              nullptr, "COUNTRY_PATH    ="},
             {"SemicolonInLanguages", kLanguages, kReplace, "ger,German", "ger;German",
