@@ -5,6 +5,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/Paths.h"
@@ -89,12 +90,34 @@ void reportUnlike(const ProductLine& line, Reporter& reporter, const FileLines& 
                     "other files of this kind have " + quoted(right) + ", not " + quoted(name));
 }
 
+// Whether a file of the kind has the name in that section: names of other sections are not
+// comparable. Looks only once for each name.
+class InSection {
+  public:
+    explicit InSection(const Kind& kind) : mKind(kind) {}
+
+    bool has(std::string_view section, std::string_view key) {
+        const auto [found, isNew] = mFound.try_emplace({section, key}, false);
+        if (isNew) {
+            found->second = std::any_of(
+                    mKind.files.begin(), mKind.files.end(),
+                    [&](const FileLines* file) { return file->find(section, key) != nullptr; });
+        }
+        return found->second;
+    }
+
+  private:
+    const Kind& mKind;
+    std::map<std::pair<std::string_view, std::string_view>, bool> mFound;
+};
+
 void checkKind(const ProductLine& line, Reporter& reporter, const Kind& kind) {
     const std::vector<bool> unlike =
             contentsThat(line, [&](FileFormat format, const ReadLine& read) {
                 return format == FileFormat::AUXILIARY && read.use == LineUse::ITEM &&
                        kind.meantKeys.count(read.key) > 0 && !isBrokenSection(read);
             });
+    InSection inSection(kind);
     for (const FileLines* const file : kind.files) {
         for (const auto& [name, right] : kind.meantSections) {
             const auto first = file->sections().find(name);
@@ -104,9 +127,54 @@ void checkKind(const ProductLine& line, Reporter& reporter, const Kind& kind) {
         }
         for (const ReadLine* const read : linesThat(*file, unlike)) {
             const std::string_view right = kind.meantKeys.at(read->key);
-            if (file->counts(*read) && file->find(read->section, right) == nullptr) {
+            if (file->counts(*read) && file->find(read->section, right) == nullptr &&
+                inSection.has(read->section, right)) {
                 reportUnlike(line, reporter, *file, *read, read->key, right);
             }
+        }
+    }
+}
+
+// Files that differ in more names than this are no twins, and their names not comparable.
+constexpr size_t kMostOwnNames = 20;
+
+// The items of a file whose section the other file has, but not with their key; nothing if these
+// are too many.
+std::vector<const ReadLine*> itemsThatLacks(const FileLines& other, const FileLines& file) {
+    std::vector<const ReadLine*> own;
+    for (const ReadLine& read : file.lines()) {
+        const bool isItem = read.use == LineUse::ITEM && !read.key.empty() && file.counts(read);
+        if (!isItem || other.sections().count(read.section) == 0 ||
+            other.find(read.section, read.key) != nullptr) {
+            continue;
+        }
+        if (own.size() == kMostOwnNames) {
+            return {};
+        }
+        own.push_back(&read);
+    }
+    return own;
+}
+
+// Of two files, nobody knows which one has the right name.
+void checkPair(const ProductLine& line, Reporter& reporter, const Kind& kind) {
+    const FileLines& file = *kind.files.front();
+    const FileLines& other = *kind.files.back();
+    const std::vector<const ReadLine*> others = itemsThatLacks(file, other);
+    for (const ReadLine* const read : itemsThatLacks(other, file)) {
+        std::vector<std::string_view> names;
+        for (const ReadLine* const candidate : others) {
+            if (candidate->section == read->section) {
+                names.push_back(candidate->key);
+            }
+        }
+        const std::string_view name = nearestName(read->key, names);
+        if (!name.empty()) {
+            const Place twin = placeOf(line, other, *other.find(read->section, name), name);
+            reporter.report(placeOf(line, file, *read, read->key),
+                            "only this file has " + quoted(read->key) + ", and only " + twin.file +
+                                    " has " + quoted(name) + ": one of them is misspelt",
+                            {{twin, "the other name"}});
         }
     }
 }
@@ -121,6 +189,10 @@ void checkNames(const ProductLine& line, Reporter& reporter) {
     for (auto& [section, kind] : kinds) {
         countNames(line, kind);
         findMeant(kind.sections, kind.meantSections);
+        if (kind.files.size() == 2) {
+            kind.meantKeys.clear();
+            checkPair(line, reporter, kind);
+        }
         findMeant(kind.keys, kind.meantKeys);
         if (!kind.meantSections.empty() || !kind.meantKeys.empty()) {
             checkKind(line, reporter, kind);
