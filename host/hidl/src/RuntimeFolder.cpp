@@ -46,7 +46,9 @@ int makeOwnFolder(const std::string& path) {
     return mkdir(path.c_str(), 0700) == 0 && chmod(path.c_str(), 0700) == 0 ? 0 : errno;
 }
 
-// Creates the folder and those above it that are missing; 0 or an errno.
+// Creates the folder and those above it that are missing; 0 or an errno. Only their owner may write
+// to those above: whoever else may could put another folder in the place of the one with the
+// sockets.
 int makeFolder(const std::string& path) {
     const int error = makeOwnFolder(path);
     if (error != ENOENT) {
@@ -54,7 +56,7 @@ int makeFolder(const std::string& path) {
     }
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
-        (void)mkdir(path.substr(0, slash).c_str(), 0777);
+        (void)mkdir(path.substr(0, slash).c_str(), 0755);
     }
     return makeOwnFolder(path);
 }

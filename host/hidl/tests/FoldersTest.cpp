@@ -60,6 +60,21 @@ TEST_F(FoldersTest, IsMadeForItsUserOnly) {
     umask(former);
 }
 
+TEST_F(FoldersTest, OnlyItsUserWritesToTheFoldersAboveIt) {
+    const mode_t former = umask(0);
+    use(mBase + "/upper/middle/sockets");
+    const bool isFound = works();
+    umask(077);
+    use(mBase + "/closed/sockets");
+    const bool isFoundBelowClosed = works();
+    umask(former);
+    EXPECT_TRUE(isFound);
+    EXPECT_EQ(modeOf(mBase + "/upper"), 0755U);
+    EXPECT_EQ(modeOf(mBase + "/upper/middle"), 0755U);
+    EXPECT_TRUE(isFoundBelowClosed);
+    EXPECT_EQ(modeOf(mBase + "/closed"), 0700U) << "the umask still counts";
+}
+
 TEST_F(FoldersTest, PathTooLongForASocketsAddress) {
     std::string path = mBase;
     for (int i = 0; i < 5; ++i) {
