@@ -78,10 +78,32 @@ void print(const Arguments& arguments, const CheckReport& report, const FormatCo
     file.finish();
 }
 
-ExitStatus run(const Arguments& arguments, Environment& environment) {
-    if (arguments.has("--baseline") && arguments.has("--write-baseline")) {
+// Refuses options that contradict each other. A new baseline replaces what the file knows of all
+// sets, so that none of them may be left out.
+void checkBaselineOptions(const Arguments& arguments) {
+    if (!arguments.has("--write-baseline")) {
+        return;
+    }
+    if (arguments.has("--baseline")) {
         throw UsageError("--baseline reads what --write-baseline writes; leave one of them out");
     }
+    std::string given;
+    size_t count = 0;
+    for (const Option& option : setOptions().options) {
+        if (arguments.has(option.name)) {
+            given += (count == 0 ? "" : " and ") + std::string(option.name);
+            ++count;
+        }
+    }
+    if (count > 0) {
+        throw UsageError("--write-baseline writes the findings of all sets, and " + given +
+                         (count == 1 ? " chooses some of them; leave it out"
+                                     : " choose some of them; leave them out"));
+    }
+}
+
+ExitStatus run(const Arguments& arguments, Environment& environment) {
+    checkBaselineOptions(arguments);
     const Selection selection = selectionOf(arguments);
     const std::string word = arguments.words().empty() ? "" : arguments.words().front();
     Progress progress(environment.errors, environment.isErrorTerminal);
@@ -150,7 +172,9 @@ Command checkCommand() {
                       "take the findings in FILE as known; if there is no such file, write today's "
                       "findings to it",
                       Completion::FILE},
-                     {"--write-baseline", 0, "FILE", "write today's findings to FILE in any case",
+                     {"--write-baseline", 0, "FILE",
+                      "write today's findings to FILE in any case; not with an option that chooses "
+                      "sets",
                       Completion::FILE},
                      colorOption(),
              }},

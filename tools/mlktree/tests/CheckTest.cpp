@@ -270,6 +270,26 @@ TEST_F(CheckTest, RefusesAWrongBaseline) {
     EXPECT_EQ(check({"--baseline", "a", "--write-baseline", "b"}).status, 2);
 }
 
+TEST_F(CheckTest, ANewBaselineTakesAllSets) {
+    mDir.write("known.json", "{\"version\":1,\"findings\":[]}\n");
+    const std::string known = mDir.path("known.json");
+    breakModel();
+    for (const auto& [option, value] :
+         {std::pair("--model", "1"), std::pair("--board", "none"),
+          std::pair("--customer", "/tvconfigs/customer.ini"), std::pair("--country", "GERMANY")}) {
+        const Outcome refused = check({"--write-baseline", known, option, value});
+        EXPECT_EQ(refused.status, 2) << option;
+        EXPECT_EQ(refused.out, "") << option;
+        EXPECT_THAT(refused.err,
+                    HasSubstr("--write-baseline writes the findings of all sets, and " +
+                              std::string(option) + " chooses some of them; leave it out\n"));
+    }
+    EXPECT_THAT(check({"--write-baseline", known, "--country", "GERMANY", "--model", "1"}).err,
+                HasSubstr("and --model and --country choose some of them; leave them out\n"));
+    EXPECT_EQ(mDir.read("known.json"), "{\"version\":1,\"findings\":[]}\n");
+    EXPECT_EQ(check({"--baseline", known, "--model", "1"}).status, 1) << "reading it goes on";
+}
+
 TEST_F(CheckTest, SuggestsTheCountryThatIsMeant) {
     const Outcome misspelt = check({"--country", "GERMNY"});
     EXPECT_EQ(misspelt.status, 2);
