@@ -17,7 +17,8 @@ Usage: vendor.morlak.mlconfigs@1.0-service [--help]
 Reads the configuration partitions and the system properties of this set, registers
 IMlkProjectConfigs, IMlkTvConfigs and IMlkFrameworkConfigs of the package
 vendor.morlak.mlkconfigs@1.0 under the name "default", and answers calls until something ends it.
-On a television init starts it. It has no options: files and properties decide everything.
+On a television init starts it. It takes no argument but --help: files and properties decide
+everything.
 
 Options:
   -h, --help  this text

@@ -1,5 +1,5 @@
-// The process of the three configuration services. It has no options and no configuration of its
-// own.
+// The process of the three configuration services. It takes no argument but --help, and has no
+// configuration of its own.
 
 #include <hidl/HidlTransportSupport.h>
 #include <malloc.h>

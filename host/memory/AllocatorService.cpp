@@ -1,4 +1,4 @@
-// The process of the "ashmem" allocator. It has neither options nor a configuration.
+// The process of the "ashmem" allocator. It takes no argument but --help.
 
 #define LOG_TAG "ashmem"
 
