@@ -47,7 +47,7 @@ inline const FileFormatRow kFileFormats[] = {
         {FileFormat::TV_SYSTEMS, "TV system file", 0, kMostListBytes},
         {FileFormat::COUNTRY_MAP, "country map", 0, kMostListBytes},
         {FileFormat::CHANNEL_MAP, "map of channel plans", 0, kMostListBytes},
-        {FileFormat::CHANNEL_PLAN, "channel plan", kPlanPieceSize - 1, kMostListBytes},
+        {FileFormat::CHANNEL_PLAN, "channel plan", kPlanPieceSize, kMostListBytes},
         {FileFormat::PROJECT_ID, "project_id.bin", 0, kMostIdentityBytes},
         {FileFormat::BOARD_ID, "board_id.bin", kListBufferSize - 1, kMostIdentityBytes},
         {FileFormat::COUNTRY_ID, "country_id.bin", kListBufferSize - 1, kMostIdentityBytes},

@@ -54,8 +54,8 @@ constexpr size_t kFileNameSize = 128;
 constexpr size_t kAvrPathSize = 128;
 
 /**
- * A piece of a channel plan, the line feed included. The rest of a longer line counts as a line of
- * its own.
+ * The longest line of a channel plan, without its line feed; the limit itself, not the size of a
+ * buffer. The rest of a longer line counts as a line of its own.
  */
 constexpr size_t kPlanPieceSize = 49;
 

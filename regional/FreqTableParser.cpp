@@ -56,7 +56,7 @@ void tellPiece(ReadObserver& observer, std::string_view piece, std::string_view 
         read.use = LineUse::NOTHING;
     }
     read.text = piece.substr(0, piece.find('\n'));
-    read.isCut = !endsLine && !rest.empty();
+    read.isCut = !endsLine && !rest.empty() && rest.front() != '\n';
     read.hasNul = piece.size() < taken.size();
     observer.onLine(read);
     read.column = endsLine ? 1 : read.column + taken.size();

@@ -143,7 +143,7 @@ TEST_F(RegionalLinesTest, ChannelPlan) {
 }
 
 TEST_F(RegionalLinesTest, LongLinesOfAPlanAreRead) {
-    // 48 bytes and a line feed fit.
+    // 48 bytes and a line feed are one piece.
     const std::string fits = "21,0,474000 " + std::string(36, ' ') + "\n";
     ASSERT_EQ(fits.size(), 49U);
     const std::string remark =
@@ -163,6 +163,10 @@ TEST_F(RegionalLinesTest, LongLinesOfAPlanAreRead) {
                 ElementsAre("1 ignored \"xxxxxxxx...(49)\" |xxxxxxxx...(49)| cut",
                             "1:50 ignored \"x\" |x|"));
     EXPECT_THAT(plan(""), IsEmpty());
+    // A line of 49 bytes is whole; its line feed is a piece of its own.
+    EXPECT_THAT(plan(std::string(49, 'x') + "\n23,0,490000\n"),
+                ElementsAre("1 ignored \"xxxxxxxx...(49)\" |xxxxxxxx...(49)|", "1:50 nothing \"\"",
+                            "2 item \"23,0,490000\" |23|"));
 }
 
 TEST_F(RegionalLinesTest, TvSystemFile) {

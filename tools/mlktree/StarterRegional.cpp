@@ -40,7 +40,7 @@ constexpr const char* kPlanMap = R"(<?xml version="1.0" encoding="UTF-8"?>
 // Channels of 8 MHz from 470 to 694 MHz.
 constexpr const char* kPlan = R"(// channel, bandwidth in Hz, frequency in kHz,
 // label (4 characters at most), modulation.
-// A line has 48 bytes at most.
+// A line has 49 bytes at most.
 21, 8000000, 474000, 21, DVB_AUTO
 22, 8000000, 482000, 22, DVB_AUTO
 23, 8000000, 490000, 23, DVB_AUTO

@@ -18,7 +18,7 @@ namespace {
 using vendor::morlak::mlkconfigs::V1_0::implementation::kModulations;
 using vendor::morlak::mlkconfigs::V1_0::implementation::kPlanPieceSize;
 
-// A line as it stands in the file: pieces of at most 48 bytes.
+// A line as it stands in the file: pieces of at most 49 bytes.
 struct WholeLine {
     const ReadLine* first = nullptr;
     std::vector<const ReadLine*> rest;
@@ -62,7 +62,7 @@ bool isChannelCut(const WholeLine& whole) {
 }
 
 std::string limit() {
-    return "a line of a plan has at most " + std::to_string(kPlanPieceSize - 1) + " bytes";
+    return "a line of a plan has at most " + std::to_string(kPlanPieceSize) + " bytes";
 }
 
 void checkSplit(const ProductLine& line, Reporter& reporter) {
@@ -276,13 +276,13 @@ void checkLabels(const ProductLine& line, Reporter& reporter) {
 constexpr Rule kRules[] = {
         {"split-channel", Severity::ERROR,
          "a line of a channel plan is too long, and a channel comes or goes by it",
-         "The service reads pieces of 48 bytes. The rest of a longer line counts as a line of its "
+         "The service reads pieces of 49 bytes. The rest of a longer line counts as a line of its "
          "own: a scan looks at a channel that nobody wrote, or misses the modulation of the one "
          "that the line has.",
-         "// remarks longer than forty-eight bytes, as of 2 8000000 482000",
-         "// remarks longer than forty-eight bytes,\n// as of 2 8000000 482000", checkSplit},
+         "// remarks that are longer than forty-nine bytes 2 8000000 482000",
+         "// remarks that are longer than forty-nine bytes\n// 2 8000000 482000", checkSplit},
         {"long-plan-line", Severity::WARNING, "a line of a channel plan is too long",
-         "The service reads pieces of 48 bytes, and the rest of a longer line counts as a line of "
+         "The service reads pieces of 49 bytes, and the rest of a longer line counts as a line of "
          "its own. It is ignored now, but becomes a channel when a number stands where a frequency "
          "is looked for.",
          "// a comment of this length has a rest that is read",
