@@ -30,6 +30,7 @@ FOLDERS = {
     "host/memory": 0,
     "host/partitions": 0,
     "host/properties": 0,
+    "host/text": 0,
     "tools/common": 0,
     "tools/mlkctl": 0,
     "tools/mlktree": 0,

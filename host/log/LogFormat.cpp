@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "host/text/Utf8.h"
+
 namespace mlk::host {
 
 namespace {
@@ -30,30 +32,6 @@ std::string prefixOf(int priority, std::string_view tag, pid_t pid) {
     return prefix.append(process).append("): ");
 }
 
-// The length in bytes of the first UTF-8 character; 0 when it is malformed. Overlong forms are
-// rejected because they could hide control characters; surrogates do not harm a terminal.
-size_t characterLength(std::string_view text) {
-    const auto lead = static_cast<uint8_t>(text[0]);
-    const size_t length = lead < 0x80   ? 1
-                          : lead < 0xc2 ? 0
-                          : lead < 0xe0 ? 2
-                          : lead < 0xf0 ? 3
-                          : lead < 0xf5 ? 4
-                                        : 0;
-    if (length > text.size()) {
-        return 0;
-    }
-    const auto continues = [](char byte) { return (static_cast<uint8_t>(byte) & 0xc0U) == 0x80U; };
-    const auto second = text.begin() + 1;
-    if (length > 1 &&
-        !std::all_of(second, second + static_cast<ptrdiff_t>(length - 1), continues)) {
-        return 0;
-    }
-    const bool isOverlong = length > 2 && (lead == 0xe0 || lead == 0xf0) &&
-                            static_cast<uint8_t>(text[1]) < (lead == 0xe0 ? 0xa0 : 0x90);
-    return isOverlong ? 0 : length;
-}
-
 void appendHex(std::string& out, std::string_view prefix, char byte) {
     static constexpr std::string_view kDigits = "0123456789abcdef";
     const auto value = static_cast<uint8_t>(byte);
@@ -66,7 +44,7 @@ std::string escapeControls(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
-        const size_t length = characterLength(text);
+        const size_t length = utf8At(text, 0).size;
         const auto lead = static_cast<uint8_t>(text[0]);
         const bool isC0 = lead < 0x20 && lead != '\n' && lead != '\t';
         const bool isC1 = length == 2 && lead == 0xc2 && static_cast<uint8_t>(text[1]) < 0xa0;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 
 namespace mlk {
 

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <limits>
 
+#include "host/text/Utf8.h"
 #include "tools/common/Text.h"
-#include "tools/common/Utf8.h"
 #include "tools/mlkctl/Failure.h"
 
 namespace mlk::ctl {

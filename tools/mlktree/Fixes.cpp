@@ -6,7 +6,7 @@
 #include <optional>
 #include <set>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/FileReading.h"
 #include "tools/mlktree/LineMends.h"
 #include "tools/mlktree/Texts.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cctype>
 
+#include "host/text/Utf8.h"
 #include "regional/CountryTable.h"
 #include "regional/PlanColumns.h"
-#include "tools/common/Utf8.h"
 #include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Texts.h"
 

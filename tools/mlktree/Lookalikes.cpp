@@ -8,7 +8,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 
 namespace mlk::tree {
 

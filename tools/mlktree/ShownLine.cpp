@@ -6,8 +6,8 @@
 #include <cwchar>
 #include <vector>
 
+#include "host/text/Utf8.h"
 #include "tools/common/Text.h"
-#include "tools/common/Utf8.h"
 
 namespace mlk::tree {
 

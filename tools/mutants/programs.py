@@ -30,6 +30,8 @@ PROGRAMS = {
     "host/partitions": (["host_partitions_test"], ["regional_test", _SERVICE]),
     "host/properties": (["host_properties_test"],
                         ["frameworkconfigs_test", "tvconfigs_test", "mlkctl_test", _SERVICE]),
+    "host/text": (["host_text_test"],
+                  ["host_log_test", "tools_common_test", "mlkctl_test", *_MLKTREE]),
     "tools/common": (["tools_common_test"], ["mlkctl_test", *_MLKTREE]),
     "tools/mlkctl": (["mlkctl_test"], ["samples_test"]),
     "tools/mlktree": (_MLKTREE, []),

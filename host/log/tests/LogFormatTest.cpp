@@ -53,11 +53,13 @@ TEST(LogFormat, EscapesWhatATerminalWouldObey) {
               "\\u0000\\u000d\\u001b]0;x\\u0007\\u007f");
     EXPECT_EQ(escapeControls("\xc2\x80\xc2\x9f\xc2\xa0"), "\\u0080\\u009f\xc2\xa0");
     EXPECT_EQ(escapeControls("\xe2\x82\xac\xf0\x9f\x93\xba"), "\xe2\x82\xac\xf0\x9f\x93\xba");
-    // Malformed: cut, overlong, beyond the last character, a lone continuation byte.
+    // Malformed: cut, overlong, a surrogate, beyond the last character, a lone continuation byte.
     EXPECT_EQ(escapeControls("\xe2\x82"), "\\xe2\\x82");
     EXPECT_EQ(escapeControls("\xe2\x82x"), "\\xe2\\x82x");
     EXPECT_EQ(escapeControls("\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b"),
               "\\xc0\\x9b\\xe0\\x82\\x9b\\xf0\\x80\\x82\\x9b");
+    EXPECT_EQ(escapeControls("\xed\xa0\x80"), "\\xed\\xa0\\x80");
+    EXPECT_EQ(escapeControls("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
     EXPECT_EQ(escapeControls("\xf5\x80\x80\x80\x9b"), "\\xf5\\x80\\x80\\x80\\x9b");
 }
 

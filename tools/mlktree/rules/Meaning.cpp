@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Texts.h"

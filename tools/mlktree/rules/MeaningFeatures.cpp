@@ -5,7 +5,7 @@
 #include <map>
 #include <optional>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/Texts.h"

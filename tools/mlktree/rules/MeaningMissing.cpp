@@ -5,8 +5,8 @@
 #include <map>
 
 #include "common/Paths.h"
+#include "host/text/Utf8.h"
 #include "regional/RegionalNames.h"
-#include "tools/common/Utf8.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/Texts.h"

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "common/FileFormat.h"
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"

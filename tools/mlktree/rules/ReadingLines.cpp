@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"

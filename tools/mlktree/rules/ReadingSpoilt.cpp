@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string>
 
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Reporter.h"
 #include "tools/mlktree/Texts.h"

@@ -3,8 +3,8 @@
 #include <iterator>
 #include <map>
 
+#include "host/text/Utf8.h"
 #include "regional/RegionalNames.h"
-#include "tools/common/Utf8.h"
 #include "tools/mlktree/CountryNames.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Texts.h"

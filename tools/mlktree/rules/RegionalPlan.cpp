@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "common/Decimal.h"
+#include "host/text/Utf8.h"
 #include "regional/Modulations.h"
 #include "regional/PlanColumns.h"
-#include "tools/common/Utf8.h"
 #include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "host/testing/TempDir.h"
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 #include "tools/mlktree/CommandLine.h"
 #include "tools/mlktree/Examination.h"
 #include "tools/mlktree/Fixes.h"

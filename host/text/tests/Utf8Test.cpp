@@ -1,4 +1,4 @@
-#include "tools/common/Utf8.h"
+#include "host/text/Utf8.h"
 
 #include <gtest/gtest.h>
 
