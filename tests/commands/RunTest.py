@@ -3,7 +3,6 @@
 
 import os
 import re
-import shutil
 import signal
 import subprocess
 import unittest
@@ -100,32 +99,6 @@ class CommandLine(RunCase):
         client.touch(mode=0o755)
         done, built = self.unbuilt(*GET_PANEL)
         self.assertEqual((done.returncode, done.stdout, done.stderr, built), (1, "", "", True))
-
-    def test_a_folder_of_programs_that_is_none_is_named(self):
-        absent = self.tree.root / "absent"
-        own = self.tree.copy_of_sample()
-        for given in (absent, "absent", self.tree.root / "README.md"):
-            for words in (GET_PANEL, ("mlktree", "check")):
-                self.expect(self.run_tree(*words, MLK_BIN_DIR=given), 2, "",
-                            f"run: MLK_BIN_DIR={given}: there is no such folder\n")
-        # A relative path is relative to the folder of the caller.
-        done = self.tree.run("../run", *GET_PANEL, MLK_BIN_DIR=".", directory=own)
-        self.expect(done, 2, "", "run: MLK_BIN_DIR=.: there is no program "
-                                 f"{own}/vendor.morlak.mlconfigs@1.0-service\n")
-
-    def test_each_program_that_it_needs_is_looked_for(self):
-        programs = ("vendor.morlak.mlconfigs@1.0-service", "android.hidl.allocator@1.0-service", "mlkctl")
-        for lacking in programs:
-            with self.subTest(lacking):
-                shutil.rmtree(self.tree.root / "stubs", ignore_errors=True)
-                for name in programs:
-                    stubs = self.tree.program(name, "exit 0")
-                (stubs / lacking).chmod(0o644)
-                self.expect(self.run_tree(*GET_PANEL, MLK_BIN_DIR=stubs), 2, "",
-                            f"run: MLK_BIN_DIR={stubs}: there is no program {stubs}/{lacking}\n")
-        # mlktree reads the partitions itself, and needs none of the others.
-        self.expect(self.run_tree("mlktree", "check", MLK_BIN_DIR=stubs), 2, "",
-                    f"run: MLK_BIN_DIR={stubs}: there is no program {stubs}/mlktree\n")
 
     def test_options_end_at_two_dashes(self):
         self.expect(self.run_tree("--", *GET_PANEL), 0, PANEL, "")
