@@ -127,12 +127,15 @@ std::string CountryFreqMapParse::GetTvConfigPath() {
 
 bool CountryFreqMapParse::GetFreqTableNameByCountry(const std::string& path, _tv_country country,
                                                     FreqTableType type, AtscCableType cableType,
-                                                    std::string& name) {
+                                                    std::string& name, std::string* folder) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (path.empty()) {
         tvConfigPathLocked();
     } else {
         mTvConfigPath = path;
+    }
+    if (folder != nullptr) {
+        *folder = mTvConfigPath;
     }
     std::string countryName;
     const bool known = mCountries.getCountryName(country, countryName);

@@ -88,10 +88,13 @@ class CountryFreqMapParse {
      * @param cableType  cable plan, for the cable kinds; one plan does not stand in for another
      * @param name       set to the name, which is empty if the country's entry has no antenna
      *                   plan; untouched if the result is false
+     * @param folder     set to the folder of this lookup, which another caller may change at once;
+     *                   null if it is not wanted
      * @return true if there is such an entry; also if this call loaded a file without any entry
      */
     bool GetFreqTableNameByCountry(const std::string& path, _tv_country country, FreqTableType type,
-                                   AtscCableType cableType, std::string& name);
+                                   AtscCableType cableType, std::string& name,
+                                   std::string* folder = nullptr);
 
     /**
      * As above, by the country's name and with the folder in use. Until GetTvConfigPath() or a

@@ -75,14 +75,25 @@ std::string_view folderOf(FreqTableType type) {
     return "";  // a client may send any number
 }
 
+// Builds the path of a plan in that folder. True if it exists.
+bool findPlan(const std::string& folder, FreqTableType type, const std::string& name,
+              std::string& path) {
+    path = folder;
+    path += folderOf(type);
+    path += name;
+    return pathExists(path);
+}
+
 }  // namespace
 
 bool FreqTableParser::GetTableList(const std::string& directory, _tv_country country,
                                    FreqTableType type, AtscCableType cableType,
                                    std::vector<HidlFreqListItem>& items) {
     std::string name;
-    const bool known =
-            mData.plans.GetFreqTableNameByCountry(directory, country, type, cableType, name);
+    // Of the same lookup as the name: another call may use another folder by now.
+    std::string folder;
+    const bool known = mData.plans.GetFreqTableNameByCountry(directory, country, type, cableType,
+                                                             name, &folder);
     if (!known || name.empty()) {
         ALOGD("GetTableList sucess %d freqName: %s", known ? 1 : 0, name.c_str());
         return false;
@@ -90,7 +101,7 @@ bool FreqTableParser::GetTableList(const std::string& directory, _tv_country cou
     ALOGD("GetTableList country index %d type %d, freqName: %s", static_cast<int>(country),
           static_cast<int>(type), name.c_str());
     std::string path;
-    const bool exists = GetFreqTablePath(type, name, path);
+    const bool exists = findPlan(folder, type, name, path);
     LOG_PRI(exists ? ANDROID_LOG_DEBUG : ANDROID_LOG_ERROR, LOG_TAG,
             "GetTableList full freq path,sucess %d: %s", exists ? 1 : 0, path.c_str());
     if (!exists) {
@@ -104,13 +115,7 @@ bool FreqTableParser::GetTableList(const std::string& directory, _tv_country cou
 
 bool FreqTableParser::GetFreqTablePath(FreqTableType type, const std::string& name,
                                        std::string& path) {
-    if (name.empty()) {
-        return false;
-    }
-    path = mData.plans.GetTvConfigPath();
-    path += folderOf(type);
-    path += name;
-    return pathExists(path);
+    return !name.empty() && findPlan(mData.plans.GetTvConfigPath(), type, name, path);
 }
 
 bool FreqTableParser::ParseFreqTable(const std::string& path,

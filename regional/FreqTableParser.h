@@ -52,7 +52,7 @@ class FreqTableParser {
                       AtscCableType cableType, std::vector<HidlFreqListItem>& items);
 
     /**
-     * Builds the path of a plan from the folder, the subfolder of the kind, and the name.
+     * Builds the path of a plan from the folder in use, the subfolder of the kind, and the name.
      *
      * @param path  set to the path; untouched if the name is empty
      * @return true if the path exists

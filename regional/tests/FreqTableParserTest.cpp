@@ -1,13 +1,18 @@
 #include "regional/FreqTableParser.h"
 
+#include <android/log.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/log/HostLog.h"
+#include "regional/RegionalData.h"
 #include "regional/tests/RegionalFiles.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -25,6 +30,35 @@ std::string textOf(const HidlFreqListItem& item) {
          << std::string(reinterpret_cast<const char*>(item.label.data())) << '/' << item.modulation;
     return text.str();
 }
+
+// Does something once, when this process first logs that line, before the line's author goes on.
+class OnLog {
+  public:
+    OnLog(std::string line, std::function<void()> action) {
+        sLine = std::move(line);
+        sAction = std::move(action);
+        __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
+        __android_log_set_logger([](const __android_logger_data*, const char* text) {
+            if (text == sLine && sAction) {
+                // What it logs itself comes here, too.
+                std::exchange(sAction, nullptr)();
+            }
+        });
+    }
+    ~OnLog() {
+        mlk_host_log_install();
+        sAction = nullptr;
+    }
+    OnLog(const OnLog&) = delete;
+    OnLog& operator=(const OnLog&) = delete;
+
+    static bool isDone() { return !sAction; }
+
+  private:
+    // A logger has no data of its own.
+    inline static std::string sLine;
+    inline static std::function<void()> sAction;
+};
 
 class FreqTableParserTest : public ::testing::Test, protected RegionalFiles {
   protected:
@@ -226,6 +260,32 @@ TEST_F(FreqTableParserTest, AnotherFolderMayBeGiven) {
                                              FreqTableType::DTV_ANTENNA, AtscCableType::AUTO,
                                              items));
     EXPECT_EQ(items.size(), 1U);
+}
+
+// Otherwise a call for one folder opens the file of another.
+TEST_F(FreqTableParserTest, AFolderGivenMeanwhileDoesNotCount) {
+    writeUsa("air");
+    write("freqtables/dtv/air", "2 6000000 57000\n");
+    write("other/dtv/air", "3 6000000 63000\n");
+    const std::string folder = set().tvconfigs() + "/freqtables";
+    const std::string other = set().tvconfigs() + "/other";
+    CountryFreqMapParse& plans = RegionalData::GetInstance().plans;
+    for (const std::string& given : {folder, std::string()}) {
+        std::string name;
+        plans.GetFreqTableNameByCountry(folder, kUsa, FreqTableType::DTV_ANTENNA,
+                                        AtscCableType::AUTO, name);
+        const OnLog meanwhile("GetTableList country index 44 type 0, freqName: air", [&] {
+            plans.GetFreqTableNameByCountry(other, kUsa, FreqTableType::DTV_ANTENNA,
+                                            AtscCableType::AUTO, name);
+        });
+        std::vector<HidlFreqListItem> items;
+        EXPECT_TRUE(processParser().GetTableList(given, kUsa, FreqTableType::DTV_ANTENNA,
+                                                 AtscCableType::AUTO, items));
+        EXPECT_TRUE(OnLog::isDone());
+        ASSERT_EQ(items.size(), 1U);
+        EXPECT_EQ(textOf(items[0]), "2/6000000/57000//0");
+        EXPECT_EQ(plans.GetTvConfigPath(), other) << "later calls use it";
+    }
 }
 
 TEST_F(FreqTableParserTest, ATableOfRemarksIsAnEmptyList) {
