@@ -4,7 +4,6 @@
 
 #include <log/log.h>
 
-#include <tuple>
 #include <utility>
 
 #include "projectconfigs/ChainKeywords.h"
@@ -20,53 +19,46 @@ bool ProjectParser::update(const char* customerIniPath, int projectId, const std
         return true;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    // All but the highest index, which only grows: a set whose model cannot be read can still learn
-    // of further models.
-    const auto sources = [this] {
-        return std::tie(mProjectId, mCustomerId, mSysIniPath, mProjectIniPath, mBoardIniPath);
-    };
-    std::tuple<int32_t, std::string, std::string, std::string, std::string> former = sources();
-    std::swap(mItems, mFormerItems);
-    const auto restore = [&] {
-        std::swap(mItems, mFormerItems);
-        sources() = std::move(former);
-    };
-    bool isWhole = false;
-    try {
-        mItems.clear();
-        isWhole = readChain(customerIniPath, projectId, boardId);
-    } catch (...) {
-        restore();
-        throw;
+    mNewItems.clear();
+    Sources sources = mSources;
+    const std::string unreadable = readChain(customerIniPath, projectId, boardId, sources);
+    if (unreadable.empty() || !mIsRead) {
+        std::swap(mItems, mNewItems);
+        mSources = std::move(sources);
+    } else {
+        ALOGE("%s cannot be read; project %d stays in use", unreadable.c_str(), mSources.projectId);
     }
-    if (!isWhole && mIsRead) {
-        restore();
-        ALOGE("project %d cannot be read, project %d stays in use", projectId, mProjectId);
-    }
-    mFormerItems.clear();
+    mNewItems.clear();
     mIsRead = true;
-    return isWhole;
+    return unreadable.empty();
 }
 
-bool ProjectParser::readChain(const char* customerIniPath, int projectId,
-                              const std::string& boardId) {
-    mProjectId = projectId;
-    mReader.parse_customer_ini(customerIniPath, mCustomerId, mSysIniPath);
-    mReader.parse_sys_ini(mSysIniPath.c_str(), projectId, mProjectIniPath, mProjectMaxIdx);
-    const bool hasProject = mReader.parse_project_ini(mProjectIniPath.c_str(), mItems);
-    return parse_board_id_ini(boardId) && hasProject;
+std::string ProjectParser::readChain(const char* customerIniPath, int projectId,
+                                     const std::string& boardId, Sources& sources) {
+    sources.projectId = projectId;
+    mReader.parse_customer_ini(customerIniPath, sources.customerId, sources.sysIniPath);
+    // The highest index is no source: a set whose model cannot be read can still learn of further
+    // models.
+    mReader.parse_sys_ini(sources.sysIniPath.c_str(), projectId, sources.projectIniPath,
+                          mProjectMaxIdx);
+    const bool hasProject = mReader.parse_project_ini(sources.projectIniPath.c_str(), mNewItems);
+    const bool hasBoard = parse_board_id_ini(boardId, sources.boardIniPath);
+    if (!hasProject) {
+        return sources.projectIniPath;
+    }
+    return hasBoard ? std::string() : sources.boardIniPath;
 }
 
-bool ProjectParser::parse_board_id_ini(const std::string& boardId) {
+bool ProjectParser::parse_board_id_ini(const std::string& boardId, std::string& boardIniPath) {
     if (boardId == keyword::kNoBoardFile) {
-        mBoardIniPath.clear();
+        boardIniPath.clear();
         return true;
     }
     if (!boardId.empty()) {
-        mBoardIniPath = boardId;
+        boardIniPath = boardId;
     }
-    mBoardIniPath = mReader.cleanPath(mBoardIniPath);
-    return mReader.parse_project_ini(mBoardIniPath.c_str(), mItems);
+    boardIniPath = mReader.cleanPath(boardIniPath);
+    return mReader.parse_project_ini(boardIniPath.c_str(), mNewItems);
 }
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

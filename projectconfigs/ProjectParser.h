@@ -44,8 +44,8 @@ class ProjectParser {
      * highest index never decreases.
      *
      * The update fails if a project or board file exists but cannot be read: everything stays as it
-     * was, and the log says so. The first update has no former state, and keeps what it could read.
-     * If memory runs out, everything stays as it was.
+     * was, and the log names the file. The first update has no former state, and keeps what it
+     * could read. If memory runs out, everything stays as it was.
      *
      * @param customerIniPath  the customer file; if null, nothing changes
      * @param projectId        project index, the number after "Model_" in the system file
@@ -107,22 +107,31 @@ class ProjectParser {
   private:
     friend struct ProjectParserPeer;  // tests
 
-    // These run with mMutex held. False if a project or board file cannot be read.
-    bool readChain(const char* customerIniPath, int projectId, const std::string& boardId);
-    bool parse_board_id_ini(const std::string& boardId);
+    // Where the items come from. An update keeps what its files no longer name.
+    struct Sources {
+        int32_t projectId = 0;
+        std::string customerId;
+        std::string sysIniPath;
+        std::string projectIniPath;
+        std::string boardIniPath;
+    };
+
+    // These run with mMutex held, and read into mNewItems.
+    //
+    // Changes the sources to those that it reads. Returns the path of the project or board file
+    // that cannot be read, of the project file if neither can; empty if both can.
+    std::string readChain(const char* customerIniPath, int projectId, const std::string& boardId,
+                          Sources& sources);
+    bool parse_board_id_ini(const std::string& boardId, std::string& boardIniPath);
     void logSources() const;
 
     ProjectFileReader mReader;
     ItemStore mItems;
-    ItemStore mFormerItems;  // of the previous update, during one; keeps its memory for the next
-    bool mIsRead = false;    // after the first update
+    ItemStore mNewItems;   // of an update, while it runs; keeps its memory for the next
+    bool mIsRead = false;  // after the first update
     mutable std::mutex mMutex;
-    int32_t mProjectId = 0;
+    Sources mSources;
     uint32_t mProjectMaxIdx = 0;
-    std::string mCustomerId;
-    std::string mSysIniPath;
-    std::string mProjectIniPath;
-    std::string mBoardIniPath;
 };
 
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

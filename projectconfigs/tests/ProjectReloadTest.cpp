@@ -19,6 +19,7 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 namespace {
 
 using ::testing::Contains;
+using ::testing::Not;
 
 /** This process cannot open files during its life. */
 class NoDescriptors {
@@ -113,7 +114,8 @@ TEST_F(ProjectReloadTest, WithoutDescriptorsTheModelStays) {
     }
     expectModelA();
     EXPECT_THAT(logged(ANDROID_LOG_ERROR),
-                Contains("project 2 cannot be read, project 1 stays in use"));
+                Contains(mSet.tvconfigs() + "/model/A.ini cannot be read; project 1 stays in use"))
+            << "the system file, which names the other model's, cannot be read either";
     EXPECT_THAT(logged(ANDROID_LOG_ERROR), Contains("[mProjectMaxIdx:2] pid:3 is illegal!"));
     EXPECT_EQ(set(2), "true");
     EXPECT_EQ(panel(), "panel B");
@@ -132,6 +134,21 @@ TEST_F(ProjectReloadTest, BoardFileThatCannotBeReadKeepsTheModel) {
     EXPECT_EQ(set(2), "false");
     expectModelA();
     EXPECT_NE(boardName(), "");
+}
+
+// The file need not be one of the project that was asked for.
+TEST_F(ProjectReloadTest, TheLogNamesTheFileThatCannotBeRead) {
+    const auto complaint = [&](const std::string& file) {
+        return mSet.tvconfigs() + "/" + file + " cannot be read; project 1 stays in use";
+    };
+    makeUnreadable("board.ini");
+    EXPECT_EQ(set(2), "false");
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR), Contains(complaint("board.ini")));
+    mLog.clear();
+    makeUnreadable("model/A.ini");
+    EXPECT_EQ(set(9), "false");
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR), Contains(complaint("model/A.ini")));
+    EXPECT_THAT(logged(ANDROID_LOG_ERROR), Not(Contains(complaint("board.ini"))));
 }
 
 TEST_F(ProjectReloadTest, AFurtherModelIsFoundThoughThePresentOneCannotBeRead) {
