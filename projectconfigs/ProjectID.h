@@ -48,7 +48,8 @@ class ProjectID {
 
     /**
      * Changes the index and writes it to storage. The current index is written again only if it
-     * could not be written before.
+     * could not be written before. That means an earlier Set: the default index counts as written,
+     * although its file could be neither read nor created.
      *
      * @return false if the file could not be written, or memory ran out; the new index then lasts
      *         until the process ends, or until a later Set of it is written
