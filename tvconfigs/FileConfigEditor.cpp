@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "common/FileLimits.h"
+#include "common/ReadProblem.h"
 #include "common/SaveFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -129,8 +130,13 @@ bool FileConfigEditor::Update(const char* path, Items* former) {
     File file(name);
     if (!file.isOpen()) {
         ALOGE("ERROR: Open %s fail!", name.c_str());
-        if (mObserver != nullptr && !file.isMissing()) {
-            mObserver->onProblem({name, 0, ProblemKind::UNREADABLE, file.reason()});
+        if (file.isMissing()) {
+            return false;
+        }
+        const std::string reason = file.reason();
+        ALOGE("%s: %s", name.c_str(), textOf(ProblemKind::UNREADABLE, reason).c_str());
+        if (mObserver != nullptr) {
+            mObserver->onProblem({name, 0, ProblemKind::UNREADABLE, reason});
         }
         return false;
     }

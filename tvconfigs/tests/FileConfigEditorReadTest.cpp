@@ -225,6 +225,21 @@ TEST_F(FileConfigEditorReadTest, AFileThatCannotBeOpenedLeavesTheEntries) {
                 ElementsAre("ERROR: Open " + missing + " fail!", "ERROR: Open  fail!"));
 }
 
+TEST_F(FileConfigEditorReadTest, TellsWhyAFileCannotBeOpened) {
+    FileConfigEditor editor(mDir.write("tv.config", "a=1\n").c_str());
+    const std::string folder = mDir.path();
+    const std::string loop = mDir.path("loop");
+    ASSERT_EQ(symlink(loop.c_str(), loop.c_str()), 0);
+    EXPECT_FALSE(editor.Update(folder.c_str()));
+    EXPECT_FALSE(editor.Update(loop.c_str()));
+    EXPECT_EQ(entriesOf(editor), "a=1\n");
+    EXPECT_THAT(complaints(),
+                ElementsAre("ERROR: Open " + folder + " fail!",
+                            folder + ": cannot be read: not a regular file",
+                            "ERROR: Open " + loop + " fail!",
+                            loop + ": cannot be read: Too many levels of symbolic links"));
+}
+
 TEST_F(FileConfigEditorReadTest, MemoryThatRunsOutCostsTheFileOnly) {
     if (mlk::testing::kSanitized) {
         GTEST_SKIP() << "a sanitizer ends the process";
