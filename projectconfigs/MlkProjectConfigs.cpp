@@ -18,6 +18,7 @@
 #include "common/Decimal.h"
 #include "platform/Platform.h"
 #include "projectconfigs/ClientDescriptor.h"
+#include "projectconfigs/ClientText.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
@@ -63,10 +64,6 @@ void logDump(const Written& written) {
     ALOGW("debug -- dumping failed -- write() given up after %zu bytes, %s", written.size,
           written.outcome == WriteOutcome::UNREAD ? "nobody reads them"
                                                   : "too many dumps wait already");
-}
-
-ConfigKey nameOf(const ProjectConfigKey& key) {
-    return {{key.category.c_str(), key.category.size()}, {key.key.c_str(), key.key.size()}};
 }
 
 hidl_vec<uint32_t> numbersOf(const std::vector<_tv_country>& countries) {

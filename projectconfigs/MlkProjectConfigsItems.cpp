@@ -7,6 +7,7 @@
 #include "common/Answer.h"
 #include "common/ConfigKey.h"
 #include "common/Decimal.h"
+#include "projectconfigs/ClientText.h"
 #include "projectconfigs/MlkProjectConfigs.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -86,7 +87,7 @@ Return<void> MlkProjectConfigs::getCustomerId(getCustomerId_cb _hidl_cb) {
 }
 
 Return<void> MlkProjectConfigs::getConfig(const ProjectConfigKey& key, getConfig_cb _hidl_cb) {
-    answerValue(mSet.items(), {key.category.c_str(), key.key.c_str()}, _hidl_cb);
+    answerValue(mSet.items(), nameOf(key), _hidl_cb);
     return Void();
 }
 
@@ -94,7 +95,7 @@ Return<void> MlkProjectConfigs::getConfigsByCategory(const hidl_string& category
                                                      getConfigsByCategory_cb _hidl_cb) {
     hidl_vec<ConfigKeyValue> answer;
     if (category.c_str() != nullptr) {
-        const auto infos = mSet.items().getInfosByCategory(category.c_str());
+        const auto infos = mSet.items().getInfosByCategory(std::string(untilNul(category)));
         answer.resize(infos.size());
         size_t i = 0;
         for (const auto& [key, value] : infos) {

@@ -84,6 +84,12 @@ TEST_F(AudioTest, TextOfAnAvrEndsAtItsNul) {
     EXPECT_EQ(delay("ARC"), "54321");
 }
 
+TEST_F(AudioTest, NameOfAnItemEndsAtItsNul) {
+    startWithAllFiles();
+    const ProjectConfigKey key{std::string("[ARC]\0tail", 10), std::string("DELAY\0tail", 10)};
+    EXPECT_EQ(text(asked(&Service::getAudioDelay, key, "")), "4021");
+}
+
 TEST_F(AudioTest, FilesAreLoadedInOrder) {
     startWithAllFiles();
     start();

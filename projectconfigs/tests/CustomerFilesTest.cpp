@@ -45,14 +45,19 @@ class CustomerFilesTest : public ServiceOnSet {
         start();
     }
     // The results of the four lookups of a key of section [S].
-    std::vector<std::string> lookups(const std::string& key) {
-        const ProjectConfigKey item{"[S]", key};
+    std::vector<std::string> lookups(const std::string& key, const std::string& section = "[S]") {
+        const ProjectConfigKey item{section, key};
         return {number(asked(&Service::getKaraokeConfig, item)),
                 text(asked(&Service::getGlobalKeyConfig, item)),
                 number(asked(&Service::getCustomerDdcciConfigInt, item)),
                 text(asked(&Service::getCustomerDdcciConfigString, item))};
     }
 };
+
+TEST_F(CustomerFilesTest, NameEndsAtItsNul) {
+    startWith("k=12\n");
+    EXPECT_THAT(lookups({"k\0tail", 6}, {"[S]\0tail", 8}), ElementsAre("12", "12", "12", "12"));
+}
 
 TEST_F(CustomerFilesTest, AreLoadedInOrder) {
     startWith("k=1\n");

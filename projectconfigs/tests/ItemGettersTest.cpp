@@ -205,6 +205,14 @@ TEST_F(ItemGettersTest, ItemsOfACategoryInByteOrder) {
     EXPECT_EQ(asked(&Service::getConfigsByCategory, "S")->size(), 0U);
 }
 
+TEST_F(ItemGettersTest, NameEndsAtItsNul) {
+    load("[S]\nk=1\n");
+    const std::string section("[S]\0tail", 8);
+    EXPECT_EQ(text(asked(&Service::getConfig, ProjectConfigKey{section, std::string("k\0", 2)})),
+              "1");
+    EXPECT_EQ(asked(&Service::getConfigsByCategory, section)->size(), 1U);
+}
+
 TEST_F(ItemGettersTest, CategoryWithoutTextHasNoItems) {
     load("top=0\n");
     EXPECT_EQ(asked(&Service::getConfigsByCategory, absentText())->size(), 0U);
