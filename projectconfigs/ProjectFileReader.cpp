@@ -11,6 +11,7 @@
 #include "common/Decimal.h"
 #include "common/LineReader.h"
 #include "common/Paths.h"
+#include "common/Texts.h"
 #include "projectconfigs/ChainKeywords.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
@@ -90,10 +91,6 @@ bool contains(std::string_view line, std::string_view word) {
     return line.find(word) != npos;
 }
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 // The readers call these only if somebody observes.
 [[gnu::cold]] void tellSection(const LineReader& reader, std::string_view line,
                                std::string_view name) {
@@ -120,10 +117,6 @@ bool startsWith(std::string_view text, std::string_view start) {
                              std::string_view path, std::set<int32_t>& told) {
     const std::string key = std::string(keyword::kModel) + std::to_string(number);
     tellItem(reader, line, "", key, path, told.insert(number).second);
-}
-
-const char* orEmpty(const char* text) {
-    return text != nullptr ? text : "";
 }
 
 }  // namespace
@@ -274,14 +267,14 @@ void ProjectFileReader::addNewItem(ItemStore& items, ItemStore::Section section,
 }
 
 std::string_view ProjectFileReader::PatchIniItemPath(std::string_view value) {
-    if (!startsWith(value, "/")) {
+    if (!beginsWith(value, "/")) {
         return value;
     }
     // The prefix need not be followed by a "/".
     const std::pair<std::string_view, std::string_view> prefixes[] = {
             {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
     for (const auto& [prefix, mountPoint] : prefixes) {
-        if (startsWith(value, prefix)) {
+        if (beginsWith(value, prefix)) {
             const std::string_view rest = value.substr(prefix.size());
             char* const patched = mScratch.allocate(mountPoint.size() + rest.size());
             std::copy(rest.begin(), rest.end(),

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/Texts.h"
 #include "regional/CountryListParser.h"
 #include "regional/RegionalNames.h"
 #include "regional/XmlFile.h"

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/Texts.h"
 #include "regional/LogLines.h"
 #include "regional/RegionalNames.h"
 #include "regional/TvSysMapCfgHolder.h"
@@ -20,10 +21,6 @@ namespace {
 
 constexpr std::string_view kTvconfigs = "/tvconfigs";
 constexpr std::string_view kTvdata = "/tvdata";
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 // Text of an element of a country block; empty, and logged, if there is no such element.
 std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
@@ -203,10 +200,10 @@ std::string TvSysMapCfgHolder::getCountryName(_tv_country country) const {
 }
 
 std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) const {
-    if (startsWith(value, kTvconfigs)) {
+    if (beginsWith(value, kTvconfigs)) {
         return mPartitions.tvconfigs + value.substr(kTvconfigs.size());
     }
-    if (startsWith(value, kTvdata)) {
+    if (beginsWith(value, kTvdata)) {
         return mPartitions.tvdata + value.substr(kTvdata.size());
     }
     return value;

@@ -77,9 +77,4 @@ class XmlFile {
 /** Returns the text of the first child element of that name; null without a child or a text. */
 const char* textOfChild(const tinyxml2::XMLElement& parent, const char* name);
 
-/** Returns the text; an empty one for null. */
-inline const char* orEmpty(const char* text) {
-    return text != nullptr ? text : "";
-}
-
 }  // namespace vendor::morlak::mlkconfigs::V1_0::implementation

@@ -1,5 +1,6 @@
 #include "regional/testing/PlainFrequencyMap.h"
 
+#include "common/Texts.h"
 #include "regional/XmlFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation::plain {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "common/Texts.h"
 #include "regional/CountryListParser.h"
 #include "regional/FreqTableParser.h"
 #include "regional/XmlFile.h"
