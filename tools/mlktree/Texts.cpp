@@ -39,10 +39,6 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
-bool beginsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 bool looksLikeComment(std::string_view text) {
     const std::string_view start = trimmed(text);
     return beginsWith(start, "#") || beginsWith(start, ";") || beginsWith(start, "//");

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/Texts.h"
+
 namespace mlk::tree {
 
 /** A text in double quotes, with control characters and quotes written as escapes. */
@@ -11,8 +13,7 @@ std::string quoted(std::string_view text);
 /** The text without blanks, tabs, carriage returns and line feeds at both ends; a part of it. */
 std::string_view trimmed(std::string_view text);
 
-/** True if the text begins with the start. */
-bool beginsWith(std::string_view text, std::string_view start);
+using ::vendor::morlak::mlkconfigs::V1_0::implementation::beginsWith;
 
 /** True for a line that its author takes for a comment, whatever the format. */
 bool looksLikeComment(std::string_view text);

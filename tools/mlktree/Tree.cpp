@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tools/mlktree/FolderFiles.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 
@@ -19,13 +20,9 @@ std::string withoutSlashes(std::string path) {
     return path;
 }
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 // True if the path is the folder or lies in it.
 bool isIn(std::string_view path, std::string_view folder) {
-    return startsWith(path, folder) &&
+    return beginsWith(path, folder) &&
            (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
 }
 
@@ -82,7 +79,7 @@ std::string Tree::relative(std::string_view hostPath) const {
 std::string Tree::written(std::string_view hostPath) const {
     for (const Mount& mount : kMounts) {
         const std::string& folder = mPartitions.*mount.folder;
-        if (startsWith(hostPath, folder)) {
+        if (beginsWith(hostPath, folder)) {
             return "/" + std::string(mount.name).append(hostPath.substr(folder.size()));
         }
     }
@@ -90,7 +87,7 @@ std::string Tree::written(std::string_view hostPath) const {
 }
 
 std::string Tree::host(std::string_view relativePath) const {
-    if (startsWith(relativePath, "/")) {
+    if (beginsWith(relativePath, "/")) {
         return std::string(relativePath);
     }
     for (const Mount& mount : kMounts) {
@@ -105,7 +102,7 @@ std::string Tree::host(std::string_view relativePath) const {
 std::string Tree::hostOfWritten(std::string_view writtenPath) const {
     for (const Mount& mount : kMounts) {
         const std::string prefix = "/" + std::string(mount.name);
-        if (startsWith(writtenPath, prefix)) {
+        if (beginsWith(writtenPath, prefix)) {
             return std::string(mPartitions.*mount.folder).append(writtenPath.substr(prefix.size()));
         }
     }
@@ -148,7 +145,7 @@ std::string Tree::hostOfArgument(const std::string& argument) const {
             return nameInPartitions(path);
         }
     }
-    return startsWith(argument, "/") ? asWritten : asRelative;
+    return beginsWith(argument, "/") ? asWritten : asRelative;
 }
 
 }  // namespace mlk::tree
