@@ -26,7 +26,8 @@ bool ProjectParser::update(const char* customerIniPath, int projectId, const std
         std::swap(mItems, mNewItems);
         mSources = std::move(sources);
     } else {
-        ALOGE("%s cannot be read; project %d stays in use", unreadable.c_str(), mSources.projectId);
+        ALOGE("%s cannot be read; project %d stays in use", unreadable.c_str(),
+              mSources.mProjectId);
     }
     mNewItems.clear();
     mIsRead = true;
@@ -35,18 +36,18 @@ bool ProjectParser::update(const char* customerIniPath, int projectId, const std
 
 std::string ProjectParser::readChain(const char* customerIniPath, int projectId,
                                      const std::string& boardId, Sources& sources) {
-    sources.projectId = projectId;
-    mReader.parse_customer_ini(customerIniPath, sources.customerId, sources.sysIniPath);
+    sources.mProjectId = projectId;
+    mReader.parse_customer_ini(customerIniPath, sources.mCustomerId, sources.mSysIniPath);
     // The highest index is no source: a set whose model cannot be read can still learn of further
     // models.
-    mReader.parse_sys_ini(sources.sysIniPath.c_str(), projectId, sources.projectIniPath,
+    mReader.parse_sys_ini(sources.mSysIniPath.c_str(), projectId, sources.mProjectIniPath,
                           mProjectMaxIdx);
-    const bool hasProject = mReader.parse_project_ini(sources.projectIniPath.c_str(), mNewItems);
-    const bool hasBoard = parse_board_id_ini(boardId, sources.boardIniPath);
+    const bool hasProject = mReader.parse_project_ini(sources.mProjectIniPath.c_str(), mNewItems);
+    const bool hasBoard = parse_board_id_ini(boardId, sources.mBoardIniPath);
     if (!hasProject) {
-        return sources.projectIniPath;
+        return sources.mProjectIniPath;
     }
-    return hasBoard ? std::string() : sources.boardIniPath;
+    return hasBoard ? std::string() : sources.mBoardIniPath;
 }
 
 bool ProjectParser::parse_board_id_ini(const std::string& boardId, std::string& boardIniPath) {

@@ -109,11 +109,11 @@ class ProjectParser {
 
     // Where the items come from. An update keeps what its files no longer name.
     struct Sources {
-        int32_t projectId = 0;
-        std::string customerId;
-        std::string sysIniPath;
-        std::string projectIniPath;
-        std::string boardIniPath;
+        int32_t mProjectId = 0;
+        std::string mCustomerId;
+        std::string mSysIniPath;
+        std::string mProjectIniPath;
+        std::string mBoardIniPath;
     };
 
     // These run with mMutex held, and read into mNewItems.

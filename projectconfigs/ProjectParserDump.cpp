@@ -22,22 +22,22 @@ void ProjectParser::dumpDetail() const {
 }
 
 void ProjectParser::logSources() const {
-    ALOGD("\tCustomer ID=%s", mSources.customerId.c_str());
-    ALOGD("\tProject ID=%d", mSources.projectId);
+    ALOGD("\tCustomer ID=%s", mSources.mCustomerId.c_str());
+    ALOGD("\tProject ID=%d", mSources.mProjectId);
     ALOGD("\tProject max index=%d", static_cast<int>(mProjectMaxIdx));
-    ALOGD("\tSys ini file=%s", mSources.sysIniPath.c_str());
-    ALOGD("\tProject ini file=%s", mSources.projectIniPath.c_str());
-    ALOGD("\tBoard ini file=%s", mSources.boardIniPath.c_str());
+    ALOGD("\tSys ini file=%s", mSources.mSysIniPath.c_str());
+    ALOGD("\tProject ini file=%s", mSources.mProjectIniPath.c_str());
+    ALOGD("\tBoard ini file=%s", mSources.mBoardIniPath.c_str());
 }
 
 void ProjectParser::dump(std::ostream& out) const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    out << "  Customer ID: " << mSources.customerId << std::endl;
-    out << "  Project ID: " << mSources.projectId << std::endl;
+    out << "  Customer ID: " << mSources.mCustomerId << std::endl;
+    out << "  Project ID: " << mSources.mProjectId << std::endl;
     out << "  Project max index: " << mProjectMaxIdx << std::endl;
-    out << "  Sys ini file: " << mSources.sysIniPath << std::endl;
-    out << "  Project ini file: " << mSources.projectIniPath << std::endl;
-    out << "  Board ini file: " << mSources.boardIniPath << std::endl;
+    out << "  Sys ini file: " << mSources.mSysIniPath << std::endl;
+    out << "  Project ini file: " << mSources.mProjectIniPath << std::endl;
+    out << "  Board ini file: " << mSources.mBoardIniPath << std::endl;
     mItems.write(out, "    ");
 }
 

@@ -56,7 +56,7 @@ std::map<std::string, std::string> ProjectParser::getInfosByCategory(
 
 std::string ProjectParser::getCustomerId() const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return mSources.customerId;
+    return mSources.mCustomerId;
 }
 
 unsigned int ProjectParser::getProjectMaxIdx() const {
@@ -68,7 +68,7 @@ void ProjectParser::getProjectIniList(std::vector<std::string>& list) const {
     std::string path;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        path = mSources.sysIniPath;
+        path = mSources.mSysIniPath;
     }
     if (path.empty() || ProjectFileReader::isMissing(path, __func__, __LINE__)) {
         return;
