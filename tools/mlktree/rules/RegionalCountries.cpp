@@ -117,10 +117,14 @@ bool namesCountries(FileFormat format) {
            format == FileFormat::CHANNEL_MAP;
 }
 
-// The country that the line end was lost before, as in "CHINA,CNHONGKONG,HK".
+// The country that the line end was lost before, as in "CHINA,CNHONGKONG,HK". A comma has to
+// follow: "SOMALI" may stand after the comma of Somalia, and has no Mali.
 std::string_view countryAfterCode(std::string_view rest) {
-    const std::string_view entry = trimmed(rest.substr(0, rest.find(',')));
-    const std::string_view country = entry.substr(std::min(kCodeSize, entry.size()));
+    const size_t comma = rest.find(',');
+    if (comma == std::string_view::npos || comma < kCodeSize) {
+        return {};
+    }
+    const std::string_view country = rest.substr(kCodeSize, comma - kCodeSize);
     return countryOf(country) ? country : std::string_view();
 }
 
@@ -139,12 +143,16 @@ void checkLost(const ProductLine& line, Reporter& reporter) {
             }
             const std::string_view rest = read.text.substr(comma + 1);
             const std::string_view entry = countryIn(rest);
-            const std::string_view lost = entry.empty() ? countryAfterCode(rest) : entry;
-            if (!lost.empty() && lost != read.key) {
+            const std::string_view joined = entry.empty() ? countryAfterCode(rest) : "";
+            if (!joined.empty()) {
+                groups.add("joined", placeOf(line, *file, read, joined),
+                           "two lines are joined: begin a new line before " + quoted(joined) +
+                                   ", which the set does not offer here");
+            } else if (!entry.empty() && entry != read.key) {
                 groups.add(
-                        "lost", placeOf(line, *file, read, lost),
+                        "lost", placeOf(line, *file, read, entry),
                         "a line has one country, before its first comma: the set does not offer " +
-                                quoted(lost));
+                                quoted(entry));
             }
         }
     }
