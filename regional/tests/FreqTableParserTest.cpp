@@ -8,6 +8,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -274,10 +275,13 @@ TEST_F(FreqTableParserTest, AFolderGivenMeanwhileDoesNotCount) {
         std::string name;
         plans.GetFreqTableNameByCountry(folder, kUsa, FreqTableType::DTV_ANTENNA,
                                         AtscCableType::AUTO, name);
-        const OnLog meanwhile("GetTableList country index 44 type 0, freqName: air", [&] {
+        const auto useOther = [&] {
             plans.GetFreqTableNameByCountry(other, kUsa, FreqTableType::DTV_ANTENNA,
                                             AtscCableType::AUTO, name);
-        });
+        };
+        // Another thread, as another call is: this one holds the log's lock.
+        const OnLog meanwhile("GetTableList country index 44 type 0, freqName: air",
+                              [&] { std::thread(useOther).join(); });
         std::vector<HidlFreqListItem> items;
         EXPECT_TRUE(processParser().GetTableList(given, kUsa, FreqTableType::DTV_ANTENNA,
                                                  AtscCableType::AUTO, items));
