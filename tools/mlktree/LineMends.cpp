@@ -24,7 +24,7 @@ void dropBlanksOfEntry(FileFormat format, std::string& line) {
     const size_t begin = std::min(line.find_first_not_of(','), line.size());
     const size_t end = std::min(line.find(',', begin), line.size());
     const std::string entry(trimmed(std::string_view(line).substr(begin, end - begin)));
-    // Without its blanks an empty entry is none: the next one would take its place.
+    // The reader skips an empty entry: what follows its comma would take its place.
     if (!entry.empty()) {
         line.replace(begin, end - begin, entry);
     }
@@ -182,8 +182,8 @@ std::string plainColumns(std::string_view line) {
     return plain;
 }
 
-// A mark at the beginning of a file is none of its characters. In a plan it stays if it counts as
-// the first column.
+// Whether a mend removes the byte order mark at the beginning of a line. In a plan it stays if it
+// stands alone in the first column.
 bool dropsMark(FileFormat format, std::string_view line) {
     const std::string_view rest = line.substr(std::min(kByteOrderMark.size(), line.size()));
     const bool isColumn = format == FileFormat::CHANNEL_PLAN && beginsWith(trimmed(rest), ",");

@@ -193,7 +193,7 @@ TEST_F(FixTest, EntriesOfListsLoseTheirBlanks) {
 TEST_F(FixTest, AnEntryOfBlanksStays) {
     mDir.write("tvconfigs/c.txt", "SWEDEN\n ,GERMANY\n\xE2\x80\x8B,FRANCE\n,\xC2\xA0,ITALY\n");
     EXPECT_EQ(diff(), "");
-    // At the beginning of the file, a mark is none of its characters.
+    // At the beginning of the file, the mark says how it is encoded and belongs to no text.
     mDir.write("tvconfigs/c.txt", "\xEF\xBB\xBF,GERMANY\n");
     EXPECT_EQ(mended("tvconfigs/c.txt"), ",GERMANY\n");
 }
