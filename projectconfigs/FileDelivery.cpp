@@ -72,8 +72,14 @@ size_t readForClient(const std::string& path, const std::function<uint8_t*(size_
         ALOGD("[%s %d] %s don't exist.", "getTvFile", __LINE__, file.path.c_str());
         return 0;
     }
-    const size_t size = readWhole(file.path, placeFor);
-    ALOGD("getTvFile fileData size:%zu", size);
+    size_t unplaced = 0;
+    const size_t size = readWhole(file.path, [&](size_t wanted) {
+        uint8_t* const place = placeFor(wanted);
+        unplaced = place == nullptr ? wanted : 0;
+        return place;
+    });
+    // The size of the file, also if there is no memory for it: 0 would look like an empty file.
+    ALOGD("getTvFile fileData size:%zu", size + unplaced);
     return size;
 }
 

@@ -92,13 +92,15 @@ TEST_F(FileDeliveryTest, FileExistsOrNot) {
 }
 
 TEST_F(FileDeliveryTest, NoSharedMemoryWithoutAnAllocator) {
-    const auto memory = asked(&Service::getVendorPartitionFile, mSet.tvconfigs() + "/sys.ini");
+    write("tvdata/five.bin", "12345");
+    const auto memory = asked(&Service::getVendorPartitionFile, mSet.tvdata() + "/five.bin");
     ASSERT_TRUE(memory.has_value());
     EXPECT_FALSE(memory->valid());
     EXPECT_EQ(memory->size(), 0U);
     EXPECT_EQ(memory->name(), "");
     EXPECT_EQ(logged(ANDROID_LOG_DEBUG).front(),
-              "getVendorPartitionFile,path:" + mSet.tvconfigs() + "/sys.ini");
+              "getVendorPartitionFile,path:" + mSet.tvdata() + "/five.bin");
+    EXPECT_THAT(mLog.brief(), Contains("D/getTvFile fileData size:5"));
 }
 
 TEST_F(FileDeliveryTest, DebugWritesStoreAndAudioFiles) {
