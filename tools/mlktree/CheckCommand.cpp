@@ -2,6 +2,7 @@
 #include <optional>
 #include <ostream>
 
+#include "common/Paths.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Baseline.h"
 #include "tools/mlktree/CommonOptions.h"
@@ -78,14 +79,17 @@ void print(const Arguments& arguments, const CheckReport& report, const FormatCo
     file.finish();
 }
 
-// Refuses options that contradict each other. A new baseline replaces what the file knows of all
-// sets, so that none of them may be left out.
+// Refuses options that contradict each other. A new baseline has what is known of all sets, so that
+// none of them may be left out.
 void checkBaselineOptions(const Arguments& arguments) {
-    if (!arguments.has("--write-baseline")) {
-        return;
-    }
-    if (arguments.has("--baseline")) {
+    const bool isRenewed = arguments.has("--write-baseline");
+    if (isRenewed && arguments.has("--baseline")) {
         throw UsageError("--baseline reads what --write-baseline writes; leave one of them out");
+    }
+    const std::string path = arguments.value("--baseline");
+    if (!isRenewed &&
+        (path.empty() || vendor::morlak::mlkconfigs::V1_0::implementation::pathExists(path))) {
+        return;
     }
     std::string given;
     size_t count = 0;
@@ -96,7 +100,9 @@ void checkBaselineOptions(const Arguments& arguments) {
         }
     }
     if (count > 0) {
-        throw UsageError("--write-baseline writes the findings of all sets, and " + given +
+        throw UsageError((isRenewed ? "--write-baseline writes"
+                                    : "there is no file " + path + ", and a new one has") +
+                         " the findings of all sets, and " + given +
                          (count == 1 ? " chooses some of them; leave it out"
                                      : " choose some of them; leave them out"));
     }
@@ -170,7 +176,7 @@ Command checkCommand() {
                      outputOption("print to this file; \"-\" for standard output"),
                      {"--baseline", 0, "FILE",
                       "take the findings in FILE as known; if there is no such file, write today's "
-                      "findings to it",
+                      "findings to it, not with an option that chooses sets",
                       Completion::FILE},
                      {"--write-baseline", 0, "FILE",
                       "write today's findings to FILE in any case; not with an option that chooses "

@@ -290,6 +290,18 @@ TEST_F(CheckTest, ANewBaselineTakesAllSets) {
     EXPECT_EQ(check({"--baseline", known, "--model", "1"}).status, 1) << "reading it goes on";
 }
 
+TEST_F(CheckTest, AMissingBaselineIsMadeOfAllSets) {
+    breakModel();
+    const std::string known = mDir.path("known.json");
+    const Outcome refused = check({"--baseline", known, "--model", "1"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(refused.err, HasSubstr("there is no file " + known +
+                                       ", and a new one has the findings of all "
+                                       "sets, and --model chooses some of them; leave it out\n"));
+    EXPECT_FALSE(std::filesystem::exists(known));
+}
+
 TEST_F(CheckTest, SuggestsTheCountryThatIsMeant) {
     const Outcome misspelt = check({"--country", "GERMNY"});
     EXPECT_EQ(misspelt.status, 2);
