@@ -10,6 +10,7 @@
 
 #include "common/Decimal.h"
 #include "common/LineReader.h"
+#include "common/Partitions.h"
 #include "common/Paths.h"
 #include "common/Texts.h"
 #include "projectconfigs/ChainKeywords.h"
@@ -272,7 +273,9 @@ std::string_view ProjectFileReader::PatchIniItemPath(std::string_view value) {
     }
     // The prefix need not be followed by a "/".
     const std::pair<std::string_view, std::string_view> prefixes[] = {
-            {"/tvconfigs", mTvconfigsPath}, {"/tvdata", mTvdataPath}, {"/impdata", mImpdataPath}};
+            {partition::kTvconfigs, mTvconfigsPath},
+            {partition::kTvdata, mTvdataPath},
+            {partition::kImpdata, mImpdataPath}};
     for (const auto& [prefix, mountPoint] : prefixes) {
         if (beginsWith(value, prefix)) {
             const std::string_view rest = value.substr(prefix.size());

@@ -3,8 +3,8 @@
 #include <vendor/morlak/mlkconfigs/1.0/IMlkProjectConfigs.h>
 
 #include <algorithm>
-#include <array>
 
+#include "common/Partitions.h"
 #include "tools/mlkctl/Ask.h"
 
 namespace mlk::ctl {
@@ -12,8 +12,8 @@ namespace mlk::ctl {
 namespace {
 
 using V1_0::IMlkProjectConfigs;
-
-constexpr std::array<std::string_view, 3> kNames = {"/tvconfigs", "/tvdata", "/impdata"};
+using V1_0::implementation::kPartitionNames;
+using V1_0::implementation::Partitions;
 
 // The rest of a path after a folder: "" or "/x". Nothing if the path is not below the folder.
 std::optional<std::string_view> below(std::string_view path, std::string_view folder) {
@@ -54,13 +54,13 @@ std::string Mounts::asWritten(const std::string& path) const {
 Mounts mountsOf(Services& services) {
     return services.ask(projectInterface(), [](IBase& object) {
         using P = IMlkProjectConfigs;
-        const std::array<std::string, 3> points = {ask(object, &P::getTvconfigsPath).value,
-                                                   ask(object, &P::getTvdataPath).value,
-                                                   ask(object, &P::getImpdataPath).value};
+        const Partitions points{ask(object, &P::getTvconfigsPath).value,
+                                ask(object, &P::getTvdataPath).value,
+                                ask(object, &P::getImpdataPath).value};
         std::vector<Mounts::Mount> mounts;
-        for (size_t i = 0; i < kNames.size(); ++i) {
-            if (!points[i].empty()) {
-                mounts.push_back({std::string(kNames[i]), points[i]});
+        for (const auto& [name, mountPoint] : kPartitionNames) {
+            if (!(points.*mountPoint).empty()) {
+                mounts.push_back({std::string(name), points.*mountPoint});
             }
         }
         return Mounts(std::move(mounts));
@@ -68,18 +68,15 @@ Mounts mountsOf(Services& services) {
 }
 
 bool beginsAPartition(std::string_view text) {
-    return text.size() > 1 && std::any_of(kNames.begin(), kNames.end(), [text](auto name) {
-               return std::string_view(name).substr(0, text.size()) == text;
+    return text.size() > 1 &&
+           std::any_of(kPartitionNames.begin(), kPartitionNames.end(), [text](const auto& each) {
+               return each.name.substr(0, text.size()) == text;
            });
 }
 
 bool beginsWithPartition(std::string_view path) {
-    for (const std::string_view name : kNames) {
-        if (afterName(path, name)) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(kPartitionNames.begin(), kPartitionNames.end(),
+                       [path](const auto& each) { return afterName(path, each.name).has_value(); });
 }
 
 }  // namespace mlk::ctl

@@ -26,16 +26,6 @@ bool isIn(std::string_view path, std::string_view folder) {
            (path.size() == folder.size() || folder == "/" || path[folder.size()] == '/');
 }
 
-struct Mount {
-    std::string_view name;
-    std::string Partitions::*folder;
-};
-
-// In the order in which the service looks for them.
-constexpr Mount kMounts[] = {{"tvconfigs", &Partitions::tvconfigs},
-                             {"tvdata", &Partitions::tvdata},
-                             {"impdata", &Partitions::impdata}};
-
 }  // namespace
 
 Tree::Tree(std::string root, const Apart& apart) : mRoot(withoutSlashes(std::move(root))) {
@@ -59,10 +49,11 @@ Tree::Tree(std::string root, const Apart& apart) : mRoot(withoutSlashes(std::mov
 }
 
 std::string Tree::relative(std::string_view hostPath) const {
-    for (const Mount& mount : kMounts) {
-        const std::string& folder = mPartitions.*mount.folder;
+    for (const auto& [name, mountPoint] : kPartitionNames) {
+        const std::string& folder = mPartitions.*mountPoint;
         if (isIn(hostPath, folder)) {
-            std::string path = std::string(mount.name).append(hostPath.substr(folder.size()));
+            std::string path(name.substr(1));
+            path += hostPath.substr(folder.size());
             // Two slashes are one to the system: a file has one name.
             for (size_t at = path.find("//"); at != std::string::npos; at = path.find("//", at)) {
                 path.erase(at, 1);
@@ -77,10 +68,10 @@ std::string Tree::relative(std::string_view hostPath) const {
 }
 
 std::string Tree::written(std::string_view hostPath) const {
-    for (const Mount& mount : kMounts) {
-        const std::string& folder = mPartitions.*mount.folder;
+    for (const auto& [name, mountPoint] : kPartitionNames) {
+        const std::string& folder = mPartitions.*mountPoint;
         if (beginsWith(hostPath, folder)) {
-            return "/" + std::string(mount.name).append(hostPath.substr(folder.size()));
+            return std::string(name).append(hostPath.substr(folder.size()));
         }
     }
     return std::string(hostPath);
@@ -90,20 +81,19 @@ std::string Tree::host(std::string_view relativePath) const {
     if (beginsWith(relativePath, "/")) {
         return std::string(relativePath);
     }
-    for (const Mount& mount : kMounts) {
-        if (isIn(relativePath, mount.name)) {
-            return std::string(mPartitions.*mount.folder)
-                    .append(relativePath.substr(mount.name.size()));
+    for (const auto& [name, mountPoint] : kPartitionNames) {
+        const std::string_view folder = name.substr(1);
+        if (isIn(relativePath, folder)) {
+            return std::string(mPartitions.*mountPoint).append(relativePath.substr(folder.size()));
         }
     }
     return (mRoot == "/" ? "" : mRoot) + "/" + std::string(relativePath);
 }
 
 std::string Tree::hostOfWritten(std::string_view writtenPath) const {
-    for (const Mount& mount : kMounts) {
-        const std::string prefix = "/" + std::string(mount.name);
-        if (beginsWith(writtenPath, prefix)) {
-            return std::string(mPartitions.*mount.folder).append(writtenPath.substr(prefix.size()));
+    for (const auto& [name, mountPoint] : kPartitionNames) {
+        if (beginsWith(writtenPath, name)) {
+            return std::string(mPartitions.*mountPoint).append(writtenPath.substr(name.size()));
         }
     }
     return std::string(writtenPath);
@@ -116,8 +106,8 @@ std::string Tree::nameInPartitions(const std::string& hostPath) const {
     std::error_code error;
     // A link in a folder has a name of its own: only the way to the folder is resolved.
     const std::string folder = fs::canonical(fs::absolute(plain).parent_path(), error);
-    for (const Mount& mount : kMounts) {
-        const std::string& partition = mPartitions.*mount.folder;
+    for (const auto& each : kPartitionNames) {
+        const std::string& partition = mPartitions.*each.mountPoint;
         if (isIn(plain, partition)) {
             return plain;
         }

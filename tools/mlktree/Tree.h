@@ -9,6 +9,8 @@
 
 namespace mlk::tree {
 
+using vendor::morlak::mlkconfigs::V1_0::implementation::isInPartition;
+using vendor::morlak::mlkconfigs::V1_0::implementation::kPartitionNames;
 using vendor::morlak::mlkconfigs::V1_0::implementation::Partitions;
 
 /** A tree or a command line that cannot be used; the program ends with status 2. */

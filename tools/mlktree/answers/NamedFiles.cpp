@@ -62,12 +62,6 @@ bool mayNameFile(const AnswerName& name) {
            known->names == product::FileFormat::NONE;
 }
 
-bool isPartitionPath(std::string_view value) {
-    return !value.empty() && value.front() == '/' &&
-           (beginsWith(value, "/tvconfigs/") || beginsWith(value, "/tvdata/") ||
-            beginsWith(value, "/impdata/"));
-}
-
 std::vector<AnswerFile> namedFiles(const LineAnswers& line, const Tree& tree) {
     std::vector<char> mayName(line.names.size());
     for (size_t i = 0; i < mayName.size(); ++i) {
@@ -87,7 +81,7 @@ std::vector<AnswerFile> namedFiles(const LineAnswers& line, const Tree& tree) {
             continue;
         }
         for (const AnswerItem& item : line.items[i]) {
-            if (isPartitionPath(item.value) && mayName[item.name] != 0) {
+            if (isInPartition(item.value) && mayName[item.name] != 0) {
                 paths.insert(item.value);
             }
         }

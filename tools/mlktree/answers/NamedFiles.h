@@ -11,9 +11,6 @@ inline constexpr size_t kMostHashed = size_t{64} << 20U;
 /** Whether an item of that name names a file whose bytes the service delivers as they are. */
 bool mayNameFile(const AnswerName& name);
 
-/** Whether a value is a path of a partition: "/tvconfigs/pq/panel.bin". */
-bool isPartitionPath(std::string_view value);
-
 /** A hash as a text: 16 hexadecimal digits. */
 std::string hexOf(uint64_t hash);
 

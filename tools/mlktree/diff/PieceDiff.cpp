@@ -32,7 +32,7 @@ std::vector<std::vector<const AnswerItem*>> namingsIn(const LineAnswers& line, c
     std::vector<std::vector<const AnswerItem*>> namings(line.items.size());
     for (size_t i = 0; i < namings.size() && !files.empty(); ++i) {
         for (const AnswerItem& item : line.items[i]) {
-            if (isPartitionPath(item.value) && files.count(item.value) > 0 &&
+            if (isInPartition(item.value) && files.count(item.value) > 0 &&
                 mayNameFile(line.names[item.name])) {
                 namings[i].push_back(&item);
             }

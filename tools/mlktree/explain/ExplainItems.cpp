@@ -64,9 +64,7 @@ std::string pathNote(const SetModel& set, const SetItem& item) {
     const std::string_view value = item.current().value;
     const bool isPath = known != nullptr ? known->type == product::ValueType::PATH ||
                                                    known->type == product::ValueType::FOLDER
-                                         : beginsWith(value, "/tvconfigs/") ||
-                                                   beginsWith(value, "/tvdata/") ||
-                                                   beginsWith(value, "/impdata/");
+                                         : isInPartition(value);
     const bool isMissing = isPath && !value.empty() &&
                            !product::pathExists(set.line().tree().hostOfWritten(value));
     return isMissing ? " (missing)" : "";

@@ -36,10 +36,12 @@ std::string_view wordOf(product::ValueType type) {
 // The texts of a fact that is the same for all sets; empty for others.
 std::string constantOf(const std::string& kind, const ProductLine& line) {
     const Partitions& partitions = line.tree().partitions();
-    return kind == "tvconfigs" ? partitions.tvconfigs
-           : kind == "tvdata"  ? partitions.tvdata
-           : kind == "impdata" ? partitions.impdata
-                               : "";
+    for (const auto& [name, mountPoint] : kPartitionNames) {
+        if (kind == name.substr(1)) {
+            return partitions.*mountPoint;
+        }
+    }
+    return {};
 }
 
 std::string factsJson(const ProductLine& line) {

@@ -1,7 +1,7 @@
 #include "tools/mlktree/rules/MeaningPath.h"
 
 #include <algorithm>
-#include <iterator>
+#include <vector>
 
 #include "projectconfigs/KnownItems.h"
 #include "tools/mlktree/Nearest.h"
@@ -12,8 +12,6 @@ namespace mlk::tree {
 namespace {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
-
-constexpr std::string_view kPartitions[] = {"/tvconfigs", "/tvdata", "/impdata"};
 
 // The first folder of a path, with the "/" before it.
 std::string_view firstFolderOf(std::string_view path) {
@@ -28,8 +26,8 @@ bool isOfBoardId(const Naming& naming) {
 
 bool leavesPartition(std::string_view path) {
     const bool isInPartition =
-            std::any_of(std::begin(kPartitions), std::end(kPartitions),
-                        [&](std::string_view each) { return firstFolderOf(path) == each; });
+            std::any_of(kPartitionNames.begin(), kPartitionNames.end(),
+                        [&](const auto& each) { return firstFolderOf(path) == each.name; });
     if (!isInPartition || path.find("/..") == std::string_view::npos) {
         return false;
     }
@@ -60,8 +58,8 @@ PathForm formOf(std::string_view path) {
         return form == PathForm::INSIDE ? PathForm::BESIDE : form;
     }
     const std::string_view folder = firstFolderOf(path);
-    for (const std::string_view partition : kPartitions) {
-        if (folder == partition) {
+    for (const auto& each : kPartitionNames) {
+        if (folder == each.name) {
             return leavesPartition(path) ? PathForm::OUTSIDE : PathForm::INSIDE;
         }
     }
@@ -70,20 +68,22 @@ PathForm formOf(std::string_view path) {
 
 std::string_view partitionMeantBy(std::string_view path) {
     const std::string_view folder = firstFolderOf(path);
-    for (const std::string_view partition : kPartitions) {
-        if (beginsWith(folder, partition)) {
-            return partition;
+    std::vector<std::string_view> names;
+    for (const auto& each : kPartitionNames) {
+        if (beginsWith(folder, each.name)) {
+            return each.name;
         }
+        names.push_back(each.name);
     }
-    return nearest(folder, {std::begin(kPartitions), std::end(kPartitions)});
+    return nearest(folder, names);
 }
 
 std::string pathInside(std::string_view path) {
     std::string plain(path);
     std::replace(plain.begin(), plain.end(), '\\', '/');
     size_t last = 0;
-    for (const std::string_view partition : kPartitions) {
-        const size_t at = plain.rfind(std::string(partition) + "/");
+    for (const auto& each : kPartitionNames) {
+        const size_t at = plain.rfind(std::string(each.name) + "/");
         last = at != std::string::npos ? std::max(last, at) : last;
     }
     return last > 0 ? plain.substr(last) : std::string();

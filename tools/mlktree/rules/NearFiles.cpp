@@ -129,8 +129,8 @@ std::string NearFiles::nearFile(const std::string& host) {
     }
     const std::string written = tree.written(host);
     const std::string rest = written.substr(std::min(written.find('/', 1), written.size()));
-    for (const char* const partition : {"/tvconfigs", "/tvdata", "/impdata"}) {
-        std::string other = tree.hostOfWritten(partition + rest);
+    for (const auto& partition : kPartitionNames) {
+        std::string other = tree.hostOfWritten(std::string(partition.name) + rest);
         if (!rest.empty() && isRegularFile(other)) {
             return other;
         }

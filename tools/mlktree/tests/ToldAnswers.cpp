@@ -126,7 +126,7 @@ class Asking {
             for (const auto& [key, value] : items.getInfosByCategory(section)) {
                 const std::string path = written(value);
                 mTold["item " + nameOf(section, key)] = path;
-                if (isPartitionPath(path) && mayNameFile({section, key})) {
+                if (isInPartition(path) && mayNameFile({section, key})) {
                     const std::vector<uint8_t> bytes = product::ProjectParser::getTvFile(value);
                     mTold["file " + path] =
                             product::ProjectParser::isFileExist(value)
