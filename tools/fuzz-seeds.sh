@@ -36,10 +36,11 @@ for model in "$tvconfigs"/model/*.ini; do
     printf 'PROJECT_ID=%d\n' "$index" >"$work/project_id"
     sed 's|=.*|=/tvconfigs/b.ini|' "$partitions/impdata/board_id.bin" >"$work/board_id"
     boards=("$tvconfigs"/board/*.ini)
-    for part in 0 1 2 3; do
-        grep -v '^#' "$model" | tail -n "+$((part * 40 + 1))" | head -n 30 >"$work/model"
-        join "$work/project_id" "$work/board_id" "$customer" "$work/sys" "$work/model" \
-            "${boards[index % ${#boards[@]}]}" >"$to/project_chain/${model##*/}.$part"
+    rm -f "$work"/part.*
+    grep -v '^#' "$model" | split -l 30 - "$work/part."
+    for part in "$work"/part.*; do
+        join "$work/project_id" "$work/board_id" "$customer" "$work/sys" "$part" \
+            "${boards[index % ${#boards[@]}]}" >"$to/project_chain/${model##*/}.${part##*.}"
     done
 done
 
