@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""./test: where the tests make their files, and whose status it gives."""
+"""./test: where the tests make their files, whose status it gives, and what it refuses."""
 
 import os
 import unittest
@@ -43,6 +43,32 @@ class TestCommandCase(unittest.TestCase):
         for mounts in ("tmpfs 1073741823 rw", "tmpfs 1073741824 rw,noexec,relatime",
                        "ext4 1073741824 rw", ""):
             self.assertEqual(self.run_tests(mounts, TMPDIR=None), ["unset"], mounts)
+
+
+class WrongOptionsCase(unittest.TestCase):
+    """A wrong option is refused before ./test looks for packages, which it would install."""
+
+    def setUp(self):
+        self.tree = Tree()
+        self.addCleanup(self.tree.close)
+        self.stubs = self.tree.program("dpkg-query", 'touch "$TMPDIR/asked"; printf installed')
+
+    def refusal(self, *words):
+        done = self.tree.run("./test", *words, PATH=f"{self.stubs}:{os.environ['PATH']}")
+        self.assertEqual((done.returncode, done.stdout), (2, ""), words)
+        self.assertFalse((self.tree.temporary / "asked").exists(), words)
+        return done.stderr
+
+    def test_numbers_of_seconds(self):
+        for option in ("--fuzz", "--soak"):
+            for value in ([], [""], ["0"], ["1.5"], ["60s"], ["--", "1"]):
+                self.assertEqual(self.refusal(option, *value),
+                                 f"test: {option} takes a number of seconds\n", value)
+
+    def test_presets_and_unknown_options(self):
+        self.assertTrue(self.refusal("--preset").startswith("test: no preset '':"))
+        self.assertTrue(self.refusal("--preset", "fast").startswith("test: no preset 'fast':"))
+        self.assertTrue(self.refusal("--fast").startswith("test: unknown argument --fast;"))
 
 
 if __name__ == "__main__":
