@@ -57,40 +57,41 @@ size_t readAll(const std::vector<std::string>& paths) {
     return lines;
 }
 
-size_t checkAll(const std::string& root) {
-    const tree::Tree partitions(root, {});
+// A product line, as mlktree opens it without options.
+struct OpenedLine {
+    explicit OpenedLine(const std::string& root)
+        : partitions(root, {}),
+          properties(root + "/data/property", {}),
+          line(partitions, settings, properties, {}) {}
+
+    const tree::Tree partitions;
     const tree::Settings settings;
-    const tree::TreeProperties properties(root + "/data/property", {});
-    const tree::ProductLine line(partitions, settings, properties, {});
-    return tree::check(line).size();
+    const tree::TreeProperties properties;
+    const tree::ProductLine line;
+};
+
+size_t checkAll(const std::string& root) {
+    const OpenedLine opened(root);
+    return tree::check(opened.line).size();
 }
 
 size_t reportAll(const std::string& root) {
-    const tree::Tree partitions(root, {});
-    const tree::Settings settings;
-    const tree::TreeProperties properties(root + "/data/property", {});
-    const tree::ProductLine line(partitions, settings, properties, {});
-    const tree::ReportData data = tree::reportDataOf(line, tree::examine(line, true));
+    const OpenedLine opened(root);
+    const tree::ReportData data = tree::reportDataOf(opened.line, tree::examine(opened.line, true));
     return tree::inScript(data.summary).size() + tree::packed(data.data).size();
 }
 
 size_t snapshotOf(const std::string& root) {
-    const tree::Tree partitions(root, {});
-    const tree::Settings settings;
-    const tree::TreeProperties properties(root + "/data/property", {});
-    const tree::ProductLine line(partitions, settings, properties, {});
+    const OpenedLine opened(root);
     size_t size = 0;
-    tree::writeSnapshot(*tree::answersOf(line),
+    tree::writeSnapshot(*tree::answersOf(opened.line),
                         [&](std::string_view text) { size += text.size(); });
     return size;
 }
 
 size_t matrixOf(const std::string& root) {
-    const tree::Tree partitions(root, {});
-    const tree::Settings settings;
-    const tree::TreeProperties properties(root + "/data/property", {});
-    const tree::ProductLine line(partitions, settings, properties, {});
-    const auto answers = tree::answersOf(line);
+    const OpenedLine opened(root);
+    const auto answers = tree::answersOf(opened.line);
     const tree::Matrix matrix(*answers, {});
     size_t size = 0;
     tree::matrixText(matrix, {}, [&](std::string_view text) { size += text.size(); });
@@ -99,68 +100,72 @@ size_t matrixOf(const std::string& root) {
 
 // The files that a check reads: those that the sets use.
 std::vector<std::string> filesOf(const std::string& root) {
-    const tree::Tree partitions(root, {});
-    const tree::Settings settings;
-    const tree::TreeProperties properties(root + "/data/property", {});
-    const tree::ProductLine line(partitions, settings, properties, {});
+    const OpenedLine opened(root);
     std::vector<std::string> paths;
-    for (const auto& [path, file] : line.files()) {
-        paths.push_back(partitions.host(path));
+    for (const auto& [path, file] : opened.line.files()) {
+        paths.push_back(opened.partitions.host(path));
     }
     return paths;
 }
 
-void addReport(const LineSize& size) {
-    const auto dir = std::make_shared<std::unique_ptr<testing::TempDir>>();
+// The partitions of a product line, written when the first benchmark needs them.
+class WrittenLine {
+  public:
+    explicit WrittenLine(const LineSize& size) : mSize(size) {}
+
+    std::string root() {
+        if (mDir == nullptr) {
+            mDir = std::make_unique<testing::TempDir>();
+            writeTree(*mDir, mSize);
+        }
+        return mDir->path();
+    }
+    const std::vector<std::string>& files() {
+        if (mFiles.empty()) {
+            mFiles = filesOf(root());
+        }
+        return mFiles;
+    }
+
+  private:
+    const LineSize mSize;
+    std::unique_ptr<testing::TempDir> mDir;
+    std::vector<std::string> mFiles;
+};
+
+using SharedLine = std::shared_ptr<WrittenLine>;
+
+void addOurs(const std::string& family, const SharedLine& line, size_t number,
+             size_t (*work)(const std::string& root)) {
     benchmark::RegisterBenchmark(
-            ("report/ours/" + std::to_string(size.models)).c_str(), [=](benchmark::State& state) {
-                if (*dir == nullptr) {
-                    *dir = std::make_unique<testing::TempDir>();
-                    writeTree(**dir, size);
-                }
-                measureMedian(state, [&] { benchmark::DoNotOptimize(reportAll((*dir)->path())); });
+            (family + "/ours/" + std::to_string(number)).c_str(), [=](benchmark::State& state) {
+                const std::string root = line->root();
+                measureMedian(state, [&] { benchmark::DoNotOptimize(work(root)); });
             });
 }
 
-void add(const std::string& family, const LineSize& size, size_t number) {
-    const auto dir = std::make_shared<std::unique_ptr<testing::TempDir>>();
-    const auto paths = std::make_shared<std::vector<std::string>>();
-    const auto prepare = [=] {
-        if (*dir == nullptr) {
-            *dir = std::make_unique<testing::TempDir>();
-            writeTree(**dir, size);
-            *paths = filesOf((*dir)->path());
-        }
-    };
-    const std::string end = "/" + std::to_string(number);
-    benchmark::RegisterBenchmark((family + "/limit" + end).c_str(), [=](benchmark::State& state) {
-        prepare();
-        measureMedian(state, [&] { benchmark::DoNotOptimize(readAll(*paths)); });
-    });
-    benchmark::RegisterBenchmark((family + "/ours" + end).c_str(), [=](benchmark::State& state) {
-        prepare();
-        measureMedian(state, [&] { benchmark::DoNotOptimize(checkAll((*dir)->path())); });
-    });
-    if (family == "check") {
-        const auto addOther = [&](const std::string& name, size_t (*work)(const std::string&)) {
-            benchmark::RegisterBenchmark((name + end).c_str(), [=](benchmark::State& state) {
-                prepare();
-                measureMedian(state, [&] { benchmark::DoNotOptimize(work((*dir)->path())); });
+void addCheck(const std::string& family, const SharedLine& line, size_t number) {
+    benchmark::RegisterBenchmark(
+            (family + "/limit/" + std::to_string(number)).c_str(), [=](benchmark::State& state) {
+                const std::vector<std::string>& files = line->files();
+                measureMedian(state, [&] { benchmark::DoNotOptimize(readAll(files)); });
             });
-        };
-        addOther("snapshot/ours", snapshotOf);
-        addOther("matrix/ours", matrixOf);
-    }
+    addOurs(family, line, number, checkAll);
 }
 
 void registerAll() {
-    add("check", {}, LineSize().models);
-    addReport({});
+    const LineSize size;
+    const auto line = std::make_shared<WrittenLine>(size);
+    addCheck("check", line, size.models);
+    addOurs("report", line, size.models, reportAll);
+    addOurs("snapshot", line, size.models, snapshotOf);
+    addOurs("matrix", line, size.models, matrixOf);
     for (const size_t models : {size_t{50}, size_t{158}, size_t{500}}) {
-        add("growth-check-models", {models}, models);
+        addCheck("growth-check-models", std::make_shared<WrittenLine>(LineSize{models}), models);
     }
     for (const size_t countries : {size_t{10}, size_t{40}, size_t{160}}) {
-        add("growth-check-countries", {100, 4, countries}, countries);
+        addCheck("growth-check-countries",
+                 std::make_shared<WrittenLine>(LineSize{100, 4, countries}), countries);
     }
 }
 
