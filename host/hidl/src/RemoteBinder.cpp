@@ -182,9 +182,8 @@ status_t RemoteBinder::timedOut() const {
     return TIMED_OUT;
 }
 
-status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end,
-                                bool* lost) {
-    *lost = true;
+RemoteBinder::Exchanged RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply,
+                                               const Deadline& end) {
     const int connection = link->socket.get();
     Sending& sending = link->call.sending();
     std::chrono::milliseconds patience = end.left();
@@ -192,39 +191,37 @@ status_t RemoteBinder::exchange(Link* link, bool oneway, Parcel* reply, const De
         patience = end.isNever() ? kOnewayPatience : std::min(kOnewayPatience, patience);
     }
     const int error = sendWithin(connection, &sending, patience);
-    const bool whole = !sending.begun;
+    const bool isBegun = sending.begun;
     link->call.finish();
-    // When the kernel refuses the call, for example because of an invalid descriptor in it, the
-    // connection is unchanged.
     if (error == EAGAIN && !oneway) {
-        return timedOut();
+        return {timedOut(), true};
     }
     if (error != 0) {
-        *lost = !whole || endsConnection(error);
-        return *lost ? DEAD_OBJECT : FAILED_TRANSACTION;
+        // When the kernel refuses the call, for example because of an invalid descriptor in it, the
+        // connection is unchanged.
+        const bool isLost = isBegun || endsConnection(error);
+        return {isLost ? DEAD_OBJECT : FAILED_TRANSACTION, isLost};
     }
     if (oneway) {
-        *lost = false;
-        return OK;
+        return {OK, false};
     }
     IncomingMessage message;
     const MessageReader::Result result = receiveMessage(connection, &link->replies, &message, end);
     if (result == MessageReader::Result::AGAIN) {
-        return timedOut();
+        return {timedOut(), true};
     }
     if (result != MessageReader::Result::MESSAGE) {
-        return DEAD_OBJECT;
+        return {DEAD_OBJECT, true};
     }
     if (message.header().type != MessageType::REPLY) {
-        return DEAD_OBJECT;
+        return {DEAD_OBJECT, true};
     }
-    *lost = false;
     const auto status = static_cast<status_t>(message.header().code);
     if (status == OK) {
-        return reply->adopt(std::move(message));
+        return {reply->adopt(std::move(message)), false};
     }
     // Only the end of the connection means death.
-    return status == DEAD_OBJECT ? FAILED_TRANSACTION : status;
+    return {status == DEAD_OBJECT ? FAILED_TRANSACTION : status, false};
 }
 
 status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
@@ -235,32 +232,29 @@ status_t RemoteBinder::transact(uint32_t code, const Parcel& data, Parcel* reply
     if (link == nullptr) {
         return isDead() ? DEAD_OBJECT : timedOut();
     }
-    status_t status = DEAD_OBJECT;
-    bool lost = true;
+    Exchanged exchanged{DEAD_OBJECT, true};
     try {
-        status = link->call.encode(data, oneway ? MessageType::ONEWAY_CALL : MessageType::CALL,
-                                   code, kMaxCallBody);
-        if (status != OK) {
+        const status_t encoded = link->call.encode(
+                data, oneway ? MessageType::ONEWAY_CALL : MessageType::CALL, code, kMaxCallBody);
+        if (encoded != OK) {
             link->call.finish();
             release(link);
-            return status;
+            return encoded;
         }
-        status = exchange(link, oneway, reply, end, &lost);
+        exchanged = exchange(link, oneway, reply, end);
     } catch (const std::bad_alloc&) {
         // The state of the connection is unknown: the object counts as dead.
         link->call.finish();
-        status = DEAD_OBJECT;
-        lost = true;
     }
-    if (lost) {
+    if (exchanged.isLost) {
         markDead();
-        return status;
+        return exchanged.status;
     }
     release(link);
-    if (status == OK && callback != nullptr && !oneway) {
+    if (exchanged.status == OK && callback != nullptr && !oneway) {
         callback(*reply);
     }
-    return status;
+    return exchanged.status;
 }
 
 status_t RemoteBinder::linkToDeath(const sp<DeathRecipient>& recipient) {

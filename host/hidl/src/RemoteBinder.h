@@ -67,8 +67,12 @@ class RemoteBinder : public IBinder {
     bool isDead();
     void markDead();
     void markDeadLocked();
-    // lost: set when the connection is no longer usable.
-    status_t exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end, bool* lost);
+    // What became of a call that was to be sent.
+    struct Exchanged {
+        status_t status;
+        bool isLost;  // the connection is no longer usable
+    };
+    Exchanged exchange(Link* link, bool oneway, Parcel* reply, const Deadline& end);
     status_t timedOut() const;
 
     const std::string mName;  // empty for an object without a name

@@ -309,6 +309,51 @@ bool takeHandle(uint8_t* bytes, uint64_t length, std::vector<unique_fd>* descrip
     return true;
 }
 
+// Appends the object of a record, whose bytes and descriptors are the next ones of the message.
+// False if the record does not fit them.
+bool decodeObject(const WireObject& record, IncomingMessage* message, BodyCursor* body,
+                  size_t* nextDescriptor, std::vector<Parcel::Object>* objects) {
+    const bool hasParent = (record.flags & WireObject::kHasParent) != 0;
+    if (hasParent && !parentIsSound(record, *objects)) {
+        return false;
+    }
+    Parcel::Object& object = objects->emplace_back();
+    object.kind = static_cast<Parcel::ObjectKind>(record.kind);
+    object.isNull = (record.flags & WireObject::kIsNull) != 0;
+    object.hasParent = hasParent;
+    object.parent = record.parent;
+    object.parentOffset = record.parentOffset;
+    object.length = record.length;
+    switch (object.kind) {
+        case Parcel::ObjectKind::BUFFER:
+        case Parcel::ObjectKind::HANDLE:
+            if (object.isNull) {
+                return object.length == 0;
+            }
+            object.bytes = body->take(object.length);
+            return object.bytes != nullptr &&
+                   (object.kind == Parcel::ObjectKind::BUFFER ||
+                    takeHandle(static_cast<uint8_t*>(object.bytes), object.length,
+                               &message->descriptors, nextDescriptor));
+        case Parcel::ObjectKind::BINDER:
+            if (object.length != 0 || object.hasParent) {
+                return false;
+            }
+            if (object.isNull) {
+                return true;
+            }
+            if (*nextDescriptor == message->descriptors.size() ||
+                !isPacketSocket(message->descriptors[*nextDescriptor].get())) {
+                return false;
+            }
+            object.binder = RemoteBinder::fromConnection(
+                    std::move(message->descriptors[(*nextDescriptor)++]));
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* objects) {
@@ -329,53 +374,8 @@ status_t decodeObjects(IncomingMessage* message, std::vector<Parcel::Object>* ob
     objects->reserve(header.objectCount);
     size_t nextDescriptor = 0;
     for (uint32_t i = 0; i < header.objectCount; ++i) {
-        const WireObject& record = records[i];
-        const bool hasParent = (record.flags & WireObject::kHasParent) != 0;
-        if (hasParent && !parentIsSound(record, *objects)) {
+        if (!decodeObject(records[i], message, &body, &nextDescriptor, objects)) {
             return BAD_VALUE;
-        }
-        Parcel::Object& object = objects->emplace_back();
-        object.kind = static_cast<Parcel::ObjectKind>(record.kind);
-        object.isNull = (record.flags & WireObject::kIsNull) != 0;
-        object.hasParent = hasParent;
-        object.parent = record.parent;
-        object.parentOffset = record.parentOffset;
-        object.length = record.length;
-        switch (object.kind) {
-            case Parcel::ObjectKind::BUFFER:
-            case Parcel::ObjectKind::HANDLE:
-                if (object.isNull) {
-                    if (object.length != 0) {
-                        return BAD_VALUE;
-                    }
-                    break;
-                }
-                object.bytes = body.take(object.length);
-                if (object.bytes == nullptr) {
-                    return BAD_VALUE;
-                }
-                if (object.kind == Parcel::ObjectKind::HANDLE &&
-                    !takeHandle(static_cast<uint8_t*>(object.bytes), object.length,
-                                &message->descriptors, &nextDescriptor)) {
-                    return BAD_VALUE;
-                }
-                break;
-            case Parcel::ObjectKind::BINDER:
-                if (object.length != 0 || object.hasParent) {
-                    return BAD_VALUE;
-                }
-                if (object.isNull) {
-                    break;
-                }
-                if (nextDescriptor == message->descriptors.size() ||
-                    !isPacketSocket(message->descriptors[nextDescriptor].get())) {
-                    return BAD_VALUE;
-                }
-                object.binder = RemoteBinder::fromConnection(
-                        std::move(message->descriptors[nextDescriptor++]));
-                break;
-            default:
-                return BAD_VALUE;
         }
     }
     return body.atEnd() && nextDescriptor == message->descriptors.size() ? OK : BAD_VALUE;
