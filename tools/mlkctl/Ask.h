@@ -1,7 +1,7 @@
 #pragma once
 
-#include <optional>
-#include <utility>
+#include <tuple>
+#include <type_traits>
 
 #include "tools/mlkctl/Method.h"
 
@@ -14,22 +14,12 @@ namespace mlk::ctl {
 template <typename I, typename... Params, typename... Arguments>
 auto ask(IBase& object, Return<void> (I::*pointer)(Params...), const Arguments&... arguments) {
     using Callback = std::tuple_element_t<sizeof...(Arguments), std::tuple<Params...>>;
-    std::optional<typename details::AnswerOf<std::decay_t<Callback>>::Type> answer;
-    std::optional<Failure> failure;
-    const auto outcome = (static_cast<I&>(object).*pointer)(arguments..., [&](const auto& given) {
-        // No exception may pass through the transport.
-        try {
-            checkSound(given);
-            answer = given;
-        } catch (const Failure& thrown) {
-            failure = thrown;
-        }
-    });
-    if (failure) {
-        throw Failure(*failure);
-    }
-    checkOutcome(outcome, answer.has_value());
-    return std::move(*answer);
+    using Answer = typename details::AnswerOf<std::decay_t<Callback>>::Type;
+    return details::answerOf<Answer>(
+            [&](const auto& callback) {
+                return (static_cast<I&>(object).*pointer)(arguments..., callback);
+            },
+            [](const Answer& answer) { return answer; });
 }
 
 }  // namespace mlk::ctl

@@ -89,16 +89,19 @@ std::string printed(const Answer& answer, [[maybe_unused]] Form form) {
     return out;
 }
 
-/** Makes the call with a callback, and returns the printed answer that the callback receives. */
-template <typename Answer, typename Caller>
-std::string answerOf(Form form, const Caller& caller) {
-    std::optional<std::string> text;
+/**
+ * Makes the call with a callback, and returns what `convert` makes of the answer that the callback
+ * receives. Throws Failure as BoundCall does.
+ */
+template <typename Answer, typename Caller, typename Converter>
+auto answerOf(const Caller& caller, const Converter& convert) {
+    std::optional<std::invoke_result_t<const Converter&, const Answer&>> converted;
     std::optional<Failure> failure;
     const auto outcome = caller([&](const Answer& answer) {
         // No exception may pass through the transport.
         try {
             checkSound(answer);
-            text = printed(answer, form);
+            converted = convert(answer);
         } catch (const Failure& thrown) {
             failure = thrown;
         }
@@ -106,8 +109,8 @@ std::string answerOf(Form form, const Caller& caller) {
     if (failure) {
         throw Failure(*failure);
     }
-    checkOutcome(outcome, text.has_value());
-    return std::move(*text);
+    checkOutcome(outcome, converted.has_value());
+    return std::move(*converted);
 }
 
 template <typename I, typename... Params, size_t... Index>
@@ -126,9 +129,12 @@ Call makeCall(Return<void> (I::*pointer)(Params...), std::index_sequence<Index..
         ArgumentReader reader(words, arguments);
         (read(reader, &std::get<Index>(values)), ...);
         return [pointer, form, values = std::move(values)](IBase& object) {
-            return answerOf<Answer>(form, [&](const auto& callback) {
-                return (static_cast<I&>(object).*pointer)(std::get<Index>(values)..., callback);
-            });
+            return answerOf<Answer>(
+                    [&](const auto& callback) {
+                        return (static_cast<I&>(object).*pointer)(std::get<Index>(values)...,
+                                                                  callback);
+                    },
+                    [form](const Answer& answer) { return printed(answer, form); });
         };
     };
     return call;
