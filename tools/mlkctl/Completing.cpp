@@ -180,7 +180,7 @@ Candidates methodCandidates(const Interface& interface) {
 
 Candidates sectionCandidates(const Method& method, const Completing& at) {
     const DumpedSet set = setOf(at.services);
-    const std::vector<DumpedItem>* items = itemsBehind(method, set);
+    const std::vector<DumpedItem>* items = itemsAnsweredBy(method, set);
     if (items == nullptr) {
         return {};
     }
@@ -204,7 +204,7 @@ Candidates sectionCandidates(const Method& method, const Completing& at) {
 
 Candidates keyCandidates(const Method& method, const std::string& section, const Completing& at) {
     const DumpedSet set = setOf(at.services);
-    const std::vector<DumpedItem>* items = itemsBehind(method, set);
+    const std::vector<DumpedItem>* items = itemsAnsweredBy(method, set);
     Candidates candidates;
     if (items == nullptr) {
         return candidates;

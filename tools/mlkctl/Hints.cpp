@@ -49,7 +49,7 @@ void hintAtItem(const Method& method, const std::vector<Argument>& arguments,
         return;
     }
     const DumpedSet set = parseDump(dumpOf(environment.services));
-    const std::vector<DumpedItem>* items = itemsBehind(method, set);
+    const std::vector<DumpedItem>* items = itemsAnsweredBy(method, set);
     if (items == nullptr) {
         return;
     }

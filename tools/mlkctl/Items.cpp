@@ -60,7 +60,7 @@ std::optional<size_t> sectionWord(const Method& method) {
     return {};
 }
 
-const std::vector<DumpedItem>* itemsBehind(const Method& method, const DumpedSet& set) {
+const std::vector<DumpedItem>* itemsAnsweredBy(const Method& method, const DumpedSet& set) {
     if (method.name == "getConfig" || method.name == "getConfigsByCategory") {
         return &set.items;
     }

@@ -30,7 +30,7 @@ std::string sectionMeant(Services& services, const std::string& written);
 std::optional<size_t> sectionWord(const Method& method);
 
 /** The items that the method answers from: those of the audio files for getAudioDelay. */
-const std::vector<DumpedItem>* itemsBehind(const Method& method, const DumpedSet& set);
+const std::vector<DumpedItem>* itemsAnsweredBy(const Method& method, const DumpedSet& set);
 
 /**
  * Says which section or key is missing and which one is probably meant: "there is no section
