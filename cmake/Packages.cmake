@@ -1,12 +1,5 @@
 # What is installed, and the Debian packages of it: one package for each command-line tool.
 
-# An instrumented program is neither installed nor packaged.
-if(CMAKE_CXX_FLAGS MATCHES "-fsanitize|-fprofile")
-    set(MLK_PACKAGES OFF)
-else()
-    set(MLK_PACKAGES ON)
-endif()
-
 include(GNUInstallDirs)
 # An installed program finds the Android libraries where Debian keeps them.
 set(CMAKE_INSTALL_RPATH ${ANDROID_LIBRARY_DIR})
@@ -22,7 +15,8 @@ set(MLK_COMPLETION_fish "fish/vendor_completions.d/NAME.fish")
 # `NAME completion SHELL` prints; with documents of the tree. All of it is the component NAME, and a
 # package of that name.
 function(mlk_tool name summary)
-    if(NOT MLK_PACKAGES)
+    # An instrumented program is neither installed nor packaged.
+    if(MLK_INSTRUMENTED)
         return()
     endif()
     cmake_parse_arguments(ARG "" "" "SHELLS;PAGES;DOCUMENTS" ${ARGN})

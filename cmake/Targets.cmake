@@ -1,5 +1,16 @@
 # How a component becomes a library, a program or a test.
 
+# Tests that would show nothing new to a sanitizer are left out of a sanitized build. An instrumented
+# build is sanitized or measures coverage; it is not for users.
+set(MLK_SANITIZED OFF)
+set(MLK_INSTRUMENTED OFF)
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    set(MLK_SANITIZED ON)
+endif()
+if(MLK_SANITIZED OR CMAKE_CXX_FLAGS MATCHES "-fprofile")
+    set(MLK_INSTRUMENTED ON)
+endif()
+
 # Our own code must compile without a warning. Generated code is exempt.
 add_library(mlk_warnings INTERFACE)
 target_compile_options(mlk_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
