@@ -213,6 +213,8 @@ Questions frequencyQuestions(const ProjectService& service, const PlainSet& set)
         answers[call.path] = "";
     }
     plain::Names modulations = plain::modulations();
+    // The first round adds the modulations that only the tables name. The second gives the answers
+    // of a service that knows them all.
     for (int round = 0; round < 2; ++round) {
         for (auto& [path, answer] : answers) {
             answer = listText(plain::channels(plain::contentOf(path), modulations));
