@@ -96,7 +96,7 @@ std::optional<uint32_t> readFrom(File& file, const std::string& path,
 
 ProjectID::ProjectID(const std::string& directory, unsigned int defaultIndex)
     : mFilePath(pathIn(directory)) {
-    mId = Read().value_or(defaultIndex);
+    mId = readOrCreate().value_or(defaultIndex);
 }
 
 std::optional<uint32_t> ProjectID::read(const std::string& directory, ReadObserver* observer) {
@@ -111,7 +111,7 @@ std::optional<uint32_t> ProjectID::read(const std::string& directory, ReadObserv
     return {};
 }
 
-std::optional<uint32_t> ProjectID::Read() const {
+std::optional<uint32_t> ProjectID::readOrCreate() const {
     // Opened for writing too, so that the log tells now whether a later change can be stored.
     File file(mFilePath, O_RDWR);
     if (file.isOpen()) {

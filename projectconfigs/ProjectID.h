@@ -63,7 +63,7 @@ class ProjectID {
     static bool WriteTestLog(const char* /* text */) { return true; }
 
   private:
-    std::optional<uint32_t> Read() const;
+    std::optional<uint32_t> readOrCreate() const;
     bool Write() const;
 
     const std::string mFilePath;

@@ -26,7 +26,8 @@ bool SetChanges::setProject(int32_t id) {
     if (id > 0 && id > mProjectMaxIdx) {
         ALOGD("[%s:%d] Update and check Max ID again for the case of USB update",
               "SetProjectIdInternal", log_line::kMaxIdCheck);
-        mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
+        // If a file cannot be read, the items and the highest index stay, and the id is refused.
+        (void)mSet.store().load(static_cast<int>(mProjectID.Get()), mBoardID.Get());
         mProjectMaxIdx = highestIndex(mSet);
     }
     return selectLocked(id, "!");

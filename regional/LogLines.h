@@ -4,7 +4,8 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation::log_line {
 
 /*
  * Line numbers in messages of the form "[function:line] text". Tools that read the log tell these
- * messages apart by function and number, so each number is fixed and does not follow the code.
+ * messages apart by function and number, so each number below is fixed. The numbers of messages
+ * that are not listed here follow the code.
  */
 
 // TvSysMapCfgHolder::saveCountryId

@@ -23,12 +23,13 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 class RegionalData {
   public:
     /**
-     * @param partitions  returns the set's mount points; called when a default folder is needed
-     * @param hearer      hears of every line of the regional files; must outlive the object; null
-     *                    for none
+     * @param partitions    returns the set's mount points; called when a default folder is needed
+     * @param lineObserver  hears of every line of the regional files; must outlive the object; null
+     *                      for none
      */
-    explicit RegionalData(std::function<Partitions()> partitions, ReadObserver* hearer = nullptr)
-        : observer(hearer), plans(std::move(partitions), countries, hearer) {}
+    explicit RegionalData(std::function<Partitions()> partitions,
+                          ReadObserver* lineObserver = nullptr)
+        : observer(lineObserver), plans(std::move(partitions), countries, lineObserver) {}
     RegionalData(const RegionalData&) = delete;
     RegionalData& operator=(const RegionalData&) = delete;
 

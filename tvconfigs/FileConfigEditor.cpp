@@ -75,7 +75,7 @@ auto* valueToSet(Items& items, const char* key, const char* value) {
 }
 
 // Whether the line buffer takes another character. Logs it if not.
-bool hasRoom(const std::string& line) {
+bool checkRoom(const std::string& line) {
     if (line.size() < kFeatureLineSize) {
         return true;
     }
@@ -192,7 +192,7 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items, Lines lines) {
             }
         }
     }
-    const bool fits = hasRoom(line);  // a full line is too long at the end of the file, too
+    const bool fits = checkRoom(line);  // a full line is too long at the end of the file, too
     if (!fits) {
         lines.tellEnd(line, true);
     } else if (!line.empty()) {
@@ -204,7 +204,7 @@ std::string FileConfigEditor::ReadItems(File& file, Items& items, Lines lines) {
 bool FileConfigEditor::TakeByte(char byte, std::string& line, Items& items, Lines& lines) {
     // The order matters: after a full line, a NUL byte is no error, but a carriage return, a line
     // feed or the end of the file is one.
-    if (byte == '\0' || !hasRoom(line)) {
+    if (byte == '\0' || !checkRoom(line)) {
         return false;
     }
     if (byte == '\n') {

@@ -26,8 +26,9 @@ constexpr const TvFlagRow* flag(std::string_view method) {
 constexpr const TvSystemRow& kAtvSystem = kTvSystems[tvSystemItem("getAtvSystem")];
 constexpr const TvSystemRow& kDtvSystem = kTvSystems[tvSystemItem("getDtvSystem")];
 
-// The order in which values are loaded. It differs from the record's; a master comes before the
-// flags below it.
+// The order in which values are loaded. A master comes before the flags below it. HDMI comes after
+// the other inputs; in the record, which follows the flags' numbers, it comes before them. Both
+// orders are fixed: editors are asked in the one, and the dump prints the other.
 constexpr const TvFlagRow* kAtvFlags[] = {flag("atvEnabled"), flag("atvAntennaEnabled"),
                                           flag("atvCableEnabled")};
 constexpr const TvFlagRow* kOtherFlags[] = {flag("dtvEnabled"),
