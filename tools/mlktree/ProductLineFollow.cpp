@@ -75,12 +75,12 @@ ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine
     if (line.value.empty() || (!isPath && !namesFile)) {
         return {};
     }
-    std::string path = pathOf(line.value);
     if (namesFile && known->names == FileFormat::CHANNEL_PLANS) {
-        path.erase(path.find_last_not_of('/') + 1);
-        addOnce(mPlanFolders, path);
-        return {&mLine.mNamings[path + product::kChannelMapFile]};
+        const std::string folder = planFolderOf(mLine.mTree, line.value);
+        addOnce(mPlanFolders, folder);
+        return {&mLine.mNamings[folder + product::kChannelMapFile]};
     }
+    const std::string path = pathOf(line.value);
     NamingLists lists = {&mLine.mNamings[path]};
     if (!namesFile) {
         return lists;
@@ -149,7 +149,7 @@ void ProductLineBuilder::followTvSystems() {
 
 void ProductLineBuilder::followPlans() {
     if (mPlanFolders.empty() && !mLine.mModels.empty()) {
-        mPlanFolders.push_back("tvconfigs" + std::string(product::kDefaultPlansFolder));
+        mPlanFolders.push_back(planFolderOf(mLine.mTree, ""));
         name(mPlanFolders.back() + product::kChannelMapFile, nullptr, nullptr);
     }
     std::sort(mPlanFolders.begin(), mPlanFolders.end());

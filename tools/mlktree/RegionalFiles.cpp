@@ -64,6 +64,18 @@ TvSystems::TvSystems(const Tree& tree, const TreeProperties& properties, const s
     }
 }
 
+std::string planFolderOf(const Tree& tree, std::string_view value) {
+    if (value.empty()) {
+        return "tvconfigs" + std::string(product::kDefaultPlansFolder);
+    }
+    // One folder has one name, so that it is read once.
+    std::string path = tree.relative(tree.hostOfWritten(value));
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
 PlanFolder::PlanFolder(const Tree& tree, std::string path)
     : mPath(std::move(path)),
       mMap(std::make_unique<FileLines>(mPath + product::kChannelMapFile, FileFormat::CHANNEL_MAP)),

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "regional/CountryTable.h"
 #include "regional/RegionalData.h"
@@ -51,6 +52,12 @@ class TvSystems {
     vendor::morlak::mlkconfigs::V1_0::implementation::RegionalData mData;
     vendor::morlak::mlkconfigs::V1_0::implementation::TvSysMapCfgHolder mHolder;
 };
+
+/**
+ * The folder of channel plans of a set with that value of the item, relative to the tree and
+ * without "/" at its end; without a value, the folder that the service uses then.
+ */
+std::string planFolderOf(const Tree& tree, std::string_view value);
 
 /** A folder of channel plans with its map, as the service reads and asks it. Thread-safe. */
 class PlanFolder {

@@ -207,7 +207,7 @@ void PieceMaker::makePlans() {
     const auto wanted = listOf(mPlans);
     forEachInParallel(wanted.size(), [&](size_t i) {
         const auto& [value, country] = wanted[i].first;
-        const PlanFiles& files = mFiles.plans(planFolderOf(mFiles.line(), value));
+        const PlanFiles& files = mFiles.plans(planFolderOf(mFiles.line().tree(), value));
         found[i] = plansOf({files.folder.get(), files.map}, country);
     });
     for (size_t i = 0; i < wanted.size(); ++i) {

@@ -2,7 +2,6 @@
 #include <memory>
 
 #include "common/Paths.h"
-#include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
@@ -127,8 +126,7 @@ _tv_country countryNamed(const std::string& name) {
 // Why there is no such plan: what the map says.
 NotFound missing(const SetModel& set, const PlanRequest& request,
                  const std::vector<CountryPlan>& plans) {
-    const std::string map = planFolderOf(set.line(), set.valueOf(product::item::kChannelPlans)) +
-                            product::kChannelMapFile;
+    const std::string map = planFolderOf(set) + product::kChannelMapFile;
     const FileLines* const file = set.line().find(map);
     const std::string choice = nameOf(set.choice());  // empty if the line has no model
     const std::string what = request.country + " has no plan " + request.name() +

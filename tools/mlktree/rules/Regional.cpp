@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "projectconfigs/KnownItems.h"
-#include "regional/RegionalNames.h"
 #include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
@@ -25,11 +24,6 @@ std::string pathOf(const ProductLine& line, std::string_view value) {
     return line.tree().relative(line.tree().hostOfWritten(value));
 }
 
-std::string folderOf(const ProductLine& line, std::string_view value) {
-    std::string path = pathOf(line, value);
-    return path.erase(path.find_last_not_of('/') + 1);
-}
-
 // The files of a line by their paths.
 class FilesByPath {
   public:
@@ -44,13 +38,10 @@ class FilesByPath {
 
     RegionalSet setOf(std::string_view list, std::string_view systems,
                       std::string_view plans) const {
-        const std::string folder = plans.empty()
-                                           ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
-                                           : folderOf(mLine, plans);
         RegionalSet set;
         set.list = list.empty() ? nullptr : mLine.find(pathOf(mLine, list));
         set.systems = systems.empty() ? nullptr : at(mSystems, pathOf(mLine, systems));
-        set.plans = at(mPlans, folder);
+        set.plans = at(mPlans, planFolderOf(mLine.tree(), plans));
         return set;
     }
 

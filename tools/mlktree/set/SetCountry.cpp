@@ -67,9 +67,8 @@ std::string countryName(_tv_country country) {
     return name;
 }
 
-std::string planFolderOf(const ProductLine& line, std::string_view value) {
-    return value.empty() ? "tvconfigs" + std::string(product::kDefaultPlansFolder)
-                         : line.tree().relative(line.tree().hostOfWritten(value));
+std::string planFolderOf(const SetModel& set) {
+    return planFolderOf(set.line().tree(), set.valueOf(product::item::kChannelPlans));
 }
 
 std::vector<CountryPlan> plansOf(const PlanPlace& place, _tv_country country) {
@@ -99,7 +98,7 @@ std::vector<CountryPlan> plansOf(const PlanPlace& place, _tv_country country) {
 }
 
 std::vector<CountryPlan> plansOf(const SetModel& set, _tv_country country) {
-    const std::string path = planFolderOf(set.line(), set.valueOf(product::item::kChannelPlans));
+    const std::string path = planFolderOf(set);
     PlanPlace place;
     for (const PlanFiles& files : set.line().planFolders()) {
         if (files.folder->path() == path) {

@@ -32,8 +32,8 @@ struct PlanPlace {
     const FileLines* map = nullptr;
 };
 
-/** The path of the folder of plans in a set with that value of the item, relative to the tree. */
-std::string planFolderOf(const ProductLine& line, std::string_view value);
+/** The folder of channel plans of a set, relative to the tree. */
+std::string planFolderOf(const SetModel& set);
 
 /** The plans of a country that the map of a folder names, in the order of their kinds; without
  * their channels. */
