@@ -7,15 +7,6 @@
 
 namespace mlk::tree {
 
-namespace {
-
-bool isXml(FileFormat format) {
-    return format == FileFormat::TV_SYSTEMS || format == FileFormat::COUNTRY_MAP ||
-           format == FileFormat::CHANNEL_MAP;
-}
-
-}  // namespace
-
 std::vector<AllowComment> allowCommentsOf(const ProductLine& line) {
     std::vector<AllowComment> all;
     for (const auto& [path, file] : line.files()) {

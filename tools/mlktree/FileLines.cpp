@@ -30,6 +30,11 @@ bool isIdentity(FileFormat format) {
            format == FileFormat::COUNTRY_ID;
 }
 
+bool isXml(FileFormat format) {
+    return format == FileFormat::TV_SYSTEMS || format == FileFormat::COUNTRY_MAP ||
+           format == FileFormat::CHANNEL_MAP;
+}
+
 bool FileLines::isUnreadable() const {
     return std::any_of(mProblems.begin(), mProblems.end(), [](const Problem& problem) {
         return product::isWholeFileLost(problem.kind);

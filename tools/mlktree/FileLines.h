@@ -31,6 +31,9 @@ std::string_view nameOf(FileFormat format);
 /** True for the files that say which set this is. Their keyword counts anywhere in a line. */
 bool isIdentity(FileFormat format);
 
+/** True for the formats that are XML: their reader tells elements, not lines. */
+bool isXml(FileFormat format);
+
 /** What the reader complained about; line 0 for the whole file. */
 struct Problem {
     size_t line;

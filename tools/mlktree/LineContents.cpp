@@ -20,14 +20,10 @@ bool isAlike(const ReadLine& one, const ReadLine& other) {
            one.key == other.key && one.value == other.value;
 }
 
-bool isXml(const FileLines& file) {
-    return !file.lines().empty() && file.lines().front().column == 0;
-}
-
 }  // namespace
 
 void LineContents::add(FileLines& file) {
-    if (isXml(file)) {
+    if (isXml(file.format())) {
         return;
     }
     const std::vector<ReadLine>& lines = file.lines();

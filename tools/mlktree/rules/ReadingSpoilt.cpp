@@ -15,11 +15,6 @@ namespace mlk::tree {
 
 namespace {
 
-bool isXml(const FileLines& file) {
-    return file.format() == FileFormat::TV_SYSTEMS || file.format() == FileFormat::COUNTRY_MAP ||
-           file.format() == FileFormat::CHANNEL_MAP;
-}
-
 // True for two bytes a character: a mark says so, or every second byte is a NUL.
 bool isUtf16(std::string_view text) {
     constexpr size_t kLookedAt = 32;
@@ -59,7 +54,7 @@ void checkUtf16(const ProductLine& line, Reporter& reporter) {
 template <typename Check>
 void forEachWholeLine(const ProductLine& line, const FileLines& file,
                       const std::vector<bool>& marks, const Check& check) {
-    if (isXml(file)) {
+    if (isXml(file.format())) {
         // Its reader tells of elements, and XML with these marks has none.
         if (file.problems().empty()) {
             return;

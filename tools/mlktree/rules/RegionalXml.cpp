@@ -35,11 +35,6 @@ std::string_view nameAt(std::string_view text, size_t at) {
 
 }  // namespace
 
-bool isXml(FileFormat format) {
-    return format == FileFormat::TV_SYSTEMS || format == FileFormat::COUNTRY_MAP ||
-           format == FileFormat::CHANNEL_MAP;
-}
-
 std::vector<const FileLines*> xmlFilesOf(const ProductLine& line) {
     std::vector<const FileLines*> files;
     for (const auto& [path, file] : line.files()) {

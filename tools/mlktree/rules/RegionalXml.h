@@ -16,9 +16,6 @@ struct SourceName {
     Place place;
 };
 
-/** True for the formats that are XML. */
-bool isXml(FileFormat format);
-
 /** The XML files of a line that were read whole. */
 std::vector<const FileLines*> xmlFilesOf(const ProductLine& line);
 
