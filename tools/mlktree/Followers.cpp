@@ -39,8 +39,7 @@ bool hidesFiles(const Finding& finding, const ProductLine& line) {
     const bool isOfChain = file != nullptr && (file->format() == FileFormat::CUSTOMER ||
                                                file->format() == FileFormat::SYSTEM);
     return isOfChain || finding.spoilt.last == kWholeFile.last || finding.rule == "malformed-xml" ||
-           (finding.rule == "merge-conflict" &&
-            finding.place.file.find(".xml") != std::string::npos);
+           (finding.rule == "merge-conflict" && file != nullptr && isXml(file->format()));
 }
 
 // The lines that the findings of one rule spoil in one file: in their order, and none twice.
