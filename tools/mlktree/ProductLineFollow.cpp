@@ -12,6 +12,8 @@
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
 #include "tools/mlktree/ProductLineBuilder.h"
+#include "tools/mlktree/Texts.h"
+#include "tvconfigs/TvConfigItems.h"
 
 namespace mlk::tree {
 
@@ -61,7 +63,7 @@ void ProductLineBuilder::followItems() {
         name(path, nullptr, nullptr);
         ask(path, FileFormat::AUXILIARY);
     }
-    const std::string features = "tvconfigs/tv.config";
+    const std::string features = "tvconfigs" + std::string(product::kDefaultTvConfigFile);
     name(features, nullptr, nullptr);
     ask(features, FileFormat::TV_FEATURES);
     readRequests();
@@ -94,7 +96,7 @@ ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine
         line.section == product::item::kAvrAudio.category) {
         const std::string folder = folderOf(path);
         for (const std::string& avr : iniFilesIn(folder, kMostReceivers, "files of receivers")) {
-            if (avr.compare(0, 4, "AVR_") == 0) {
+            if (beginsWith(avr, product::kAvrAudioPrefix)) {
                 const std::string avrPath = pathIn(folder, avr);
                 lists.push_back(&mLine.mNamings[avrPath]);
                 ask(avrPath, FileFormat::AUXILIARY);
