@@ -13,13 +13,13 @@
 #include "regional/LogLines.h"
 #include "regional/RegionalNames.h"
 #include "regional/TvSysMapCfgHolder.h"
+#include "regional/TvconfigsPath.h"
 #include "regional/XmlFile.h"
 
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr std::string_view kTvconfigs = "/tvconfigs";
 constexpr std::string_view kTvdata = "/tvdata";
 
 // Text of an element of a country block; empty, and logged, if there is no such element.
@@ -209,14 +209,14 @@ std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) 
     return value;
 }
 
-// Replaces everything up to and including "/tvconfigs" by the partition's path, because files are
-// copied between products with other mount points. False if the path does not contain "/tvconfigs".
+// Replaces everything up to and including "/tvconfigs" by the partition's path. False if the path
+// does not contain "/tvconfigs".
 bool TvSysMapCfgHolder::moveToTvconfigs(std::string& path) const {
-    const size_t at = path.find(kTvconfigs);
-    if (at == std::string::npos) {
+    const std::string written(fromTvconfigs(path));
+    if (written.empty()) {
         return false;
     }
-    path.replace(0, at + kTvconfigs.size(), mPartitions.tvconfigs);
+    path = patchToTargetBoardPath(written);
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include "projectconfigs/KnownProperties.h"
 #include "projectconfigs/SoundDelays.h"
 #include "regional/RegionalNames.h"
+#include "regional/TvconfigsPath.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Parallel.h"
 #include "tools/mlktree/ProductLineBuilder.h"
@@ -136,11 +137,10 @@ void ProductLineBuilder::followTvSystems() {
         }
         // By reference: the lines are kept, so a copy must not be walked through.
         for (const ReadLine& line : files.map->lines()) {
-            // The service removes what stands before the partition's name.
-            const size_t at = line.value.find("/tvconfigs");
+            const std::string_view written = product::fromTvconfigs(line.value);
             if (line.use == LineUse::ITEM && line.key == product::element::kFeaturesOfCountry &&
-                at != std::string_view::npos) {
-                const std::string path = pathOf(line.value.substr(at));
+                !written.empty()) {
+                const std::string path = pathOf(written);
                 name(path, files.map, &line);
                 ask(path, FileFormat::TV_FEATURES);
             }

@@ -4,6 +4,7 @@
 
 #include "common/Paths.h"
 #include "regional/RegionalNames.h"
+#include "regional/TvconfigsPath.h"
 
 namespace mlk::tree {
 
@@ -50,12 +51,9 @@ TvSystems::TvSystems(const Tree& tree, const TreeProperties& properties, const s
     mHolder.loadCountryTvConfigMapXML();
     mFile->finish(product::pathExists(host), {});
     const ReadLine* const named = mFile->find("", product::element::kCountryMap);
-    // The service replaces everything up to the partition's name, and uses no other path.
-    constexpr std::string_view kPartition = "/tvconfigs";
-    const size_t at = named != nullptr ? named->value.find(kPartition) : std::string_view::npos;
-    if (at != std::string_view::npos) {
-        const std::string mapHost = tree.partitions().tvconfigs +
-                                    std::string(named->value.substr(at + kPartition.size()));
+    const std::string_view map = named != nullptr ? product::fromTvconfigs(named->value) : "";
+    if (!map.empty()) {
+        const std::string mapHost = tree.hostOfWritten(map);
         mMap = static_cast<ByFile&>(*mObserver).takeSecond();
         if (mMap == nullptr) {
             mMap = std::make_unique<FileLines>(tree.relative(mapHost), FileFormat::COUNTRY_MAP);

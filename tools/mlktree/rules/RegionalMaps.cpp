@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "regional/RegionalNames.h"
+#include "regional/TvconfigsPath.h"
 #include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Texts.h"
@@ -18,8 +19,6 @@ namespace {
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
 namespace element = product::element;
 namespace attribute = product::attribute;
-
-constexpr std::string_view kPartition = "/tvconfigs";
 
 bool hasIgnoredLike(const FileLines& file, std::string_view name) {
     return std::any_of(file.lines().begin(), file.lines().end(), [name](const ReadLine& read) {
@@ -51,12 +50,11 @@ void checkOutside(const ProductLine& line, Reporter& reporter) {
                 isSystems ? element::kCountryMap : element::kFeaturesOfCountry;
         for (const ReadLine& read : file->lines()) {
             if (read.use == LineUse::ITEM && read.key == name && read.owner.empty() == isSystems &&
-                !trimmed(read.value).empty() &&
-                read.value.find(kPartition) == std::string_view::npos) {
+                !trimmed(read.value).empty() && product::fromTvconfigs(read.value).empty()) {
                 groups.add(std::string(read.value), placeOf(line, *file, read, trimmed(read.value)),
                            quoted(trimmed(read.value)) +
                                    " is not used, because it does not lie in " +
-                                   std::string(kPartition));
+                                   std::string(product::kTvconfigs));
             }
         }
     }

@@ -2,21 +2,12 @@
 
 #include "projectconfigs/KnownItems.h"
 #include "regional/RegionalNames.h"
+#include "regional/TvconfigsPath.h"
 #include "tools/mlktree/CountryBlocks.h"
 
 namespace mlk::tree {
 
 namespace product = vendor::morlak::mlkconfigs::V1_0::implementation;
-
-namespace {
-
-// The service moves everything up to the partition's name to the partition.
-std::string_view fromTvconfigs(std::string_view path) {
-    const size_t at = path.find("/tvconfigs");
-    return at == std::string_view::npos ? path : path.substr(at);
-}
-
-}  // namespace
 
 CountryItems::CountryItems(const TvSystemFiles& files) : mFiles(files) {
     for (const ReadLine& read : files.file->lines()) {
@@ -54,8 +45,8 @@ CountryBrings CountryItems::of(_tv_country country) const {
         const ReadLine* const read = block.find(product::element::kFeaturesOfCountry);
         if (read != nullptr && !systems.featuresOf(country).empty()) {
             const product::ConfigKey& item = product::kTvConfigItem;
-            brings.items.push_back(
-                    {item.category, item.key, fromTvconfigs(read->value), mFiles.map, read});
+            brings.items.push_back({item.category, item.key, product::fromTvconfigs(read->value),
+                                    mFiles.map, read});
         }
         break;
     }
