@@ -11,6 +11,7 @@
 #include "tools/mlktree/Formats.h"
 #include "tools/mlktree/OpenTree.h"
 #include "tools/mlktree/Progress.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/WrittenFile.h"
 
 namespace mlk::tree {

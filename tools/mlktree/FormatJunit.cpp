@@ -5,6 +5,7 @@
 #include <map>
 
 #include "tools/mlktree/Formats.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/XmlText.h"
 
 namespace mlk::tree {

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "tools/mlktree/ShownLine.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 
@@ -13,15 +14,6 @@ const std::vector<std::pair<std::string_view, Format>>& formats() {
             {"github", formatGithub}, {"junit", formatJunit},
     };
     return kFormats;
-}
-
-std::string counted(size_t count, std::string_view what) {
-    std::string digits = std::to_string(count);
-    for (size_t at = digits.size(); at > 3;) {
-        at -= 3;
-        digits.insert(at, ",");
-    }
-    return digits + " " + std::string(what) + (count == 1 ? "" : "s");
 }
 
 std::string summaryOf(const CheckReport& report) {

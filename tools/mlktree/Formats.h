@@ -38,9 +38,6 @@ const std::vector<std::pair<std::string_view, Format>>& formats();
 /** "2 errors, 1 warning, 3 notes in 57 files, 1,240 sets". */
 std::string summaryOf(const CheckReport& report);
 
-/** "3 notes", "1 note", "1,240 sets". */
-std::string counted(size_t count, std::string_view what);
-
 /** The sets of a finding in words: "in model=2; model=3"; empty if it concerns all. */
 std::string setsInWords(const Finding& finding);
 

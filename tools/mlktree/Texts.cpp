@@ -52,7 +52,13 @@ std::string lowerCase(std::string_view text) {
 }
 
 std::string counted(size_t count, std::string_view singular, std::string_view plural) {
-    return std::to_string(count) + " " + std::string(count == 1 ? singular : plural);
+    std::string text = std::to_string(count);
+    for (size_t at = text.size(); at > 3;) {
+        at -= 3;
+        text.insert(at, ",");
+    }
+    text.append(" ").append(count == 1 || plural.empty() ? singular : plural);
+    return count != 1 && plural.empty() ? text + "s" : text;
 }
 
 std::string placeText(const std::string& file, size_t line) {

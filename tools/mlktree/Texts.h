@@ -21,8 +21,8 @@ bool looksLikeComment(std::string_view text);
 /** The text with the ASCII letters in small. */
 std::string lowerCase(std::string_view text);
 
-/** "1 line" or "3 lines". */
-std::string counted(size_t count, std::string_view singular, std::string_view plural);
+/** "1 line", "3 lines" or "1,240 lines"; the plural has an "s" if none is given. */
+std::string counted(size_t count, std::string_view singular, std::string_view plural = "");
 
 /** "tvconfigs/board/b2.ini:13"; the file alone for line 0. */
 std::string placeText(const std::string& file, size_t line);

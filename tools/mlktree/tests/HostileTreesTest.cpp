@@ -21,6 +21,7 @@
 #include "tools/mlktree/Fixes.h"
 #include "tools/mlktree/FolderFiles.h"
 #include "tools/mlktree/Reporter.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/tests/Harness.h"
 
 namespace mlk::tree {
@@ -166,7 +167,7 @@ TEST_F(HostileTreesTest, ManyLinesToMend) {
     mDir.write("tvconfigs/country/country.txt", manyLines("GERMANY", "\r"));
     const Outcome outcome = runMlktree({"fix", mDir.path()});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_NE(outcome.err.find(std::to_string(kMany) + " lines"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find(counted(kMany, "line", "lines")), std::string::npos) << outcome.err;
 }
 
 // A million files would take the same way: the search for unused files ends at 100,000 entries,
