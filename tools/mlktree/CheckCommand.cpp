@@ -38,7 +38,7 @@ std::string fromHere(const Tree& tree, const std::string& path) {
     const std::filesystem::path host = std::filesystem::absolute(tree.host(path));
     const std::string relative =
             host.lexically_normal().lexically_relative(std::filesystem::current_path()).string();
-    return relative.empty() || relative.compare(0, 2, "..") == 0 ? path : relative;
+    return relative.empty() || beginsWith(relative, "..") ? path : relative;
 }
 
 void applyBaseline(const Arguments& arguments, CheckReport& report, const LineOf& lineOf,

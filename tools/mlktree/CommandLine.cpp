@@ -10,6 +10,7 @@
 #include "tools/common/Suggest.h"
 #include "tools/common/Text.h"
 #include "tools/mlktree/Help.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/Tree.h"
 
 namespace mlk::tree {
@@ -89,7 +90,7 @@ const Command& commandOf(const std::string& word) {
             names.push_back(command.name);
         }
     }
-    if (!word.empty() && word.front() == '-') {
+    if (beginsWith(word, "-")) {
         const std::string name = word.substr(0, word.find('='));
         const bool isKnown =
                 std::any_of(commands().begin(), commands().end(),

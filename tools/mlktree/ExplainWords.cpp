@@ -2,6 +2,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/OpenTree.h"
+#include "tools/mlktree/Texts.h"
 
 namespace mlk::tree {
 
@@ -40,7 +41,7 @@ const Form* formOf(const std::vector<std::string>& words) {
 }
 
 std::string inBrackets(const std::string& section) {
-    return !section.empty() && section.front() == '[' ? section : "[" + section + "]";
+    return beginsWith(section, "[") ? section : "[" + section + "]";
 }
 
 [[noreturn]] void refuse(const std::string& what) {

@@ -72,7 +72,7 @@ void ProductLineBuilder::followItems() {
 
 ProductLineBuilder::NamingLists ProductLineBuilder::namingListsOf(const ReadLine& line) {
     const product::KnownItem* const known = product::findKnownItem({line.section, line.key});
-    const bool isPath = !line.value.empty() && line.value.front() == '/';
+    const bool isPath = beginsWith(line.value, "/");
     const bool namesFile = known != nullptr && (known->type == product::ValueType::PATH ||
                                                 known->type == product::ValueType::FOLDER);
     if (line.value.empty() || (!isPath && !namesFile)) {

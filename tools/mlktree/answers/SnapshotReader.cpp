@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/answers/Snapshot.h"
 
 namespace mlk::tree {
@@ -53,7 +54,7 @@ std::optional<size_t> SnapshotReader::reference(const Json& json, const char* ki
     const std::string digits = target.substr(std::min(start.size(), target.size()));
     const bool isNumber = !digits.empty() && digits.size() < 10 &&
                           digits.find_first_not_of("0123456789") == std::string::npos;
-    if (json.size() != 1 || target.compare(0, start.size(), start) != 0 || !isNumber) {
+    if (json.size() != 1 || !beginsWith(target, start) || !isNumber) {
         refuse(where, "is no reference of the form {\"$ref\":\"" + start + "0\"}");
     }
     return std::stoul(digits);

@@ -241,8 +241,8 @@ class Extraction {
             Entry entry;
             entry.path = line.substr(tab + 1);
             entry.object = line.substr(blank + 6, tab - blank - 6);
-            entry.isLink = line.compare(0, 3, "120") == 0;
-            entry.isExecutable = line.compare(0, 6, "100755") == 0;
+            entry.isLink = beginsWith(line, "120");
+            entry.isExecutable = beginsWith(line, "100755");
             if (!isInside(entry.path)) {
                 throw UsageError("rev:" + printable(mRevision) + " has a file outside of its " +
                                  "folder: " + printable(entry.path));
@@ -275,7 +275,7 @@ class Extraction {
             size_t size = 0;
             const std::string start = entry.object + " blob ";
             const char* const end = head.data() + head.size();
-            const bool isBlob = head.compare(0, start.size(), start) == 0 &&
+            const bool isBlob = beginsWith(head, start) &&
                                 std::from_chars(head.data() + start.size(), end, size).ptr == end;
             total += size;
             if (!isBlob || total > kMostBytes || total < size) {

@@ -6,6 +6,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/CountryNames.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/set/SetCountry.h"
 
 namespace mlk::tree {
@@ -13,7 +14,7 @@ namespace mlk::tree {
 namespace {
 
 std::string_view withoutSlash(std::string_view path) {
-    return path.substr(!path.empty() && path.front() == '/' ? 1 : 0);
+    return path.substr(beginsWith(path, "/") ? 1 : 0);
 }
 
 // A path without "." and double slashes, as those that it is compared with.

@@ -142,9 +142,8 @@ bool isCable(const ReadLine& read) {
 }
 
 bool isKnownType(std::string_view type) {
-    return std::any_of(
-            product::kCableWords.begin(), product::kCableWords.end(),
-            [type](std::string_view word) { return type.substr(0, word.size()) == word; });
+    return std::any_of(product::kCableWords.begin(), product::kCableWords.end(),
+                       [type](std::string_view word) { return beginsWith(type, word); });
 }
 
 void checkCableTypes(const ProductLine& line, Reporter& reporter) {
@@ -195,8 +194,7 @@ void checkAutoCable(const ProductLine& line, Reporter& reporter) {
                     if (read->key == name) {
                         // One that is ignored has a finding, and may have been meant.
                         hasAuto |= read->section.empty() || read->use == LineUse::IGNORED ||
-                                   read->section.substr(0, product::cable::kAuto.size()) ==
-                                           product::cable::kAuto;
+                                   beginsWith(read->section, product::cable::kAuto);
                         other = read;
                     }
                 }

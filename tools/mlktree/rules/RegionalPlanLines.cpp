@@ -188,7 +188,7 @@ void checkNumbers(const ProductLine& line, Reporter& reporter) {
                 continue;
             }
             const bool isComment =
-                    number.front() == '#' || number.front() == ';' || number.substr(0, 2) == "//";
+                    number.front() == '#' || number.front() == ';' || beginsWith(number, "//");
             const std::string counts = " counts as channel " + std::to_string(channel.item.channel);
             const char* const group = startsWithDigit(number) ? "digits" : "name";
             groups.add(isComment ? "comment" : group, placeOf(line, *plan, *channel.read, number),
