@@ -7,6 +7,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/mlktree/Rule.h"
+#include "tools/mlktree/Texts.h"
 #include "tools/mlktree/completion/CompletionScripts.h"
 
 namespace mlk::tree {
@@ -85,7 +86,7 @@ const std::vector<std::string>& explainedTopics() {
 // Sections, without their brackets unless somebody types them or the rest is another word.
 void addSections(std::vector<Candidate>& out, std::vector<Candidate> sections,
                  const std::string& word) {
-    const bool isBracketed = !word.empty() && word.front() == '[';
+    const bool isBracketed = beginsWith(word, "[");
     const auto& topics = explainedTopics();
     for (Candidate& section : sections) {
         std::string& name = section.word;
@@ -100,14 +101,20 @@ void addSections(std::vector<Candidate>& out, std::vector<Candidate> sections,
 
 // Paths as they are typed: relative to the tree, or as the partitions' files have them.
 void addTreeFiles(Candidates& out, std::vector<Candidate> paths, const std::string& word) {
-    const bool isWritten = !word.empty() && word.front() == '/';
+    const bool isWritten = beginsWith(word, "/");
     bool hasOne = false;
     for (Candidate& path : paths) {
         path.word.insert(0, isWritten ? "/" : "");
-        hasOne = hasOne || path.word.compare(0, word.size(), word) == 0;
+        hasOne = hasOne || beginsWith(path.word, word);
         out.words.push_back(std::move(path));
     }
     out.files = out.files || !hasOne;
+}
+
+std::vector<Candidate> namesOfTree(Completion kind, const Before& before, TreeNames& names) {
+    const std::vector<std::string>& words = before.given.words();
+    const std::string last = words.empty() ? "" : words.back();
+    return names.of(kind, before.given, kind == Completion::ROW ? before.word : last);
 }
 
 void add(Candidates& out, Completion kind, const Before& before, TreeNames& names) {
@@ -139,18 +146,24 @@ void add(Candidates& out, Completion kind, const Before& before, TreeNames& name
                 out.words.push_back({std::string(shell.name), ""});
             }
             return;
-        default:
-            const std::vector<std::string>& words = before.given.words();
-            const std::string last = words.empty() ? "" : words.back();
-            const auto found =
-                    names.of(kind, before.given, kind == Completion::ROW ? before.word : last);
-            if (kind == Completion::SECTION || kind == Completion::SOUND_SECTION) {
-                return addSections(out.words, found, before.word);
-            }
-            if (kind == Completion::TREE_FILE) {
-                return addTreeFiles(out, found, before.word);
-            }
+        case Completion::SECTION:
+        case Completion::SOUND_SECTION:
+            return addSections(out.words, namesOfTree(kind, before, names), before.word);
+        case Completion::TREE_FILE:
+            return addTreeFiles(out, namesOfTree(kind, before, names), before.word);
+        case Completion::MODEL:
+        case Completion::BOARD:
+        case Completion::CUSTOMER:
+        case Completion::COUNTRY:
+        case Completion::PROPERTY:
+        case Completion::KEY:
+        case Completion::FEATURE:
+        case Completion::SOUND_KEY:
+        case Completion::OPERAND:
+        case Completion::ROW: {
+            const std::vector<Candidate> found = namesOfTree(kind, before, names);
             out.words.insert(out.words.end(), found.begin(), found.end());
+        }
     }
 }
 
@@ -168,7 +181,7 @@ void addOperands(Candidates& out, const std::string& word, const Before& before,
     for (const auto& [name, kind] : kParts) {
         const std::string_view start = name;
         const bool isGiven = ("," + done).find("," + std::string(start)) != std::string::npos;
-        if (!isGiven && part.compare(0, start.size(), start) == 0) {
+        if (!isGiven && beginsWith(part, start)) {
             for (const Candidate& value : names.of(kind, before.given, "")) {
                 out.words.push_back({done + name + value.word, value.what});
             }
@@ -243,7 +256,7 @@ Candidates candidatesFor(const std::vector<std::string>& words, TreeNames& names
             return *values;
         }
     }
-    if (!before.hasEnded && !word.empty() && word.front() == '-') {
+    if (!before.hasEnded && beginsWith(word, "-")) {
         addOptions(found.words, *command, before);
         return found;
     }
@@ -267,7 +280,7 @@ std::string shownCandidates(const Candidates& candidates, const std::string& beg
     for (const Candidate& candidate : candidates.words) {
         const std::string& word = candidate.word;
         // A word with a line feed or a tab cannot be handed to a shell in this form.
-        if (word.compare(0, begun.size(), begun) == 0 && printable(word) == word) {
+        if (beginsWith(word, begun) && printable(word) == word) {
             lines += word + (candidate.what.empty() ? "" : "\t" + printable(candidate.what)) + "\n";
         }
     }
