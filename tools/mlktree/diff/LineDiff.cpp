@@ -61,11 +61,22 @@ class Comparison {
     void addOwn(ChangeKind kind, const std::vector<Own>& a, const std::vector<Own>& b);
     void addUnmatched(const LineAnswers& line, const LineAnswers& other, bool isA);
     void addReached(uint32_t list, const std::vector<uint32_t>& positions);
+    void addOwnKinds();
+    std::string modelName(const LineAnswers& line, const AnswerModel& one) const;
+    std::vector<Own> customersOf(const LineAnswers& line) const;
+    std::vector<Own> modelsOf(const LineAnswers& line) const;
+    std::vector<Own> boardsOf(const LineAnswers& line) const;
+    std::vector<Own> countriesOf(const LineAnswers& line) const;
+    /** The pairs that some of the lists reach. */
+    std::vector<uint32_t> positionsOf(const std::vector<uint32_t>& lists) const;
+    /** The changes that reach some pair, with their sets. */
+    std::vector<Change> changesByReach();
     template <typename IsOf>
-    std::vector<uint32_t> positionsOf(const IsOf& isOf) const;
+    std::vector<uint32_t> positionsWhere(const IsOf& isOf) const;
 
     const LineAnswers& mA;
     const LineAnswers& mB;
+    const bool mIsOfMany = mA.customers.size() > 1 || mB.customers.size() > 1;  // customers
     const SetFilter& mFilter;
     PieceDiff mPieces;
     std::vector<SetPair> mPairs;
@@ -109,7 +120,7 @@ void Comparison::compareSets() {
 }
 
 template <typename IsOf>
-std::vector<uint32_t> Comparison::positionsOf(const IsOf& isOf) const {
+std::vector<uint32_t> Comparison::positionsWhere(const IsOf& isOf) const {
     std::vector<uint32_t> positions;
     for (uint32_t i = 0; i < mPairs.size(); ++i) {
         if (isOf(*mPairs[i].a)) {
@@ -124,7 +135,7 @@ void Comparison::compareIdentities() {
     const auto add = [this](PieceDiff::List list, const auto& isOf) {
         const uint32_t number = mPieces.keep(std::move(list));
         if (number != kNone) {
-            addReached(number, positionsOf(isOf));
+            addReached(number, positionsWhere(isOf));
         }
     };
     for (uint32_t a = 0; a < mA.customers.size(); ++a) {
@@ -209,65 +220,78 @@ void Comparison::addUnmatched(const LineAnswers& line, const LineAnswers& other,
     }
 }
 
-Difference Comparison::run() {
-    match();
-    compareIdentities();
-    compareSets();
-    const bool isOfMany = mA.customers.size() > 1 || mB.customers.size() > 1;
-    const auto modelName = [isOfMany](const LineAnswers& line, const AnswerModel& one) {
-        return std::to_string(one.index) +
-               (isOfMany ? " of " + std::string(line.customers[one.customer].file) : "");
-    };
-    const auto customersOf = [&](const LineAnswers& line) {
-        std::vector<Own> all;
-        for (const AnswerCustomer& one : line.customers) {
-            all.push_back({std::string(one.file), one.id, {}, mFilter.fits(one)});
+std::string Comparison::modelName(const LineAnswers& line, const AnswerModel& one) const {
+    return std::to_string(one.index) +
+           (mIsOfMany ? " of " + std::string(line.customers[one.customer].file) : "");
+}
+
+std::vector<Comparison::Own> Comparison::customersOf(const LineAnswers& line) const {
+    std::vector<Own> all;
+    for (const AnswerCustomer& one : line.customers) {
+        all.push_back({std::string(one.file), one.id, {}, mFilter.fits(one)});
+    }
+    for (const AnswerModel& one : line.models) {
+        if (mIsOfMany) {
+            all[one.customer].sets.models.push_back(modelName(line, one));
         }
-        for (const AnswerModel& one : line.models) {
-            if (isOfMany) {
-                all[one.customer].sets.models.push_back(modelName(line, one));
-            }
-        }
-        return all;
-    };
+    }
+    return all;
+}
+
+std::vector<Comparison::Own> Comparison::modelsOf(const LineAnswers& line) const {
+    std::vector<Own> all;
+    for (const AnswerModel& one : line.models) {
+        const std::string name = modelName(line, one);
+        all.push_back({"model " + name,
+                       one.file,
+                       {{name}, {}, {}},
+                       mFilter.fits(one) && mFilter.fits(line.customers[one.customer])});
+    }
+    return all;
+}
+
+std::vector<Comparison::Own> Comparison::boardsOf(const LineAnswers& line) const {
+    std::vector<Own> all;
+    for (const AnswerBoard& one : line.boards) {
+        const std::string name(one.name);
+        all.push_back({"board " + name, {one.file, {}}, {{}, {name}, {}}, mFilter.fits(one)});
+    }
+    return all;
+}
+
+std::vector<Comparison::Own> Comparison::countriesOf(const LineAnswers& line) const {
+    std::vector<Own> all;
+    for (const std::string_view one : line.countries) {
+        all.push_back({"country " + std::string(one),
+                       {one, {}},
+                       {{}, {}, {std::string(one)}},
+                       mFilter.fitsCountry(line, one)});
+    }
+    return all;
+}
+
+void Comparison::addOwnKinds() {
     addOwn(ChangeKind::CUSTOMER, customersOf(mA), customersOf(mB));
-    const auto modelsOf = [&](const LineAnswers& line) {
-        std::vector<Own> all;
-        for (const AnswerModel& one : line.models) {
-            const std::string name = modelName(line, one);
-            all.push_back({"model " + name,
-                           one.file,
-                           {{name}, {}, {}},
-                           mFilter.fits(one) && mFilter.fits(line.customers[one.customer])});
-        }
-        return all;
-    };
     addOwn(ChangeKind::MODEL, modelsOf(mA), modelsOf(mB));
-    const auto boardsOf = [this](const LineAnswers& line) {
-        std::vector<Own> all;
-        for (const AnswerBoard& one : line.boards) {
-            const std::string name(one.name);
-            all.push_back({"board " + name, {one.file, {}}, {{}, {name}, {}}, mFilter.fits(one)});
-        }
-        return all;
-    };
     addOwn(ChangeKind::BOARD, boardsOf(mA), boardsOf(mB));
     // Those of customers that only one line has go with them.
     const bool hasBoth = mFilter.fitsSomeCustomer(mA) && mFilter.fitsSomeCustomer(mB);
-    const auto countriesOf = [this, hasBoth](const LineAnswers& line) {
-        std::vector<Own> all;
-        for (const std::string_view one : line.countries) {
-            all.push_back({"country " + std::string(one),
-                           {one, {}},
-                           {{}, {}, {std::string(one)}},
-                           hasBoth && mFilter.fitsCountry(line, one)});
-        }
-        return all;
-    };
-    addOwn(ChangeKind::COUNTRY, countriesOf(mA), countriesOf(mB));
-    addUnmatched(mA, mB, true);
-    addUnmatched(mB, mA, false);
+    if (hasBoth) {
+        addOwn(ChangeKind::COUNTRY, countriesOf(mA), countriesOf(mB));
+    }
+}
 
+std::vector<uint32_t> Comparison::positionsOf(const std::vector<uint32_t>& lists) const {
+    std::vector<uint32_t> positions;
+    for (const uint32_t list : lists) {
+        positions.insert(positions.end(), mPositions[list].begin(), mPositions[list].end());
+    }
+    std::sort(positions.begin(), positions.end());
+    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+    return positions;
+}
+
+std::vector<Change> Comparison::changesByReach() {
     // Which lists a change stands in: those reach its sets. Most changes stand in few.
     std::vector<std::vector<uint32_t>> listsOf(mPieces.changes().size());
     for (uint32_t list = 0; list < mPositions.size(); ++list) {
@@ -277,24 +301,30 @@ Difference Comparison::run() {
     }
     const Reach reach(mA, mNumbers);
     std::map<std::vector<uint32_t>, std::vector<SetGroup>> groups;
-    Difference difference;
+    std::vector<Change> changes;
     for (size_t i = 0; i < listsOf.size(); ++i) {
         if (listsOf[i].empty()) {
             continue;
         }
         const auto [known, isNew] = groups.try_emplace(listsOf[i]);
         if (isNew) {
-            std::vector<uint32_t> positions;
-            for (const uint32_t list : listsOf[i]) {
-                positions.insert(positions.end(), mPositions[list].begin(), mPositions[list].end());
-            }
-            std::sort(positions.begin(), positions.end());
-            positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
-            known->second = reach.groupsOf(positions);
+            known->second = reach.groupsOf(positionsOf(listsOf[i]));
         }
-        Change& change = difference.changes.emplace_back(std::move(mPieces.changes()[i]));
+        Change& change = changes.emplace_back(std::move(mPieces.changes()[i]));
         change.sets = known->second;
     }
+    return changes;
+}
+
+Difference Comparison::run() {
+    match();
+    compareIdentities();
+    compareSets();
+    addOwnKinds();
+    addUnmatched(mA, mB, true);
+    addUnmatched(mB, mA, false);
+    Difference difference;
+    difference.changes = changesByReach();
     std::move(mOwn.begin(), mOwn.end(), std::back_inserter(difference.changes));
     return difference;
 }
