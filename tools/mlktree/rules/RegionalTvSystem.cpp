@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryBlocks.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Regional.h"
@@ -57,6 +58,35 @@ std::string withBrackets(std::string_view category) {
     text.remove_prefix(text.substr(0, 1) == "[" ? 1 : 0);
     text.remove_suffix(!text.empty() && text.back() == ']' ? 1 : 0);
     return "[" + std::string(text) + "]";
+}
+
+std::set<std::string_view> systemNamesOf(const FileLines& file) {
+    std::set<std::string_view> names;
+    for (const auto& [name, read] : file.sections()) {
+        names.insert(trimmed(name));
+    }
+    return names;
+}
+
+bool mayLackSystems(const FileLines& file) {
+    return file.sections().empty() || countIgnoredBlocks(file) > 0;
+}
+
+bool namesOtherMap(const TvSystemFiles& files) {
+    if (!isUsable(files.file) || !isUsable(files.map) || mayLackSystems(*files.file)) {
+        return false;
+    }
+    const std::set<std::string_view> names = systemNamesOf(*files.file);
+    const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
+    const auto isOther = [&](const ReadLine* read) {
+        const std::string_view name = trimmed(read->value);
+        return names.count(name) == 0 && nearest(name, {names.begin(), names.end()}).empty();
+    };
+    constexpr size_t kMostLookedAt = 100;
+    return !named.empty() && std::all_of(named.begin(),
+                                         named.begin() + static_cast<std::ptrdiff_t>(std::min(
+                                                                 named.size(), kMostLookedAt)),
+                                         isOther);
 }
 
 ItemsOfModels::ItemsOfModels(const ProductLine& line, const TvSystemFiles& files)

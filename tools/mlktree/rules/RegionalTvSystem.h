@@ -27,6 +27,13 @@ std::vector<const ReadLine*> itemsOf(const FileLines& file);
 /** The lines of a country map that name TV systems; without those that another rule reports. */
 std::vector<const ReadLine*> systemsNamedBy(const FileLines& map);
 
+/** The TV systems of a file. Their names are trimmed: another rule reports blanks. */
+std::set<std::string_view> systemNamesOf(const FileLines& file);
+
+/** True if the file may have been meant to define others: elements of it are ignored, or it defines
+ * none. */
+bool mayLackSystems(const FileLines& file);
+
 /** True for "[LiveTV]". */
 bool hasBrackets(std::string_view category);
 

@@ -26,40 +26,55 @@ bool isSystem(const ReadLine& read) {
     return read.use == LineUse::SECTION;
 }
 
-// With trimmed names: another rule reports blanks.
-std::set<std::string_view> systemNamesOf(const FileLines& file) {
-    std::set<std::string_view> names;
-    for (const auto& [name, read] : file.sections()) {
-        names.insert(trimmed(name));
-    }
-    return names;
+void reportOtherMap(const ProductLine& line, const TvSystemFiles& files, FindingGroups& groups) {
+    const ReadLine* const naming = files.file->find("", element::kCountryMap);
+    groups.add(files.map->path(),
+               naming != nullptr ? placeOf(line, *files.file, *naming, naming->value)
+                                 : placeOf(*files.file),
+               "this file defines no TV system that " + files.map->path() +
+                       " names: is it the map of another file?");
 }
 
-// Elements that are ignored may have been meant for TV systems.
-bool mayLackSystems(const FileLines& file) {
-    return file.sections().empty() || countIgnoredBlocks(file) > 0;
-}
-
-}  // namespace
-
-bool namesOtherMap(const TvSystemFiles& files) {
-    if (!isUsable(files.file) || !isUsable(files.map) || mayLackSystems(*files.file)) {
-        return false;
-    }
+// Names that the file does not define, each a finding at the country or at the definition.
+void reportUndefined(const ProductLine& line, const TvSystemFiles& files, FindingGroups& groups) {
     const std::set<std::string_view> names = systemNamesOf(*files.file);
     const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
-    const auto isOther = [&](const ReadLine* read) {
-        const std::string_view name = trimmed(read->value);
-        return names.count(name) == 0 && nearest(name, {names.begin(), names.end()}).empty();
-    };
-    constexpr size_t kMostLookedAt = 100;
-    return !named.empty() && std::all_of(named.begin(),
-                                         named.begin() + static_cast<std::ptrdiff_t>(std::min(
-                                                                 named.size(), kMostLookedAt)),
-                                         isOther);
+    const auto& systems = files.file->sections();
+    std::map<std::string_view, size_t> uses;
+    std::set<std::string_view> misspelt;  // in the definition
+    for (const ReadLine* const read : named) {
+        ++uses[trimmed(read->value)];
+    }
+    for (const ReadLine* const read : named) {
+        if (names.count(trimmed(read->value)) > 0 || groups.isFull(files.map->path())) {
+            continue;
+        }
+        const std::string_view near = nearest(read->value, {names.begin(), names.end()});
+        const auto defined = systems.find(near);
+        if (defined != systems.end() && uses.count(near) == 0 && uses[read->value] > 2) {
+            // Several countries agree, so the definition is wrong.
+            if (misspelt.insert(near).second) {
+                groups.add(files.file->path() + '\n' + std::string(near),
+                           placeOf(line, *files.file, *defined->second, near),
+                           "no country has the TV system " + quoted(near) + "; " +
+                                   std::to_string(uses[read->value]) + " countries have " +
+                                   quoted(read->value),
+                           {{placeOf(line, *files.map, *read, read->value), "named here"}});
+            }
+            continue;
+        }
+        std::vector<Related> related;
+        if (defined != systems.end()) {
+            related.push_back(
+                    {placeOf(line, *files.file, *defined->second, near), "this one is defined"});
+        }
+        groups.add(
+                files.file->path() + '\n' + std::string(read->value),
+                placeOf(line, *files.map, *read, read->value),
+                files.file->path() + " defines no TV system " + quoted(read->value) + meant(near),
+                std::move(related));
+    }
 }
-
-namespace {
 
 void checkUndefined(const ProductLine& line, Reporter& reporter) {
     FindingGroups groups;
@@ -68,50 +83,9 @@ void checkUndefined(const ProductLine& line, Reporter& reporter) {
             continue;
         }
         if (namesOtherMap(files)) {
-            const ReadLine* const naming = files.file->find("", element::kCountryMap);
-            groups.add(files.map->path(),
-                       naming != nullptr ? placeOf(line, *files.file, *naming, naming->value)
-                                         : placeOf(*files.file),
-                       "this file defines no TV system that " + files.map->path() +
-                               " names: is it the map of another file?");
-            continue;
-        }
-        const std::set<std::string_view> names = systemNamesOf(*files.file);
-        const std::vector<const ReadLine*> named = systemsNamedBy(*files.map);
-        std::map<std::string_view, size_t> uses;
-        std::set<std::string_view> misspelt;  // in the definition
-        for (const ReadLine* const read : named) {
-            ++uses[trimmed(read->value)];
-        }
-        for (const ReadLine* const read : named) {
-            if (names.count(trimmed(read->value)) > 0 || groups.isFull(files.map->path())) {
-                continue;
-            }
-            const std::string_view near = nearest(read->value, {names.begin(), names.end()});
-            const auto& systems = files.file->sections();
-            const auto defined = systems.find(near);
-            std::vector<Related> related;
-            if (defined != systems.end() && uses.count(near) == 0 && uses[read->value] > 2) {
-                // Several countries agree, so the definition is wrong.
-                if (misspelt.insert(near).second) {
-                    groups.add(files.file->path() + '\n' + std::string(near),
-                               placeOf(line, *files.file, *defined->second, near),
-                               "no country has the TV system " + quoted(near) + "; " +
-                                       std::to_string(uses[read->value]) + " countries have " +
-                                       quoted(read->value),
-                               {{placeOf(line, *files.map, *read, read->value), "named here"}});
-                }
-                continue;
-            }
-            if (defined != systems.end()) {
-                related.push_back({placeOf(line, *files.file, *defined->second, near),
-                                   "this one is defined"});
-            }
-            groups.add(files.file->path() + '\n' + std::string(read->value),
-                       placeOf(line, *files.map, *read, read->value),
-                       files.file->path() + " defines no TV system " + quoted(read->value) +
-                               meant(near),
-                       std::move(related));
+            reportOtherMap(line, files, groups);
+        } else {
+            reportUndefined(line, files, groups);
         }
     }
     groups.report(reporter);
