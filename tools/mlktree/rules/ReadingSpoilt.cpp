@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 
 #include "host/text/Utf8.h"
@@ -134,57 +135,91 @@ bool harms(std::string_view value, const Lookalike& first) {
     return isNumber || isPath || isWord || hasSlipAtEnd(value, first);
 }
 
-constexpr size_t kNone = std::string_view::npos;
+// A lookalike that does harm: where, and to what part of the line.
+struct Harm {
+    size_t at;
+    const char* part;
+};
 
-// The first lookalike in the line that does harm, and to what part of it; kNone for a sound line.
-size_t harmfulAt(FileFormat format, const ReadLine& read, const char*& part) {
-    const bool hasRemarks =
-            format != FileFormat::COUNTRY_LIST && format != FileFormat::LANGUAGE_LIST;
-    const std::string_view code = hasRemarks ? read.text.substr(0, read.text.find('#')) : read.text;
-    const Lookalike first = findLookalike(code);
-    if (first.size == 0) {
-        return kNone;
+std::optional<Harm> harmToName(FileFormat format, std::string_view line, const Lookalike& first) {
+    const std::string_view name = line.substr(0, line.find(','));
+    const bool isHarmless = format == FileFormat::LANGUAGE_LIST && !isMeantInAscii(name) &&
+                            !hasSlipAtEnd(name, first);
+    if (first.at >= name.size() || isHarmless) {
+        return std::nullopt;
     }
-    const bool isList = !hasRemarks;
-    if (isList || format == FileFormat::CHANNEL_PLAN) {
-        part = isList ? "name" : "line";
-        const std::string_view name = code.substr(0, code.find(','));
-        const bool isHarmless = format == FileFormat::LANGUAGE_LIST && !isMeantInAscii(name) &&
-                                !hasSlipAtEnd(name, first);
-        return isList && (first.at >= name.size() || isHarmless) ? kNone : first.at;
+    return Harm{first.at, "name"};
+}
+
+std::optional<Harm> harmToSection(std::string_view code, const Lookalike& first) {
+    if (!isMeantInAscii(code) && !isOfNoScript(first)) {
+        return std::nullopt;
     }
-    const size_t equals = code.find('=');
-    if (read.use == LineUse::SECTION || equals == std::string_view::npos) {
-        const std::string plain = withoutLookalikes(code);
-        part = read.use == LineUse::SECTION ? "section's name" : "line";
-        const bool isMeant =
-                read.use == LineUse::SECTION
-                        ? isMeantInAscii(code) || isOfNoScript(first)
-                        : plain.find('=') != std::string::npos || beginsWith(plain, "[");
-        return isMeant ? first.at : kNone;
+    return Harm{first.at, "section's name"};
+}
+
+// Of a line that is neither a section nor an item, but was meant for one.
+std::optional<Harm> harmToLine(std::string_view code, const Lookalike& first) {
+    const std::string plain = withoutLookalikes(code);
+    if (plain.find('=') == std::string::npos && !beginsWith(plain, "[")) {
+        return std::nullopt;
     }
-    // The keyword of an identity file counts anywhere: what stands around it does no harm.
-    if (first.at < equals && !isIdentity(format)) {
-        part = "key";
-        return isMeantInAscii(code.substr(0, equals)) || isOfNoScript(first) ? first.at : kNone;
+    return Harm{first.at, "line"};
+}
+
+std::optional<Harm> harmToKey(std::string_view key, const Lookalike& first) {
+    if (!isMeantInAscii(key) && !isOfNoScript(first)) {
+        return std::nullopt;
     }
+    return Harm{first.at, "key"};
+}
+
+// The value begins after the "=" at that place.
+std::optional<Harm> harmToValue(std::string_view code, size_t equals) {
     std::string_view value = code.substr(equals + 1);
     const size_t begin = value.find_first_not_of(" \t\"");
     value = value.substr(std::min(begin, value.size()));
     value = value.substr(0, value.find_last_not_of(" \t\r\";") + 1);
-    const Lookalike inValue = findLookalike(value);
-    part = "value";
-    return inValue.size > 0 && harms(value, inValue)
-                   ? static_cast<size_t>(value.data() - read.text.data()) + inValue.at
-                   : kNone;
+    const Lookalike found = findLookalike(value);
+    if (found.size == 0 || !harms(value, found)) {
+        return std::nullopt;
+    }
+    return Harm{static_cast<size_t>(value.data() - code.data()) + found.at, "value"};
+}
+
+// What the first lookalike of the line that does harm does it to; nothing for a sound line.
+std::optional<Harm> harmTo(FileFormat format, const ReadLine& read) {
+    const bool isList = format == FileFormat::COUNTRY_LIST || format == FileFormat::LANGUAGE_LIST;
+    const std::string_view code = isList ? read.text : read.text.substr(0, read.text.find('#'));
+    const Lookalike first = findLookalike(code);
+    if (first.size == 0) {
+        return std::nullopt;
+    }
+    if (isList) {
+        return harmToName(format, code, first);
+    }
+    if (format == FileFormat::CHANNEL_PLAN) {
+        return Harm{first.at, "line"};
+    }
+    if (read.use == LineUse::SECTION) {
+        return harmToSection(code, first);
+    }
+    const size_t equals = code.find('=');
+    if (equals == std::string_view::npos) {
+        return harmToLine(code, first);
+    }
+    // The keyword of an identity file counts anywhere: what stands around it does no harm.
+    if (first.at < equals && !isIdentity(format)) {
+        return harmToKey(code.substr(0, equals), first);
+    }
+    return harmToValue(code, equals);
 }
 
 bool hasHarmful(FileFormat format, const ReadLine& read) {
-    const char* part = "";
     return read.column != 0 && read.use != LineUse::NOTHING && !isAscii(read.text) &&
            !looksLikeComment(read.text) &&
            (isIdentity(format) || !beginsWith(read.text, kByteOrderMark)) &&
-           harmfulAt(format, read, part) != kNone;
+           harmTo(format, read).has_value();
 }
 
 void checkLookalikes(const ProductLine& line, Reporter& reporter) {
@@ -194,14 +229,14 @@ void checkLookalikes(const ProductLine& line, Reporter& reporter) {
     }
     for (const auto& [path, file] : line.files()) {
         for (const ReadLine* const read : linesThat(*file, harmful)) {
-            const char* part = "";
-            const Lookalike found =
-                    findLookalike(read->text, harmfulAt(file->format(), *read, part));
+            const Harm harm = harmTo(file->format(), *read).value();
+            const Lookalike found = findLookalike(read->text, harm.at);
             Place place = placeOf(line, *file, *read);
             place.column = read->column + found.at;
             const std::string like(found.looksLike == '\0' ? 0 : 1, found.looksLike);
             reporter.reportSpoilt(place, {read->number, read->number},
-                                  describe(read->text, found) + " becomes part of the " + part +
+                                  describe(read->text, found) + " becomes part of the " +
+                                          harm.part +
                                           (like.empty()   ? "; delete it"
                                            : like == " "  ? "; type a blank instead"
                                            : like == "\"" ? "; type a plain quote instead"
@@ -209,6 +244,8 @@ void checkLookalikes(const ProductLine& line, Reporter& reporter) {
         }
     }
 }
+
+constexpr size_t kNone = std::string_view::npos;
 
 // True for several lines that end in a carriage return alone: to the service they are one.
 bool hasInnerReturn(std::string_view text) {
