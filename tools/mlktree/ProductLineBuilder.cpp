@@ -188,7 +188,7 @@ void ProductLineBuilder::findModels() {
     }
 }
 
-void ProductLineBuilder::findBoards() {
+bool ProductLineBuilder::followBoardId() {
     const Partitions& partitions = mLine.mTree.partitions();
     const FileLines* const identity = fileOf(kBoardIdPath);
     const ReadLine* const id =
@@ -196,43 +196,58 @@ void ProductLineBuilder::findBoards() {
     product::ProjectFileReader reader(partitions.tvdata.c_str(), partitions.tvconfigs.c_str(),
                                       partitions.impdata.c_str(), nullptr);
     const std::string boardPath(id != nullptr ? reader.cleanPath(id->value) : "");
-    std::set<std::string> paths;
     // A misspelt word for no board is the path of a file that does not exist.
-    bool hasNone = !boardPath.empty() && boardPath.find('/') == std::string::npos;
-    if (!boardPath.empty() && !hasNone) {
+    const bool isWord = boardPath.find('/') == std::string::npos;
+    if (!isWord) {
         mLine.mBoardIdPath = mLine.mTree.relative(boardPath);
         name(mLine.mBoardIdPath, identity, id);
     }
-    if (mSelection.board == "none") {
-        hasNone = true;
-    } else if (!mSelection.board.empty()) {
-        // A file name alone names a file of the usual folder.
-        const std::string usual = partitions.tvconfigs + "/board/" + mSelection.board;
-        const std::string host =
-                isRegularFile(usual) ? usual : mLine.mTree.hostOfArgument(mSelection.board);
-        if (!isRegularFile(host)) {
-            const bool isName = mSelection.board.find('/') == std::string::npos;
-            throw UsageError("--board " + mSelection.board + ": there is no file " +
-                             (isName ? usual : host) +
-                             boardMeant(mSelection.board, partitions.tvconfigs + "/board"));
-        }
-        hasNone = false;
-        paths.insert(mLine.mTree.relative(host));
-    } else if (!mLine.mBoardIdPath.empty()) {
+    return isWord && !boardPath.empty();
+}
+
+std::string ProductLineBuilder::boardOfOption() const {
+    // A file name alone names a file of the usual folder.
+    const std::string folder = mLine.mTree.partitions().tvconfigs + "/board";
+    const std::string usual = pathIn(folder, mSelection.board);
+    const std::string host =
+            isRegularFile(usual) ? usual : mLine.mTree.hostOfArgument(mSelection.board);
+    if (!isRegularFile(host)) {
+        const bool isName = mSelection.board.find('/') == std::string::npos;
+        throw UsageError("--board " + mSelection.board + ": there is no file " +
+                         (isName ? usual : host) + boardMeant(mSelection.board, folder));
+    }
+    return mLine.mTree.relative(host);
+}
+
+std::set<std::string> ProductLineBuilder::boardsOfTree() {
+    std::set<std::string> paths;
+    if (!mLine.mBoardIdPath.empty()) {
         paths.insert(mLine.mBoardIdPath);
     }
-    if (mSelection.board.empty() && !mSelection.isOneSet) {
-        for (const std::string& folder :
-             {std::string("tvconfigs/board"), folderOf(mLine.mBoardIdPath)}) {
-            if (folder.empty()) {
-                continue;
-            }
-            for (const std::string& file : iniFilesIn(folder, kMostBoards, "boards")) {
-                paths.insert(pathIn(folder, file));
-            }
+    if (mSelection.isOneSet) {
+        return paths;
+    }
+    for (const std::string& folder :
+         {std::string("tvconfigs/board"), folderOf(mLine.mBoardIdPath)}) {
+        if (folder.empty()) {
+            continue;
+        }
+        for (const std::string& file : iniFilesIn(folder, kMostBoards, "boards")) {
+            paths.insert(pathIn(folder, file));
         }
     }
-    if (hasNone || paths.empty()) {
+    return paths;
+}
+
+void ProductLineBuilder::findBoards() {
+    const bool isWithout = followBoardId();
+    std::set<std::string> paths;
+    if (mSelection.board.empty()) {
+        paths = boardsOfTree();
+    } else if (mSelection.board != "none") {
+        paths = {boardOfOption()};
+    }
+    if (paths.empty() || (isWithout && mSelection.board.empty())) {
         mLine.mBoards.push_back({"none", nullptr});
     }
     const size_t former = mLine.mBoards.size();

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,6 +36,12 @@ class ProductLineBuilder {
     void findCustomers();
     void findModels();
     void findBoards();
+    /** Follows "board_id.bin" to its file. Returns true if it says that the set has no board. */
+    bool followBoardId();
+    /** The file that the command line selects, relative to the tree. @throw UsageError */
+    std::string boardOfOption() const;
+    /** The files that "board_id.bin" names and that the folders of boards have. */
+    std::set<std::string> boardsOfTree();
     void readProjects();
     void followItems();
     void followTvSystems();
