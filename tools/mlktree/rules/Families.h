@@ -15,6 +15,7 @@ RuleFamily replacing();
 RuleFamily paths();
 RuleFamily pathForms();
 RuleFamily names();
+RuleFamily boardNames();
 RuleFamily features();
 RuleFamily itemValues();
 RuleFamily properties();

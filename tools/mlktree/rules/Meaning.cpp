@@ -68,7 +68,9 @@ bool areWordsAlike(std::string_view name, std::string_view other) {
     };
     const std::string own = middle(words);
     const std::string right = middle(others);
-    return differsInCase(name, other) || !nearest(own, {right}).empty();
+    // UART_TX is not meant for UART_RX.
+    const bool isShort = own.size() <= 2 && right.size() <= 2;
+    return differsInCase(name, other) || (!isShort && !nearest(own, {right}).empty());
 }
 
 }  // namespace

@@ -111,8 +111,8 @@ bool isWholeSection(std::string_view name);
 
 /**
  * The candidate that is probably meant, as nearest() has it. Names that differ in their numbers
- * only are never meant for each other, nor are names of one or two letters that differ in more than
- * their case. Brackets of sections do not count.
+ * only are never meant for each other, nor are names, or words of them, of one or two letters that
+ * differ in more than their case. Brackets of sections do not count.
  */
 std::string_view nearestName(std::string_view name, const std::vector<std::string_view>& names);
 

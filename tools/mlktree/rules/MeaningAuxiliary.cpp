@@ -17,6 +17,7 @@
 #include "tools/mlktree/rules/LineRemarks.h"
 #include "tools/mlktree/rules/Meaning.h"
 #include "tools/mlktree/rules/NameUses.h"
+#include "tools/mlktree/rules/Rivals.h"
 
 namespace mlk::tree {
 
@@ -156,10 +157,34 @@ std::vector<const ReadLine*> itemsThatLacks(const FileLines& other, const FileLi
     return own;
 }
 
-// Of two files, nobody knows which one has the right name.
+// The sections of a file that the other file lacks; nothing if these are too many.
+std::vector<std::string_view> sectionsThatLacks(const FileLines& other, const FileLines& file) {
+    std::vector<std::string_view> own;
+    for (const auto& [name, first] : file.sections()) {
+        if (isWholeSection(name) && other.sections().count(name) == 0) {
+            own.push_back(name);
+        }
+    }
+    return own.size() <= kMostOwnNames ? own : std::vector<std::string_view>();
+}
+
+void checkSectionsOfPair(const ProductLine& line, Reporter& reporter, const FileLines& file,
+                         const FileLines& other) {
+    const std::vector<std::string_view> others = sectionsThatLacks(file, other);
+    for (const std::string_view name : sectionsThatLacks(other, file)) {
+        const std::string_view near = nearestName(name, others);
+        if (!near.empty()) {
+            reportRivals(line, reporter, {&file, file.sections().find(name)->second, name},
+                         {&other, other.sections().find(near)->second, near});
+        }
+    }
+}
+
+// Of two files, no name is the one that more files of the kind have.
 void checkPair(const ProductLine& line, Reporter& reporter, const Kind& kind) {
     const FileLines& file = *kind.files.front();
     const FileLines& other = *kind.files.back();
+    checkSectionsOfPair(line, reporter, file, other);
     const std::vector<const ReadLine*> others = itemsThatLacks(file, other);
     for (const ReadLine* const read : itemsThatLacks(other, file)) {
         std::vector<std::string_view> names;
@@ -170,11 +195,8 @@ void checkPair(const ProductLine& line, Reporter& reporter, const Kind& kind) {
         }
         const std::string_view name = nearestName(read->key, names);
         if (!name.empty()) {
-            const Place twin = placeOf(line, other, *other.find(read->section, name), name);
-            reporter.report(placeOf(line, file, *read, read->key),
-                            "only this file has " + quoted(read->key) + ", and only " + twin.file +
-                                    " has " + quoted(name) + ": one of them is misspelt",
-                            {{twin, "the other name"}});
+            reportRivals(line, reporter, {&file, read, read->key},
+                         {&other, other.find(read->section, name), name});
         }
     }
 }

@@ -38,13 +38,22 @@ size_t NameUses::countOf(std::string_view name) const {
 }
 
 std::string_view NameUses::commonNameFor(std::string_view name, size_t& searches) const {
-    const size_t count = countOf(name);
+    return nearestOf(countOf(name) + 1, name, searches);
+}
+
+std::string_view NameUses::rivalNameFor(std::string_view name, size_t& searches) const {
+    return nearestOf(countOf(name), name, searches);
+}
+
+std::string_view NameUses::nearestOf(size_t least, std::string_view name, size_t& searches) const {
     std::vector<std::string_view> candidates;
     for (const std::string_view candidate : mMostUsed) {
-        if (mCounts.at(candidate) <= count) {
+        if (mCounts.at(candidate) < least) {
             break;
         }
-        candidates.push_back(candidate);
+        if (candidate != name) {
+            candidates.push_back(candidate);
+        }
     }
     const bool isSearched = !candidates.empty() && ++searches <= kMostSearches;
     return isSearched ? nearestName(name, candidates) : std::string_view();

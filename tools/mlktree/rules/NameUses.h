@@ -34,7 +34,18 @@ class NameUses {
      */
     std::string_view commonNameFor(std::string_view name, size_t& searches) const;
 
+    /**
+     * Another name that is spelt nearly like this one and that as many files have, or more; empty
+     * if no name is.
+     *
+     * @param searches  as of commonNameFor()
+     */
+    std::string_view rivalNameFor(std::string_view name, size_t& searches) const;
+
   private:
+    // The nearest one of the other names that at least so many files have.
+    std::string_view nearestOf(size_t least, std::string_view name, size_t& searches) const;
+
     std::unordered_map<std::string_view, size_t> mCounts;
     std::vector<std::string_view> mMostUsed;  // at most kMostCandidates
 };

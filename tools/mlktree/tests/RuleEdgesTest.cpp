@@ -20,6 +20,7 @@ constexpr const char* kModel = "tvconfigs/model/first.ini";
 constexpr const char* kBoard = "tvconfigs/board/b1.ini";
 constexpr const char* kSystem = "tvconfigs/system/line.ini";
 constexpr const char* kCustomer = "tvconfigs/customer.ini";
+constexpr const char* kKaraoke = "tvconfigs/karaoke/karaoke.ini";
 constexpr const char* kPanel = "tvconfigs/audio/panel.ini";
 constexpr const char* kFeatures = "tvconfigs/tv/tv_eu.config";
 constexpr const char* kCountryMap = "tvconfigs/tvsysmap/countries.xml";
@@ -149,6 +150,59 @@ std::vector<Edge> modelEdges() {
     };
 }
 
+// Two files of one kind, and two boards, with these items each.
+Edit twins(const std::string& one, const std::string& other) {
+    return all({written(kKaraoke, one), written("tvconfigs/karaoke/k2.ini", other),
+                replaced("tvconfigs/model/second.ini", "karaoke/karaoke.ini", "karaoke/k2.ini")});
+}
+
+Edit boards(const std::string& one, const std::string& other) {
+    return all({appended(kBoard, one), written("tvconfigs/board/b2.ini", other)});
+}
+
+std::vector<Edge> rivalEdges() {
+    const std::string mic = "tvconfigs/karaoke/karaoke.ini";
+    const std::string twin = "tvconfigs/karaoke/k2.ini";
+    const std::string volume = "[MIC]\nMIC_VOLUME = 1\n";
+    return {
+            {"WordThatOtherNamesHave", "unlike-other-files",
+             twins("[MIC]\nMIC_DELAY = 1\n", "[MIC]\nMIC_DEALY = 1\n"), twin + ":2(2)"},
+            {"WordThatOtherNamesHaveInTheSecondFile", "unlike-other-files",
+             twins("[MIC]\nMIC_DEALY = 1\n", "[MIC]\nMIC_DELAY = 1\n"), mic + ":2(2)"},
+            {"NameThatAnotherKindHas", "unlike-other-files",
+             all({twins(volume, "[MIC]\nMIC_VOLMUE = 1\n"),
+                  appended("tvconfigs/keys/keys.ini", "[K]\nMIC_VOLUME = 2\n")}),
+             twin + ":2(2)"},
+            {"NothingTellsTheRightName", "unlike-other-files",
+             twins(volume, "[MIC]\nMIC_VOLMUE = 1\n"), twin + ":2(2)"},
+            {"SectionOfOneOfTwoFiles", "unlike-other-files",
+             twins("[MIC]\nMIC_GAIN = 1\n", "[MCI]\nMIC_GAIN = 1\n"), twin + ":1(1)"},
+            {"KeysOfOtherSections", "unlike-other-files",
+             twins(volume, "[MUSIC]\nMIC_VOLMUE = 1\n"), ""},
+            {"RightNameOfABoard", "unlike-other-boards",
+             all({boards("[EXTRA]\nexGama = 1\n", "[EXTRA]\nexGamma = 1\n"),
+                  written("tvconfigs/board/b3.ini", "[EXTRA]\nexGamma = 1\n")}),
+             "tvconfigs/board/b1.ini:4"},
+            {"ABoardThatHasBoth", "unlike-other-boards",
+             all({boards("[EXTRA]\nexGama = 1\n", "[EXTRA]\nexGamma = 1\n"),
+                  written("tvconfigs/board/b3.ini", "[EXTRA]\nexGamma = 1\nexGama = 2\n")}),
+             ""},
+            {"NameThatIsDeclared", "unlike-other-boards",
+             all({boards("[EXTRA]\nexGama = 1\n", "[EXTRA]\nexGamma = 1\n"),
+                  written("mlktree.toml",
+                          "[[key]]\nsection = \"[EXTRA]\"\nkey = \"exGamma\"\n"
+                          "type = \"integer\"\n")}),
+             "tvconfigs/board/b1.ini:4"},
+            {"TwoBoardsAgainstTwo", "unlike-other-boards",
+             all({boards("[EXTRA]\nexGama = 1\n", "[EXTRA]\nexGamma = 1\n"),
+                  written("tvconfigs/board/b3.ini", "[EXTRA]\nexGamma = 1\n"),
+                  written("tvconfigs/board/b4.ini", "[EXTRA]\nexGama = 1\n")}),
+             ""},
+            {"KeysOfOtherSectionsOfBoards", "unlike-other-boards",
+             boards("[EXTRA]\nexGama = 1\n", "[OTHER]\nexGamma = 1\n"), ""},
+    };
+}
+
 std::vector<Edge> pathEdges() {
     // "/tvconfigs/audio/" and ".ini" are 21 bytes, "/tvconfigs/tv/" and ".config" too.
     const auto audio = [](size_t size) { return "tvconfigs/audio/" + letters(size - 21) + ".ini"; };
@@ -262,7 +316,7 @@ TEST_P(RuleEdges, HasItsFindings) {
 std::vector<Edge> edges() {
     std::vector<Edge> every;
     for (const auto& some :
-         {valueEdges(), identityEdges(), modelEdges(), pathEdges(), lineEdges()}) {
+         {valueEdges(), identityEdges(), modelEdges(), rivalEdges(), pathEdges(), lineEdges()}) {
         every.insert(every.end(), some.begin(), some.end());
     }
     return every;
