@@ -1,5 +1,6 @@
 // Rules about language lists.
 
+#include <algorithm>
 #include <cctype>
 #include <iterator>
 #include <map>
@@ -42,6 +43,34 @@ std::string usualShapeOf(const FileLines& list) {
     return {};
 }
 
+bool isSameLetter(char one, char other) {
+    return std::tolower(static_cast<unsigned char>(one)) ==
+           std::tolower(static_cast<unsigned char>(other));
+}
+
+// The language that the line end was lost before, as in "ger,Germaneng,English". Names may end like
+// a code, and have commas: the name after the comma has to begin like the code, too.
+std::string_view joinedLanguageIn(std::string_view text, const std::string& usual) {
+    constexpr size_t kShortest = 3;
+    if (usual.size() < kShortest) {
+        return {};
+    }
+    for (size_t comma = text.find(','); comma != std::string_view::npos;) {
+        const size_t begin = comma + 1;
+        comma = text.find(',', begin);
+        if (comma == std::string_view::npos || comma - begin <= usual.size()) {
+            continue;
+        }
+        const std::string_view code = text.substr(comma - usual.size(), usual.size());
+        const std::string_view name = text.substr(comma + 1);
+        if (shapeOf(code) == usual && name.size() >= code.size() &&
+            std::equal(code.begin(), code.end(), name.begin(), isSameLetter)) {
+            return code;
+        }
+    }
+    return {};
+}
+
 // What is wrong with the name of a language; empty if nothing is.
 std::string mistakeIn(const ReadLine& read, const std::string& usual) {
     const std::string_view name = trimmed(read.key);
@@ -51,8 +80,14 @@ std::string mistakeIn(const ReadLine& read, const std::string& usual) {
     if (name != read.key && read.key.find('\r') == std::string_view::npos) {
         return quoted(read.key) + " has a blank at an end, which belongs to the name";
     }
-    if (usual.empty() || shapeOf(name) == usual) {
+    if (usual.empty()) {
         return {};
+    }
+    if (shapeOf(name) == usual) {
+        const std::string_view joined = joinedLanguageIn(read.text, usual);
+        return joined.empty() ? ""
+                              : "two lines are joined: begin a new line before " + quoted(joined) +
+                                        ", which the set does not offer here";
     }
     const size_t comma = read.text.find(',');
     const std::string_view later = comma != std::string_view::npos

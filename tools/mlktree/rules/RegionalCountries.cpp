@@ -1,11 +1,15 @@
 // Rules about the names of countries in lists and maps.
 
+#include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <map>
 
 #include "host/text/Utf8.h"
 #include "regional/RegionalNames.h"
+#include "tools/mlktree/CountryCodes.h"
 #include "tools/mlktree/CountryNames.h"
+#include "tools/mlktree/Lookalikes.h"
 #include "tools/mlktree/Nearest.h"
 #include "tools/mlktree/Texts.h"
 #include "tools/mlktree/rules/Families.h"
@@ -60,6 +64,17 @@ NameMistake mistakeInList(const ReadLine& read, std::string_view name) {
     return {};
 }
 
+// The country at the end of a name that another country begins, as in "GERMANYAUSTRIA".
+std::string_view countryAfterCountry(std::string_view name) {
+    for (size_t end = 1; end < name.size(); ++end) {
+        const std::string_view later = trimmed(name.substr(end));
+        if (countryOf(later) && countryOf(trimmed(name.substr(0, end)))) {
+            return later;
+        }
+    }
+    return {};
+}
+
 NameMistake mistakeIn(const FileLines& file, const ReadLine& read, std::string_view name) {
     const bool isList = file.format() == FileFormat::COUNTRY_LIST;
     const std::optional<_tv_country> country = countryOf(name);
@@ -79,6 +94,12 @@ NameMistake mistakeIn(const FileLines& file, const ReadLine& read, std::string_v
     if (isList) {
         if (NameMistake mistake = mistakeInList(read, name); !mistake.message.empty()) {
             return mistake;
+        }
+        if (const std::string_view later = countryAfterCountry(name); !later.empty()) {
+            return {std::string(name), quoted(name) +
+                                               " is no country: two lines are joined; begin a new "
+                                               "line before " +
+                                               quoted(later)};
         }
     }
     return {std::string(name),
@@ -119,13 +140,35 @@ bool namesCountries(FileFormat format) {
 
 // The country that the line end was lost before, as in "CHINA,CNHONGKONG,HK". A comma has to
 // follow: "SOMALI" may stand after the comma of Somalia, and has no Mali.
-std::string_view countryAfterCode(std::string_view rest) {
+std::string_view countryAfterCode(std::string_view first, std::string_view rest) {
     const size_t comma = rest.find(',');
     if (comma == std::string_view::npos || comma < kCodeSize) {
         return {};
     }
-    const std::string_view country = rest.substr(kCodeSize, comma - kCodeSize);
+    const std::string_view joined = rest.substr(kCodeSize, comma - kCodeSize);
+    const std::string_view country = trimmed(joined);
+    // "AM SAMOA" is a name, while "DE AUSTRIA" after GERMANY is no name of it.
+    const bool isJoined = country == joined || countryOfCode(rest.substr(0, kCodeSize)) == first;
+    return isJoined && countryOf(country) ? country : std::string_view();
+}
+
+// The same after a name that people read, as in "GERMANY,GermanyAUSTRIA,Austria". A small letter,
+// or one that is not ASCII, ends such a name, so that no country is found in another one.
+std::string_view countryAfterName(std::string_view rest) {
+    const std::string_view entry = rest.substr(0, std::min(rest.find(','), rest.size()));
+    const size_t last = entry.find_last_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
+    if (entry.size() == rest.size() || last == std::string_view::npos ||
+        (isAscii(entry.substr(last, 1)) &&
+         std::islower(static_cast<unsigned char>(entry[last])) == 0)) {
+        return {};
+    }
+    const std::string_view country = entry.substr(last + 1);
     return countryOf(country) ? country : std::string_view();
+}
+
+std::string_view joinedCountryIn(std::string_view first, std::string_view rest) {
+    const std::string_view country = countryAfterCode(first, rest);
+    return country.empty() ? countryAfterName(rest) : country;
 }
 
 // Countries after the first comma of a line that begins with a country.
@@ -143,7 +186,7 @@ void checkLost(const ProductLine& line, Reporter& reporter) {
             }
             const std::string_view rest = read.text.substr(comma + 1);
             const std::string_view entry = countryIn(rest);
-            const std::string_view joined = entry.empty() ? countryAfterCode(rest) : "";
+            const std::string_view joined = entry.empty() ? joinedCountryIn(read.key, rest) : "";
             if (!joined.empty()) {
                 groups.add("joined", placeOf(line, *file, read, joined),
                            "two lines are joined: begin a new line before " + quoted(joined) +

@@ -73,6 +73,33 @@ std::vector<Edge> planEdges() {
     };
 }
 
+// Lists with lines that were joined, and with lines that only look like it.
+std::vector<Edge> joinedEdges() {
+    const std::string first = std::string(kCountries) + ":1";
+    return {
+            {"JoinedAfterAName", "lost-country",
+             written(kCountries, "GERMANY,GermanyAUSTRIA,Austria\n"), first},
+            {"JoinedAfterANameThatIsNotAscii", "lost-country",
+             written(kCountries, "GERMANY,\xe5\xbe\xb7\xe5\x9b\xbdNIGER,Niger\n"), first},
+            {"JoinedByABlank", "lost-country", written(kCountries, "GERMANY,DE AUSTRIA,AT\n"),
+             first},
+            {"JoinedInTheThirdEntry", "lost-country",
+             written(kCountries, "GERMANY,DEAUSTRIA,ATFRANCE,FR\n"), first},
+            {"CountryInANameOfCapitals", "lost-country",
+             written(kCountries,
+                     "EQUATORIAL_GUINEA,EQUATORIALGUINEA,GQ\nNIGERIA,NIGERIA,NG\n"
+                     "SOUTH_KOREA,Republic of KOREA,KR\nGERMANY,AM SAMOA,WS\n"),
+             ""},
+            {"CountryAtTheEndOfTheLine", "lost-country",
+             written(kCountries, "SOMALIA,SoMALI\nDOMINICA,DominicaNIGER\n"), ""},
+            {"NameOfTwoCountries", "unknown-country",
+             written(kCountries, "GERMANYAUSTRIA,AT\nGERMANY AUSTRIA,AT\n"),
+             first + " " + kCountries + ":2"},
+            {"NamesThatHaveOthers", "unknown-country",
+             written(kCountries, "NIGERIA,NG\nEQUATORIAL_GUINEA,GQ\nPAPUA_NEW_GUINEA,PG\n"), ""},
+    };
+}
+
 std::vector<Edge> regionalEdges() {
     const std::string sweden =
             "    <COUNTRY_NAME>SWEDEN</COUNTRY_NAME>\n"
@@ -132,7 +159,7 @@ TEST_P(RegionalEdges, HasItsFindings) {
 
 std::vector<Edge> edges() {
     std::vector<Edge> every;
-    for (const auto& some : {planEdges(), regionalEdges()}) {
+    for (const auto& some : {planEdges(), joinedEdges(), regionalEdges()}) {
         every.insert(every.end(), some.begin(), some.end());
     }
     return every;

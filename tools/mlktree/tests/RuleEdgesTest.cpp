@@ -286,6 +286,7 @@ std::vector<Edge> pathEdges() {
 }
 
 std::vector<Edge> lineEdges() {
+    const std::string four = "ger,German\nfre,French\nita,Italian\nspa,Spanish\n";
     return {
             {"TabAtTheEndOfAValue", "tab",
              replaced(kModel, "ModeStatus = 0\n", "ModeStatus = 0\t\n"),
@@ -304,6 +305,17 @@ std::vector<Edge> lineEdges() {
             {"FourLanguages", "language-name", written(kLanguages, "ger\neng\nfre\nita\nDAN\n"),
              "tvconfigs/language/language.txt:5"},
             {"ThreeLanguages", "language-name", written(kLanguages, "ger\neng\nfre\nDAN\n"), ""},
+            {"JoinedLanguages", "language-name",
+             written(kLanguages, four + "dan,Danishswe,Swedish\nnor,Norwegian fin,Finnish\n"),
+             "tvconfigs/language/language.txt:5 tvconfigs/language/language.txt:6"},
+            {"CommaInTheNameOfALanguage", "language-name",
+             written(kLanguages, four + "chi,Chinese,Simplified\nzho,Chinese,traditional\n"
+                                        "por,Portuguese,Brazil\neng,eng,English\n"),
+             ""},
+            {"CodesOfTwoLetters", "language-name",
+             written(kLanguages,
+                     "de,German\nen,English\nfr,French\nit,Italian\nno,Norwegian,Ancient\n"),
+             ""},
     };
 }
 
