@@ -44,9 +44,8 @@ std::vector<std::string_view> wordsOf(std::string_view name) {
     return words;
 }
 
-// Whether two names are alike also without the words that they begin and end with alike: KEY_DOWN
-// is not meant for KEY_OK.
-bool areWordsAlike(std::string_view name, std::string_view other) {
+// What two names have between the words that they begin and end with alike.
+std::pair<std::string, std::string> ownPartsOf(std::string_view name, std::string_view other) {
     const std::vector<std::string_view> words = wordsOf(name);
     const std::vector<std::string_view> others = wordsOf(other);
     const size_t fewer = std::min(words.size(), others.size());
@@ -66,11 +65,13 @@ bool areWordsAlike(std::string_view name, std::string_view other) {
         }
         return text.substr(0, text.empty() ? 0 : text.size() - 1);
     };
-    const std::string own = middle(words);
-    const std::string right = middle(others);
-    // UART_TX is not meant for UART_RX.
-    const bool isShort = own.size() <= 2 && right.size() <= 2;
-    return differsInCase(name, other) || (!isShort && !nearest(own, {right}).empty());
+    return {middle(words), middle(others)};
+}
+
+// KEY_DOWN is not meant for KEY_OK, although the names as a whole are near.
+bool areWordsAlike(std::string_view name, std::string_view other) {
+    const auto [own, right] = ownPartsOf(name, other);
+    return differsInCase(name, other) || !nearest(own, {right}).empty();
 }
 
 }  // namespace
@@ -167,6 +168,12 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
         return !found.empty() && withoutBrackets(candidate) == found;
     });
     return whole != names.end() ? *whole : std::string_view();
+}
+
+bool differsInShortWord(std::string_view name, std::string_view other) {
+    constexpr size_t kLongest = 2;
+    const auto [own, right] = ownPartsOf(name, other);
+    return own.size() <= kLongest && right.size() <= kLongest && !differsInCase(name, other);
 }
 
 bool differsInCase(std::string_view one, std::string_view other) {

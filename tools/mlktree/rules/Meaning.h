@@ -111,13 +111,16 @@ bool isWholeSection(std::string_view name);
 
 /**
  * The candidate that is probably meant, as nearest() has it. Names that differ in their numbers
- * only are never meant for each other, nor are names, or words of them, of one or two letters that
- * differ in more than their case. Brackets of sections do not count.
+ * only are never meant for each other, nor are names of one or two letters that differ in more than
+ * their case. Brackets of sections do not count.
  */
 std::string_view nearestName(std::string_view name, const std::vector<std::string_view>& names);
 
 /** The text without what is no letter, digit or "_" at its ends; a part of it. */
 std::string_view wordIn(std::string_view text);
+
+/** True if two names differ in words of one or two letters only, as UART_TX and UART_RX. */
+bool differsInShortWord(std::string_view name, std::string_view other);
 
 /** True if two names differ in the case of letters only. */
 bool differsInCase(std::string_view one, std::string_view other);

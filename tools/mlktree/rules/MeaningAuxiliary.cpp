@@ -194,7 +194,7 @@ void checkPair(const ProductLine& line, Reporter& reporter, const Kind& kind) {
             }
         }
         const std::string_view name = nearestName(read->key, names);
-        if (!name.empty()) {
+        if (!name.empty() && !differsInShortWord(read->key, name)) {
             reportRivals(line, reporter, {&file, read, read->key},
                          {&other, other.find(read->section, name), name});
         }

@@ -39,7 +39,7 @@ void compareNames(const ProductLine& line, Reporter& reporter, const BoardNames&
     uses.sort(true);
     for (const auto& [name, board] : names) {
         const std::string_view right = board.isKnown ? "" : uses.rivalNameFor(name, searches);
-        if (right.empty() || hasBoth(board, names.at(right))) {
+        if (right.empty() || differsInShortWord(name, right) || hasBoth(board, names.at(right))) {
             continue;
         }
         const BoardName& other = names.at(right);

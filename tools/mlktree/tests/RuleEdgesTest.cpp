@@ -179,6 +179,8 @@ std::vector<Edge> rivalEdges() {
              twins("[MIC]\nMIC_GAIN = 1\n", "[MCI]\nMIC_GAIN = 1\n"), twin + ":1(1)"},
             {"KeysOfOtherSections", "unlike-other-files",
              twins(volume, "[MUSIC]\nMIC_VOLMUE = 1\n"), ""},
+            {"WordsOfTwoLetters", "unlike-other-files",
+             twins("[MIC]\nMIC_TX_PIN = 1\n", "[MIC]\nMIC_RX_PIN = 1\n"), ""},
             {"RightNameOfABoard", "unlike-other-boards",
              all({boards("[EXTRA]\nexGama = 1\n", "[EXTRA]\nexGamma = 1\n"),
                   written("tvconfigs/board/b3.ini", "[EXTRA]\nexGamma = 1\n")}),
