@@ -20,8 +20,6 @@ namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 namespace {
 
-constexpr std::string_view kTvdata = "/tvdata";
-
 // Text of an element of a country block; empty, and logged, if there is no such element.
 std::string textOrComplaint(const tinyxml2::XMLElement& block, const char* element,
                             const char* function, int line, const char* complaint) {
@@ -200,11 +198,11 @@ std::string TvSysMapCfgHolder::getCountryName(_tv_country country) const {
 }
 
 std::string TvSysMapCfgHolder::patchToTargetBoardPath(const std::string& value) const {
-    if (beginsWith(value, kTvconfigs)) {
-        return mPartitions.tvconfigs + value.substr(kTvconfigs.size());
+    if (beginsWith(value, partition::kTvconfigs)) {
+        return mPartitions.tvconfigs + value.substr(partition::kTvconfigs.size());
     }
-    if (beginsWith(value, kTvdata)) {
-        return mPartitions.tvdata + value.substr(kTvdata.size());
+    if (beginsWith(value, partition::kTvdata)) {
+        return mPartitions.tvdata + value.substr(partition::kTvdata.size());
     }
     return value;
 }

@@ -3,10 +3,9 @@
 #include <cstddef>
 #include <string_view>
 
-namespace vendor::morlak::mlkconfigs::V1_0::implementation {
+#include "common/Partitions.h"
 
-/** The partition's name at the beginning of a path in the files of a country. */
-inline constexpr std::string_view kTvconfigs = "/tvconfigs";
+namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /**
  * Returns a path of a TV system file or a country map from "/tvconfigs" on; empty if it does not
@@ -14,7 +13,7 @@ inline constexpr std::string_view kTvconfigs = "/tvconfigs";
  * does not count.
  */
 constexpr std::string_view fromTvconfigs(std::string_view path) {
-    const size_t at = path.find(kTvconfigs);
+    const size_t at = path.find(partition::kTvconfigs);
     return at == std::string_view::npos ? std::string_view() : path.substr(at);
 }
 

@@ -54,7 +54,7 @@ void checkOutside(const ProductLine& line, Reporter& reporter) {
                 groups.add(std::string(read.value), placeOf(line, *file, read, trimmed(read.value)),
                            quoted(trimmed(read.value)) +
                                    " is not used, because it does not lie in " +
-                                   std::string(product::kTvconfigs));
+                                   std::string(product::partition::kTvconfigs));
             }
         }
     }
