@@ -65,27 +65,21 @@ TEST(ClientDescriptor, WritingGoesOnWithoutTheCaller) {
 
 // Pipes that take all places for readers, and the results of the texts written to them.
 struct Waiting {
-    std::vector<TestPipe> pipes;
-    std::vector<std::future<Written>> results;
+    std::vector<TestPipe> pipes{kWaitForReaders};
+    std::vector<std::future<Written>> results{kWaitForReaders};
 
     explicit Waiting(const std::string& text) {
-        constexpr int kTries = 20;
-        for (int i = 0; i < kTries; ++i) {
-            pipes = std::vector<TestPipe>(kWaitForReaders);
-            results.clear();
-            for (TestPipe& pipe : pipes) {
-                results.push_back(writing(pipe.fill().writeEnd(), text));
+        const auto areAllTaken = [&] {
+            for (size_t i = 0; i < pipes.size(); ++i) {
+                // A probe that was first has taken the place of a text that has ended.
+                if (!results[i].valid() || isDone(results[i])) {
+                    pipes[i] = TestPipe();
+                    results[i] = writing(pipes[i].fill().writeEnd(), text);
+                }
             }
-            if (!eventually([&] { return anyDone() || probeIsCrowded(); })) {
-                ADD_FAILURE() << "there are more places";
-                return;
-            }
-            if (!anyDone()) {
-                return;
-            }
-            // The probe was first and has taken the place of one of them.
-        }
-        ADD_FAILURE() << "no text waits for its reader";
+            return probeIsCrowded() && !anyDone();
+        };
+        EXPECT_TRUE(eventually(areAllTaken)) << "there are more places, or fewer";
     }
 
   private:
