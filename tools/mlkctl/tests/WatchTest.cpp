@@ -13,6 +13,7 @@
 #include "host/testing/Eventually.h"
 #include "host/testing/HostSet.h"
 #include "host/testing/Process.h"
+#include "host/testing/ThreadState.h"
 #include "tools/mlkctl/tests/Harness.h"
 
 namespace mlk::ctl {
@@ -108,9 +109,12 @@ TEST_F(WatchTest, EndsAtOnceWhileTheServiceHangs) {
         mService->kill(SIGSTOP);
         // The question may take a day: only the signal ends it.
         Process watch({binDir() + "/mlkctl", "watch", "--timeout", "86400"});
-        // The thread that asks has begun.
-        ASSERT_TRUE(mlk::testing::eventually(
-                [&] { return catches(watch.pid(), signal) && threadsOf(watch.pid()) > 1; }));
+        // The thread that asks waits for its answer. Until it does, the signal might come on a
+        // thread that the sanitizer does not know yet.
+        ASSERT_TRUE(mlk::testing::eventually([&] {
+            return catches(watch.pid(), signal) && threadsOf(watch.pid()) > 1 &&
+                   mlk::testing::allSleep(watch.pid());
+        }));
         watch.kill(signal);
         EXPECT_EQ(watch.wait(), 0);
         EXPECT_EQ(watch.err(), "");
