@@ -43,7 +43,7 @@ class NameUses {
     std::string_view rivalNameFor(std::string_view name, size_t& searches) const;
 
   private:
-    // The nearest one of the other names that at least so many files have.
+    // The nearest of the other names that `least` files or more have.
     std::string_view nearestOf(size_t least, std::string_view name, size_t& searches) const;
 
     std::unordered_map<std::string_view, size_t> mCounts;

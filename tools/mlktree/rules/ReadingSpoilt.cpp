@@ -141,37 +141,25 @@ struct Harm {
     const char* part;
 };
 
-std::optional<Harm> harmToName(FileFormat format, std::string_view line, const Lookalike& first) {
-    const std::string_view name = line.substr(0, line.find(','));
+std::optional<Harm> harmIf(bool isHarm, size_t at, const char* part) {
+    return isHarm ? std::optional<Harm>({at, part}) : std::nullopt;
+}
+
+bool harmsListed(FileFormat format, std::string_view name, const Lookalike& first) {
     const bool isHarmless = format == FileFormat::LANGUAGE_LIST && !isMeantInAscii(name) &&
                             !hasSlipAtEnd(name, first);
-    if (first.at >= name.size() || isHarmless) {
-        return std::nullopt;
-    }
-    return Harm{first.at, "name"};
+    return first.at < name.size() && !isHarmless;
 }
 
-std::optional<Harm> harmToSection(std::string_view code, const Lookalike& first) {
-    if (!isMeantInAscii(code) && !isOfNoScript(first)) {
-        return std::nullopt;
-    }
-    return Harm{first.at, "section's name"};
+// Of the name of a section or a key.
+bool harmsName(std::string_view name, const Lookalike& first) {
+    return isMeantInAscii(name) || isOfNoScript(first);
 }
 
-// Of a line that is neither a section nor an item, but was meant for one.
-std::optional<Harm> harmToLine(std::string_view code, const Lookalike& first) {
+// Whether a line that is neither a section nor an item was meant for one.
+bool isMeantForOne(std::string_view code) {
     const std::string plain = withoutLookalikes(code);
-    if (plain.find('=') == std::string::npos && !beginsWith(plain, "[")) {
-        return std::nullopt;
-    }
-    return Harm{first.at, "line"};
-}
-
-std::optional<Harm> harmToKey(std::string_view key, const Lookalike& first) {
-    if (!isMeantInAscii(key) && !isOfNoScript(first)) {
-        return std::nullopt;
-    }
-    return Harm{first.at, "key"};
+    return plain.find('=') != std::string::npos || beginsWith(plain, "[");
 }
 
 // The value begins after the "=" at that place.
@@ -181,10 +169,8 @@ std::optional<Harm> harmToValue(std::string_view code, size_t equals) {
     value = value.substr(std::min(begin, value.size()));
     value = value.substr(0, value.find_last_not_of(" \t\r\";") + 1);
     const Lookalike found = findLookalike(value);
-    if (found.size == 0 || !harms(value, found)) {
-        return std::nullopt;
-    }
-    return Harm{static_cast<size_t>(value.data() - code.data()) + found.at, "value"};
+    return harmIf(found.size != 0 && harms(value, found),
+                  static_cast<size_t>(value.data() - code.data()) + found.at, "value");
 }
 
 // What the first lookalike of the line that does harm does it to; nothing for a sound line.
@@ -196,21 +182,21 @@ std::optional<Harm> harmTo(FileFormat format, const ReadLine& read) {
         return std::nullopt;
     }
     if (isList) {
-        return harmToName(format, code, first);
+        return harmIf(harmsListed(format, code.substr(0, code.find(',')), first), first.at, "name");
     }
     if (format == FileFormat::CHANNEL_PLAN) {
         return Harm{first.at, "line"};
     }
     if (read.use == LineUse::SECTION) {
-        return harmToSection(code, first);
+        return harmIf(harmsName(code, first), first.at, "section's name");
     }
     const size_t equals = code.find('=');
     if (equals == std::string_view::npos) {
-        return harmToLine(code, first);
+        return harmIf(isMeantForOne(code), first.at, "line");
     }
     // The keyword of an identity file counts anywhere: what stands around it does no harm.
     if (first.at < equals && !isIdentity(format)) {
-        return harmToKey(code.substr(0, equals), first);
+        return harmIf(harmsName(code.substr(0, equals), first), first.at, "key");
     }
     return harmToValue(code, equals);
 }
