@@ -65,10 +65,10 @@ std::string boardMeant(const std::string& board, const std::string& folder) {
 // The customer file that --customer names: by its path, or by its name alone if it lies beside the
 // usual one. Throws UsageError if there is no such file, or if the name alone fits two.
 std::string customerFile(const Tree& tree, const std::string& argument) {
-    const std::string byPath = tree.hostOfArgument(argument);
+    std::string byPath = tree.hostOfArgument(argument);
     const std::string& folder = tree.partitions().tvconfigs;
     const bool isName = argument.find('/') == std::string::npos;
-    const std::string usual = pathIn(folder, argument);
+    std::string usual = pathIn(folder, argument);
     if (isName && isRegularFile(usual)) {
         std::error_code error;
         if (isRegularFile(byPath) && !std::filesystem::equivalent(byPath, usual, error)) {
