@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/Texts.h"
+
 namespace vendor::morlak::mlkconfigs::V1_0::implementation {
 
 /** What values in files call the partitions, regardless of the mount points. */
@@ -36,8 +38,7 @@ constexpr std::array<PartitionName, 3> kPartitionNames = {{
 /** Whether a path begins with the name of a partition and a slash. */
 inline bool isInPartition(std::string_view path) {
     for (const PartitionName& each : kPartitionNames) {
-        if (path.substr(0, each.name.size()) == each.name &&
-            path.substr(each.name.size(), 1) == "/") {
+        if (beginsWith(path, each.name) && beginsWith(path.substr(each.name.size()), "/")) {
             return true;
         }
     }
